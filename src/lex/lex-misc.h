@@ -1,0 +1,90 @@
+#pragma once
+
+// Helpers on top of the token scanner: word tables, strings and integers from the token stream,
+// positions, and text written back in the scanner's quoted form.
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+
+#include "lex/lex.h"
+
+// Word tables of the trans_ helpers: rows of two 8-byte slots, ended by a row whose first is null.
+struct trans_id_t {
+    const char *word;
+    std::int64_t id;
+};
+struct trans_str_t {
+    const char *word;
+    const char *text;
+};
+
+// First row that matches, or the default.
+int trans_str_id(const trans_id_t *table, const char *word, int fallback);
+const char *trans_id_str(const trans_id_t *table, int id, const char *fallback);
+const char *trans_str_str(const trans_str_t *table, const char *word, const char *fallback);
+
+// The ids of a comma-separated list of words, ORed; unknown words and an empty text give nothing.
+std::uint32_t trans_str_mask(const trans_id_t *table, const char *text);
+
+// 1 when the token is of that kind.
+int lex_match(const zel_token_t *token, int kind);
+
+// These look at the next token and take it only on success: 0, else 1. Strings are stored in *out
+// as new copies owned by the caller (null when empty); what out holds is released first.
+int lex_get_str(zel_lex_t *lex, char **out);
+int lex_get_concat_str(zel_lex_t *lex, char **out); // all the adjacent strings, joined
+int lex_get_int(zel_lex_t *lex, unsigned *out);
+
+// Takes tokens up to and including the first of that kind, line feed, or -1, -2, -3.
+void zel_lex_read_until_token(zel_lex_t *lex, int kind);
+
+// "file:line:column" by the line markers, else "line:column"; in the scanner's position text,
+// overwritten by the next call.
+const char *zel_lex_linemarker_info(zel_lex_t *lex, const zel_token_t *token);
+
+// What the scanner reads from: its file name, "Memory", or what is missing.
+const char *zel_lex_get_file(zel_lex_t *lex);
+
+// Escapes \r \n \t \" \\ into the destination (null: only counts); returns the escaped length.
+int _lex_esc_str(char *destination, const char *source);
+[[nodiscard]] char *lex_esc_str(const char *source); // a new string; null when empty
+
+// In place: blanks and tabs off both ends.
+char *lexstrtrim(char *text);
+
+// 1 when the character may stand in an id.
+int lex_id_char_valid(int character, int digits_allowed);
+
+// Writing in the scanner's quoted form. lex_write_str writes a blank and the quoted first n bytes
+// (all when n is below 1) and returns 2 plus the escaped length; a null string gives two quotes
+// and 0. The splitter writes pieces that end after the separator or at 1024 characters, one per
+// line, from the second on indented; it returns the sum.
+int lex_write_char(std::FILE *stream, int byte);
+int lex_write_str(std::FILE *stream, const char *text, int n);
+int lex_write_split_str_by_sep(std::FILE *stream, int indent, const char *text, char separator,
+                               int column);
+
+namespace zel {
+
+// The escapes of quoted strings, for readers and writers alike: the letter after the backslash for
+// a byte that is written escaped, else 0.
+constexpr char escape_letter(unsigned char byte)
+{
+    switch (byte) {
+    case '\r':
+        return 'r';
+    case '\n':
+        return 'n';
+    case '\t':
+        return 't';
+    case '"':
+        return '"';
+    case '\\':
+        return '\\';
+    default:
+        return 0;
+    }
+}
+
+} // namespace zel

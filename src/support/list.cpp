@@ -1,0 +1,272 @@
+#include "support/list.h"
+
+#include "support/log-print.h"
+#include "support/misc-error.h"
+#include "support/zel_malloc.h"
+
+#include <cstdlib>
+#include <cstring>
+
+std::uint32_t zel_list_alloc_count;
+std::uint32_t zel_list_free_count;
+
+namespace {
+
+void release_node(zel_list *node)
+{
+    std::free(node);
+    ++zel_list_free_count;
+}
+
+// Every release: cuts the list off the nodes before it, then lets go of data and node one by one.
+template <class Release>
+void release_all(zel_list *list, Release &&release_data)
+{
+    if (list != nullptr && list->prev != nullptr)
+        list->prev->next = nullptr;
+    while (list != nullptr) {
+        zel_list *next = list->next;
+        release_data(list->data);
+        release_node(list);
+        list = next;
+    }
+}
+
+zel_list *new_node_or_report(void *data)
+{
+    zel_list *node = zel_list_new();
+    if (node == nullptr)
+        _zel_fatal("list", __LINE__, "not enough memory");
+    else
+        node->data = data;
+    return node;
+}
+
+// Ends the first half before the middle node, which is returned.
+zel_list *split_in_middle(zel_list *list)
+{
+    zel_list *slow = list;
+    for (zel_list *fast = list->next; fast != nullptr && fast->next != nullptr;
+         fast = fast->next->next)
+        slow = slow->next;
+    zel_list *middle = slow->next;
+    slow->next = nullptr;
+    middle->prev = nullptr;
+    return middle;
+}
+
+zel_list *merge(zel_list *a, zel_list *b, int (*compare)(const void *, const void *))
+{
+    zel_list head{};
+    zel_list *last = &head;
+    while (a != nullptr && b != nullptr) {
+        zel_list *&taken = compare(a->data, b->data) > 0 ? b : a;
+        last->next = taken;
+        taken->prev = last;
+        last = taken;
+        taken = taken->next;
+    }
+    last->next = a != nullptr ? a : b;
+    last->next->prev = last;
+    head.next->prev = nullptr;
+    return head.next;
+}
+
+} // namespace
+
+zel_list *zel_list_new()
+{
+    auto *node = static_cast<zel_list *>(std::calloc(1, sizeof(zel_list)));
+    if (node != nullptr)
+        ++zel_list_alloc_count;
+    return node;
+}
+
+zel_list *zel_list_append(zel_list *list, void *data)
+{
+    zel_list *node = new_node_or_report(data);
+    if (node == nullptr || list == nullptr)
+        return list == nullptr ? node : list;
+    zel_list *last = zel_list_last(list);
+    last->next = node;
+    node->prev = last;
+    return list;
+}
+
+zel_list *zel_list_prepend(zel_list *node, void *data)
+{
+    zel_list *added = new_node_or_report(data);
+    if (added == nullptr)
+        return node;
+    if (node != nullptr) {
+        added->next = node;
+        added->prev = node->prev;
+        if (node->prev != nullptr)
+            node->prev->next = added;
+        node->prev = added;
+    }
+    return added;
+}
+
+zel_list *zel_list_concat(zel_list *a, zel_list *b)
+{
+    if (a == nullptr)
+        return b;
+    if (b != nullptr) {
+        zel_list *last = zel_list_last(a);
+        last->next = b;
+        b->prev = last;
+    }
+    return a;
+}
+
+zel_list *zel_list_first(zel_list *node)
+{
+    while (node != nullptr && node->prev != nullptr)
+        node = node->prev;
+    return node;
+}
+
+zel_list *zel_list_last(zel_list *node)
+{
+    while (node != nullptr && node->next != nullptr)
+        node = node->next;
+    return node;
+}
+
+zel_list *zel_list_next(zel_list *node) { return node == nullptr ? nullptr : node->next; }
+
+zel_list *zel_list_prev(zel_list *node) { return node == nullptr ? nullptr : node->prev; }
+
+zel_list *zel_list_nth(zel_list *list, int n)
+{
+    for (; n > 1 && list != nullptr; --n)
+        list = list->next;
+    return list;
+}
+
+int zel_list_count(const zel_list *list)
+{
+    int count = 0;
+    for (; list != nullptr; list = list->next)
+        ++count;
+    return count;
+}
+
+zel_list *zel_list_remove_link(zel_list *list, zel_list *node)
+{
+    if (list == nullptr || node == nullptr)
+        return list;
+    if (node->prev != nullptr)
+        node->prev->next = node->next;
+    if (node->next != nullptr)
+        node->next->prev = node->prev;
+    zel_list *head = list == node ? node->next : list;
+    release_node(node);
+    return head;
+}
+
+void zel_list_free(zel_list *list)
+{
+    release_all(list, [](void *) {});
+}
+
+void zel_list_free_with_data(zel_list *list)
+{
+    release_all(list, [](void *data) { std::free(data); });
+}
+
+void zel_list_free_full(zel_list *list, void (*release)(void *data))
+{
+    release_all(list, [release](void *data) {
+        if (data != nullptr)
+            release(data);
+    });
+}
+
+void zel_list_foreach(zel_list *list, void (*function)(void *data, void *user), void *user)
+{
+    for (; list != nullptr; list = list->next)
+        function(list->data, user);
+}
+
+zel_list *zel_list_sort(zel_list *list, int (*compare)(const void *, const void *))
+{
+    if (list == nullptr || list->next == nullptr)
+        return list;
+    zel_list *middle = split_in_middle(list);
+    return merge(zel_list_sort(list, compare), zel_list_sort(middle, compare), compare);
+}
+
+char *zel_list_generate_str(const zel_list *list)
+{
+    if (list == nullptr)
+        return nullptr;
+    std::size_t size = 0;
+    for (const zel_list *node = list; node != nullptr; node = node->next)
+        size += (node->data == nullptr ? 0 : std::strlen(static_cast<const char *>(node->data))) + 2;
+    char *joined = static_cast<char *>(std::malloc(size));
+    if (joined == nullptr)
+        return nullptr;
+    char *end = joined;
+    for (const zel_list *node = list; node != nullptr; node = node->next)
+        if (node->data != nullptr)
+            end = stpcpy(end, static_cast<const char *>(node->data));
+    *end = '\0';
+    return joined;
+}
+
+char *zel_list_generate_str2(const zel_list *list, const char *fallback)
+{
+    char *joined = zel_list_generate_str(list);
+    return joined != nullptr ? joined : zel_strdup(fallback);
+}
+
+void zel_list_debug_info()
+{
+    LogPrint(1, "zel_list_debug_info: alloc:free %i:%i\n", static_cast<int>(zel_list_alloc_count),
+             static_cast<int>(zel_list_free_count));
+    LogPrint(1, "zel_list_debug_info: alloc-free %i\n",
+             static_cast<int>(zel_list_alloc_count - zel_list_free_count));
+}
+
+key_val *key_val_new(const char *key, const char *val)
+{
+    auto *record = static_cast<key_val *>(std::calloc(1, sizeof(key_val)));
+    if (record != nullptr) {
+        record->key = zel_strdup(key);
+        record->val = zel_strdup(val);
+    }
+    return record;
+}
+
+void key_val_free(key_val *record)
+{
+    if (record == nullptr)
+        return;
+    std::free(record->key);
+    std::free(record->val);
+    std::free(record);
+}
+
+void zel_list_key_val_free(void *record) { key_val_free(static_cast<key_val *>(record)); }
+
+void zel_list_free_with_key_val(zel_list *list) { zel_list_free_full(list, zel_list_key_val_free); }
+
+// An empty key or value is stored as null and sorts as an empty string.
+static int compare_strings(const char *a, const char *b)
+{
+    return std::strcmp(a == nullptr ? "" : a, b == nullptr ? "" : b);
+}
+
+int key_val_sort_func_key(const void *a, const void *b)
+{
+    return compare_strings(static_cast<const key_val *>(a)->key,
+                           static_cast<const key_val *>(b)->key);
+}
+
+int key_val_sort_func_val(const void *a, const void *b)
+{
+    return compare_strings(static_cast<const key_val *>(a)->val,
+                           static_cast<const key_val *>(b)->val);
+}

@@ -1,0 +1,81 @@
+#pragma once
+
+// A doubly linked list of untyped pointers. A list is its first node; operations that may change
+// the head return it, and the caller keeps the result. An empty list is null. Data is never owned
+// unless a release with data is used.
+
+#include <cstdint>
+#include <memory>
+
+#include "support/guard.h"
+
+struct zel_list {
+    void *data;
+    zel_list *next; // null in the last node
+    zel_list *prev; // null in the first node
+};
+
+// Nodes made and released in this process, to find leaks (not locked).
+extern std::uint32_t zel_list_alloc_count;
+extern std::uint32_t zel_list_free_count;
+
+// A zeroed node; null without memory.
+[[nodiscard]] zel_list *zel_list_new();
+
+// Adds at the end. Walks the list; code that appends many keeps the last node and hands it in
+// (the result is then a node of the list, not its head). Without memory the list stays as it was
+// and a fatal error is reported.
+[[nodiscard]] zel_list *zel_list_append(zel_list *list, void *data);
+
+// Inserts before the node, between it and its previous one; returns the new node.
+[[nodiscard]] zel_list *zel_list_prepend(zel_list *node, void *data);
+
+// Links b behind a's last node; returns a, or b when a is empty.
+[[nodiscard]] zel_list *zel_list_concat(zel_list *a, zel_list *b);
+
+zel_list *zel_list_first(zel_list *node);
+zel_list *zel_list_last(zel_list *node);
+zel_list *zel_list_next(zel_list *node);
+zel_list *zel_list_prev(zel_list *node);
+
+// Node number n counted from 1; the list itself for 1 and below, null past the end.
+zel_list *zel_list_nth(zel_list *list, int n);
+
+int zel_list_count(const zel_list *list);
+
+// Unlinks and releases the node, not its data; returns the new head. A null node gives the list.
+[[nodiscard]] zel_list *zel_list_remove_link(zel_list *list, zel_list *node);
+
+// Releases every node from this one to the end: only the nodes, with each node's data (free), or
+// with a function called on each data that is not null.
+void zel_list_free(zel_list *list);
+void zel_list_free_with_data(zel_list *list);
+void zel_list_free_full(zel_list *list, void (*release)(void *data));
+
+using zel_list_guard = std::unique_ptr<zel_list, zel::release<zel_list_free>>;
+
+// Calls the function with each data, in order, and the user value.
+void zel_list_foreach(zel_list *list, void (*function)(void *data, void *user), void *user);
+
+// Stable merge sort; returns the new head.
+[[nodiscard]] zel_list *zel_list_sort(zel_list *list, int (*compare)(const void *, const void *));
+
+// All strings of the list in one new one, owned by the caller: null for an empty list, or in its
+// place a copy of the default.
+[[nodiscard]] char *zel_list_generate_str(const zel_list *list);
+[[nodiscard]] char *zel_list_generate_str2(const zel_list *list, const char *fallback);
+
+// Logs the two counters and their difference.
+void zel_list_debug_info();
+
+// A pair of owned strings; null without memory.
+struct key_val {
+    char *key;
+    char *val;
+};
+[[nodiscard]] key_val *key_val_new(const char *key, const char *val);
+void key_val_free(key_val *record);
+void zel_list_key_val_free(void *record); // the same for zel_list_free_full
+void zel_list_free_with_key_val(zel_list *list);
+int key_val_sort_func_key(const void *a, const void *b);
+int key_val_sort_func_val(const void *a, const void *b);
