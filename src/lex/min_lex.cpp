@@ -50,26 +50,6 @@ void out_of_memory(int line)
 
 constexpr unsigned not_hex = 255; // what the splitter takes a character for that is no digit
 
-// Appends to a list in constant time. Data that finds no memory is reported by the list.
-struct list_end {
-    zel_list *head;
-    zel_list *last;
-
-    explicit list_end(zel_list *list) : head(list), last(zel_list_last(list)) {}
-
-    bool append(void *data)
-    {
-        zel_list *grown = zel_list_append(last, data);
-        if (last == nullptr)
-            head = last = grown;
-        else if (last->next == nullptr)
-            return false;
-        else
-            last = last->next;
-        return last != nullptr;
-    }
-};
-
 void free_element(void *data)
 {
     auto *element = static_cast<min_lex_elem_t *>(data);
@@ -79,7 +59,7 @@ void free_element(void *data)
 }
 
 // val is null for an element without one.
-bool append_element(list_end &list, const char *id, const char *val)
+bool append_element(zel::list_end &list, const char *id, const char *val)
 {
     auto *element = static_cast<min_lex_elem_t *>(std::calloc(1, sizeof(min_lex_elem_t)));
     if (element == nullptr)
@@ -128,7 +108,7 @@ const char *read_val(const char *text, char separator, char *val)
 }
 
 // One element and the separator behind it; null when it could not be kept.
-const char *split_element(list_end &list, const char *text, char separator, char assignment,
+const char *split_element(zel::list_end &list, const char *text, char separator, char assignment,
                           char *id, char *val)
 {
     text = read_id(text, separator, assignment, id);
@@ -358,7 +338,7 @@ zel_list *min_lex_split_msg(zel_list *list, const char *text, char separator, ch
         out_of_memory(__LINE__);
         return list;
     }
-    list_end end(list);
+    zel::list_end end(list);
     while (*text != '\0') {
         text = split_element(end, text, separator, assignment, id.get(), val.get());
         if (text == nullptr) {
@@ -488,7 +468,7 @@ zel_list *min_lex_split_str_by_sep(zel_list *list, const char *text, char separa
 {
     if (text == nullptr)
         return list;
-    list_end end(list);
+    zel::list_end end(list);
     for (bool more = true; more;) {
         const char *stop = text;
         while (*stop != '\0' && *stop != separator)

@@ -80,3 +80,27 @@ void zel_list_key_val_free(void *record); // the same for zel_list_free_full
 void zel_list_free_with_key_val(zel_list *list);
 int key_val_sort_func_key(const void *a, const void *b);
 int key_val_sort_func_val(const void *a, const void *b);
+
+namespace zel {
+
+// Appends to a list in constant time by remembering its last node.
+struct list_end {
+    zel_list *head;
+    zel_list *last;
+
+    explicit list_end(zel_list *list) : head(list), last(zel_list_last(list)) {}
+
+    // False, after the list's own report, without memory.
+    bool append(void *data)
+    {
+        zel_list *grown = zel_list_append(last, data);
+        if (grown == nullptr || (last != nullptr && last->next == nullptr))
+            return false;
+        if (last == nullptr)
+            head = grown;
+        last = last == nullptr ? grown : last->next;
+        return true;
+    }
+};
+
+} // namespace zel
