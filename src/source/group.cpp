@@ -6,21 +6,10 @@
 
 namespace {
 
+// A name read or copied from an empty string is null.
 bool same_name(const char *name, const char *wanted)
 {
-    return name != nullptr && std::strcmp(name, wanted) == 0;
-}
-
-edit_t *insert_group(LangSource *source, const char *name)
-{
-    edit_t *group = lang_alloc_edit();
-    if (group == nullptr) {
-        std::puts("insert_group: error alloc edit");
-        return nullptr;
-    }
-    group->name = zel_strdup(name);
-    source->groups = g_list_append(source->groups, group);
-    return group;
+    return std::strcmp(name == nullptr ? "" : name, wanted) == 0;
 }
 
 // The text of a new item is its name, in the language the application is written in.
@@ -61,6 +50,18 @@ item_t *get_item_ptr(LangSource *source, const char *group, const char *item)
 
 namespace zel {
 
+edit_t *new_group(const char *name)
+{
+    edit_t *group = lang_alloc_edit();
+    if (group == nullptr) {
+        std::puts("insert_group: error alloc edit");
+        std::puts("insert_item: error insert group");
+        return nullptr;
+    }
+    group->name = zel_strdup(name);
+    return group;
+}
+
 item_t *new_group_item(LangSource *source, const char *name)
 {
     item_t *item = alloc_item();
@@ -87,11 +88,11 @@ item_t *insert_group_item(LangSource *source, const char *group, const char *ite
         return nullptr;
     }
     edit_t *holder = get_edit_ptr(source->groups, group);
-    if (holder == nullptr)
-        holder = insert_group(source, group);
     if (holder == nullptr) {
-        std::puts("insert_item: error insert group");
-        return nullptr;
+        holder = zel::new_group(group);
+        if (holder == nullptr)
+            return nullptr;
+        source->groups = g_list_append(source->groups, holder);
     }
     item_t *added = zel::new_group_item(source, item);
     if (added != nullptr)

@@ -19,8 +19,9 @@ int clear_all_file_list(LangSource *source);
 
 namespace zel {
 
-// A new item with its back pointer and its one entry, not yet in any group: what insertion puts
-// into the group. Null, after the messages, without memory.
+// A new group, and a new item with its back pointer and its one entry, not yet in any list: what
+// insertion adds. Null, after the messages, without memory.
+edit_t *new_group(const char *name);
 item_t *new_group_item(LangSource *source, const char *name);
 
 } // namespace zel
