@@ -320,7 +320,7 @@ void zel_list_foreach(struct zel_list *list, void (*function)(void *data, void *
 int zel_list_count(const struct zel_list *list);
 
 /* Writes an info record's entries; releases it (it is logged first). */
-void zel_info_fprint(FILE *stream, struct zel_info_t *record);
+void zel_info_fprint(FILE *stream, const struct zel_info_t *record);
 void zel_info_free(struct zel_info_t *record);
 
 /* Opens the log; the version is a text for its first line. Flags, added up: 1 appends to the file,

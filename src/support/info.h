@@ -51,7 +51,7 @@ int zel_info_add_entry(zel_info_t *info, zel_info_entry_t *entry);
 [[nodiscard]] zel_info_t *zel_info_move(zel_info_t **info);
 
 // Activity, modul and message of each entry to the stream; everything of each entry to the log.
-void zel_info_fprint(std::FILE *stream, const zel_info_t *info);
+extern "C" void zel_info_fprint(std::FILE *stream, const zel_info_t *info);
 void zel_info_log_print(const zel_info_t *info);
 
 // Empties the record.
@@ -60,7 +60,7 @@ void zel_info_cleanup(zel_info_t *info);
 void zel_info_entry_free(zel_info_entry_t *entry);
 
 // Logs the record and releases it with its entries.
-void zel_info_free(zel_info_t *info);
+extern "C" void zel_info_free(zel_info_t *info);
 using zel_info_guard = std::unique_ptr<zel_info_t, zel::release<zel_info_free>>;
 
 // Where internal messages go: a function that is called with a format, its arguments and the data

@@ -29,10 +29,10 @@ enum {
 
 // Opens the program log and writes its head. A second open only logs that the log is open already.
 // The log counts as open even when its file cannot be. Returns 0.
-int LogOpen(const char *file, unsigned flags, const char *version);
+extern "C" int LogOpen(const char *file, unsigned flags, const char *version);
 
 // Writes the end lines, closes, and releases the path. Returns 0.
-int LogClose();
+extern "C" int LogClose();
 
 // Kinds of speed records.
 enum {
