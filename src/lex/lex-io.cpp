@@ -112,6 +112,13 @@ zel_lex_buf_t *new_record()
     return buf;
 }
 
+// The system opens a directory for reading and only then has nothing to give.
+bool is_directory(std::FILE *stream)
+{
+    struct stat status{};
+    return fstat(fileno(stream), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
 void empty_tokens(zel_lex_t *lex)
 {
     lex->current->id = 0;
@@ -185,7 +192,7 @@ zel_lex_buf_t *zel_lex_buf_file_new(const char *path)
     if (path == nullptr)
         return buf.release();
     buf->stream = zel_fopen(path, "rb");
-    if (buf->stream == nullptr) {
+    if (buf->stream == nullptr || is_directory(buf->stream)) {
         LogPrint(1, "zel_lex_buf_file_new: ERROR open file >%s<\n", path);
         return nullptr;
     }
