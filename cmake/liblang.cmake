@@ -22,7 +22,7 @@ set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${liblang_map})
 add_custom_command(OUTPUT liblang.o
   COMMAND ${CMAKE_LINKER} -r --force-group-allocation -o liblang-all.o ${liblang_objects}
   COMMAND ${CMAKE_OBJCOPY} --keep-global-symbols=liblang.names liblang-all.o liblang.o
-  DEPENDS ${liblang_objects} ${liblang_map}
+  DEPENDS ${liblang_objects} ${CMAKE_CURRENT_BINARY_DIR}/liblang.names
   COMMAND_EXPAND_LISTS VERBATIM)
 add_library(lang_static STATIC ${CMAKE_CURRENT_BINARY_DIR}/liblang.o)
 set_source_files_properties(${CMAKE_CURRENT_BINARY_DIR}/liblang.o
