@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
+#include <bit>
 #include <cstdlib>
 #include <cstring>
 #include <strings.h>
@@ -685,12 +685,19 @@ int scan_slash(zel_lex_t *lex)
     return closed ? 0 : finish(lex->work, TOKEN_EOF);
 }
 
-// The end of a run of blanks; indentation comes in eights.
+// The end of a run of blanks, looked at eight bytes at a time: indentation is long.
 const unsigned char *skip_blanks(const unsigned char *p, const unsigned char *end)
 {
-    for (; end - p >= 8; p += 8)
-        if (std::memcmp(p, "        ", 8) != 0)
-            break;
+    if constexpr (std::endian::native == std::endian::little) {
+        while (end - p >= 8) {
+            std::uint64_t bytes = 0;
+            std::memcpy(&bytes, p, sizeof bytes);
+            bytes ^= 0x2020202020202020U;
+            p += bytes == 0 ? 8 : __builtin_ctzll(bytes) / 8;
+            if (bytes != 0 && *p++ != '\t')
+                return p - 1;
+        }
+    }
     while (p != end && (*p == ' ' || *p == '\t'))
         ++p;
     return p;
