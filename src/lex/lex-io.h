@@ -44,6 +44,7 @@ struct zel_lex_buf_t {
     std::uint32_t marker_line;   // line according to line markers, from 1
     std::int32_t held;           // the character read ahead, 0 none
     void *read_context;          // second argument of read_char
+    std::uint32_t direct;        // 1: read_char is ours, so bytes of data may be taken directly
 };
 
 // A bare buffer with an own block and the memory functions; null without memory.
@@ -93,10 +94,46 @@ int scf_printf(const char *format, ...) __attribute__((format(printf, 1, 2)));
 
 namespace zel {
 
-// The default functions of a buffer. While they are installed the scanner reads the block itself.
+// The shared steps behind the default function slots, inline for the scanner: while the default
+// functions are installed a character costs no call.
 int buf_shared_next_char(zel_lex_buf_t *buf);
 int buf_shared_look_ahead(zel_lex_buf_t *buf);
-int buf_read_memory(zel_lex_buf_t *buf, void *);
-int buf_read_file(zel_lex_buf_t *buf, void *);
+
+inline int take_char(zel_lex_buf_t *buf)
+{
+    if (buf->held != 0) {
+        const int held = buf->held;
+        buf->held = 0;
+        return held;
+    }
+    for (;;) {
+        const int c = buf->direct != 0 && buf->index < buf->count
+                          ? buf->data[buf->index++]
+                          : buf->read_char(buf, buf->read_context);
+        ++buf->position;
+        ++buf->column;
+        if (c == '\n') {
+            ++buf->line;
+            ++buf->marker_line;
+            buf->column = 0;
+        }
+        if (c != '\r')
+            return c;
+    }
+}
+
+inline int next_char(zel_lex_buf_t *buf)
+{
+    return buf->next_char == buf_shared_next_char ? take_char(buf) : buf->next_char(buf);
+}
+
+inline int peek_char(zel_lex_buf_t *buf)
+{
+    if (buf->look_ahead != buf_shared_look_ahead)
+        return buf->look_ahead(buf);
+    if (buf->held == 0)
+        buf->held = next_char(buf);
+    return buf->held;
+}
 
 } // namespace zel

@@ -10,10 +10,14 @@
 #include "lex/lex.h"
 
 // Word tables of the trans_ helpers: rows of two 8-byte slots, ended by a row whose first is null.
+// The public header of the runtime library defines the first one too.
+#ifndef ZEL_TRANS_ID_T
+#define ZEL_TRANS_ID_T
 struct trans_id_t {
     const char *word;
     std::int64_t id;
 };
+#endif
 struct trans_str_t {
     const char *word;
     const char *text;

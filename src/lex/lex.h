@@ -70,6 +70,7 @@ using zel_lex_numeric_fn = int (*)(zel_lex_t *, int first, int start);
 inline constexpr int ZEL_LEX_MARKER_FILES = 256;
 inline constexpr int ZEL_LEX_POSITION_TEXT = 4096;
 inline constexpr int ZEL_LEX_LEXEME = 4096; // first capacity of a lexeme, and its growth
+inline constexpr unsigned ZEL_LEX_KEYWORD_SLOTS = 128;
 
 struct zel_lex_t {
     std::uint32_t flags;
@@ -84,8 +85,10 @@ struct zel_lex_t {
     std::uint32_t marker_count;
     char *marker_files[ZEL_LEX_MARKER_FILES];
     char position_text[ZEL_LEX_POSITION_TEXT]; // for zel_lex_linemarker_info
-    std::uint16_t *keyword_hash;    // finds most words without a bisection; null when not usable
-    const Keytab *table;            // the table it was made for
+    const Keytab *table;            // the table the index was made for,
+    Keytab *keyword_rows;           // and its rows at that time, owned
+    std::uint32_t hashed;           // 1: keyword_hash answers in place of the bisection
+    std::uint16_t keyword_hash[ZEL_LEX_KEYWORD_SLOTS]; // slot of the keyword index, 0 empty
 };
 
 // A scanner; null without memory. A null table means no keywords. The buffer is attached with

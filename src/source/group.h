@@ -16,3 +16,12 @@ item_t *insert_group_item(LangSource *source, const char *group, const char *ite
 // Sets used of every item to 0; clear_all_file_list also empties the lists of places. Return 0.
 int clear_all_used(LangSource *source);
 int clear_all_file_list(LangSource *source);
+
+namespace zel {
+
+// A new group, and a new item with its back pointer and its one entry, not yet in any list: what
+// insertion adds. Null, after the messages, without memory.
+edit_t *new_group(const char *name);
+item_t *new_group_item(LangSource *source, const char *name);
+
+} // namespace zel

@@ -3,6 +3,8 @@
 // Small operations on items' texts that several subsystems share.
 
 #include <cstdio>
+#include <string>
+#include <string_view>
 
 #include "source/model.h"
 
@@ -34,7 +36,19 @@ int LangIsUserAdmin();
 
 namespace zel {
 
-// Writes the string escaped, without quotes: what stands inside every quoted string of both formats.
-void write_escaped(std::FILE *stream, const char *text);
+// The quoting rules of both file formats. append_escaped adds what stands between the quotes,
+// append_quoted what misc_write_lang_string writes, append_comment a text that may stand inside a
+// block comment of the file: it cannot end the comment.
+void append_escaped(std::string &out, const char *text);
+void append_quoted(std::string &out, unsigned indent, const char *text);
+void append_comment(std::string &out, std::string_view text);
+
+// Formats like printf behind what is there.
+void append_format(std::string &out, const char *format, ...)
+    __attribute__((format(printf, 2, 3)));
+
+// Hands the collected text to the stream once it is worth a write; the rest goes with flush_text.
+void flush_large_text(std::string &out, std::FILE *stream);
+void flush_text(std::string &out, std::FILE *stream);
 
 } // namespace zel

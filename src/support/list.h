@@ -41,7 +41,7 @@ zel_list *zel_list_prev(zel_list *node);
 // Node number n counted from 1; the list itself for 1 and below, null past the end.
 zel_list *zel_list_nth(zel_list *list, int n);
 
-int zel_list_count(const zel_list *list);
+extern "C" int zel_list_count(const zel_list *list);
 
 // Unlinks and releases the node, not its data; returns the new head. A null node gives the list.
 [[nodiscard]] zel_list *zel_list_remove_link(zel_list *list, zel_list *node);
@@ -55,7 +55,8 @@ void zel_list_free_full(zel_list *list, void (*release)(void *data));
 using zel_list_guard = std::unique_ptr<zel_list, zel::release<zel_list_free>>;
 
 // Calls the function with each data, in order, and the user value.
-void zel_list_foreach(zel_list *list, void (*function)(void *data, void *user), void *user);
+extern "C" void zel_list_foreach(zel_list *list, void (*function)(void *data, void *user),
+                                 void *user);
 
 // Stable merge sort; returns the new head.
 [[nodiscard]] zel_list *zel_list_sort(zel_list *list, int (*compare)(const void *, const void *));
@@ -79,3 +80,27 @@ void zel_list_key_val_free(void *record); // the same for zel_list_free_full
 void zel_list_free_with_key_val(zel_list *list);
 int key_val_sort_func_key(const void *a, const void *b);
 int key_val_sort_func_val(const void *a, const void *b);
+
+namespace zel {
+
+// Appends to a list in constant time by remembering its last node.
+struct list_end {
+    zel_list *head;
+    zel_list *last;
+
+    explicit list_end(zel_list *list) : head(list), last(zel_list_last(list)) {}
+
+    // False, after the list's own report, without memory.
+    bool append(void *data)
+    {
+        zel_list *grown = zel_list_append(last, data);
+        if (grown == nullptr || (last != nullptr && last->next == nullptr))
+            return false;
+        if (last == nullptr)
+            head = grown;
+        last = last == nullptr ? grown : last->next;
+        return true;
+    }
+};
+
+} // namespace zel

@@ -12,6 +12,9 @@ struct safe_file {
     std::FILE *stream = nullptr; // written by the caller; null when the file could not be created
     char *path = nullptr;        // where the temporary file stands, owned
     int error = 0;               // errno of the first call that failed, 0 while all is well
+    char *buffer = nullptr;      // the stream's, owned
+    void (*size_signal)(int) = nullptr; // what the size-limit signal did before; it is ignored
+                                        // meanwhile, so that a full disk is an error, not an end
 };
 
 // Creates the temporary file, empty, for writing and reading: a file of that name left from
@@ -29,5 +32,8 @@ int safe_file_move(safe_file &file, const char *target);
 
 // Drops a temporary file that is not wanted any more: closed and removed.
 void safe_file_abandon(safe_file &file);
+
+// Releases what the record owns; the file stays. Finished files end with this.
+void safe_file_release(safe_file &file);
 
 } // namespace zel

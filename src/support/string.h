@@ -24,8 +24,9 @@ int zel_strlen(const char *text);
 [[nodiscard]] char *dup_ptr_from_to(const char *base, const char *from, const char *to);
 
 // Next field of a separated text: 0 at the end, else 1 with the field in out (size - 1 characters
-// kept) and the cursor on the separator or end that closed it. A cursor that stands on a separator
-// steps over it first.
+// kept, the rest skipped) and the cursor on the separator or end that closed it. A cursor that
+// stands on a separator steps over it first, so that walking "a,,b" gives "a", "" and "b", and a
+// separator at the end of the text is followed by one more, empty, field.
 int zel_get_sub_str(const char **cursor, char *out, char separator, int size);
 
 // In place: blanks and tabs off both ends; one double quote off either end. Return the string.
@@ -43,13 +44,22 @@ int zel_str_float_cmp(const char *text, float number);
 // Id of the first row whose word equals the text; the ending row's id when there is none.
 int zel_str_to_num(const char *text, const argv_tab_t *table);
 
-// Collects into out the characters of b that differ from a at their position. Same length 0; b
-// ends first: the rest of a is appended, 1; a ends first: the rest of b is appended, -1.
+// Collects into out (which must hold the longer text) the characters of b that differ from a at
+// their position. Same length 0; b ends first: the rest of a is appended, 1; a ends first: the rest
+// of b is appended, -1.
 int zel_str_diff(char *out, const char *a, const char *b);
 
 // "640x480" (a lower-case x): 0, or 1 when the text or a part is missing or does not read (or a
 // part is longer than 31 characters).
 int zel_str_get_width_height(const char *text, int *width, int *height);
+
+namespace zel {
+
+// The pair that the getters of widths and heights read: both parts around the first of the marks
+// are decimal numbers of at most 31 characters. False leaves both values as they are.
+bool read_width_height(const char *text, const char *marks, int &width, int &height);
+
+} // namespace zel
 
 // printf into a new string of exactly the formatted length; null, logged, without memory.
 [[nodiscard]] char *zel_strdup_printf(const char *format, ...)
@@ -73,7 +83,9 @@ int zel_split_path_file(const char *path, char **dir, char **file);
 // 1, logged, when the path is an existing directory; else the file part and 0.
 int zel_split_file(const char *path, char **file);
 
-// "C:" or "\\name" at the start of a path. 0, or 1 with a log line.
+// "C:" or "\\name" (either separator) at the start of a path, copied to out of size bytes. 0; 1 for
+// a path without a drive and, with a log line, for a null argument, a path below two characters or
+// a buffer that is too short.
 int zel_path_get_drive(const char *path, char *out, int size);
 
 // 0 the file exists and is readable, 1 it does not exist, 2 it is not readable.
@@ -83,7 +95,9 @@ int check_file_exist_read(const char *path);
 char *zel_del_file_ext(char *path);
 char *zel_del_cmp_file_ext(char *path, const char *ext);            // only exactly this one
 char *zel_add_file_ext(char *dst, const char *name, const char *ext); // dst must hold the result
-int zel_gen_file_name_with_ext(char *path, const char *ext);        // path must hold the result
+// "dir/file.ext" of the path's directory, its file name without this extension, and it; the path
+// must hold the result. 1 for a null argument, else 0.
+int zel_gen_file_name_with_ext(char *path, const char *ext);
 
 // 1 when the name's extension, with its ".", equals one of the list's strings; 0 when not; 1 for a
 // null argument.

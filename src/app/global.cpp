@@ -1,0 +1,91 @@
+#include "app/global.h"
+
+#include "support/log.h"
+#include "support/string.h"
+#include "support/zel_malloc.h"
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+#include <string>
+#include <system_error>
+
+lang_global_t lang_global;
+
+namespace {
+
+constexpr const char *home_name = "Morvalix 6.00";
+constexpr std::size_t log_path_size = 2048; // longer paths are cut
+
+char *lang_home;
+lang_exit_handler exit_handler;
+
+// True while the program runs from the tree that it was built in.
+bool runs_from_build_tree()
+{
+    std::error_code error;
+    const std::string program = std::filesystem::read_symlink("/proc/self/exe", error);
+    if (error)
+        return false;
+    const std::string tree = std::filesystem::weakly_canonical(LANG_BUILD_DIR, error);
+    return !error && program.starts_with(tree + "/");
+}
+
+char *new_log_path()
+{
+    std::array<char, log_path_size> path{};
+    std::snprintf(path.data(), path.size(), "%s/log/lang.log", lang_get_home());
+    return zel_strdup(path.data());
+}
+
+// Lets go of what an earlier start filled in.
+void clear_record()
+{
+    std::free(lang_global.doc_base_dir);
+    std::free(lang_global.doc_dir);
+    std::free(lang_global.log_file);
+    lang_global = {};
+}
+
+} // namespace
+
+void lang_global_init()
+{
+    clear_record();
+    lang_global.start_time = std::time(nullptr);
+    lang_global.log_file = new_log_path();
+    LogOpen(lang_global.log_file, LOG_OPEN_NEW, "ZEL Language editor");
+    lang_global.doc_base_dir =
+        zel_strdup(runs_from_build_tree() ? LANG_SOURCE_DATA_DIR : LANG_DATA_DIR);
+    lang_global.doc_dir = zel_strdup_printf("%s/doc", lang_global.doc_base_dir);
+}
+
+const char *lang_get_home()
+{
+    if (lang_home == nullptr) {
+        const char *home = std::getenv("HOME");
+        lang_home = zel_strdup_printf("%s/%s", home == nullptr ? "" : home, home_name);
+    }
+    return lang_home;
+}
+
+void lang_home_free()
+{
+    zel::replace_string(lang_home, nullptr);
+}
+
+void lang_exit(int status)
+{
+    if (exit_handler == nullptr)
+        std::exit(status);
+    exit_handler(status);
+}
+
+lang_exit_handler lang_set_exit_handler(lang_exit_handler handler)
+{
+    const lang_exit_handler before = exit_handler;
+    exit_handler = handler;
+    return before;
+}

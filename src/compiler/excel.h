@@ -1,0 +1,20 @@
+#pragma once
+
+// The keys of a language source as a text that a spreadsheet program takes in.
+//
+// One record per item, used or not, in file order: "group.item" TAB "group.item" TAB CR, no line
+// feed. A key is cut at 1023 bytes. In it a double quote is doubled, a tab becomes a blank, a line
+// feed or carriage return the three bytes ESC, blank, colon.
+
+#include <cstdio>
+
+#include "source/model.h"
+
+// Writes the records to the path, replacing what stands there. Returns 0; 1 when the file cannot be
+// created (after a message on standard output) or does not hold the whole text in the end (after a
+// report on standard error). The two languages are not used.
+int to_excel_unicode_text(LangSource *source, const char *path, const char *lang,
+                          const char *comment_lang);
+
+// Writes the string with the escapes of a key. Returns 0.
+int write_str(std::FILE *stream, const char *text);

@@ -1,0 +1,281 @@
+#include "lex/lex-io.h"
+
+#include "lex/lex.h"
+#include "support/log-print.h"
+#include "support/zel_malloc.h"
+
+#include <cstdarg>
+#include <cstdlib>
+#include <unistd.h>
+
+namespace {
+
+constexpr std::uint32_t block_size = 8192;
+
+int read_memory(zel_lex_buf_t *buf, void *)
+{
+    return buf->index >= buf->count ? ZEL_LEX_EOF : buf->data[buf->index++];
+}
+
+bool load_block(zel_lex_buf_t *buf)
+{
+    buf->index = 0;
+    buf->count = 0;
+    if (buf->stream != nullptr)
+        buf->count =
+            static_cast<std::uint32_t>(std::fread(buf->data, 1, buf->capacity, buf->stream));
+    return buf->count != 0;
+}
+
+int read_file(zel_lex_buf_t *buf, void *)
+{
+    if (buf->index >= buf->count && !load_block(buf))
+        return ZEL_LEX_EOF;
+    return buf->data[buf->index++];
+}
+
+// Follows a file that somebody still writes. The pause keeps an idle wait from eating a processor.
+int read_file_tail(zel_lex_buf_t *buf, void *)
+{
+    if (buf->stream == nullptr)
+        return ZEL_LEX_EOF;
+    while (buf->index >= buf->count && !load_block(buf)) {
+        std::clearerr(buf->stream);
+        usleep(1000);
+    }
+    return buf->data[buf->index++];
+}
+
+std::uint64_t seek_memory(zel_lex_buf_t *buf, std::uint64_t offset)
+{
+    buf->position = offset;
+    buf->index = offset > buf->count ? buf->count : static_cast<std::uint32_t>(offset);
+    buf->held = 0;
+    return offset;
+}
+
+std::uint64_t seek_file(zel_lex_buf_t *buf, std::uint64_t offset)
+{
+    buf->position = offset;
+    buf->index = 0;
+    buf->count = 0;
+    buf->held = 0;
+    if (buf->stream != nullptr)
+        fseeko(buf->stream, static_cast<off_t>(offset), SEEK_SET);
+    return offset;
+}
+
+void start_counters(zel_lex_buf_t *buf)
+{
+    buf->position = 0;
+    buf->line = 1;
+    buf->column = 0;
+    buf->index = 0;
+    buf->marker_line = 1;
+    buf->held = 0;
+}
+
+void set_reader(zel_lex_buf_t *buf, zel_lex_read_fn function)
+{
+    buf->read_char = function;
+    buf->read_context = nullptr;
+    buf->direct = 1;
+}
+
+void close_stream(zel_lex_buf_t *buf)
+{
+    if (buf->stream != nullptr && buf->borrowed == 0)
+        std::fclose(buf->stream);
+    buf->stream = nullptr;
+    buf->borrowed = 0;
+}
+
+void release_data(zel_lex_buf_t *buf)
+{
+    if (buf->owns_data != 0)
+        std::free(buf->data);
+    buf->data = nullptr;
+    buf->owns_data = 0;
+    buf->capacity = 0;
+}
+
+zel_lex_buf_t *new_record()
+{
+    auto *buf = static_cast<zel_lex_buf_t *>(std::calloc(1, sizeof(zel_lex_buf_t)));
+    if (buf == nullptr)
+        return nullptr;
+    buf->next_char = zel::buf_shared_next_char;
+    buf->look_ahead = zel::buf_shared_look_ahead;
+    buf->seek = seek_memory;
+    set_reader(buf, read_memory);
+    start_counters(buf);
+    return buf;
+}
+
+// The system opens a directory for reading and only then has nothing to give.
+bool is_directory(std::FILE *stream)
+{
+    struct stat status{};
+    return fstat(fileno(stream), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+void empty_tokens(zel_lex_t *lex)
+{
+    lex->current->id = 0;
+    lex->ahead->id = 0;
+}
+
+} // namespace
+
+namespace zel {
+
+int buf_shared_next_char(zel_lex_buf_t *buf) { return take_char(buf); }
+
+int buf_shared_look_ahead(zel_lex_buf_t *buf)
+{
+    if (buf->held == 0)
+        buf->held = next_char(buf);
+    return buf->held;
+}
+
+} // namespace zel
+
+zel_lex_buf_t *zel_lex_buf_new()
+{
+    zel_lex_buf_guard buf(new_record());
+    if (!buf)
+        return nullptr;
+    buf->data = static_cast<unsigned char *>(std::malloc(block_size));
+    if (buf->data == nullptr)
+        return nullptr;
+    buf->owns_data = 1;
+    buf->capacity = block_size;
+    return buf.release();
+}
+
+zel_lex_buf_t *zel_lex_buf_mem_new(const void *data, std::uint32_t length)
+{
+    zel_lex_buf_t *buf = new_record();
+    if (buf != nullptr)
+        zel_lex_buf_mem_set_buf(buf, data, length);
+    return buf;
+}
+
+void zel_lex_buf_mem_set_buf(zel_lex_buf_t *buf, const void *data, std::uint32_t length)
+{
+    if (buf == nullptr)
+        return;
+    close_stream(buf);
+    release_data(buf);
+    zel::replace_string(buf->file_name, nullptr);
+    buf->kind = ZEL_LEX_BUF_MEMORY;
+    buf->seek = seek_memory;
+    set_reader(buf, read_memory);
+    // The block is only read; the record holds it like an own one.
+    buf->data = static_cast<unsigned char *>(const_cast<void *>(data));
+    buf->size = length;
+    buf->count = length;
+    start_counters(buf);
+}
+
+zel_lex_buf_t *zel_lex_buf_file_new(const char *path)
+{
+    zel_lex_buf_guard buf(zel_lex_buf_new());
+    if (!buf) {
+        LogPrint(1, "zel_lex_buf_file_new: ERROR not enough memory\n");
+        return nullptr;
+    }
+    buf->kind = ZEL_LEX_BUF_FILE;
+    buf->seek = seek_file;
+    set_reader(buf.get(), read_file);
+    buf->file_name = zel_strdup(path);
+    if (path == nullptr)
+        return buf.release();
+    buf->stream = zel_fopen(path, "rb");
+    if (buf->stream == nullptr || is_directory(buf->stream)) {
+        LogPrint(1, "zel_lex_buf_file_new: ERROR open file >%s<\n", path);
+        return nullptr;
+    }
+    return buf.release();
+}
+
+void zel_lex_buf_file_set_fp(zel_lex_buf_t *buf, std::FILE *stream)
+{
+    if (buf == nullptr)
+        return;
+    close_stream(buf);
+    buf->stream = stream;
+    buf->borrowed = 1;
+    buf->count = 0;
+    start_counters(buf);
+}
+
+std::FILE *zel_lex_buf_file_get_fp(zel_lex_buf_t *buf)
+{
+    return buf == nullptr ? nullptr : buf->stream;
+}
+
+int zel_lex_buf_file_set_tail(zel_lex_buf_t *buf, int on)
+{
+    if (buf == nullptr)
+        return 1;
+    set_reader(buf, on != 0 ? read_file_tail : read_file);
+    return 0;
+}
+
+int zel_lex_buf_set_read_char(zel_lex_buf_t *buf, zel_lex_read_fn function, void *context)
+{
+    buf->read_char = function;
+    buf->read_context = context;
+    buf->direct = 0;
+    return 0;
+}
+
+void zel_lex_buf_free(zel_lex_buf_t *buf)
+{
+    if (buf == nullptr)
+        return;
+    close_stream(buf);
+    release_data(buf);
+    std::free(buf->file_name);
+    std::free(buf);
+}
+
+int zel_lex_buf_next_char(zel_lex_buf_t *buf) { return buf->next_char(buf); }
+
+int zel_lex_buf_look_ahead(zel_lex_buf_t *buf) { return buf->look_ahead(buf); }
+
+std::uint64_t zel_lex_buf_seek(zel_lex_buf_t *buf, std::uint64_t offset)
+{
+    return buf->seek(buf, offset);
+}
+
+void zel_lex_set_buf(zel_lex_t *lex, zel_lex_buf_t *buf)
+{
+    lex->buf = buf;
+    empty_tokens(lex);
+}
+
+zel_lex_buf_t *zel_lex_get_buf(zel_lex_t *lex) { return lex->buf; }
+
+void zel_lex_free_buf(zel_lex_t *lex)
+{
+    zel_lex_buf_free(lex->buf);
+    zel_lex_set_buf(lex, nullptr);
+}
+
+void zel_lex_buf_clear(zel_lex_t *lex, zel_lex_buf_t *buf)
+{
+    zel_lex_set_buf(lex, buf);
+    buf->count = 0;
+    buf->index = 0;
+}
+
+int scf_printf(const char *format, ...)
+{
+    std::va_list args;
+    va_start(args, format);
+    std::vprintf(format, args);
+    va_end(args);
+    return 0;
+}

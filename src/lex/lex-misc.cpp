@@ -1,0 +1,277 @@
+#include "lex/lex-misc.h"
+
+#include "support/log-print.h"
+#include "support/zel_malloc.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+int trans_str_id(const trans_id_t *table, const char *word, int fallback)
+{
+    if (table == nullptr || word == nullptr)
+        return fallback;
+    for (; table->word != nullptr; ++table)
+        if (std::strcmp(table->word, word) == 0)
+            return static_cast<int>(table->id);
+    return fallback;
+}
+
+const char *trans_id_str(const trans_id_t *table, int id, const char *fallback)
+{
+    if (table == nullptr)
+        return fallback;
+    for (; table->word != nullptr; ++table)
+        if (static_cast<int>(table->id) == id)
+            return table->word;
+    return fallback;
+}
+
+const char *trans_str_str(const trans_str_t *table, const char *word, const char *fallback)
+{
+    if (table == nullptr || word == nullptr)
+        return fallback;
+    for (; table->word != nullptr; ++table)
+        if (std::strcmp(table->word, word) == 0)
+            return table->text;
+    return fallback;
+}
+
+std::uint32_t trans_str_mask(const trans_id_t *table, const char *text)
+{
+    if (text == nullptr)
+        return 0;
+    std::uint32_t mask = 0;
+    std::string_view rest = text;
+    while (!rest.empty()) {
+        const std::string word(rest.substr(0, rest.find(',')));
+        mask |= static_cast<std::uint32_t>(trans_str_id(table, word.c_str(), 0));
+        rest.remove_prefix(std::min(word.size() + 1, rest.size()));
+    }
+    return mask;
+}
+
+int lex_match(const zel_token_t *token, int kind)
+{
+    return token != nullptr && token->id == kind ? 1 : 0;
+}
+
+int lex_get_str(zel_lex_t *lex, char **out)
+{
+    zel::replace_string(*out, nullptr);
+    const zel_token_t *token = zel_token_look_ahead(lex, 0);
+    if (lex_match(token, TOKEN_STRING) == 0) {
+        dbg_printf("lex_get_str: ERROR: lex_get_str token id %d\n", token == nullptr ? 0 : token->id);
+        return 1;
+    }
+    *out = zel_strdup(token->lexeme);
+    zel_next_token(lex);
+    return 0;
+}
+
+int lex_get_concat_str(zel_lex_t *lex, char **out)
+{
+    zel::replace_string(*out, nullptr);
+    if (lex_match(zel_token_look_ahead(lex, 0), TOKEN_STRING) == 0)
+        return 1;
+    std::string joined;
+    while (lex_match(zel_token_look_ahead(lex, 0), TOKEN_STRING) != 0)
+        joined += zel_next_token(lex)->lexeme;
+    if (joined.empty())
+        return 0;
+    *out = static_cast<char *>(std::malloc(joined.size() + 2));
+    if (*out == nullptr) {
+        LogPrint(1, "lex_get_concat_str: ERROR not enough memory\n");
+        return 1;
+    }
+    std::memcpy(*out, joined.c_str(), joined.size() + 1);
+    return 0;
+}
+
+int lex_get_int(zel_lex_t *lex, unsigned *out)
+{
+    const zel_token_t *token = zel_token_look_ahead(lex, 0);
+    const char *format = nullptr;
+    if (token != nullptr)
+        switch (token->id) {
+        case TOKEN_DEC:
+        case TOKEN_NUMBER:
+            format = "%u";
+            break;
+        case TOKEN_OCT:
+            format = "%o";
+            break;
+        case TOKEN_HEX:
+            format = "%x";
+            break;
+        default:
+            break;
+        }
+    if (format == nullptr)
+        return 1;
+    std::sscanf(token->lexeme, format, out); // the scanner made sure that there is a number
+    zel_next_token(lex);
+    return 0;
+}
+
+void zel_lex_read_until_token(zel_lex_t *lex, int kind)
+{
+    if (lex == nullptr)
+        return;
+    for (;;) {
+        const int id = zel_next_token(lex)->id;
+        if (id == kind || id == TOKEN_NEWLINE || (id <= TOKEN_EOF && id >= TOKEN_ERR_MEM))
+            return;
+    }
+}
+
+const char *zel_lex_linemarker_info(zel_lex_t *lex, const zel_token_t *token)
+{
+    const char *file = nullptr;
+    if (token->file_index >= 0 && token->file_index < ZEL_LEX_MARKER_FILES)
+        file = lex->marker_files[token->file_index];
+    if (file != nullptr)
+        std::snprintf(lex->position_text, sizeof lex->position_text, "%s:%d:%d", file,
+                      static_cast<int>(token->file_line), static_cast<int>(token->column));
+    else
+        std::snprintf(lex->position_text, sizeof lex->position_text, "%d:%d",
+                      static_cast<int>(token->line), static_cast<int>(token->column));
+    return lex->position_text;
+}
+
+const char *zel_lex_get_file(zel_lex_t *lex)
+{
+    if (lex == nullptr)
+        return "Lex null ptr";
+    if (lex->buf == nullptr)
+        return "Lexbuf null ptr";
+    switch (lex->buf->kind) {
+    case ZEL_LEX_BUF_MEMORY:
+        return "Memory";
+    case ZEL_LEX_BUF_FILE:
+        return lex->buf->file_name != nullptr ? lex->buf->file_name : "No file name";
+    default:
+        return "ERROR";
+    }
+}
+
+int _lex_esc_str(char *destination, const char *source)
+{
+    int length = 0;
+    const auto put = [&](char c) {
+        if (destination != nullptr)
+            destination[length] = c;
+        ++length;
+    };
+    for (; *source != '\0'; ++source) {
+        const char letter = zel::escape_letter(static_cast<unsigned char>(*source));
+        if (letter != 0)
+            put('\\');
+        put(letter != 0 ? letter : *source);
+    }
+    if (destination != nullptr)
+        destination[length] = '\0';
+    return length;
+}
+
+char *lex_esc_str(const char *source)
+{
+    const int length = source == nullptr ? 0 : _lex_esc_str(nullptr, source);
+    if (length == 0)
+        return nullptr;
+    char *escaped = static_cast<char *>(std::malloc(static_cast<std::size_t>(length) + 1));
+    if (escaped != nullptr)
+        _lex_esc_str(escaped, source);
+    return escaped;
+}
+
+char *lexstrtrim(char *text)
+{
+    const auto is_blank = [](char c) { return c == ' ' || c == '\t'; };
+    if (text == nullptr)
+        return nullptr;
+    std::size_t length = std::strlen(text);
+    while (length > 0 && is_blank(text[length - 1]))
+        text[--length] = '\0';
+    std::size_t leading = 0;
+    while (is_blank(text[leading]))
+        ++leading;
+    std::memmove(text, text + leading, length - leading + 1);
+    return text;
+}
+
+int lex_id_char_valid(int character, int digits_allowed)
+{
+    if (character >= '0' && character <= '9')
+        return digits_allowed != 0 ? 1 : 0;
+    const bool space = character == ' ' || (character >= '\t' && character <= '\r');
+    constexpr std::string_view refused = "!\"$%&()-/=?\\|";
+    const bool operators = character > 0 && character < 128 &&
+                           refused.find(static_cast<char>(character)) != std::string_view::npos;
+    return space || operators ? 0 : 1;
+}
+
+int lex_write_char(std::FILE *stream, int byte)
+{
+    if (byte == 0)
+        return 0;
+    const char letter = zel::escape_letter(static_cast<unsigned char>(byte));
+    if (letter == 0) {
+        std::fputc(byte, stream);
+        return 1;
+    }
+    std::fputc('\\', stream);
+    std::fputc(letter, stream);
+    return 2;
+}
+
+int lex_write_str(std::FILE *stream, const char *text, int n)
+{
+    if (text == nullptr) {
+        std::fputs(" \"\"", stream);
+        return 0;
+    }
+    int written = 2;
+    std::fputs(" \"", stream);
+    for (int i = 0; text[i] != '\0' && (n < 1 || i < n); ++i)
+        written += lex_write_char(stream, static_cast<unsigned char>(text[i]));
+    std::fputc('"', stream);
+    return written;
+}
+
+namespace {
+
+constexpr int piece_limit = 1024;
+
+// Length of the next piece: through the separator, or as much as a piece holds.
+int piece_length(const char *text, char separator)
+{
+    int n = 0;
+    while (text[n] != '\0' && n < piece_limit)
+        if (text[n++] == separator)
+            break;
+    return n;
+}
+
+} // namespace
+
+int lex_write_split_str_by_sep(std::FILE *stream, int indent, const char *text, char separator,
+                               int column)
+{
+    if (text == nullptr || *text == '\0') {
+        std::fputs("\"\"\n", stream);
+        return 1;
+    }
+    int written = 0;
+    while (*text != '\0') {
+        const int n = piece_length(text, separator);
+        if (column == 0)
+            std::fprintf(stream, "%*s", indent > 0 ? indent : 0, "");
+        written += lex_write_str(stream, text, n);
+        std::fputc('\n', stream);
+        text += n;
+        column = 0;
+    }
+    return written;
+}

@@ -1,0 +1,898 @@
+#include "lex/lex.h"
+
+#include "support/log-print.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstdlib>
+#include <cstring>
+#include <strings.h>
+#include <utility>
+
+namespace {
+
+using zel::next_char;
+using zel::peek_char;
+
+// What a byte means to the runs that are taken from the input block at once.
+enum : unsigned char {
+    in_ident = 1,  // continues an identifier
+    in_string = 2, // stands for itself inside a string
+};
+
+constexpr std::array<unsigned char, 256> make_classes()
+{
+    std::array<unsigned char, 256> classes{};
+    for (unsigned c = 0; c < 256; ++c) {
+        const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+        const bool digit = c >= '0' && c <= '9';
+        if (letter || digit || c == '_' || c >= 128)
+            classes[c] |= in_ident;
+        if (c != '"' && c != '\\' && c != '\n' && c != '\r')
+            classes[c] |= in_string;
+    }
+    return classes;
+}
+
+constexpr auto classes = make_classes();
+
+bool is_class(int c, unsigned char mask)
+{
+    return c >= 0 && (classes[static_cast<unsigned char>(c)] & mask) != 0;
+}
+
+// The part of the input block that may be taken at once: nothing while a character is held back or
+// a client's own reader or step is plugged in.
+struct block_view {
+    const unsigned char *begin;
+    const unsigned char *end;
+};
+
+block_view open_block(const zel_lex_buf_t *buf)
+{
+    if (buf->direct == 0 || buf->held != 0 || buf->next_char != zel::buf_shared_next_char ||
+        buf->index >= buf->count)
+        return {nullptr, nullptr};
+    return {buf->data + buf->index, buf->data + buf->count};
+}
+
+// Takes n bytes of the block, none of them a line feed.
+void take_block(zel_lex_buf_t *buf, std::size_t n)
+{
+    buf->index += static_cast<std::uint32_t>(n);
+    buf->position += n;
+    buf->column += static_cast<std::uint32_t>(n);
+}
+
+// Makes room for n more bytes and the terminating NUL. Long texts grow by half, so that their cost
+// stays linear.
+bool reserve(zel_token_t *token, std::size_t n)
+{
+    const std::size_t length = token->length;
+    if (length + n + 8 <= static_cast<std::size_t>(token->capacity))
+        return true;
+    const std::size_t wanted = std::max(length + n + ZEL_LEX_LEXEME, length + length / 2);
+    if (wanted > 0x7fffffff)
+        return false;
+    char *grown = static_cast<char *>(std::realloc(token->lexeme, wanted));
+    if (grown == nullptr)
+        return false;
+    token->lexeme = grown;
+    token->capacity = static_cast<int>(wanted);
+    return true;
+}
+
+// A text that cannot grow ends its token: no capacity is left to it.
+int out_of_memory(zel_token_t *token)
+{
+    token->capacity = 0;
+    token->id = TOKEN_ERR_MEM;
+    return TOKEN_ERR_MEM;
+}
+
+bool add_byte(zel_token_t *token, int c)
+{
+    if (!reserve(token, 1))
+        return false;
+    token->lexeme[token->length++] = static_cast<char>(c);
+    return true;
+}
+
+// Appends the bytes of one class that stand next in the block.
+bool add_run(zel_lex_buf_t *buf, zel_token_t *token, unsigned char mask)
+{
+    const block_view block = open_block(buf);
+    const unsigned char *p = block.begin;
+    while (p != block.end && (classes[*p] & mask) != 0)
+        ++p;
+    const auto n = static_cast<std::size_t>(p - block.begin);
+    if (n == 0)
+        return true;
+    if (!reserve(token, n))
+        return false;
+    std::memcpy(token->lexeme + token->length, block.begin, n);
+    token->length += static_cast<std::uint32_t>(n);
+    take_block(buf, n);
+    return true;
+}
+
+void end_text(zel_token_t *token) { token->lexeme[token->length] = '\0'; }
+
+void clear_token(zel_token_t *token)
+{
+    token->id = 0;
+    token->length = 0;
+    if (token->capacity > 0)
+        token->lexeme[0] = '\0';
+}
+
+void mark_start(zel_lex_t *lex)
+{
+    const zel_lex_buf_t *buf = lex->buf;
+    zel_token_t *token = lex->work;
+    token->line = buf->line;
+    token->column = buf->column;
+    token->offset = buf->position;
+    token->file_index = static_cast<int>(buf->marker_file);
+    token->file_line = buf->marker_line;
+}
+
+// ---- Keywords
+
+int compare_words(const zel_lex_t *lex, const char *a, const char *b)
+{
+    return (lex->flags & LEX_KEYWORD_NOCASE) != 0 ? strcasecmp(a, b) : std::strcmp(a, b);
+}
+
+// Letters differ in case by one bit; for a hash it may be dropped from every byte.
+unsigned word_hash(const char *word, std::size_t length)
+{
+    const auto first = static_cast<unsigned char>(word[0] | 0x20);
+    const auto last = static_cast<unsigned char>(word[length - 1] | 0x20);
+    const auto middle = static_cast<unsigned char>(word[length / 2] | 0x20);
+    return static_cast<unsigned>(length * 7 + first * 31U + last * 5U + middle) %
+           ZEL_LEX_KEYWORD_SLOTS;
+}
+
+int bisect_keyword(const zel_lex_t *lex, const char *word)
+{
+    unsigned low = 0;
+    unsigned high = lex->keyword_count;
+    unsigned mid = high / 2;
+    for (;;) {
+        const Keytab *row = lex->keywords[mid];
+        const int order = mid == 0 || row->word == nullptr ? 1 : compare_words(lex, row->word, word);
+        if (order == 0)
+            return row->id;
+        (order < 0 ? low : high) = mid;
+        mid = low + (high - low) / 2;
+        if (mid == low)
+            return TOKEN_IDENT;
+    }
+}
+
+int find_keyword(const zel_lex_t *lex, const char *word, std::size_t length)
+{
+    if (lex->keyword_count < 2 || length == 0)
+        return TOKEN_IDENT;
+    if (lex->hashed == 0)
+        return bisect_keyword(lex, word);
+    for (unsigned slot = word_hash(word, length); lex->keyword_hash[slot] != 0;
+         slot = (slot + 1) % ZEL_LEX_KEYWORD_SLOTS) {
+        const Keytab *row = lex->keywords[lex->keyword_hash[slot]];
+        if (compare_words(lex, row->word, word) == 0)
+            return row->id;
+    }
+    return TOKEN_IDENT;
+}
+
+// The hash answers like the bisection as long as no word stands twice; a table that is too full
+// or has a row without a word is bisected.
+void build_keyword_hash(zel_lex_t *lex)
+{
+    lex->hashed = 0;
+    std::fill(std::begin(lex->keyword_hash), std::end(lex->keyword_hash), std::uint16_t{0});
+    const unsigned count = lex->keyword_count;
+    if (count < 2 || count > ZEL_LEX_KEYWORD_SLOTS / 2)
+        return;
+    for (unsigned i = 1; i < count; ++i) {
+        const char *word = lex->keywords[i]->word;
+        if (word == nullptr || *word == '\0' ||
+            (i > 1 && compare_words(lex, lex->keywords[i - 1]->word, word) == 0))
+            return;
+        unsigned slot = word_hash(word, std::strlen(word));
+        while (lex->keyword_hash[slot] != 0)
+            slot = (slot + 1) % ZEL_LEX_KEYWORD_SLOTS;
+        lex->keyword_hash[slot] = static_cast<std::uint16_t>(i);
+    }
+    lex->hashed = 1;
+}
+
+std::uint16_t count_keywords(const Keytab *table)
+{
+    std::uint16_t count = 0;
+    if (table != nullptr)
+        do
+            ++count;
+        while (table[count].id != 0);
+    return count;
+}
+
+// Sorted by insertion: rows of equal words keep their order.
+void sort_keywords(zel_lex_t *lex)
+{
+    for (unsigned i = 2; i < lex->keyword_count; ++i) {
+        const Keytab *row = lex->keywords[i];
+        if (row->word == nullptr)
+            return;
+        unsigned at = i;
+        for (; at > 1 && lex->keywords[at - 1]->word != nullptr &&
+               compare_words(lex, lex->keywords[at - 1]->word, row->word) > 0;
+             --at)
+            lex->keywords[at] = lex->keywords[at - 1];
+        lex->keywords[at] = row;
+    }
+}
+
+bool build_keywords(zel_lex_t *lex, const Keytab *table)
+{
+    const std::uint16_t count = count_keywords(table);
+    auto **index = static_cast<const Keytab **>(std::calloc(count + 1U, sizeof(Keytab *)));
+    auto *rows = static_cast<Keytab *>(std::calloc(count + 1U, sizeof(Keytab)));
+    if (index == nullptr || rows == nullptr) {
+        std::free(index);
+        std::free(rows);
+        return false;
+    }
+    lex->keywords = index;
+    lex->keyword_rows = rows;
+    lex->keyword_count = count;
+    lex->table = table;
+    for (unsigned i = 1; i <= count; ++i) {
+        rows[i] = table[i];
+        index[i] = &table[i];
+    }
+    sort_keywords(lex);
+    build_keyword_hash(lex);
+    return true;
+}
+
+// ---- Making and recycling scanners
+
+// Clients make a scanner for every string or file they look into. Scanners that are released wait
+// here with their areas and their keyword index for the next client with the same words.
+struct scanner_pool {
+    std::array<zel_lex_t *, 4> idle{};
+    std::size_t count = 0;
+};
+scanner_pool pool;
+
+bool same_words(const zel_lex_t *lex, const Keytab *table, unsigned flags)
+{
+    if (lex->table != table || ((lex->flags ^ flags) & LEX_KEYWORD_NOCASE) != 0)
+        return false;
+    for (unsigned i = 1; i <= lex->keyword_count; ++i)
+        if (lex->keyword_rows[i].word != table[i].word || lex->keyword_rows[i].id != table[i].id)
+            return false;
+    return true;
+}
+
+void start_scanner(zel_lex_t *lex, unsigned flags)
+{
+    lex->flags = flags;
+    lex->get_token = zel_get_token;
+    lex->do_numeric = lex_do_numeric;
+    lex->buf = nullptr;
+    lex->marker_count = 0;
+    clear_token(lex->work);
+    clear_token(lex->current);
+    clear_token(lex->ahead);
+}
+
+zel_lex_t *take_from_pool(const Keytab *table, unsigned flags)
+{
+    for (std::size_t i = 0; i < pool.count; ++i) {
+        zel_lex_t *lex = pool.idle[i];
+        if (!same_words(lex, table, flags))
+            continue;
+        pool.idle[i] = pool.idle[--pool.count];
+        start_scanner(lex, flags);
+        return lex;
+    }
+    return nullptr;
+}
+
+zel_token_t *new_token()
+{
+    auto *token = static_cast<zel_token_t *>(std::calloc(1, sizeof(zel_token_t)));
+    if (token == nullptr)
+        return nullptr;
+    token->lexeme = static_cast<char *>(std::malloc(ZEL_LEX_LEXEME));
+    if (token->lexeme == nullptr) {
+        std::free(token);
+        return nullptr;
+    }
+    token->capacity = ZEL_LEX_LEXEME;
+    token->lexeme[0] = '\0';
+    return token;
+}
+
+void destroy_scanner(zel_lex_t *lex) noexcept
+{
+    lex_token_free(lex->work);
+    lex_token_free(lex->current);
+    lex_token_free(lex->ahead);
+    std::free(lex->keywords);
+    std::free(lex->keyword_rows);
+    std::free(lex);
+}
+using new_lex_guard = std::unique_ptr<zel_lex_t, zel::release<destroy_scanner>>;
+
+// Back to the size of a new one, so that the pool does not hoard one client's long texts.
+bool fit_for_pool(const zel_token_t *token) { return token->capacity == ZEL_LEX_LEXEME; }
+
+void release_marker_files(zel_lex_t *lex)
+{
+    for (char *&name : lex->marker_files) {
+        if (name == nullptr)
+            break;
+        std::free(name);
+        name = nullptr;
+    }
+}
+
+// ---- Comments, strings, characters, markers
+
+int finish(zel_token_t *token, int id)
+{
+    token->id = static_cast<std::int16_t>(id);
+    return id;
+}
+
+// Takes everything before the first of the two bytes that stands in the block.
+void skip_until(zel_lex_buf_t *buf, int byte, int other)
+{
+    const block_view block = open_block(buf);
+    if (block.begin == nullptr)
+        return;
+    auto n = static_cast<std::size_t>(block.end - block.begin);
+    for (const int wanted : {byte, other})
+        if (const void *found = std::memchr(block.begin, wanted, n))
+            n = static_cast<std::size_t>(static_cast<const unsigned char *>(found) - block.begin);
+    take_block(buf, n);
+}
+
+// After "/*". False at the end of input.
+bool skip_block_comment(zel_lex_buf_t *buf)
+{
+    for (;;) {
+        skip_until(buf, '\n', '*');
+        const int c = next_char(buf);
+        if (c == ZEL_LEX_EOF)
+            return false;
+        if (c == '*' && peek_char(buf) == '/') {
+            next_char(buf);
+            return true;
+        }
+    }
+}
+
+// After "//", through the line feed. False at the end of input.
+bool skip_line_comment(zel_lex_buf_t *buf)
+{
+    for (;;) {
+        skip_until(buf, '\n', '\n');
+        const int c = next_char(buf);
+        if (c == '\n' || c == ZEL_LEX_EOF)
+            return c == '\n';
+    }
+}
+
+int hex_value(int c)
+{
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    const int lower = c | 0x20;
+    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
+
+// The byte that the two characters after \x stand for; what "%x" makes of them where they are no
+// digits.
+int hex_byte(int high, int low)
+{
+    const char digits[] = {static_cast<char>(high), static_cast<char>(low), '\0'};
+    unsigned value = 0;
+    return std::sscanf(digits, "%x", &value) == 1 ? static_cast<int>(value & 0xff) : 0;
+}
+
+// Letters of one-character escapes in strings and the bytes they stand for.
+int string_escape(int letter)
+{
+    switch (letter) {
+    case '\\':
+    case '"':
+        return letter;
+    case '0':
+        return 0;
+    case 'n':
+        return '\n';
+    case 't':
+        return '\t';
+    case 'r':
+        return '\r';
+    case 'a':
+        return '\a';
+    case 'b':
+        return '\b';
+    default:
+        return -1;
+    }
+}
+
+// What one escape did to the string: goes on, or the kind that ends it.
+constexpr int string_goes_on = 0;
+
+int scan_hex_escape(zel_lex_buf_t *buf, zel_token_t *token)
+{
+    const int high = next_char(buf);
+    const int low = high == ZEL_LEX_EOF ? ZEL_LEX_EOF : next_char(buf);
+    if (low == ZEL_LEX_EOF)
+        return TOKEN_EOF;
+    return add_byte(token, hex_byte(high, low)) ? string_goes_on : TOKEN_ERR_MEM;
+}
+
+int scan_string_escape(zel_lex_t *lex, zel_token_t *token)
+{
+    zel_lex_buf_t *buf = lex->buf;
+    const int letter = next_char(buf);
+    if (letter == ZEL_LEX_EOF)
+        return TOKEN_EOF;
+    if (letter == 'x' || letter == 'X')
+        return scan_hex_escape(buf, token);
+    if (letter == '\n' || letter == '\r') {
+        if (peek_char(buf) == '\\')
+            next_char(buf);
+        return string_goes_on;
+    }
+    const int byte = string_escape(letter);
+    if (byte >= 0)
+        return add_byte(token, byte) ? string_goes_on : TOKEN_ERR_MEM;
+    if ((lex->flags & LEX_KEEP_BAD_ESCAPES) == 0)
+        return TOKEN_BAD_ESCAPE;
+    LogPrint(1, "zel_get_token: WARNING unknown escape %c\n", letter);
+    return add_byte(token, '\\') && add_byte(token, letter) ? string_goes_on : TOKEN_ERR_MEM;
+}
+
+// One character of a string that is not part of a plain run.
+int scan_string_char(zel_lex_t *lex, zel_token_t *token)
+{
+    const int c = next_char(lex->buf);
+    switch (c) {
+    case '"':
+        return TOKEN_STRING;
+    case '\n':
+    case '\r':
+        return TOKEN_ERR_EOL;
+    case ZEL_LEX_EOF:
+        return TOKEN_EOF;
+    case '\\':
+        if ((lex->flags & LEX_ESCAPES) != 0)
+            return scan_string_escape(lex, token);
+        [[fallthrough]];
+    default:
+        return add_byte(token, c) ? string_goes_on : TOKEN_ERR_MEM;
+    }
+}
+
+int scan_string(zel_lex_t *lex)
+{
+    zel_token_t *token = lex->work;
+    int kind = string_goes_on;
+    while (kind == string_goes_on) {
+        if (!add_run(lex->buf, token, in_string))
+            return out_of_memory(token);
+        kind = scan_string_char(lex, token);
+    }
+    if (kind == TOKEN_ERR_MEM)
+        return out_of_memory(token);
+    end_text(token);
+    return finish(token, kind);
+}
+
+// Letters of escapes in character constants; any other letter leaves the backslash.
+int character_escape(int letter)
+{
+    switch (letter) {
+    case 'f':
+        return '\f';
+    case 't':
+        return '\t';
+    case 'v':
+        return '\v';
+    case 'n':
+        return '\n';
+    case 'r':
+        return '\r';
+    case '0':
+        return 0;
+    case '"':
+    case '\'':
+        return letter;
+    case 'a':
+        return '\a';
+    case 'b':
+        return '\b';
+    default:
+        return '\\';
+    }
+}
+
+int scan_character(zel_lex_t *lex)
+{
+    zel_token_t *token = lex->work;
+    int c = next_char(lex->buf);
+    if (c == '\\') {
+        const int letter = next_char(lex->buf);
+        c = letter == ZEL_LEX_EOF ? letter : character_escape(letter);
+    }
+    if (c == ZEL_LEX_EOF)
+        return finish(token, TOKEN_EOF);
+    token->length = static_cast<std::uint32_t>(
+        std::snprintf(token->lexeme, static_cast<std::size_t>(token->capacity), "%d", c));
+    return finish(token, next_char(lex->buf) == '\'' ? TOKEN_CHAR : TOKEN_NUMBER);
+}
+
+int scan_identifier(zel_lex_t *lex, int first)
+{
+    zel_token_t *token = lex->work;
+    bool fits = add_byte(token, first);
+    do
+        fits = fits && add_run(lex->buf, token, in_ident);
+    while (fits && is_class(peek_char(lex->buf), in_ident) &&
+           add_byte(token, next_char(lex->buf)));
+    if (!fits)
+        return out_of_memory(token);
+    end_text(token);
+    return finish(token, find_keyword(lex, token->lexeme, token->length));
+}
+
+bool is_digit(int c) { return c >= '0' && c <= '9'; }
+
+// A run of digits as a number, cut to 32 bits; the character after them is the result.
+int read_digits(zel_lex_buf_t *buf, int first, std::uint32_t &number)
+{
+    std::uint64_t value = 0;
+    int c = first;
+    for (; is_digit(c); c = next_char(buf))
+        value = std::min<std::uint64_t>(value * 10 + static_cast<unsigned>(c - '0'), 0xffffffffU);
+    number = static_cast<std::uint32_t>(value);
+    return c;
+}
+
+constexpr std::uint32_t marker_name_limit = 2047;
+
+void enter_marker_file(zel_lex_t *lex, const zel_token_t *name)
+{
+    if (lex->marker_count >= ZEL_LEX_MARKER_FILES || name->length > marker_name_limit)
+        return;
+    char *copy = strdup(name->lexeme);
+    if (copy == nullptr)
+        return;
+    std::free(lex->marker_files[lex->marker_count]);
+    lex->marker_files[lex->marker_count] = copy;
+    lex->buf->marker_file = lex->marker_count++;
+}
+
+void leave_marker_file(zel_lex_t *lex)
+{
+    if (lex->marker_count > 0)
+        --lex->marker_count;
+    lex->buf->marker_file = lex->marker_count - 1; // wraps to "no file" for an empty table
+}
+
+// # line "file" [flag] and the rest of its line. The work token's text holds the name meanwhile.
+void scan_line_marker(zel_lex_t *lex)
+{
+    zel_lex_buf_t *buf = lex->buf;
+    zel_token_t *name = lex->work;
+    int c = next_char(buf);
+    while (!is_digit(c) && c != ZEL_LEX_EOF)
+        c = next_char(buf);
+    std::uint32_t line = 0;
+    c = read_digits(buf, c, line);
+    while (c != '"' && c != ZEL_LEX_EOF)
+        c = next_char(buf);
+    for (c = c == '"' ? next_char(buf) : c; c != '"' && c != ZEL_LEX_EOF; c = next_char(buf))
+        if (name->length <= marker_name_limit)
+            add_byte(name, c);
+    end_text(name);
+    std::uint32_t flag = 0;
+    while (!is_digit(c) && c != '\n' && c != ZEL_LEX_EOF)
+        c = next_char(buf);
+    if (is_digit(c))
+        c = read_digits(buf, c, flag);
+    while (c != '\n' && c != ZEL_LEX_EOF)
+        c = next_char(buf);
+    if (c != ZEL_LEX_EOF) {
+        buf->marker_line = line;
+        if (flag < 2)
+            enter_marker_file(lex, name);
+        else if (flag == 2)
+            leave_marker_file(lex);
+    }
+    clear_token(name);
+}
+
+// An operator of one character, or of two when the second one follows.
+int scan_pair(zel_lex_t *lex, int single, int second, int pair)
+{
+    if (peek_char(lex->buf) != second)
+        return finish(lex->work, single);
+    next_char(lex->buf);
+    return finish(lex->work, pair);
+}
+
+int scan_number(zel_lex_t *lex, int first)
+{
+    const int kind = lex->do_numeric(lex, first, 0);
+    return finish(lex->work, kind > 0 && (lex->flags & LEX_NUMBER_ONE_KIND) != 0 ? TOKEN_NUMBER
+                                                                                 : kind);
+}
+
+// A "/": what kind of token it is, or string_goes_on after a comment.
+int scan_slash(zel_lex_t *lex)
+{
+    zel_lex_buf_t *buf = lex->buf;
+    const int second = (lex->flags & LEX_NO_COMMENTS) != 0 ? 0 : peek_char(buf);
+    if (second != '*' && second != '/')
+        return finish(lex->work, '/');
+    next_char(buf);
+    const bool closed = second == '*' ? skip_block_comment(buf) : skip_line_comment(buf);
+    return closed ? 0 : finish(lex->work, TOKEN_EOF);
+}
+
+void skip_blanks(zel_lex_buf_t *buf)
+{
+    const block_view block = open_block(buf);
+    const unsigned char *p = block.begin;
+    while (p != block.end && (*p == ' ' || *p == '\t'))
+        ++p;
+    take_block(buf, static_cast<std::size_t>(p - block.begin));
+}
+
+// Acts on one character: the kind of the token it begins, or 0 when it is passed over.
+int scan_from(zel_lex_t *lex, int c)
+{
+    switch (c) {
+    case ZEL_LEX_EOF:
+        return finish(lex->work, TOKEN_EOF);
+    case ' ':
+    case '\t':
+        skip_blanks(lex->buf);
+        return 0;
+    case '\n':
+        return (lex->flags & LEX_NEWLINE_SPACE) != 0 ? 0 : finish(lex->work, TOKEN_NEWLINE);
+    case '!':
+        return scan_pair(lex, c, '=', TOKEN_NE);
+    case '&':
+        return scan_pair(lex, c, '&', TOKEN_AND);
+    case '|':
+        return scan_pair(lex, c, '|', TOKEN_OR);
+    case '+':
+        return scan_pair(lex, c, '+', TOKEN_INC);
+    case '-':
+        return scan_pair(lex, c, '-', TOKEN_DECR);
+    case '<':
+        return scan_pair(lex, c, '=', TOKEN_LE);
+    case '=':
+        return scan_pair(lex, c, '=', TOKEN_EQ);
+    case '>':
+        return scan_pair(lex, c, '=', TOKEN_GE);
+    case '#':
+        if ((lex->flags & LEX_LINE_MARKERS) == 0)
+            return finish(lex->work, c);
+        scan_line_marker(lex);
+        return 0;
+    case '/':
+        return scan_slash(lex);
+    case '"':
+        return scan_string(lex);
+    case '\'':
+        return (lex->flags & LEX_ESCAPES) != 0 ? scan_character(lex) : finish(lex->work, c);
+    case '$': case '%': case '(': case ')': case '*': case ',': case '.': case ':': case ';':
+    case '?': case '[': case '\\': case ']': case '{': case '}': case '~':
+        return finish(lex->work, c);
+    case '0': case '1': case '2': case '3': case '4': case '5': case '6': case '7': case '8':
+    case '9':
+        return scan_number(lex, c);
+    default:
+        return scan_identifier(lex, c);
+    }
+}
+
+} // namespace
+
+zel_lex_t *zel_lex_new(const Keytab *table, unsigned flags)
+{
+    if (zel_lex_t *idle = take_from_pool(table, flags))
+        return idle;
+    new_lex_guard lex(static_cast<zel_lex_t *>(std::calloc(1, sizeof(zel_lex_t))));
+    if (!lex)
+        return nullptr;
+    lex->flags = flags;
+    lex->work = new_token();
+    lex->current = new_token();
+    lex->ahead = new_token();
+    if (lex->work == nullptr || lex->current == nullptr || lex->ahead == nullptr ||
+        !build_keywords(lex.get(), table))
+        return nullptr;
+    start_scanner(lex.get(), flags);
+    return lex.release();
+}
+
+void _zel_lex_free(zel_lex_t *lex)
+{
+    if (lex == nullptr)
+        return;
+    release_marker_files(lex);
+    if (pool.count < pool.idle.size() && fit_for_pool(lex->work) && fit_for_pool(lex->current) &&
+        fit_for_pool(lex->ahead))
+        pool.idle[pool.count++] = lex;
+    else
+        destroy_scanner(lex);
+}
+
+void dbg_zel_lex_free(const void *ptr, const char *file, int line)
+{
+    LogPrint(1, "dbg_zel_lex_free: %s:%d ptr 0x%08x\n", file, line,
+             static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(ptr)));
+}
+
+int zel_lex_set_get_token(zel_lex_t *lex, zel_lex_token_fn function)
+{
+    lex->get_token = function;
+    return 0;
+}
+
+int zel_lex_start(zel_lex_t *lex)
+{
+    if (lex == nullptr) {
+        LogPrint(1, "zel_lex_start: ERROR lex null ptr\n");
+        return 1;
+    }
+    if (lex->buf == nullptr) {
+        LogPrint(1, "zel_lex_start: ERROR lex_buf null ptr\n");
+        return 1;
+    }
+    mark_start(lex);
+    return 0;
+}
+
+int zel_get_token(zel_lex_t *lex)
+{
+    clear_token(lex->work);
+    if (lex->buf == nullptr)
+        return TOKEN_ERR_MEM;
+    if (lex->work->capacity == 0 && !reserve(lex->work, 0))
+        return TOKEN_ERR_MEM;
+    int kind = 0;
+    while (kind == 0) {
+        mark_start(lex);
+        kind = scan_from(lex, next_char(lex->buf));
+    }
+    return kind;
+}
+
+// Tokens change hands by exchanging their areas, not by copying the text.
+zel_token_t *zel_next_token(zel_lex_t *lex)
+{
+    if (lex == nullptr)
+        return nullptr;
+    if (lex->ahead->id != 0) {
+        std::swap(*lex->current, *lex->ahead);
+        lex->ahead->id = 0;
+    } else {
+        lex->get_token(lex);
+        std::swap(*lex->current, *lex->work);
+    }
+    return lex->current;
+}
+
+zel_token_t *zel_token_look_ahead(zel_lex_t *lex, int)
+{
+    if (lex == nullptr)
+        return nullptr;
+    if (lex->ahead->id == 0) {
+        lex->get_token(lex);
+        std::swap(*lex->ahead, *lex->work);
+    }
+    return lex->ahead;
+}
+
+zel_token_t *zel_current_token(zel_lex_t *lex) { return lex == nullptr ? nullptr : lex->current; }
+
+std::uint64_t zel_lex_seek(zel_lex_t *lex, std::uint64_t offset)
+{
+    zel_lex_buf_seek(lex->buf, offset);
+    return offset;
+}
+
+int lex_token_cpy(zel_token_t *destination, const zel_token_t *source)
+{
+    if (source->length != 0 && destination->capacity < source->capacity) {
+        char *grown = static_cast<char *>(std::malloc(static_cast<std::size_t>(source->capacity)));
+        if (grown == nullptr) {
+            LogPrint(1, "lex_token_cpy: ERROR not enough memory\n");
+            return 1;
+        }
+        std::free(destination->lexeme);
+        destination->lexeme = grown;
+        destination->capacity = source->capacity;
+    }
+    if (destination->capacity > 0 && source->lexeme != nullptr)
+        std::memcpy(destination->lexeme, source->lexeme, source->length + std::size_t{1});
+    destination->id = source->id;
+    destination->length = source->length;
+    destination->line = source->line;
+    destination->column = source->column;
+    destination->offset = source->offset;
+    destination->file_index = source->file_index;
+    destination->file_line = source->file_line;
+    return 0;
+}
+
+void lex_token_free(zel_token_t *token)
+{
+    if (token == nullptr)
+        return;
+    std::free(token->lexeme);
+    std::free(token);
+}
+
+namespace {
+
+bool is_octal(int c) { return c >= '0' && c <= '7'; }
+bool is_hex(int c) { return hex_value(c) >= 0; }
+bool is_decimal_or_point(int c) { return is_digit(c) || c == '.'; }
+
+// Takes what follows of one class; says through seen whether the character came among it.
+bool add_while(zel_lex_t *lex, bool (*accepts)(int), int character, bool &seen)
+{
+    while (accepts(peek_char(lex->buf))) {
+        const int c = next_char(lex->buf);
+        seen = seen || c == character;
+        if (!add_byte(lex->work, c))
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+int lex_do_numeric(zel_lex_t *lex, int first, int start)
+{
+    zel_token_t *token = lex->work;
+    token->length = static_cast<std::uint32_t>(start);
+    const int second = peek_char(lex->buf);
+    int kind = TOKEN_DEC;
+    bool fits = add_byte(token, first);
+    bool seen = false;
+    if (first == '0' && (second | 0x20) == 'x') {
+        next_char(lex->buf);
+        fits = fits && add_byte(token, 'x') && add_while(lex, is_hex, 0, seen);
+        kind = TOKEN_HEX;
+    } else if (first == '0' && second != '.') {
+        fits = fits && add_while(lex, is_octal, 0, seen);
+        kind = token->length == static_cast<std::uint32_t>(start) + 1 ? TOKEN_DEC : TOKEN_OCT;
+    } else {
+        fits = fits && add_while(lex, is_decimal_or_point, '.', seen);
+        kind = seen ? TOKEN_FLOAT : TOKEN_DEC;
+    }
+    if (!fits)
+        return out_of_memory(token);
+    end_text(token);
+    return kind;
+}
+
+int keyws(zel_lex_t *lex, const char *word) { return find_keyword(lex, word, std::strlen(word)); }

@@ -1,0 +1,111 @@
+#include "source/item-index.h"
+
+#include "source/group.h"
+#include "support/zel_malloc.h"
+
+#include <cstring>
+
+namespace zel {
+
+namespace {
+
+const char *or_empty(const char *text)
+{
+    return text == nullptr ? "" : text;
+}
+
+bool same_name(const char *stored, const char *wanted)
+{
+    return std::strcmp(or_empty(stored), wanted) == 0;
+}
+
+// Of an item within its group.
+std::uint32_t item_hash(std::uint32_t group, const char *name)
+{
+    return hash_of(or_empty(name)) ^ group * 0x85EBCA6BU;
+}
+
+} // namespace
+
+item_index::item_index(LangSource *source) : source_(source), group_tail_(source->groups)
+{
+    for (edit_t *group : each<edit_t>(source->groups)) {
+        // Only the first group of a name is ever looked into.
+        if (find_group(or_empty(group->name)) != hash_index::none)
+            continue;
+        const std::uint32_t at = add_group(group);
+        for (item_t *item : each<item_t>(group->items))
+            if (find_item(at, or_empty(item->name)) == hash_index::none)
+                add_item(at, item);
+    }
+}
+
+std::uint32_t item_index::find_group(const char *name) const
+{
+    return group_names_.find(
+        hash_of(name), [&](std::uint32_t at) { return same_name(groups_[at].group->name, name); });
+}
+
+std::uint32_t item_index::find_item(std::uint32_t group, const char *name) const
+{
+    return item_names_.find(item_hash(group, name), [&](std::uint32_t at) {
+        return items_[at].group == group && same_name(items_[at].item->name, name);
+    });
+}
+
+std::uint32_t item_index::add_group(edit_t *group)
+{
+    const auto at = static_cast<std::uint32_t>(groups_.size());
+    groups_.push_back({group, list_tail(group->items)});
+    group_names_.add(hash_of(or_empty(group->name)), at);
+    return at;
+}
+
+std::uint32_t item_index::add_item(std::uint32_t group, item_t *item)
+{
+    const auto at = static_cast<std::uint32_t>(items_.size());
+    items_.push_back({item, list_tail(item->used_in), group});
+    item_names_.add(item_hash(group, item->name), at);
+    return at;
+}
+
+indexed_item *item_index::find(const char *group, const char *item)
+{
+    const std::uint32_t group_at = find_group(group);
+    if (group_at == hash_index::none)
+        return nullptr;
+    const std::uint32_t at = find_item(group_at, item);
+    return at == hash_index::none ? nullptr : &items_[at];
+}
+
+indexed_item *item_index::insert(const char *group, const char *item)
+{
+    if (find(group, item) != nullptr) {
+        insert_group_item(source_, group, item); // says that it is there
+        return nullptr;
+    }
+    std::uint32_t group_at = find_group(group);
+    if (group_at == hash_index::none) {
+        edit_t *added = new_group(group);
+        if (added == nullptr)
+            return nullptr;
+        group_tail_.append(added);
+        group_at = add_group(added);
+    }
+    item_t *added = new_group_item(source_, item);
+    if (added == nullptr)
+        return nullptr;
+    groups_[group_at].items.append(added);
+    return &items_[add_item(group_at, added)];
+}
+
+bool add_use(indexed_item &used, const char *place)
+{
+    char *copy = zel_strdup(place);
+    if (copy == nullptr)
+        return false;
+    used.places.append(copy);
+    return true;
+}
+
+} // namespace zel

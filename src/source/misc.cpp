@@ -1,0 +1,206 @@
+#include "source/misc.h"
+
+#include "lex/lex-misc.h"
+#include "support/log-print.h"
+
+#include <array>
+#include <cctype>
+#include <cstdarg>
+#include <cstring>
+#include <unistd.h>
+
+namespace {
+
+constexpr std::size_t large_text = 256 * 1024;
+constexpr std::size_t searched_bytes = 4191; // of a line
+
+bool is_space(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
+
+constexpr std::array<bool, 256> make_plain()
+{
+    std::array<bool, 256> plain{};
+    for (unsigned c = 1; c < 256; ++c)
+        plain[c] = zel::escape_letter(static_cast<unsigned char>(c)) == 0;
+    return plain;
+}
+
+// Bytes that are written as they are; the terminating NUL is none.
+constexpr auto plain = make_plain();
+
+bool same_text(const char *a, const char *b)
+{
+    return a != nullptr && b != nullptr && std::strcmp(a, b) == 0;
+}
+
+bool is_blank_line(const char *line)
+{
+    for (; line != nullptr && *line != '\0'; ++line)
+        if (!is_space(*line))
+            return false;
+    return true;
+}
+
+} // namespace
+
+namespace zel {
+
+void append_escaped(std::string &out, const char *text)
+{
+    if (text == nullptr)
+        return;
+    while (*text != '\0') {
+        const char *run = text;
+        while (plain[static_cast<unsigned char>(*text)])
+            ++text;
+        out.append(run, static_cast<std::size_t>(text - run));
+        if (*text == '\0')
+            return;
+        out += '\\';
+        out += escape_letter(static_cast<unsigned char>(*text++));
+    }
+}
+
+void append_quoted(std::string &out, unsigned indent, const char *text)
+{
+    out.append(indent + 2U, ' ');
+    out += '"';
+    append_escaped(out, text);
+    out += '"';
+}
+
+void append_comment(std::string &out, std::string_view text)
+{
+    for (std::size_t end = text.find("*/"); end != std::string_view::npos; end = text.find("*/")) {
+        out.append(text.substr(0, end + 1)).append("\\/");
+        text.remove_prefix(end + 2);
+    }
+    out.append(text);
+}
+
+void append_format(std::string &out, const char *format, ...)
+{
+    std::va_list args;
+    va_start(args, format);
+    std::va_list again;
+    va_copy(again, args);
+    std::array<char, 256> area;
+    const int length = std::vsnprintf(area.data(), area.size(), format, args);
+    va_end(args);
+    if (length > 0 && static_cast<std::size_t>(length) < area.size()) {
+        out.append(area.data(), static_cast<std::size_t>(length));
+    } else if (length > 0) {
+        const std::size_t before = out.size();
+        out.resize(before + static_cast<std::size_t>(length) + 1);
+        std::vsnprintf(out.data() + before, static_cast<std::size_t>(length) + 1, format, again);
+        out.pop_back();
+    }
+    va_end(again);
+}
+
+void flush_text(std::string &out, std::FILE *stream)
+{
+    std::fwrite(out.data(), 1, out.size(), stream);
+    out.clear();
+}
+
+void flush_large_text(std::string &out, std::FILE *stream)
+{
+    if (out.size() >= large_text)
+        flush_text(out, stream);
+}
+
+} // namespace zel
+
+lang_entry_t *misc_select_lang_entry(item_t *item, const char *lang)
+{
+    if (item == nullptr)
+        return nullptr;
+    for (lang_entry_t *entry : zel::each<lang_entry_t>(item->langs))
+        if (same_text(entry->lang, lang))
+            return entry;
+    return nullptr;
+}
+
+int misc_select_edit_lang(LangSource *source, const char **first, const char **second)
+{
+    if (source == nullptr || first == nullptr || second == nullptr)
+        return 1;
+    *first = nullptr;
+    *second = nullptr;
+    const char **out = first;
+    for (const lang_t *lang : zel::each<lang_t>(source->langs)) {
+        if (lang->edit == 0)
+            continue;
+        *out = lang->name;
+        if (out == second)
+            break;
+        out = second;
+    }
+    return 0;
+}
+
+void misc_remove_empty_lines(lang_entry_t *entry)
+{
+    if (entry == nullptr)
+        return;
+    for (GList *node = g_list_last(entry->texts); node != nullptr; node = node->prev) {
+        char *line = static_cast<char *>(node->data);
+        if (line == nullptr)
+            continue;
+        std::size_t length = std::strlen(line);
+        while (length > 0 && is_space(line[length - 1]))
+            --length;
+        line[length] = '\0';
+        if (length > 0)
+            return;
+    }
+}
+
+int misc_write_lang_string(std::FILE *stream, unsigned indent, const char *text)
+{
+    std::string quoted;
+    zel::append_quoted(quoted, indent, text);
+    zel::flush_text(quoted, stream);
+    return 0;
+}
+
+int misc_search_in_lang_entry(lang_entry_t *entry, const char *needle)
+{
+    if (entry == nullptr || needle == nullptr)
+        return 0;
+    std::array<char, searched_bytes + 1> lower;
+    for (const char *line : zel::each<char>(entry->texts)) {
+        if (line == nullptr)
+            continue;
+        const std::size_t length = strnlen(line, searched_bytes);
+        for (std::size_t i = 0; i < length; ++i)
+            lower[i] = static_cast<char>(std::tolower(static_cast<unsigned char>(line[i])));
+        lower[length] = '\0';
+        if (g_strstr_len(lower.data(), static_cast<gssize>(length), needle) != nullptr)
+            return 1;
+    }
+    return 0;
+}
+
+int misc_search_empty_in_lang_entry(lang_entry_t *entry)
+{
+    if (entry == nullptr)
+        return 1;
+    for (const char *line : zel::each<char>(entry->texts))
+        if (!is_blank_line(line))
+            return 0;
+    return 1;
+}
+
+void lang_check_utf8(const char *file, int position, const char *label, const char *text)
+{
+    if (text == nullptr || g_utf8_validate(text, -1, nullptr))
+        return;
+    const char *where = file == nullptr ? " " : file;
+    const char *what = label == nullptr ? " " : label;
+    LogPrint(1, "INFO: %s: pos=%d invalid utf8 %s >%s<\n", where, position, what, text);
+    std::printf("INFO: %s: pos=%d invalid utf8 %s >%s<\n", where, position, what, text);
+    std::fflush(stdout);
+}
+
+int LangIsUserAdmin() { return getuid() == 0 ? 1 : 0; }

@@ -1,0 +1,319 @@
+#include "support/dir_list.h"
+
+#include "support/log-print.h"
+#include "support/zel_malloc.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <dirent.h>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unistd.h>
+
+namespace {
+
+void close_dir(DIR *dir)
+{
+    closedir(dir);
+}
+using dir_guard = std::unique_ptr<DIR, zel::release<close_dir>>;
+
+dir_guard open_dir(const char *path)
+{
+    errno = path == nullptr ? ENOENT : 0;
+    return dir_guard(path == nullptr ? nullptr : opendir(path));
+}
+
+// The next entry's name without "." and ".."; null at the end. Lives until the next call.
+const char *next_entry(DIR *dir)
+{
+    while (const dirent *entry = readdir(dir))
+        if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0)
+            return entry->d_name;
+    return nullptr;
+}
+
+const char *shown(const char *path)
+{
+    return path == nullptr ? "(null)" : path;
+}
+
+int compare_names(const void *a, const void *b)
+{
+    return std::strcmp(static_cast<const char *>(a), static_cast<const char *>(b));
+}
+
+int compare_names_back(const void *a, const void *b)
+{
+    return compare_names(b, a);
+}
+
+bool is_separator(char c)
+{
+    return c == '/' || c == '\\';
+}
+
+// Longest work path that cre_dir builds, with its final NUL.
+constexpr std::size_t work_path_size = 2048;
+
+enum {
+    CRE_OK = 0,
+    CRE_NO_HOST = 1,
+    CRE_NO_HOST_END = 2,
+    CRE_NO_SHARE = 3,
+    CRE_NO_NAME = 6,
+    CRE_UNEXPECTED = 7,
+    CRE_NOT_CREATED = 8,
+    CRE_NO_ACCESS = 10,
+    CRE_GO_ON = -1 // not a result: the next token is due
+};
+
+// The path as far as it exists, one name further, and what is left to do.
+struct dir_maker {
+    const char *cursor;
+    std::string token; // room for every token; text of the one read last
+    std::string work;
+    std::string parent;
+
+    int next() { return cd_next_token(&cursor, token.data()); }
+
+    void add_token() { work += token.c_str(); }
+
+    bool next_is(int kind)
+    {
+        if (next() != kind)
+            return false;
+        add_token();
+        return true;
+    }
+};
+
+int not_created()
+{
+    LogPrint(1, "cre_dir dir: ERROR 8 (UNIX)\n");
+    return CRE_NOT_CREATED;
+}
+
+bool parent_is_writable(std::string parent)
+{
+    if (parent.empty())
+        return true;
+    const bool separated = is_separator(parent.back());
+    if (separated)
+        parent.back() = '/';
+    // The root has no name without its separator.
+    const bool cut = separated && parent.size() > 1;
+    if (zel_access(parent.substr(0, parent.size() - (cut ? 1 : 0)).c_str(), W_OK) == 0)
+        return true;
+    if (separated)
+        LogPrint(1, "cre_dir dir     ->%s<- ERROR 9.1 no write access\n", parent.c_str());
+    else
+        LogPrint(1, "cre_dir dir     ->%s<- ERROR 9.2 no write access\n", parent.c_str());
+    return false;
+}
+
+int create(const dir_maker &maker)
+{
+    if (!parent_is_writable(maker.parent))
+        return CRE_NO_ACCESS;
+    return zel_mkdir(maker.work.c_str(), 0774) == 0 ? CRE_GO_ON : not_created();
+}
+
+// A name has been added to the work path: the directory is there afterwards.
+int make_sure(dir_maker &maker)
+{
+    if (maker.work.size() >= work_path_size)
+        return not_created();
+    const char *path = maker.work.c_str();
+    LogPrint(1, "cre_dir dir buf >%s< check existence\n", path);
+    if (zel_access(path, F_OK) != 0) {
+        if (const int result = create(maker); result != CRE_GO_ON)
+            return result;
+    } else {
+        if (zel_access(path, W_OK) != 0)
+            LogPrint(1, "cre_dir dir     ->%s<- INFO 10 no write access\n", path);
+        if (zel_access(path, R_OK) != 0)
+            LogPrint(1, "cre_dir dir     ->%s<- INFO 11 no read  access\n", path);
+    }
+    maker.parent = maker.work;
+    return CRE_GO_ON;
+}
+
+int after_separator(dir_maker &maker)
+{
+    maker.add_token();
+    switch (maker.next()) {
+    case CD_NAME:
+        maker.add_token();
+        return make_sure(maker);
+    case CD_END:
+        return CRE_OK;
+    default:
+        LogPrint(1, "cre_dir dir: ERROR 4 >%s<\n", maker.work.c_str());
+        return CRE_NO_NAME;
+    }
+}
+
+int after_drive(dir_maker &maker)
+{
+    maker.work = maker.token.c_str();
+    if (!maker.next_is(CD_SEPARATOR) || !maker.next_is(CD_NAME))
+        return CRE_OK;
+    return make_sure(maker);
+}
+
+// "//host/share": only the share is a directory.
+int after_network(dir_maker &maker)
+{
+    maker.work = maker.token.c_str();
+    if (!maker.next_is(CD_NAME)) {
+        LogPrint(1, "cre_dir dir: ERROR 1 >%s<\n", maker.work.c_str());
+        return CRE_NO_HOST;
+    }
+    if (!maker.next_is(CD_SEPARATOR)) {
+        LogPrint(1, "cre_dir dir: ERROR 2 >%s<\n", maker.work.c_str());
+        return CRE_NO_HOST_END;
+    }
+    if (!maker.next_is(CD_NAME)) {
+        LogPrint(1, "cre_dir dir: ERROR 3 >%s<\n", maker.work.c_str());
+        return CRE_NO_SHARE;
+    }
+    return make_sure(maker);
+}
+
+int make_next(dir_maker &maker)
+{
+    switch (maker.next()) {
+    case CD_END:
+        LogPrint(1, "cre_dir dir: exit OK\n");
+        return CRE_OK;
+    case CD_NAME:
+        maker.add_token();
+        return make_sure(maker);
+    case CD_SEPARATOR:
+        return after_separator(maker);
+    case CD_DRIVE:
+        return after_drive(maker);
+    case CD_NETWORK:
+        return after_network(maker);
+    default:
+        LogPrint(1, "cre_dir exit ERROR 7\n");
+        return CRE_UNEXPECTED;
+    }
+}
+
+} // namespace
+
+zel_list *dir_list(zel_list *list, const char *path, const char *ending)
+{
+    const dir_guard dir = open_dir(path);
+    if (dir == nullptr) {
+        LogPrint(1, "dir_list entry  exit(1) %d ->%s<-\n", errno, shown(path));
+        return nullptr;
+    }
+    zel_list *last = zel_list_last(list);
+    while (const char *name = next_entry(dir.get())) {
+        if (ending != nullptr && !std::string_view(name).ends_with(ending))
+            continue;
+        zel_list *added = zel_list_append(last, zel_strdup(name));
+        if (list == nullptr)
+            list = added;
+        last = zel_list_last(added);
+    }
+    return list;
+}
+
+void dir_list_free(zel_list *list)
+{
+    zel_list_free_with_data(list);
+}
+
+int dir_list_search(const zel_list *list, const char *name)
+{
+    for (; list != nullptr; list = list->next)
+        if (name != nullptr && std::strcmp(dir_list_file(list), name) == 0)
+            return 1;
+    return 0;
+}
+
+void dir_list_print(std::FILE *stream, const zel_list *list)
+{
+    for (; list != nullptr; list = list->next)
+        std::fprintf(stream, "dir_list_print >%s<\n", dir_list_file(list));
+}
+
+zel_list *dir_list_sort(zel_list *list)
+{
+    return zel_list_sort(list, compare_names);
+}
+
+zel_list *dir_list_sort_back(zel_list *list)
+{
+    return zel_list_sort(list, compare_names_back);
+}
+
+char *dir_list_file(const zel_list *element)
+{
+    return element == nullptr ? nullptr : static_cast<char *>(element->data);
+}
+
+int if_files_in_dir(const char *path)
+{
+    const dir_guard dir = open_dir(path);
+    if (dir == nullptr) {
+        LogPrint(1, "if_files_in_dir exit(1) %d ->%s<-\n", errno, shown(path));
+        return 0;
+    }
+    return next_entry(dir.get()) != nullptr ? 1 : 0;
+}
+
+int cd_next_token(const char **cursor, char *buffer)
+{
+    const char *text = *cursor;
+    int kind = CD_NAME;
+    std::size_t length = 2;
+    if (*text == '\0') {
+        kind = CD_END;
+        length = 0;
+    } else if (text[1] == ':') {
+        kind = CD_DRIVE;
+    } else if (is_separator(text[0]) && text[1] == text[0]) {
+        kind = CD_NETWORK;
+    } else if (text[0] == '.' && is_separator(text[1])) {
+        kind = CD_SEPARATOR;
+    } else if (is_separator(text[0])) {
+        kind = CD_SEPARATOR;
+        length = 1;
+    } else {
+        length = std::strcspn(text, "/\\");
+    }
+    std::memcpy(buffer, text, length);
+    buffer[length] = '\0';
+    *cursor = text + length;
+    return kind;
+}
+
+int cre_dir(const char *base, const char *dir)
+{
+    if (dir == nullptr || *dir == '\0') {
+        LogPrint(1, dir == nullptr ? "cre_dir dir: dir null ptr\n" : "cre_dir dir: dir null len\n");
+        return CRE_OK;
+    }
+    dir_maker maker{dir, std::string(std::strlen(dir) + 3, '\0'), {}, {}};
+    if (base != nullptr) {
+        LogPrint(1, "cre_dir dir: dir >%s<:>%s<\n", base, dir);
+        LogPrint(1, "cre_dir dir: wd  >%s<\n", base);
+        maker.work = base;
+        if (maker.work.empty() || !is_separator(maker.work.back()))
+            maker.work += '/';
+    } else {
+        LogPrint(1, "cre_dir dir: dir >%s<\n", dir);
+    }
+    maker.parent = maker.work;
+    int result = CRE_GO_ON;
+    while (result == CRE_GO_ON)
+        result = make_next(maker);
+    return result;
+}

@@ -1,0 +1,400 @@
+#include "support/string.h"
+
+#include "support/log-print.h"
+#include "support/misc-error.h"
+#include "support/zel_malloc.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr std::string_view separators = "/\\";
+
+bool is_separator(char c)
+{
+    return separators.find(c) != std::string_view::npos;
+}
+
+char *new_string(std::string_view text)
+{
+    char *copy = static_cast<char *>(std::malloc(text.size() + 1));
+    if (copy == nullptr) {
+        _zel_fatal("string", __LINE__, "not enough memory");
+        return nullptr;
+    }
+    text.copy(copy, text.size());
+    copy[text.size()] = '\0';
+    return copy;
+}
+
+// Index of the last separator; npos when there is none.
+std::size_t last_separator(std::string_view path)
+{
+    return path.find_last_of(separators);
+}
+
+// The file part, null when it is empty.
+char *new_file_part(std::string_view path)
+{
+    const std::size_t at = last_separator(path);
+    const std::string_view file = at == std::string_view::npos ? path : path.substr(at + 1);
+    return file.empty() ? nullptr : new_string(file);
+}
+
+char *new_dir_part(std::string_view path)
+{
+    const std::size_t at = last_separator(path);
+    return at == std::string_view::npos ? nullptr : new_string(path.substr(0, at));
+}
+
+// The name without this very extension.
+std::string_view without_ext(std::string_view name, std::string_view ext)
+{
+    const std::size_t dot = name.rfind('.');
+    if (dot != std::string_view::npos && name.substr(dot + 1) == ext)
+        return name.substr(0, dot);
+    return name;
+}
+
+bool read_size_part(std::string_view part, int &value)
+{
+    std::array<char, 32> text{};
+    if (part.empty() || part.size() >= text.size())
+        return false;
+    part.copy(text.data(), part.size());
+    return std::sscanf(text.data(), "%d", &value) == 1;
+}
+
+int copy_drive(std::string_view drive, char *out, int size)
+{
+    if (drive.size() >= static_cast<std::size_t>(size)) {
+        LogPrint(1, "zel_path_get_drive: buffer to short %d\n", size);
+        return 1;
+    }
+    drive.copy(out, drive.size());
+    out[drive.size()] = '\0';
+    return 0;
+}
+
+} // namespace
+
+namespace zel {
+
+bool read_width_height(const char *text, const char *marks, int &width, int &height)
+{
+    const std::string_view pair = text == nullptr ? "" : text;
+    const std::size_t mark = pair.find_first_of(marks);
+    int first = 0;
+    int second = 0;
+    if (mark == std::string_view::npos || !read_size_part(pair.substr(0, mark), first) ||
+        !read_size_part(pair.substr(mark + 1), second))
+        return false;
+    width = first;
+    height = second;
+    return true;
+}
+
+} // namespace zel
+
+int zel_strlen(const char *text)
+{
+    return text == nullptr ? 0 : static_cast<int>(std::strlen(text));
+}
+
+char *zel_substr(const char *text, int start, int length)
+{
+    const std::string_view whole = text == nullptr ? "" : text;
+    if (start < 1 || static_cast<std::size_t>(start) > whole.size())
+        return nullptr;
+    const std::string_view rest = whole.substr(static_cast<std::size_t>(start) - 1);
+    const std::string_view part =
+        length <= 0 ? rest : rest.substr(0, static_cast<std::size_t>(length));
+    char *copy = static_cast<char *>(std::malloc(part.size() + 1));
+    if (copy == nullptr) {
+        _zel_fatal("string", __LINE__, "zel_substr: ERROR not enough memory\n");
+        return nullptr;
+    }
+    part.copy(copy, part.size());
+    copy[part.size()] = '\0';
+    return copy;
+}
+
+char *dup_ptr_from_to(const char *base, const char *from, const char *to)
+{
+    if (base == nullptr || from == nullptr || to <= from)
+        return nullptr;
+    return new_string({from, strnlen(from, static_cast<std::size_t>(to - from))});
+}
+
+int zel_get_sub_str(const char **cursor, char *out, char separator, int size)
+{
+    const char *text = *cursor;
+    if (text == nullptr || *text == '\0')
+        return 0;
+    if (*text == separator)
+        ++text;
+    const char *end = text;
+    while (*end != '\0' && *end != separator)
+        ++end;
+    *cursor = end;
+    if (out != nullptr && size > 0) {
+        const auto length =
+            std::min(static_cast<std::size_t>(end - text), static_cast<std::size_t>(size) - 1);
+        std::memcpy(out, text, length);
+        out[length] = '\0';
+    }
+    return 1;
+}
+
+char *zel_str_trim(char *text)
+{
+    if (text == nullptr)
+        return nullptr;
+    const std::size_t leading = std::strspn(text, " \t");
+    std::size_t length = std::strlen(text) - leading;
+    std::memmove(text, text + leading, length + 1);
+    while (length > 0 && (text[length - 1] == ' ' || text[length - 1] == '\t'))
+        text[--length] = '\0';
+    return text;
+}
+
+char *zel_str_trim_hk(char *text)
+{
+    if (text == nullptr)
+        return nullptr;
+    if (*text == '"')
+        std::memmove(text, text + 1, std::strlen(text));
+    const std::size_t length = std::strlen(text);
+    if (length > 0 && text[length - 1] == '"')
+        text[length - 1] = '\0';
+    return text;
+}
+
+void zel_space_to_char(char *text, char character)
+{
+    zel_str_replace_char(text, ' ', character);
+}
+
+int zel_str_replace_char(char *text, char from, char to)
+{
+    int replaced = 0;
+    for (; text != nullptr && *text != '\0'; ++text) {
+        if (*text != from)
+            continue;
+        *text = to;
+        ++replaced;
+        if (to == '\0') // the text ends here now
+            break;
+    }
+    return replaced;
+}
+
+int zel_str_count_lf(const char *text)
+{
+    const std::string_view whole = text == nullptr ? "" : text;
+    return static_cast<int>(std::count(whole.begin(), whole.end(), '\n'));
+}
+
+int zel_str_float_cmp(const char *text, float number)
+{
+    float value = 0.0F;
+    if (text != nullptr && std::sscanf(text, "%f", &value) != 1)
+        value = 0.0F;
+    if (value < number)
+        return -1;
+    return value > number ? 1 : 0;
+}
+
+int zel_str_to_num(const char *text, const argv_tab_t *table)
+{
+    while (table->word != nullptr && (text == nullptr || std::strcmp(table->word, text) != 0))
+        ++table;
+    return table->id;
+}
+
+int zel_str_diff(char *out, const char *a, const char *b)
+{
+    for (; *a != '\0' && *b != '\0'; ++a, ++b)
+        if (*a != *b)
+            *out++ = *b;
+    const char *rest = *a != '\0' ? a : b;
+    std::strcpy(out, rest);
+    if (*rest == '\0')
+        return 0;
+    return rest == a ? 1 : -1;
+}
+
+int zel_str_get_width_height(const char *text, int *width, int *height)
+{
+    return zel::read_width_height(text, "x", *width, *height) ? 0 : 1;
+}
+
+char *zel_strdup_printf(const char *format, ...)
+{
+    std::va_list args;
+    va_start(args, format);
+    char *text = zel_strdup_vprintf(format, args);
+    va_end(args);
+    return text;
+}
+
+char *zel_strdup_vprintf(const char *format, std::va_list args)
+{
+    std::va_list counted;
+    va_copy(counted, args);
+    const int length = std::vsnprintf(nullptr, 0, format, counted);
+    va_end(counted);
+    if (length < 0)
+        return nullptr;
+    const std::size_t size = static_cast<std::size_t>(length) + 1;
+    char *text = static_cast<char *>(std::malloc(size));
+    if (text == nullptr) {
+        LogPrint(1, "zel_strdup_printf: ERROR not enough memory\n");
+        return nullptr;
+    }
+    std::vsnprintf(text, size, format, args);
+    return text;
+}
+
+int zel_path_to_unix(char *path)
+{
+    return zel_str_replace_char(path, '\\', '/');
+}
+
+int zel_path_to_os(char *path)
+{
+    return zel_path_to_unix(path);
+}
+
+int zel_path_conv(char *path)
+{
+    return zel_path_to_unix(path);
+}
+
+int zel_path_to_dos(char *path)
+{
+    return zel_str_replace_char(path, '/', '\\');
+}
+
+int zel_split_path(const char *path, char **dir)
+{
+    *dir = path == nullptr ? nullptr : new_dir_part(path);
+    return path == nullptr ? 1 : 0;
+}
+
+int zel_split_path_file(const char *path, char **dir, char **file)
+{
+    *dir = nullptr;
+    *file = nullptr;
+    if (path == nullptr)
+        return 1;
+    *dir = new_dir_part(path);
+    *file = new_file_part(path);
+    return 0;
+}
+
+int zel_split_file(const char *path, char **file)
+{
+    *file = nullptr;
+    if (path == nullptr)
+        return 1;
+    struct stat status {};
+    if (zel_stat(path, &status) == 0 && S_ISDIR(status.st_mode)) {
+        LogPrint(1, "zel_split_file(0): dir >%s<\n", path);
+        return 1;
+    }
+    *file = new_file_part(path);
+    return 0;
+}
+
+int zel_path_get_drive(const char *path, char *out, int size)
+{
+    if (path == nullptr || out == nullptr) {
+        LogPrint(1, "zel_path_get_drive: null ptr %p:%p\n", static_cast<const void *>(path),
+                 static_cast<void *>(out));
+        return 1;
+    }
+    const std::string_view whole = path;
+    if (whole.size() < 2) {
+        LogPrint(1, "zel_path_get_drive: path to short\n");
+        return 1;
+    }
+    if (size < 3) {
+        LogPrint(1, "zel_path_get_drive: buffer to short\n");
+        return 1;
+    }
+    if (whole[1] == ':')
+        return copy_drive(whole.substr(0, 2), out, size);
+    if (is_separator(whole[0]) && is_separator(whole[1]))
+        return copy_drive(whole.substr(0, whole.find_first_of(separators, 2)), out, size);
+    return 1;
+}
+
+int check_file_exist_read(const char *path)
+{
+    if (path == nullptr || zel_access(path, F_OK) != 0)
+        return 1;
+    return zel_access(path, R_OK) == 0 ? 0 : 2;
+}
+
+char *zel_del_file_ext(char *path)
+{
+    char *dot = path == nullptr ? nullptr : std::strrchr(path, '.');
+    if (dot != nullptr && dot != path && std::strpbrk(dot, "/\\:") == nullptr)
+        *dot = '\0';
+    return path;
+}
+
+char *zel_del_cmp_file_ext(char *path, const char *ext)
+{
+    if (path == nullptr || ext == nullptr)
+        return nullptr;
+    path[without_ext(path, ext).size()] = '\0';
+    return path;
+}
+
+char *zel_add_file_ext(char *dst, const char *name, const char *ext)
+{
+    if (dst == nullptr || name == nullptr || ext == nullptr)
+        return nullptr;
+    const std::size_t length = without_ext(name, ext).size();
+    std::memmove(dst, name, length); // the name may stand in dst
+    dst[length] = '.';
+    std::strcpy(dst + length + 1, ext);
+    return dst;
+}
+
+int zel_gen_file_name_with_ext(char *path, const char *ext)
+{
+    if (path == nullptr || ext == nullptr)
+        return 1;
+    const std::string_view whole = path;
+    const std::size_t slash = last_separator(whole);
+    const std::size_t start = slash == std::string_view::npos ? 0 : slash + 1;
+    if (start > 0)
+        path[slash] = '/';
+    zel_add_file_ext(path + start, path + start, ext);
+    return 0;
+}
+
+int zel_if_ext(const zel_list *extensions, const char *name)
+{
+    if (extensions == nullptr || name == nullptr)
+        return 1;
+    const char *ext = std::strrchr(name, '.');
+    for (; ext != nullptr && extensions != nullptr; extensions = extensions->next) {
+        const auto *listed = static_cast<const char *>(extensions->data);
+        if (listed != nullptr && std::strcmp(listed, ext) == 0)
+            return 1;
+    }
+    return 0;
+}
