@@ -24,20 +24,11 @@ constexpr int list_width = 400; // where the divider stands at first
 constexpr int list_min_width = 160;
 constexpr int spacing = 6;
 
-GtkTreeView *view_of(ZelTabEdit *tab)
-{
-    return GTK_TREE_VIEW(tab->view);
-}
+GtkTreeView *view_of(ZelTabEdit *tab) { return GTK_TREE_VIEW(tab->view); }
 
-ZelTabModel *shown_rows(ZelTabEdit *tab)
-{
-    return ZEL_TAB_MODEL(tab->sort_model);
-}
+ZelTabModel *shown_rows(ZelTabEdit *tab) { return ZEL_TAB_MODEL(tab->sort_model); }
 
-zel::tab_rows &rows_of(ZelTabEdit *tab)
-{
-    return **tab->rows;
-}
+zel::tab_rows &rows_of(ZelTabEdit *tab) { return **tab->rows; }
 
 // Place of the selected row in the list, -1 when none is selected.
 int selected_place(ZelTabEdit *tab)
@@ -384,6 +375,7 @@ GtkWidget *make_text_side(ZelTabEdit *tab)
     tab->ready_button = gtk_check_button_new_with_label(zel::ui_text("tab-edit", "Ready"));
     gtk_widget_set_tooltip_text(tab->ready_button, zel::ui_text("common", "Toggle ready (ALT+M)"));
     g_signal_connect(tab->ready_button, "toggled", G_CALLBACK(change_ready_cb), tab);
+    gtk_container_set_border_width(GTK_CONTAINER(tab->ready_button), 4);
     add_key(tab->ready_button, GDK_KEY_m, GDK_MOD1_MASK);
     gtk_box_pack_start(GTK_BOX(box), tab->text_widget, TRUE, TRUE, 0);
     gtk_box_pack_start(GTK_BOX(box), tab->ready_button, FALSE, FALSE, 0);
@@ -538,10 +530,7 @@ GType zel_tab_edit_get_type()
     return type;
 }
 
-GtkWidget *zel_tab_edit_new()
-{
-    return GTK_WIDGET(g_object_new(ZEL_TYPE_TAB_EDIT, nullptr));
-}
+GtkWidget *zel_tab_edit_new() { return GTK_WIDGET(g_object_new(ZEL_TYPE_TAB_EDIT, nullptr)); }
 
 int zel_tab_edit_set(GtkWidget *widget, LangSource *source)
 {
