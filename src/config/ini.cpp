@@ -1,0 +1,104 @@
+#include "config/ini.h"
+
+#include "app/global.h"
+#include "support/zel_malloc.h"
+
+#include <cstdlib>
+#include <iterator>
+
+ini_t *ini;
+
+namespace {
+
+struct string_row {
+    const char *section;
+    const char *key;
+    char *ini_t::*field;
+};
+struct number_row {
+    const char *section;
+    const char *key;
+    std::int32_t ini_t::*field;
+    std::int32_t first; // before reading
+};
+
+// Bound in this order, which is that of the file.
+constexpr string_row strings[] = {
+    {"language", "languageFile", &ini_t::languageFile},
+    {"language", "dstDir", &ini_t::dstDir},
+};
+constexpr number_row numbers[] = {
+    {"mainWin", "x", &ini_t::main_x, -1},     {"mainWin", "y", &ini_t::main_y, -1},
+    {"mainWin", "w", &ini_t::main_w, 800},    {"mainWin", "h", &ini_t::main_h, 600},
+    {"defineWin", "x", &ini_t::define_x, -1}, {"defineWin", "y", &ini_t::define_y, -1},
+};
+static_assert(std::size(numbers) == std::tuple_size_v<decltype(ini_t::numbers)>);
+
+// The store's numbers have 64 bits, the fields 32: each key has a variable of its own.
+void fields_to_keys(ini_t *settings)
+{
+    for (std::size_t row = 0; row < std::size(numbers); ++row)
+        settings->numbers[row] = settings->*numbers[row].field;
+}
+
+void keys_to_fields(ini_t *settings)
+{
+    for (std::size_t row = 0; row < std::size(numbers); ++row)
+        settings->*numbers[row].field = static_cast<std::int32_t>(settings->numbers[row]);
+}
+
+} // namespace
+
+ini_t *ini_new(const char *file)
+{
+    ini_guard settings(static_cast<ini_t *>(std::calloc(1, sizeof(ini_t))));
+    if (!settings)
+        return nullptr;
+    settings->store = lang_cfg_new(file);
+    if (settings->store == nullptr)
+        return nullptr;
+    for (const string_row &row : strings)
+        lang_cfg_add_entry(settings->store, row.section, row.key, CFG_STR,
+                           &(settings.get()->*row.field));
+    for (std::size_t row = 0; row < std::size(numbers); ++row) {
+        lang_cfg_add_entry(settings->store, numbers[row].section, numbers[row].key, CFG_LONG,
+                           &settings->numbers[row]);
+        settings.get()->*numbers[row].field = numbers[row].first;
+    }
+    settings->languageFile = zel_strdup("english.lang");
+    settings->dstDir = zel_strdup(lang_global.default_dst_dir);
+    fields_to_keys(settings.get());
+    return settings.release();
+}
+
+int ini_read(ini_t *settings)
+{
+    if (settings == nullptr)
+        return 1;
+    fields_to_keys(settings);
+    lang_cfg_open(settings->store, 0);
+    keys_to_fields(settings);
+    lang_cfg_print_all(settings->store);
+    zel::replace_string(settings->dstDir, zel_strdup(lang_global.default_dst_dir));
+    return 0;
+}
+
+int ini_write(ini_t *settings)
+{
+    if (settings == nullptr)
+        return 1;
+    fields_to_keys(settings);
+    lang_cfg_write(settings->store);
+    return 0;
+}
+
+void ini_free(ini_t *settings)
+{
+    if (settings == nullptr)
+        return;
+    if (settings->store != nullptr) {
+        lang_cfg_close(settings->store);
+        lang_cfg_free(settings->store); // with the strings of the two string fields
+    }
+    std::free(settings);
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+// The editor's settings between runs, on the store of config/lang-cfg.h.
+
+#include <array>
+#include <cstdint>
+#include <memory>
+
+#include "config/lang-cfg.h"
+
+struct ini_t {
+    lang_cfg_t *store;
+    char *languageFile;  // [language] carried from the file to the file
+    char *dstDir;        // [language] export directory, or null: asked for at the first export
+    std::int32_t main_x; // [mainWin] carried from the file to the file
+    std::int32_t main_y;
+    std::int32_t main_w;
+    std::int32_t main_h;
+    std::int32_t define_x; // [defineWin] where the language dialog stood last
+    std::int32_t define_y;
+    std::array<std::int64_t, 6> numbers; // what the keys of the six fields are bound to
+};
+
+// The process's settings, null while there are none.
+extern ini_t *ini;
+
+// Settings with their first values, bound to a file that is not read yet; null for a bad name or
+// without memory.
+[[nodiscard]] ini_t *ini_new(const char *file);
+
+// Takes the values from the file, except dstDir, which becomes a copy of lang_global's
+// default_dst_dir; when the file cannot be read the first values stay and ini_write writes
+// nothing. 0; 1 for null.
+int ini_read(ini_t *settings);
+
+// Writes the file. 0, also when that fails; 1 for null.
+int ini_write(ini_t *settings);
+
+// Deletes the lock file and releases the settings with their strings. Null is ignored.
+void ini_free(ini_t *settings);
+using ini_guard = std::unique_ptr<ini_t, zel::release<ini_free>>;

@@ -1,0 +1,331 @@
+#include "config/lang-cfg.h"
+
+#include "config/lang-cfg-read.h"
+#include "config/lang-cfg-write.h"
+#include "support/log-print.h"
+#include "support/safe-file.h"
+#include "support/string.h"
+#include "support/zel_malloc.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <sys/file.h>
+
+namespace {
+
+void close_stream(std::FILE *&stream)
+{
+    if (stream != nullptr)
+        std::fclose(stream);
+    stream = nullptr;
+}
+
+void close_streams(lang_cfg_t *store)
+{
+    close_stream(store->fp_cfg);
+    close_stream(store->fp_lock);
+    close_stream(store->fp_tmp);
+}
+
+void free_names(lang_cfg_t *store)
+{
+    for (char **name :
+         {&store->tmp, &store->lock, &store->name, &store->path, &store->cfg, &store->file})
+        zel::replace_string(*name, nullptr);
+}
+
+bool set_names(lang_cfg_t *store, const char *file)
+{
+    free_names(store);
+    store->cfg = zel_strdup(file);
+    store->tmp = zel_strdup_printf("%s.tmp", file);
+    store->lock = zel_strdup_printf("%s.lock", file);
+    zel_split_path_file(file, &store->path, &store->file);
+    store->name = zel_strdup2(store->file);
+    if (store->name != nullptr)
+        zel_del_file_ext(store->name);
+    return store->cfg != nullptr && store->tmp != nullptr && store->lock != nullptr;
+}
+
+// What a key's data owns: its own text, or the string that its variable points to.
+void free_key(void *record)
+{
+    auto *key = static_cast<cfg_entry_t *>(record);
+    if (key->type == CFG_VOID)
+        std::free(key->data);
+    else if (key->type == CFG_STR && key->data != nullptr)
+        std::free(*static_cast<char **>(key->data));
+    std::free(key->name);
+    std::free(key);
+}
+
+void free_section(void *record)
+{
+    auto *section = static_cast<cfg_entry_t *>(record);
+    zel_list_free_full(zel::cfg_keys(section), free_key);
+    std::free(section->name);
+    std::free(section);
+}
+
+int fail(lang_cfg_t *store, int status)
+{
+    store->status = status;
+    return status;
+}
+
+int fail_locked(lang_cfg_t *store, const char *message)
+{
+    LogPrint(1, "%s", message);
+    return fail(store, CFG_LOCKED);
+}
+
+// A message with errno, on standard output and in the log.
+int fail_write(const char *format, int error, int result)
+{
+    const zel::string_guard text(
+        zel_strdup_printf("cfg_write: ERROR %s errno %d\n", format, error));
+    std::fputs(text ? text.get() : "", stdout);
+    LogPrint(1, "%s", text ? text.get() : "");
+    return result;
+}
+
+// The lock file, made anew: with a test it must not be there yet, and nobody else may hold it.
+int take_lock(lang_cfg_t *store, bool test)
+{
+    if (!test)
+        close_stream(store->fp_lock);
+    std::FILE *lock = zel_fopen(store->lock, test ? "w+x" : "w+");
+    if (lock == nullptr) {
+        if (test && errno == EEXIST)
+            return fail_locked(store, "cfg_open: ERROR cfg locked by lockfile\n");
+        LogPrint(1, "cfg_open: ERROR create lockfile errno %d\n", errno);
+        return fail(store, CFG_LOCKED);
+    }
+    if (test && flock(fileno(lock), LOCK_EX | LOCK_NB) != 0) {
+        std::fclose(lock);
+        return fail_locked(store, "cfg_open: ERROR cfg locked by flock\n");
+    }
+    close_stream(store->fp_lock);
+    store->fp_lock = lock;
+    return CFG_OK;
+}
+
+int open_file(lang_cfg_t *store, bool create)
+{
+    struct stat status {};
+    if (zel_stat(store->cfg, &status) == 0) {
+        store->fp_cfg = zel_fopen(store->cfg, "r+");
+        if (store->fp_cfg == nullptr) {
+            LogPrint(1, "cfg_open: ERROR open fp_cfg  errno %d\n", errno);
+            return CFG_NOT_OPENED;
+        }
+        return CFG_OK;
+    }
+    if (!create)
+        return CFG_OK;
+    LogPrint(1, "cfg_open: create cfg file \n");
+    store->fp_cfg = zel_fopen(store->cfg, "w");
+    if (store->fp_cfg == nullptr) {
+        LogPrint(1, "cfg_open: ERROR create fp_cfg  errno %d\n", errno);
+        return CFG_NOT_CREATED;
+    }
+    return CFG_OK;
+}
+
+} // namespace
+
+namespace zel {
+
+cfg_entry_t *cfg_find(zel_list *entries, const char *name)
+{
+    for (const zel_list *node = entries; node != nullptr; node = node->next) {
+        auto *entry = static_cast<cfg_entry_t *>(node->data);
+        if (std::strcmp(entry->name, name) == 0)
+            return entry;
+    }
+    return nullptr;
+}
+
+cfg_entry_t *cfg_find_or_add(zel_list *&entries, const char *name, int type)
+{
+    if (cfg_entry_t *found = cfg_find(entries, name))
+        return found;
+    auto *entry = static_cast<cfg_entry_t *>(std::calloc(1, sizeof(cfg_entry_t)));
+    char *copy = zel_strdup2(name);
+    if (entry == nullptr || copy == nullptr) {
+        std::free(entry);
+        std::free(copy);
+        return nullptr;
+    }
+    entry->type = type;
+    entry->name = copy;
+    entries = zel_list_append(entries, entry);
+    return entry;
+}
+
+cfg_entry_t *cfg_key(cfg_entry_t *section, const char *name)
+{
+    zel_list *keys = cfg_keys(section);
+    cfg_entry_t *key = cfg_find_or_add(keys, name, CFG_VOID);
+    section->data = keys;
+    return key;
+}
+
+} // namespace zel
+
+lang_cfg_t *lang_cfg_new(const char *file)
+{
+    if (file == nullptr || file[0] == '\0')
+        return nullptr;
+    lang_cfg_guard store(static_cast<lang_cfg_t *>(std::calloc(1, sizeof(lang_cfg_t))));
+    if (!store || !set_names(store.get(), file))
+        return nullptr;
+    store->buf = zel_lex_buf_file_new(nullptr);
+    store->lex = zel_lex_new(nullptr, LEX_ESCAPES);
+    if (store->buf == nullptr || store->lex == nullptr)
+        return nullptr;
+    zel_lex_set_buf(store->lex, store->buf);
+    zel_lex_set_get_token(store->lex, zel::cfg_get_token);
+    lang_cfg_add_entry(store.get(), nullptr, "version", CFG_LONG, &store->version_key);
+    return store.release();
+}
+
+int lang_cfg_add_entry(lang_cfg_t *store, const char *section, const char *key, int type,
+                       void *address)
+{
+    if (store == nullptr || key == nullptr)
+        return CFG_OK;
+    cfg_entry_t *home =
+        zel::cfg_find_or_add(store->sections, section == nullptr ? "" : section, CFG_SECTION);
+    cfg_entry_t *entry = home == nullptr ? nullptr : zel::cfg_key(home, key);
+    // An unbound key owns its text, so it cannot also stand for a variable.
+    if (entry == nullptr || address == nullptr || type == CFG_VOID)
+        return CFG_OK;
+    if (entry->type != CFG_VOID) {
+        entry->data = address;
+        return CFG_OK;
+    }
+    const zel::string_guard text(static_cast<char *>(entry->data));
+    entry->type = type;
+    entry->data = address;
+    if (text)
+        zel::cfg_set_entry(entry, text.get());
+    return CFG_OK;
+}
+
+int lang_cfg_open(lang_cfg_t *store, unsigned flags)
+{
+    if (store == nullptr)
+        return CFG_NULL;
+    if (const int locked = take_lock(store, (flags & CFG_OPEN_LOCK) != 0))
+        return locked;
+    close_stream(store->fp_cfg);
+    if (const int failed = open_file(store, (flags & CFG_OPEN_CREATE) != 0))
+        return fail(store, failed);
+    if (store->fp_cfg != nullptr) {
+        zel_lex_buf_file_set_fp(store->buf, store->fp_cfg);
+        zel_lex_set_buf(store->lex, store->buf);
+        store->version_key = store->version;
+        zel::cfg_read_statements(store);
+        store->version = static_cast<std::uint32_t>(store->version_key);
+        close_stream(store->fp_cfg);
+        zel_lex_buf_file_set_fp(store->buf, nullptr);
+    }
+    store->status = CFG_OK;
+    return CFG_OK;
+}
+
+int lang_cfg_write(lang_cfg_t *store)
+{
+    if (store == nullptr) {
+        std::puts("lang_write_cfg: error 1");
+        return CFG_NULL;
+    }
+    if (store->status != CFG_OK) {
+        std::puts("lang_write_cfg: error 2");
+        return CFG_BAD_STATUS;
+    }
+    zel::safe_file file = zel::safe_file_create(store->tmp);
+    if (file.stream == nullptr)
+        return fail_write("open fp_tmp", file.error, CFG_NOT_WRITTEN);
+    store->fp_tmp = file.stream;
+    store->version_key = store->version;
+    zel::cfg_write_sections(file.stream, store->sections);
+    store->fp_tmp = nullptr;
+    if (const int error = zel::safe_file_finish(file))
+        return fail_write("write fp_tmp", error, CFG_NOT_WRITTEN);
+    std::printf("lang_write_cfg: >%s<>%s<\n", store->tmp, store->cfg);
+    if (const int error = zel::safe_file_move(file, store->cfg))
+        return fail_write("rename fp_tmp", error, CFG_NOT_RENAMED);
+    return CFG_OK;
+}
+
+int lang_cfg_get_long(lang_cfg_t *store, std::int64_t *result, std::int64_t fallback,
+                      const char *section, const char *key)
+{
+    if (result != nullptr)
+        *result = fallback;
+    if (store == nullptr || result == nullptr || key == nullptr)
+        return 1;
+    store->version_key = store->version;
+    const cfg_entry_t *home = zel::cfg_find(store->sections, section == nullptr ? "" : section);
+    const cfg_entry_t *entry = home == nullptr ? nullptr : zel::cfg_find(zel::cfg_keys(home), key);
+    if (entry == nullptr)
+        return 1;
+    if (entry->type == CFG_LONG && entry->data != nullptr) {
+        *result = *static_cast<std::int64_t *>(entry->data);
+    } else if (entry->type == CFG_VOID) {
+        cfg_entry_t number{CFG_LONG, 0, nullptr, result};
+        if (entry->data != nullptr)
+            zel::cfg_set_entry(&number, static_cast<const char *>(entry->data));
+        if (entry->negative != 0)
+            *result = static_cast<std::int64_t>(0 - static_cast<std::uint64_t>(*result));
+    }
+    return 0;
+}
+
+int lang_cfg_close(lang_cfg_t *store)
+{
+    if (store == nullptr)
+        return CFG_NULL;
+    close_streams(store);
+    if (store->status != CFG_LOCKED)
+        zel_unlink(store->lock);
+    zel_unlink(store->tmp);
+    return CFG_OK;
+}
+
+int lang_cfg_del(lang_cfg_t *store)
+{
+    if (store == nullptr)
+        return CFG_NULL;
+    close_streams(store);
+    zel_unlink(store->lock);
+    zel_unlink(store->tmp);
+    zel_unlink(store->cfg);
+    return CFG_OK;
+}
+
+int lang_cfg_set_file_name(lang_cfg_t *store, const char *file)
+{
+    if (store == nullptr || file == nullptr || file[0] == '\0')
+        return 1;
+    lang_cfg_close(store);
+    return set_names(store, file) ? 0 : 1;
+}
+
+int lang_cfg_free(lang_cfg_t *store)
+{
+    if (store == nullptr)
+        return CFG_NULL;
+    close_streams(store);
+    free_names(store);
+    if (store->lex != nullptr)
+        _zel_lex_free(store->lex);
+    if (store->buf != nullptr)
+        zel_lex_buf_free(store->buf);
+    zel_list_free_full(store->sections, free_section);
+    std::free(store);
+    return CFG_OK;
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+// The folder and file choosers. Each runs modally above the window that holds the widget and gives
+// the chosen path as a new string owned by the caller, or null.
+
+#include <gtk/gtk.h>
+
+#include "support/list.h"
+
+[[nodiscard]] char *dir_sel(GtkWidget *widget, const char *title, const char *folder);
+
+// A file to read, a file to write. The start folder and the preset name may be null; every "\" in
+// them becomes "/", in place.
+[[nodiscard]] char *file_sel_read(GtkWidget *widget, const char *title, char *folder, char *name);
+[[nodiscard]] char *file_sel_write(GtkWidget *widget, const char *title, char *folder, char *name);
+
+// Several files that match one of the glob patterns, "*.a:*.b": a list of owned paths.
+[[nodiscard]] zel_list *file_sel_multiple_unix(GtkWidget *parent, const char *title,
+                                               const char *folder, const char *patterns);
+
+// Shows the widget; returns 0.
+int file_sel_show(GtkWidget *widget);

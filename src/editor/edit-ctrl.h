@@ -1,0 +1,26 @@
+#pragma once
+
+// The operations through which the main window drives the item table, as a table: the window knows
+// the table widget by nothing else.
+
+struct _GtkWidget;
+struct LangSource;
+
+// Every operation but the first returns 1, or 0 after a GLib warning for a bad widget.
+struct edit_ctrl_t {
+    _GtkWidget *(*new_table)();
+    int (*set)(_GtkWidget *table, LangSource *source); // shows the source's used items
+    int (*update)(_GtkWidget *table);                  // takes pending edits into the source
+    int (*first)(_GtkWidget *table);
+    int (*prev)(_GtkWidget *table);
+    int (*next)(_GtkWidget *table);
+    int (*last)(_GtkWidget *table);
+    int (*check_changed)(_GtkWidget *table);
+    int (*list_focus)(_GtkWidget *table); // the list gets the keyboard
+    int (*refresh)(_GtkWidget *table);    // selects the first row anew, so the texts are reloaded
+    int (*whatsnew)(_GtkWidget *table);   // both filter the list again
+    int (*empty)(_GtkWidget *table);
+};
+
+// The process's table, filled before the editor's window is built.
+extern edit_ctrl_t edit_ctrl;

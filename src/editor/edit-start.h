@@ -1,0 +1,10 @@
+#pragma once
+
+// How the command line starts the editor; no name of the toolkit stands here.
+
+// Takes the toolkit's own options out of the command line. Needs no display.
+void edit_take_toolkit_args(int *argc, char ***argv);
+
+// Runs the editor, with the file unless it is null, until it ends: 0. Only now is the display
+// opened; without one, a line on standard error and 1.
+int edit_start(const char *file);

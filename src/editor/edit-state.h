@@ -1,0 +1,39 @@
+#pragma once
+
+// What the editor's windows share: the current source and its table, the main window, the status
+// line. Null before the window is built; the widgets belong to the toolkit.
+
+#include <gtk/gtk.h>
+
+#include "editor/edit-ctrl.h"
+#include "source/model.h"
+
+extern GtkWidget *mainWin;         // the top-level window
+extern GtkWidget *editBox;         // the "Language Edit" page
+extern GtkWidget *editWin;         // the item table in it, or null
+extern GtkWidget *statusWin;       // the one-line entry at the bottom
+extern GtkAccelGroup *accel_group; // the window's keys; the item table adds its own
+
+extern char *def_file;        // path of the current source, owned, or null
+extern LangSource *def_group; // the current source, owned, or null
+
+extern GtkWidget *empty_menu; // the two controls of the untranslated filter
+extern GtkWidget *empty_tool;
+extern int empty_lock; // set while one of them is made to follow the other
+
+// Shows the source's texts anew in the table; nothing without a source or a table.
+void edit_refresh();
+
+namespace zel {
+
+// The status line; null empties it.
+void edit_status(const char *text);
+
+// The value beside "Export path:"; null empties it.
+void edit_show_export_path(const char *path);
+
+// lang_global's output languages become copies of the names of the source's edited languages, or
+// null (all of them without a source).
+void edit_select_output_langs(LangSource *source);
+
+} // namespace zel

@@ -1,0 +1,30 @@
+#include "editor/ui-text.h"
+
+#include "langlib/lang.h"
+
+#include <glib.h>
+
+#include <cstring>
+
+namespace zel {
+
+const char *ui_text(const char *group, const char *item, const std::source_location &where)
+{
+    const char *text =
+        _lang_get_string(group, item, where.file_name(), static_cast<int>(where.line()));
+    return g_utf8_validate(text, -1, nullptr) ? text : item;
+}
+
+std::string utf8_shown(const char *text)
+{
+    if (text == nullptr)
+        return {};
+    if (g_utf8_validate(text, -1, nullptr))
+        return text;
+    gchar *valid = g_utf8_make_valid(text, -1);
+    std::string shown = valid;
+    g_free(valid);
+    return shown;
+}
+
+} // namespace zel

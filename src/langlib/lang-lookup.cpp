@@ -1,0 +1,115 @@
+// Requests for plain texts.
+
+#include "langlib/lang.h"
+
+#include "langlib/lang-load.h"
+#include "langlib/lang-table.h"
+#include "support/info.h"
+#include "support/log-print.h"
+
+#include <memory>
+
+namespace {
+
+const char *or_null(const char *text)
+{
+    return text == nullptr ? "(null)" : text;
+}
+
+void log_missing(const char *group, const char *item, const char *file, int line)
+{
+    LogPrint(1, "lang_get_string: INFO not translated file %s line %d missing ->%s<>%s<-\n",
+             or_null(file), line, or_null(group), or_null(item));
+}
+
+// The slot that answers, or null. A pair without one of its names has none, and an entry without a
+// text counts as missing.
+const lang_text_t *find_text(const lang_handle_t *handle, const char *group, const char *item)
+{
+    if (group == nullptr || item == nullptr)
+        return nullptr;
+    const lang_text_t *text = zel::lang_table_find(handle, zel::lang_key(group, item));
+    return text != nullptr && text->value != nullptr ? text : nullptr;
+}
+
+// A request without an item still gets a text.
+const char *untranslated(const char *item)
+{
+    return item == nullptr ? "" : item;
+}
+
+} // namespace
+
+const char *__lang_get_str(lang_handle_t *handle, const char *group, const char *item,
+                           std::int32_t *found, const char *file, int line)
+{
+    if (handle == nullptr)
+        handle = &lang;
+    if (handle->loaded == 0)
+        return untranslated(item);
+    const lang_text_t *text = find_text(handle, group, item);
+    if (text == nullptr) {
+        log_missing(group, item, file, line);
+        if (handle->import_mode != 0)
+            return nullptr;
+        if (found != nullptr)
+            *found = 0;
+        return untranslated(item);
+    }
+    if (handle->import_mode != 0 && text->is_default == 1)
+        return nullptr;
+    if (found != nullptr)
+        *found = 1;
+    return text->value;
+}
+
+const char *_lang_get_str(lang_handle_t *handle, const char *group, const char *item,
+                          const char *file, int line)
+{
+    return __lang_get_str(handle, group, item, nullptr, file, line);
+}
+
+const char *_lang_get_string(const char *group, const char *item, const char *file, int line)
+{
+    return __lang_get_str(&lang, group, item, nullptr, file, line);
+}
+
+const char *_lang_tooltip(const char *group, const char *item, const char *file, int line)
+{
+    return __lang_get_str(&lang, group, item, nullptr, file, line);
+}
+
+const char *_lang_str(const char *group, const char *item, const char *file, int line)
+{
+    return __lang_get_str(&lang, group, item, nullptr, file, line);
+}
+
+std::int32_t lang_check_string(const char *group, const char *item)
+{
+    const char *text = _lang_get_string(group, item, nullptr, 0);
+    return item != nullptr && text != item ? 1 : 0;
+}
+
+std::uint64_t lang_get_ctime()
+{
+    return lang.ctime;
+}
+
+zel_info_t *_lang_get_info(lang_handle_t *handle, zel_info_t **record, std::int32_t level,
+                           std::int32_t code, const char *group, const char *activity,
+                           const char *message, const char *file, int line)
+{
+    zel_info_t *info = record != nullptr && *record != nullptr ? *record : zel_info_new();
+    if (info == nullptr)
+        return nullptr;
+    if (record != nullptr)
+        *record = nullptr;
+    const char *activity_text = _lang_get_str(handle, group, activity, file, line);
+    const char *message_text = _lang_get_str(handle, group, message, file, line);
+    zel_info_entry_t *entry =
+        zel_info_entry_new(static_cast<std::uint32_t>(level), static_cast<std::uint32_t>(code),
+                           group, activity_text, message_text, activity, message);
+    if (entry != nullptr)
+        zel_info_add_entry(info, entry);
+    return info;
+}

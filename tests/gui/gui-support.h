@@ -1,0 +1,84 @@
+#pragma once
+
+// What the tests of the editor's windows share: a main loop with a time limit, answers to dialogs
+// that will appear, keys, and a record of the toolkit's warnings. The program's main opens the
+// display and fails when there is none.
+
+#include <gtest/gtest.h>
+#include <gtk/gtk.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace gui {
+
+// Runs the main loop until the condition holds; false after the limit.
+bool wait_for(const std::function<bool()> &condition, int milliseconds = 5000);
+
+// Runs the main loop until nothing is pending, and once more after a moment for what the window
+// manager answers.
+void settle(int milliseconds = 20);
+
+// The first widget of that name (gtk_widget_set_name), of that text (label, button, entry text), or
+// of that type, in a depth-first walk; null when there is none. find_all gives all of a type.
+GtkWidget *find_named(GtkWidget *root, const char *name);
+GtkWidget *find_text(GtkWidget *root, const std::string &text);
+GtkWidget *find_type(GtkWidget *root, GType type);
+std::vector<GtkWidget *> find_all(GtkWidget *root, GType type);
+
+// The texts of all labels below a widget, hidden ones too, in the order of the walk.
+std::vector<std::string> label_texts(GtkWidget *root);
+
+// The visible top-level window with that title, or null.
+GtkWidget *window_titled(const std::string &title);
+
+// --- Dialogs -----------------------------------------------------------------------------------
+// A dialog will appear, answer it so. The answers are given in the order in which they were
+// announced, each to the next modal window that comes up while a main loop runs, also a nested one.
+// A dialog that nobody announced is closed and fails the test; so does an answer never asked for,
+// at the end of the test.
+using answer_fn = std::function<void(GtkWidget *dialog)>;
+void answer_next(answer_fn answer);
+
+// Ready answers.
+answer_fn press(const std::string &button_text); // clicks the button with that label
+answer_fn respond(int response);                 // of a GtkDialog
+answer_fn close_window();                        // as the window manager closes it
+answer_fn choose(const std::string &path);       // a file or folder chooser: that path, accepted
+answer_fn type_name(const std::string &folder, const std::string &name); // a save chooser
+// Notes the texts of the dialog's labels in *seen (joined by line feeds), then answers.
+answer_fn see(std::string *seen, answer_fn then);
+
+std::size_t answers_left();
+
+// --- Keys --------------------------------------------------------------------------------------
+// Presses and releases a key in the window, as the toolkit would get it: accelerators, mnemonics,
+// then the focused widget. The modifiers are of GdkModifierType.
+void key(GtkWidget *window, guint keyval, int modifiers = 0);
+void type(GtkWidget *window, const char *ascii);
+
+// --- Warnings ----------------------------------------------------------------------------------
+// What GLib and the toolkit warned of since the test began. A test that provokes a warning takes it
+// out of here; what is left at the end fails the test.
+std::vector<std::string> &warnings();
+
+// --- Files -------------------------------------------------------------------------------------
+std::string read_file(const std::string &path);
+void write_file(const std::string &path, const std::string &text);
+
+// Base of the tests: a fresh folder that is the current directory (and HOME) during the test and
+// goes with it, an empty lang_global, no windows left over, and the checks above.
+class Test : public testing::Test {
+protected:
+    Test();
+    ~Test() override;
+
+    std::string folder; // without a separator at the end
+    std::string path(const std::string &name) const { return folder + "/" + name; }
+
+private:
+    std::string old_folder;
+};
+
+} // namespace gui
