@@ -1,0 +1,403 @@
+#include "source/lang-read.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "source/source-text.h"
+#include "working-dir.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+using zel_test::counts;
+using zel_test::describe;
+
+class Read : public zel_test::working_dir {
+protected:
+    // Reads a text, and what is printed meanwhile.
+    source_guard read(const std::string &text)
+    {
+        zel_test::write_file("app.lang-src", text);
+        LangSource *source = nullptr;
+        printed = zel_test::capture_stdout([&] { source = lang_read_file("app.lang-src"); });
+        return source_guard(source);
+    }
+    std::string model(const std::string &text)
+    {
+        const source_guard source = read(text);
+        EXPECT_EQ(printed, "");
+        return describe(source.get(), counts::yes);
+    }
+    std::string item(const std::string &body)
+    {
+        const std::string text = model("group \"g\" { item \"i\" { " + body + " } }");
+        const std::size_t start = text.find(" { item i");
+        return start == std::string::npos ? text : text.substr(start + 9);
+    }
+
+    zel_test::fresh_global global;
+    zel_test::survive_exit exit;
+    std::string printed;
+};
+
+// --- the grammar ---------------------------------------------------------------------------------
+
+TEST_F(Read, NothingGivesTheDefaults)
+{
+    EXPECT_EQ(model(""), "");
+    EXPECT_EQ(model("/* nothing */ // here\n\n\t"), "");
+    const source_guard source = read("");
+    EXPECT_STREQ(source->app, "unknown");
+    EXPECT_STREQ(source->default_lang, "english");
+}
+
+TEST_F(Read, TheHead)
+{
+    EXPECT_EQ(model("version 3 whatsnew 4294967295 ctime 12 mtime 13 create_date \"a day\"\n"
+                    "app \"sample\" default lang \"german\"\n"
+                    "colwidth group 1 colwidth item 2 colwidth ctrl 3"),
+              "version=3 mtime=13 colwidth_group=1 colwidth_item=2 colwidth_ctrl=3 "
+              "whatsnew=4294967295 ctime=12 app=sample default=german created=a day");
+    EXPECT_EQ(model("app \"a\" app \"b\" default lang \"x\" default lang \"y\" "
+                    "create_date \"1\" create_date \"2\""),
+              "app=b default=y created=2");
+}
+
+TEST_F(Read, AVersionMayLackItsNumber)
+{
+    EXPECT_EQ(model("version 5 version group \"g\" { }"), "group g { }");
+    EXPECT_EQ(model("version"), "");
+}
+
+TEST_F(Read, EmptyStringsAreStoredAsNull)
+{
+    const source_guard source = read("app \"\" default lang \"\" create_date \"\" "
+                                     "define file \"\" lang \"\" 1 2 3 group \"\" { "
+                                     "screen_shot \"\" item \"\" { description \"\" used yes { "
+                                     "\"\" \"a\" } lang \"\" { \"\" \"x\" \"\" } } }");
+    EXPECT_EQ(describe(source.get()),
+              "app=(null) default=(null) lang (null) (null) 1 2 3 group (null) used=1 { item "
+              "(null) used=1 in [(null) \"a\"] LANG (null) [\"\" \"x\" \"\"] }");
+    EXPECT_EQ(source->create_date, nullptr);
+}
+
+TEST_F(Read, LanguagesAndTheirNumbers)
+{
+    EXPECT_EQ(model("define file \"a.lang\" lang \"english\""), "lang english a.lang 200 200 0");
+    EXPECT_EQ(model("define file \"a.lang\" lang \"english\" 50"), "lang english a.lang 50 200 0");
+    EXPECT_EQ(model("define file \"a\" lang \"e\" 10 20"), "langs=1 edit_langs=1 lang e a 10 20 1");
+    EXPECT_EQ(model("define file \"a\" lang \"e\" 10 20 0"), "langs=1 lang e a 10 20 0");
+    EXPECT_EQ(model("define file \"a\" lang \"e\" 10 20 7"),
+              "langs=1 edit_langs=1 lang e a 10 20 7");
+}
+
+TEST_F(Read, OneDefineForAll)
+{
+    EXPECT_EQ(model("define file \"a\" lang \"e\" 1 2 1 format utf8 file \"b\" lang \"g\" 3 4 0 "
+                    "file \"c\" lang \"f\" 5 6 app \"x\""),
+              "langs=3 edit_langs=2 format=2 app=x lang e a 1 2 1 lang g b 3 4 0 lang f c 5 6 1");
+    // One number, or none, ends the statement: another define must follow.
+    EXPECT_EQ(model("define file \"a\" lang \"e\" 1 define file \"b\" lang \"g\" define"),
+              "lang e a 1 200 0 lang g b 200 200 0");
+    EXPECT_EQ(model("define define format ascii define"), "format=1");
+}
+
+TEST_F(Read, AnUnknownFormatIsPassedOver)
+{
+    EXPECT_EQ(model("define format 8 format \"utf8\" format ascii"), "format=1");
+}
+
+TEST_F(Read, Groups)
+{
+    EXPECT_EQ(model("group \"a\" { } group \"b\" { visible 0 used yes screen_shot \"b.jpg\" }"
+                    "group \"a\" { used yes used no visible 0 visible 2 }"),
+              "group a { } group b screen_shot=b.jpg used=1 visible=0 { } group a visible=2 { }");
+    EXPECT_EQ(model("group \"g\" { item \"i\" { } visible 5 item \"j\" { used yes } used no }"),
+              "items=2 group g visible=5 { item i item j used=1 }");
+}
+
+TEST_F(Read, AGroupCountsItsUsedItems)
+{
+    const source_guard source = read("group \"g\" { used yes item \"i\" { used yes } "
+                                     "item \"j\" { used no } item \"k\" { used yes { } } }");
+    EXPECT_EQ(describe(source.get(), counts::yes),
+              "items=3 group g used=3 { item i used=1 item j item k used=1 }");
+    const auto *group = static_cast<edit_t *>(source->groups->data);
+    for (const item_t *item : zel::each<item_t>(group->items))
+        EXPECT_EQ(item->source, source.get());
+}
+
+TEST_F(Read, ItemAttributes)
+{
+    EXPECT_EQ(item("visible 0 used yes { \"a.c\" \"b.c\" } changed size 1 2 rowheight 30 typ 2 "
+                   "ready 1 description \"d\" ctime 99"),
+              " description=d typ=2 rowheight=30 ctime=99 visible=0 ready=1 changed=1 used=1 in "
+              "[\"a.c\" \"b.c\"] }");
+    EXPECT_EQ(item("category \"c\" description \"d\""), " description=d }");
+    EXPECT_EQ(item("size 4 typ 1"), " typ=1 }");
+    EXPECT_EQ(item("used no { \"a.c\" }"), " in [\"a.c\"] }");
+    EXPECT_EQ(item("ctime 0"), " ctime=1700000000 }"); // the program's start
+    EXPECT_EQ(item(""), " }");
+}
+
+TEST_F(Read, ItemTextsAndComments)
+{
+    EXPECT_EQ(item("lang \"english\" { \"one\" \"\" \"two\\n\" } comment \"english\" { \"c\" } "
+                   "lang \"german\" { } lang \"english\" { \"again\" }"),
+              " LANG english [\"one\" \"\" \"two\\n\"] LANG german [] LANG english [\"again\"] "
+              "COMMENT english [\"c\"] }");
+}
+
+TEST_F(Read, StringsAreUnescaped)
+{
+    const source_guard source =
+        read("app \"\\\"q\\\" \\\\ \\t\\r\\n \\x41\\X7e \\\nnext\" group \"\xc3\xa4\xff\" { }");
+    EXPECT_STREQ(source->app, "\"q\" \\ \t\r\n A~ next");
+    EXPECT_EQ(describe(source.get()).substr(describe(source.get()).size() - 13),
+              "group \xc3\xa4\xff { }");
+}
+
+TEST_F(Read, KeywordsInAnyCaseAndLayout)
+{
+    const std::string wanted = "items=1 group g used=1 { item i typ=4 used=1 LANG e [\"x\"] }";
+    EXPECT_EQ(model("GROUP \"g\" { ITEM \"i\" { USED YES TYP 4 LANG \"e\" { \"x\" } } }"), wanted);
+    EXPECT_EQ(model("Group\"g\"{iTEM/* */\"i\"{uSed//\nyeS\r\ntYp 4Lang\"e\"{\"x\"}}}"), wanted);
+}
+
+TEST_F(Read, CarriageReturnsDoNotMatter)
+{
+    const std::string text = "app \"a\"\ngroup \"g\" {\n  item \"i\" {\n    typ 3\n  }\n}\n";
+    std::string dos;
+    for (char c : text)
+        dos += c == '\n' ? "\r\n" : std::string(1, c);
+    EXPECT_EQ(model(dos), model(text));
+}
+
+TEST_F(Read, NumbersBeyondTheirTypeDoNoHarm)
+{
+    read("version 99999999999999999999 whatsnew 99999999999999999999 colwidth item 4294967296 "
+         "group \"g\" { visible 99999999999 item \"i\" { ctime 99999999999999999999 } }");
+    EXPECT_EQ(printed, "");
+}
+
+// --- what else a read does -----------------------------------------------------------------------
+
+TEST_F(Read, RemembersWhereTheSourceIs)
+{
+    lang_global.whatsnew_since = 5;
+    std::filesystem::create_directories("a/b");
+    zel_test::write_file("a/b/app.lang-src", "");
+    const source_guard nested(lang_read_file("a/b/app.lang-src"));
+    EXPECT_STREQ(lang_global.src_dir, "a/b");
+    EXPECT_EQ(lang_global.whatsnew_since, 0);
+    const source_guard bare = read("");
+    EXPECT_EQ(lang_global.src_dir, nullptr);
+}
+
+TEST_F(Read, LogsItsSteps)
+{
+    zel_test::log_capture log;
+    read("");
+    EXPECT_THAT(log.text(), StartsWith("lang_read_file: entry\nlang_read_file: exit\n"));
+}
+
+TEST_F(Read, AMissingFile)
+{
+    zel_test::log_capture log;
+    EXPECT_EQ(
+        zel_test::capture_stdout([] { EXPECT_EQ(lang_read_file("no/such.lang-src"), nullptr); }),
+        "ERROR(146) open ->no/such.lang-src<-\n");
+    EXPECT_THAT(log.text(), StartsWith("lang_read_file: entry\n"));
+    EXPECT_THAT(log.text(), HasSubstr("lang_read_file: ERROR(exit) >no/such.lang-src< "
+                                      "lang-read:151\n"));
+    EXPECT_EQ(exit.calls, 0);
+}
+
+TEST_F(Read, NoPath)
+{
+    zel_test::log_capture log;
+    EXPECT_THAT(zel_test::capture_stdout([] { EXPECT_EQ(lang_read_file(nullptr), nullptr); }),
+                StartsWith("ERROR(155) file open ->"));
+    EXPECT_THAT(log.text(), HasSubstr("lang-read:159\n"));
+}
+
+TEST_F(Read, WithoutAHandlerAStopEndsTheProcessWithStatusZero)
+{
+    lang_set_exit_handler(nullptr);
+    zel_test::write_file("app.lang-src", "group \"g\" { typ");
+    EXPECT_EXIT(static_cast<void>(lang_read_file("app.lang-src")), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(Read, AnEntryIsReadFromAnyScanner)
+{
+    const std::string text = "\"english\" { \"a\" \"b\" } rest";
+    const Keytab none[] = {{nullptr, 0}, {nullptr, 0}};
+    const zel_lex_guard lex(zel_lex_new(none, LEX_ESCAPES | LEX_NEWLINE_SPACE));
+    zel_lex_set_buf(lex.get(), zel_lex_buf_mem_new(text.data(), 26));
+    GList *entries = g_list_append(nullptr, alloc_lang_entry("first"));
+    EXPECT_EQ(parse_lang_text(lex.get(), &entries), 0);
+    EXPECT_EQ(g_list_length(entries), 2U);
+    const auto *entry = static_cast<lang_entry_t *>(entries->next->data);
+    EXPECT_STREQ(entry->lang, "english");
+    EXPECT_EQ(zel_test::strings(entry->texts), R"(["a" "b"])");
+    EXPECT_EQ(
+        zel_test::capture_stdout([&] { EXPECT_EQ(parse_lang_text(lex.get(), &entries), -1); }),
+        "\nERROR(939): line 1:22 unexpected token 256");
+    free_lang_entry_list(entries);
+    zel_lex_free_buf(lex.get());
+}
+
+// --- malformed files -----------------------------------------------------------------------------
+
+// broken/NAME.lang-src with broken/NAME.out of two or three lines: the outcome ("return" with the
+// number in the log line, "stop", "reads"), standard output with \n for line feeds, and the model
+// that is read.
+class Broken : public Read, public testing::WithParamInterface<std::string> {};
+
+std::string broken_dir() { return LANG_SOURCE_ROOT "/tests/source/broken/"; }
+
+std::vector<std::string> broken_names()
+{
+    std::vector<std::string> names;
+    for (const auto &file : std::filesystem::directory_iterator(broken_dir())) {
+        if (file.path().extension() == ".lang-src")
+            names.push_back(file.path().stem());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::string as_one_line(const std::string &text)
+{
+    std::string out;
+    for (char c : text)
+        out += c == '\n' ? "\\n" : std::string(1, c);
+    return out;
+}
+
+TEST_P(Broken, SaysWhatIsWrong)
+{
+    std::istringstream expected(zel_test::read_file(broken_dir() + GetParam() + ".out"));
+    std::string outcome, output, wanted_model;
+    std::getline(expected, outcome);
+    std::getline(expected, output);
+    std::getline(expected, wanted_model);
+    const std::string text = zel_test::read_file(broken_dir() + GetParam() + ".lang-src");
+
+    zel_test::log_capture log;
+    const source_guard source = read(text);
+    EXPECT_EQ(as_one_line(printed), output);
+    EXPECT_EQ(exit.calls, outcome == "stop" ? 1 : 0);
+    EXPECT_EQ(source == nullptr, outcome != "reads");
+    EXPECT_EQ(zel_test::read_file("app.lang-src"), text);
+    if (outcome == "reads") {
+        EXPECT_EQ(describe(source.get()), wanted_model);
+    } else if (outcome == "stop") {
+        EXPECT_EQ(exit.status, 0);
+        EXPECT_THAT(log.text(), HasSubstr("lang_read_file: ERROR(exit) lang-read:304\n"));
+    } else if (outcome != "return") {
+        EXPECT_THAT(log.text(), HasSubstr("lang_read_file: ERROR(exit) lang-read:" +
+                                          outcome.substr(outcome.find(' ') + 1) + "\n"));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, Broken, testing::ValuesIn(broken_names()), [](const auto &param) {
+    std::string name = param.param;
+    std::replace(name.begin(), name.end(), '-', '_');
+    return name;
+});
+
+class AnyBytes : public Read {
+protected:
+    // Reads bytes that may be anything: whatever comes out, it comes out.
+    void survives(const std::string &text)
+    {
+        exit.calls = 0;
+        const source_guard source = read(text);
+        ASSERT_LE(exit.calls, 1);
+        ASSERT_TRUE(source == nullptr || exit.calls == 0);
+        ASSERT_EQ(zel_test::read_file("app.lang-src"), text);
+    }
+    static std::string sample()
+    {
+        return "/* head */ version 1\ncreate_date \"d\"\nwhatsnew 1 ctime 2 mtime 3\n"
+               "define format utf8 file \"e.lang\" lang \"e\" 200 200 1\n"
+               "app \"a\" default lang \"e\" colwidth group 1 colwidth item 2 colwidth ctrl 3\n"
+               "GROUP \"g\\\"\" {\n VISIBLE 1 SCREEN_SHOT \"s\" USED YES\n // c\n"
+               " ITEM \"i\\x41\" { /* c */\n DESCRIPTION \"d\" SIZE 1 2 TYP 1 ROWHEIGHT 2 CTIME 3 "
+               "VISIBLE 1 READY 0 CHANGED USED YES {\n \"a.c\" }\n LANG \"e\" { \"x\\\ny\" \"z\" "
+               "}\n"
+               " COMMENT \"e\" { \"c\" } } }\n/* end */\n";
+    }
+};
+
+TEST_F(AnyBytes, AFileCutAtEveryByte)
+{
+    const std::string text = sample();
+    for (std::size_t n = 0; n <= text.size(); n++)
+        survives(text.substr(0, n));
+    EXPECT_EQ(printed, "");
+}
+
+TEST_F(AnyBytes, AByteDroppedOrChanged)
+{
+    const std::string text = sample();
+    for (std::size_t n = 0; n < text.size(); n++) {
+        survives(text.substr(0, n) + text.substr(n + 1));
+        std::string changed = text;
+        changed[n] = "\"{}\\\0\xff"
+                     "0\n"[n % 8];
+        survives(changed);
+    }
+}
+
+TEST_F(AnyBytes, BinaryFiles)
+{
+    unsigned state = 7;
+    for (int round = 0; round < 50; round++) {
+        std::string bytes = round % 2 != 0 ? "group \"g\" { item \"i\" { " : "";
+        for (int n = 0; n < 2000; n++) {
+            state = state * 1103515245U + 12345U;
+            bytes += static_cast<char>(state >> 16);
+        }
+        survives(bytes);
+    }
+}
+
+TEST_F(AnyBytes, EndlessNesting)
+{
+    for (const char *nest :
+         {"{", "group \"g\" {", "group \"g\" { item \"i\" { lang \"e\" {", "define ", "version ",
+          "/*", "\"", "define file \"a\" lang \"b\" 1 2 "}) {
+        std::string text;
+        while (text.size() < 100000)
+            text += nest;
+        survives(text);
+        survives("group \"g\" { item \"i\" { lang \"e\" " + text);
+    }
+}
+
+TEST_F(AnyBytes, ALineOfTenMegabytes)
+{
+    const std::string line(10 << 20, 'x');
+    const source_guard source = read("app \"" + line + "\" group \"g\" { } //" + line);
+    ASSERT_NE(source, nullptr);
+    EXPECT_EQ(source->app, line);
+    survives("group \"g\" { item \"i\" { lang \"e\" { \"" + line);
+    survives("version " + std::string(10 << 20, '1'));
+}
+
+TEST_F(AnyBytes, ADirectory)
+{
+    std::filesystem::create_directory("d");
+    zel_test::capture_stdout([] { const source_guard source(lang_read_file("d")); });
+}
+
+} // namespace
