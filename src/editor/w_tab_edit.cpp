@@ -24,20 +24,11 @@ constexpr int list_width = 400; // where the divider stands at first
 constexpr int list_min_width = 160;
 constexpr int spacing = 6;
 
-GtkTreeView *view_of(ZelTabEdit *tab)
-{
-    return GTK_TREE_VIEW(tab->view);
-}
+GtkTreeView *view_of(ZelTabEdit *tab) { return GTK_TREE_VIEW(tab->view); }
 
-ZelTabModel *shown_rows(ZelTabEdit *tab)
-{
-    return ZEL_TAB_MODEL(tab->sort_model);
-}
+ZelTabModel *shown_rows(ZelTabEdit *tab) { return ZEL_TAB_MODEL(tab->sort_model); }
 
-zel::tab_rows &rows_of(ZelTabEdit *tab)
-{
-    return **tab->rows;
-}
+zel::tab_rows &rows_of(ZelTabEdit *tab) { return **tab->rows; }
 
 // Place of the selected row in the list, -1 when none is selected.
 int selected_place(ZelTabEdit *tab)
@@ -538,10 +529,7 @@ GType zel_tab_edit_get_type()
     return type;
 }
 
-GtkWidget *zel_tab_edit_new()
-{
-    return GTK_WIDGET(g_object_new(ZEL_TYPE_TAB_EDIT, nullptr));
-}
+GtkWidget *zel_tab_edit_new() { return GTK_WIDGET(g_object_new(ZEL_TYPE_TAB_EDIT, nullptr)); }
 
 int zel_tab_edit_set(GtkWidget *widget, LangSource *source)
 {

@@ -56,10 +56,7 @@ GList *tab_search_words(const char *text)
     return words;
 }
 
-void free_search_words(GList *words)
-{
-    g_list_free_full(words, g_free);
-}
+void free_search_words(GList *words) { g_list_free_full(words, g_free); }
 
 } // namespace zel
 

@@ -14,10 +14,7 @@ constexpr glong lang_text_length = 32; // characters
 constexpr int unsorted = GTK_TREE_SORTABLE_UNSORTED_SORT_COLUMN_ID;
 
 // Of the iterators, only the place is used.
-int place_of(const GtkTreeIter *iter)
-{
-    return GPOINTER_TO_INT(iter->user_data);
-}
+int place_of(const GtkTreeIter *iter) { return GPOINTER_TO_INT(iter->user_data); }
 
 bool set_iter(ZelTabModel *model, GtkTreeIter *iter, int place)
 {
@@ -49,10 +46,7 @@ GType column_type(GtkTreeModel *, gint column)
     }
 }
 
-void set_string(GValue *value, const std::string &text)
-{
-    g_value_set_string(value, text.c_str());
-}
+void set_string(GValue *value, const std::string &text) { g_value_set_string(value, text.c_str()); }
 
 void set_date(GValue *value, std::int64_t time)
 {
@@ -109,15 +103,9 @@ void set_cell(const zel::tab_rows &rows, int number, int column, GValue *value)
 
 // --- GtkTreeModel ------------------------------------------------------------------------------
 
-GtkTreeModelFlags get_flags(GtkTreeModel *)
-{
-    return GTK_TREE_MODEL_LIST_ONLY;
-}
+GtkTreeModelFlags get_flags(GtkTreeModel *) { return GTK_TREE_MODEL_LIST_ONLY; }
 
-gint get_n_columns(GtkTreeModel *)
-{
-    return COL_COUNT;
-}
+gint get_n_columns(GtkTreeModel *) { return COL_COUNT; }
 
 gboolean iter_nth_child(GtkTreeModel *model, GtkTreeIter *iter, GtkTreeIter *parent, gint n)
 {
@@ -155,10 +143,7 @@ gboolean iter_children(GtkTreeModel *model, GtkTreeIter *iter, GtkTreeIter *pare
     return iter_nth_child(model, iter, parent, 0);
 }
 
-gboolean iter_has_child(GtkTreeModel *, GtkTreeIter *)
-{
-    return FALSE;
-}
+gboolean iter_has_child(GtkTreeModel *, GtkTreeIter *) { return FALSE; }
 
 gint iter_n_children(GtkTreeModel *model, GtkTreeIter *iter)
 {
@@ -249,10 +234,7 @@ void set_sort_column_id(GtkTreeSortable *sortable, gint id, GtkSortType order)
     reorder(model);
 }
 
-gboolean has_default_sort_func(GtkTreeSortable *)
-{
-    return FALSE;
-}
+gboolean has_default_sort_func(GtkTreeSortable *) { return FALSE; }
 
 void sortable_init(gpointer iface, gpointer)
 {
@@ -359,10 +341,7 @@ void zel_tab_model_show(ZelTabModel *model, std::vector<std::uint32_t> shown)
     ++model->stamp;
 }
 
-int zel_tab_model_count(ZelTabModel *model)
-{
-    return static_cast<int>(model->shown->size());
-}
+int zel_tab_model_count(ZelTabModel *model) { return static_cast<int>(model->shown->size()); }
 
 int zel_tab_model_row_at(ZelTabModel *model, int place)
 {
@@ -394,10 +373,7 @@ void zel_tab_model_row_changed(ZelTabModel *model, int row)
     gtk_tree_path_free(path);
 }
 
-void zel_tab_model_resort(ZelTabModel *model)
-{
-    reorder(model);
-}
+void zel_tab_model_resort(ZelTabModel *model) { reorder(model); }
 
 int sort_iter_compare_func(const zel::tab_row &a, std::uint32_t pos_a, const zel::tab_row &b,
                            std::uint32_t pos_b, int sort_id)

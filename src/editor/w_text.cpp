@@ -42,10 +42,7 @@ static_assert(std::size(fields) == TEXT_FIELDS);
 // The order in which fields are filled and written back: a language's comment before its text.
 constexpr int field_order[] = {TEXT_COMMENT1, TEXT_TRANS1, TEXT_COMMENT2, TEXT_TRANS2};
 
-GtkTextBuffer *buffer_of(GtkWidget *view)
-{
-    return gtk_text_view_get_buffer(GTK_TEXT_VIEW(view));
-}
+GtkTextBuffer *buffer_of(GtkWidget *view) { return gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)); }
 
 void append_text(GtkWidget *view, const char *text)
 {
@@ -336,10 +333,7 @@ GType zel_text_get_type()
     return type;
 }
 
-GtkWidget *zel_text_new()
-{
-    return GTK_WIDGET(g_object_new(ZEL_TYPE_TEXT, nullptr));
-}
+GtkWidget *zel_text_new() { return GTK_WIDGET(g_object_new(ZEL_TYPE_TEXT, nullptr)); }
 
 int zel_text_set_pos(GtkWidget *widget, int pos)
 {
