@@ -49,17 +49,27 @@ GtkWidget *make_window()
     return mainWin;
 }
 
+// A little smaller than the rest: the captions have a fixed width, the work below wants the room.
+GtkWidget *make_info_label(const char *text)
+{
+    GtkWidget *label = gtk_label_new(text);
+    gtk_misc_set_alignment(GTK_MISC(label), 0.0F, 0.5F);
+    PangoAttrList *attributes = pango_attr_list_new();
+    pango_attr_list_insert(attributes, pango_attr_scale_new(0.9));
+    gtk_label_set_attributes(GTK_LABEL(label), attributes);
+    pango_attr_list_unref(attributes);
+    return label;
+}
+
 GtkWidget *make_info_row(const info_row &row)
 {
     const char *text = zel::ui_text("common", row.caption);
     GtkWidget *box = gtk_hbox_new(FALSE, 0);
-    GtkWidget *caption = gtk_label_new(text);
+    GtkWidget *caption = make_info_label(text);
     gtk_widget_set_size_request(caption, caption_width, -1);
-    gtk_misc_set_alignment(GTK_MISC(caption), 0.0F, 0.5F);
     gtk_box_pack_start(GTK_BOX(box), caption, FALSE, FALSE, 0);
 
-    GtkWidget *value = gtk_label_new("");
-    gtk_misc_set_alignment(GTK_MISC(value), 0.0F, 0.5F);
+    GtkWidget *value = make_info_label("");
     gtk_label_set_ellipsize(GTK_LABEL(value), row.ellipsize);
     gtk_box_pack_start(GTK_BOX(box), value, TRUE, TRUE, 0);
     lang_global.*row.value = value;
@@ -103,7 +113,7 @@ GtkWidget *make_status_frame()
     GtkWidget *frame = gtk_frame_new(nullptr);
     gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_NONE);
     statusWin = gtk_entry_new();
-    gtk_entry_set_has_frame(GTK_ENTRY(statusWin), FALSE);
+    gtk_container_set_border_width(GTK_CONTAINER(frame), 2);
     gtk_editable_set_editable(GTK_EDITABLE(statusWin), FALSE);
     gtk_widget_set_name(statusWin, "status");
     set_accessible_name(statusWin, "Status");

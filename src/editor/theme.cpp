@@ -72,8 +72,7 @@ class "GtkMenuItem" style "lang-menu"
 widget_class "*<GtkMenuItem>*" style "lang-menu"
 
 style "lang-entry" {
-  xthickness = 3
-  ythickness = 3
+  GtkEntry::inner-border = { 4, 4, 3, 3 }
 }
 class "GtkEntry" style "lang-entry"
 
@@ -81,6 +80,12 @@ style "lang-menu-item" {
   ythickness = 3
 }
 class "GtkMenuItem" style "lang-menu-item"
+
+style "lang-status" {
+  base[NORMAL] = "#f0f0ee"
+  GtkEntry::inner-border = { 2, 2, 1, 1 }
+}
+widget "*.status" style "lang-status"
 
 style "lang-tooltip" {
   xthickness = 5
