@@ -81,10 +81,10 @@ int fail_locked(lang_cfg_t *store, const char *message)
 }
 
 // A message with errno, on standard output and in the log.
-int fail_write(const char *format, int error, int result)
+int fail_write(const char *what, int error, int result)
 {
     const zel::string_guard text(
-        zel_strdup_printf("cfg_write: ERROR %s errno %d\n", format, error));
+        zel_strdup_printf("cfg_write: ERROR %s errno %d\n", what, error));
     std::fputs(text ? text.get() : "", stdout);
     LogPrint(1, "%s", text ? text.get() : "");
     return result;
@@ -130,6 +130,21 @@ int open_file(lang_cfg_t *store, bool create)
         LogPrint(1, "cfg_open: ERROR create fp_cfg  errno %d\n", errno);
         return CFG_NOT_CREATED;
     }
+    return CFG_OK;
+}
+
+// Fills the temporary file and puts it in the file's place.
+int write_file(lang_cfg_t *store, zel::safe_file &file)
+{
+    store->fp_tmp = file.stream;
+    store->version_key = store->version;
+    zel::cfg_write_sections(file.stream, store->sections);
+    store->fp_tmp = nullptr;
+    if (const int error = zel::safe_file_finish(file))
+        return fail_write("write fp_tmp", error, CFG_NOT_WRITTEN);
+    std::printf("lang_write_cfg: >%s<>%s<\n", store->tmp, store->cfg);
+    if (const int error = zel::safe_file_move(file, store->cfg))
+        return fail_write("rename fp_tmp", error, CFG_NOT_RENAMED);
     return CFG_OK;
 }
 
@@ -249,16 +264,9 @@ int lang_cfg_write(lang_cfg_t *store)
     zel::safe_file file = zel::safe_file_create(store->tmp);
     if (file.stream == nullptr)
         return fail_write("open fp_tmp", file.error, CFG_NOT_WRITTEN);
-    store->fp_tmp = file.stream;
-    store->version_key = store->version;
-    zel::cfg_write_sections(file.stream, store->sections);
-    store->fp_tmp = nullptr;
-    if (const int error = zel::safe_file_finish(file))
-        return fail_write("write fp_tmp", error, CFG_NOT_WRITTEN);
-    std::printf("lang_write_cfg: >%s<>%s<\n", store->tmp, store->cfg);
-    if (const int error = zel::safe_file_move(file, store->cfg))
-        return fail_write("rename fp_tmp", error, CFG_NOT_RENAMED);
-    return CFG_OK;
+    const int result = write_file(store, file);
+    zel::safe_file_release(file);
+    return result;
 }
 
 int lang_cfg_get_long(lang_cfg_t *store, std::int64_t *result, std::int64_t fallback,

@@ -1,13 +1,50 @@
 #include "editor/edit-start.h"
 
-#include <gtk/gtk.h>
+#include "editor/edit-state.h"
+#include "editor/edit.h"
+#include "editor/w_tab_edit.h"
+#include "support/log-print.h"
+#include "support/zel_malloc.h"
 
+#include <clocale>
 #include <cstdio>
 
-void edit_take_toolkit_args(int *argc, char ***argv) { gtk_parse_args(argc, argv); }
+namespace {
 
-int edit_start(const char *)
+// What the toolkit complains of is for the log: a translator's terminal shows the editor's own
+// messages only.
+void log_toolkit_message(const gchar *domain, GLogLevelFlags, const gchar *message, gpointer)
 {
-    std::fputs("lang: the editor is not part of this build\n", stderr);
-    return 1;
+    LogPrint(1, "%s: %s\n", domain == nullptr ? "" : domain, message == nullptr ? "" : message);
+}
+
+} // namespace
+
+void edit_take_toolkit_args(int *argc, char ***argv)
+{
+    g_log_set_default_handler(log_toolkit_message, nullptr);
+    gtk_parse_args(argc, argv);
+    // The toolkit speaks the user's language; numbers in files are the same everywhere.
+    std::setlocale(LC_NUMERIC, "C");
+}
+
+int edit_start(const char *file)
+{
+    int count = 0;
+    if (!gtk_init_check(&count, nullptr)) {
+        const char *display = gdk_get_display_arg_name();
+        if (display == nullptr)
+            display = g_getenv("DISPLAY");
+        if (display == nullptr || display[0] == '\0')
+            std::fputs("lang: the editor needs a display, and DISPLAY names none\n", stderr);
+        else
+            std::fprintf(stderr, "lang: the editor cannot open the display \"%s\"\n", display);
+        return 1;
+    }
+    std::setlocale(LC_NUMERIC, "C");
+    zel_tab_edit_get_ctrls(&edit_ctrl);
+    zel::replace_string(def_file, zel_strdup(file));
+    const int result = edit();
+    zel::replace_string(def_file, nullptr);
+    return result;
 }

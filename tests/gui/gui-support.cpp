@@ -1,7 +1,9 @@
 #include "gui-support.h"
 
 #include "app/global.h"
+#include "editor/edit-start.h"
 #include "editor/edit-state.h"
+#include "test-support.h"
 
 #include <gdk/gdkkeysyms.h>
 
@@ -186,6 +188,70 @@ std::vector<std::string> label_texts(GtkWidget *root)
     return texts;
 }
 
+namespace {
+
+void walk_menus(GtkWidget *shell, const std::function<void(GtkWidget *)> &visit)
+{
+    for (GtkWidget *item : find_all(shell, GTK_TYPE_MENU_ITEM)) {
+        visit(item);
+        if (GtkWidget *menu = gtk_menu_item_get_submenu(GTK_MENU_ITEM(item)))
+            walk_menus(menu, visit);
+    }
+}
+
+} // namespace
+
+GtkWidget *menu_entry(GtkWidget *window, const std::string &text)
+{
+    GtkWidget *found = nullptr;
+    walk_menus(find_type(window, GTK_TYPE_MENU_BAR), [&](GtkWidget *item) {
+        if (found == nullptr && text == gtk_menu_item_get_label(GTK_MENU_ITEM(item)))
+            found = item;
+    });
+    EXPECT_NE(found, nullptr) << "no menu entry " << text;
+    return found;
+}
+
+std::vector<std::string> menu_texts(GtkWidget *window)
+{
+    std::vector<std::string> texts;
+    walk_menus(find_type(window, GTK_TYPE_MENU_BAR), [&](GtkWidget *item) {
+        texts.emplace_back(GTK_IS_SEPARATOR_MENU_ITEM(item)
+                               ? "-"
+                               : gtk_menu_item_get_label(GTK_MENU_ITEM(item)));
+    });
+    return texts;
+}
+
+GtkWidget *tool_button(GtkWidget *window, const std::string &tooltip)
+{
+    for (GtkWidget *button : find_all(window, GTK_TYPE_TOOL_BUTTON)) {
+        if (tooltip == gtk_tool_button_get_label(GTK_TOOL_BUTTON(button)))
+            return button;
+    }
+    ADD_FAILURE() << "no tool button " << tooltip;
+    return nullptr;
+}
+
+std::string run_editor(const std::string &file, const std::function<void()> &scenario)
+{
+    const auto start = [](gpointer data) -> gboolean {
+        (*static_cast<const std::function<void()> *>(data))();
+        lang_global.modified = 0;
+        if (mainWin != nullptr)
+            close_window()(mainWin);
+        return FALSE;
+    };
+    return zel_test::capture_stdout([&] {
+        const guint source =
+            g_idle_add_full(G_PRIORITY_LOW, start,
+                            const_cast<std::function<void()> *>(&scenario), nullptr);
+        EXPECT_EQ(edit_start(file.empty() ? nullptr : file.c_str()), 0);
+        if (g_main_context_find_source_by_id(nullptr, source) != nullptr)
+            g_source_remove(source); // the editor did not get as far as its main loop
+    });
+}
+
 GtkWidget *window_titled(const std::string &title)
 {
     GtkWidget *found = nullptr;
@@ -367,7 +433,6 @@ Test::~Test()
             gtk_widget_destroy(window);
     });
     settle(0);
-    mainWin = editWin = editBox = statusWin = nullptr;
     fs::current_path(old_folder);
     fs::remove_all(folder);
 }

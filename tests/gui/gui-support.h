@@ -30,6 +30,15 @@ std::vector<GtkWidget *> find_all(GtkWidget *root, GType type);
 // The texts of all labels below a widget, hidden ones too, in the order of the walk.
 std::vector<std::string> label_texts(GtkWidget *root);
 
+// The entry of the window's menu bar with that text (the first, in the order of the menus), or null.
+GtkWidget *menu_entry(GtkWidget *window, const std::string &text);
+
+// Texts of a menu bar: the titles, each followed by its entries; "-" is a separator.
+std::vector<std::string> menu_texts(GtkWidget *window);
+
+// The toolbar's button with that tooltip, or null.
+GtkWidget *tool_button(GtkWidget *window, const std::string &tooltip);
+
 // The visible top-level window with that title, or null.
 GtkWidget *window_titled(const std::string &title);
 
@@ -62,6 +71,11 @@ void type(GtkWidget *window, const char *ascii);
 // What GLib and the toolkit warned of since the test began. A test that provokes a warning takes it
 // out of here; what is left at the end fails the test.
 std::vector<std::string> &warnings();
+
+// --- The editor --------------------------------------------------------------------------------
+// Starts the editor with the file (empty: none) and runs the scenario in its main loop; afterwards
+// the window is closed, without a question. Returns what the editor printed.
+std::string run_editor(const std::string &file, const std::function<void()> &scenario);
 
 // --- Files -------------------------------------------------------------------------------------
 std::string read_file(const std::string &path);

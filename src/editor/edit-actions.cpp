@@ -1,0 +1,136 @@
+#include "editor/edit-actions.h"
+
+#include "app/global.h"
+#include "editor/define.h"
+#include "editor/edit-ask.h"
+#include "editor/edit-state.h"
+#include "editor/lang-box.h"
+#include "editor/ui-text.h"
+#include "support/gen_path.h"
+#include "support/guard.h"
+#include "support/log-print.h"
+#include "support/string.h"
+#include "support/zel_malloc.h"
+
+#include <array>
+#include <gdk/gdkkeysyms.h>
+#include <memory>
+#include <unistd.h>
+
+namespace {
+
+using table_operation = int (*)(GtkWidget *);
+
+void move(const char *handler, table_operation operation)
+{
+    LogPrint(1, "%s: entry\n", handler);
+    if (def_group != nullptr && editWin != nullptr && operation != nullptr)
+        operation(editWin);
+}
+
+void set_filter_controls(gboolean on)
+{
+    gtk_check_menu_item_set_active(GTK_CHECK_MENU_ITEM(empty_menu), on);
+    gtk_toggle_tool_button_set_active(GTK_TOGGLE_TOOL_BUTTON(empty_tool), on);
+}
+
+// One of the two controls has changed its state.
+void filter(gboolean on)
+{
+    if (empty_lock != 0)
+        return;
+    const zel::flag_guard locked(empty_lock);
+    if (def_group == nullptr) {
+        zel::edit_status(zel::ui_text("common", "Nothing to do"));
+        set_filter_controls(FALSE);
+        return;
+    }
+    lang_global.only_untranslated = on ? 1 : 0;
+    set_filter_controls(on);
+    if (editWin != nullptr && edit_ctrl.empty != nullptr)
+        edit_ctrl.empty(editWin);
+}
+
+// The desktop's viewer, or where the user finds the file.
+void show_manual(GtkWidget *widget, const char *path)
+{
+    using glib_string = std::unique_ptr<gchar, zel::release<g_free>>;
+    const glib_string absolute(g_path_is_absolute(path)
+                                   ? g_strdup(path)
+                                   : g_build_filename(".", path, nullptr));
+    const glib_string uri(g_filename_to_uri(absolute.get(), nullptr, nullptr));
+    if (uri && gtk_show_uri(gtk_widget_get_screen(widget), uri.get(), GDK_CURRENT_TIME, nullptr))
+        return;
+    const zel::string_guard text(
+        zel_strdup_printf("%s\n%s", zel::ui_text("common", "The manual is here:"), path));
+    lang_msg_box(widget, text.get());
+}
+
+} // namespace
+
+void cb_first(GtkWidget *, gpointer) { move("cb_first", edit_ctrl.first); }
+void cb_previous(GtkWidget *, gpointer) { move("cb_previous", edit_ctrl.prev); }
+void cb_next(GtkWidget *, gpointer) { move("cb_next", edit_ctrl.next); }
+void cb_last(GtkWidget *, gpointer) { move("cb_last", edit_ctrl.last); }
+
+void cb_empty_menu(GtkWidget *widget, gpointer)
+{
+    filter(gtk_check_menu_item_get_active(GTK_CHECK_MENU_ITEM(widget)));
+}
+
+void cb_empty_toolbar(GtkWidget *widget, gpointer)
+{
+    filter(gtk_toggle_tool_button_get_active(GTK_TOGGLE_TOOL_BUTTON(widget)));
+}
+
+void cb_posnr(GtkWidget *widget, gpointer)
+{
+    lang_global.posnr =
+        gtk_toggle_tool_button_get_active(GTK_TOGGLE_TOOL_BUTTON(widget)) ? 1 : 0;
+}
+
+void cb_settings(GtkWidget *widget, gpointer)
+{
+    zel::edit_status(nullptr);
+    if (def_group == nullptr) {
+        zel::nothing_to_do(widget);
+        return;
+    }
+    define_open(mainWin, def_group);
+    zel::edit_select_output_langs(def_group);
+}
+
+void cb_help(GtkWidget *widget, gpointer)
+{
+    std::array<char, 4096> path{};
+    LogPrint(1, "cb_help: doc-dir ->%s<-\n",
+             lang_global.doc_dir == nullptr ? "" : lang_global.doc_dir);
+    gen_path_ext(path.data(), 0, path.size(), lang_global.doc_dir, "lang.pdf", nullptr);
+    zel_path_to_os(path.data());
+    LogPrint(1, "cb_help: manual  ->%s<-\n", path.data());
+    if (access(path.data(), R_OK) != 0)
+        zel::message(widget, "common", "Error: Manual not found.");
+    else
+        show_manual(widget, path.data());
+}
+
+gboolean lang_key_press_event(GtkWidget *, GdkEventKey *event, gpointer)
+{
+    constexpr guint bit_arabic = 1;
+    constexpr guint bit_extended = 2;
+    if (event->keyval < GDK_KEY_0 || event->keyval > GDK_KEY_9)
+        return FALSE;
+    const guint digit = event->keyval - GDK_KEY_0;
+    if ((lang_global.digit_keys & bit_arabic) != 0)
+        event->keyval = gdk_unicode_to_keyval(0x0660 + digit);
+    else if ((lang_global.digit_keys & bit_extended) != 0)
+        event->keyval = gdk_unicode_to_keyval(0x06f0 + digit);
+    return FALSE;
+}
+
+gboolean list_expose_event(GtkWidget *, GdkEventExpose *, gpointer)
+{
+    if (editWin != nullptr && edit_ctrl.list_focus != nullptr)
+        edit_ctrl.list_focus(editWin);
+    return FALSE;
+}

@@ -1,0 +1,39 @@
+#include "editor/edit-ask.h"
+
+#include "editor/edit-state.h"
+#include "editor/lang-box.h"
+#include "editor/popup.h"
+#include "editor/ui-text.h"
+
+namespace zel {
+
+bool ask_discard(GtkWidget *widget)
+{
+    GtkWidget *dialog =
+        gtk_message_dialog_new(window_of(widget), GTK_DIALOG_MODAL, GTK_MESSAGE_QUESTION,
+                               GTK_BUTTONS_YES_NO, "%s", ui_text("common", "Discard changes ?"));
+    gtk_window_set_position(GTK_WINDOW(dialog), GTK_WIN_POS_CENTER);
+    gtk_dialog_set_default_response(GTK_DIALOG(dialog), GTK_RESPONSE_NO);
+    const int answer = gtk_dialog_run(GTK_DIALOG(dialog));
+    gtk_widget_destroy(dialog);
+    return answer != GTK_RESPONSE_NO;
+}
+
+void message(GtkWidget *widget, const char *group, const char *text)
+{
+    lang_msg_box(widget, ui_text(group, text));
+}
+
+void status_and_message(GtkWidget *widget, const char *status_group, const char *group,
+                        const char *text)
+{
+    edit_status(ui_text(status_group, text));
+    message(widget, group, text);
+}
+
+void nothing_to_do(GtkWidget *widget)
+{
+    status_and_message(widget, "common", "status", "Nothing to do");
+}
+
+} // namespace zel

@@ -1,0 +1,8 @@
+#pragma once
+
+// Export to compiled language files, import of one. The data of both is the address of def_group.
+
+#include <gtk/gtk.h>
+
+void cb_export(GtkWidget *widget, gpointer data);
+void cb_import(GtkWidget *widget, gpointer data);

@@ -1,0 +1,272 @@
+#include "editor/edit-file.h"
+
+#include "app/global.h"
+#include "config/ini.h"
+#include "editor/dir_file_sel.h"
+#include "editor/edit-ask.h"
+#include "editor/edit-state.h"
+#include "editor/ui-text.h"
+#include "source/lang-read.h"
+#include "source/lang-write.h"
+#include "source/misc.h"
+#include "support/string.h"
+#include "support/time.h"
+#include "support/zel_malloc.h"
+
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+
+namespace {
+
+constexpr std::size_t path_size = 2048;
+constexpr std::size_t date_size = 1024;
+
+void show_value(GtkWidget *label, const char *text)
+{
+    if (label != nullptr)
+        gtk_label_set_text(GTK_LABEL(label), zel::utf8_shown(text).c_str());
+}
+
+void show_source_values()
+{
+    const char *unknown = zel::ui_text("common", "Unknown");
+    std::array<char, date_size> date{};
+    if (def_group->mtime != 0)
+        sprintf_date(date.data(), "%Y-%m-%d %H:%M:%S", def_group->mtime);
+    show_value(lang_global.file_label, def_file);
+    show_value(lang_global.create_date_label,
+               def_group->create_date == nullptr ? unknown : def_group->create_date);
+    show_value(lang_global.mtime_label, def_group->mtime == 0 ? unknown : date.data());
+}
+
+void clear_source_values()
+{
+    for (GtkWidget *label :
+         {lang_global.file_label, lang_global.create_date_label, lang_global.mtime_label})
+        show_value(label, nullptr);
+}
+
+// The table goes first: it shows what is released next.
+void close_source()
+{
+    if (editWin != nullptr)
+        gtk_widget_destroy(editWin);
+    editWin = nullptr;
+    if (def_group != nullptr)
+        lang_free_group(&def_group);
+    def_group = nullptr;
+}
+
+// Takes the file as the current one, with the folder it is in.
+void set_file(char *owned_path)
+{
+    zel::replace_string(def_file, owned_path);
+    char *dir = nullptr;
+    char *name = nullptr;
+    zel_split_path_file(def_file, &dir, &name);
+    zel::replace_string(lang_global.start_dir, dir);
+    std::free(name);
+}
+
+// Edits still in the text panel go into the source.
+void take_pending_edits()
+{
+    if (editWin == nullptr)
+        return;
+    if (edit_ctrl.update != nullptr)
+        edit_ctrl.update(editWin);
+    if (edit_ctrl.check_changed != nullptr)
+        edit_ctrl.check_changed(editWin);
+}
+
+void clear_output_langs()
+{
+    zel::replace_string(lang_global.output_lang_1, nullptr);
+    zel::replace_string(lang_global.output_lang_2, nullptr);
+}
+
+// Writes the source and says how it went; only then are there no changes left.
+void write_and_tell(GtkWidget *widget, const char *path)
+{
+    if (lang_write_file(path, def_group) == 0) {
+        lang_global.modified = 0;
+        zel::message(mainWin, "status", "Write file successfull");
+    } else {
+        zel::message(widget, "status", "Error write file");
+    }
+}
+
+void save_under_name(GtkWidget *widget)
+{
+    const zel::string_guard chosen(
+        file_sel_write(widget, zel::ui_text("common", "Save as (*.lang-src)"), nullptr, def_file));
+    if (!chosen)
+        return;
+    constexpr const char *ending = "lang-src";
+    std::array<char, path_size> path{};
+    if (std::strlen(chosen.get()) + std::strlen(ending) + 2 > path.size()) {
+        zel::message(widget, "status", "Error write file");
+        return;
+    }
+    std::strcpy(path.data(), chosen.get());
+    zel_gen_file_name_with_ext(path.data(), ending);
+    edit_refresh();
+    write_and_tell(widget, path.data());
+}
+
+// Writes the first output language together with another one.
+bool write_pair(const char *folder, const char *date, const char *other)
+{
+    zel::replace_string(lang_global.output_lang_2, zel_strdup(other));
+    std::array<char, path_size> path{};
+    const int length =
+        std::snprintf(path.data(), path.size(), "%s/%s-%s-%s-out.lang-src", folder, date,
+                      lang_global.output_lang_1, lang_global.output_lang_2);
+    return length > 0 && static_cast<std::size_t>(length) < path.size() &&
+           lang_write_file(path.data(), def_group) == 0;
+}
+
+void save_pairs(GtkWidget *widget)
+{
+    const zel::string_guard folder(dir_sel(
+        widget, zel::ui_text("define", "Browse destination directory"), lang_global.start_dir));
+    if (!folder)
+        return;
+    edit_refresh();
+    // The table has set both output languages again.
+    zel::edit_select_output_langs(def_group);
+    if (lang_global.output_lang_1 == nullptr)
+        return;
+    std::array<char, date_size> date{};
+    sprintf_date(date.data(), "%Y-%m-%d-%H-%M", std::time(nullptr));
+    int failures = 0;
+    for (const lang_t *lang : zel::each<lang_t>(def_group->langs)) {
+        if (lang->name != nullptr && std::strcmp(lang->name, lang_global.output_lang_1) != 0)
+            failures += write_pair(folder.get(), date.data(), lang->name) ? 0 : 1;
+    }
+    zel::message(widget, "status",
+                 failures != 0 ? "Error write file/s" : "Write file/s successfull");
+}
+
+void save_selected(GtkWidget *widget)
+{
+    clear_output_langs();
+    zel::edit_select_output_langs(def_group);
+    if (lang_global.output_lang_1 == nullptr)
+        zel::status_and_message(widget, "common", "status", "Please select first language");
+    else
+        save_pairs(widget);
+}
+
+// True when the program may end.
+bool may_exit(GtkWidget *widget)
+{
+    return lang_global.modified == 0 || zel::ask_discard(widget);
+}
+
+} // namespace
+
+void cb_open(GtkWidget *widget, gpointer)
+{
+    if (lang_global.modified != 0 && !zel::ask_discard(widget))
+        return;
+    zel::edit_status(nullptr);
+    char *chosen = file_sel_read(widget, zel::ui_text("common", "open file"), nullptr, nullptr);
+    if (chosen == nullptr)
+        return;
+    set_file(chosen);
+    close_source();
+    if (!zel::edit_read_source()) {
+        clear_source_values();
+        return;
+    }
+    zel::edit_show_source();
+    show_source_values();
+    lang_global.modified = 0;
+}
+
+void cb_save(GtkWidget *widget, gpointer)
+{
+    zel::edit_status(nullptr);
+    if (def_group == nullptr) {
+        zel::nothing_to_do(widget);
+        return;
+    }
+    take_pending_edits();
+    write_and_tell(widget, def_file);
+}
+
+void cb_save_as(GtkWidget *widget, gpointer)
+{
+    zel::edit_status(nullptr);
+    if (def_group == nullptr) {
+        zel::nothing_to_do(widget);
+        return;
+    }
+    take_pending_edits();
+    if (lang_global.save_selected_only != 0)
+        save_selected(widget);
+    else
+        save_under_name(widget);
+    clear_output_langs();
+}
+
+void cb_save_selected_lang(GtkWidget *widget, gpointer data)
+{
+    const zel::flag_guard selected_only(lang_global.save_selected_only);
+    cb_save_as(widget, data);
+}
+
+void cb_exit(GtkWidget *widget, gpointer)
+{
+    if (!may_exit(widget))
+        return;
+    prg_exit();
+    gtk_main_quit();
+}
+
+gboolean delete_event(GtkWidget *widget, GdkEvent *, gpointer)
+{
+    if (!may_exit(widget))
+        return TRUE;
+    prg_exit();
+    gtk_main_quit();
+    return FALSE;
+}
+
+void prg_exit()
+{
+    if (ini != nullptr) {
+        ini_write(ini);
+        ini_free(ini);
+        ini = nullptr;
+    }
+    close_source();
+}
+
+namespace zel {
+
+bool edit_read_source()
+{
+    const lang_exit_handler before = lang_set_exit_handler([](int) {});
+    def_group = lang_read_file(def_file);
+    lang_set_exit_handler(before);
+    return def_group != nullptr;
+}
+
+void edit_show_source()
+{
+    if (edit_ctrl.new_table == nullptr)
+        return;
+    editWin = edit_ctrl.new_table();
+    gtk_widget_set_name(editWin, "item-table");
+    g_signal_connect(editWin, "destroy", G_CALLBACK(gtk_widget_destroyed), &editWin);
+    if (edit_ctrl.set != nullptr)
+        edit_ctrl.set(editWin, def_group);
+    gtk_box_pack_start(GTK_BOX(editBox), editWin, TRUE, TRUE, 0);
+    gtk_widget_show(editWin); // not what it hides inside
+}
+
+} // namespace zel

@@ -1,0 +1,111 @@
+#pragma once
+
+// The rows of the item table, and a tree model that shows some of them in some order.
+//
+// One array holds a row for each used item. Three models stand on it: all rows, those that pass the
+// filter, and those again in the order shown. A model holds row numbers only and computes a cell
+// when it is asked for it, so that a large source costs a few bytes per item and nothing is copied.
+// Rows are exchanged as a whole, while no view watches.
+
+#include <gtk/gtk.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "source/model.h"
+
+// Columns of all three models.
+enum tab_column {
+    COL_SHOWN,  // boolean, TRUE
+    COL_ICON,   // pixbuf: the active one for the current row, else the passive one
+    COL_POS,    // int, position number 1, 2, 3 ... in file order
+    COL_TIME,   // unsigned int, the item's ctime
+    COL_DATE,   // string, "%Y-%m-%d %H:%M:%S" of it
+    COL_READY,  // boolean
+    COL_GROUP,  // string
+    COL_ITEM,   // string
+    COL_LANG1,  // string, start of the first line in the first shown language; null in mode 0
+    COL_LANG2,  // string, the same in the second
+    COL_SOURCE, // pointer, LangSource
+    COL_RECORD, // pointer, item_t
+    COL_COUNT
+};
+
+namespace zel {
+
+// A used item of the source. Its place in the array plus one is its position number.
+struct tab_row {
+    edit_t *group;
+    item_t *item;
+};
+
+struct tab_rows {
+    LangSource *source = nullptr; // not owned
+    std::vector<tab_row> rows;
+    bool with_langs = false;            // the language columns are shown
+    std::unique_ptr<std::string> lang1; // names of the shown languages; null when there is none
+    std::unique_ptr<std::string> lang2;
+    int active = -1;                 // the current row
+    GdkPixbuf *pix_active = nullptr; // owned
+    GdkPixbuf *pix_passive = nullptr;
+
+    tab_rows() = default;
+    ~tab_rows();
+    tab_rows(const tab_rows &) = delete;
+    tab_rows &operator=(const tab_rows &) = delete;
+};
+
+// A row's text in a language as the list shows it: the start of its first line, 32 characters at
+// most; a blank when there is none.
+[[nodiscard]] std::string tab_lang_text(item_t *item, const std::string *lang);
+
+// Drops all rows of the source that is gone; the models stay usable and empty once their own row
+// numbers are set anew.
+void tab_rows_clear(tab_rows &rows);
+
+} // namespace zel
+
+#define ZEL_TYPE_TAB_MODEL (zel_tab_model_get_type())
+#define ZEL_TAB_MODEL(object)                                                                      \
+    (G_TYPE_CHECK_INSTANCE_CAST((object), ZEL_TYPE_TAB_MODEL, ZelTabModel))
+#define ZEL_IS_TAB_MODEL(object) (G_TYPE_CHECK_INSTANCE_TYPE((object), ZEL_TYPE_TAB_MODEL))
+
+struct ZelTabModel {
+    GObject object;
+    std::shared_ptr<zel::tab_rows> *rows; // shared with the other models
+    std::vector<std::uint32_t> *shown;    // row numbers in the order shown
+    int stamp;                            // of the iterators that are valid now
+    int sort_id;                          // COL_POS, COL_TIME, COL_READY; or unsorted (below 0)
+    GtkSortType sort_order;
+};
+
+struct ZelTabModelClass {
+    GObjectClass parent_class;
+};
+
+GType zel_tab_model_get_type();
+
+// An empty model over the rows; owned by the caller.
+[[nodiscard]] ZelTabModel *zel_tab_model_new(std::shared_ptr<zel::tab_rows> rows);
+
+// Shows exactly these rows, sorted when the model is sorted. No view may watch: nothing is emitted.
+void zel_tab_model_show(ZelTabModel *model, std::vector<std::uint32_t> shown);
+
+// Number of rows shown; the row number at a place or an iterator, and the place of a row number
+// (-1: not shown).
+int zel_tab_model_count(ZelTabModel *model);
+int zel_tab_model_row_at(ZelTabModel *model, int place);
+int zel_tab_model_row_of(ZelTabModel *model, const GtkTreeIter *iter);
+int zel_tab_model_place_of(ZelTabModel *model, int row);
+
+// Tells the view that a row's cells are to be drawn anew; nothing when it is not shown.
+void zel_tab_model_row_changed(ZelTabModel *model, int row);
+
+// Brings the rows into order after a value changed that they are sorted by.
+void zel_tab_model_resort(ZelTabModel *model);
+
+// Compares two rows by a sort id: -1, 0 or 1; 0 for an id that is none.
+int sort_iter_compare_func(const zel::tab_row &a, std::uint32_t pos_a, const zel::tab_row &b,
+                           std::uint32_t pos_b, int sort_id);

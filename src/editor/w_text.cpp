@@ -1,0 +1,490 @@
+#include "editor/w_text.h"
+
+#include "app/global.h"
+#include "editor/ui-text.h"
+#include "source/misc.h"
+#include "support/log-print.h"
+#include "support/zel_malloc.h"
+
+#include <cstring>
+#include <string>
+
+namespace {
+
+constexpr int comment_height = 60;
+constexpr int trans_height = 80;
+constexpr int comment_min_height = 26; // what a small window leaves of them
+constexpr int trans_min_height = 40;
+constexpr int used_in_width = 220;
+constexpr int margin = 6;
+
+// What a field consists of; a row per field, in the order of text_field.
+struct field_t {
+    GtkWidget *Zeltext::*view;
+    GtkWidget *Zeltext::*label;
+    lang_entry_t *Zeltext::*entry;
+    GList *item_t::*entries;
+    const char *caption;
+    int height;
+    int min_height;
+    const char *log;
+};
+
+constexpr field_t fields[] = {
+    {&Zeltext::trans1_view, &Zeltext::trans1_label, &Zeltext::trans1_entry, &item_t::langs,
+     "Translation", trans_height, trans_min_height, "zel_text_update: get Lang 1 entry\n"},
+    {&Zeltext::trans2_view, &Zeltext::trans2_label, &Zeltext::trans2_entry, &item_t::langs,
+     "Translation", trans_height, trans_min_height, "zel_text_update: get Lang 2 entry\n"},
+    {&Zeltext::comment1_view, &Zeltext::comment1_label, &Zeltext::comment1_entry, &item_t::comments,
+     "Comment", comment_height, comment_min_height, "zel_text_update: get Komment 1 entry\n"},
+    {&Zeltext::comment2_view, &Zeltext::comment2_label, &Zeltext::comment2_entry, &item_t::comments,
+     "Comment", comment_height, comment_min_height, "zel_text_update: get Komment 2 entry\n"},
+};
+static_assert(std::size(fields) == TEXT_FIELDS);
+
+// The order in which fields are filled and written back: a language's comment before its text.
+constexpr int field_order[] = {TEXT_COMMENT1, TEXT_TRANS1, TEXT_COMMENT2, TEXT_TRANS2};
+
+GtkTextBuffer *buffer_of(GtkWidget *view) { return gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)); }
+
+void append_text(GtkWidget *view, const char *text)
+{
+    GtkTextBuffer *buffer = buffer_of(view);
+    GtkTextIter end;
+    gtk_text_buffer_get_end_iter(buffer, &end);
+    gtk_text_buffer_insert(buffer, &end, zel::utf8_shown(text).c_str(), -1);
+}
+
+void zel_text_changed(GtkTextBuffer *, gpointer dirty)
+{
+    if (lang_global.text_lock != 0)
+        return;
+    *static_cast<int *>(dirty) = 1;
+    lang_global.modified = 1;
+}
+
+// --- Construction ------------------------------------------------------------------------------
+
+GtkWidget *make_caption(GtkWidget *view)
+{
+    GtkWidget *label = gtk_label_new(nullptr);
+    gtk_misc_set_alignment(GTK_MISC(label), 0.0F, 0.5F);
+    gtk_label_set_ellipsize(GTK_LABEL(label), PANGO_ELLIPSIZE_END);
+    gtk_label_set_mnemonic_widget(GTK_LABEL(label), view);
+    return label;
+}
+
+GtkWidget *make_text_view(int height)
+{
+    GtkWidget *view = gtk_text_view_new();
+    GtkTextView *text_view = GTK_TEXT_VIEW(view);
+    gtk_text_view_set_wrap_mode(text_view, GTK_WRAP_WORD_CHAR);
+    gtk_text_view_set_left_margin(text_view, margin);
+    gtk_text_view_set_right_margin(text_view, margin);
+    gtk_text_view_set_pixels_above_lines(text_view, 2);
+    gtk_text_view_set_accepts_tab(text_view, FALSE);
+    gtk_widget_set_size_request(view, -1, height);
+    return view;
+}
+
+// The view scrolls in its frame, so that long texts fit and a small window may be lower than the
+// views ask for.
+GtkWidget *make_view_frame(GtkWidget *view, int min_height)
+{
+    GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
+    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER,
+                                   GTK_POLICY_AUTOMATIC);
+    gtk_container_add(GTK_CONTAINER(scrolled), view);
+    gtk_widget_set_size_request(scrolled, -1, min_height);
+    GtkWidget *frame = gtk_frame_new(nullptr);
+    gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_IN);
+    gtk_container_add(GTK_CONTAINER(frame), scrolled);
+    return frame;
+}
+
+void make_field(Zeltext *text, int number, GtkWidget *box)
+{
+    const field_t &field = fields[number];
+    GtkWidget *view = make_text_view(field.height);
+    GtkWidget *label = make_caption(view);
+    gtk_box_pack_start(GTK_BOX(box), label, FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), make_view_frame(view, field.min_height), TRUE, TRUE, 0);
+    g_signal_connect(buffer_of(view), "changed", G_CALLBACK(zel_text_changed),
+                     &text->dirty[number]);
+    text->*field.view = view;
+    text->*field.label = label;
+}
+
+GtkWidget *make_language_frame(Zeltext *text, int comment, int trans)
+{
+    GtkWidget *box = gtk_vbox_new(FALSE, 2);
+    make_field(text, comment, box);
+    make_field(text, trans, box);
+    GtkWidget *frame = gtk_frame_new(nullptr);
+    gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_NONE);
+    gtk_container_add(GTK_CONTAINER(frame), box);
+    return frame;
+}
+
+void name_for_readers(GtkWidget *widget, const char *name)
+{
+    atk_object_set_name(gtk_widget_get_accessible(widget), name);
+}
+
+void make_identity(Zeltext *text, GtkWidget *box)
+{
+    text->description_label = gtk_label_new(nullptr);
+    gtk_widget_set_size_request(text->description_label, 60, -1);
+    gtk_misc_set_alignment(GTK_MISC(text->description_label), 0.0F, 0.5F);
+    gtk_label_set_ellipsize(GTK_LABEL(text->description_label), PANGO_ELLIPSIZE_END);
+    gtk_box_pack_start(GTK_BOX(box), text->description_label, FALSE, FALSE, 0);
+
+    text->name_entry = gtk_entry_new();
+    gtk_editable_set_editable(GTK_EDITABLE(text->name_entry), FALSE);
+    name_for_readers(text->name_entry, zel::ui_text("tab-edit", "Item"));
+    gtk_box_pack_start(GTK_BOX(box), text->name_entry, FALSE, FALSE, 0);
+
+    if (lang_global.editor_mode != 2)
+        return;
+    text->name_edit_entry = gtk_entry_new();
+    name_for_readers(text->name_edit_entry, zel::ui_text("tab-edit", "Item"));
+    gtk_box_pack_start(GTK_BOX(box), text->name_edit_entry, FALSE, FALSE, 0);
+}
+
+GtkWidget *make_used_in(Zeltext *text)
+{
+    text->used_in_view = make_text_view(-1);
+    gtk_widget_set_sensitive(text->used_in_view, FALSE);
+    name_for_readers(text->used_in_view, zel::ui_text("text", "Used in"));
+    GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
+    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
+                                   GTK_POLICY_AUTOMATIC);
+    gtk_scrolled_window_add_with_viewport(GTK_SCROLLED_WINDOW(scrolled), text->used_in_view);
+    GtkWidget *viewport = gtk_bin_get_child(GTK_BIN(scrolled));
+    gtk_viewport_set_shadow_type(GTK_VIEWPORT(viewport), GTK_SHADOW_NONE);
+    GtkWidget *frame = gtk_frame_new(nullptr);
+    gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_IN);
+    gtk_widget_set_size_request(frame, used_in_width, -1);
+    gtk_container_add(GTK_CONTAINER(frame), scrolled);
+    return frame;
+}
+
+void instance_init(GTypeInstance *instance, gpointer)
+{
+    Zeltext *text = ZEL_TEXT(instance);
+    gtk_frame_set_shadow_type(GTK_FRAME(text), GTK_SHADOW_NONE);
+    GtkWidget *panes = gtk_hbox_new(FALSE, 2);
+    gtk_container_set_border_width(GTK_CONTAINER(panes), margin);
+    GtkWidget *box = gtk_vbox_new(FALSE, 2);
+    make_identity(text, box);
+    text->lang1_frame = make_language_frame(text, TEXT_COMMENT1, TEXT_TRANS1);
+    text->lang2_frame = make_language_frame(text, TEXT_COMMENT2, TEXT_TRANS2);
+    gtk_box_pack_start(GTK_BOX(box), text->lang1_frame, TRUE, TRUE, 0);
+    gtk_box_pack_start(GTK_BOX(box), text->lang2_frame, TRUE, TRUE, 0);
+    gtk_box_pack_start(GTK_BOX(panes), box, TRUE, TRUE, 0);
+    if (lang_global.editor_mode != 0)
+        gtk_box_pack_start(GTK_BOX(panes), make_used_in(text), FALSE, FALSE, 0);
+    gtk_container_add(GTK_CONTAINER(text), panes);
+    gtk_widget_show_all(panes);
+}
+
+gpointer parent_class;
+
+void finalize(GObject *object)
+{
+    Zeltext *text = ZEL_TEXT(object);
+    zel::replace_string(text->group_name, nullptr);
+    zel::replace_string(text->item_name, nullptr);
+    G_OBJECT_CLASS(parent_class)->finalize(object);
+}
+
+void class_init(gpointer klass, gpointer)
+{
+    parent_class = g_type_class_peek_parent(klass);
+    G_OBJECT_CLASS(klass)->finalize = finalize;
+}
+
+// --- Showing -----------------------------------------------------------------------------------
+
+// text_lock stays set while the panel is empty: what happens to the hidden views is no edit.
+void show_nothing(Zeltext *text)
+{
+    text->lang_source = nullptr;
+    text->item = nullptr;
+    if (text->used_in_view != nullptr) {
+        gtk_widget_hide(text->used_in_view);
+        clear_text_view_buffer(text->used_in_view);
+    }
+    for (const field_t &field : fields) {
+        gtk_widget_hide(text->*field.view);
+        clear_text_view_buffer(text->*field.view);
+    }
+    gtk_label_set_text(GTK_LABEL(text->description_label), "");
+    gtk_entry_set_text(GTK_ENTRY(text->name_entry), "");
+    if (text->name_edit_entry != nullptr)
+        gtk_entry_set_text(GTK_ENTRY(text->name_edit_entry), "");
+}
+
+void show_used_in(Zeltext *text)
+{
+    if (text->used_in_view == nullptr)
+        return;
+    gtk_widget_show(text->used_in_view);
+    clear_text_view_buffer(text->used_in_view);
+    for (const char *place : zel::each<char>(text->item->used_in)) {
+        lang_check_utf8(nullptr, text->pos, "used_in", place);
+        append_text(text->used_in_view, place);
+        append_text(text->used_in_view, "\n");
+    }
+}
+
+void show_field(Zeltext *text, int number, const char *lang)
+{
+    const field_t &field = fields[number];
+    GtkWidget *view = text->*field.view;
+    std::string caption = zel::ui_text("text", field.caption);
+    caption += " \"" + zel::utf8_shown(lang) + "\"";
+    gtk_label_set_text(GTK_LABEL(text->*field.label), caption.c_str());
+    name_for_readers(view, caption.c_str());
+
+    GList *&entries = text->item->*field.entries;
+    lang_entry_t *entry = zel_insert_lang(view, lang, entries);
+    if (entry == nullptr) {
+        entry = alloc_lang_entry(lang);
+        if (entry != nullptr)
+            entries = g_list_append(entries, entry);
+    }
+    text->*field.entry = entry;
+    gtk_widget_show(view);
+}
+
+void show_language(Zeltext *text, GtkWidget *frame, int comment, int trans, const char *lang)
+{
+    if (lang == nullptr) {
+        gtk_widget_hide(frame);
+        return;
+    }
+    show_field(text, comment, lang);
+    show_field(text, trans, lang);
+    gtk_widget_show(frame);
+}
+
+void show_identity(Zeltext *text)
+{
+    const std::string description = zel::utf8_shown(text->item->description);
+    gtk_label_set_text(GTK_LABEL(text->description_label), description.c_str());
+    gtk_widget_set_tooltip_text(text->description_label,
+                                description.empty() ? nullptr : description.c_str());
+
+    zel::replace_string(text->item_name, zel_strdup(text->item->name));
+    const std::string name = zel::utf8_shown(text->item_name);
+    std::string identity;
+    if (text->item_name != nullptr && text->group_name != nullptr)
+        identity = "(" + std::to_string(text->pos) + ")  " + zel::utf8_shown(text->group_name) +
+                   ":" + name;
+    else if (text->item_name != nullptr)
+        identity = "unknown group:" + name;
+    gtk_entry_set_text(GTK_ENTRY(text->name_entry), identity.c_str());
+    if (text->name_edit_entry != nullptr)
+        gtk_entry_set_text(GTK_ENTRY(text->name_edit_entry), name.c_str());
+}
+
+void show_item(Zeltext *text)
+{
+    const char *lang1 = nullptr;
+    const char *lang2 = nullptr;
+    misc_select_edit_lang(text->lang_source, &lang1, &lang2);
+    show_used_in(text);
+    for (const field_t &field : fields) {
+        gtk_label_set_text(GTK_LABEL(text->*field.label), "");
+        clear_text_view_buffer(text->*field.view);
+    }
+    show_language(text, text->lang1_frame, TEXT_COMMENT1, TEXT_TRANS1, lang1);
+    show_language(text, text->lang2_frame, TEXT_COMMENT2, TEXT_TRANS2, lang2);
+    show_identity(text);
+}
+
+// --- Reading back ------------------------------------------------------------------------------
+
+// Drops blank lines at the end of the text and the line end of the line that is last then.
+GList *trim_lines(GList *lines)
+{
+    for (GList *last = g_list_last(lines); last != nullptr; last = g_list_last(lines)) {
+        char *line = static_cast<char *>(last->data);
+        if (line[std::strspn(line, " \t\n\v\f\r")] != '\0') {
+            line[std::strcspn(line, "\n\r")] = '\0';
+            break;
+        }
+        zel::free_string(line);
+        lines = g_list_delete_link(lines, last);
+    }
+    return lines;
+}
+
+} // namespace
+
+GType zel_text_get_type()
+{
+    static GType type = 0;
+    if (type != 0)
+        return type;
+    GTypeInfo info{};
+    info.class_size = sizeof(ZeltextClass);
+    info.class_init = class_init;
+    info.instance_size = sizeof(Zeltext);
+    info.instance_init = instance_init;
+    type = g_type_register_static(GTK_TYPE_FRAME, "Zeltext", &info, GTypeFlags{});
+    return type;
+}
+
+GtkWidget *zel_text_new() { return GTK_WIDGET(g_object_new(ZEL_TYPE_TEXT, nullptr)); }
+
+int zel_text_set_pos(GtkWidget *widget, int pos)
+{
+    g_return_val_if_fail(widget != NULL, 0);
+    g_return_val_if_fail(ZEL_IS_TEXT(widget), 0);
+    ZEL_TEXT(widget)->pos = pos;
+    return 1;
+}
+
+int zel_text_set_group_name(GtkWidget *widget, const char *name)
+{
+    g_return_val_if_fail(widget != NULL, 0);
+    g_return_val_if_fail(ZEL_IS_TEXT(widget), 0);
+    zel::replace_string(ZEL_TEXT(widget)->group_name, zel_strdup2(name));
+    return 1;
+}
+
+int zel_text_set(GtkWidget *widget, LangSource *source, item_t *item, int update)
+{
+    g_return_val_if_fail(widget != NULL, 0);
+    g_return_val_if_fail(ZEL_IS_TEXT(widget), 0);
+    Zeltext *text = ZEL_TEXT(widget);
+    LogPrint(1, "zel_text_set: entry\n");
+    lang_global.text_lock = 1;
+    if (update != 0)
+        zel_text_update(widget);
+    for (const field_t &field : fields)
+        text->*field.entry = nullptr;
+    if (source == nullptr || item == nullptr) {
+        show_nothing(text);
+        return 1;
+    }
+    text->lang_source = source;
+    text->item = item;
+    show_item(text);
+    for (int &dirty : text->dirty)
+        dirty = 0;
+    LogPrint(1, "zel_text_set: exit\n");
+    lang_global.text_lock = 0;
+    return 1;
+}
+
+int zel_text_update(GtkWidget *widget)
+{
+    g_return_val_if_fail(widget != NULL, 0);
+    g_return_val_if_fail(ZEL_IS_TEXT(widget), 0);
+    Zeltext *text = ZEL_TEXT(widget);
+    bool written = false;
+    for (const int number : field_order) {
+        const field_t &field = fields[number];
+        if (text->*field.entry == nullptr || text->dirty[number] == 0)
+            continue;
+        LogPrint(1, "%s", field.log);
+        zel_get_text(text->*field.view, text->*field.entry);
+        written = true;
+    }
+    if (written && text->item != nullptr)
+        text->item->changed = 1;
+    return 1;
+}
+
+lang_entry_t *zel_insert_lang(GtkWidget *view, const char *lang, GList *entries)
+{
+    lang_entry_t *entry = zel_get_lang_entry(entries, lang);
+    if (entry == nullptr)
+        return nullptr;
+    for (const char *line : zel::each<char>(entry->texts)) {
+        if (line == nullptr || *line == '\0')
+            continue;
+        LogPrint(1, "zel_insert_text: ->%s<-\n", line);
+        lang_check_utf8(nullptr, 0, lang, line);
+        append_text(view, line);
+    }
+    return entry;
+}
+
+void zel_get_text(GtkWidget *view, lang_entry_t *entry)
+{
+    free_lang_entry_text(entry->texts);
+    entry->texts = nullptr;
+    zel::list_tail tail(entry->texts);
+    GtkTextBuffer *buffer = buffer_of(view);
+    GtkTextIter start;
+    gtk_text_buffer_get_start_iter(buffer, &start);
+    while (!gtk_text_iter_is_end(&start)) {
+        GtkTextIter end = start;
+        gtk_text_iter_forward_line(&end);
+        gchar *line = gtk_text_buffer_get_text(buffer, &start, &end, TRUE);
+        tail.append(zel_strdup2(line));
+        g_free(line);
+        start = end;
+    }
+    entry->texts = trim_lines(entry->texts);
+}
+
+void clear_text_view_buffer(GtkWidget *view)
+{
+    GtkTextIter start;
+    GtkTextIter end;
+    gtk_text_buffer_get_bounds(buffer_of(view), &start, &end);
+    gtk_text_buffer_delete(buffer_of(view), &start, &end);
+}
+
+lang_entry_t *zel_get_lang_entry(GList *entries, const char *lang)
+{
+    if (lang == nullptr)
+        return nullptr;
+    for (lang_entry_t *entry : zel::each<lang_entry_t>(entries)) {
+        if (entry->lang != nullptr && std::strcmp(entry->lang, lang) == 0)
+            return entry;
+    }
+    return nullptr;
+}
+
+GList *zel_get_lang_list(GList *entries, const char *lang)
+{
+    const lang_entry_t *entry = zel_get_lang_entry(entries, lang);
+    return entry == nullptr ? nullptr : entry->texts;
+}
+
+const char *zel_get_first_lang_entry(GList *entries, const char *lang)
+{
+    const GList *texts = zel_get_lang_list(entries, lang);
+    return texts == nullptr ? nullptr : static_cast<const char *>(texts->data);
+}
+
+namespace zel {
+
+int text_focused_field(Zeltext *text)
+{
+    for (int number = 0; number < TEXT_FIELDS; ++number) {
+        if (gtk_widget_is_focus(text->*fields[number].view))
+            return number;
+    }
+    return -1;
+}
+
+bool text_focus_field(Zeltext *text, int field)
+{
+    if (field < 0 || field >= TEXT_FIELDS || text->*fields[field].entry == nullptr)
+        return false;
+    GtkWidget *view = text->*fields[field].view;
+    GtkTextIter end;
+    gtk_text_buffer_get_end_iter(buffer_of(view), &end);
+    gtk_text_buffer_place_cursor(buffer_of(view), &end);
+    gtk_widget_grab_focus(view);
+    return true;
+}
+
+} // namespace zel

@@ -1,0 +1,89 @@
+#pragma once
+
+// The text panel beside the item list: the selected item's identity and, for each of the two shown
+// languages, a comment and a translation to edit.
+//
+// The fields are bound to the item's entries of the model; what was typed goes back into them with
+// zel_text_update, which zel_text_set does for the item before. The item must live until then.
+// The operations return 1, or 0 after a GLib warning when the widget is null or another one.
+
+#include <gtk/gtk.h>
+
+#include "source/model.h"
+
+#define ZEL_TYPE_TEXT (zel_text_get_type())
+#define ZEL_TEXT(object) (G_TYPE_CHECK_INSTANCE_CAST((object), ZEL_TYPE_TEXT, Zeltext))
+#define ZEL_IS_TEXT(object) (G_TYPE_CHECK_INSTANCE_TYPE((object), ZEL_TYPE_TEXT))
+
+// Places in Zeltext::dirty, and numbers of the fields.
+enum text_field { TEXT_TRANS1, TEXT_TRANS2, TEXT_COMMENT1, TEXT_COMMENT2, TEXT_FIELDS };
+
+struct Zeltext {
+    GtkFrame frame;
+    GtkWidget *description_label; // the item's description
+    GtkWidget *name_entry;        // "(%d)  %s:%s", not editable
+    GtkWidget *name_edit_entry;   // mode 2: the item's name; never read back
+    GtkWidget *lang1_frame;
+    GtkWidget *lang2_frame;
+    GtkWidget *comment1_label;
+    GtkWidget *trans1_label;
+    GtkWidget *comment2_label;
+    GtkWidget *trans2_label;
+    GtkWidget *comment1_view;
+    GtkWidget *comment2_view;
+    GtkWidget *trans1_view;
+    GtkWidget *trans2_view;
+    GtkWidget *used_in_view;    // modes 1 and 2: where the item is used
+    int dirty[TEXT_FIELDS];     // the field was typed in since it was filled
+    lang_entry_t *trans1_entry; // what the fields are bound to, or null
+    lang_entry_t *trans2_entry;
+    lang_entry_t *comment1_entry;
+    lang_entry_t *comment2_entry;
+    LangSource *lang_source; // of the shown item
+    item_t *item;            // the shown item, or null
+    char *group_name;        // owned, or null
+    char *item_name;         // owned, or null
+    int pos;
+};
+
+struct ZeltextClass {
+    GtkFrameClass parent_class;
+};
+
+GType zel_text_get_type();
+GtkWidget *zel_text_new();
+
+// The position number and group for the next zel_text_set; a null name drops the group.
+int zel_text_set_pos(GtkWidget *widget, int pos);
+int zel_text_set_group_name(GtkWidget *widget, const char *name);
+
+// Shows an item, with an empty entry made for every field that has none; without a source or an
+// item the panel is emptied. update: pending edits of the item before are stored first.
+int zel_text_set(GtkWidget *widget, LangSource *source, item_t *item, int update);
+
+// Stores the fields that were typed in.
+int zel_text_update(GtkWidget *widget);
+
+// Fills the view from the first entry of that language: that entry, or null.
+lang_entry_t *zel_insert_lang(GtkWidget *view, const char *lang, GList *entries);
+
+// Stores the view's text as the entry's lines. Every line but the last keeps its line end; blank
+// lines at the end are dropped.
+void zel_get_text(GtkWidget *view, lang_entry_t *entry);
+
+void clear_text_view_buffer(GtkWidget *view);
+
+// Of the first entry of that language: the entry, its lines, its first line; null without one.
+lang_entry_t *zel_get_lang_entry(GList *entries, const char *lang);
+GList *zel_get_lang_list(GList *entries, const char *lang);
+const char *zel_get_first_lang_entry(GList *entries, const char *lang);
+
+namespace zel {
+
+// The field (text_field) that has the keyboard, or -1.
+int text_focused_field(Zeltext *text);
+
+// Gives a field the keyboard, with the caret behind its text; false when it is not shown.
+bool text_focus_field(Zeltext *text, int field);
+
+} // namespace zel

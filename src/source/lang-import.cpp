@@ -1,0 +1,119 @@
+#include "source/lang-import.h"
+
+#include "langlib/lang.h"
+#include "support/log-print.h"
+#include "support/zel_malloc.h"
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+int refuse(int result, const char *message)
+{
+    LogPrint(1, "%s", message);
+    return result;
+}
+
+int check(const LangSource *source, const lang_handle_t *handle)
+{
+    if (source == nullptr)
+        return refuse(1, "lang_import: ERROR Group null ptr\n");
+    if (handle == nullptr)
+        return refuse(2, "lang_import: ERROR Lang null ptr\n");
+    if (handle->lang == nullptr)
+        return refuse(3, "lang_import: ERROR Lang->lang null ptr\n");
+    if (handle->language == nullptr)
+        return refuse(4, "lang_import: ERROR Lang->language null ptr\n");
+    return 0;
+}
+
+bool defines(const LangSource *source, const char *language)
+{
+    for (const lang_t *lang : zel::each<lang_t>(source->langs)) {
+        dbg_printf("lang_desc >%s<\n", lang->name == nullptr ? "" : lang->name);
+        if (lang->name != nullptr && std::strcmp(lang->name, language) == 0) {
+            dbg_printf("language ->%s< exist\n", language);
+            return true;
+        }
+    }
+    return false;
+}
+
+void define(LangSource *source, const char *language)
+{
+    lang_t *lang = alloc_lang();
+    if (lang == nullptr)
+        return;
+    std::array<char, 2048> file{};
+    std::snprintf(file.data(), file.size(), "%s.lang", language);
+    lang->name = zel_strdup(language);
+    lang->file = zel_strdup(file.data());
+    source->langs = g_list_append(source->langs, lang);
+}
+
+lang_entry_t *find_entry(const item_t *item, const char *language)
+{
+    for (lang_entry_t *entry : zel::each<lang_entry_t>(item->langs)) {
+        if (entry->lang != nullptr && std::strcmp(entry->lang, language) == 0)
+            return entry;
+    }
+    return nullptr;
+}
+
+void set_text(item_t *item, const char *language, const char *text)
+{
+    lang_entry_t *entry = find_entry(item, language);
+    if (entry != nullptr) {
+        dbg_printf("      found, replace\n");
+        free_lang_entry_text(entry->texts);
+        entry->texts = nullptr;
+    } else {
+        dbg_printf("      not found found, append\n");
+        entry = alloc_lang_entry(language);
+        if (entry == nullptr)
+            return;
+        item->langs = g_list_append(item->langs, entry);
+    }
+    entry->texts = g_list_append(nullptr, zel_strdup(text));
+}
+
+void import_item(const edit_t *group, item_t *item, lang_handle_t *handle)
+{
+    if (item->name == nullptr)
+        dbg_printf("  item UNKNOWN\n");
+    else
+        dbg_printf("  item >%s<\n", item->name);
+    // What has no name is never found; the lookup would take the empty name for it.
+    const bool named = group->name != nullptr && item->name != nullptr;
+    std::int32_t found = 0;
+    const char *text = named ? __lang_get_str(handle, group->name, item->name, &found, __FILE__,
+                                              __LINE__)
+                             : nullptr;
+    dbg_printf("    text >%s:%s< >%s<\n", group->name == nullptr ? "" : group->name,
+               item->name == nullptr ? "" : item->name, text == nullptr ? "" : text);
+    if (text != nullptr)
+        set_text(item, handle->language, text);
+}
+
+} // namespace
+
+int lang_import(LangSource *source, lang_handle_t *handle)
+{
+    if (const int refused = check(source, handle))
+        return refused;
+    dbg_printf("lang->languages >%s<\n", handle->language);
+    if (!defines(source, handle->language))
+        define(source, handle->language);
+    for (const edit_t *group : zel::each<edit_t>(source->groups)) {
+        if (group->name == nullptr)
+            dbg_printf("group UNKNOWN\n");
+        else
+            dbg_printf("group >%s<\n", group->name);
+        for (item_t *item : zel::each<item_t>(group->items))
+            import_item(group, item, handle);
+    }
+    return 0;
+}
