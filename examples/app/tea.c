@@ -12,9 +12,9 @@
 #include <stdlib.h>
 #include <string.h>
 
-#define ZEL_LANGUAGE_APP                                                                           \
-    "tea"                                                                                          \
-    "1.0"
+/* clang-format off */
+#define ZEL_LANGUAGE_APP "tea" "1.0"
+/* clang-format on */
 
 /* A text that has no place of its own in a request: the checker knows it by this name. */
 #define NOTHING_LEFT "Nothing is left on the shelf."
