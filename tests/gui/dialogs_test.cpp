@@ -137,7 +137,7 @@ TEST_F(Dialogs, SeveralFilesAreFilteredByTheirPatterns)
         EXPECT_TRUE(passes("a.one"));
         EXPECT_TRUE(passes("b.two"));
         EXPECT_FALSE(passes("c.three"));
-        // The folder comes in by and by.
+        settle(300); // the folder comes in by and by
         EXPECT_TRUE(wait_for([chooser] {
             gtk_file_chooser_select_all(chooser);
             GSList *chosen = gtk_file_chooser_get_filenames(chooser);
