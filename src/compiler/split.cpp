@@ -64,12 +64,16 @@ bool open_lang_file(lang_t *lang, const char *destination)
 
 // ---- The text
 
+// Letters of two cases differ in one bit: names that differ in another are told apart here.
+bool may_be_equal(char a, char b) { return ((a ^ b) & ~0x20) == 0; }
+
 lang_entry_t *find_entry(item_t *item, const char *lang)
 {
     if (lang == nullptr)
         return nullptr;
     for (lang_entry_t *entry : zel::each<lang_entry_t>(item->langs))
-        if (entry->lang != nullptr && strcasecmp(entry->lang, lang) == 0)
+        if (entry->lang != nullptr && may_be_equal(*entry->lang, *lang) &&
+            strcasecmp(entry->lang, lang) == 0)
             return entry;
     return nullptr;
 }

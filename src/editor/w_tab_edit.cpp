@@ -51,11 +51,12 @@ const zel::tab_row *selected_row(ZelTabEdit *tab, int *number = nullptr)
     return row < 0 ? nullptr : &rows_of(tab).rows[static_cast<std::size_t>(row)];
 }
 
-void remember_selected(ZelTabEdit *tab)
+// Keeps where the row stands in the list; -1 for no row.
+void remember_selected(ZelTabEdit *tab, int row)
 {
     if (tab->selected_path != nullptr)
         gtk_tree_path_free(tab->selected_path);
-    const int place = selected_place(tab);
+    const int place = row < 0 ? -1 : zel_tab_model_place_of(shown_rows(tab), row);
     tab->selected_path = place < 0 ? nullptr : gtk_tree_path_new_from_indices(place, -1);
 }
 
@@ -73,10 +74,8 @@ void mark_row(ZelTabEdit *tab, int row)
 void ready_changed(ZelTabEdit *tab, int row)
 {
     zel_tab_model_row_changed(shown_rows(tab), row);
-    if (shown_rows(tab)->sort_id != COL_READY)
-        return;
-    zel_tab_model_resort(shown_rows(tab));
-    remember_selected(tab);
+    if (shown_rows(tab)->sort_id == COL_READY)
+        zel_tab_model_resort(shown_rows(tab));
 }
 
 // --- Handlers ----------------------------------------------------------------------------------
@@ -149,7 +148,7 @@ void tree_selection_changed_cb(GtkTreeSelection *, gpointer data)
     empty_text(tab, lang_global.importing != 0 ? 0 : 1);
     int number = -1;
     const zel::tab_row *row = selected_row(tab, &number);
-    remember_selected(tab);
+    remember_selected(tab, number);
     mark_row(tab, number);
     if (row != nullptr)
         show_row(tab, *row, number);
@@ -157,6 +156,15 @@ void tree_selection_changed_cb(GtkTreeSelection *, gpointer data)
         show_ready(tab, nullptr);
     if (field >= 0 && !zel::text_focus_field(ZEL_TEXT(tab->text_widget), field))
         gtk_widget_grab_focus(tab->view);
+}
+
+// In another order the selected row stays selected, and in sight. The list has moved it already.
+void rows_reordered_cb(GtkTreeModel *, GtkTreePath *, GtkTreeIter *, gpointer, gpointer data)
+{
+    ZelTabEdit *tab = ZEL_TAB_EDIT(data);
+    remember_selected(tab, rows_of(tab).active);
+    if (tab->selected_path != nullptr)
+        gtk_tree_view_scroll_to_cell(view_of(tab), tab->selected_path, nullptr, FALSE, 0, 0);
 }
 
 // Exchanges the rows while the list does not watch: a fraction of what a signal per row costs.
@@ -195,8 +203,7 @@ gboolean tree_filter_changed_cb(GtkWidget *, gpointer data)
     const bool in_text = zel::text_focused_field(ZEL_TEXT(tab->text_widget)) >= 0;
     if (selected_place(tab) >= 0) {
         mark_row(tab, -1);
-        gtk_tree_path_free(tab->selected_path);
-        tab->selected_path = nullptr;
+        remember_selected(tab, -1);
         empty_text(tab, 1);
         show_ready(tab, nullptr);
     }
@@ -277,9 +284,7 @@ void destroy_cb(GtkObject *, gpointer data)
     show_rows(tab, {});
     g_clear_object(&tab->pix_active);
     g_clear_object(&tab->pix_passive);
-    if (tab->selected_path != nullptr)
-        gtk_tree_path_free(tab->selected_path);
-    tab->selected_path = nullptr;
+    remember_selected(tab, -1);
     zel::tab_drop_shot();
 }
 
@@ -345,6 +350,7 @@ void make_models(ZelTabEdit *tab)
     tab->sort_model = GTK_TREE_MODEL(zel_tab_model_new(rows));
     gtk_tree_sortable_set_sort_column_id(GTK_TREE_SORTABLE(tab->sort_model), COL_POS,
                                          GTK_SORT_ASCENDING);
+    g_signal_connect_after(tab->sort_model, "rows-reordered", G_CALLBACK(rows_reordered_cb), tab);
     tab->rows = new std::shared_ptr<zel::tab_rows>(std::move(rows));
 }
 
@@ -375,6 +381,7 @@ GtkWidget *make_text_side(ZelTabEdit *tab)
     tab->ready_button = gtk_check_button_new_with_label(zel::ui_text("tab-edit", "Ready"));
     gtk_widget_set_tooltip_text(tab->ready_button, zel::ui_text("common", "Toggle ready (ALT+M)"));
     g_signal_connect(tab->ready_button, "toggled", G_CALLBACK(change_ready_cb), tab);
+    gtk_container_set_border_width(GTK_CONTAINER(tab->ready_button), 4);
     add_key(tab->ready_button, GDK_KEY_m, GDK_MOD1_MASK);
     gtk_box_pack_start(GTK_BOX(box), tab->text_widget, TRUE, TRUE, 0);
     gtk_box_pack_start(GTK_BOX(box), tab->ready_button, FALSE, FALSE, 0);

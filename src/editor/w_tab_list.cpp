@@ -30,13 +30,13 @@ constexpr column_t columns[] = {
     {"Date", cell::text, COL_DATE, COL_TIME, false, 200, PANGO_ELLIPSIZE_END},
     {"Ready", cell::ready, COL_READY, COL_READY, false, 0, PANGO_ELLIPSIZE_NONE},
     {"Group", cell::text, COL_GROUP, no_sort, false, 110, PANGO_ELLIPSIZE_MIDDLE},
-    {"Item", cell::text, COL_ITEM, no_sort, true, 160, PANGO_ELLIPSIZE_MIDDLE},
-    {"Language 1", cell::text, COL_LANG1, no_sort, true, 160, PANGO_ELLIPSIZE_END},
-    {"Language 2", cell::text, COL_LANG2, no_sort, true, 160, PANGO_ELLIPSIZE_END},
+    {"Item", cell::text, COL_ITEM, no_sort, true, 110, PANGO_ELLIPSIZE_MIDDLE},
+    {"Language 1", cell::text, COL_LANG1, no_sort, true, 100, PANGO_ELLIPSIZE_END},
+    {"Language 2", cell::text, COL_LANG2, no_sort, true, 100, PANGO_ELLIPSIZE_END},
 };
 
 constexpr int sampled_rows = 60;
-constexpr int cell_margin = 10; // what the view and the renderer leave free beside a text
+constexpr int cell_padding = 8; // of the renderer, and some air
 constexpr int sort_arrow = 20;  // room for the arrow of the column that is sorted by
 constexpr int icon_width = 20;
 
@@ -122,6 +122,17 @@ int widest_text(GtkTreeModel *model, const column_t &column, PangoLayout *layout
     return std::min(width, column.widest);
 }
 
+// What the view and the renderer leave free beside a text.
+int cell_margin(GtkTreeView *view)
+{
+    gint separator = 0;
+    gint line = 0;
+    gtk_widget_ensure_style(GTK_WIDGET(view));
+    gtk_widget_style_get(GTK_WIDGET(view), "horizontal-separator", &separator, "focus-line-width",
+                         &line, nullptr);
+    return separator + 2 * line + cell_padding;
+}
+
 } // namespace
 
 namespace zel {
@@ -152,6 +163,7 @@ void tab_list_autosize(GtkTreeView *view)
 {
     GtkTreeModel *model = gtk_tree_view_get_model(view);
     PangoLayout *layout = gtk_widget_create_pango_layout(GTK_WIDGET(view), nullptr);
+    const int margin = cell_margin(view);
     GList *list = gtk_tree_view_get_columns(view);
     for (GtkTreeViewColumn *column : each<GtkTreeViewColumn>(list)) {
         const auto *row =
@@ -161,7 +173,7 @@ void tab_list_autosize(GtkTreeView *view)
             width += sort_arrow;
         if (row->kind == cell::text)
             width = std::max(width, widest_text(model, *row, layout));
-        width = row->kind == cell::icon ? icon_width : width + cell_margin;
+        width = row->kind == cell::icon ? icon_width : width + margin;
         gtk_tree_view_column_set_fixed_width(column, width);
     }
     g_list_free(list);

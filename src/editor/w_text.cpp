@@ -13,6 +13,8 @@ namespace {
 
 constexpr int comment_height = 60;
 constexpr int trans_height = 80;
+constexpr int comment_min_height = 26; // what a small window leaves of them
+constexpr int trans_min_height = 40;
 constexpr int used_in_width = 220;
 constexpr int margin = 6;
 
@@ -24,18 +26,19 @@ struct field_t {
     GList *item_t::*entries;
     const char *caption;
     int height;
+    int min_height;
     const char *log;
 };
 
 constexpr field_t fields[] = {
     {&Zeltext::trans1_view, &Zeltext::trans1_label, &Zeltext::trans1_entry, &item_t::langs,
-     "Translation", trans_height, "zel_text_update: get Lang 1 entry\n"},
+     "Translation", trans_height, trans_min_height, "zel_text_update: get Lang 1 entry\n"},
     {&Zeltext::trans2_view, &Zeltext::trans2_label, &Zeltext::trans2_entry, &item_t::langs,
-     "Translation", trans_height, "zel_text_update: get Lang 2 entry\n"},
+     "Translation", trans_height, trans_min_height, "zel_text_update: get Lang 2 entry\n"},
     {&Zeltext::comment1_view, &Zeltext::comment1_label, &Zeltext::comment1_entry, &item_t::comments,
-     "Comment", comment_height, "zel_text_update: get Komment 1 entry\n"},
+     "Comment", comment_height, comment_min_height, "zel_text_update: get Komment 1 entry\n"},
     {&Zeltext::comment2_view, &Zeltext::comment2_label, &Zeltext::comment2_entry, &item_t::comments,
-     "Comment", comment_height, "zel_text_update: get Komment 2 entry\n"},
+     "Comment", comment_height, comment_min_height, "zel_text_update: get Komment 2 entry\n"},
 };
 static_assert(std::size(fields) == TEXT_FIELDS);
 
@@ -86,12 +89,13 @@ GtkWidget *make_text_view(int height)
 
 // The view scrolls in its frame, so that long texts fit and a small window may be lower than the
 // views ask for.
-GtkWidget *make_view_frame(GtkWidget *view)
+GtkWidget *make_view_frame(GtkWidget *view, int min_height)
 {
     GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
     gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER,
                                    GTK_POLICY_AUTOMATIC);
     gtk_container_add(GTK_CONTAINER(scrolled), view);
+    gtk_widget_set_size_request(scrolled, -1, min_height);
     GtkWidget *frame = gtk_frame_new(nullptr);
     gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_IN);
     gtk_container_add(GTK_CONTAINER(frame), scrolled);
@@ -104,7 +108,7 @@ void make_field(Zeltext *text, int number, GtkWidget *box)
     GtkWidget *view = make_text_view(field.height);
     GtkWidget *label = make_caption(view);
     gtk_box_pack_start(GTK_BOX(box), label, FALSE, FALSE, 0);
-    gtk_box_pack_start(GTK_BOX(box), make_view_frame(view), TRUE, TRUE, 0);
+    gtk_box_pack_start(GTK_BOX(box), make_view_frame(view, field.min_height), TRUE, TRUE, 0);
     g_signal_connect(buffer_of(view), "changed", G_CALLBACK(zel_text_changed),
                      &text->dirty[number]);
     text->*field.view = view;

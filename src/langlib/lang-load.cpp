@@ -9,6 +9,7 @@
 #include "support/log-print.h"
 #include "support/zel_malloc.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -34,96 +35,86 @@ void say_text(const char *format, const char *text)
 
 // ---- Entries ------------------------------------------------------------------------------------
 
-void free_text(void *data) noexcept
-{
-    auto *text = static_cast<lang_text_t *>(data);
-    std::free(text->key);
-    std::free(text->value);
-    std::free(text);
-}
+using entries_guard = std::unique_ptr<zel_list, zel::release<zel_list_free_with_data>>;
 
-using text_guard = std::unique_ptr<lang_text_t, zel::release<free_text>>;
+// Key and value of the entry that is being read, one behind the other. The key's group stays from
+// entry to entry, the room from file to file.
+class entry_text {
+public:
+    entry_text() = default;
+    ~entry_text() { std::free(text_); }
+    entry_text(const entry_text &) = delete;
+    entry_text &operator=(const entry_text &) = delete;
 
-void free_entries(zel_list *entries)
-{
-    zel_list_free_full(entries, free_text);
-}
-
-using entries_guard = std::unique_ptr<zel_list, zel::release<free_entries>>;
-
-// "group:name"
-char *make_key(const char *group, const char *name)
-{
-    const std::size_t group_length = std::strlen(group);
-    const std::size_t name_size = std::strlen(name) + 1;
-    char *key = static_cast<char *>(std::malloc(group_length + 1 + name_size));
-    if (key == nullptr)
-        return nullptr;
-    std::memcpy(key, group, group_length);
-    key[group_length] = ':';
-    std::memcpy(key + group_length + 1, name, name_size);
-    return key;
-}
-
-text_guard new_text(const char *group, const char *name)
-{
-    text_guard text(static_cast<lang_text_t *>(std::calloc(1, sizeof(lang_text_t))));
-    if (!text) {
-        LogPrint(1, "_lang_load: ERROR not enough memory (entry)\n");
-        return nullptr;
-    }
-    text->key = make_key(group, name);
-    if (text->key == nullptr) {
-        LogPrint(1, "_lang_load: ERROR not enough memory (name)\n");
-        return nullptr;
-    }
-    return text;
-}
-
-// The strings of an entry, joined. Its room serves all entries of a load.
-struct value_buffer {
-    char *text = nullptr;
-    std::size_t length = 0;
-    std::size_t size = 0;
-
-    value_buffer() = default;
-    ~value_buffer() { std::free(text); }
-    value_buffer(const value_buffer &) = delete;
-    value_buffer &operator=(const value_buffer &) = delete;
-
-    void append(const char *part)
+    // Null or empty: no group.
+    void set_group(const char *group)
     {
-        const std::size_t part_length = std::strlen(part);
-        if (length + part_length + 1 > size && !grow(length + part_length + 1))
-            return;
-        std::memcpy(text + length, part, part_length);
-        length += part_length;
+        length_ = 0;
+        if (group != nullptr && *group != '\0' && !(append(group) && append(":")))
+            length_ = 0;
+        group_end_ = length_;
+    }
+    bool has_group() const { return group_end_ != 0; }
+
+    // False without memory.
+    bool start(const char *name)
+    {
+        length_ = group_end_;
+        is_default = 0;
+        if (!append(name))
+            return false;
+        value_ = ++length_; // behind the key's NUL
+        return true;
     }
 
-    // A new string; null for an empty one.
-    char *copy() const
+    // A text that finds no memory is logged and left out.
+    bool append(const char *part)
     {
-        char *value = length == 0 ? nullptr : static_cast<char *>(std::malloc(length + 1));
-        if (value != nullptr) {
-            std::memcpy(value, text, length);
-            value[length] = '\0';
-        }
-        return value;
+        const std::size_t size = std::strlen(part);
+        if (length_ + size + 2 > room_ && !grow(length_ + size + 2))
+            return false;
+        std::memcpy(text_ + length_, part, size + 1);
+        length_ += size;
+        return true;
     }
+
+    // A new entry, one block; null without memory.
+    zel::lang_entry *make() const
+    {
+        auto *entry =
+            static_cast<zel::lang_entry *>(std::malloc(sizeof(zel::lang_entry) + length_ + 1));
+        if (entry == nullptr)
+            return nullptr;
+        char *strings = reinterpret_cast<char *>(entry + 1);
+        std::memcpy(strings, text_, length_);
+        strings[length_] = '\0';
+        entry->text.is_default = is_default;
+        entry->text.key = strings;
+        entry->text.value = length_ == value_ ? nullptr : strings + value_;
+        entry->hash = zel::lang_key_hash(zel::lang_key(strings));
+        entry->too_long = value_ - 1 > zel::lang_key::limit ? 1 : 0;
+        return entry;
+    }
+
+    std::int32_t is_default = 0;
 
 private:
     bool grow(std::size_t needed)
     {
-        const std::size_t wanted = std::max(needed + 256, size * 2);
-        char *grown = static_cast<char *>(std::realloc(text, wanted));
-        if (grown == nullptr) {
-            LogPrint(1, "_lang_load: ERROR not enough memory (entry)\n");
+        const std::size_t wanted = std::max(needed, room_ * 2);
+        char *grown = static_cast<char *>(std::realloc(text_, wanted));
+        if (grown == nullptr)
             return false;
-        }
-        text = grown;
-        size = wanted;
+        text_ = grown;
+        room_ = wanted;
         return true;
     }
+
+    char *text_ = nullptr;
+    std::size_t room_ = 0;
+    std::size_t length_ = 0;
+    std::size_t group_end_ = 0; // behind the colon; 0 for no group
+    std::size_t value_ = 0;     // where it starts
 };
 
 // ---- One file -----------------------------------------------------------------------------------
@@ -133,11 +124,17 @@ struct reader {
     lang_handle_t *handle;
     zel_lex_t *lex;
     zel::list_end entries;
-    value_buffer value;
-    zel::string_guard group; // the current group, null for none
+    entry_text text;
+    zel::lang_rows rows; // the entries once more, for the table
 };
 
 enum class outcome { goes_on, ends_file };
+
+outcome without_memory(const char *what)
+{
+    LogPrint(1, "_lang_load: ERROR not enough memory (%s)\n", what);
+    return outcome::ends_file;
+}
 
 bool is_name(const zel_token_t *token)
 {
@@ -175,7 +172,7 @@ void read_group(reader &in)
         LogPrint(1, "_lang_load: ERROR: line %d expected STRING\n", line);
         return;
     }
-    in.group.reset(zel_strdup(token->lexeme));
+    in.text.set_group(token->lexeme);
 }
 
 // CTIME seconds, SRC_MTIME seconds
@@ -200,24 +197,22 @@ bool is_position(const char *text)
 }
 
 // { [DEFAULT] "text" ... }, behind the brace that opens it
-outcome read_body(reader &in, lang_text_t *text)
+outcome read_body(reader &in)
 {
-    in.value.length = 0;
-    bool first = true;
-    for (;;) {
+    for (bool first = true;;) {
         const zel_token_t *token = zel_next_token(in.lex);
         const int line = static_cast<int>(token->line);
         switch (token->id) {
         case TOKEN_STRING:
-            if (!first || in.handle->posnr != 1 || !is_position(token->lexeme))
-                in.value.append(token->lexeme);
+            if (!(first && in.handle->posnr == 1 && is_position(token->lexeme)) &&
+                !in.text.append(token->lexeme))
+                return without_memory("entry");
             first = false;
             break;
         case zel::KEY_DEFAULT:
-            text->is_default = 1;
+            in.text.is_default = 1;
             break;
         case '}':
-            text->value = in.value.copy();
             return outcome::goes_on;
         case TOKEN_EOF:
             LogPrint(1, "_lang_load: ERROR: line %d unexpected end of file\n", line);
@@ -232,26 +227,28 @@ outcome read_body(reader &in, lang_text_t *text)
 // name { ... }, from its name on
 outcome read_entry(reader &in, const zel_token_t *name)
 {
-    if (!in.group) {
+    if (!in.text.has_group()) {
         say("_lang_load: ERROR in language file missing group\n");
         if (name->lexeme[0] != '\0')
             say_text("_lang_load: token->lexeme >%s<\n", name->lexeme);
         return outcome::goes_on;
     }
-    text_guard text = new_text(in.group.get(), name->lexeme);
-    if (!text)
-        return outcome::ends_file;
+    if (!in.text.start(name->lexeme))
+        return without_memory("name");
     const zel_token_t *brace = zel_next_token(in.lex);
     if (brace->id != '{') {
         LogPrint(1, "_lang_load: ERROR: line %d '%c' expected (%d)\n",
                  static_cast<int>(brace->line), '{', brace->id);
         return outcome::ends_file;
     }
-    if (read_body(in, text.get()) == outcome::ends_file)
+    if (read_body(in) == outcome::ends_file)
         return outcome::ends_file;
-    if (in.entries.append(text.get()))
-        static_cast<void>(text.release());
-    return outcome::goes_on;
+    zel::lang_entry *entry = in.text.make();
+    if (entry == nullptr || !in.entries.append(entry)) {
+        std::free(entry);
+        return without_memory("entry");
+    }
+    return in.rows.add(entry) ? outcome::goes_on : without_memory("entry");
 }
 
 outcome read_statement(reader &in, const zel_token_t *token)
@@ -297,10 +294,11 @@ void read_file(reader &in, const char *path)
         return;
     }
     zel_lex_set_buf(in.lex, buf);
-    in.group.reset();
+    in.text.set_group(nullptr);
     for (;;) {
         const zel_token_t *token = zel_next_token(in.lex);
-        if (token->id == TOKEN_EOF) {
+        if (token->id == TOKEN_EOF || token->id == 0) { // 0: no room for a token
+
             zel_lex_free_buf(in.lex);
             LogPrint(1, "_lang_load: close file ->%s<-\n", path);
             return;
@@ -342,26 +340,25 @@ bool read_directory(reader &in, const char *path)
     return true;
 }
 
-// All entries of the file or of the directory's files; null, logged, when there are none.
-entries_guard read_path(lang_handle_t *handle, zel_lex_t *lex, const char *path)
+// Reads the file or the directory's files. False, logged, when that gives no entry.
+bool read_path(reader &in, const char *path)
 {
-    reader in{handle, lex, zel::list_end(nullptr), {}, {}};
     if (is_directory(path)) {
         if (!read_directory(in, path))
-            return nullptr;
+            return false;
     } else {
         LogPrint(1, "_lang_load: read file >%s<\n", path);
         read_file(in, path);
     }
     if (in.entries.head == nullptr)
         LogPrint(1, "_lang_load: ERROR language list null ptr\n");
-    return entries_guard(in.entries.head);
+    return in.entries.head != nullptr;
 }
 
 void free_table_and_entries(lang_handle_t *handle)
 {
     zel::lang_table_free(handle);
-    free_entries(handle->entries);
+    zel_list_free_with_data(handle->entries);
     handle->entries = nullptr;
 }
 
@@ -392,13 +389,15 @@ int _lang_load(lang_handle_t *handle, const char *path)
         LogPrint(1, "_lang_load: ERROR not enough memory\n");
         return -1;
     }
-    entries_guard entries = read_path(handle, lex.get(), path);
+    reader in{handle, lex.get(), zel::list_end(nullptr), {}, {}};
+    const bool read = read_path(in, path);
+    entries_guard entries(in.entries.head);
     lex.reset();
-    if (!entries)
+    if (!read)
         return -1;
 
     lang_handle_t built{};
-    if (zel::lang_table_build(&built, entries.get()) != 0) {
+    if (zel::lang_table_build(&built, in.rows) != 0) {
         LogPrint(1, "_lang_load: ERROR not enough memory (entry)\n");
         return -1;
     }
@@ -412,10 +411,7 @@ int _lang_load(lang_handle_t *handle, const char *path)
     return 0;
 }
 
-int lang_load_file(const char *path)
-{
-    return _lang_load(&lang, path);
-}
+int lang_load_file(const char *path) { return _lang_load(&lang, path); }
 
 lang_handle_t *_lang_new(const char *path, std::int32_t import_mode)
 {
@@ -436,15 +432,9 @@ lang_handle_t *_lang_new(const char *path, std::int32_t import_mode)
     return handle;
 }
 
-lang_handle_t *lang_new(const char *path)
-{
-    return _lang_new(path, 0);
-}
+lang_handle_t *lang_new(const char *path) { return _lang_new(path, 0); }
 
-lang_handle_t *lang_import_new(const char *path)
-{
-    return _lang_new(path, 1);
-}
+lang_handle_t *lang_import_new(const char *path) { return _lang_new(path, 1); }
 
 void lang_free(lang_handle_t *handle, int free_handle)
 {

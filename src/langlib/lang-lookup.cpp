@@ -11,10 +11,7 @@
 
 namespace {
 
-const char *or_null(const char *text)
-{
-    return text == nullptr ? "(null)" : text;
-}
+const char *or_null(const char *text) { return text == nullptr ? "(null)" : text; }
 
 void log_missing(const char *group, const char *item, const char *file, int line)
 {
@@ -33,10 +30,7 @@ const lang_text_t *find_text(const lang_handle_t *handle, const char *group, con
 }
 
 // A request without an item still gets a text.
-const char *untranslated(const char *item)
-{
-    return item == nullptr ? "" : item;
-}
+const char *untranslated(const char *item) { return item == nullptr ? "" : item; }
 
 } // namespace
 
@@ -90,10 +84,7 @@ std::int32_t lang_check_string(const char *group, const char *item)
     return item != nullptr && text != item ? 1 : 0;
 }
 
-std::uint64_t lang_get_ctime()
-{
-    return lang.ctime;
-}
+std::uint64_t lang_get_ctime() { return lang.ctime; }
 
 zel_info_t *_lang_get_info(lang_handle_t *handle, zel_info_t **record, std::int32_t level,
                            std::int32_t code, const char *group, const char *activity,

@@ -53,12 +53,6 @@ char *_zel_lex_lang_get(zel_lex_t *lex)
 
 } // namespace
 
-char *zel_lex_lang_get_string(zel_lex_t *lex)
-{
-    return _zel_lex_lang_get(lex);
-}
+char *zel_lex_lang_get_string(zel_lex_t *lex) { return _zel_lex_lang_get(lex); }
 
-char *zel_lex_lang_get(zel_lex_t *lex)
-{
-    return _zel_lex_lang_get(lex);
-}
+char *zel_lex_lang_get(zel_lex_t *lex) { return _zel_lex_lang_get(lex); }

@@ -130,10 +130,7 @@ const char *lang_sym_get(zel_list *symbols, const char *name)
     return name == nullptr ? nullptr : find_value(symbols, name);
 }
 
-void lang_sym_free(zel_list *symbols)
-{
-    zel_list_free_full(symbols, free_symbol);
-}
+void lang_sym_free(zel_list *symbols) { zel_list_free_full(symbols, free_symbol); }
 
 zel_list *lang_sym_system_set(const char *name, const char *value)
 {

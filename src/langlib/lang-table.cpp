@@ -1,122 +1,121 @@
 #include "langlib/lang-table.h"
 
 #include "support/guard.h"
-#include "support/list.h"
 
+#include <array>
 #include <bit>
 #include <climits>
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
-#include <span>
 
-namespace {
-
-// A key of the table. The hash saves most comparisons.
-struct index_row {
-    std::uint32_t hash;
-    std::int32_t slot; // 0: free
-    const char *key;
-};
-
-} // namespace
-
-// Open addressing with linear steps; at most half full.
+// Open addressing with linear steps. A row is a slot of the table and, in the bits that the slot
+// leaves, a part of its key's hash, which saves most comparisons; 0 is a free row. So small a table
+// stays in the processor's cache.
 struct lang_index {
-    std::uint32_t mask; // rows minus one, a power of two
-    index_row *rows;
+    std::uint32_t mask;      // rows minus one, a power of two
+    std::uint32_t slot_mask; // the bits of a row that hold the slot
+    std::uint32_t *rows;
 };
 
 namespace {
-
-void free_memory(void *memory) noexcept
-{
-    std::free(memory);
-}
-
-template <class T>
-using array_guard = std::unique_ptr<T[], zel::release<free_memory>>;
-
-template <class T>
-array_guard<T> new_array(std::size_t size)
-{
-    return array_guard<T>(static_cast<T *>(std::calloc(size, sizeof(T))));
-}
 
 // ---- Sorting ------------------------------------------------------------------------------------
 
-// An entry while it is sorted: eight bytes of its key, in the order of strcmp, and its place in the
-// file. Keys of a group begin alike; where eight bytes do not tell entries apart the next eight do.
-struct sort_row {
-    std::uint64_t bytes;
-    std::uint32_t place;
-};
+using zel::sort_row;
+using sort_rows = std::span<sort_row>;
 
 constexpr std::size_t step = sizeof(sort_row::bytes);
-constexpr std::size_t few_rows = 8;      // compared whole
-constexpr std::size_t deep_bytes = 4096; // from here on as well, so that the recursion ends
+constexpr std::size_t few_rows = 24; // sorted by insertion
+constexpr std::size_t byte_values = 256;
 
-bool before(const sort_row &a, const sort_row &b)
+void read_bytes(sort_row &row, std::size_t depth)
 {
-    return a.bytes != b.bytes ? a.bytes < b.bytes : a.place < b.place;
-}
-
-bool ends_key(std::uint64_t bytes)
-{
-    return (bytes & 0xFF) == 0;
-}
-
-// Eight bytes of a key as a number, the first one highest; zeros behind its end.
-std::uint64_t key_bytes(const char *key)
-{
+    const char *key = row.entry->text.key + depth;
     std::uint64_t bytes = 0;
     for (std::size_t i = 0; i < step; ++i) {
         bytes = bytes << 8 | static_cast<unsigned char>(*key);
         if (*key != '\0')
             ++key;
     }
-    return bytes;
+    row.bytes = bytes;
 }
 
-// Sorts rows whose keys agree in the first "depth" bytes.
-void sort_rows(std::span<sort_row> rows, const lang_text_t *texts, std::size_t depth)
+std::size_t byte_at(const sort_row &row, std::size_t depth)
 {
-    if (rows.size() <= few_rows || depth >= deep_bytes) {
-        std::sort(rows.begin(), rows.end(), [texts, depth](const sort_row &a, const sort_row &b) {
-            const int order = std::strcmp(texts[a.place].key + depth, texts[b.place].key + depth);
-            return order != 0 ? order < 0 : a.place < b.place;
-        });
-        return;
-    }
-    for (sort_row &row : rows)
-        row.bytes = key_bytes(texts[row.place].key + depth);
-    if (!std::is_sorted(rows.begin(), rows.end(), before))
-        std::sort(rows.begin(), rows.end(), before);
-    for (std::size_t first = 0; first < rows.size();) {
-        std::size_t last = first + 1;
-        while (last < rows.size() && rows[last].bytes == rows[first].bytes)
-            ++last;
-        if (last - first > 1 && !ends_key(rows[first].bytes))
-            sort_rows(rows.subspan(first, last - first), texts, depth + step);
-        first = last;
-    }
+    return row.bytes >> (8 * (step - 1 - depth % step)) & 0xFF;
 }
 
-// The entries into the table's slots, in reading order and then sorted.
-bool fill_table(std::span<lang_text_t> slots, const zel_list *entries)
+// Whether a key comes behind another one that agrees with it up to the bytes of its row.
+bool behind(const sort_row &a, const sort_row &b, std::size_t depth)
 {
-    const auto texts = new_array<lang_text_t>(slots.size() + 1);
-    const auto rows = new_array<sort_row>(slots.size() + 1);
-    if (!texts || !rows)
+    if (a.bytes != b.bytes)
+        return a.bytes > b.bytes;
+    if ((a.bytes & 0xFF) == 0)
         return false;
-    for (std::uint32_t i = 0; i < slots.size(); ++i, entries = entries->next) {
-        texts[i] = *static_cast<const lang_text_t *>(entries->data);
-        rows[i].place = i;
+    const std::size_t next = depth / step * step + step;
+    return std::strcmp(a.entry->text.key + next, b.entry->text.key + next) > 0;
+}
+
+void insertion_sort(sort_rows rows, std::size_t depth)
+{
+    for (std::size_t i = 1; i < rows.size(); ++i) {
+        const sort_row row = rows[i];
+        std::size_t at = i;
+        for (; at > 0 && behind(rows[at - 1], row, depth); --at)
+            rows[at] = rows[at - 1];
+        rows[at] = row;
     }
-    sort_rows({rows.get(), slots.size()}, texts.get(), 0);
-    for (std::size_t i = 0; i < slots.size(); ++i)
-        slots[i] = texts[rows[i].place];
+}
+
+// Where the rows of each byte value begin; one end more.
+using buckets = std::array<std::uint32_t, byte_values + 1>;
+
+// Orders the rows by one byte and keeps the order of equal ones. False when they all have the same.
+bool distribute(sort_rows rows, sort_rows spare, std::size_t depth, buckets &starts)
+{
+    starts.fill(0);
+    for (const sort_row &row : rows)
+        ++starts[byte_at(row, depth) + 1];
+    if (starts[byte_at(rows[0], depth) + 1] == rows.size())
+        return false;
+    for (std::size_t i = 1; i <= byte_values; ++i)
+        starts[i] += starts[i - 1];
+    buckets next = starts;
+    for (const sort_row &row : rows)
+        spare[next[byte_at(row, depth)]++] = row;
+    std::copy_n(spare.begin(), rows.size(), rows.begin());
     return true;
+}
+
+// Sorts rows whose keys agree in the first "depth" bytes, byte by byte. The largest part is sorted
+// by going on, so that no keys make the recursion deep.
+void sort_by_bytes(sort_rows rows, sort_rows spare, std::size_t depth)
+{
+    for (;; ++depth) {
+        if (depth % step == 0)
+            for (sort_row &row : rows)
+                read_bytes(row, depth);
+        if (rows.size() <= few_rows)
+            return insertion_sort(rows, depth);
+        buckets starts;
+        if (!distribute(rows, spare, depth, starts)) {
+            if (byte_at(rows[0], depth) == 0)
+                return;
+            continue;
+        }
+        sort_rows largest;
+        for (std::size_t byte = 1; byte < byte_values; ++byte) {
+            sort_rows part = rows.subspan(starts[byte], starts[byte + 1] - starts[byte]);
+            if (part.size() > largest.size())
+                std::swap(part, largest);
+            if (part.size() > 1)
+                sort_by_bytes(part, spare, depth + 1);
+        }
+        if (largest.size() < 2)
+            return;
+        rows = largest;
+    }
 }
 
 // ---- Index --------------------------------------------------------------------------------------
@@ -131,8 +130,85 @@ std::uint64_t mix(std::uint64_t a, std::uint64_t b)
     return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
 }
 
+void free_index(lang_index *index) noexcept
+{
+    if (index == nullptr)
+        return;
+    std::free(index->rows);
+    std::free(index);
+}
+
+using index_guard = std::unique_ptr<lang_index, zel::release<free_index>>;
+
+// At most half full.
+lang_index *new_index(std::size_t keys)
+{
+    index_guard index(static_cast<lang_index *>(std::calloc(1, sizeof(lang_index))));
+    if (!index)
+        return nullptr;
+    const std::size_t size = std::bit_ceil(keys * 2);
+    index->mask = static_cast<std::uint32_t>(size - 1);
+    index->slot_mask = static_cast<std::uint32_t>(std::bit_ceil(keys + 1) - 1);
+    index->rows = static_cast<std::uint32_t *>(std::calloc(size, sizeof(std::uint32_t)));
+    return index->rows == nullptr ? nullptr : index.release();
+}
+
+// Where the walk for a hash begins. The bits that a row keeps of it are others.
+std::uint32_t first_row(const lang_index *index, std::uint32_t hash)
+{
+    return (hash * 0x9E3779B1U >> 7 ^ hash) & index->mask;
+}
+
+// False when the index holds too many keys of the same hash.
+bool enter(lang_index *index, std::uint32_t hash, std::uint32_t slot)
+{
+    std::uint32_t at = first_row(index, hash);
+    for (std::uint32_t walked = 0; index->rows[at] != 0; ++walked) {
+        if (walked == longest_walk)
+            return false;
+        at = (at + 1) & index->mask;
+    }
+    index->rows[at] = (hash & ~index->slot_mask) | slot;
+    return true;
+}
+
+bool same_key(const sort_row &a, const sort_row &b)
+{
+    return a.entry->hash == b.entry->hash && std::strcmp(a.entry->text.key, b.entry->text.key) == 0;
+}
+
+// From the rows of the table's slots 1 and on. Null when there is no memory for it, or a bisection
+// serves better.
+lang_index *build_index(const lang_handle_t *handle, sort_rows rows)
+{
+    index_guard index(new_index(rows.size()));
+    if (!index)
+        return nullptr;
+    for (std::size_t first = 0; first < rows.size();) {
+        std::size_t next = first + 1;
+        while (next < rows.size() && same_key(rows[next], rows[first]))
+            ++next;
+        const zel::lang_entry *entry = rows[first].entry;
+        auto slot = static_cast<std::uint32_t>(first + 1);
+        // Of several equal keys the one that a bisection reaches answers.
+        if (next - first > 1)
+            slot = static_cast<std::uint32_t>(zel::lang_table_bisect(handle, entry->text.key) -
+                                              handle->lang);
+        if (entry->too_long == 0 && !enter(index.get(), entry->hash, slot))
+            return nullptr;
+        first = next;
+    }
+    return index.release();
+}
+
+char no_text[] = "";
+
+} // namespace
+
+namespace zel {
+
 // Reads the key in words of eight bytes; the last one holds zeros behind the end.
-std::uint32_t key_hash(const zel::lang_key &key)
+std::uint32_t lang_key_hash(const lang_key &key)
 {
     constexpr std::uint64_t odd_1 = 0x9E3779B97F4A7C15;
     constexpr std::uint64_t odd_2 = 0xD6E8FEB86659FD93;
@@ -145,88 +221,43 @@ std::uint32_t key_hash(const zel::lang_key &key)
     return static_cast<std::uint32_t>(mix(hash, odd_2));
 }
 
-void free_index(lang_index *index) noexcept
+bool lang_rows::add(const lang_entry *entry)
 {
-    if (index == nullptr)
-        return;
-    std::free(index->rows);
-    std::free(index);
-}
-
-using index_guard = std::unique_ptr<lang_index, zel::release<free_index>>;
-
-lang_index *new_index(std::size_t keys)
-{
-    index_guard index(static_cast<lang_index *>(std::calloc(1, sizeof(lang_index))));
-    if (!index)
-        return nullptr;
-    const std::size_t size = std::bit_ceil(keys * 2 + 1);
-    index->mask = static_cast<std::uint32_t>(size - 1);
-    index->rows = static_cast<index_row *>(std::calloc(size, sizeof(index_row)));
-    return index->rows == nullptr ? nullptr : index.release();
-}
-
-// False when the index holds too many keys of the same hash.
-bool enter(lang_index *index, const lang_text_t *table, std::int32_t slot)
-{
-    const char *key = table[slot].key;
-    const std::uint32_t hash = key_hash(zel::lang_key(key));
-    std::uint32_t at = hash & index->mask;
-    for (std::uint32_t walked = 0; index->rows[at].slot != 0; ++walked) {
-        if (walked == longest_walk)
+    if (count_ == room_) {
+        const std::size_t wanted = std::max<std::size_t>(room_ * 2, 256);
+        auto *grown = static_cast<sort_row *>(std::realloc(rows_, wanted * sizeof(sort_row)));
+        if (grown == nullptr)
             return false;
-        at = (at + 1) & index->mask;
+        rows_ = grown;
+        room_ = wanted;
     }
-    index->rows[at] = {hash, slot, key};
+    rows_[count_++].entry = entry;
     return true;
 }
 
-// Null when there is no memory for it, or a bisection serves better.
-lang_index *build_index(const lang_handle_t *handle)
-{
-    const std::int32_t end = handle->count - 1;
-    index_guard index(new_index(static_cast<std::size_t>(end)));
-    if (!index)
-        return nullptr;
-    const lang_text_t *table = handle->lang;
-    for (std::int32_t slot = 1; slot < end;) {
-        std::int32_t next = slot + 1;
-        while (next < end && std::strcmp(table[next].key, table[slot].key) == 0)
-            ++next;
-        // Of several equal keys the one that a bisection reaches.
-        std::int32_t answers = slot;
-        if (next - slot > 1)
-            answers =
-                static_cast<std::int32_t>(zel::lang_table_bisect(handle, table[slot].key) - table);
-        // No request forms a longer key.
-        if (std::strlen(table[slot].key) <= zel::lang_key::limit &&
-            !enter(index.get(), table, answers))
-            return nullptr;
-        slot = next;
-    }
-    return index.release();
-}
-
-char no_text[] = "";
-
-} // namespace
-
-namespace zel {
-
-int lang_table_build(lang_handle_t *handle, zel_list *entries)
+int lang_table_build(lang_handle_t *handle, lang_rows &entries)
 {
     constexpr std::size_t slots_beside = 4; // two sentinels, two that stay zero
-    const auto count = static_cast<std::size_t>(zel_list_count(entries));
-    if (count > INT_MAX - slots_beside)
+    const sort_rows rows = entries.rows();
+    const std::size_t count = rows.size();
+    if (count > INT_MAX / 2)
         return -1;
-    auto table = new_array<lang_text_t>(count + slots_beside);
-    if (!table || !fill_table({table.get() + 1, count}, entries))
+    auto *table =
+        static_cast<lang_text_t *>(std::malloc((count + slots_beside) * sizeof(lang_text_t)));
+    if (table == nullptr)
         return -1;
-    table[0].key = table[0].value = no_text;
-    table[count + 1].key = table[count + 1].value = no_text;
-    handle->lang = table.release();
+    // While it is empty the table is the sort's spare room.
+    static_assert(sizeof(lang_text_t) >= sizeof(sort_row) &&
+                  alignof(lang_text_t) >= alignof(sort_row));
+    sort_by_bytes(rows, {reinterpret_cast<sort_row *>(table), count}, 0);
+    const lang_text_t sentinel{0, no_text, no_text};
+    table[0] = table[count + 1] = sentinel;
+    table[count + 2] = table[count + 3] = {};
+    for (std::size_t i = 0; i < count; ++i)
+        table[i + 1] = rows[i].entry->text;
+    handle->lang = table;
     handle->count = static_cast<std::int32_t>(count + 2);
-    handle->index = build_index(handle);
+    handle->index = build_index(handle, rows);
     return 0;
 }
 
@@ -244,11 +275,15 @@ const lang_text_t *lang_table_find(const lang_handle_t *handle, const lang_key &
     const lang_index *index = handle->index;
     if (index == nullptr)
         return lang_table_bisect(handle, key.text);
-    const std::uint32_t hash = key_hash(key);
-    std::uint32_t at = hash & index->mask;
-    for (; index->rows[at].slot != 0; at = (at + 1) & index->mask)
-        if (index->rows[at].hash == hash && std::strcmp(index->rows[at].key, key.text) == 0)
-            return &handle->lang[index->rows[at].slot];
+    const std::uint32_t hash = lang_key_hash(key);
+    const std::uint32_t tag_mask = ~index->slot_mask;
+    std::uint32_t at = first_row(index, hash);
+    while (const std::uint32_t row = index->rows[at]) {
+        const lang_text_t *text = &handle->lang[row & index->slot_mask];
+        if (((row ^ hash) & tag_mask) == 0 && std::strcmp(text->key, key.text) == 0)
+            return text;
+        at = (at + 1) & index->mask;
+    }
     return nullptr;
 }
 

@@ -49,10 +49,7 @@ void print_element(FILE *stream, const char *format, const char *text)
     std::fputs(line.get(), stream);
 }
 
-bool is_empty(const char *text)
-{
-    return text == nullptr || *text == '\0';
-}
+bool is_empty(const char *text) { return text == nullptr || *text == '\0'; }
 
 void print_entries(FILE *stream, const lang_handle_t *handle)
 {

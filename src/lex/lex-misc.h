@@ -91,4 +91,7 @@ constexpr char escape_letter(unsigned char byte)
     }
 }
 
+// The bytes that escape_letter has a letter for.
+inline constexpr char escaped_bytes[] = "\r\n\t\"\\";
+
 } // namespace zel

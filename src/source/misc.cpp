@@ -16,17 +16,6 @@ constexpr std::size_t searched_bytes = 4191; // of a line
 
 bool is_space(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
 
-constexpr std::array<bool, 256> make_plain()
-{
-    std::array<bool, 256> plain{};
-    for (unsigned c = 1; c < 256; ++c)
-        plain[c] = zel::escape_letter(static_cast<unsigned char>(c)) == 0;
-    return plain;
-}
-
-// Bytes that are written as they are; the terminating NUL is none.
-constexpr auto plain = make_plain();
-
 bool same_text(const char *a, const char *b)
 {
     return a != nullptr && b != nullptr && std::strcmp(a, b) == 0;
@@ -48,11 +37,10 @@ void append_escaped(std::string &out, const char *text)
 {
     if (text == nullptr)
         return;
-    while (*text != '\0') {
-        const char *run = text;
-        while (plain[static_cast<unsigned char>(*text)])
-            ++text;
-        out.append(run, static_cast<std::size_t>(text - run));
+    for (;;) {
+        const std::size_t plain = std::strcspn(text, escaped_bytes);
+        out.append(text, plain);
+        text += plain;
         if (*text == '\0')
             return;
         out += '\\';

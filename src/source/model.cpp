@@ -18,7 +18,7 @@ void free_lang_entry(void *data)
     auto *entry = static_cast<lang_entry_t *>(data);
     std::free(entry->lang);
     free_lang_entry_text(entry->texts);
-    std::free(entry);
+    g_slice_free(lang_entry_t, entry);
 }
 
 void free_lang(void *data)
@@ -76,14 +76,12 @@ lang_t *alloc_lang()
 
 lang_entry_t *alloc_lang_entry(const char *lang)
 {
-    auto *entry = alloc_zeroed<lang_entry_t>();
-    if (entry != nullptr && lang != nullptr) {
-        entry->lang = zel_strdup2(lang);
-        if (entry->lang == nullptr) {
-            std::free(entry);
-            return nullptr;
-        }
-    }
+    char *name = zel_strdup2(lang);
+    if (name == nullptr && lang != nullptr)
+        return nullptr;
+    // Entries outnumber every other record and are two pointers each: a slice holds just that.
+    auto *entry = g_slice_new0(lang_entry_t);
+    entry->lang = name;
     return entry;
 }
 

@@ -128,10 +128,11 @@ struct list_tail {
     explicit list_tail(GList *&list) : head(&list), last(g_list_last(list)) {}
     void append(void *data)
     {
-        GList *added = g_list_append(last, data);
-        if (last == nullptr)
-            *head = added;
-        last = last == nullptr ? added : last->next;
+        GList *added = g_list_alloc();
+        added->data = data;
+        added->prev = last;
+        (last == nullptr ? *head : last->next) = added;
+        last = added;
     }
 
 private:

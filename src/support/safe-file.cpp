@@ -22,8 +22,12 @@ std::FILE *open_fresh(const char *path)
     if (fd < 0)
         return nullptr;
     std::FILE *stream = fdopen(fd, "w+");
-    if (stream == nullptr)
+    if (stream == nullptr) {
+        const int error = errno;
         close(fd);
+        unlink(path);
+        errno = error;
+    }
     return stream;
 }
 

@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -116,11 +117,8 @@ INSTANTIATE_TEST_SUITE_P(
         Form{"s = \"\\nx lang_tooltip(\\\"main\\\", \\\"ok\\\")\"", 2, nullptr},
         Form{"\n s = \"/**/\" \"\\n\" \"lang_tool\" \"tip(\\\"main\\\", \\\"ok\\\")\"", 2, nullptr},
         // In a string of the script; a word that comes about only there.
-        Form{"s = \"\\nrun \\\"lang_tooltip(\\\\\\\"main\\\\\\\", \\\\\\\"ok\\\\\\\")\\\"\"", 2,
-             nullptr},
-        Form{"s = \"\\n\\\"la\\\" \\\"n\\x5cx67_tooltip(\\\\\\\"main\\\\\\\", "
-             "\\\\\\\"ok\\\\\\\")\\\"\"",
-             2, nullptr},
+        Form{R"(s = "run \"\\nlang_tooltip(\\\"main\\\", \\\"ok\\\")\"")", 2, nullptr},
+        Form{R"(s = "\"\\nla\" \"n\\x67_tooltip(\\\"main\\\", \\\"ok\\\")\"")", 2, nullptr},
         Form{"s = \"\\nlan\\rg_tooltip(\\\"main\\\", \\\"ok\\\")\"", 2, nullptr}));
 
 TEST_F(Scan, InsertsWhatTheSourceDoesNotKnow)

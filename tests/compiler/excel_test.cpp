@@ -62,7 +62,11 @@ TEST_F(Excel, NothingToWriteAndNowhereToWriteIt)
 TEST_F(Excel, AFullDiskIsSeen)
 {
     insert_group_item(source.get(), "main", "ok");
-    EXPECT_NE(zel_test::capture_stderr([&] { write("/dev/full"); }), "");
+    const std::string report = zel_test::capture_stderr([&] {
+        zel_test::capture_stdout(
+            [&] { result = to_excel_unicode_text(source.get(), "/dev/full", nullptr, nullptr); });
+    });
+    EXPECT_NE(report, "");
     EXPECT_EQ(result, 1);
 }
 

@@ -19,8 +19,10 @@ inline std::string word(const char *text)
         return "(null)";
     std::string out;
     for (; *text != '\0'; text++)
-        out += *text == '\n' ? "\\n" : *text == '\t' ? "\\t" : *text == '\r' ? "\\r"
-                                                         : std::string(1, *text);
+        out += *text == '\n'   ? "\\n"
+               : *text == '\t' ? "\\t"
+               : *text == '\r' ? "\\r"
+                               : std::string(1, *text);
     return out;
 }
 

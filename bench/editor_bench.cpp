@@ -1,0 +1,216 @@
+// The item table at size, in the process and with a real window: a step counts until the window is
+// painted. Needs a display (tools/with-display); without one nothing is measured.
+
+#include "app/global.h"
+#include "editor/edit-state.h"
+#include "editor/w_tab_edit.h"
+#include "editor/w_tab_model.h"
+#include "source/model.h"
+
+#include <benchmark/benchmark.h>
+#include <gtk/gtk.h>
+
+#include <cstdio>
+#include <string>
+
+namespace {
+
+constexpr int items_per_group = 100;
+constexpr const char *words[] = {"open", "file",  "window", "print",  "page",
+                                 "size", "image", "layer",  "colour", "select"};
+
+lang_t *make_lang(const char *name)
+{
+    lang_t *lang = alloc_lang();
+    lang->name = g_strdup(name);
+    lang->file = g_strdup_printf("%s.lang", name);
+    lang->edit = 1;
+    return lang;
+}
+
+lang_entry_t *make_entry(const char *lang, const std::string &text)
+{
+    lang_entry_t *entry = alloc_lang_entry(lang);
+    entry->texts = g_list_append(nullptr, g_strdup(text.c_str()));
+    return entry;
+}
+
+item_t *make_item(LangSource *source, int number)
+{
+    item_t *item = alloc_item();
+    std::string text;
+    for (int word = 0; word < 4; ++word)
+        text += std::string(word == 0 ? "" : " ") + words[(number * 7 + word * number) % 10];
+    item->name = g_strdup_printf("item %d %s", number, text.c_str());
+    item->description = g_strdup("none");
+    item->used = 1;
+    item->ready = number % 3 == 0;
+    item->source = source;
+    item->ctime = 1700000000 + (static_cast<std::int64_t>(number) * 7919) % 1000003;
+    item->langs = g_list_append(item->langs, make_entry("english", text));
+    if (number % 10 != 0)
+        item->langs = g_list_append(item->langs, make_entry("german", "wort " + text));
+    return item;
+}
+
+LangSource *make_source(int items)
+{
+    LangSource *source = lang_alloc_group();
+    source->langs = g_list_append(source->langs, make_lang("english"));
+    source->langs = g_list_append(source->langs, make_lang("german"));
+    edit_t *group = nullptr;
+    zel::list_tail groups(source->groups);
+    for (int first = 0; first < items; first += items_per_group) {
+        group = lang_alloc_edit();
+        group->name = g_strdup_printf("group %d", first / items_per_group);
+        groups.append(group);
+        zel::list_tail tail(group->items);
+        for (int number = first; number < first + items_per_group && number < items; ++number)
+            tail.append(make_item(source, number));
+    }
+    return source;
+}
+
+void paint()
+{
+    while (gtk_events_pending())
+        gtk_main_iteration();
+    gdk_window_process_all_updates();
+    gdk_flush();
+}
+
+// A window with the table of a source of that many items; mode 1, which shows all columns.
+class window {
+public:
+    explicit window(int items)
+    {
+        lang_global = {};
+        lang_global.editor_mode = 1;
+        source = make_source(items);
+        mainWin = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+        gtk_window_set_default_size(GTK_WINDOW(mainWin), 1200, 800);
+        gtk_widget_show(mainWin);
+        paint();
+    }
+    ~window()
+    {
+        gtk_widget_destroy(mainWin);
+        mainWin = nullptr;
+        paint();
+        zel::edit_select_output_langs(nullptr);
+        lang_free_group(&source);
+    }
+    window(const window &) = delete;
+    window &operator=(const window &) = delete;
+
+    ZelTabEdit *open()
+    {
+        GtkWidget *table = zel_tab_edit_new();
+        zel_tab_edit_set(table, source);
+        gtk_container_add(GTK_CONTAINER(mainWin), table);
+        gtk_widget_show(table);
+        paint();
+        return ZEL_TAB_EDIT(table);
+    }
+
+    LangSource *source = nullptr;
+};
+
+void open_table(benchmark::State &state)
+{
+    window main(static_cast<int>(state.range(0)));
+    for (auto _ : state) {
+        ZelTabEdit *table = main.open();
+        state.PauseTiming();
+        gtk_widget_destroy(GTK_WIDGET(table));
+        paint();
+        state.ResumeTiming();
+    }
+}
+
+void next_row(benchmark::State &state)
+{
+    window main(static_cast<int>(state.range(0)));
+    ZelTabEdit *table = main.open();
+    for (auto _ : state) {
+        GtkTreePath *before = gtk_tree_path_copy(table->selected_path);
+        zel_tab_edit_next(GTK_WIDGET(table));
+        if (gtk_tree_path_compare(before, table->selected_path) == 0)
+            zel_tab_edit_first(GTK_WIDGET(table));
+        gtk_tree_path_free(before);
+        paint();
+    }
+}
+
+// To the hits of a text and, as a step of its own, back to all rows.
+void search(benchmark::State &state, const char *text)
+{
+    window main(static_cast<int>(state.range(0)));
+    ZelTabEdit *table = main.open();
+    bool back = false;
+    for (auto _ : state) {
+        gtk_entry_set_text(GTK_ENTRY(table->search_entry), back ? "" : text);
+        back = !back;
+        paint();
+    }
+}
+
+void untranslated(benchmark::State &state)
+{
+    window main(static_cast<int>(state.range(0)));
+    ZelTabEdit *table = main.open();
+    for (auto _ : state) {
+        lang_global.only_untranslated = 1 - lang_global.only_untranslated;
+        zel_tab_edit_empty(GTK_WIDGET(table));
+        paint();
+    }
+}
+
+void sort(benchmark::State &state, int id)
+{
+    window main(static_cast<int>(state.range(0)));
+    ZelTabEdit *table = main.open();
+    bool sorted = false;
+    for (auto _ : state) {
+        gtk_tree_sortable_set_sort_column_id(GTK_TREE_SORTABLE(table->sort_model),
+                                             sorted ? static_cast<int>(COL_POS) : id,
+                                             GTK_SORT_ASCENDING);
+        sorted = !sorted;
+        paint();
+    }
+}
+
+struct job {
+    const char *name;
+    void (*run)(benchmark::State &state);
+};
+
+constexpr job jobs[] = {
+    {"open_table/ours", open_table},
+    {"next_row/ours", next_row},
+    {"search_some_hits/ours", [](benchmark::State &state) { search(state, "layer"); }},
+    {"search_all_hit/ours", [](benchmark::State &state) { search(state, "e"); }},
+    {"search_no_hit/ours", [](benchmark::State &state) { search(state, "zzz"); }},
+    {"filter_untranslated/ours", untranslated},
+    {"sort_by_date/ours", [](benchmark::State &state) { sort(state, COL_TIME); }},
+    {"sort_by_ready/ours", [](benchmark::State &state) { sort(state, COL_READY); }},
+};
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    benchmark::Initialize(&argc, argv);
+    if (!gtk_init_check(&argc, &argv)) {
+        std::fputs("editor_bench: no display; run it under tools/with-display\n", stderr);
+        return 1;
+    }
+    for (const job &job : jobs) {
+        for (const int items : {300, 5000, 30000})
+            benchmark::RegisterBenchmark(job.name, job.run)
+                ->Arg(items)
+                ->Unit(benchmark::kMillisecond);
+    }
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
