@@ -470,8 +470,8 @@ TEST_F(Editor, EveryControlHasANameToSay)
             GtkWidget *parent = gtk_widget_get_parent(widget);
             // What only holds others, and the toolkit's own parts.
             if (!gtk_widget_get_can_focus(widget) || GTK_IS_NOTEBOOK(widget) ||
-                GTK_IS_PANED(widget) || GTK_IS_SCROLLED_WINDOW(widget) ||
-                GTK_IS_TOOLBAR(parent) || GTK_IS_TREE_VIEW(parent))
+                GTK_IS_PANED(widget) || GTK_IS_SCROLLED_WINDOW(widget) || GTK_IS_TOOLBAR(parent) ||
+                GTK_IS_TREE_VIEW(parent))
                 continue;
             const bool captioned =
                 GTK_IS_BUTTON(widget) && gtk_button_get_label(GTK_BUTTON(widget)) != nullptr;

@@ -262,6 +262,8 @@ GtkWidget *window_titled(const std::string &title)
 
 void answer_next(answer_fn answer) { answers.push_back(std::move(answer)); }
 
+void start_watching() { watcher = g_timeout_add(5, tick, nullptr); }
+
 std::size_t answers_left() { return answers.size(); }
 
 answer_fn press(const std::string &button_text)
@@ -406,7 +408,7 @@ Test::Test()
     answers.clear();
     alarm(time_limit);
     g_log_set_default_handler(note_warning, nullptr);
-    watcher = g_timeout_add(5, tick, nullptr);
+    start_watching();
 }
 
 Test::~Test()
