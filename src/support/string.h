@@ -93,7 +93,7 @@ int check_file_exist_read(const char *path);
 
 // Extensions (the text after the last "."), in place.
 char *zel_del_file_ext(char *path);
-char *zel_del_cmp_file_ext(char *path, const char *ext);            // only exactly this one
+char *zel_del_cmp_file_ext(char *path, const char *ext);              // only exactly this one
 char *zel_add_file_ext(char *dst, const char *name, const char *ext); // dst must hold the result
 // "dir/file.ext" of the path's directory, its file name without this extension, and it; the path
 // must hold the result. 1 for a null argument, else 0.
