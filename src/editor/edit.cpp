@@ -44,6 +44,7 @@ GtkWidget *make_window()
     accel_group = gtk_accel_group_new();
     gtk_window_add_accel_group(GTK_WINDOW(mainWin), accel_group);
     g_signal_connect(mainWin, "key_press_event", G_CALLBACK(lang_key_press_event), &def_group);
+    g_signal_connect(mainWin, "key-press-event", G_CALLBACK(accel_first_event), &def_group);
     g_signal_connect(mainWin, "delete_event", G_CALLBACK(delete_event), &def_group);
     g_signal_connect(mainWin, "destroy", G_CALLBACK(gtk_widget_destroyed), &mainWin);
     return mainWin;
