@@ -11,7 +11,6 @@
 #include <gtk/gtk.h>
 
 #include <cstdio>
-#include <malloc.h>
 #include <string>
 
 namespace {
@@ -129,22 +128,6 @@ void open_table(benchmark::State &state)
     }
 }
 
-// Bytes that the table takes beside the source.
-void open_memory(benchmark::State &state)
-{
-    window main(static_cast<int>(state.range(0)));
-    for (auto _ : state) {
-        const std::size_t before = mallinfo2().uordblks;
-        ZelTabEdit *table = main.open();
-        const std::size_t after = mallinfo2().uordblks;
-        state.counters["bytes_per_item"] =
-            (static_cast<double>(after) - static_cast<double>(before)) /
-            static_cast<double>(state.range(0));
-        gtk_widget_destroy(GTK_WIDGET(table));
-        paint();
-    }
-}
-
 void next_row(benchmark::State &state)
 {
     window main(static_cast<int>(state.range(0)));
@@ -197,20 +180,21 @@ void sort(benchmark::State &state, int id)
     }
 }
 
-void sizes(benchmark::internal::Benchmark *bench)
-{
-    bench->Arg(300)->Arg(5000)->Arg(30000)->Unit(benchmark::kMillisecond)->UseRealTime();
-}
+struct job {
+    const char *name;
+    void (*run)(benchmark::State &state);
+};
 
-BENCHMARK(open_table)->Apply(sizes)->MinTime(1);
-BENCHMARK(open_memory)->Apply(sizes)->Iterations(3);
-BENCHMARK(next_row)->Apply(sizes);
-BENCHMARK_CAPTURE(search, some_hits, "layer")->Apply(sizes);
-BENCHMARK_CAPTURE(search, all_hit, "e")->Apply(sizes);
-BENCHMARK_CAPTURE(search, no_hit, "zzz")->Apply(sizes);
-BENCHMARK(untranslated)->Apply(sizes);
-BENCHMARK_CAPTURE(sort, date, COL_TIME)->Apply(sizes);
-BENCHMARK_CAPTURE(sort, ready, COL_READY)->Apply(sizes);
+constexpr job jobs[] = {
+    {"open_table/ours", open_table},
+    {"next_row/ours", next_row},
+    {"search_some_hits/ours", [](benchmark::State &state) { search(state, "layer"); }},
+    {"search_all_hit/ours", [](benchmark::State &state) { search(state, "e"); }},
+    {"search_no_hit/ours", [](benchmark::State &state) { search(state, "zzz"); }},
+    {"filter_untranslated/ours", untranslated},
+    {"sort_by_date/ours", [](benchmark::State &state) { sort(state, COL_TIME); }},
+    {"sort_by_ready/ours", [](benchmark::State &state) { sort(state, COL_READY); }},
+};
 
 } // namespace
 
@@ -220,6 +204,12 @@ int main(int argc, char **argv)
     if (!gtk_init_check(&argc, &argv)) {
         std::fputs("editor_bench: no display; run it under tools/with-display\n", stderr);
         return 1;
+    }
+    for (const job &job : jobs) {
+        for (const int items : {300, 5000, 30000})
+            benchmark::RegisterBenchmark(job.name, job.run)
+                ->Arg(items)
+                ->Unit(benchmark::kMillisecond);
     }
     benchmark::RunSpecifiedBenchmarks();
     return 0;

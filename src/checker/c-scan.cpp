@@ -1,11 +1,13 @@
 #include "checker/c-scan.h"
 
 #include "app/global.h"
+#include "checker/c-skip.h"
 #include "source/item-index.h"
 #include "support/string.h"
 #include "support/zel_malloc.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -64,6 +66,7 @@ constexpr request_form request_forms[] = {
 
 constexpr std::size_t NAME_SIZE = 1024; // of a group, item or place, with the closing NUL
 constexpr std::size_t APP_SIZE = 2048;
+constexpr std::size_t READ_SIZE = 1 << 16;
 using name_buffer = char[NAME_SIZE];
 
 // Every level of strings inside strings needs a longer text around it; deeper ones are no scripts.
@@ -77,10 +80,7 @@ struct scan {
     unsigned string_depth; // string literals around the text being read
 };
 
-int line_of(const zel_token_t *token)
-{
-    return static_cast<int>(token->line);
-}
+int line_of(const zel_token_t *token) { return static_cast<int>(token->line); }
 
 // Ends the process; where a handler stands in for that, what the scan returns.
 int end_run()
@@ -365,6 +365,7 @@ int read_literals(const scan &s, zel_lex_t *lex, const zel_token_t *token)
 int read_tokens(const scan &s, zel_lex_t *lex)
 {
     for (;;) {
+        zel::skip_plain_code(lex);
         const zel_token_t *token = zel_next_token(lex);
         const int kind = token->id;
         if (kind == TOKEN_EOF)
@@ -440,10 +441,7 @@ int check_c_file(LangSource *root, const char *path)
 
 namespace zel {
 
-zel_lex_t *new_check_scanner()
-{
-    return zel_lex_new(check_words, check_flags);
-}
+zel_lex_t *new_check_scanner() { return zel_lex_new(check_words, check_flags); }
 
 int check_file(item_index &index, const char *path)
 {
@@ -463,6 +461,9 @@ int check_file(item_index &index, const char *path)
         std::printf("ERROR(4): unable to open file %s\n", shown);
         return end_run();
     }
+    // One area for all files: most are read with one call, and none allocates.
+    static std::array<char, READ_SIZE> area;
+    std::setvbuf(zel_lex_buf_file_get_fp(buffer.get()), area.data(), _IOFBF, area.size());
     zel_lex_set_buf(lex.get(), buffer.get());
     const symtab_guard symbols(symtab_new());
     return read_tokens({index, symbols.get(), path, 0}, lex.get());

@@ -31,15 +31,9 @@ std::uint32_t find(const symtab_t *table, std::uint32_t hash, const char *name)
 
 } // namespace
 
-symtab_t *symtab_new()
-{
-    return new symtab_t;
-}
+symtab_t *symtab_new() { return new symtab_t; }
 
-void symtab_free(symtab_t *table)
-{
-    delete table;
-}
+void symtab_free(symtab_t *table) { delete table; }
 
 int symtab_add(symtab_t *table, const char *name, const char *value)
 {

@@ -38,10 +38,7 @@ private:
     int length = 0;
 };
 
-bool ends_line(int character)
-{
-    return character == '\n' || character == ZEL_LEX_EOF;
-}
+bool ends_line(int character) { return character == '\n' || character == ZEL_LEX_EOF; }
 
 // After "[": up to "]", or to the end of a line that lacks it.
 void scan_section(zel_lex_buf_t *buf, token_text &text)

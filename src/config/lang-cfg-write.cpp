@@ -60,10 +60,7 @@ constexpr print_fn write_value[] = {nullptr,      write_hex,    write_octal, wri
                                     write_string, write_double, write_text};
 static_assert(std::size(write_value) == CFG_VOID + 1);
 
-bool known_type(const cfg_entry_t *key)
-{
-    return key->type >= CFG_HEX && key->type <= CFG_VOID;
-}
+bool known_type(const cfg_entry_t *key) { return key->type >= CFG_HEX && key->type <= CFG_VOID; }
 
 void warn_type(const cfg_entry_t *key)
 {

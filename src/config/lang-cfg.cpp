@@ -83,8 +83,7 @@ int fail_locked(lang_cfg_t *store, const char *message)
 // A message with errno, on standard output and in the log.
 int fail_write(const char *what, int error, int result)
 {
-    const zel::string_guard text(
-        zel_strdup_printf("cfg_write: ERROR %s errno %d\n", what, error));
+    const zel::string_guard text(zel_strdup_printf("cfg_write: ERROR %s errno %d\n", what, error));
     std::fputs(text ? text.get() : "", stdout);
     LogPrint(1, "%s", text ? text.get() : "");
     return result;

@@ -31,10 +31,10 @@ struct dialog_state {
     LangSource *source;
     GMainLoop *loop;
     GtkWidget *path_entry;
-    GtkWidget *rows_box;  // the popup's content box
-    GtkWidget *spin;      // of the what's-new time, or null
-    int rows_above;       // widgets of rows_box that stand above the next new language
-    bool gone;            // the window has been destroyed
+    GtkWidget *rows_box; // the popup's content box
+    GtkWidget *spin;     // of the what's-new time, or null
+    int rows_above;      // widgets of rows_box that stand above the next new language
+    bool gone;           // the window has been destroyed
 };
 
 const char *text(const char *item) { return zel::ui_text("define", item); }
@@ -215,8 +215,8 @@ void add_whatsnew(dialog_state *dialog)
     GtkWidget *line = add_line(dialog->rows_box);
     GtkWidget *caption = gtk_label_new(text("Whatsnew time"));
     gtk_box_pack_start(GTK_BOX(line), caption, FALSE, FALSE, 0);
-    GtkObject *range = gtk_adjustment_new(static_cast<double>(dialog->source->whatsnew), 0,
-                                          whatsnew_end, 1, 0, 0);
+    GtkObject *range =
+        gtk_adjustment_new(static_cast<double>(dialog->source->whatsnew), 0, whatsnew_end, 1, 0, 0);
     GtkWidget *spin = gtk_spin_button_new(GTK_ADJUSTMENT(range), 1, 0);
     gtk_spin_button_set_numeric(GTK_SPIN_BUTTON(spin), TRUE);
     gtk_entry_set_activates_default(GTK_ENTRY(spin), TRUE);
@@ -280,8 +280,8 @@ void build(dialog_state *dialog)
     if (dialog->source != nullptr) {
         add_languages(dialog);
         if (may_edit) {
-            GtkWidget *add = zel::popup_add_button(defineWin, text("Add"), button_width,
-                                                   zel::POPUP_PLAIN);
+            GtkWidget *add =
+                zel::popup_add_button(defineWin, text("Add"), button_width, zel::POPUP_PLAIN);
             g_signal_connect(add, "clicked", G_CALLBACK(define_button_add), dialog);
         }
     }
@@ -320,8 +320,10 @@ GList *define_create_entry(GtkWidget *box, GList *rows, lang_t *lang)
 int define_open(GtkWidget *parent, LangSource *source)
 {
     defineWin = zel_popup_new();
-    dialog_state dialog{source, g_main_loop_new(nullptr, FALSE), nullptr,
-                        ZEL_POPUP(defineWin)->content_box, nullptr, 0, false};
+    dialog_state dialog{source,  g_main_loop_new(nullptr, FALSE),
+                        nullptr, ZEL_POPUP(defineWin)->content_box,
+                        nullptr, 0,
+                        false};
     set_name(defineWin, text("language"));
     build(&dialog);
     g_signal_connect(defineWin, "configure-event", G_CALLBACK(define_configure), nullptr);

@@ -18,8 +18,7 @@ struct chooser {
     chooser(GtkWidget *parent, const char *title, GtkFileChooserAction action, const char *accept)
         : dialog(gtk_file_chooser_dialog_new(
               title == nullptr ? nullptr : zel::utf8_shown(title).c_str(), zel::window_of(parent),
-              action, GTK_STOCK_CANCEL, GTK_RESPONSE_CANCEL, accept, GTK_RESPONSE_ACCEPT,
-              nullptr))
+              action, GTK_STOCK_CANCEL, GTK_RESPONSE_CANCEL, accept, GTK_RESPONSE_ACCEPT, nullptr))
     {
         gtk_dialog_set_default_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT);
         g_signal_connect(dialog, "destroy", G_CALLBACK(gtk_widget_destroyed), &dialog);

@@ -55,9 +55,8 @@ void filter(gboolean on)
 void show_manual(GtkWidget *widget, const char *path)
 {
     using glib_string = std::unique_ptr<gchar, zel::release<g_free>>;
-    const glib_string absolute(g_path_is_absolute(path)
-                                   ? g_strdup(path)
-                                   : g_build_filename(".", path, nullptr));
+    const glib_string absolute(g_path_is_absolute(path) ? g_strdup(path)
+                                                        : g_build_filename(".", path, nullptr));
     const glib_string uri(g_filename_to_uri(absolute.get(), nullptr, nullptr));
     if (uri && gtk_show_uri(gtk_widget_get_screen(widget), uri.get(), GDK_CURRENT_TIME, nullptr))
         return;
@@ -85,8 +84,7 @@ void cb_empty_toolbar(GtkWidget *widget, gpointer)
 
 void cb_posnr(GtkWidget *widget, gpointer)
 {
-    lang_global.posnr =
-        gtk_toggle_tool_button_get_active(GTK_TOGGLE_TOOL_BUTTON(widget)) ? 1 : 0;
+    lang_global.posnr = gtk_toggle_tool_button_get_active(GTK_TOGGLE_TOOL_BUTTON(widget)) ? 1 : 0;
 }
 
 void cb_settings(GtkWidget *widget, gpointer)

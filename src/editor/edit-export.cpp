@@ -77,8 +77,7 @@ void import_file(GtkWidget *widget, const char *path)
         zel::status_and_message(widget, "common", "status", "ERROR: No language");
         return;
     }
-    std::printf("cb_import: Group %p lang=%s\n", static_cast<void *>(def_group),
-                handle->language);
+    std::printf("cb_import: Group %p lang=%s\n", static_cast<void *>(def_group), handle->language);
     if (lang_import(def_group, handle.get()) != 0) {
         zel::status_and_message(widget, "common", "status", "ERROR: Import file");
         return;

@@ -121,9 +121,8 @@ bool write_pair(const char *folder, const char *date, const char *other)
 {
     zel::replace_string(lang_global.output_lang_2, zel_strdup(other));
     std::array<char, path_size> path{};
-    const int length =
-        std::snprintf(path.data(), path.size(), "%s/%s-%s-%s-out.lang-src", folder, date,
-                      lang_global.output_lang_1, lang_global.output_lang_2);
+    const int length = std::snprintf(path.data(), path.size(), "%s/%s-%s-%s-out.lang-src", folder,
+                                     date, lang_global.output_lang_1, lang_global.output_lang_2);
     return length > 0 && static_cast<std::size_t>(length) < path.size() &&
            lang_write_file(path.data(), def_group) == 0;
 }
@@ -161,10 +160,7 @@ void save_selected(GtkWidget *widget)
 }
 
 // True when the program may end.
-bool may_exit(GtkWidget *widget)
-{
-    return lang_global.modified == 0 || zel::ask_discard(widget);
-}
+bool may_exit(GtkWidget *widget) { return lang_global.modified == 0 || zel::ask_discard(widget); }
 
 } // namespace
 

@@ -47,8 +47,8 @@ constexpr menu_row title(unsigned modes, const char *text)
 
 constexpr menu_row line(unsigned modes)
 {
-    return {entry::separator, modes, nullptr, nullptr, nullptr, 0, no_modifier, key_use::none,
-            nullptr};
+    return {entry::separator, modes,         nullptr, nullptr, nullptr, 0,
+            no_modifier,      key_use::none, nullptr};
 }
 
 constexpr const char *export_text = "Export to language files (*.lang)";
@@ -78,11 +78,11 @@ constexpr menu_row menu_rows[] = {
 
     title(MODE_0, "_Export"),
     title(MODES_1_2, "_Export/Import"),
-    {entry::item, ALL_MODES, "toolbar", export_text, GTK_STOCK_CONVERT, GDK_KEY_End,
-     GDK_MOD1_MASK, key_use::shown, cb_export},
+    {entry::item, ALL_MODES, "toolbar", export_text, GTK_STOCK_CONVERT, GDK_KEY_End, GDK_MOD1_MASK,
+     key_use::shown, cb_export},
     line(MODES_1_2),
-    {entry::item, MODES_1_2, "toolbar", "Import language file (*.lang)",
-     GTK_STOCK_REVERT_TO_SAVED, 0, no_modifier, key_use::none, cb_import},
+    {entry::item, MODES_1_2, "toolbar", "Import language file (*.lang)", GTK_STOCK_REVERT_TO_SAVED,
+     0, no_modifier, key_use::none, cb_import},
     line(MODES_1_2),
     {entry::item, MODES_1_2, "menu", "Save selected language file(*.lang-src)", GTK_STOCK_COPY, 0,
      no_modifier, key_use::none, cb_save_selected_lang},
@@ -219,9 +219,9 @@ void add_button(GtkWidget *toolbar, const tool_row &row)
     GtkWidget *icon = gtk_image_new_from_stock(row.stock, GTK_ICON_SIZE_LARGE_TOOLBAR);
     const bool toggles = row.kind == tool::toggle;
     const bool is_posnr = row.act == cb_posnr;
-    GtkWidget *button = zel_toolbar_append_element(
-        toolbar, toggles ? ZEL_TOOL_TOGGLE : ZEL_TOOL_BUTTON, nullptr, tooltip, tooltip, icon,
-        nullptr, nullptr);
+    GtkWidget *button =
+        zel_toolbar_append_element(toolbar, toggles ? ZEL_TOOL_TOGGLE : ZEL_TOOL_BUTTON, nullptr,
+                                   tooltip, tooltip, icon, nullptr, nullptr);
     if (is_posnr)
         gtk_toggle_tool_button_set_active(GTK_TOGGLE_TOOL_BUTTON(button), lang_global.posnr != 0);
     else if (toggles)

@@ -46,9 +46,9 @@ gboolean press_on_escape(GtkWidget *, GdkEventKey *event, gpointer button)
 
 GType zel_popup_get_type()
 {
-    static const GType type = g_type_register_static_simple(
-        GTK_TYPE_WINDOW, "ZelPopup", sizeof(ZelPopupClass), nullptr, sizeof(ZelPopup), popup_init,
-        GTypeFlags{});
+    static const GType type =
+        g_type_register_static_simple(GTK_TYPE_WINDOW, "ZelPopup", sizeof(ZelPopupClass), nullptr,
+                                      sizeof(ZelPopup), popup_init, GTypeFlags{});
     return type;
 }
 
@@ -85,7 +85,7 @@ GtkWindow *window_of(GtkWidget *widget)
     }
     GtkWidget *top = widget == nullptr ? nullptr : gtk_widget_get_toplevel(widget);
     return top != nullptr && gtk_widget_is_toplevel(top) && GTK_IS_WINDOW(top) ? GTK_WINDOW(top)
-                                                                              : nullptr;
+                                                                               : nullptr;
 }
 
 void popup_run(GtkWidget *popup, GtkWidget *parent, GMainLoop *loop)

@@ -30,9 +30,9 @@ constexpr column_t columns[] = {
     {"Date", cell::text, COL_DATE, COL_TIME, false, 200, PANGO_ELLIPSIZE_END},
     {"Ready", cell::ready, COL_READY, COL_READY, false, 0, PANGO_ELLIPSIZE_NONE},
     {"Group", cell::text, COL_GROUP, no_sort, false, 110, PANGO_ELLIPSIZE_MIDDLE},
-    {"Item", cell::text, COL_ITEM, no_sort, true, 160, PANGO_ELLIPSIZE_MIDDLE},
-    {"Language 1", cell::text, COL_LANG1, no_sort, true, 160, PANGO_ELLIPSIZE_END},
-    {"Language 2", cell::text, COL_LANG2, no_sort, true, 160, PANGO_ELLIPSIZE_END},
+    {"Item", cell::text, COL_ITEM, no_sort, true, 110, PANGO_ELLIPSIZE_MIDDLE},
+    {"Language 1", cell::text, COL_LANG1, no_sort, true, 100, PANGO_ELLIPSIZE_END},
+    {"Language 2", cell::text, COL_LANG2, no_sort, true, 100, PANGO_ELLIPSIZE_END},
 };
 
 constexpr int sampled_rows = 60;

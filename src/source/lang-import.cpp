@@ -89,9 +89,9 @@ void import_item(const edit_t *group, item_t *item, lang_handle_t *handle)
     // What has no name is never found; the lookup would take the empty name for it.
     const bool named = group->name != nullptr && item->name != nullptr;
     std::int32_t found = 0;
-    const char *text = named ? __lang_get_str(handle, group->name, item->name, &found, __FILE__,
-                                              __LINE__)
-                             : nullptr;
+    const char *text =
+        named ? __lang_get_str(handle, group->name, item->name, &found, __FILE__, __LINE__)
+              : nullptr;
     dbg_printf("    text >%s:%s< >%s<\n", group->name == nullptr ? "" : group->name,
                item->name == nullptr ? "" : item->name, text == nullptr ? "" : text);
     if (text != nullptr)

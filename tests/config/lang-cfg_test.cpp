@@ -105,7 +105,8 @@ TEST_F(Store, ReadsEveryTypeAndWritesTheSameFile)
     EXPECT_STREQ(bound.text, "C:\\a \"b\"");
     EXPECT_EQ(bound.real, -2.5);
     EXPECT_EQ(bound.write(), 0);
-    EXPECT_EQ(bound.printed, "lang_write_cfg: >" + file.string() + ".tmp<>" + file.string() + "<\n");
+    EXPECT_EQ(bound.printed,
+              "lang_write_cfg: >" + file.string() + ".tmp<>" + file.string() + "<\n");
     // The store's own keys and bindings come before what only the file knew.
     EXPECT_EQ(get(), full);
     EXPECT_FALSE(fs::exists(file.string() + ".tmp"));
@@ -352,24 +353,31 @@ TEST_F(Store, TheListingShowsEveryKeyWithAValue)
     EXPECT_EQ(lang_cfg_print_all(bound.store.get()), 0);
     const std::string listing = testing::internal::GetCapturedStdout();
     const std::string name = file.string();
-    EXPECT_EQ(listing,
-              "cfg_print_all:---------------------------------------------\n"
-              "cfg_print_all: tmp  ->" + name + ".tmp<-\n"
-              "cfg_print_all: lock ->" + name + ".lock<-\n"
-              "cfg_print_all: cfg  ->" + name + "<-\n"
-              "cfg_print_all: name ->a<-\n"
-              "cfg_print_all: path ->" + folder.string() + "<-\n"
-              "cfg_print_all: ------->File ebene\n"
-              "cfg_print_all: version = 7\n"
-              "cfg_print_all: free = (void)->-top<-\n"
-              "cfg_print_all: ------->[s]\n"
-              "cfg_print_all: hex = (hex)0x0000beef\n"
-              "cfg_print_all: octal = (octal)644\n"
-              "cfg_print_all: long = -5\n"
-              "cfg_print_all: str = (str)->C:\\a \"b\"<-\n"
-              "cfg_print_all: double = (double)-2.500000\n"
-              "cfg_print_all: own = (void)->kept as it is<-\n"
-              "cfg_print_all: ------->[other]\n"
-              "cfg_print_all: key = (void)->-3<-\n"
-              "cfg_print_all: exit\n");
+    EXPECT_EQ(listing, "cfg_print_all:---------------------------------------------\n"
+                       "cfg_print_all: tmp  ->" +
+                           name +
+                           ".tmp<-\n"
+                           "cfg_print_all: lock ->" +
+                           name +
+                           ".lock<-\n"
+                           "cfg_print_all: cfg  ->" +
+                           name +
+                           "<-\n"
+                           "cfg_print_all: name ->a<-\n"
+                           "cfg_print_all: path ->" +
+                           folder.string() +
+                           "<-\n"
+                           "cfg_print_all: ------->File ebene\n"
+                           "cfg_print_all: version = 7\n"
+                           "cfg_print_all: free = (void)->-top<-\n"
+                           "cfg_print_all: ------->[s]\n"
+                           "cfg_print_all: hex = (hex)0x0000beef\n"
+                           "cfg_print_all: octal = (octal)644\n"
+                           "cfg_print_all: long = -5\n"
+                           "cfg_print_all: str = (str)->C:\\a \"b\"<-\n"
+                           "cfg_print_all: double = (double)-2.500000\n"
+                           "cfg_print_all: own = (void)->kept as it is<-\n"
+                           "cfg_print_all: ------->[other]\n"
+                           "cfg_print_all: key = (void)->-3<-\n"
+                           "cfg_print_all: exit\n");
 }

@@ -10,7 +10,6 @@
 #include <deque>
 #include <filesystem>
 #include <fstream>
-#include <set>
 #include <sstream>
 #include <unistd.h>
 
@@ -20,9 +19,10 @@ namespace {
 namespace fs = std::filesystem;
 
 std::deque<answer_fn> answers;
-std::set<GtkWidget *> answered; // dialogs that have had their answer and are still up
+constexpr const char *answered = "test-answered"; // data of a dialog that has had its answer
 std::vector<std::string> warning_log;
 guint watcher;
+constexpr unsigned time_limit = 60; // seconds; a test that waits for ever ends the program
 
 void note_warning(const gchar *domain, GLogLevelFlags level, const gchar *message, gpointer)
 {
@@ -43,17 +43,12 @@ void each_toplevel(Fn visit)
 GtkWidget *unanswered_dialog()
 {
     GtkWidget *found = nullptr;
-    std::set<GtkWidget *> still_up;
     each_toplevel([&](GtkWidget *window) {
-        if (!GTK_IS_WINDOW(window) || !gtk_widget_get_mapped(window) ||
-            !gtk_window_get_modal(GTK_WINDOW(window)))
-            return;
-        if (answered.count(window) != 0)
-            still_up.insert(window);
-        else
+        if (GTK_IS_WINDOW(window) && gtk_widget_get_mapped(window) &&
+            gtk_window_get_modal(GTK_WINDOW(window)) &&
+            g_object_get_data(G_OBJECT(window), answered) == nullptr)
             found = window;
     });
-    answered = still_up;
     return found;
 }
 
@@ -62,7 +57,7 @@ gboolean watch_dialogs(gpointer)
     GtkWidget *dialog = unanswered_dialog();
     if (dialog == nullptr)
         return TRUE;
-    answered.insert(dialog);
+    g_object_set_data(G_OBJECT(dialog), answered, GINT_TO_POINTER(1));
     if (answers.empty()) {
         std::string texts;
         for (const std::string &text : label_texts(dialog))
@@ -216,9 +211,8 @@ std::vector<std::string> menu_texts(GtkWidget *window)
 {
     std::vector<std::string> texts;
     walk_menus(find_type(window, GTK_TYPE_MENU_BAR), [&](GtkWidget *item) {
-        texts.emplace_back(GTK_IS_SEPARATOR_MENU_ITEM(item)
-                               ? "-"
-                               : gtk_menu_item_get_label(GTK_MENU_ITEM(item)));
+        texts.emplace_back(
+            GTK_IS_SEPARATOR_MENU_ITEM(item) ? "-" : gtk_menu_item_get_label(GTK_MENU_ITEM(item)));
     });
     return texts;
 }
@@ -243,9 +237,8 @@ std::string run_editor(const std::string &file, const std::function<void()> &sce
         return FALSE;
     };
     return zel_test::capture_stdout([&] {
-        const guint source =
-            g_idle_add_full(G_PRIORITY_LOW, start,
-                            const_cast<std::function<void()> *>(&scenario), nullptr);
+        const guint source = g_idle_add_full(
+            G_PRIORITY_LOW, start, const_cast<std::function<void()> *>(&scenario), nullptr);
         EXPECT_EQ(edit_start(file.empty() ? nullptr : file.c_str()), 0);
         if (g_main_context_find_source_by_id(nullptr, source) != nullptr)
             g_source_remove(source); // the editor did not get as far as its main loop
@@ -264,15 +257,9 @@ GtkWidget *window_titled(const std::string &title)
     return found;
 }
 
-void answer_next(answer_fn answer)
-{
-    answers.push_back(std::move(answer));
-}
+void answer_next(answer_fn answer) { answers.push_back(std::move(answer)); }
 
-std::size_t answers_left()
-{
-    return answers.size();
-}
+std::size_t answers_left() { return answers.size(); }
 
 answer_fn press(const std::string &button_text)
 {
@@ -390,10 +377,7 @@ void type(GtkWidget *window, const char *ascii)
     }
 }
 
-std::vector<std::string> &warnings()
-{
-    return warning_log;
-}
+std::vector<std::string> &warnings() { return warning_log; }
 
 std::string read_file(const std::string &path)
 {
@@ -417,13 +401,14 @@ Test::Test()
     lang_global = {};
     warning_log.clear();
     answers.clear();
-    answered.clear();
+    alarm(time_limit);
     g_log_set_default_handler(note_warning, nullptr);
     watcher = g_timeout_add(5, tick, nullptr);
 }
 
 Test::~Test()
 {
+    alarm(0);
     g_source_remove(watcher);
     EXPECT_EQ(answers.size(), 0U) << "dialogs that were announced and never came";
     for (const std::string &warning : warning_log)

@@ -30,7 +30,8 @@ std::vector<GtkWidget *> find_all(GtkWidget *root, GType type);
 // The texts of all labels below a widget, hidden ones too, in the order of the walk.
 std::vector<std::string> label_texts(GtkWidget *root);
 
-// The entry of the window's menu bar with that text (the first, in the order of the menus), or null.
+// The entry of the window's menu bar with that text (the first, in the order of the menus), or
+// null.
 GtkWidget *menu_entry(GtkWidget *window, const std::string &text);
 
 // Texts of a menu bar: the titles, each followed by its entries; "-" is a separator.

@@ -1,0 +1,261 @@
+#include "checker/c-skip.h"
+
+#include "lex/lex.h"
+
+#include <array>
+#include <cstring>
+#include <string_view>
+#include <strings.h>
+
+// The scanner has the last word on every token: this only jumps from one place that may matter to
+// the next, and leaves to the scanner what begins there. Every word of a request has "lang" in it,
+// and every other text is only of interest inside quotes or after "#".
+
+namespace zel {
+
+namespace {
+
+enum byte_kind : unsigned char {
+    PLAIN,
+    FEED,
+    LETTER_L, // of "lang"
+    QUOTE,
+    SLASH,
+    HASH,
+    DOUBT // a carriage return drops out of the text, a NUL is lost when it is looked ahead
+};
+
+constexpr std::array<byte_kind, 256> make_kinds()
+{
+    std::array<byte_kind, 256> kinds{};
+    kinds['\n'] = FEED;
+    kinds['l'] = kinds['L'] = LETTER_L;
+    kinds['"'] = kinds['\''] = QUOTE;
+    kinds['/'] = SLASH;
+    kinds['#'] = HASH;
+    kinds['\0'] = kinds['\r'] = DOUBT;
+    return kinds;
+}
+
+enum : unsigned char {
+    IN_IDENT = 1,
+    DELIMITER = 2 // a whole token or white space; nothing goes on behind it
+};
+
+constexpr std::array<unsigned char, 256> make_parts()
+{
+    std::array<unsigned char, 256> parts{};
+    for (unsigned c = 0; c < 256; ++c) {
+        const bool digit = c >= '0' && c <= '9';
+        const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+        if (digit || letter || c == '_' || c >= 128)
+            parts[c] = IN_IDENT;
+    }
+    for (const unsigned char c : std::string_view(" \t\n$%()*,:;?[\\]{}~"))
+        parts[c] = DELIMITER;
+    return parts;
+}
+
+constexpr auto kinds = make_kinds();
+constexpr auto parts = make_parts();
+constexpr std::string_view define = "define";
+
+using place = const unsigned char *;
+
+// The walk over one block.
+struct walk {
+    place end;
+    place at;                // how far it is taken
+    place known;             // a token surely begins here
+    place line = nullptr;    // behind the last line feed
+    std::uint32_t lines = 0; // line feeds passed
+
+    void run();
+    bool pass();
+    bool pass_feed(place feed);
+    bool pass_letter();
+    bool pass_slash();
+    bool pass_block_comment();
+    bool pass_hash();
+    bool pass_return();
+    bool stop_before();
+    place run_end(place from) const;
+    place blanks_end(place from) const;
+};
+
+// Leaves the token that is being passed over to the scanner.
+bool walk::stop_before()
+{
+    while (at != known && (parts[at[-1]] & DELIMITER) == 0)
+        --at;
+    return false;
+}
+
+bool walk::pass_feed(place feed)
+{
+    ++lines;
+    line = at = feed + 1;
+    return true;
+}
+
+bool walk::pass_letter()
+{
+    if (end - at < 4 || ((at[1] | 0x20) == 'a' && (at[2] | 0x20) == 'n' && (at[3] | 0x20) == 'g'))
+        return stop_before();
+    ++at;
+    return true;
+}
+
+bool walk::pass_return()
+{
+    if (at[0] != '\r' || at[1] != '\n')
+        return stop_before();
+    ++at;
+    return true;
+}
+
+bool walk::pass_block_comment()
+{
+    const walk before = *this;
+    for (at += 2; at + 1 < end; ++at) {
+        if (*at == '\n') {
+            ++lines;
+            line = at + 1;
+        } else if (*at == '*' && at[1] == '/') {
+            at += 2;
+            known = at;
+            return true;
+        } else if (*at == '*' && at[1] == '\r') {
+            break;
+        }
+    }
+    *this = before;
+    return false;
+}
+
+bool walk::pass_slash()
+{
+    if (at[1] == '*')
+        return pass_block_comment();
+    if (at[1] == '/') {
+        const void *feed = std::memchr(at, '\n', static_cast<std::size_t>(end - at));
+        if (feed == nullptr)
+            return false;
+        pass_feed(static_cast<place>(feed));
+        known = at;
+        return true;
+    }
+    if (kinds[at[1]] == DOUBT)
+        return false;
+    ++at;
+    return true;
+}
+
+// The end of an identifier; end when it is not surely there.
+place walk::run_end(place from) const
+{
+    while (from != end && (parts[*from] & IN_IDENT) != 0)
+        ++from;
+    return from != end && kinds[*from] != DOUBT ? from : end;
+}
+
+place walk::blanks_end(place from) const
+{
+    while (from != end && (*from == ' ' || *from == '\t'))
+        ++from;
+    return from;
+}
+
+// A "#" counts before "define", and that only with a name and a string behind it. The name of the
+// application begins with a letter that is left alone.
+bool walk::pass_hash()
+{
+    const place word = blanks_end(at + 1);
+    const place word_end = run_end(word);
+    if (word_end == word || word_end == end)
+        return false;
+    known = word;
+    if (static_cast<std::size_t>(word_end - word) == define.size() &&
+        strncasecmp(reinterpret_cast<const char *>(word), define.data(), define.size()) == 0) {
+        const place name = blanks_end(word_end);
+        const place name_end = run_end(name);
+        const place value = blanks_end(name_end);
+        if (name_end == name || value == end || (*name | 0x20) == 'z' || *value == '"' ||
+            kinds[*value] == FEED || kinds[*value] == SLASH || kinds[*value] == DOUBT) {
+            known = at;
+            return false;
+        }
+        known = name;
+    }
+    at = known;
+    return true;
+}
+
+// Passes what stands here; false when the scanner is to go on. at + 1 is in the block.
+bool walk::pass()
+{
+    switch (kinds[*at]) {
+    case PLAIN:
+        ++at;
+        return true;
+    case FEED:
+        return pass_feed(at);
+    case LETTER_L:
+        return pass_letter();
+    case SLASH:
+        return pass_slash();
+    case HASH:
+        return pass_hash();
+    case DOUBT:
+        return pass_return();
+    case QUOTE:
+        break;
+    }
+    return false;
+}
+
+void walk::run()
+{
+    for (;;) {
+        while (at + 1 < end && kinds[*at] == PLAIN)
+            ++at;
+        if (at + 1 >= end) {
+            stop_before();
+            return;
+        }
+        if (!pass())
+            return;
+    }
+}
+
+bool block_is_open(const zel_lex_t *lex)
+{
+    constexpr unsigned flags = LEX_NEWLINE_SPACE | LEX_LINE_MARKERS | LEX_NO_COMMENTS;
+    const zel_lex_buf_t *buf = lex->buf;
+    return lex->ahead->id == 0 && lex->get_token == zel_get_token &&
+           lex->do_numeric == lex_do_numeric && (lex->flags & flags) == LEX_NEWLINE_SPACE &&
+           buf != nullptr && buf->direct != 0 && buf->held == 0 &&
+           buf->next_char == buf_shared_next_char && buf->look_ahead == buf_shared_look_ahead &&
+           buf->index < buf->count;
+}
+
+} // namespace
+
+void skip_plain_code(zel_lex_t *lex)
+{
+    if (!block_is_open(lex))
+        return;
+    zel_lex_buf_t *buf = lex->buf;
+    const place begin = buf->data + buf->index;
+    walk block{buf->data + buf->count, begin, begin};
+    block.run();
+    const auto taken = static_cast<std::uint32_t>(block.at - begin);
+    buf->index += taken;
+    buf->position += taken;
+    buf->line += block.lines;
+    buf->marker_line += block.lines;
+    buf->column = block.line == nullptr ? buf->column + taken
+                                        : static_cast<std::uint32_t>(block.at - block.line);
+}
+
+} // namespace zel

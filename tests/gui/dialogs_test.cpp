@@ -1,0 +1,181 @@
+// Popup, message box, choosers, and the toolkit layer's own additions.
+
+#include "editor/dir_file_sel.h"
+#include "editor/gtk-compat.h"
+#include "editor/lang-box.h"
+#include "editor/popup.h"
+#include "gui-support.h"
+#include "test-support.h"
+
+#include <gdk/gdkkeysyms.h>
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+using namespace gui;
+using testing::ElementsAre;
+namespace fs = std::filesystem;
+
+namespace {
+
+class Dialogs : public Test {
+protected:
+    static std::string box(GtkWidget *parent, const char *text, answer_fn answer)
+    {
+        answer_next(std::move(answer));
+        return zel_test::capture_stdout([&] { lang_msg_box(parent, text); });
+    }
+    static std::string taken(char *path) { return zel_test::take(path); }
+};
+
+} // namespace
+
+TEST_F(Dialogs, MessageBoxShowsItsTextUntilItIsAnswered)
+{
+    std::string seen;
+    EXPECT_EQ(box(nullptr, nullptr, see(&seen, press("Ok"))),
+              "msg_box_ok: msg_box: g_main_loop_quit\n");
+    EXPECT_EQ(seen, "Info\nOk");
+    EXPECT_EQ(winMsg, nullptr);
+    EXPECT_EQ(box(nullptr, "bad \xff byte", see(&seen, close_window())),
+              "destroy_event: msg_box: g_main_loop_quit\n");
+    EXPECT_EQ(seen, "bad \xef\xbf\xbd byte\nOk");
+    for (const guint end : {GDK_KEY_Return, GDK_KEY_Escape}) {
+        box(nullptr, "keys", [end](GtkWidget *dialog) {
+            settle();
+            key(dialog, end);
+        });
+    }
+}
+
+TEST_F(Dialogs, MessageBoxBelongsToTheWindowOfItsParent)
+{
+    GtkWidget *window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    GtkWidget *button = gtk_button_new();
+    gtk_container_add(GTK_CONTAINER(window), button);
+    gtk_widget_show_all(window);
+    gtk_window_set_modal(GTK_WINDOW(window), FALSE);
+    box(button, "one", [&](GtkWidget *dialog) {
+        EXPECT_EQ(gtk_window_get_transient_for(GTK_WINDOW(dialog)), GTK_WINDOW(window));
+        EXPECT_TRUE(ZEL_IS_POPUP(dialog));
+        press("Ok")(dialog);
+    });
+    EXPECT_FALSE(gtk_window_get_modal(GTK_WINDOW(window)));
+    box(button, "goes with it", [&](GtkWidget *) { gtk_widget_destroy(window); });
+    EXPECT_EQ(winMsg, nullptr);
+}
+
+TEST_F(Dialogs, PopupTakesOneIcon)
+{
+    GtkWidget *popup = zel_popup_new();
+    EXPECT_STREQ(gtk_window_get_title(GTK_WINDOW(popup)), " ");
+    EXPECT_TRUE(gtk_widget_get_realized(popup));
+    GtkWidget *first = gtk_image_new();
+    GtkWidget *second = gtk_image_new();
+    EXPECT_EQ(zel_popup_set_icon(popup, first), 0);
+    EXPECT_EQ(zel_popup_set_icon(popup, second), 0);
+    EXPECT_THAT(find_all(ZEL_POPUP(popup)->icon_box, GTK_TYPE_IMAGE), ElementsAre(second));
+    EXPECT_EQ(zel_popup_set_icon(popup, nullptr), 0);
+    EXPECT_EQ(ZEL_POPUP(popup)->icon, nullptr);
+    EXPECT_EQ(zel_popup_set_icon(nullptr, nullptr), 1);
+    EXPECT_EQ(zel_popup_set_icon(ZEL_POPUP(popup)->frame, nullptr), 1);
+    ASSERT_EQ(warnings().size(), 2U);
+    EXPECT_THAT(warnings()[0], testing::HasSubstr("assertion 'widget != NULL' failed"));
+    EXPECT_THAT(warnings()[1], testing::HasSubstr("assertion 'ZEL_IS_POPUP(widget)' failed"));
+    warnings().clear();
+    gtk_widget_destroy(popup);
+}
+
+TEST_F(Dialogs, ChoosersGiveTheChosenPathOrNothing)
+{
+    write_file(path("a.lang"), "");
+    write_file(path("b.lang"), "");
+    fs::create_directory("sub");
+    answer_next(respond(GTK_RESPONSE_CANCEL));
+    EXPECT_EQ(file_sel_read(nullptr, "read", nullptr, nullptr), nullptr);
+    answer_next(close_window());
+    EXPECT_EQ(dir_sel(nullptr, "folder", nullptr), nullptr);
+
+    answer_next(choose(path("sub")));
+    EXPECT_EQ(taken(dir_sel(nullptr, "folder", folder.c_str())), path("sub"));
+    answer_next(type_name(folder, "new name"));
+    EXPECT_EQ(taken(file_sel_write(nullptr, "write", nullptr, nullptr)), path("new name"));
+
+    // The preset is what comes out when the user only accepts; backslashes are turned in place.
+    std::string preset = path("a.lang");
+    preset[folder.size()] = '\\';
+    std::string unborn = path("unborn");
+    const struct {
+        char *(*select)(GtkWidget *, const char *, char *, char *);
+        char *name;
+    } rows[] = {{file_sel_read, preset.data()},
+                {file_sel_write, preset.data()},
+                {file_sel_write, unborn.data()}};
+    for (const auto &[select, name] : rows) {
+        answer_next([](GtkWidget *dialog) {
+            settle(300);
+            gtk_dialog_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT);
+        });
+        EXPECT_EQ(taken(select(nullptr, "preset", nullptr, name)), name);
+    }
+    EXPECT_EQ(preset, path("a.lang"));
+}
+
+TEST_F(Dialogs, SeveralFilesAreFilteredByTheirPatterns)
+{
+    for (const char *name : {"a.one", "b.two", "c.three"})
+        write_file(path(name), "");
+    answer_next([this](GtkWidget *dialog) {
+        GtkFileChooser *chooser = GTK_FILE_CHOOSER(dialog);
+        GtkFileFilter *filter = gtk_file_chooser_get_filter(chooser);
+        const auto passes = [filter](const char *name) {
+            GtkFileFilterInfo info{};
+            info.contains = GTK_FILE_FILTER_DISPLAY_NAME;
+            info.display_name = name;
+            return gtk_file_filter_filter(filter, &info) != 0;
+        };
+        EXPECT_TRUE(passes("a.one"));
+        EXPECT_TRUE(passes("b.two"));
+        EXPECT_FALSE(passes("c.three"));
+        settle(200);
+        gtk_file_chooser_select_filename(chooser, path("a.one").c_str());
+        gtk_file_chooser_select_filename(chooser, path("b.two").c_str());
+        settle(200);
+        gtk_dialog_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT);
+    });
+    zel_list *paths = file_sel_multiple_unix(nullptr, "several", folder.c_str(), "*.one:*.two");
+    std::vector<std::string> found;
+    for (const zel_list *node = paths; node != nullptr; node = node->next)
+        found.emplace_back(static_cast<const char *>(node->data));
+    zel_list_free_with_data(paths);
+    EXPECT_THAT(found, testing::UnorderedElementsAre(path("a.one"), path("b.two")));
+}
+
+TEST_F(Dialogs, ToolbarElementsOfEveryKind)
+{
+    int clicks = 0;
+    const GCallback count = G_CALLBACK(+[](GtkWidget *, int *number) { ++*number; });
+    GtkWidget *bar = gtk_toolbar_new();
+    g_object_ref_sink(bar);
+    EXPECT_EQ(zel_toolbar_append_element(nullptr, 1, nullptr, "x", "x", nullptr, count, nullptr),
+              nullptr);
+    GtkWidget *button =
+        zel_toolbar_append_element(bar, 1, nullptr, "label", "tip", nullptr, count, &clicks);
+    GtkWidget *toggle =
+        zel_toolbar_append_element(bar, 2, nullptr, "t", "t", gtk_image_new(), count, &clicks);
+    GtkWidget *radio1 =
+        zel_toolbar_append_element(bar, 3, nullptr, "1", nullptr, nullptr, nullptr, nullptr);
+    GtkWidget *radio2 =
+        zel_toolbar_append_element(bar, 3, radio1, "2", nullptr, nullptr, nullptr, nullptr);
+    GtkWidget *line = zel_toolbar_append_space(bar);
+    EXPECT_TRUE(gtk_separator_tool_item_get_draw(GTK_SEPARATOR_TOOL_ITEM(line)));
+    EXPECT_EQ(gtk_toolbar_get_n_items(GTK_TOOLBAR(bar)), 5);
+    EXPECT_STREQ(gtk_widget_get_tooltip_text(button), "tip");
+    g_signal_emit_by_name(button, "clicked");
+    gtk_toggle_tool_button_set_active(GTK_TOGGLE_TOOL_BUTTON(toggle), TRUE);
+    EXPECT_EQ(clicks, 2);
+    gtk_toggle_tool_button_set_active(GTK_TOGGLE_TOOL_BUTTON(radio2), TRUE);
+    EXPECT_FALSE(gtk_toggle_tool_button_get_active(GTK_TOGGLE_TOOL_BUTTON(radio1)));
+    zel_gtk_tree_path_free(nullptr);
+    g_object_unref(bar);
+}
