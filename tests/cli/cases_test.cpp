@@ -12,11 +12,10 @@
 #include <ctime>
 #include <filesystem>
 #include <map>
-#include <regex>
 #include <string>
 #include <vector>
 
-#include "test-support.h"
+#include "working-dir.h"
 
 namespace {
 
@@ -39,11 +38,12 @@ class time_mask {
 public:
     std::string operator()(std::string text) const
     {
-        for (std::time_t time = start_; time <= std::time(nullptr); time++)
-            text =
-                std::regex_replace(text, std::regex("\\b" + std::to_string(time) + "\\b"), "NOW");
-        static const std::regex stamp("-20[0-9]{2}(-[0-9]{2}){5}\\.bak");
-        return std::regex_replace(text, stamp, "-STAMP.bak");
+        for (std::time_t time = start_; time <= std::time(nullptr); time++) {
+            const std::string seconds = " " + std::to_string(time) + "\n";
+            for (std::size_t at = 0; (at = text.find(seconds, at)) != std::string::npos;)
+                text.replace(at, seconds.size(), " NOW\n");
+        }
+        return zel_test::replace_pattern(text, "-0000-00-00-00-00-00.bak", "-STAMP.bak");
     }
 
 private:
