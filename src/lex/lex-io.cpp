@@ -1,6 +1,5 @@
 #include "lex/lex-io.h"
 
-#include "lex/lex.h"
 #include "support/log-print.h"
 #include "support/zel_malloc.h"
 
@@ -117,12 +116,6 @@ bool is_directory(std::FILE *stream)
 {
     struct stat status{};
     return fstat(fileno(stream), &status) == 0 && S_ISDIR(status.st_mode);
-}
-
-void empty_tokens(zel_lex_t *lex)
-{
-    lex->current->id = 0;
-    lex->ahead->id = 0;
 }
 
 } // namespace
@@ -248,27 +241,6 @@ int zel_lex_buf_look_ahead(zel_lex_buf_t *buf) { return buf->look_ahead(buf); }
 std::uint64_t zel_lex_buf_seek(zel_lex_buf_t *buf, std::uint64_t offset)
 {
     return buf->seek(buf, offset);
-}
-
-void zel_lex_set_buf(zel_lex_t *lex, zel_lex_buf_t *buf)
-{
-    lex->buf = buf;
-    empty_tokens(lex);
-}
-
-zel_lex_buf_t *zel_lex_get_buf(zel_lex_t *lex) { return lex->buf; }
-
-void zel_lex_free_buf(zel_lex_t *lex)
-{
-    zel_lex_buf_free(lex->buf);
-    zel_lex_set_buf(lex, nullptr);
-}
-
-void zel_lex_buf_clear(zel_lex_t *lex, zel_lex_buf_t *buf)
-{
-    zel_lex_set_buf(lex, buf);
-    buf->count = 0;
-    buf->index = 0;
 }
 
 int scf_printf(const char *format, ...)

@@ -10,7 +10,6 @@
 
 #include "support/guard.h"
 
-struct zel_lex_t;
 struct zel_lex_buf_t;
 
 // End of input. Characters are bytes 0-255.
@@ -80,14 +79,6 @@ int zel_lex_buf_look_ahead(zel_lex_buf_t *buf);
 
 // Moves to an offset from the start; line, column and marker counters stay.
 std::uint64_t zel_lex_buf_seek(zel_lex_buf_t *buf, std::uint64_t offset);
-
-// The buffer of a scanner. Attaching, and each of these, empties the scanner's current and
-// look-ahead tokens; zel_lex_free_buf also releases the buffer, zel_lex_buf_clear attaches it with
-// nothing in it (a file buffer then reloads at its stream position).
-void zel_lex_set_buf(zel_lex_t *lex, zel_lex_buf_t *buf);
-zel_lex_buf_t *zel_lex_get_buf(zel_lex_t *lex);
-void zel_lex_free_buf(zel_lex_t *lex);
-void zel_lex_buf_clear(zel_lex_t *lex, zel_lex_buf_t *buf);
 
 // Prints to standard output; returns 0.
 int scf_printf(const char *format, ...) __attribute__((format(printf, 1, 2)));

@@ -960,3 +960,34 @@ int lex_do_numeric(zel_lex_t *lex, int first, int start)
 }
 
 int keyws(zel_lex_t *lex, const char *word) { return find_keyword(lex, word, std::strlen(word)); }
+
+namespace {
+
+void empty_tokens(zel_lex_t *lex)
+{
+    lex->current->id = 0;
+    lex->ahead->id = 0;
+}
+
+} // namespace
+
+void zel_lex_set_buf(zel_lex_t *lex, zel_lex_buf_t *buf)
+{
+    lex->buf = buf;
+    empty_tokens(lex);
+}
+
+zel_lex_buf_t *zel_lex_get_buf(zel_lex_t *lex) { return lex->buf; }
+
+void zel_lex_free_buf(zel_lex_t *lex)
+{
+    zel_lex_buf_free(lex->buf);
+    zel_lex_set_buf(lex, nullptr);
+}
+
+void zel_lex_buf_clear(zel_lex_t *lex, zel_lex_buf_t *buf)
+{
+    zel_lex_set_buf(lex, buf);
+    buf->count = 0;
+    buf->index = 0;
+}

@@ -64,6 +64,7 @@ struct zel_token_t {
     std::uint32_t file_line;   // line according to the line markers
 };
 
+struct zel_lex_t;
 using zel_lex_token_fn = int (*)(zel_lex_t *);
 using zel_lex_numeric_fn = int (*)(zel_lex_t *, int first, int start);
 
@@ -115,6 +116,14 @@ int zel_get_token(zel_lex_t *lex);
 zel_token_t *zel_next_token(zel_lex_t *lex);
 zel_token_t *zel_token_look_ahead(zel_lex_t *lex, int n);
 zel_token_t *zel_current_token(zel_lex_t *lex);
+
+// The buffer of a scanner. Attaching, and each of these, empties the scanner's current and
+// look-ahead tokens; zel_lex_free_buf also releases the buffer, zel_lex_buf_clear attaches it with
+// nothing in it (a file buffer then reloads at its stream position).
+void zel_lex_set_buf(zel_lex_t *lex, zel_lex_buf_t *buf);
+zel_lex_buf_t *zel_lex_get_buf(zel_lex_t *lex);
+void zel_lex_free_buf(zel_lex_t *lex);
+void zel_lex_buf_clear(zel_lex_t *lex, zel_lex_buf_t *buf);
 
 // Moves the input; returns the offset.
 std::uint64_t zel_lex_seek(zel_lex_t *lex, std::uint64_t offset);
