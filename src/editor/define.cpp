@@ -24,6 +24,7 @@ constexpr int check_width = 25;
 constexpr int check_space = 20;
 constexpr int path_width = 482;
 constexpr int button_width = 100;
+constexpr int caption_gap = 6;
 constexpr double whatsnew_end = 4294967296.0; // the time has 32 bits in the file
 
 // The dialog while it is open.
@@ -187,7 +188,7 @@ void add_export_path(dialog_state *dialog)
 {
     GtkWidget *line = add_line(dialog->rows_box);
     GtkWidget *caption = gtk_label_new(text("Export path"));
-    gtk_box_pack_start(GTK_BOX(line), caption, FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(line), caption, FALSE, FALSE, caption_gap);
     dialog->path_entry = gtk_entry_new();
     gtk_widget_set_size_request(dialog->path_entry, path_width, -1);
     gtk_entry_set_text(GTK_ENTRY(dialog->path_entry),
@@ -214,7 +215,7 @@ void add_whatsnew(dialog_state *dialog)
 {
     GtkWidget *line = add_line(dialog->rows_box);
     GtkWidget *caption = gtk_label_new(text("Whatsnew time"));
-    gtk_box_pack_start(GTK_BOX(line), caption, FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(line), caption, FALSE, FALSE, caption_gap);
     GtkObject *range =
         gtk_adjustment_new(static_cast<double>(dialog->source->whatsnew), 0, whatsnew_end, 1, 0, 0);
     GtkWidget *spin = gtk_spin_button_new(GTK_ADJUSTMENT(range), 1, 0);

@@ -126,6 +126,22 @@ gboolean lang_key_press_event(GtkWidget *, GdkEventKey *event, gpointer)
     return FALSE;
 }
 
+gboolean accel_first_event(GtkWidget *widget, GdkEventKey *event, gpointer)
+{
+    const auto modifiers =
+        static_cast<GdkModifierType>(event->state & gtk_accelerator_get_default_mod_mask());
+    if ((modifiers & GDK_MOD1_MASK) == 0)
+        return FALSE;
+    if (gtk_accel_groups_activate(G_OBJECT(widget), gdk_keyval_to_lower(event->keyval), modifiers))
+        return TRUE;
+    // The key's letter in the first layout, for who types in another script.
+    guint keyval = 0;
+    return gdk_keymap_translate_keyboard_state(
+               gdk_keymap_get_for_display(gtk_widget_get_display(widget)), event->hardware_keycode,
+               GdkModifierType{}, 0, &keyval, nullptr, nullptr, nullptr) != 0 &&
+           gtk_accel_groups_activate(G_OBJECT(widget), keyval, modifiers) != 0;
+}
+
 gboolean list_expose_event(GtkWidget *, GdkEventExpose *, gpointer)
 {
     if (editWin != nullptr && edit_ctrl.list_focus != nullptr)

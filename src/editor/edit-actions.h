@@ -22,5 +22,9 @@ void cb_help(GtkWidget *widget, gpointer data);
 // Lets every key pass; with lang_global's digit_keys the digits become those of Arabic.
 gboolean lang_key_press_event(GtkWidget *widget, GdkEventKey *event, gpointer data);
 
+// Gives the keys of accel_group precedence over the mnemonics of menus: Alt+S saves, Alt+M marks
+// ready, though two menus have these letters.
+gboolean accel_first_event(GtkWidget *widget, GdkEventKey *event, gpointer data);
+
 // The edit page's tab has been drawn: the list gets the keyboard.
 gboolean list_expose_event(GtkWidget *widget, GdkEventExpose *event, gpointer data);

@@ -10,6 +10,7 @@
 #include "editor/ui-text.h"
 
 #include <cstdio>
+#include <string>
 
 namespace {
 
@@ -34,16 +35,27 @@ void set_accessible_name(GtkWidget *widget, const char *name)
     atk_object_set_name(gtk_widget_get_accessible(widget), name);
 }
 
+// The icon of the user's theme, else the one among the program's data.
+void set_icon()
+{
+    if (lang_global.doc_base_dir != nullptr) {
+        const std::string icons = std::string(lang_global.doc_base_dir) + "/icons";
+        gtk_icon_theme_append_search_path(gtk_icon_theme_get_default(), icons.c_str());
+    }
+    gtk_window_set_default_icon_name("lang-editor");
+}
+
 GtkWidget *make_window()
 {
     mainWin = gtk_window_new(GTK_WINDOW_TOPLEVEL);
     gtk_window_set_title(GTK_WINDOW(mainWin), "Tarvik language editor version 1.4");
     gtk_widget_set_size_request(mainWin, 800, 600);
     gtk_window_set_position(GTK_WINDOW(mainWin), GTK_WIN_POS_CENTER);
-    gtk_window_set_icon_name(GTK_WINDOW(mainWin), "lang");
+    set_icon();
     accel_group = gtk_accel_group_new();
     gtk_window_add_accel_group(GTK_WINDOW(mainWin), accel_group);
     g_signal_connect(mainWin, "key_press_event", G_CALLBACK(lang_key_press_event), &def_group);
+    g_signal_connect(mainWin, "key-press-event", G_CALLBACK(accel_first_event), &def_group);
     g_signal_connect(mainWin, "delete_event", G_CALLBACK(delete_event), &def_group);
     g_signal_connect(mainWin, "destroy", G_CALLBACK(gtk_widget_destroyed), &mainWin);
     return mainWin;

@@ -44,12 +44,19 @@ void destroyed_cb(GtkWidget *, gpointer data)
     quit(box, closed_trace);
 }
 
+// Lines as they come, wrapped where they would make the box wider than this.
+constexpr int widest_text = 560;
+
 GtkWidget *make_text(const std::string &text)
 {
     GtkWidget *label = gtk_label_new(text.c_str());
-    gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
-    gtk_label_set_line_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);
-    gtk_label_set_selectable(GTK_LABEL(label), FALSE);
+    GtkRequisition wanted{};
+    gtk_widget_size_request(label, &wanted);
+    if (wanted.width > widest_text) {
+        gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
+        gtk_label_set_line_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);
+        gtk_widget_set_size_request(label, widest_text, -1);
+    }
     return label;
 }
 

@@ -236,13 +236,16 @@ std::string run_editor(const std::string &file, const std::function<void()> &sce
             close_window()(mainWin);
         return FALSE;
     };
-    return zel_test::capture_stdout([&] {
+    std::string printed = zel_test::capture_stdout([&] {
         const guint source = g_idle_add_full(
             G_PRIORITY_LOW, start, const_cast<std::function<void()> *>(&scenario), nullptr);
         EXPECT_EQ(edit_start(file.empty() ? nullptr : file.c_str()), 0);
         if (g_main_context_find_source_by_id(nullptr, source) != nullptr)
             g_source_remove(source); // the editor did not get as far as its main loop
     });
+    if (testing::Test::HasFailure()) // what failed stands among it
+        std::fputs(printed.c_str(), stderr);
+    return printed;
 }
 
 GtkWidget *window_titled(const std::string &title)
@@ -258,6 +261,8 @@ GtkWidget *window_titled(const std::string &title)
 }
 
 void answer_next(answer_fn answer) { answers.push_back(std::move(answer)); }
+
+void start_watching() { watcher = g_timeout_add(5, tick, nullptr); }
 
 std::size_t answers_left() { return answers.size(); }
 
@@ -403,7 +408,7 @@ Test::Test()
     answers.clear();
     alarm(time_limit);
     g_log_set_default_handler(note_warning, nullptr);
-    watcher = g_timeout_add(5, tick, nullptr);
+    start_watching();
 }
 
 Test::~Test()

@@ -51,6 +51,9 @@ GtkWidget *window_titled(const std::string &title);
 using answer_fn = std::function<void(GtkWidget *dialog)>;
 void answer_next(answer_fn answer);
 
+// Starts looking out for dialogs, for a program that is no test; Test does it by itself.
+void start_watching();
+
 // Ready answers.
 answer_fn press(const std::string &button_text); // clicks the button with that label
 answer_fn respond(int response);                 // of a GtkDialog

@@ -1,0 +1,164 @@
+// Walks through every window and dialog of the editor and saves a picture of each.
+//   gui_tour FOLDER SOURCE MODE WIDTH HEIGHT
+// The pictures are FOLDER/mMODE-WIDTH-NAME.png; the source is copied before it is touched.
+
+#include "app/global.h"
+#include "editor/edit-state.h"
+#include "editor/w_tab_edit.h"
+#include "editor/w_text.h"
+#include "gui-support.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace gui;
+
+std::string prefix;
+int width;
+int height;
+
+GdkPixbuf *picture()
+{
+    settle(250);
+    GdkWindow *root = gdk_get_default_root_window();
+    gint w = 0;
+    gint h = 0;
+    gdk_drawable_get_size(root, &w, &h);
+    return gdk_pixbuf_get_from_drawable(nullptr, root, nullptr, 0, 0, 0, 0, w, h);
+}
+
+void snap(const char *name)
+{
+    GdkPixbuf *pixels = picture();
+    gdk_pixbuf_save(pixels, (prefix + name + ".png").c_str(), "png", nullptr, nullptr);
+    g_object_unref(pixels);
+}
+
+// A dialog comes up: its picture, then the answer.
+void picture_of_dialog(const char *name, answer_fn then)
+{
+    answer_next([name, then](GtkWidget *dialog) {
+        snap(name);
+        then(dialog);
+    });
+}
+
+void activate(const char *entry)
+{
+    gtk_menu_item_activate(GTK_MENU_ITEM(menu_entry(mainWin, entry)));
+}
+
+void show_menus()
+{
+    GtkWidget *bar = find_type(mainWin, GTK_TYPE_MENU_BAR);
+    int number = 1;
+    for (GtkWidget *title : find_all(bar, GTK_TYPE_MENU_ITEM)) {
+        gtk_menu_shell_select_item(GTK_MENU_SHELL(bar), title);
+        snap(("menu-" + std::to_string(number++)).c_str());
+        gtk_menu_shell_deactivate(GTK_MENU_SHELL(bar));
+        settle();
+    }
+}
+
+void show_list_and_text()
+{
+    ZelTabEdit *table = ZEL_TAB_EDIT(editWin);
+    snap("main");
+    edit_ctrl.next(editWin);
+    zel::text_focus_field(ZEL_TEXT(table->text_widget), TEXT_TRANS2);
+    snap("typing");
+    gtk_entry_set_text(GTK_ENTRY(table->search_entry), "not");
+    gtk_widget_grab_focus(table->search_entry);
+    gtk_editable_set_position(GTK_EDITABLE(table->search_entry), -1);
+    snap("search");
+    gtk_entry_set_text(GTK_ENTRY(table->search_entry), "");
+    activate("Display not translated items");
+    snap("untranslated");
+    activate("Display not translated items");
+    edit_ctrl.first(editWin);
+}
+
+void show_screen_shot()
+{
+    GdkPixbuf *pixels = picture();
+    fs::create_directory("ScreenShots");
+    gdk_pixbuf_save(pixels, "ScreenShots/menu.jpg", "jpeg", nullptr, nullptr);
+    g_object_unref(pixels);
+    edit_ctrl.last(editWin);
+    edit_ctrl.first(editWin);
+    GtkWidget *notebook = find_type(mainWin, GTK_TYPE_NOTEBOOK);
+    gtk_notebook_set_current_page(GTK_NOTEBOOK(notebook), 1);
+    snap("screen-shot");
+    gtk_notebook_set_current_page(GTK_NOTEBOOK(notebook), 0);
+}
+
+void show_dialogs()
+{
+    picture_of_dialog("settings", press("Close"));
+    activate("Setting");
+    picture_of_dialog("choose-folder", choose(fs::current_path()));
+    picture_of_dialog("exported", press("Ok"));
+    activate("Export to language files (*.lang)");
+    picture_of_dialog("choose-name", respond(GTK_RESPONSE_CANCEL));
+    activate("Save as");
+    picture_of_dialog("saved", press("Ok"));
+    activate("Save");
+    lang_global.modified = 1;
+    picture_of_dialog("discard", respond(GTK_RESPONSE_YES));
+    picture_of_dialog("choose-file", respond(GTK_RESPONSE_CANCEL));
+    activate("Load");
+    if (lang_global.editor_mode != 0) {
+        picture_of_dialog("choose-import", respond(GTK_RESPONSE_CANCEL));
+        activate("Import language file (*.lang)");
+    }
+}
+
+void walk()
+{
+    gtk_window_resize(GTK_WINDOW(mainWin), width, height);
+    gtk_window_move(GTK_WINDOW(mainWin), 10, 10);
+    settle(300);
+    if (editWin == nullptr) {
+        snap("empty");
+        picture_of_dialog("nothing", press("Ok"));
+        activate("Save");
+        return;
+    }
+    show_list_and_text();
+    show_menus();
+    show_screen_shot();
+    show_dialogs();
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    testing::InitGoogleTest(&argc, argv);
+    if (argc != 6 || !gtk_init_check(nullptr, nullptr)) {
+        std::fputs("usage: gui_tour FOLDER SOURCE MODE WIDTH HEIGHT, on a display\n", stderr);
+        return 1;
+    }
+    const fs::path folder = fs::absolute(argv[1]);
+    const fs::path source = fs::absolute(argv[2]);
+    fs::create_directories(folder);
+    prefix = folder / ("m" + std::string(argv[3]) + "-" + argv[4] + "-");
+    width = std::atoi(argv[4]);
+    height = std::atoi(argv[5]);
+
+    const fs::path work = fs::temp_directory_path() / ("lang-tour-" + std::to_string(getpid()));
+    fs::create_directories(work);
+    fs::current_path(work);
+    fs::copy_file(source, "notes.lang-src");
+    start_watching();
+    lang_global.editor_mode = static_cast<unsigned>(std::atoi(argv[3]));
+    run_editor("", walk);
+    run_editor((work / "notes.lang-src").string(), walk);
+    fs::current_path(folder);
+    fs::remove_all(work);
+    return 0;
+}
