@@ -268,8 +268,8 @@ void load(benchmark::State &state)
 void load_byte_count(benchmark::State &state)
 {
     std::array<unsigned char, 256> is_space{};
-    for (unsigned char c : {' ', '\t', '\n', '\r'})
-        is_space[c] = 1;
+    for (const char c : {' ', '\t', '\n', '\r'})
+        is_space[static_cast<unsigned char>(c)] = 1;
     const texts &given = of_size(state.range(0));
     for (auto _ : state) {
         std::FILE *file = std::fopen(given.compiled.c_str(), "rb");
