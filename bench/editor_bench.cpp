@@ -119,7 +119,7 @@ public:
 void open_table(benchmark::State &state)
 {
     window main(static_cast<int>(state.range(0)));
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         ZelTabEdit *table = main.open();
         state.PauseTiming();
         gtk_widget_destroy(GTK_WIDGET(table));
@@ -132,7 +132,7 @@ void next_row(benchmark::State &state)
 {
     window main(static_cast<int>(state.range(0)));
     ZelTabEdit *table = main.open();
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         GtkTreePath *before = gtk_tree_path_copy(table->selected_path);
         zel_tab_edit_next(GTK_WIDGET(table));
         if (gtk_tree_path_compare(before, table->selected_path) == 0)
@@ -148,7 +148,7 @@ void search(benchmark::State &state, const char *text)
     window main(static_cast<int>(state.range(0)));
     ZelTabEdit *table = main.open();
     bool back = false;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         gtk_entry_set_text(GTK_ENTRY(table->search_entry), back ? "" : text);
         back = !back;
         paint();
@@ -159,7 +159,7 @@ void untranslated(benchmark::State &state)
 {
     window main(static_cast<int>(state.range(0)));
     ZelTabEdit *table = main.open();
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         lang_global.only_untranslated = 1 - lang_global.only_untranslated;
         zel_tab_edit_empty(GTK_WIDGET(table));
         paint();
@@ -171,7 +171,7 @@ void sort(benchmark::State &state, int id)
     window main(static_cast<int>(state.range(0)));
     ZelTabEdit *table = main.open();
     bool sorted = false;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         gtk_tree_sortable_set_sort_column_id(GTK_TREE_SORTABLE(table->sort_model),
                                              sorted ? static_cast<int>(COL_POS) : id,
                                              GTK_SORT_ASCENDING);

@@ -8,7 +8,7 @@ DIR/lang/         C files with requests in every form
 DIR/xgettext      the same files: xgettext reads them with XGETTEXT_KEYWORDS (printed with --keywords)
 DIR/qt/           the same code with QCoreApplication::translate("group", "item"), for lupdate
 
-About BYTES of ordinary code stand around a request (1000).
+About BYTES of ordinary code stand around a request (1450).
 """
 import argparse
 import os
@@ -83,7 +83,7 @@ def main():
     p = argparse.ArgumentParser(usage=__doc__.split('usage: ')[1].split('\n')[0])
     p.add_argument('--requests', type=int)
     p.add_argument('--out')
-    p.add_argument('--filler', type=int, default=1000)
+    p.add_argument('--filler', type=int, default=1450)
     p.add_argument('--per-file', type=int, default=20)
     p.add_argument('--group-size', type=int, default=400)
     p.add_argument('--seed', type=int, default=1)

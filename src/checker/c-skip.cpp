@@ -51,8 +51,8 @@ constexpr std::array<unsigned char, 256> make_parts()
         if (digit || letter || c == '_' || c >= 128)
             parts[c] = IN_IDENT;
     }
-    for (const unsigned char c : std::string_view(" \t\n$%()*,:;?[\\]{}~"))
-        parts[c] = DELIMITER;
+    for (const char c : std::string_view(" \t\n$%()*,:;?[\\]{}~"))
+        parts[static_cast<unsigned char>(c)] = DELIMITER;
     return parts;
 }
 

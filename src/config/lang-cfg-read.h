@@ -2,7 +2,7 @@
 
 // Reading a settings file into a store (the grammar stands in config/lang-cfg.h).
 
-#include "config/lang-cfg.h"
+#include "config/lang-cfg-store.h"
 
 namespace zel {
 

@@ -153,12 +153,8 @@ void cfg_write_sections(std::FILE *stream, zel_list *sections)
     }
 }
 
-} // namespace zel
-
-int lang_cfg_print_all(lang_cfg_t *store)
+void cfg_print_store(lang_cfg_t *store)
 {
-    if (store == nullptr)
-        return CFG_NULL;
     store->version_key = store->version;
     list_text(1, "cfg_print_all:---------------------------------------------\n");
     list_name("tmp ", store->tmp);
@@ -175,9 +171,10 @@ int lang_cfg_print_all(lang_cfg_t *store)
             list_format(1, "cfg_print_all: ------->[%s]\n", section->name);
         else
             list_text(1, "cfg_print_all: ------->File ebene\n");
-        for (const zel_list *key = zel::cfg_keys(section); key != nullptr; key = key->next)
+        for (const zel_list *key = cfg_keys(section); key != nullptr; key = key->next)
             list_key(static_cast<const cfg_entry_t *>(key->data));
     }
     list_text(1, "cfg_print_all: exit\n");
-    return CFG_OK;
 }
+
+} // namespace zel

@@ -149,45 +149,6 @@ int write_file(lang_cfg_t *store, zel::safe_file &file)
 
 } // namespace
 
-namespace zel {
-
-cfg_entry_t *cfg_find(zel_list *entries, const char *name)
-{
-    for (const zel_list *node = entries; node != nullptr; node = node->next) {
-        auto *entry = static_cast<cfg_entry_t *>(node->data);
-        if (std::strcmp(entry->name, name) == 0)
-            return entry;
-    }
-    return nullptr;
-}
-
-cfg_entry_t *cfg_find_or_add(zel_list *&entries, const char *name, int type)
-{
-    if (cfg_entry_t *found = cfg_find(entries, name))
-        return found;
-    auto *entry = static_cast<cfg_entry_t *>(std::calloc(1, sizeof(cfg_entry_t)));
-    char *copy = zel_strdup2(name);
-    if (entry == nullptr || copy == nullptr) {
-        std::free(entry);
-        std::free(copy);
-        return nullptr;
-    }
-    entry->type = type;
-    entry->name = copy;
-    entries = zel_list_append(entries, entry);
-    return entry;
-}
-
-cfg_entry_t *cfg_key(cfg_entry_t *section, const char *name)
-{
-    zel_list *keys = cfg_keys(section);
-    cfg_entry_t *key = cfg_find_or_add(keys, name, CFG_VOID);
-    section->data = keys;
-    return key;
-}
-
-} // namespace zel
-
 lang_cfg_t *lang_cfg_new(const char *file)
 {
     if (file == nullptr || file[0] == '\0')
@@ -334,5 +295,13 @@ int lang_cfg_free(lang_cfg_t *store)
         zel_lex_buf_free(store->buf);
     zel_list_free_full(store->sections, free_section);
     std::free(store);
+    return CFG_OK;
+}
+
+int lang_cfg_print_all(lang_cfg_t *store)
+{
+    if (store == nullptr)
+        return CFG_NULL;
+    zel::cfg_print_store(store);
     return CFG_OK;
 }

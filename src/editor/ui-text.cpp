@@ -8,10 +8,9 @@
 
 namespace zel {
 
-const char *ui_text(const char *group, const char *item, const std::source_location &where)
+const char *ui_text(const char *group, const char *item, const char *file, int line)
 {
-    const char *text =
-        _lang_get_string(group, item, where.file_name(), static_cast<int>(where.line()));
+    const char *text = _lang_get_string(group, item, file, line);
     return g_utf8_validate(text, -1, nullptr) ? text : item;
 }
 

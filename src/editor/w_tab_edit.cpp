@@ -520,6 +520,20 @@ void fill(ZelTabEdit *tab, LangSource *source)
     zel::tab_list_autosize(view_of(tab));
 }
 
+// The table, or null after a warning.
+ZelTabEdit *checked(GtkWidget *widget, const char *function)
+{
+    const char *failed = nullptr;
+    if (widget == nullptr)
+        failed = "widget != NULL";
+    else if (!ZEL_IS_TAB_EDIT(widget))
+        failed = "ZEL_IS_TAB_EDIT(widget)";
+    if (failed == nullptr)
+        return ZEL_TAB_EDIT(widget);
+    g_return_if_fail_warning(G_LOG_DOMAIN, function, failed);
+    return nullptr;
+}
+
 } // namespace
 
 GType zel_tab_edit_get_type()
@@ -540,9 +554,9 @@ GtkWidget *zel_tab_edit_new() { return GTK_WIDGET(g_object_new(ZEL_TYPE_TAB_EDIT
 
 int zel_tab_edit_set(GtkWidget *widget, LangSource *source)
 {
-    g_return_val_if_fail(widget != NULL, 0);
-    g_return_val_if_fail(ZEL_IS_TAB_EDIT(widget), 0);
-    ZelTabEdit *tab = ZEL_TAB_EDIT(widget);
+    ZelTabEdit *tab = checked(widget, __func__);
+    if (tab == nullptr)
+        return 0;
     fill(tab, source);
     zel::tab_list_go_to(view_of(tab), 0);
     show_count(tab);
@@ -551,24 +565,26 @@ int zel_tab_edit_set(GtkWidget *widget, LangSource *source)
 
 int zel_tab_edit_update(GtkWidget *widget)
 {
-    g_return_val_if_fail(widget != NULL, 0);
-    g_return_val_if_fail(ZEL_IS_TAB_EDIT(widget), 0);
-    return zel_text_update(ZEL_TAB_EDIT(widget)->text_widget);
+    ZelTabEdit *tab = checked(widget, __func__);
+    if (tab == nullptr)
+        return 0;
+    return zel_text_update(tab->text_widget);
 }
 
 int zel_tab_edit_first(GtkWidget *widget)
 {
-    g_return_val_if_fail(widget != NULL, 0);
-    g_return_val_if_fail(ZEL_IS_TAB_EDIT(widget), 0);
-    zel::tab_list_go_to(view_of(ZEL_TAB_EDIT(widget)), 0);
+    ZelTabEdit *tab = checked(widget, __func__);
+    if (tab == nullptr)
+        return 0;
+    zel::tab_list_go_to(view_of(tab), 0);
     return 1;
 }
 
 int zel_tab_edit_prev(GtkWidget *widget)
 {
-    g_return_val_if_fail(widget != NULL, 0);
-    g_return_val_if_fail(ZEL_IS_TAB_EDIT(widget), 0);
-    ZelTabEdit *tab = ZEL_TAB_EDIT(widget);
+    ZelTabEdit *tab = checked(widget, __func__);
+    if (tab == nullptr)
+        return 0;
     const int place = selected_place(tab);
     if (place >= 0)
         zel::tab_list_go_to(view_of(tab), place - 1);
@@ -577,9 +593,9 @@ int zel_tab_edit_prev(GtkWidget *widget)
 
 int zel_tab_edit_next(GtkWidget *widget)
 {
-    g_return_val_if_fail(widget != NULL, 0);
-    g_return_val_if_fail(ZEL_IS_TAB_EDIT(widget), 0);
-    ZelTabEdit *tab = ZEL_TAB_EDIT(widget);
+    ZelTabEdit *tab = checked(widget, __func__);
+    if (tab == nullptr)
+        return 0;
     const int place = selected_place(tab);
     if (place >= 0)
         zel::tab_list_go_to(view_of(tab), place + 1);
@@ -588,33 +604,34 @@ int zel_tab_edit_next(GtkWidget *widget)
 
 int zel_tab_edit_last(GtkWidget *widget)
 {
-    g_return_val_if_fail(widget != NULL, 0);
-    g_return_val_if_fail(ZEL_IS_TAB_EDIT(widget), 0);
-    ZelTabEdit *tab = ZEL_TAB_EDIT(widget);
+    ZelTabEdit *tab = checked(widget, __func__);
+    if (tab == nullptr)
+        return 0;
     zel::tab_list_go_to(view_of(tab), zel_tab_model_count(shown_rows(tab)) - 1);
     return 1;
 }
 
 int zel_tab_edit_check_changed(GtkWidget *widget)
 {
-    g_return_val_if_fail(widget != NULL, 0);
-    g_return_val_if_fail(ZEL_IS_TAB_EDIT(widget), 0);
+    if (checked(widget, __func__) == nullptr)
+        return 0;
     return 1;
 }
 
 int zel_tab_edit_list_focus(GtkWidget *widget)
 {
-    g_return_val_if_fail(widget != NULL, 0);
-    g_return_val_if_fail(ZEL_IS_TAB_EDIT(widget), 0);
-    gtk_widget_grab_focus(ZEL_TAB_EDIT(widget)->view);
+    ZelTabEdit *tab = checked(widget, __func__);
+    if (tab == nullptr)
+        return 0;
+    gtk_widget_grab_focus(tab->view);
     return 1;
 }
 
 int zel_tab_edit_refresh(GtkWidget *widget)
 {
-    g_return_val_if_fail(widget != NULL, 0);
-    g_return_val_if_fail(ZEL_IS_TAB_EDIT(widget), 0);
-    ZelTabEdit *tab = ZEL_TAB_EDIT(widget);
+    ZelTabEdit *tab = checked(widget, __func__);
+    if (tab == nullptr)
+        return 0;
     select_languages(tab);
     gtk_widget_queue_draw(tab->view);
     // With one row, which is selected already, the moves select nothing anew.
@@ -628,16 +645,16 @@ int zel_tab_edit_refresh(GtkWidget *widget)
 
 int zel_tab_edit_whatsnew(GtkWidget *widget)
 {
-    g_return_val_if_fail(widget != NULL, 0);
-    g_return_val_if_fail(ZEL_IS_TAB_EDIT(widget), 0);
+    if (checked(widget, __func__) == nullptr)
+        return 0;
     tree_filter_changed_cb(nullptr, widget);
     return 1;
 }
 
 int zel_tab_edit_empty(GtkWidget *widget)
 {
-    g_return_val_if_fail(widget != NULL, 0);
-    g_return_val_if_fail(ZEL_IS_TAB_EDIT(widget), 0);
+    if (checked(widget, __func__) == nullptr)
+        return 0;
     tree_filter_changed_cb(nullptr, widget);
     return 1;
 }

@@ -321,6 +321,20 @@ GList *trim_lines(GList *lines)
     return lines;
 }
 
+// The panel, or null after a warning.
+Zeltext *checked(GtkWidget *widget, const char *function)
+{
+    const char *failed = nullptr;
+    if (widget == nullptr)
+        failed = "widget != NULL";
+    else if (!ZEL_IS_TEXT(widget))
+        failed = "ZEL_IS_TEXT(widget)";
+    if (failed == nullptr)
+        return ZEL_TEXT(widget);
+    g_return_if_fail_warning(G_LOG_DOMAIN, function, failed);
+    return nullptr;
+}
+
 } // namespace
 
 GType zel_text_get_type()
@@ -341,25 +355,27 @@ GtkWidget *zel_text_new() { return GTK_WIDGET(g_object_new(ZEL_TYPE_TEXT, nullpt
 
 int zel_text_set_pos(GtkWidget *widget, int pos)
 {
-    g_return_val_if_fail(widget != NULL, 0);
-    g_return_val_if_fail(ZEL_IS_TEXT(widget), 0);
-    ZEL_TEXT(widget)->pos = pos;
+    Zeltext *text = checked(widget, __func__);
+    if (text == nullptr)
+        return 0;
+    text->pos = pos;
     return 1;
 }
 
 int zel_text_set_group_name(GtkWidget *widget, const char *name)
 {
-    g_return_val_if_fail(widget != NULL, 0);
-    g_return_val_if_fail(ZEL_IS_TEXT(widget), 0);
-    zel::replace_string(ZEL_TEXT(widget)->group_name, zel_strdup2(name));
+    Zeltext *text = checked(widget, __func__);
+    if (text == nullptr)
+        return 0;
+    zel::replace_string(text->group_name, zel_strdup2(name));
     return 1;
 }
 
 int zel_text_set(GtkWidget *widget, LangSource *source, item_t *item, int update)
 {
-    g_return_val_if_fail(widget != NULL, 0);
-    g_return_val_if_fail(ZEL_IS_TEXT(widget), 0);
-    Zeltext *text = ZEL_TEXT(widget);
+    Zeltext *text = checked(widget, __func__);
+    if (text == nullptr)
+        return 0;
     LogPrint(1, "zel_text_set: entry\n");
     lang_global.text_lock = 1;
     if (update != 0)
@@ -382,9 +398,9 @@ int zel_text_set(GtkWidget *widget, LangSource *source, item_t *item, int update
 
 int zel_text_update(GtkWidget *widget)
 {
-    g_return_val_if_fail(widget != NULL, 0);
-    g_return_val_if_fail(ZEL_IS_TEXT(widget), 0);
-    Zeltext *text = ZEL_TEXT(widget);
+    Zeltext *text = checked(widget, __func__);
+    if (text == nullptr)
+        return 0;
     bool written = false;
     for (const int number : field_order) {
         const field_t &field = fields[number];

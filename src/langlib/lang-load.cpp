@@ -35,7 +35,7 @@ void say_text(const char *format, const char *text)
 
 // ---- Entries ------------------------------------------------------------------------------------
 
-using entries_guard = std::unique_ptr<zel_list, zel::release<zel_list_free_with_data>>;
+using entries_guard = std::unique_ptr<zel_list, zel::release<zel_list_free>>;
 
 // Key and value of the entry that is being read, one behind the other. The key's group stays from
 // entry to entry, the room from file to file.
@@ -78,11 +78,11 @@ public:
         return true;
     }
 
-    // A new entry, one block; null without memory.
-    zel::lang_entry *make() const
+    // A new entry of the store; null without memory.
+    zel::lang_entry *make(lang_index *store) const
     {
-        auto *entry =
-            static_cast<zel::lang_entry *>(std::malloc(sizeof(zel::lang_entry) + length_ + 1));
+        auto *entry = static_cast<zel::lang_entry *>(
+            zel::lang_store_allocate(store, sizeof(zel::lang_entry) + length_ + 1));
         if (entry == nullptr)
             return nullptr;
         char *strings = reinterpret_cast<char *>(entry + 1);
@@ -125,7 +125,7 @@ struct reader {
     zel_lex_t *lex;
     zel::list_end entries;
     entry_text text;
-    zel::lang_rows rows; // the entries once more, for the table
+    zel::lang_store_guard store; // holds the entries
 };
 
 enum class outcome { goes_on, ends_file };
@@ -243,12 +243,9 @@ outcome read_entry(reader &in, const zel_token_t *name)
     }
     if (read_body(in) == outcome::ends_file)
         return outcome::ends_file;
-    zel::lang_entry *entry = in.text.make();
-    if (entry == nullptr || !in.entries.append(entry)) {
-        std::free(entry);
-        return without_memory("entry");
-    }
-    return in.rows.add(entry) ? outcome::goes_on : without_memory("entry");
+    zel::lang_entry *entry = in.text.make(in.store.get());
+    return entry != nullptr && in.entries.append(entry) ? outcome::goes_on
+                                                        : without_memory("entry");
 }
 
 outcome read_statement(reader &in, const zel_token_t *token)
@@ -357,9 +354,12 @@ bool read_path(reader &in, const char *path)
 
 void free_table_and_entries(lang_handle_t *handle)
 {
-    zel::lang_table_free(handle);
-    zel_list_free_with_data(handle->entries);
+    zel_list_free(handle->entries);
+    zel::lang_store_free(handle->index);
     handle->entries = nullptr;
+    handle->index = nullptr;
+    handle->lang = nullptr;
+    handle->count = 0;
 }
 
 } // namespace
@@ -367,8 +367,15 @@ void free_table_and_entries(lang_handle_t *handle)
 zel_list *_lang_load_parse_file(lang_handle_t *handle, zel_list *list, zel_lex_t *lex,
                                 const char *path)
 {
-    reader in{handle, lex, zel::list_end(list), {}, {}};
+    if (handle->index == nullptr)
+        handle->index = zel::lang_store_new();
+    if (handle->index == nullptr) {
+        LogPrint(1, "_lang_load: ERROR not enough memory (entry)\n");
+        return list;
+    }
+    reader in{handle, lex, zel::list_end(list), {}, zel::lang_store_guard(handle->index)};
     read_file(in, path);
+    static_cast<void>(in.store.release()); // it stays the handle's
     return in.entries.head;
 }
 
@@ -385,11 +392,15 @@ int _lang_load(lang_handle_t *handle, const char *path)
     LogPrint(1, "_lang_load: entry file >%s<\n", path);
     zel_lex_guard lex(zel_lex_new(zel::compiled_keywords, LEX_NUMBER_ONE_KIND | LEX_KEYWORD_NOCASE |
                                                               LEX_ESCAPES | LEX_NEWLINE_SPACE));
-    if (!lex) {
+    reader in{handle,
+              lex.get(),
+              zel::list_end(nullptr),
+              {},
+              zel::lang_store_guard(zel::lang_store_new())};
+    if (!lex || !in.store) {
         LogPrint(1, "_lang_load: ERROR not enough memory\n");
         return -1;
     }
-    reader in{handle, lex.get(), zel::list_end(nullptr), {}, {}};
     const bool read = read_path(in, path);
     entries_guard entries(in.entries.head);
     lex.reset();
@@ -397,7 +408,7 @@ int _lang_load(lang_handle_t *handle, const char *path)
         return -1;
 
     lang_handle_t built{};
-    if (zel::lang_table_build(&built, in.rows) != 0) {
+    if (zel::lang_table_build(&built, in.store, entries.get()) != 0) {
         LogPrint(1, "_lang_load: ERROR not enough memory (entry)\n");
         return -1;
     }

@@ -1,28 +1,74 @@
 #include "langlib/lang-table.h"
 
-#include "support/guard.h"
+#include "support/list.h"
 
 #include <array>
 #include <bit>
 #include <climits>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <memory>
+#include <span>
+#include <sys/mman.h>
 
-// Open addressing with linear steps. A row is a slot of the table and, in the bits that the slot
-// leaves, a part of its key's hash, which saves most comparisons; 0 is a free row. So small a table
-// stays in the processor's cache.
+namespace {
+
+// A piece of memory; what is given out follows it.
+struct alignas(std::max_align_t) chunk {
+    chunk *next;
+};
+
+constexpr std::size_t first_chunk = 16384;
+constexpr std::size_t largest_chunk = 4194304;
+
+} // namespace
+
+// A handle's store, with the index in it: open addressing with linear steps. A row is a slot of the
+// table and, in the bits that the slot leaves, a part of its key's hash, which saves most
+// comparisons; 0 is a free row. So small a table stays in the processor's cache.
 struct lang_index {
+    std::uint32_t *rows;     // null: the table is bisected
     std::uint32_t mask;      // rows minus one, a power of two
     std::uint32_t slot_mask; // the bits of a row that hold the slot
-    std::uint32_t *rows;
+
+    chunk *chunks;
+    char *free_from; // what is left of the chunk in use
+    char *free_to;
+    std::size_t next_size;
 };
 
 namespace {
 
+using zel::lang_store_allocate;
+
+// ---- Memory -------------------------------------------------------------------------------------
+
+// Large pieces ask for large pages: touching each small page of a file's texts for the first time
+// costs more than reading them.
+char *add_chunk(lang_index *store, std::size_t size)
+{
+    constexpr std::size_t large_page = 2097152;
+    const std::size_t whole = size + sizeof(chunk);
+    void *memory = nullptr;
+    if (whole < large_page)
+        memory = std::malloc(whole);
+    else if (posix_memalign(&memory, large_page, whole) == 0)
+        madvise(memory, whole, MADV_HUGEPAGE);
+    if (memory == nullptr)
+        return nullptr;
+    auto *added = static_cast<chunk *>(memory);
+    added->next = store->chunks;
+    store->chunks = added;
+    return reinterpret_cast<char *>(added + 1);
+}
+
 // ---- Sorting ------------------------------------------------------------------------------------
 
-using zel::sort_row;
+// An entry while it is sorted, with eight bytes of its key: those from a multiple of eight on.
+struct sort_row {
+    std::uint64_t bytes; // the first one highest, zeros behind the key's end
+    const zel::lang_entry *entry;
+};
 using sort_rows = std::span<sort_row>;
 
 constexpr std::size_t step = sizeof(sort_row::bytes);
@@ -130,27 +176,17 @@ std::uint64_t mix(std::uint64_t a, std::uint64_t b)
     return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
 }
 
-void free_index(lang_index *index) noexcept
+// At most half full. False without memory.
+bool make_rows(lang_index *index, std::size_t keys)
 {
-    if (index == nullptr)
-        return;
-    std::free(index->rows);
-    std::free(index);
-}
-
-using index_guard = std::unique_ptr<lang_index, zel::release<free_index>>;
-
-// At most half full.
-lang_index *new_index(std::size_t keys)
-{
-    index_guard index(static_cast<lang_index *>(std::calloc(1, sizeof(lang_index))));
-    if (!index)
-        return nullptr;
     const std::size_t size = std::bit_ceil(keys * 2);
     index->mask = static_cast<std::uint32_t>(size - 1);
     index->slot_mask = static_cast<std::uint32_t>(std::bit_ceil(keys + 1) - 1);
-    index->rows = static_cast<std::uint32_t *>(std::calloc(size, sizeof(std::uint32_t)));
-    return index->rows == nullptr ? nullptr : index.release();
+    index->rows =
+        static_cast<std::uint32_t *>(lang_store_allocate(index, size * sizeof(std::uint32_t)));
+    if (index->rows != nullptr)
+        std::memset(index->rows, 0, size * sizeof(std::uint32_t));
+    return index->rows != nullptr;
 }
 
 // Where the walk for a hash begins. The bits that a row keeps of it are others.
@@ -177,13 +213,13 @@ bool same_key(const sort_row &a, const sort_row &b)
     return a.entry->hash == b.entry->hash && std::strcmp(a.entry->text.key, b.entry->text.key) == 0;
 }
 
-// From the rows of the table's slots 1 and on. Null when there is no memory for it, or a bisection
-// serves better.
-lang_index *build_index(const lang_handle_t *handle, sort_rows rows)
+// From the rows of the table's slots 1 and on. Where it cannot be made, or a bisection serves
+// better, there are no index rows.
+void build_index(const lang_handle_t *handle, sort_rows rows)
 {
-    index_guard index(new_index(rows.size()));
-    if (!index)
-        return nullptr;
+    lang_index *index = handle->index;
+    if (!make_rows(index, rows.size()))
+        return;
     for (std::size_t first = 0; first < rows.size();) {
         std::size_t next = first + 1;
         while (next < rows.size() && same_key(rows[next], rows[first]))
@@ -194,11 +230,12 @@ lang_index *build_index(const lang_handle_t *handle, sort_rows rows)
         if (next - first > 1)
             slot = static_cast<std::uint32_t>(zel::lang_table_bisect(handle, entry->text.key) -
                                               handle->lang);
-        if (entry->too_long == 0 && !enter(index.get(), entry->hash, slot))
-            return nullptr;
+        if (entry->too_long == 0 && !enter(index, entry->hash, slot)) {
+            index->rows = nullptr;
+            return;
+        }
         first = next;
     }
-    return index.release();
 }
 
 char no_text[] = "";
@@ -221,31 +258,63 @@ std::uint32_t lang_key_hash(const lang_key &key)
     return static_cast<std::uint32_t>(mix(hash, odd_2));
 }
 
-bool lang_rows::add(const lang_entry *entry)
+lang_index *lang_store_new()
 {
-    if (count_ == room_) {
-        const std::size_t wanted = std::max<std::size_t>(room_ * 2, 256);
-        auto *grown = static_cast<sort_row *>(std::realloc(rows_, wanted * sizeof(sort_row)));
-        if (grown == nullptr)
-            return false;
-        rows_ = grown;
-        room_ = wanted;
-    }
-    rows_[count_++].entry = entry;
-    return true;
+    auto *store = static_cast<lang_index *>(std::calloc(1, sizeof(lang_index)));
+    if (store != nullptr)
+        store->next_size = first_chunk;
+    return store;
 }
 
-int lang_table_build(lang_handle_t *handle, lang_rows &entries)
+void lang_store_free(lang_index *store) noexcept
+{
+    if (store == nullptr)
+        return;
+    for (chunk *one = store->chunks; one != nullptr;) {
+        chunk *next = one->next;
+        std::free(one);
+        one = next;
+    }
+    std::free(store);
+}
+
+void *lang_store_allocate(lang_index *store, std::size_t size)
+{
+    size = (size + alignof(std::max_align_t) - 1) / alignof(std::max_align_t) *
+           alignof(std::max_align_t);
+    if (size > static_cast<std::size_t>(store->free_to - store->free_from)) {
+        if (size > store->next_size / 4)
+            return add_chunk(store, size);
+        char *memory = add_chunk(store, store->next_size);
+        if (memory == nullptr)
+            return nullptr;
+        store->free_from = memory;
+        store->free_to = memory + store->next_size;
+        store->next_size = std::min(store->next_size * 2, largest_chunk);
+    }
+    void *given = store->free_from;
+    store->free_from += size;
+    return given;
+}
+
+int lang_table_build(lang_handle_t *handle, lang_store_guard &store, zel_list *entries)
 {
     constexpr std::size_t slots_beside = 4; // two sentinels, two that stay zero
-    const sort_rows rows = entries.rows();
-    const std::size_t count = rows.size();
-    if (count > INT_MAX / 2)
+    const auto count = static_cast<std::size_t>(zel_list_count(entries));
+    const lang_store_guard scratch(lang_store_new());
+    if (count > INT_MAX / 2 || !scratch)
         return -1;
-    auto *table =
-        static_cast<lang_text_t *>(std::malloc((count + slots_beside) * sizeof(lang_text_t)));
-    if (table == nullptr)
+    auto *all =
+        static_cast<sort_row *>(lang_store_allocate(scratch.get(), count * sizeof(sort_row)));
+    auto *table = static_cast<lang_text_t *>(
+        lang_store_allocate(store.get(), (count + slots_beside) * sizeof(lang_text_t)));
+    if (all == nullptr || table == nullptr)
         return -1;
+    const sort_rows rows(all, count);
+    for (sort_row &row : rows) {
+        row.entry = static_cast<const lang_entry *>(entries->data);
+        entries = entries->next;
+    }
     // While it is empty the table is the sort's spare room.
     static_assert(sizeof(lang_text_t) >= sizeof(sort_row) &&
                   alignof(lang_text_t) >= alignof(sort_row));
@@ -257,23 +326,15 @@ int lang_table_build(lang_handle_t *handle, lang_rows &entries)
         table[i + 1] = rows[i].entry->text;
     handle->lang = table;
     handle->count = static_cast<std::int32_t>(count + 2);
-    handle->index = build_index(handle, rows);
+    handle->index = store.release();
+    build_index(handle, rows);
     return 0;
-}
-
-void lang_table_free(lang_handle_t *handle)
-{
-    free_index(handle->index);
-    std::free(handle->lang);
-    handle->index = nullptr;
-    handle->lang = nullptr;
-    handle->count = 0;
 }
 
 const lang_text_t *lang_table_find(const lang_handle_t *handle, const lang_key &key)
 {
     const lang_index *index = handle->index;
-    if (index == nullptr)
+    if (index == nullptr || index->rows == nullptr)
         return lang_table_bisect(handle, key.text);
     const std::uint32_t hash = lang_key_hash(key);
     const std::uint32_t tag_mask = ~index->slot_mask;

@@ -10,11 +10,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
-#include <span>
+#include <memory>
 
 #include "langlib/lang.h"
+#include "support/guard.h"
 
 namespace zel {
 
@@ -51,7 +51,16 @@ private:
 // Hash of a key, as the index keeps it.
 std::uint32_t lang_key_hash(const lang_key &key);
 
-// An entry of a handle: one block that holds its strings as well, released with free.
+// The memory of a handle's entries, table and index comes in large pieces that are released
+// together: for a large file, asking for each alone would cost more than reading it.
+lang_index *lang_store_new();
+void lang_store_free(lang_index *store) noexcept;
+using lang_store_guard = std::unique_ptr<lang_index, release<lang_store_free>>;
+
+// Memory for any record; null without memory.
+void *lang_store_allocate(lang_index *store, std::size_t size);
+
+// An entry of a handle, in its store.
 struct lang_entry {
     lang_text_t text;
     std::uint32_t hash;     // of the key
@@ -59,36 +68,9 @@ struct lang_entry {
     // key and value follow, each with its NUL
 };
 
-// An entry while it is sorted, with eight bytes of its key: those from a multiple of eight on.
-struct sort_row {
-    std::uint64_t bytes; // the first one highest, zeros behind the key's end
-    const lang_entry *entry;
-};
-
-// Entries in reading order, collected for a table. Owns nothing but its rows.
-class lang_rows {
-public:
-    lang_rows() = default;
-    ~lang_rows() { std::free(rows_); }
-    lang_rows(const lang_rows &) = delete;
-    lang_rows &operator=(const lang_rows &) = delete;
-
-    // False without memory.
-    bool add(const lang_entry *entry);
-    std::span<sort_row> rows() { return {rows_, count_}; }
-
-private:
-    sort_row *rows_ = nullptr;
-    std::size_t count_ = 0;
-    std::size_t room_ = 0;
-};
-
-// Builds table and index of the handle, which must hold neither; the rows are sorted. 0, or -1
-// without memory, when the handle is as before.
-int lang_table_build(lang_handle_t *handle, lang_rows &entries);
-
-// Releases both, not the entries.
-void lang_table_free(lang_handle_t *handle);
+// Builds table and index from the entries (lang_entry of the store) into the handle, which takes
+// the store over: 0. Without memory -1, and both are as before.
+int lang_table_build(lang_handle_t *handle, lang_store_guard &store, zel_list *entries);
 
 // The slot that answers for the key, or null.
 const lang_text_t *lang_table_find(const lang_handle_t *handle, const lang_key &key);

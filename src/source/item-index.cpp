@@ -9,10 +9,7 @@ namespace zel {
 
 namespace {
 
-const char *or_empty(const char *text)
-{
-    return text == nullptr ? "" : text;
-}
+const char *or_empty(const char *text) { return text == nullptr ? "" : text; }
 
 bool same_name(const char *stored, const char *wanted)
 {
@@ -29,6 +26,11 @@ std::uint32_t item_hash(std::uint32_t group, const char *name)
 
 item_index::item_index(LangSource *source) : source_(source), group_tail_(source->groups)
 {
+    std::size_t count = 0;
+    for (const edit_t *group : each<edit_t>(source->groups))
+        count += g_list_length(group->items);
+    items_.reserve(count);
+    item_names_.reserve(count);
     for (edit_t *group : each<edit_t>(source->groups)) {
         // Only the first group of a name is ever looked into.
         if (find_group(or_empty(group->name)) != hash_index::none)

@@ -161,7 +161,10 @@ place place_of(const zel_token_t *token) { return {token->line, token->column}; 
 
 void log_exit(int line) { LogPrint(1, "lang_read_file: ERROR(exit) %s:%d\n", "lang-read", line); }
 
-// Prints a message, logs the line it names, and tells what follows.
+// The line that the log is to name once everything is released; 0 none. One reader runs at a time.
+int exit_line;
+
+// Prints a message and tells what follows.
 outcome fail(int number, place at, int kind = 0)
 {
     const message *row = messages;
@@ -173,7 +176,7 @@ outcome fail(int number, place at, int kind = 0)
     if (row->log_line == 324)
         std::printf("lang_read_file: ERROR(exit) %s:%d\n", "lang-read", 323);
     if (row->log_line != 0)
-        log_exit(row->log_line);
+        exit_line = row->log_line;
     return row->after;
 }
 
@@ -531,7 +534,7 @@ outcome source_reader::read_default()
 {
     if (next(lex)->id == key_lang)
         return read_string(lex, source->default_lang, 574);
-    log_exit(261);
+    exit_line = 261;
     return outcome::give_up;
 }
 
@@ -597,25 +600,30 @@ void note_source_directory(const char *path)
     lang_global.whatsnew_since = 0;
 }
 
-void say_not_opened(const char *path)
+// What went wrong before the first statement, or with the file under it.
+enum class trouble { none, not_opened, no_path };
+
+trouble check_opened(const zel_lex_buf_t *buf)
 {
-    std::printf("ERROR(%d) open ->%s<-\n", 146, path);
-    LogPrint(1, "lang_read_file: ERROR(exit) >%s< %s:%d\n", path, "lang-read", 151);
+    if (buf == nullptr)
+        return trouble::not_opened;
+    return buf->stream == nullptr ? trouble::no_path : trouble::none;
 }
 
-// Whether there is something to read from, else the message.
-bool check_opened(const zel_lex_buf_t *buf, const char *path)
+void print_trouble(trouble what, const char *path)
 {
-    if (buf == nullptr) {
-        say_not_opened(path == nullptr ? "" : path);
-        return false;
-    }
-    if (buf->stream == nullptr) {
-        std::printf("ERROR(%d) file open ->%s<-\n", 155, path == nullptr ? "" : path);
+    if (what == trouble::not_opened)
+        std::printf("ERROR(%d) open ->%s<-\n", 146, path);
+    else
+        std::printf("ERROR(%d) file open ->%s<-\n", 155, path);
+}
+
+void log_trouble(trouble what, const char *path)
+{
+    if (what == trouble::not_opened)
+        LogPrint(1, "lang_read_file: ERROR(exit) >%s< %s:%d\n", path, "lang-read", 151);
+    else
         log_exit(159);
-        return false;
-    }
-    return true;
 }
 
 } // namespace
@@ -637,25 +645,34 @@ LangSource *lang_read_file(const char *path)
     }
     zel_lex_buf_guard buf(zel_lex_buf_file_new(path));
     note_source_directory(path);
-    if (!check_opened(buf.get(), path))
-        return nullptr;
-    zel_lex_set_buf(lex.get(), buf.get());
-    const outcome result = source_reader(lex.get(), source.get()).read_statements();
-    // A file that the system cannot read to its end must not pass for a short one.
-    const bool unreadable = std::ferror(buf->stream) != 0;
-    if (result == outcome::go_on && !unreadable) {
+    const char *shown = path == nullptr ? "" : path;
+    trouble what = check_opened(buf.get());
+    outcome result = outcome::give_up;
+    exit_line = 0;
+    if (what == trouble::none) {
+        zel_lex_set_buf(lex.get(), buf.get());
+        result = source_reader(lex.get(), source.get()).read_statements();
+        // A file that the system cannot read to its end must not pass for a short one.
+        if (result != outcome::stop && std::ferror(buf->stream) != 0)
+            what = trouble::not_opened;
+    }
+    if (result == outcome::go_on && what == trouble::none) {
         LogPrint(1, "lang_read_file: exit\n");
         return source.release();
     }
+    if (what != trouble::none)
+        print_trouble(what, shown);
+    source.reset();
     lex.reset();
     buf.reset();
-    source.reset();
-    if (result == outcome::stop) {
+    if (what != trouble::none) {
+        log_trouble(what, shown);
+    } else if (result == outcome::stop) {
         std::printf("lang_read_file: ERROR(exit) %s:%d\n", "lang-read", 303);
         log_exit(304);
         lang_exit(0);
-    } else if (unreadable) {
-        say_not_opened(path);
+    } else if (exit_line != 0) {
+        log_exit(exit_line);
     }
     return nullptr;
 }

@@ -33,6 +33,13 @@ public:
         return none;
     }
 
+    // Makes room for that many at once.
+    void reserve(std::size_t count)
+    {
+        while (count + count / 2 >= slots_.size())
+            grow();
+    }
+
     // Adds a position; what it stands for must not be there yet.
     void add(std::uint32_t hash, std::uint32_t position)
     {

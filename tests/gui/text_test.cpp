@@ -14,8 +14,6 @@ using testing::IsEmpty;
 
 class Text : public gui::Test {
 protected:
-    Text() { source->default_lang = zel_strdup("english"); }
-
     ~Text() override
     {
         gtk_widget_destroy(window);

@@ -454,7 +454,7 @@ TEST_F(SaveFaults, WithoutRoomTheOldFileStaysInItsPlace)
 {
     grow(300000);
     write_file("app.lang-src", old_text);
-    for (rlim_t bytes : {0, 1, 4096, 65536, 262144, 290000}) {
+    for (rlim_t bytes : {0UL, 1UL, 4096UL, 65536UL, 262144UL, 290000UL}) {
         {
             const size_limit limit(bytes);
             save("app.lang-src");

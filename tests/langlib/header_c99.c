@@ -1,0 +1,89 @@
+/* A C program that includes the public header alone and uses each of its kinds of things, against
+ * the shared library. Ends with the line of the first thing that is wrong. */
+#include <lang.h>
+
+#include <stdlib.h>
+#include <string.h>
+
+#define CHECK(condition)                                                                           \
+    do {                                                                                           \
+        if (!(condition))                                                                          \
+            return __LINE__ > 255 ? 255 : __LINE__;                                                \
+    } while (0)
+
+#define NAME "item"
+
+static const char *const marked[] = {lang_dummy("note", "g", "marked"), lang_dummy("note", "g",
+                                                                                   "in two "
+                                                                                   "parts")};
+
+static void count(void *data, void *user)
+{
+    if (data != NULL)
+        ++*(int *)user;
+}
+
+static int check_requests(lang_handle_t *handle)
+{
+    struct zel_info_t *record = NULL;
+    struct zel_list *symbols = lang_sym_set(NULL, "WHO", "Ada", LANG_SYM_APP);
+    char *owned;
+
+    CHECK(strcmp(lang_get_string("g", NAME), NAME) == 0);
+    CHECK(strcmp(lang_tooltip("g", "in two "
+                                   "parts"),
+                 marked[1]) == 0);
+    CHECK(strcmp(lang_get_str(handle, "g", "text"), "Text") == 0);
+    CHECK(strcmp(lang_get("note", "g", NAME), NAME) == 0);
+    CHECK(strcmp(lang_get_fmt("formater=%25d", "g", "%d"), "%d") == 0);
+    owned = lang_sym(symbols, "note", "g", "%WHO%");
+    CHECK(owned != NULL && strcmp(owned, "Ada") == 0);
+    free(owned);
+    lang_sym_free(symbols);
+    record = lang_get_info(handle, &record, 1, 2, "g", "text", NAME);
+    CHECK(record != NULL);
+    zel_info_free(record);
+    return 0;
+}
+
+static int check_splitter(void)
+{
+    static const struct trans_id_t table[] = {{"on", 1}, {"off", 2}, {NULL, 0}};
+    struct zel_list *list = min_lex_split_msg(NULL, "a=1;b=two", ';', '=');
+    const char *cursor = " off";
+    int32_t a = 0;
+    char *b = NULL;
+    int elements = 0;
+
+    zel_list_foreach(list, count, &elements);
+    CHECK(elements == 2 && zel_list_count(list) == 2);
+    list = min_lex_split_msg_get_int_free(list, "a", &a, 0);
+    CHECK(a == 1);
+    min_lex_split_msg_free(list);
+    CHECK(min_lex_split_msg_get_ext("b=two", ';', '=', "a", MIN_LEX_TYPE_INT, &a, 7, "b",
+                                    MIN_LEX_TYPE_STR, &b, "none", (const char *)NULL) == 0);
+    CHECK(a == 7 && b != NULL && strcmp(b, "two") == 0);
+    free(b);
+    CHECK(zel_min_lex_get_id(&cursor, table) == 2);
+    return 0;
+}
+
+int main(int words, char **word)
+{
+    lang_handle_t *handle;
+    FILE *file;
+    int result;
+
+    CHECK(words == 2);
+    file = fopen(word[1], "w");
+    CHECK(file != NULL);
+    fputs("LANGUAGE \"test\" GROUP g text { \"Text\" }", file);
+    fclose(file);
+    handle = lang_new(word[1]);
+    CHECK(handle != NULL && handle->loaded == 1 && strcmp(handle->lang[1].value, "Text") == 0);
+    lang_debug_print(stdout, handle);
+    result = check_requests(handle);
+    lang_free(handle, 1);
+    remove(word[1]);
+    return result != 0 ? result : check_splitter();
+}

@@ -1,0 +1,23 @@
+// The public header alone, as C++ of an older standard, against the static library, in a program
+// with names that the library uses inside.
+#include <lang.h>
+
+#include <cstdlib>
+#include <cstring>
+
+int lang = 1;
+const char *log_init = "mine";
+
+int main()
+{
+    const char *text = lang_get("note", "g",
+                                "in two "
+                                "parts");
+    char *owned = lang_sym(nullptr, "note", "g", "%PERCENT%");
+    const bool good = std::strcmp(text, "in two parts") == 0 &&
+                      std::strcmp(owned, "%PERCENT%") == 0 && lang == 1 &&
+                      std::strcmp(log_init, "mine") == 0;
+    std::free(owned);
+    lang_de_init();
+    return good ? 0 : 1;
+}

@@ -1,0 +1,24 @@
+# The library as applications get it: the public header alone, as C, against the shared library;
+# and an installed prefix, with the example application.
+
+add_executable(langlib_c99_test langlib/header_c99.c)
+target_link_libraries(langlib_c99_test PRIVATE lang_shared)
+target_compile_options(langlib_c99_test PRIVATE -Wall -Wextra -Wpedantic -Werror)
+set_target_properties(langlib_c99_test PROPERTIES C_STANDARD 99 C_EXTENSIONS OFF)
+add_test(NAME langlib_c99 COMMAND langlib_c99_test langlib_c99.lang)
+
+add_executable(langlib_cxx_test langlib/header_cxx.cc)
+target_link_libraries(langlib_cxx_test PRIVATE lang_static)
+target_compile_options(langlib_cxx_test PRIVATE -Wall -Wextra -Wpedantic -Werror)
+set_target_properties(langlib_cxx_test PROPERTIES CXX_STANDARD 11)
+add_test(NAME langlib_cxx COMMAND langlib_cxx_test)
+
+add_test(NAME langlib_install
+         COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/langlib/install-test.sh ${CMAKE_COMMAND}
+                 ${CMAKE_BINARY_DIR} ${CMAKE_SOURCE_DIR} $<$<TARGET_EXISTS:lang>:$<TARGET_FILE:lang>>)
+set(sanitize_flags "")
+if(LANG_SANITIZE)
+  set(sanitize_flags "-fsanitize=${LANG_SANITIZE}")
+endif()
+set_tests_properties(langlib_install PROPERTIES TIMEOUT 300 ENVIRONMENT
+  "CC=${CMAKE_C_COMPILER};CXX=${CMAKE_CXX_COMPILER};CFLAGS=${sanitize_flags};CXXFLAGS=${sanitize_flags};LDFLAGS=${sanitize_flags}")
