@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <fstream>
 #include <libintl.h>
+#include <malloc.h>
 #include <map>
 #include <random>
 #include <string>
@@ -31,6 +32,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t per_group = 100;
+constexpr std::int64_t sizes[] = {300, 5000, 100000};
 
 struct request {
     std::string group;
@@ -38,24 +40,34 @@ struct request {
     std::string text;
 };
 
-// Where the catalogs stand while the program runs.
+// Where the catalogs stand while the program runs; a given folder has them already.
 struct scratch {
-    scratch()
+    explicit scratch(const char *given)
     {
+        if (given != nullptr) {
+            folder = given;
+            return;
+        }
+        owned = true;
         std::string name = (fs::temp_directory_path() / "lang-bench-XXXXXX").string();
         if (mkdtemp(name.data()) == nullptr)
             std::abort();
         folder = name;
     }
-    ~scratch() { fs::remove_all(folder); }
+    ~scratch()
+    {
+        if (owned)
+            fs::remove_all(folder);
+    }
     scratch(const scratch &) = delete;
     scratch &operator=(const scratch &) = delete;
     fs::path folder;
+    bool owned = false;
 };
 
-const scratch &work()
+const scratch &work(const char *given = nullptr)
 {
-    static const scratch here;
+    static const scratch here(given);
     return here;
 }
 
@@ -78,8 +90,14 @@ struct texts {
         for (std::size_t i = 0; i < size; ++i)
             all.push_back({"dialog_" + std::to_string(i / per_group), make_text(random, i),
                            make_text(random, i + 7)});
-        write_compiled();
-        write_catalog();
+        compiled = (work().folder / (std::to_string(all.size()) + ".lang")).string();
+        domain = "bench-" + std::to_string(all.size());
+        if (work().owned) {
+            write_compiled();
+            write_catalog();
+        }
+        bindtextdomain(domain.c_str(), work().folder.c_str());
+        bind_textdomain_codeset(domain.c_str(), "UTF-8");
         asked = all;
         std::shuffle(asked.begin(), asked.end(), random);
         missing = asked;
@@ -94,7 +112,6 @@ struct texts {
 private:
     void write_compiled()
     {
-        compiled = (work().folder / (std::to_string(all.size()) + ".lang")).string();
         std::ofstream out(compiled);
         out << "/* automatically generated file, do not edit bench */\n\nFORMAT UTF8\n"
                "LANGUAGE \"bench\"\nCTIME 1700000000\nSRC_MTIME 1700000000\n";
@@ -107,7 +124,6 @@ private:
 
     void write_catalog()
     {
-        domain = "bench-" + std::to_string(all.size());
         const fs::path folder = work().folder / "xx" / "LC_MESSAGES";
         const fs::path source = work().folder / (domain + ".po");
         fs::create_directories(folder);
@@ -121,8 +137,6 @@ private:
             "msgfmt -o '" + (folder / (domain + ".mo")).string() + "' '" + source.string() + "'";
         if (std::system(command.c_str()) != 0)
             std::abort();
-        bindtextdomain(domain.c_str(), work().folder.c_str());
-        bind_textdomain_codeset(domain.c_str(), "UTF-8");
     }
 };
 
@@ -254,8 +268,8 @@ void load(benchmark::State &state)
 void load_byte_count(benchmark::State &state)
 {
     std::array<unsigned char, 256> is_space{};
-    for (unsigned char c : {' ', '\t', '\n', '\r'})
-        is_space[c] = 1;
+    for (const char c : {' ', '\t', '\n', '\r'})
+        is_space[static_cast<unsigned char>(c)] = 1;
     const texts &given = of_size(state.range(0));
     for (auto _ : state) {
         std::FILE *file = std::fopen(given.compiled.c_str(), "rb");
@@ -277,50 +291,68 @@ double cpu_seconds()
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
-// Loading and asking for every text once. A process of its own for each round: gettext reads a
-// catalog once in a process.
+// Loading and asking for every text once, in seconds.
 template <class Who>
-void first_use(benchmark::State &state)
+double first_use(const texts &given)
 {
-    const texts &given = of_size(state.range(0));
-    of_size(10);
+    const double begin = cpu_seconds();
+    const Who who(given);
+    for (const request &one : given.asked)
+        benchmark::DoNotOptimize(who.ask(one));
+    return cpu_seconds() - begin;
+}
+
+// The same in a process of its own for each round: gettext reads a catalog once in a process, and
+// nobody starts with the memory that another one has left.
+void load_and_ask(benchmark::State &state, const char *who)
+{
+    of_size(state.range(0));
+    const std::string command = "/proc/self/exe";
     for (auto _ : state) {
         int channel[2];
         if (pipe(channel) != 0)
             std::abort();
-        const pid_t child = fork();
+        const std::string size = std::to_string(state.range(0));
+        const std::string out = std::to_string(channel[1]);
+        const pid_t child = vfork();
         if (child == 0) {
-            // The code itself is not what is measured.
-            const texts &other = of_size(10);
-            const Who first(other);
-            for (const request &one : other.asked)
-                benchmark::DoNotOptimize(first.ask(one));
-            const double begin = cpu_seconds();
-            const Who who(given);
-            for (const request &one : given.asked)
-                benchmark::DoNotOptimize(who.ask(one));
-            const double seconds = cpu_seconds() - begin;
-            _exit(write(channel[1], &seconds, sizeof seconds) == sizeof seconds ? 0 : 1);
+            execl(command.c_str(), "first-use", who, size.c_str(), work().folder.c_str(),
+                  out.c_str(), nullptr);
+            _exit(1);
         }
+        close(channel[1]);
         double seconds = 0;
         if (read(channel[0], &seconds, sizeof seconds) != sizeof seconds)
             state.SkipWithError("no answer");
         close(channel[0]);
-        close(channel[1]);
         waitpid(child, nullptr, 0);
         state.SetIterationTime(seconds);
     }
 }
 
-void add(const char *job, const char *who, void (*function)(benchmark::State &),
-         bool manual = false)
+// What that process does.
+int answer_first_use(char **words)
 {
-    for (const std::int64_t size : {300, 5000, 100000}) {
-        auto *made = benchmark::RegisterBenchmark((std::string(job) + "/" + who).c_str(), function);
-        made->Arg(size);
-        if (manual)
-            made->UseManualTime();
-    }
+    work(words[3]);
+    const texts &given = of_size(std::atol(words[2]));
+    const double seconds = std::strcmp(words[1], "ours") == 0 ? first_use<ours>(given)
+                                                              : first_use<gettext_catalog>(given);
+    return write(std::atoi(words[4]), &seconds, sizeof seconds) == sizeof seconds ? 0 : 1;
+}
+
+void add(const char *job, const char *who, void (*function)(benchmark::State &))
+{
+    for (const std::int64_t size : sizes)
+        benchmark::RegisterBenchmark((std::string(job) + "/" + who).c_str(), function)->Arg(size);
+}
+
+void add_load_and_ask(const char *who)
+{
+    for (const std::int64_t size : sizes)
+        benchmark::RegisterBenchmark((std::string("load_and_ask/") + who).c_str(),
+                                     [who](benchmark::State &state) { load_and_ask(state, who); })
+            ->Arg(size)
+            ->UseManualTime();
 }
 
 } // namespace
@@ -332,6 +364,12 @@ int main(int argc, char **argv)
     unsetenv("LC_ALL");
     if (std::setlocale(LC_ALL, "C.UTF-8") == nullptr)
         std::abort();
+    if (std::strcmp(argv[0], "first-use") == 0)
+        return answer_first_use(argv);
+    // Repeated loads use the same memory again: how long the system takes to hand out pages is
+    // measured by load_and_ask, which begins with none.
+    mallopt(M_MMAP_THRESHOLD, 32 << 20);
+    mallopt(M_TRIM_THRESHOLD, 1 << 30);
     add("hit", "ours", hit<ours>);
     add("hit", "dgettext", hit<gettext_catalog>);
     add("hit", "ghashtable", hit<ghashtable>);
@@ -344,8 +382,8 @@ int main(int argc, char **argv)
     add("load", "byte_count", load_byte_count);
     add("load", "ghashtable_insert", load<ghashtable>);
     add("load", "unordered_map_insert", load<unordered_map>);
-    add("load_and_ask", "ours", first_use<ours>, true);
-    add("load_and_ask", "dgettext", first_use<gettext_catalog>, true);
+    add_load_and_ask("ours");
+    add_load_and_ask("dgettext");
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
 }

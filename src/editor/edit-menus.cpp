@@ -96,14 +96,12 @@ constexpr menu_row menu_rows[] = {
      key_use::none, cb_settings},
 };
 
-// Every entry stands under a title, no key is bound twice, and what can be chosen has an action.
+// Every entry stands under a title, and no key is bound twice.
 constexpr bool menu_is_sound()
 {
     if (menu_rows[0].kind != entry::title)
         return false;
     for (const menu_row &row : menu_rows) {
-        if ((row.kind == entry::item || row.kind == entry::check) != (row.act != nullptr))
-            return false;
         for (const menu_row &other : menu_rows) {
             if (&row != &other && row.use == key_use::bound && other.use == key_use::bound &&
                 row.key == other.key && row.modifier == other.modifier)

@@ -87,13 +87,6 @@ style "lang-status" {
 }
 widget "*.status" style "lang-status"
 
-style "lang-menu-line" {
-  ythickness = 3
-  GtkWidget::wide-separators = 1
-  GtkWidget::separator-height = 2
-}
-class "GtkSeparatorMenuItem" style "lang-menu-line"
-
 style "lang-tooltip" {
   xthickness = 5
   ythickness = 3

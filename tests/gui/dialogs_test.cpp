@@ -40,7 +40,7 @@ TEST_F(Dialogs, MessageBoxShowsItsTextUntilItIsAnswered)
     EXPECT_EQ(box(nullptr, "bad \xff byte", see(&seen, close_window())),
               "destroy_event: msg_box: g_main_loop_quit\n");
     EXPECT_EQ(seen, "bad \xef\xbf\xbd byte\nOk");
-    for (const guint end : {GDK_KEY_Return, GDK_KEY_Escape}) {
+    for (const guint end : {guint{GDK_KEY_Return}, guint{GDK_KEY_Escape}}) {
         box(nullptr, "keys", [end](GtkWidget *dialog) {
             settle();
             key(dialog, end);
@@ -125,7 +125,7 @@ TEST_F(Dialogs, SeveralFilesAreFilteredByTheirPatterns)
 {
     for (const char *name : {"a.one", "b.two", "c.three"})
         write_file(path(name), "");
-    answer_next([this](GtkWidget *dialog) {
+    answer_next([](GtkWidget *dialog) {
         GtkFileChooser *chooser = GTK_FILE_CHOOSER(dialog);
         GtkFileFilter *filter = gtk_file_chooser_get_filter(chooser);
         const auto passes = [filter](const char *name) {

@@ -148,6 +148,8 @@ GtkWidget *find_text(GtkWidget *root, const std::string &text)
             const gchar *label = gtk_button_get_label(GTK_BUTTON(widget));
             return label != nullptr && text == label;
         }
+        if (GTK_IS_SEPARATOR_MENU_ITEM(widget))
+            return false; // asking for its label would give it one
         if (GTK_IS_MENU_ITEM(widget)) {
             const gchar *label = gtk_menu_item_get_label(GTK_MENU_ITEM(widget));
             return label != nullptr && text == label;
@@ -200,7 +202,8 @@ GtkWidget *menu_entry(GtkWidget *window, const std::string &text)
 {
     GtkWidget *found = nullptr;
     walk_menus(find_type(window, GTK_TYPE_MENU_BAR), [&](GtkWidget *item) {
-        if (found == nullptr && text == gtk_menu_item_get_label(GTK_MENU_ITEM(item)))
+        if (found == nullptr && !GTK_IS_SEPARATOR_MENU_ITEM(item) &&
+            text == gtk_menu_item_get_label(GTK_MENU_ITEM(item)))
             found = item;
     });
     EXPECT_NE(found, nullptr) << "no menu entry " << text;
