@@ -31,10 +31,7 @@ constexpr std::array messages = {
 };
 static_assert(messages.size() == ARGV_NO_FLAGS, "a message per code below the first without one");
 
-const char *current_word(int count, char **position)
-{
-    return count < 1 ? nullptr : *position;
-}
+const char *current_word(int count, char **position) { return count < 1 ? nullptr : *position; }
 
 void use_word(int *count, char ***position)
 {
@@ -57,10 +54,7 @@ int use_row(int *count, char ***position, const argv_tab_t *row)
     return row->id;
 }
 
-int reported(int code)
-{
-    return err_print != 0 ? argv_print_error(code) : code;
-}
+int reported(int code) { return err_print != 0 ? argv_print_error(code) : code; }
 
 // The current word when it begins with a digit; else null.
 const char *number_word(int count, char **position)
@@ -88,10 +82,7 @@ const char *integer_format(std::string_view word)
     return word[1] == 'x' || word[1] == 'X' ? "%x" : "%o";
 }
 
-bool is_space(char c)
-{
-    return std::isspace(static_cast<unsigned char>(c)) != 0;
-}
+bool is_space(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
 
 // Makes room for so many slots. The array grows in steps of powers of two, so that a long text is
 // not copied once per word.
@@ -140,10 +131,7 @@ const char *end_of_plain(const char *text)
     return text;
 }
 
-bool is_line_end(int c)
-{
-    return c == '\r' || c == '\n';
-}
+bool is_line_end(int c) { return c == '\r' || c == '\n'; }
 
 // Copies a file of words without its comments, as one line, into a text of size bytes and its NUL.
 void read_words(std::FILE *file, char *text, std::size_t size)
@@ -385,10 +373,7 @@ int gen_argv_add_str_ext(const char *text, int *count, char ***vector)
     return 0;
 }
 
-void gen_argv_add_null(int *count, char ***vector)
-{
-    append_null(count, vector, 1);
-}
+void gen_argv_add_null(int *count, char ***vector) { append_null(count, vector, 1); }
 
 int argv_dup(int n, char **words, int *count, char ***vector)
 {

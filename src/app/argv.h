@@ -11,13 +11,13 @@
 // Result codes of the value getters; a word is used up only on success.
 enum {
     ARGV_OK = 0,
-    ARGV_ERROR = 1,                // no flag word taken
-    ARGV_NO_STRING = 2,            // no word left
-    ARGV_NO_INTEGER = 3,           // no word, or it does not begin with a digit
+    ARGV_ERROR = 1,      // no flag word taken
+    ARGV_NO_STRING = 2,  // no word left
+    ARGV_NO_INTEGER = 3, // no word, or it does not begin with a digit
     ARGV_NO_FLOAT = 4,
     ARGV_NO_DOUBLE = 5,
-    ARGV_NO_WIDTH_HEIGHT = 6,      // no word, or malformed
-    ARGV_NO_FLAGS = 7              // no word, or an empty one
+    ARGV_NO_WIDTH_HEIGHT = 6, // no word, or malformed
+    ARGV_NO_FLAGS = 7         // no word, or an empty one
 };
 
 // Matches the current word against a table, whole and case-sensitive: uses it up and returns the

@@ -71,10 +71,7 @@ const char *lang_get_home()
     return lang_home;
 }
 
-void lang_home_free()
-{
-    zel::replace_string(lang_home, nullptr);
-}
+void lang_home_free() { zel::replace_string(lang_home, nullptr); }
 
 void lang_exit(int status)
 {

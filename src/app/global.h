@@ -13,10 +13,10 @@ struct lang_global_t {
     char *start_dir;           // directory of the file named after "edit", owned
     char *output_lang_1;       // the two languages shown side by side, owned
     char *output_lang_2;
-    char *default_dst_dir;     // default export directory; nothing sets it
-    char *doc_base_dir;        // the program's data directory, owned
-    char *doc_dir;             // its "doc" folder, owned
-    char *log_file;            // path of the program log, owned
+    char *default_dst_dir; // default export directory; nothing sets it
+    char *doc_base_dir;    // the program's data directory, owned
+    char *doc_dir;         // its "doc" folder, owned
+    char *log_file;        // path of the program log, owned
 
     std::int32_t posnr;              // write position numbers when compiling
     char *src_dir;                   // directory of the last source read, owned

@@ -68,11 +68,8 @@ constexpr argv_tab_t oformat_list[] = {{"gtk", 1}, {"lang", 2}, {nullptr, 0}};
 enum { compile_none = 0, compile_help = 1, compile_dst_dir = 2 };
 
 constexpr argv_tab_t compile_list[] = {
-    {"-h", compile_help},
-    {"-?", compile_help},
-    {"-help", compile_help},
-    {"-dst-dir", compile_dst_dir},
-    {nullptr, compile_none},
+    {"-h", compile_help},          {"-?", compile_help},    {"-help", compile_help},
+    {"-dst-dir", compile_dst_dir}, {nullptr, compile_none},
 };
 
 #define DASHES_63 "---------------------------------------------------------------"

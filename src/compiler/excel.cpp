@@ -10,10 +10,7 @@ namespace {
 constexpr std::size_t KEY_SIZE = 1024; // with the closing NUL
 constexpr std::size_t OUTPUT_BUFFER = 1 << 18;
 
-const char *or_empty(const char *text)
-{
-    return text == nullptr ? "" : text;
-}
+const char *or_empty(const char *text) { return text == nullptr ? "" : text; }
 
 void write_cell(std::FILE *stream, const char *key)
 {

@@ -114,7 +114,7 @@ zel_lex_buf_t *new_record()
 // The system opens a directory for reading and only then has nothing to give.
 bool is_directory(std::FILE *stream)
 {
-    struct stat status{};
+    struct stat status {};
     return fstat(fileno(stream), &status) == 0 && S_ISDIR(status.st_mode);
 }
 

@@ -22,28 +22,28 @@ using zel_lex_seek_fn = std::uint64_t (*)(zel_lex_buf_t *, std::uint64_t offset)
 using zel_lex_read_fn = int (*)(zel_lex_buf_t *, void *context);
 
 struct zel_lex_buf_t {
-    std::uint32_t kind;          // memory, file, or bare
-    std::FILE *stream;           // the open file or null
-    std::uint32_t borrowed;      // 1: the caller opened the stream and closes it
-    char *file_name;             // the path given, owned, or null
-    unsigned char *data;         // the block being read
-    std::uint32_t owns_data;     // 1: data is the buffer's own read block
-    std::uint32_t capacity;      // of an own block: 8192
-    zel_lex_char_fn next_char;   // default: the shared step that counts and drops returns
+    std::uint32_t kind;        // memory, file, or bare
+    std::FILE *stream;         // the open file or null
+    std::uint32_t borrowed;    // 1: the caller opened the stream and closes it
+    char *file_name;           // the path given, owned, or null
+    unsigned char *data;       // the block being read
+    std::uint32_t owns_data;   // 1: data is the buffer's own read block
+    std::uint32_t capacity;    // of an own block: 8192
+    zel_lex_char_fn next_char; // default: the shared step that counts and drops returns
     zel_lex_char_fn look_ahead;
     zel_lex_seek_fn seek;
-    zel_lex_read_fn read_char;   // memory, file, file tail, or the client's
-    std::uint32_t size;          // of a memory block
-    std::uint64_t position;      // characters taken so far, dropped returns and reads of the end too
-    std::uint32_t line;          // from 1
-    std::uint32_t column;        // characters taken on this line, from 0
-    std::uint32_t count;         // valid bytes in data
-    std::uint32_t index;         // next byte of data to read
-    std::uint32_t marker_file;   // set by line markers: index of the file name
-    std::uint32_t marker_line;   // line according to line markers, from 1
-    std::int32_t held;           // the character read ahead, 0 none
-    void *read_context;          // second argument of read_char
-    std::uint32_t direct;        // 1: read_char is ours, so bytes of data may be taken directly
+    zel_lex_read_fn read_char; // memory, file, file tail, or the client's
+    std::uint32_t size;        // of a memory block
+    std::uint64_t position;    // characters taken so far, dropped returns and reads of the end too
+    std::uint32_t line;        // from 1
+    std::uint32_t column;      // characters taken on this line, from 0
+    std::uint32_t count;       // valid bytes in data
+    std::uint32_t index;       // next byte of data to read
+    std::uint32_t marker_file; // set by line markers: index of the file name
+    std::uint32_t marker_line; // line according to line markers, from 1
+    std::int32_t held;         // the character read ahead, 0 none
+    void *read_context;        // second argument of read_char
+    std::uint32_t direct;      // 1: read_char is ours, so bytes of data may be taken directly
 };
 
 // A bare buffer with an own block and the memory functions; null without memory.

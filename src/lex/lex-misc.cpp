@@ -62,7 +62,8 @@ int lex_get_str(zel_lex_t *lex, char **out)
     zel::replace_string(*out, nullptr);
     const zel_token_t *token = zel_token_look_ahead(lex, 0);
     if (lex_match(token, TOKEN_STRING) == 0) {
-        dbg_printf("lex_get_str: ERROR: lex_get_str token id %d\n", token == nullptr ? 0 : token->id);
+        dbg_printf("lex_get_str: ERROR: lex_get_str token id %d\n",
+                   token == nullptr ? 0 : token->id);
         return 1;
     }
     *out = zel_strdup(token->lexeme);

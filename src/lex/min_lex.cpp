@@ -14,15 +14,9 @@
 
 namespace {
 
-bool is_space(char character)
-{
-    return std::isspace(static_cast<unsigned char>(character)) != 0;
-}
+bool is_space(char character) { return std::isspace(static_cast<unsigned char>(character)) != 0; }
 
-bool is_digit(char character)
-{
-    return character >= '0' && character <= '9';
-}
+bool is_digit(char character) { return character >= '0' && character <= '9'; }
 
 // Value of a hexadecimal digit; other characters count as the given number.
 unsigned hex_digit(char character, unsigned other)
@@ -41,10 +35,7 @@ std::int32_t decimal(const char *text)
     return static_cast<std::int32_t>(std::strtol(text, nullptr, 10));
 }
 
-void out_of_memory(int line)
-{
-    _zel_fatal("min_lex", line, "Not enough memory");
-}
+void out_of_memory(int line) { _zel_fatal("min_lex", line, "Not enough memory"); }
 
 // ---- Splitting ----------------------------------------------------------------------------------
 
@@ -161,10 +152,7 @@ struct output {
     const char *str_fallback;
 };
 
-bool known_type(int type)
-{
-    return type == MIN_LEX_TYPE_INT || type == MIN_LEX_TYPE_STR;
-}
+bool known_type(int type) { return type == MIN_LEX_TYPE_INT || type == MIN_LEX_TYPE_STR; }
 
 // Reads what follows the type. The fallback of an unknown type is passed over as a pointer.
 output read_output(output_args &args, int type)
@@ -235,10 +223,7 @@ std::int32_t store_values(output_args &args, const char *id, zel_list *&list, in
 
 // ---- Cursor helpers -----------------------------------------------------------------------------
 
-bool no_text(const char **cursor)
-{
-    return cursor == nullptr || *cursor == nullptr;
-}
+bool no_text(const char **cursor) { return cursor == nullptr || *cursor == nullptr; }
 
 const char *skip_space(const char *text)
 {
@@ -349,10 +334,7 @@ zel_list *min_lex_split_msg(zel_list *list, const char *text, char separator, ch
     return end.head;
 }
 
-void min_lex_split_msg_free(zel_list *list)
-{
-    zel_list_free_full(list, free_element);
-}
+void min_lex_split_msg_free(zel_list *list) { zel_list_free_full(list, free_element); }
 
 void min_lex_split_msg_print(std::FILE *stream, zel_list *list)
 {
@@ -485,10 +467,7 @@ zel_list *min_lex_split_str_by_sep(zel_list *list, const char *text, char separa
     return end.head;
 }
 
-void min_lex_split_str_by_sep_free(zel_list *list)
-{
-    zel_list_free_with_data(list);
-}
+void min_lex_split_str_by_sep_free(zel_list *list) { zel_list_free_with_data(list); }
 
 void min_lex_convert_percent_to_chars(char *text)
 {

@@ -180,7 +180,10 @@ outcome fail(int number, place at, int kind = 0)
     return row->after;
 }
 
-outcome fail(int number, const zel_token_t *token) { return fail(number, place_of(token), token->id); }
+outcome fail(int number, const zel_token_t *token)
+{
+    return fail(number, place_of(token), token->id);
+}
 
 const zel_token_t *next(zel_lex_t *lex) { return zel_next_token(lex); }
 int look(zel_lex_t *lex) { return zel_token_look_ahead(lex, 0)->id; }

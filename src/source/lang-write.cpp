@@ -30,10 +30,9 @@ struct source_writer {
     std::string out;
 
     source_writer(std::FILE *file, const LangSource *root)
-        : stream(file), source(root),
-          selected_only(lang_global.save_selected_only != 0 &&
-                        lang_global.output_lang_1 != nullptr &&
-                        lang_global.output_lang_2 != nullptr)
+        : stream(file), source(root), selected_only(lang_global.save_selected_only != 0 &&
+                                                    lang_global.output_lang_1 != nullptr &&
+                                                    lang_global.output_lang_2 != nullptr)
     {
     }
 
@@ -245,8 +244,8 @@ bool write_temporary_file(zel::safe_file &file, LangSource *source, const char *
 // Whether the path names the temporary file itself.
 bool is_temporary_file(const char *path)
 {
-    struct stat ours{};
-    struct stat theirs{};
+    struct stat ours {};
+    struct stat theirs {};
     return lstat(path, &theirs) == 0 && lstat(temporary, &ours) == 0 &&
            ours.st_ino == theirs.st_ino && ours.st_dev == theirs.st_dev;
 }

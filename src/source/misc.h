@@ -44,8 +44,7 @@ void append_quoted(std::string &out, unsigned indent, const char *text);
 void append_comment(std::string &out, std::string_view text);
 
 // Formats like printf behind what is there.
-void append_format(std::string &out, const char *format, ...)
-    __attribute__((format(printf, 2, 3)));
+void append_format(std::string &out, const char *format, ...) __attribute__((format(printf, 2, 3)));
 
 // Hands the collected text to the stream once it is worth a write; the rest goes with flush_text.
 void flush_large_text(std::string &out, std::FILE *stream);

@@ -20,9 +20,9 @@ struct lang_t {
     std::int32_t edit;    // not 0: one of the languages being edited
     std::int32_t value_1; // carried through unchanged, 200
     std::int32_t value_2;
-    char *name;           // "english"; may be null
-    char *file;           // name of the compiled file; may be null
-    std::FILE *stream;    // open only while the compiler writes this language
+    char *name;        // "english"; may be null
+    char *file;        // name of the compiled file; may be null
+    std::FILE *stream; // open only while the compiler writes this language
 };
 
 // One language's text of an item. A text of several lines is several strings.

@@ -14,10 +14,7 @@
 
 namespace {
 
-void close_dir(DIR *dir)
-{
-    closedir(dir);
-}
+void close_dir(DIR *dir) { closedir(dir); }
 using dir_guard = std::unique_ptr<DIR, zel::release<close_dir>>;
 
 dir_guard open_dir(const char *path)
@@ -35,25 +32,16 @@ const char *next_entry(DIR *dir)
     return nullptr;
 }
 
-const char *shown(const char *path)
-{
-    return path == nullptr ? "(null)" : path;
-}
+const char *shown(const char *path) { return path == nullptr ? "(null)" : path; }
 
 int compare_names(const void *a, const void *b)
 {
     return std::strcmp(static_cast<const char *>(a), static_cast<const char *>(b));
 }
 
-int compare_names_back(const void *a, const void *b)
-{
-    return compare_names(b, a);
-}
+int compare_names_back(const void *a, const void *b) { return compare_names(b, a); }
 
-bool is_separator(char c)
-{
-    return c == '/' || c == '\\';
-}
+bool is_separator(char c) { return c == '/' || c == '\\'; }
 
 // Longest work path that cre_dir builds, with its final NUL.
 constexpr std::size_t work_path_size = 2048;
@@ -225,10 +213,7 @@ zel_list *dir_list(zel_list *list, const char *path, const char *ending)
     return list;
 }
 
-void dir_list_free(zel_list *list)
-{
-    zel_list_free_with_data(list);
-}
+void dir_list_free(zel_list *list) { zel_list_free_with_data(list); }
 
 int dir_list_search(const zel_list *list, const char *name)
 {
@@ -244,15 +229,9 @@ void dir_list_print(std::FILE *stream, const zel_list *list)
         std::fprintf(stream, "dir_list_print >%s<\n", dir_list_file(list));
 }
 
-zel_list *dir_list_sort(zel_list *list)
-{
-    return zel_list_sort(list, compare_names);
-}
+zel_list *dir_list_sort(zel_list *list) { return zel_list_sort(list, compare_names); }
 
-zel_list *dir_list_sort_back(zel_list *list)
-{
-    return zel_list_sort(list, compare_names_back);
-}
+zel_list *dir_list_sort_back(zel_list *list) { return zel_list_sort(list, compare_names_back); }
 
 char *dir_list_file(const zel_list *element)
 {

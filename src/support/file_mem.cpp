@@ -216,15 +216,9 @@ std::int64_t zel_file_mem_write(const zel_file_mem_t *mem, const char *path, int
     return logged(result, mem_write_messages, path) == GOOD ? mem->size : -1;
 }
 
-std::int64_t zel_file_mem_size(const zel_file_mem_t *mem)
-{
-    return mem == nullptr ? 0 : mem->size;
-}
+std::int64_t zel_file_mem_size(const zel_file_mem_t *mem) { return mem == nullptr ? 0 : mem->size; }
 
-char *zel_file_mem_data(const zel_file_mem_t *mem)
-{
-    return mem == nullptr ? nullptr : mem->data;
-}
+char *zel_file_mem_data(const zel_file_mem_t *mem) { return mem == nullptr ? nullptr : mem->data; }
 
 void zel_file_mem_ref(zel_file_mem_t *mem)
 {
@@ -240,7 +234,4 @@ void zel_file_mem_unref(zel_file_mem_t *mem)
     std::free(mem);
 }
 
-void zel_file_mem_free(zel_file_mem_t *mem)
-{
-    zel_file_mem_unref(mem);
-}
+void zel_file_mem_free(zel_file_mem_t *mem) { zel_file_mem_unref(mem); }

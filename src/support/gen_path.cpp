@@ -9,10 +9,7 @@
 
 namespace {
 
-bool is_separator(char c)
-{
-    return c == '/' || c == '\\';
-}
+bool is_separator(char c) { return c == '/' || c == '\\'; }
 
 // A path that grows in the caller's buffer. Pieces go in whole or not at all, so that a path that
 // does not fit never names another file.

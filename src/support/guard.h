@@ -11,14 +11,20 @@ namespace zel {
 template <auto Free>
 struct release {
     template <class T>
-    void operator()(T *p) const noexcept { Free(p); }
+    void operator()(T *p) const noexcept
+    {
+        Free(p);
+    }
 };
 
 // For destructors that take the address of the pointer and set it to null.
 template <auto Free>
 struct release_at {
     template <class T>
-    void operator()(T *p) const noexcept { Free(&p); }
+    void operator()(T *p) const noexcept
+    {
+        Free(&p);
+    }
 };
 
 // Sets a re-entry flag for the life of a scope.

@@ -7,18 +7,12 @@
 
 namespace {
 
-void log_message(const char *format, std::va_list args, void *)
-{
-    vfLogPrint(1, format, args);
-}
+void log_message(const char *format, std::va_list args, void *) { vfLogPrint(1, format, args); }
 
 zel_info_msg_cb msg_callback = log_message;
 void *msg_data;
 
-char *text_or_unknown(const char *text)
-{
-    return zel_strdup2(text == nullptr ? "unknown" : text);
-}
+char *text_or_unknown(const char *text) { return zel_strdup2(text == nullptr ? "unknown" : text); }
 
 template <class Function>
 void each_entry(const zel_info_t *info, Function &&function)
@@ -28,17 +22,11 @@ void each_entry(const zel_info_t *info, Function &&function)
         function(*static_cast<const zel_info_entry_t *>(node->data));
 }
 
-void free_entry(void *entry)
-{
-    zel_info_entry_free(static_cast<zel_info_entry_t *>(entry));
-}
+void free_entry(void *entry) { zel_info_entry_free(static_cast<zel_info_entry_t *>(entry)); }
 
 } // namespace
 
-zel_info_t *zel_info_new()
-{
-    return static_cast<zel_info_t *>(std::calloc(1, sizeof(zel_info_t)));
-}
+zel_info_t *zel_info_new() { return static_cast<zel_info_t *>(std::calloc(1, sizeof(zel_info_t))); }
 
 zel_info_entry_t *zel_info_entry_new(std::uint32_t level, std::uint32_t code, const char *modul,
                                      const char *activity, const char *msg, const char *o_activity,
@@ -157,7 +145,4 @@ void zel_info_set_internal_msg_cb(zel_info_msg_cb callback, void *data)
     msg_data = data;
 }
 
-void zel_info_msg(const char *format, std::va_list args)
-{
-    msg_callback(format, args, msg_data);
-}
+void zel_info_msg(const char *format, std::va_list args) { msg_callback(format, args, msg_data); }

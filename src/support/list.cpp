@@ -204,7 +204,8 @@ char *zel_list_generate_str(const zel_list *list)
         return nullptr;
     std::size_t size = 0;
     for (const zel_list *node = list; node != nullptr; node = node->next)
-        size += (node->data == nullptr ? 0 : std::strlen(static_cast<const char *>(node->data))) + 2;
+        size +=
+            (node->data == nullptr ? 0 : std::strlen(static_cast<const char *>(node->data))) + 2;
     char *joined = static_cast<char *>(std::malloc(size));
     if (joined == nullptr)
         return nullptr;

@@ -9,14 +9,14 @@
 #include <pthread.h>
 
 // The program log's state: one per process, filled by LogOpen and emptied by LogClose.
-extern int log_init;              // 1 while the log is open; every write is a no-op while it is 0
-extern pthread_mutex_t logMutex;  // serialises messages; initialised at each open
+extern int log_init;             // 1 while the log is open; every write is a no-op while it is 0
+extern pthread_mutex_t logMutex; // serialises messages; initialised at each open
 extern pthread_mutexattr_t logMutexAttr;
-extern std::FILE *logFd;          // the log file; null when there is none or it cannot be opened
-extern int logStdout;             // 1: copy everything to standard output
-extern int logStderr;             // 1: copy everything to standard error
-extern std::uint32_t log_flags;   // kept for callers (LogSetFlags); the log never reads it
-extern char *logFile;             // path of the log file as given to LogOpen, owned
+extern std::FILE *logFd;        // the log file; null when there is none or it cannot be opened
+extern int logStdout;           // 1: copy everything to standard output
+extern int logStderr;           // 1: copy everything to standard error
+extern std::uint32_t log_flags; // kept for callers (LogSetFlags); the log never reads it
+extern char *logFile;           // path of the log file as given to LogOpen, owned
 
 // Writes a message to every open output and flushes it. Level 0 continues the line; any other
 // level starts one with the time and thread stamps (nothing is filtered). Returns 0.

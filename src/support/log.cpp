@@ -240,30 +240,15 @@ int LogCheckCrash(const char *file)
     return result;
 }
 
-std::uint32_t LogSetFlags(int bits)
-{
-    return log_flags |= static_cast<std::uint32_t>(bits);
-}
+std::uint32_t LogSetFlags(int bits) { return log_flags |= static_cast<std::uint32_t>(bits); }
 
-std::uint32_t LogClrFlags(int bits)
-{
-    return log_flags &= ~static_cast<std::uint32_t>(bits);
-}
+std::uint32_t LogClrFlags(int bits) { return log_flags &= ~static_cast<std::uint32_t>(bits); }
 
-std::uint32_t LogGetFlags()
-{
-    return log_flags;
-}
+std::uint32_t LogGetFlags() { return log_flags; }
 
-const char *LogGetFile()
-{
-    return logFile;
-}
+const char *LogGetFile() { return logFile; }
 
-std::FILE *LogGetFd()
-{
-    return logFd;
-}
+std::FILE *LogGetFd() { return logFd; }
 
 zel_log_t *zel_log_open(const char *path, const char *version, unsigned flags)
 {
@@ -322,7 +307,4 @@ void zel_log_close(zel_log_t *log)
     std::free(log);
 }
 
-const char *zel_log_get_file(const zel_log_t *log)
-{
-    return log == nullptr ? nullptr : log->path;
-}
+const char *zel_log_get_file(const zel_log_t *log) { return log == nullptr ? nullptr : log->path; }

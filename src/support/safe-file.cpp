@@ -99,7 +99,7 @@ int copy_beside(int from, const char *target)
     const int to = mkostemp(fresh.data(), O_CLOEXEC);
     if (to < 0)
         return errno;
-    struct stat status{};
+    struct stat status {};
     if (fstat(from, &status) == 0)
         static_cast<void>(fchmod(to, status.st_mode & 0777));
     int error = copy_contents(from, to);

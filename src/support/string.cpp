@@ -19,10 +19,7 @@ namespace {
 
 constexpr std::string_view separators = "/\\";
 
-bool is_separator(char c)
-{
-    return separators.find(c) != std::string_view::npos;
-}
+bool is_separator(char c) { return separators.find(c) != std::string_view::npos; }
 
 char *new_string(std::string_view text)
 {
@@ -37,10 +34,7 @@ char *new_string(std::string_view text)
 }
 
 // Index of the last separator; npos when there is none.
-std::size_t last_separator(std::string_view path)
-{
-    return path.find_last_of(separators);
-}
+std::size_t last_separator(std::string_view path) { return path.find_last_of(separators); }
 
 // The file part, null when it is empty.
 char *new_file_part(std::string_view path)
@@ -179,10 +173,7 @@ char *zel_str_trim_hk(char *text)
     return text;
 }
 
-void zel_space_to_char(char *text, char character)
-{
-    zel_str_replace_char(text, ' ', character);
-}
+void zel_space_to_char(char *text, char character) { zel_str_replace_char(text, ' ', character); }
 
 int zel_str_replace_char(char *text, char from, char to)
 {
@@ -265,25 +256,13 @@ char *zel_strdup_vprintf(const char *format, std::va_list args)
     return text;
 }
 
-int zel_path_to_unix(char *path)
-{
-    return zel_str_replace_char(path, '\\', '/');
-}
+int zel_path_to_unix(char *path) { return zel_str_replace_char(path, '\\', '/'); }
 
-int zel_path_to_os(char *path)
-{
-    return zel_path_to_unix(path);
-}
+int zel_path_to_os(char *path) { return zel_path_to_unix(path); }
 
-int zel_path_conv(char *path)
-{
-    return zel_path_to_unix(path);
-}
+int zel_path_conv(char *path) { return zel_path_to_unix(path); }
 
-int zel_path_to_dos(char *path)
-{
-    return zel_str_replace_char(path, '/', '\\');
-}
+int zel_path_to_dos(char *path) { return zel_str_replace_char(path, '/', '\\'); }
 
 int zel_split_path(const char *path, char **dir)
 {

@@ -83,10 +83,7 @@ zel_time_t *zel_time_start()
     return watch;
 }
 
-void zel_time_free(zel_time_t *watch)
-{
-    std::free(watch);
-}
+void zel_time_free(zel_time_t *watch) { std::free(watch); }
 
 void zel_time_reset(zel_time_t *watch)
 {

@@ -2,7 +2,4 @@
 
 #include <tiffio.h>
 
-tiff *zel_TIFFOpen(const char *path, const char *mode)
-{
-    return TIFFOpen(path, mode);
-}
+tiff *zel_TIFFOpen(const char *path, const char *mode) { return TIFFOpen(path, mode); }

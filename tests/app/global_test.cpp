@@ -35,10 +35,7 @@ protected:
 
 int last_status;
 
-void note_status(int status)
-{
-    last_status = status;
-}
+void note_status(int status) { last_status = status; }
 
 } // namespace
 

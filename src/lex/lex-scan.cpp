@@ -1,0 +1,624 @@
+#include "lex/lex-scan.h"
+
+#include "lex/lex-keyword.h"
+#include "support/log-print.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstdlib>
+#include <cstring>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace zel {
+
+void mark_start(zel_lex_t *lex)
+{
+    const zel_lex_buf_t *buf = lex->buf;
+    zel_token_t *token = lex->work;
+    token->line = buf->line;
+    token->column = buf->column;
+    token->offset = buf->position;
+    token->file_index = static_cast<int>(buf->marker_file);
+    token->file_line = buf->marker_line;
+}
+
+} // namespace zel
+
+namespace {
+
+using zel::add_byte;
+using zel::clear_token;
+using zel::find_keyword;
+using zel::mark_start;
+using zel::next_char;
+using zel::peek_char;
+using zel::reserve;
+
+// What a byte means to the runs that are taken from the input block at once.
+enum : unsigned char {
+    in_ident = 1,  // continues an identifier
+    in_string = 2, // stands for itself inside a string
+};
+
+constexpr std::array<unsigned char, 256> make_classes()
+{
+    std::array<unsigned char, 256> classes{};
+    for (unsigned c = 0; c < 256; ++c) {
+        const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+        const bool digit = c >= '0' && c <= '9';
+        if (letter || digit || c == '_' || c >= 128)
+            classes[c] |= in_ident;
+        if (c != '"' && c != '\\' && c != '\n' && c != '\r')
+            classes[c] |= in_string;
+    }
+    return classes;
+}
+
+constexpr auto classes = make_classes();
+
+bool is_class(int c, unsigned char mask)
+{
+    return c >= 0 && (classes[static_cast<unsigned char>(c)] & mask) != 0;
+}
+
+// The part of the input block that may be taken at once: nothing while a character is held back or
+// a client's own reader or step is plugged in.
+struct block_view {
+    const unsigned char *begin;
+    const unsigned char *end;
+};
+
+block_view open_block(const zel_lex_buf_t *buf)
+{
+    if (buf->direct == 0 || buf->held != 0 || buf->next_char != zel::buf_shared_next_char ||
+        buf->index >= buf->count)
+        return {nullptr, nullptr};
+    return {buf->data + buf->index, buf->data + buf->count};
+}
+
+// The first byte that does not stand for itself inside a string. Texts are most of what is read, so
+// they are looked at sixteen bytes at a time where the processor can.
+const unsigned char *find_string_special(const unsigned char *p, const unsigned char *end)
+{
+#if defined(__SSE2__)
+    const __m128i quote = _mm_set1_epi8('"');
+    const __m128i backslash = _mm_set1_epi8('\\');
+    const __m128i line_feed = _mm_set1_epi8('\n');
+    const __m128i carriage_return = _mm_set1_epi8('\r');
+    for (; end - p >= 16; p += 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
+        const __m128i special = _mm_or_si128(
+            _mm_or_si128(_mm_cmpeq_epi8(bytes, quote), _mm_cmpeq_epi8(bytes, backslash)),
+            _mm_or_si128(_mm_cmpeq_epi8(bytes, line_feed), _mm_cmpeq_epi8(bytes, carriage_return)));
+        const auto mask = static_cast<unsigned>(_mm_movemask_epi8(special));
+        if (mask != 0)
+            return p + __builtin_ctz(mask);
+    }
+#endif
+    while (p != end && (classes[*p] & in_string) != 0)
+        ++p;
+    return p;
+}
+
+const unsigned char *find_ident_end(const unsigned char *p, const unsigned char *end)
+{
+    while (p != end && (classes[*p] & in_ident) != 0)
+        ++p;
+    return p;
+}
+
+// Takes n bytes of the block, none of them a line feed.
+void take_block(zel_lex_buf_t *buf, std::size_t n)
+{
+    buf->index += static_cast<std::uint32_t>(n);
+    buf->position += n;
+    buf->column += static_cast<std::uint32_t>(n);
+}
+
+// A text that cannot grow ends its token: no capacity is left to it.
+int out_of_memory(zel_token_t *token)
+{
+    token->capacity = 0;
+    token->id = TOKEN_ERR_MEM;
+    return TOKEN_ERR_MEM;
+}
+
+// Appends the run of plain bytes that stands next in the block.
+template <class FindEnd>
+bool add_run(zel_lex_buf_t *buf, zel_token_t *token, FindEnd &&find_end)
+{
+    const block_view block = open_block(buf);
+    const auto n = static_cast<std::size_t>(find_end(block.begin, block.end) - block.begin);
+    if (n == 0)
+        return true;
+    if (!reserve(token, n))
+        return false;
+    std::memcpy(token->lexeme + token->length, block.begin, n);
+    token->length += static_cast<std::uint32_t>(n);
+    take_block(buf, n);
+    return true;
+}
+
+void end_text(zel_token_t *token) { token->lexeme[token->length] = '\0'; }
+
+// ---- Comments, strings, characters, markers
+
+int finish(zel_token_t *token, int id)
+{
+    token->id = static_cast<std::int16_t>(id);
+    return id;
+}
+
+// Takes everything before the first of the two bytes that stands in the block.
+void skip_until(zel_lex_buf_t *buf, int byte, int other)
+{
+    const block_view block = open_block(buf);
+    if (block.begin == nullptr)
+        return;
+    auto n = static_cast<std::size_t>(block.end - block.begin);
+    for (const int wanted : {byte, other})
+        if (const void *found = std::memchr(block.begin, wanted, n))
+            n = static_cast<std::size_t>(static_cast<const unsigned char *>(found) - block.begin);
+    take_block(buf, n);
+}
+
+// After "/*". False at the end of input.
+bool skip_block_comment(zel_lex_buf_t *buf)
+{
+    for (;;) {
+        skip_until(buf, '\n', '*');
+        const int c = next_char(buf);
+        if (c == ZEL_LEX_EOF)
+            return false;
+        if (c == '*' && peek_char(buf) == '/') {
+            next_char(buf);
+            return true;
+        }
+    }
+}
+
+// After "//", through the line feed. False at the end of input.
+bool skip_line_comment(zel_lex_buf_t *buf)
+{
+    for (;;) {
+        skip_until(buf, '\n', '\n');
+        const int c = next_char(buf);
+        if (c == '\n' || c == ZEL_LEX_EOF)
+            return c == '\n';
+    }
+}
+
+int hex_value(int c)
+{
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    const int lower = c | 0x20;
+    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
+
+// The byte that the two characters after \x stand for; what "%x" makes of them where they are no
+// digits.
+int hex_byte(int high, int low)
+{
+    const char digits[] = {static_cast<char>(high), static_cast<char>(low), '\0'};
+    unsigned value = 0;
+    return std::sscanf(digits, "%x", &value) == 1 ? static_cast<int>(value & 0xff) : 0;
+}
+
+// Letters of one-character escapes in strings and the bytes they stand for.
+int string_escape(int letter)
+{
+    switch (letter) {
+    case '\\':
+    case '"':
+        return letter;
+    case '0':
+        return 0;
+    case 'n':
+        return '\n';
+    case 't':
+        return '\t';
+    case 'r':
+        return '\r';
+    case 'a':
+        return '\a';
+    case 'b':
+        return '\b';
+    default:
+        return -1;
+    }
+}
+
+// What one escape did to the string: goes on, or the kind that ends it.
+constexpr int string_goes_on = 0;
+
+int scan_hex_escape(zel_lex_buf_t *buf, zel_token_t *token)
+{
+    const int high = next_char(buf);
+    const int low = high == ZEL_LEX_EOF ? ZEL_LEX_EOF : next_char(buf);
+    if (low == ZEL_LEX_EOF)
+        return TOKEN_EOF;
+    return add_byte(token, hex_byte(high, low)) ? string_goes_on : TOKEN_ERR_MEM;
+}
+
+int scan_string_escape(zel_lex_t *lex, zel_token_t *token)
+{
+    zel_lex_buf_t *buf = lex->buf;
+    const int letter = next_char(buf);
+    if (letter == ZEL_LEX_EOF)
+        return TOKEN_EOF;
+    if (letter == 'x' || letter == 'X')
+        return scan_hex_escape(buf, token);
+    if (letter == '\n' || letter == '\r') {
+        if (peek_char(buf) == '\\')
+            next_char(buf);
+        return string_goes_on;
+    }
+    const int byte = string_escape(letter);
+    if (byte >= 0)
+        return add_byte(token, byte) ? string_goes_on : TOKEN_ERR_MEM;
+    if ((lex->flags & LEX_KEEP_BAD_ESCAPES) == 0)
+        return TOKEN_BAD_ESCAPE;
+    LogPrint(1, "zel_get_token: WARNING unknown escape %c\n", letter);
+    return add_byte(token, '\\') && add_byte(token, letter) ? string_goes_on : TOKEN_ERR_MEM;
+}
+
+// One character of a string that is not part of a plain run.
+int scan_string_char(zel_lex_t *lex, zel_token_t *token)
+{
+    const int c = next_char(lex->buf);
+    switch (c) {
+    case '"':
+        return TOKEN_STRING;
+    case '\n':
+    case '\r':
+        return TOKEN_ERR_EOL;
+    case ZEL_LEX_EOF:
+        return TOKEN_EOF;
+    case '\\':
+        if ((lex->flags & LEX_ESCAPES) != 0)
+            return scan_string_escape(lex, token);
+        [[fallthrough]];
+    default:
+        return add_byte(token, c) ? string_goes_on : TOKEN_ERR_MEM;
+    }
+}
+
+int scan_string(zel_lex_t *lex)
+{
+    zel_token_t *token = lex->work;
+    int kind = string_goes_on;
+    while (kind == string_goes_on) {
+        if (!add_run(lex->buf, token, find_string_special))
+            return out_of_memory(token);
+        kind = scan_string_char(lex, token);
+    }
+    if (kind == TOKEN_ERR_MEM)
+        return out_of_memory(token);
+    end_text(token);
+    return finish(token, kind);
+}
+
+// Letters of escapes in character constants; any other letter leaves the backslash.
+int character_escape(int letter)
+{
+    switch (letter) {
+    case 'f':
+        return '\f';
+    case 't':
+        return '\t';
+    case 'v':
+        return '\v';
+    case 'n':
+        return '\n';
+    case 'r':
+        return '\r';
+    case '0':
+        return 0;
+    case '"':
+    case '\'':
+        return letter;
+    case 'a':
+        return '\a';
+    case 'b':
+        return '\b';
+    default:
+        return '\\';
+    }
+}
+
+int scan_character(zel_lex_t *lex)
+{
+    zel_token_t *token = lex->work;
+    int c = next_char(lex->buf);
+    if (c == '\\') {
+        const int letter = next_char(lex->buf);
+        c = letter == ZEL_LEX_EOF ? letter : character_escape(letter);
+    }
+    if (c == ZEL_LEX_EOF)
+        return finish(token, TOKEN_EOF);
+    token->length = static_cast<std::uint32_t>(
+        std::snprintf(token->lexeme, static_cast<std::size_t>(token->capacity), "%d", c));
+    return finish(token, next_char(lex->buf) == '\'' ? TOKEN_CHAR : TOKEN_NUMBER);
+}
+
+int scan_identifier(zel_lex_t *lex, int first)
+{
+    zel_token_t *token = lex->work;
+    bool fits = add_byte(token, first);
+    do
+        fits = fits && add_run(lex->buf, token, find_ident_end);
+    while (fits && is_class(peek_char(lex->buf), in_ident) && add_byte(token, next_char(lex->buf)));
+    if (!fits)
+        return out_of_memory(token);
+    end_text(token);
+    return finish(token, find_keyword(lex, token->lexeme, token->length));
+}
+
+bool is_digit(int c) { return c >= '0' && c <= '9'; }
+
+// A run of digits as a number, cut to 32 bits; the character after them is the result.
+int read_digits(zel_lex_buf_t *buf, int first, std::uint32_t &number)
+{
+    std::uint64_t value = 0;
+    int c = first;
+    for (; is_digit(c); c = next_char(buf))
+        value = std::min<std::uint64_t>(value * 10 + static_cast<unsigned>(c - '0'), 0xffffffffU);
+    number = static_cast<std::uint32_t>(value);
+    return c;
+}
+
+constexpr std::uint32_t marker_name_limit = 2047;
+
+void enter_marker_file(zel_lex_t *lex, const zel_token_t *name)
+{
+    if (lex->marker_count >= ZEL_LEX_MARKER_FILES || name->length > marker_name_limit)
+        return;
+    char *copy = strdup(name->lexeme);
+    if (copy == nullptr)
+        return;
+    std::free(lex->marker_files[lex->marker_count]);
+    lex->marker_files[lex->marker_count] = copy;
+    lex->buf->marker_file = lex->marker_count++;
+}
+
+void leave_marker_file(zel_lex_t *lex)
+{
+    if (lex->marker_count > 0)
+        --lex->marker_count;
+    lex->buf->marker_file = lex->marker_count - 1; // wraps to "no file" for an empty table
+}
+
+// # line "file" [flag] and the rest of its line. The work token's text holds the name meanwhile.
+void scan_line_marker(zel_lex_t *lex)
+{
+    zel_lex_buf_t *buf = lex->buf;
+    zel_token_t *name = lex->work;
+    int c = next_char(buf);
+    while (!is_digit(c) && c != ZEL_LEX_EOF)
+        c = next_char(buf);
+    std::uint32_t line = 0;
+    c = read_digits(buf, c, line);
+    while (c != '"' && c != ZEL_LEX_EOF)
+        c = next_char(buf);
+    for (c = c == '"' ? next_char(buf) : c; c != '"' && c != ZEL_LEX_EOF; c = next_char(buf))
+        if (name->length <= marker_name_limit)
+            add_byte(name, c);
+    end_text(name);
+    std::uint32_t flag = 0;
+    while (!is_digit(c) && c != '\n' && c != ZEL_LEX_EOF)
+        c = next_char(buf);
+    if (is_digit(c))
+        c = read_digits(buf, c, flag);
+    while (c != '\n' && c != ZEL_LEX_EOF)
+        c = next_char(buf);
+    if (c != ZEL_LEX_EOF) {
+        buf->marker_line = line;
+        if (flag < 2)
+            enter_marker_file(lex, name);
+        else if (flag == 2)
+            leave_marker_file(lex);
+    }
+    clear_token(name);
+}
+
+// An operator of one character, or of two when the second one follows.
+int scan_pair(zel_lex_t *lex, int single, int second, int pair)
+{
+    if (peek_char(lex->buf) != second)
+        return finish(lex->work, single);
+    next_char(lex->buf);
+    return finish(lex->work, pair);
+}
+
+int scan_number(zel_lex_t *lex, int first)
+{
+    const int kind = lex->do_numeric(lex, first, 0);
+    return finish(lex->work,
+                  kind > 0 && (lex->flags & LEX_NUMBER_ONE_KIND) != 0 ? TOKEN_NUMBER : kind);
+}
+
+// A "/": what kind of token it is, or string_goes_on after a comment.
+int scan_slash(zel_lex_t *lex)
+{
+    zel_lex_buf_t *buf = lex->buf;
+    const int second = (lex->flags & LEX_NO_COMMENTS) != 0 ? 0 : peek_char(buf);
+    if (second != '*' && second != '/')
+        return finish(lex->work, '/');
+    next_char(buf);
+    const bool closed = second == '*' ? skip_block_comment(buf) : skip_line_comment(buf);
+    return closed ? 0 : finish(lex->work, TOKEN_EOF);
+}
+
+// The end of a run of blanks, looked at eight bytes at a time: indentation is long.
+const unsigned char *skip_blanks(const unsigned char *p, const unsigned char *end)
+{
+    if constexpr (std::endian::native == std::endian::little) {
+        while (end - p >= 8) {
+            std::uint64_t bytes = 0;
+            std::memcpy(&bytes, p, sizeof bytes);
+            bytes ^= 0x2020202020202020U;
+            p += bytes == 0 ? 8 : __builtin_ctzll(bytes) / 8;
+            if (bytes != 0 && *p++ != '\t')
+                return p - 1;
+        }
+    }
+    while (p != end && (*p == ' ' || *p == '\t'))
+        ++p;
+    return p;
+}
+
+// Takes the white space that stands next in the block, line feeds too where they are space.
+void skip_white_space(zel_lex_t *lex)
+{
+    zel_lex_buf_t *buf = lex->buf;
+    const block_view block = open_block(buf);
+    const bool over_lines = (lex->flags & LEX_NEWLINE_SPACE) != 0;
+    const unsigned char *line_start = nullptr;
+    std::uint32_t lines = 0;
+    const unsigned char *p = skip_blanks(block.begin, block.end);
+    while (over_lines && p != block.end && *p == '\n') {
+        ++lines;
+        line_start = p + 1;
+        p = skip_blanks(p + 1, block.end);
+    }
+    take_block(buf, static_cast<std::size_t>(p - block.begin));
+    if (lines != 0) {
+        buf->line += lines;
+        buf->marker_line += lines;
+        buf->column = static_cast<std::uint32_t>(p - line_start);
+    }
+}
+
+// Acts on one character: the kind of the token it begins, or 0 when it is passed over.
+int scan_from(zel_lex_t *lex, int c)
+{
+    switch (c) {
+    case ZEL_LEX_EOF:
+        return finish(lex->work, TOKEN_EOF);
+    case ' ':
+    case '\t':
+        return 0;
+    case '\n':
+        return (lex->flags & LEX_NEWLINE_SPACE) != 0 ? 0 : finish(lex->work, TOKEN_NEWLINE);
+    case '!':
+        return scan_pair(lex, c, '=', TOKEN_NE);
+    case '&':
+        return scan_pair(lex, c, '&', TOKEN_AND);
+    case '|':
+        return scan_pair(lex, c, '|', TOKEN_OR);
+    case '+':
+        return scan_pair(lex, c, '+', TOKEN_INC);
+    case '-':
+        return scan_pair(lex, c, '-', TOKEN_DECR);
+    case '<':
+        return scan_pair(lex, c, '=', TOKEN_LE);
+    case '=':
+        return scan_pair(lex, c, '=', TOKEN_EQ);
+    case '>':
+        return scan_pair(lex, c, '=', TOKEN_GE);
+    case '#':
+        if ((lex->flags & LEX_LINE_MARKERS) == 0)
+            return finish(lex->work, c);
+        scan_line_marker(lex);
+        return 0;
+    case '/':
+        return scan_slash(lex);
+    case '"':
+        return scan_string(lex);
+    case '\'':
+        return (lex->flags & LEX_ESCAPES) != 0 ? scan_character(lex) : finish(lex->work, c);
+    case '$':
+    case '%':
+    case '(':
+    case ')':
+    case '*':
+    case ',':
+    case '.':
+    case ':':
+    case ';':
+    case '?':
+    case '[':
+    case '\\':
+    case ']':
+    case '{':
+    case '}':
+    case '~':
+        return finish(lex->work, c);
+    case '0':
+    case '1':
+    case '2':
+    case '3':
+    case '4':
+    case '5':
+    case '6':
+    case '7':
+    case '8':
+    case '9':
+        return scan_number(lex, c);
+    default:
+        return scan_identifier(lex, c);
+    }
+}
+
+bool is_octal(int c) { return c >= '0' && c <= '7'; }
+bool is_hex(int c) { return hex_value(c) >= 0; }
+bool is_decimal_or_point(int c) { return is_digit(c) || c == '.'; }
+
+// Takes what follows of one class; says through seen whether the character came among it.
+bool add_while(zel_lex_t *lex, bool (*accepts)(int), int character, bool &seen)
+{
+    while (accepts(peek_char(lex->buf))) {
+        const int c = next_char(lex->buf);
+        seen = seen || c == character;
+        if (!add_byte(lex->work, c))
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+int zel_get_token(zel_lex_t *lex)
+{
+    clear_token(lex->work);
+    if (lex->buf == nullptr)
+        return TOKEN_ERR_MEM;
+    if (lex->work->capacity == 0 && !reserve(lex->work, 0))
+        return TOKEN_ERR_MEM;
+    int kind = 0;
+    while (kind == 0) {
+        skip_white_space(lex);
+        mark_start(lex);
+        kind = scan_from(lex, next_char(lex->buf));
+    }
+    return kind;
+}
+
+int lex_do_numeric(zel_lex_t *lex, int first, int start)
+{
+    zel_token_t *token = lex->work;
+    token->length = static_cast<std::uint32_t>(start);
+    const int second = peek_char(lex->buf);
+    int kind = TOKEN_DEC;
+    bool fits = add_byte(token, first);
+    bool seen = false;
+    if (first == '0' && (second | 0x20) == 'x') {
+        next_char(lex->buf);
+        fits = fits && add_byte(token, 'x') && add_while(lex, is_hex, 0, seen);
+        kind = TOKEN_HEX;
+    } else if (first == '0' && second != '.') {
+        fits = fits && add_while(lex, is_octal, 0, seen);
+        kind = token->length == static_cast<std::uint32_t>(start) + 1 ? TOKEN_DEC : TOKEN_OCT;
+    } else {
+        fits = fits && add_while(lex, is_decimal_or_point, '.', seen);
+        kind = seen ? TOKEN_FLOAT : TOKEN_DEC;
+    }
+    if (!fits)
+        return out_of_memory(token);
+    end_text(token);
+    return kind;
+}

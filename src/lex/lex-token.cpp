@@ -1,0 +1,81 @@
+#include "lex/lex-token.h"
+
+#include "support/log-print.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+namespace zel {
+
+zel_token_t *new_token()
+{
+    auto *token = static_cast<zel_token_t *>(std::calloc(1, sizeof(zel_token_t)));
+    if (token == nullptr)
+        return nullptr;
+    token->lexeme = static_cast<char *>(std::malloc(ZEL_LEX_LEXEME));
+    if (token->lexeme == nullptr) {
+        std::free(token);
+        return nullptr;
+    }
+    token->capacity = ZEL_LEX_LEXEME;
+    token->lexeme[0] = '\0';
+    return token;
+}
+
+void clear_token(zel_token_t *token)
+{
+    token->id = 0;
+    token->length = 0;
+    if (token->capacity > 0)
+        token->lexeme[0] = '\0';
+}
+
+// Long texts grow by half, so that their cost stays linear.
+bool grow(zel_token_t *token, std::size_t n)
+{
+    const std::size_t length = token->length;
+    const std::size_t wanted = std::max(length + n + ZEL_LEX_LEXEME, length + length / 2);
+    if (wanted > 0x7fffffff)
+        return false;
+    char *grown = static_cast<char *>(std::realloc(token->lexeme, wanted));
+    if (grown == nullptr)
+        return false;
+    token->lexeme = grown;
+    token->capacity = static_cast<int>(wanted);
+    return true;
+}
+
+} // namespace zel
+
+int lex_token_cpy(zel_token_t *destination, const zel_token_t *source)
+{
+    if (source->length != 0 && destination->capacity < source->capacity) {
+        char *grown = static_cast<char *>(std::malloc(static_cast<std::size_t>(source->capacity)));
+        if (grown == nullptr) {
+            LogPrint(1, "lex_token_cpy: ERROR not enough memory\n");
+            return 1;
+        }
+        std::free(destination->lexeme);
+        destination->lexeme = grown;
+        destination->capacity = source->capacity;
+    }
+    if (destination->capacity > 0 && source->lexeme != nullptr)
+        std::memcpy(destination->lexeme, source->lexeme, source->length + std::size_t{1});
+    destination->id = source->id;
+    destination->length = source->length;
+    destination->line = source->line;
+    destination->column = source->column;
+    destination->offset = source->offset;
+    destination->file_index = source->file_index;
+    destination->file_line = source->file_line;
+    return 0;
+}
+
+void lex_token_free(zel_token_t *token)
+{
+    if (token == nullptr)
+        return;
+    std::free(token->lexeme);
+    std::free(token);
+}
