@@ -174,7 +174,9 @@ TEST_F(Dialogs, ToolbarElementsOfEveryKind)
     GtkWidget *line = zel_toolbar_append_space(bar);
     EXPECT_TRUE(gtk_separator_tool_item_get_draw(GTK_SEPARATOR_TOOL_ITEM(line)));
     EXPECT_EQ(gtk_toolbar_get_n_items(GTK_TOOLBAR(bar)), 5);
-    EXPECT_STREQ(gtk_widget_get_tooltip_text(gtk_bin_get_child(GTK_BIN(button))), "tip");
+    gchar *tip = gtk_widget_get_tooltip_text(gtk_bin_get_child(GTK_BIN(button)));
+    EXPECT_STREQ(tip, "tip");
+    g_free(tip);
     g_signal_emit_by_name(button, "clicked");
     gtk_toggle_tool_button_set_active(GTK_TOGGLE_TOOL_BUTTON(toggle), TRUE);
     EXPECT_EQ(clicks, 2);

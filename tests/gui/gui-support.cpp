@@ -3,6 +3,7 @@
 #include "app/global.h"
 #include "editor/edit-start.h"
 #include "editor/edit-state.h"
+#include "support/zel_malloc.h"
 #include "test-support.h"
 
 #include <gdk/gdkkeysyms.h>
@@ -426,6 +427,9 @@ Test::~Test()
             gtk_widget_destroy(window);
     });
     settle(0);
+    for (char **owned : {&lang_global.start_dir, &lang_global.output_lang_1,
+                         &lang_global.output_lang_2, &lang_global.src_dir})
+        zel::replace_string(*owned, nullptr);
     fs::current_path(old_folder);
     fs::remove_all(folder);
 }
