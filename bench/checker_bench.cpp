@@ -73,7 +73,8 @@ void requests(benchmark::State &state)
         const std::string group = "group-" + std::to_string(n / 400);
         const std::string item = "text of the page " + std::to_string(n);
         index.insert(group.c_str(), item.c_str());
-        text += "    puts(lang_get_string(\"" + group + "\", \"" + item + "\"));\n";
+        text.append("    puts(lang_get_string(\"").append(group).append("\", \"").append(item);
+        text += "\"));\n";
     }
     std::FILE *const shown = stdout;
     stdout = std::fopen("/dev/null", "w");

@@ -347,7 +347,7 @@ int gen_argv_from_file(const char *path, int *count, char ***vector)
     if (file == nullptr)
         return 2;
     const auto size = static_cast<std::size_t>(status.st_size);
-    const zel::string_guard text(static_cast<char *>(std::malloc(size + 2)));
+    const zel::string_guard text(static_cast<char *>(std::calloc(1, size + 2)));
     if (text != nullptr)
         read_words(file, text.get(), size + 1);
     std::fclose(file);

@@ -131,9 +131,9 @@ template <class FindEnd>
 bool add_run(zel_lex_buf_t *buf, zel_token_t *token, FindEnd &&find_end)
 {
     const block_view block = open_block(buf);
-    const auto n = static_cast<std::size_t>(find_end(block.begin, block.end) - block.begin);
-    if (n == 0)
+    if (block.begin == block.end)
         return true;
+    const auto n = static_cast<std::size_t>(find_end(block.begin, block.end) - block.begin);
     if (!reserve(token, n))
         return false;
     std::memcpy(token->lexeme + token->length, block.begin, n);

@@ -38,7 +38,7 @@ std::string find_in(const std::string &dir, const file_version &wanted, const ch
 {
     for (int number = 1; number <= candidate_count; ++number) {
         const file_version version = candidate_version(wanted, number);
-        const std::string path = formatted(zel::string_guard(zel_strdup_printf(
+        std::string path = formatted(zel::string_guard(zel_strdup_printf(
             "%s/%03d-%03d-%02d-%s", dir.c_str(), version.a, version.b, version.c, name)));
         LogPrint(1, "gen_check_cfg_file_name: (%d) %s\n", number, path.c_str());
         if (zel_access(path.c_str(), F_OK) == 0)

@@ -13,7 +13,6 @@
 
 #include <cstring>
 #include <filesystem>
-#include <regex>
 
 using namespace gui;
 using testing::ElementsAre;
@@ -269,8 +268,8 @@ TEST_F(Editor, SaveSelectedWritesOneFilePerPairWithTheFirstLanguage)
     });
     std::vector<std::string> names;
     for (const auto &entry : fs::directory_iterator("out"))
-        names.push_back(std::regex_replace(entry.path().filename().string(),
-                                           std::regex("[0-9]{4}(-[0-9]{2}){4}"), "DATE"));
+        names.push_back("DATE" +
+                        entry.path().filename().string().substr(sizeof "2024-05-01-13-45" - 1));
     EXPECT_THAT(names, testing::UnorderedElementsAre("DATE-english-german-out.lang-src",
                                                      "DATE-english-french-out.lang-src"));
     for (const auto &entry : fs::directory_iterator("out")) {
