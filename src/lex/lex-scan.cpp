@@ -12,21 +12,6 @@
 #include <emmintrin.h>
 #endif
 
-namespace zel {
-
-void mark_start(zel_lex_t *lex)
-{
-    const zel_lex_buf_t *buf = lex->buf;
-    zel_token_t *token = lex->work;
-    token->line = buf->line;
-    token->column = buf->column;
-    token->offset = buf->position;
-    token->file_index = static_cast<int>(buf->marker_file);
-    token->file_line = buf->marker_line;
-}
-
-} // namespace zel
-
 namespace {
 
 using zel::add_byte;

@@ -14,6 +14,15 @@ int lex_do_numeric(zel_lex_t *lex, int first, int start);
 namespace zel {
 
 // Copies the buffer's counters into the work token.
-void mark_start(zel_lex_t *lex);
+inline void mark_start(zel_lex_t *lex)
+{
+    const zel_lex_buf_t *buf = lex->buf;
+    zel_token_t *token = lex->work;
+    token->line = buf->line;
+    token->column = buf->column;
+    token->offset = buf->position;
+    token->file_index = static_cast<int>(buf->marker_file);
+    token->file_line = buf->marker_line;
+}
 
 } // namespace zel
