@@ -3,9 +3,9 @@
 #include "app/argv.h"
 #include "app/global.h"
 #include "checker/check.h"
+#include "cli/editor-module.h"
 #include "compiler/excel.h"
 #include "compiler/split.h"
-#include "editor/edit-start.h"
 #include "source/lang-read.h"
 #include "source/lang-write.h"
 #include "support/log-print.h"
@@ -104,7 +104,7 @@ walk show_usage()
 
 walk start_editor(const char *file)
 {
-    edit_start(file);
+    zel::run_editor(file);
     return walk::ends;
 }
 
@@ -323,7 +323,7 @@ int compile_lang_file(int argc, char **argv)
 int lang_edit(int argc, char **argv)
 {
     lang_global_init();
-    edit_take_toolkit_args(&argc, &argv);
+    zel::take_toolkit_args(&argc, &argv);
     LogPrint(1, "lang_edit: entry\n");
     words left{argc, argv};
     argv_prep(&left.count, &left.position);

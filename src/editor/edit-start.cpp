@@ -22,7 +22,6 @@ void log_toolkit_message(const gchar *domain, GLogLevelFlags, const gchar *messa
 
 void edit_take_toolkit_args(int *argc, char ***argv)
 {
-    g_log_set_default_handler(log_toolkit_message, nullptr);
     gtk_parse_args(argc, argv);
     // The toolkit speaks the user's language; numbers in files are the same everywhere.
     std::setlocale(LC_NUMERIC, "C");
@@ -30,6 +29,7 @@ void edit_take_toolkit_args(int *argc, char ***argv)
 
 int edit_start(const char *file)
 {
+    g_log_set_default_handler(log_toolkit_message, nullptr);
     int count = 0;
     if (!gtk_init_check(&count, nullptr)) {
         const char *display = gdk_get_display_arg_name();

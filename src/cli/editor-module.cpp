@@ -1,0 +1,82 @@
+#include "cli/editor-module.h"
+
+#include "editor/edit-start.h"
+
+#include <array>
+#include <clocale>
+#include <cstdio>
+#include <cstring>
+#include <dlfcn.h>
+#include <string>
+#include <unistd.h>
+
+namespace {
+
+constexpr const char *module_name = "lang-editor.so";
+
+// The directory of the running program, with its final "/"; empty when the system does not tell.
+std::string program_directory()
+{
+    std::array<char, 4096> path{};
+    const ssize_t length = readlink("/proc/self/exe", path.data(), path.size() - 1);
+    const std::string program(path.data(), length > 0 ? static_cast<std::size_t>(length) : 0);
+    return program.substr(0, program.rfind('/') + 1);
+}
+
+// Beside the program, as it is built, or in the library directory, as it is installed.
+void *load_module()
+{
+    const std::string directory = program_directory();
+    const std::string built = directory + module_name;
+    if (access(built.c_str(), F_OK) == 0)
+        return dlopen(built.c_str(), RTLD_NOW);
+    const std::string installed = directory + LANG_MODULE_DIR + "/" + module_name;
+    return dlopen(installed.c_str(), RTLD_NOW);
+}
+
+// Loaded once, for the rest of the process.
+void *editor_module()
+{
+    static void *module = load_module();
+    return module;
+}
+
+template <class Function>
+Function find(const char *name)
+{
+    void *module = editor_module();
+    return module == nullptr ? nullptr : reinterpret_cast<Function>(dlsym(module, name));
+}
+
+bool is_long_option(const char *word) { return std::strncmp(word, "--", 2) == 0; }
+
+} // namespace
+
+namespace zel {
+
+void take_toolkit_args(int *argc, char ***argv)
+{
+    // What the toolkit does at its start, so that commands work the same with and without it.
+    std::setlocale(LC_ALL, "");
+    std::setlocale(LC_NUMERIC, "C");
+    bool wanted = false;
+    for (int i = 1; i < *argc; ++i)
+        wanted = wanted || is_long_option((*argv)[i]);
+    if (!wanted)
+        return;
+    if (auto *take = find<decltype(&edit_take_toolkit_args)>("edit_take_toolkit_args"))
+        take(argc, argv);
+}
+
+void run_editor(const char *file)
+{
+    if (auto *start = find<decltype(&edit_start)>("edit_start")) {
+        start(file);
+        return;
+    }
+    const char *reason = dlerror();
+    std::fprintf(stderr, "lang: the editor cannot be loaded: %s\n",
+                 reason == nullptr ? module_name : reason);
+}
+
+} // namespace zel
