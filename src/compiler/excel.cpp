@@ -66,7 +66,7 @@ int to_excel_unicode_text(LangSource *source, const char *path, const char * /*l
     const bool failed = std::ferror(stream) != 0;
     const bool lost = std::fclose(stream) != 0;
     if (failed || lost)
-        _zel_error(__FILE__, __LINE__, "to_excel_unicode_text: the file is not complete");
+        _zel_error("excel", __LINE__, "to_excel_unicode_text: the file is not complete");
     std::puts("to_excel_unicode_text: exit");
     return failed || lost ? 1 : 0;
 }

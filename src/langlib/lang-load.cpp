@@ -295,7 +295,6 @@ void read_file(reader &in, const char *path)
     for (;;) {
         const zel_token_t *token = zel_next_token(in.lex);
         if (token->id == TOKEN_EOF || token->id == 0) { // 0: no room for a token
-
             zel_lex_free_buf(in.lex);
             LogPrint(1, "_lang_load: close file ->%s<-\n", path);
             return;
