@@ -1,7 +1,8 @@
 #include "app/argv.h"
 
+#include "support/file-call.h"
 #include "support/misc-error.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 
 #include <array>
 #include <bit>

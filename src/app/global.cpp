@@ -1,8 +1,8 @@
 #include "app/global.h"
 
 #include "support/log.h"
+#include "support/string-copy.h"
 #include "support/string.h"
-#include "support/zel_malloc.h"
 
 #include <array>
 #include <cstdio>

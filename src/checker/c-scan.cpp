@@ -3,8 +3,8 @@
 #include "app/global.h"
 #include "checker/c-skip.h"
 #include "source/item-index.h"
+#include "support/string-copy.h"
 #include "support/string.h"
-#include "support/zel_malloc.h"
 
 #include <algorithm>
 #include <array>

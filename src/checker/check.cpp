@@ -7,10 +7,11 @@
 #include "source/item-index.h"
 #include "source/lang-read.h"
 #include "source/lang-write.h"
+#include "support/file-call.h"
 #include "support/gen_path.h"
 #include "support/log-print.h"
+#include "support/string-copy.h"
 #include "support/time.h"
-#include "support/zel_malloc.h"
 
 #include <algorithm>
 #include <cstdio>

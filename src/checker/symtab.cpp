@@ -1,7 +1,7 @@
 #include "checker/symtab.h"
 
 #include "support/hash-index.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 
 #include <cstdio>
 #include <cstring>

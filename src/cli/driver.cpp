@@ -10,8 +10,8 @@
 #include "source/lang-write.h"
 #include "support/log-print.h"
 #include "support/log.h"
+#include "support/string-copy.h"
 #include "support/string.h"
-#include "support/zel_malloc.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -2,11 +2,11 @@
 
 #include "app/global.h"
 #include "langlib/compiled-file.h"
-#include "source/misc.h"
+#include "source/quote.h"
 #include "support/dir_list.h"
+#include "support/file-call.h"
 #include "support/gen_path.h"
 #include "support/log-print.h"
-#include "support/zel_malloc.h"
 
 #include <cstring>
 #include <ctime>

@@ -1,7 +1,7 @@
 #include "config/ini.h"
 
 #include "app/global.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 
 #include <cstdlib>
 #include <iterator>

@@ -1,8 +1,8 @@
 #include "config/lang-cfg-read.h"
 
 #include "support/log-print.h"
+#include "support/string-copy.h"
 #include "support/string.h"
-#include "support/zel_malloc.h"
 
 #include <glib.h>
 

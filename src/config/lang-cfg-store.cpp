@@ -1,6 +1,6 @@
 #include "config/lang-cfg-store.h"
 
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 
 #include <cstdlib>
 #include <cstring>

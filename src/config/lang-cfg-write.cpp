@@ -2,8 +2,8 @@
 
 #include "lex/lex-misc.h"
 #include "support/log-print.h"
+#include "support/string-copy.h"
 #include "support/string.h"
-#include "support/zel_malloc.h"
 
 #include <cinttypes>
 #include <glib.h>

@@ -2,10 +2,11 @@
 
 #include "config/lang-cfg-read.h"
 #include "config/lang-cfg-write.h"
+#include "support/file-call.h"
 #include "support/log-print.h"
 #include "support/safe-file.h"
+#include "support/string-copy.h"
 #include "support/string.h"
-#include "support/zel_malloc.h"
 
 #include <cerrno>
 #include <cstdlib>

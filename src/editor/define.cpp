@@ -7,7 +7,7 @@
 #include "editor/popup.h"
 #include "editor/ui-text.h"
 #include "support/log-print.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -4,8 +4,8 @@
 #include "editor/ui-text.h"
 #include "lex/min_lex.h"
 #include "support/log-print.h"
+#include "support/string-copy.h"
 #include "support/string.h"
-#include "support/zel_malloc.h"
 
 #include <filesystem>
 

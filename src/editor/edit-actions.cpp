@@ -9,8 +9,8 @@
 #include "support/gen_path.h"
 #include "support/guard.h"
 #include "support/log-print.h"
+#include "support/string-copy.h"
 #include "support/string.h"
-#include "support/zel_malloc.h"
 
 #include <array>
 #include <gdk/gdkkeysyms.h>

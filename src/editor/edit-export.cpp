@@ -10,8 +10,8 @@
 #include "editor/ui-text.h"
 #include "langlib/lang.h"
 #include "source/lang-import.h"
+#include "support/string-copy.h"
 #include "support/string.h"
-#include "support/zel_malloc.h"
 
 #include <cstdio>
 #include <cstdlib>

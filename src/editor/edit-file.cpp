@@ -9,9 +9,9 @@
 #include "source/lang-read.h"
 #include "source/lang-write.h"
 #include "source/misc.h"
+#include "support/string-copy.h"
 #include "support/string.h"
 #include "support/time.h"
-#include "support/zel_malloc.h"
 
 #include <array>
 #include <cstdlib>

@@ -4,7 +4,7 @@
 #include "editor/edit.h"
 #include "editor/w_tab_edit.h"
 #include "support/log-print.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 
 #include <clocale>
 #include <cstdio>

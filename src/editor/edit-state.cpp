@@ -3,7 +3,7 @@
 #include "app/global.h"
 #include "editor/ui-text.h"
 #include "source/misc.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 
 GtkWidget *mainWin;
 GtkWidget *editBox;

@@ -10,7 +10,7 @@
 #include "editor/w_tab_shot.h"
 #include "editor/w_text.h"
 #include "source/misc.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 
 #include <gdk/gdkkeysyms.h>
 

@@ -1,7 +1,7 @@
 #include "editor/w_tab_shot.h"
 
 #include "app/global.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 
 #include <gtk/gtk.h>
 

@@ -4,7 +4,7 @@
 #include "editor/ui-text.h"
 #include "source/misc.h"
 #include "support/log-print.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 
 #include <cstring>
 #include <string>

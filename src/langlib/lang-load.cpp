@@ -4,10 +4,11 @@
 #include "langlib/lang-symbols.h"
 #include "langlib/lang-table.h"
 #include "support/dir_list.h"
+#include "support/file-call.h"
 #include "support/gen_path.h"
 #include "support/guard.h"
 #include "support/log-print.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -3,7 +3,7 @@
 #include "langlib/lang.h"
 #include "lex/lex-misc.h"
 #include "support/log-print.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 
 namespace {
 

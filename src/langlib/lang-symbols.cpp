@@ -1,7 +1,7 @@
 #include "langlib/lang-symbols.h"
 
 #include "support/misc-error.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 
 #include <cstdlib>
 #include <cstring>

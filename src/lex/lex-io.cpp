@@ -1,7 +1,8 @@
 #include "lex/lex-io.h"
 
+#include "support/file-call.h"
 #include "support/log-print.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 
 #include <cstdarg>
 #include <cstdlib>

@@ -2,8 +2,8 @@
 
 #include "support/log-print.h"
 #include "support/misc-error.h"
+#include "support/string-copy.h"
 #include "support/string.h"
-#include "support/zel_malloc.h"
 
 #include <cctype>
 #include <climits>

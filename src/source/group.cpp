@@ -1,6 +1,6 @@
 #include "source/group.h"
 
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 
 #include <cstring>
 

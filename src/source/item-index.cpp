@@ -1,7 +1,7 @@
 #include "source/item-index.h"
 
 #include "source/group.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 
 #include <cstring>
 

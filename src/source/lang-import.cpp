@@ -2,7 +2,7 @@
 
 #include "langlib/lang.h"
 #include "support/log-print.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 
 #include <array>
 #include <cstdio>

@@ -2,8 +2,8 @@
 
 #include "app/global.h"
 #include "support/log-print.h"
+#include "support/string-copy.h"
 #include "support/string.h"
-#include "support/zel_malloc.h"
 
 #include <cstdlib>
 

@@ -2,10 +2,11 @@
 
 #include "app/global.h"
 #include "source/misc.h"
+#include "source/quote.h"
+#include "support/file-call.h"
 #include "support/log-print.h"
 #include "support/safe-file.h"
 #include "support/time.h"
-#include "support/zel_malloc.h"
 
 #include <array>
 #include <cerrno>

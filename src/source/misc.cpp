@@ -1,17 +1,14 @@
 #include "source/misc.h"
 
-#include "lex/lex-misc.h"
 #include "support/log-print.h"
 
 #include <array>
 #include <cctype>
-#include <cstdarg>
 #include <cstring>
 #include <unistd.h>
 
 namespace {
 
-constexpr std::size_t large_text = 256 * 1024;
 constexpr std::size_t searched_bytes = 4191; // of a line
 
 bool is_space(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
@@ -30,74 +27,6 @@ bool is_blank_line(const char *line)
 }
 
 } // namespace
-
-namespace zel {
-
-void append_escaped(std::string &out, const char *text)
-{
-    if (text == nullptr)
-        return;
-    for (;;) {
-        const std::size_t plain = std::strcspn(text, escaped_bytes);
-        out.append(text, plain);
-        text += plain;
-        if (*text == '\0')
-            return;
-        out += '\\';
-        out += escape_letter(static_cast<unsigned char>(*text++));
-    }
-}
-
-void append_quoted(std::string &out, unsigned indent, const char *text)
-{
-    out.append(indent + 2U, ' ');
-    out += '"';
-    append_escaped(out, text);
-    out += '"';
-}
-
-void append_comment(std::string &out, std::string_view text)
-{
-    for (std::size_t end = text.find("*/"); end != std::string_view::npos; end = text.find("*/")) {
-        out.append(text.substr(0, end + 1)).append("\\/");
-        text.remove_prefix(end + 2);
-    }
-    out.append(text);
-}
-
-void append_format(std::string &out, const char *format, ...)
-{
-    std::va_list args;
-    va_start(args, format);
-    std::va_list again;
-    va_copy(again, args);
-    std::array<char, 256> area;
-    const int length = std::vsnprintf(area.data(), area.size(), format, args);
-    va_end(args);
-    if (length > 0 && static_cast<std::size_t>(length) < area.size()) {
-        out.append(area.data(), static_cast<std::size_t>(length));
-    } else if (length > 0) {
-        const std::size_t before = out.size();
-        out.resize(before + static_cast<std::size_t>(length) + 1);
-        std::vsnprintf(out.data() + before, static_cast<std::size_t>(length) + 1, format, again);
-        out.pop_back();
-    }
-    va_end(again);
-}
-
-void flush_text(std::string &out, std::FILE *stream)
-{
-    std::fwrite(out.data(), 1, out.size(), stream);
-    out.clear();
-}
-
-void flush_large_text(std::string &out, std::FILE *stream)
-{
-    if (out.size() >= large_text)
-        flush_text(out, stream);
-}
-
-} // namespace zel
 
 lang_entry_t *misc_select_lang_entry(item_t *item, const char *lang)
 {
@@ -142,14 +71,6 @@ void misc_remove_empty_lines(lang_entry_t *entry)
         if (length > 0)
             return;
     }
-}
-
-int misc_write_lang_string(std::FILE *stream, unsigned indent, const char *text)
-{
-    std::string quoted;
-    zel::append_quoted(quoted, indent, text);
-    zel::flush_text(quoted, stream);
-    return 0;
 }
 
 int misc_search_in_lang_entry(lang_entry_t *entry, const char *needle)

@@ -2,10 +2,6 @@
 
 // Small operations on items' texts that several subsystems share.
 
-#include <cstdio>
-#include <string>
-#include <string_view>
-
 #include "source/model.h"
 
 // The first entry of the item's translations in that language, or null.
@@ -19,9 +15,6 @@ int misc_select_edit_lang(LangSource *source, const char **first, const char **s
 // before. Empty lines stay.
 void misc_remove_empty_lines(lang_entry_t *entry);
 
-// Writes indent blanks, two blanks and the string, quoted and escaped (null as empty). Returns 0.
-int misc_write_lang_string(std::FILE *stream, unsigned indent, const char *text);
-
 // 1 when a line (its first 4191 bytes), in lower case, holds the needle; 0 also for null.
 int misc_search_in_lang_entry(lang_entry_t *entry, const char *needle);
 
@@ -33,21 +26,3 @@ void lang_check_utf8(const char *file, int position, const char *label, const ch
 
 // 1 when the process runs as the administrator.
 int LangIsUserAdmin();
-
-namespace zel {
-
-// The quoting rules of both file formats. append_escaped adds what stands between the quotes,
-// append_quoted what misc_write_lang_string writes, append_comment a text that may stand inside a
-// block comment of the file: it cannot end the comment.
-void append_escaped(std::string &out, const char *text);
-void append_quoted(std::string &out, unsigned indent, const char *text);
-void append_comment(std::string &out, std::string_view text);
-
-// Formats like printf behind what is there.
-void append_format(std::string &out, const char *format, ...) __attribute__((format(printf, 2, 3)));
-
-// Hands the collected text to the stream once it is worth a write; the rest goes with flush_text.
-void flush_large_text(std::string &out, std::FILE *stream);
-void flush_text(std::string &out, std::FILE *stream);
-
-} // namespace zel

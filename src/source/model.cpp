@@ -1,7 +1,7 @@
 #include "source/model.h"
 
 #include "support/log-print.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 
 #include <cstdlib>
 

@@ -1,9 +1,10 @@
 #include "support/cfg_file_name.h"
 
 #include "support/dir_list.h"
+#include "support/file-call.h"
 #include "support/log-print.h"
+#include "support/string-copy.h"
 #include "support/string.h"
-#include "support/zel_malloc.h"
 
 #include <memory>
 #include <string>

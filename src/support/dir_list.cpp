@@ -1,7 +1,8 @@
 #include "support/dir_list.h"
 
+#include "support/file-call.h"
 #include "support/log-print.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 
 #include <cerrno>
 #include <cstdlib>

@@ -2,7 +2,7 @@
 
 #include "support/log-print.h"
 #include "support/misc-error.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 
 #include <cstdlib>
 #include <cstring>

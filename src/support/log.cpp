@@ -1,7 +1,9 @@
 #include "support/log.h"
 
+#include "support/file-call.h"
 #include "support/hex_dump.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
+#include "support/system-name.h"
 
 #include <array>
 #include <cerrno>

@@ -1,6 +1,6 @@
 #include "support/safe-file.h"
 
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 
 #include <array>
 #include <cerrno>

@@ -1,8 +1,8 @@
 #include "support/string.h"
 
+#include "support/file-call.h"
 #include "support/log-print.h"
 #include "support/misc-error.h"
-#include "support/zel_malloc.h"
 
 #include <algorithm>
 #include <array>

@@ -10,7 +10,7 @@
 #include "app/global.h"
 #include "lex/lex.h"
 #include "source/lang-read.h"
-#include "support/zel_malloc.h"
+
 #include "working-dir.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include "editor/define.h"
 #include "editor/edit-state.h"
 #include "gui-support.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 #include "test-support.h"
 
 #include <gmock/gmock.h>

@@ -3,7 +3,7 @@
 #include "app/global.h"
 #include "editor/edit-start.h"
 #include "editor/edit-state.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 #include "test-support.h"
 
 #include <gdk/gdkkeysyms.h>

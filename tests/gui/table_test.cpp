@@ -10,7 +10,7 @@
 #include "source/group.h"
 #include "source/lang-read.h"
 #include "source/misc.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 
 #include <gdk/gdkkeysyms.h>
 #include <gmock/gmock.h>

@@ -3,7 +3,7 @@
 #include "app/global.h"
 #include "editor/w_text.h"
 #include "source/group.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 
 #include <gmock/gmock.h>
 

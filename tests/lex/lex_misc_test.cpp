@@ -6,7 +6,7 @@
 #include <string>
 
 #include "lex/scan.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 #include "working-dir.h"
 
 using namespace scan_test;

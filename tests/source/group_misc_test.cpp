@@ -1,5 +1,6 @@
 #include "source/group.h"
 #include "source/misc.h"
+#include "source/quote.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +9,7 @@
 #include <unistd.h>
 
 #include "source/source-text.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 #include "working-dir.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include "langlib/lang.h"
 #include "source/group.h"
 #include "source/misc.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 #include "working-dir.h"
 
 #include <gmock/gmock.h>

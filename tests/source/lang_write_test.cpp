@@ -11,7 +11,7 @@
 
 #include "source/lang-read.h"
 #include "source/source-text.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 #include "working-dir.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <glib.h>
 
 #include "source/source-text.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 #include "working-dir.h"
 
 namespace {

@@ -27,7 +27,7 @@
 #include "source/group.h"
 #include "source/lang-read.h"
 #include "source/source-text.h"
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 #include "working-dir.h"
 
 // --- calls that fail when asked to

@@ -2,7 +2,7 @@
 
 #include "log-fixture.h"
 
-#include "support/zel_malloc.h"
+#include "support/string-copy.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

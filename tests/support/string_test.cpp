@@ -2,8 +2,6 @@
 
 #include "log-fixture.h"
 
-#include "support/zel_malloc.h"
-
 #include <cstring>
 #include <gtest/gtest.h>
 #include <vector>

@@ -1,4 +1,5 @@
-#include "support/zel_malloc.h"
+#include "support/file-call.h"
+#include "support/string-copy.h"
 
 #include "log-fixture.h"
 
@@ -9,7 +10,7 @@ using zel_test::take;
 
 namespace {
 
-using zel_malloc_log = zel_test::with_log;
+using string_copy_log = zel_test::with_log;
 
 } // namespace
 
@@ -26,7 +27,7 @@ TEST(copies, of_empty_strings)
     EXPECT_EQ("(null)", take(_zel_strdup_add("", nullptr)));
 }
 
-TEST_F(zel_malloc_log, unlink_reports_only_what_was_there)
+TEST_F(string_copy_log, unlink_reports_only_what_was_there)
 {
     const std::string path = dir / "sub";
     EXPECT_EQ("", capture_stderr([&] { EXPECT_EQ(0, _zel_unlink("a.c", 1, path.c_str())); }));

@@ -1,0 +1,35 @@
+#pragma once
+
+// String copies that name the place they are made from. Every string returned is allocated with
+// malloc and owned by the caller; file and line serve reports only.
+
+#include <memory>
+
+#include "support/guard.h"
+
+// A copy, with room for one spare byte; null for a null or an empty string. Without memory it
+// logs, reports a fatal error and gives null.
+[[nodiscard]] char *_zel_strdup(const char *text, const char *file, int line);
+
+// A copy that keeps an empty string; null for null. Without memory it logs and gives null.
+[[nodiscard]] char *_zel_strdup2(const char *text, const char *file, int line);
+
+// The owned string grown by the other one; use the result in its place. A null owned string gives
+// a copy of the other (null when it is empty), a null addition the owned string unchanged.
+[[nodiscard]] char *_zel_str_add(char *owned, const char *add, const char *file, int line);
+
+// A new string of both; when one is null a copy of the other (null when that is empty or null).
+[[nodiscard]] char *_zel_strdup_add(const char *first, const char *second);
+
+#define zel_strdup(text) _zel_strdup((text), __FILE__, __LINE__)
+#define zel_strdup2(text) _zel_strdup2((text), __FILE__, __LINE__)
+
+namespace zel {
+
+void free_string(char *text) noexcept;
+using string_guard = std::unique_ptr<char, release<free_string>>;
+
+// Replaces an owned string by another owned one and releases the old.
+void replace_string(char *&owned, char *value) noexcept;
+
+} // namespace zel
