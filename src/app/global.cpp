@@ -20,7 +20,6 @@ constexpr const char *home_name = "Morvalix 6.00";
 constexpr std::size_t log_path_size = 2048; // longer paths are cut
 
 char *lang_home;
-lang_exit_handler exit_handler;
 
 // True while the program runs from the tree that it was built in.
 bool runs_from_build_tree()
@@ -73,16 +72,4 @@ const char *lang_get_home()
 
 void lang_home_free() { zel::replace_string(lang_home, nullptr); }
 
-void lang_exit(int status)
-{
-    if (exit_handler == nullptr)
-        std::exit(status);
-    exit_handler(status);
-}
-
-lang_exit_handler lang_set_exit_handler(lang_exit_handler handler)
-{
-    const lang_exit_handler before = exit_handler;
-    exit_handler = handler;
-    return before;
-}
+void lang_exit(int status) { std::exit(status); }

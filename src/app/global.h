@@ -50,10 +50,6 @@ void lang_global_init();
 const char *lang_get_home();
 void lang_home_free();
 
-// Ends the process with the status, unless a handler stands in for it: then the handler is called
-// and lang_exit returns, and whoever called it gives up its job as failed.
-void lang_exit(int status);
-
-// Installs a handler (null: ends the process again) and returns the one before.
-using lang_exit_handler = void (*)(int status);
-lang_exit_handler lang_set_exit_handler(lang_exit_handler handler);
+// Ends the process with the status. Only operations that are said to end it call this, each beside
+// one that answers instead.
+[[noreturn]] void lang_exit(int status);

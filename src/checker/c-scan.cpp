@@ -78,16 +78,10 @@ struct scan {
     symtab_t *symbols;
     const char *path;
     unsigned string_depth; // string literals around the text being read
+    std::int64_t now;      // the creation time of inserted items
 };
 
 int line_of(const zel_token_t *token) { return static_cast<int>(token->line); }
-
-// Ends the process; where a handler stands in for that, what the scan returns.
-int end_run()
-{
-    lang_exit(0);
-    return -1;
-}
 
 // Adds as much of the text as fits.
 void append(name_buffer &buffer, const char *text)
@@ -155,7 +149,7 @@ zel::indexed_item *use_item(const scan &s, const request &wanted, const char *na
         found = s.index.insert(wanted.group, name);
         if (found == nullptr)
             return nullptr;
-        found->item->ctime = lang_global.start_time;
+        found->item->ctime = s.now;
     }
     found->item->used = 1;
     return found;
@@ -338,16 +332,16 @@ int read_text(const scan &s, const char *text)
     const zel_lex_guard lex(zel::new_check_scanner());
     if (lex == nullptr) {
         std::puts("ERROR(5): unable to init string lexical scanner");
-        return end_run();
+        return -1;
     }
     const zel_lex_buf_guard buffer(
         zel_lex_buf_mem_new(text, static_cast<std::uint32_t>(std::strlen(text))));
     if (buffer == nullptr) {
         std::puts("ERROR(6): unable to init string lexical scanner");
-        return end_run();
+        return -1;
     }
     zel_lex_set_buf(lex.get(), buffer.get());
-    const scan inner{s.index, s.symbols, s.path, s.string_depth + 1};
+    const scan inner{s.index, s.symbols, s.path, s.string_depth + 1, s.now};
     return read_tokens(inner, lex.get());
 }
 
@@ -388,21 +382,21 @@ int read_tokens(const scan &s, zel_lex_t *lex)
 int check_parse(LangSource *root, symtab_t *symbols, zel_lex_t *lex, const char *path)
 {
     zel::item_index index(root);
-    return read_tokens({index, symbols, path, 0}, lex);
+    return read_tokens({index, symbols, path, 0, lang_global.start_time}, lex);
 }
 
 int parse_lang_entry(LangSource *root, symtab_t *symbols, zel_lex_t *lex, const char *path,
                      int type)
 {
     zel::item_index index(root);
-    return read_entry({index, symbols, path, 0}, lex, type);
+    return read_entry({index, symbols, path, 0, lang_global.start_time}, lex, type);
 }
 
 int parse_lang_entry2(LangSource *root, symtab_t *symbols, zel_lex_t *lex, const char *path,
                       int with_symbol)
 {
     zel::item_index index(root);
-    return read_described_entry({index, symbols, path, 0}, lex, with_symbol != 0);
+    return read_described_entry({index, symbols, path, 0, lang_global.start_time}, lex, with_symbol != 0);
 }
 
 int parse_lang_app(char **app, symtab_t *symbols, zel_lex_t *lex, const char *path)
@@ -436,37 +430,39 @@ int get_id_or_string(LangSource *, symtab_t *symbols, zel_lex_t *lex, char *buff
 int check_c_file(LangSource *root, const char *path)
 {
     zel::item_index index(root);
-    return zel::check_file(index, path);
+    if (zel::check_file(index, path, lang_global.start_time) != 0)
+        lang_exit(0);
+    return 0;
 }
 
 namespace zel {
 
 zel_lex_t *new_check_scanner() { return zel_lex_new(check_words, check_flags); }
 
-int check_file(item_index &index, const char *path)
+int check_file(item_index &index, const char *path, std::int64_t now)
 {
     const char *shown = path == nullptr ? "(null)" : path;
     std::printf("check c file >%s<\n", shown);
     const zel_lex_guard lex(new_check_scanner());
     if (lex == nullptr) {
         std::puts("ERROR(2): unable to init lexical scanner");
-        return end_run();
+        return -1;
     }
     const zel_lex_buf_guard buffer(zel_lex_buf_file_new(path));
     if (buffer == nullptr) {
         std::puts("ERROR(3): unable to init lexical scanner");
-        return end_run();
+        return -1;
     }
     if (zel_lex_buf_file_get_fp(buffer.get()) == nullptr) {
         std::printf("ERROR(4): unable to open file %s\n", shown);
-        return end_run();
+        return -1;
     }
     // One area for all files: most are read with one call, and none allocates.
     static std::array<char, READ_SIZE> area;
     std::setvbuf(zel_lex_buf_file_get_fp(buffer.get()), area.data(), _IOFBF, area.size());
     zel_lex_set_buf(lex.get(), buffer.get());
     const symtab_guard symbols(symtab_new());
-    return read_tokens({index, symbols.get(), path, 0}, lex.get());
+    return read_tokens({index, symbols.get(), path, 0, now}, lex.get());
 }
 
 } // namespace zel

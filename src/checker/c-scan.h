@@ -14,8 +14,7 @@
 //   #define ZEL_LANGUAGE_APP "name" version                version: a string or a #define name
 //   ZEL_LANGUAGE_CHECK_STOP ... ZEL_LANGUAGE_CHECK_START
 //
-// All messages go to standard output. Trouble that ends the process goes through lang_exit; where
-// that returns, the functions here return -1 and nothing more should be done with the source.
+// All messages go to standard output.
 
 #include "checker/symtab.h"
 #include "lex/lex.h"
@@ -28,11 +27,13 @@ class item_index;
 // Values of a request's type (item_t::typ).
 enum { REQUEST_TEXT = 1, REQUEST_TOOLTIP = 2 };
 
-// Scans a file. Ends the process when it cannot be opened. Returns 0.
+// Scans a file; items that are inserted are made at lang_global's start time. Ends the process when
+// the file cannot be opened. Returns 0.
 int check_c_file(LangSource *root, const char *path);
 
 // Scans a token stream (a scanner of zel::new_check_scanner with its buffer) to its end; path is
-// where the text comes from. Returns 0.
+// where the text comes from. Returns 0; -1 without memory, after a message: nothing more should be
+// done with the source.
 int check_parse(LangSource *root, symtab_t *symbols, zel_lex_t *lex, const char *path);
 
 // Read what follows the opening parenthesis of a request: group and item, or with a description and
@@ -53,8 +54,9 @@ int get_id_or_string(LangSource *root, symtab_t *symbols, zel_lex_t *lex, char *
 
 namespace zel {
 
-// check_c_file for a run over many files.
-int check_file(item_index &index, const char *path);
+// check_c_file for a run over many files, with the creation time of inserted items. Returns 0; -1
+// when the file cannot be opened, after a message: the run must end and the source stay as it was.
+int check_file(item_index &index, const char *path, std::int64_t now);
 
 // A scanner with the words of requests; null without memory.
 [[nodiscard]] zel_lex_t *new_check_scanner();

@@ -23,6 +23,8 @@
 
 namespace {
 
+using namespace zel;
+
 enum { OPTION_HELP = 1, OPTION_VERBOSE, OPTION_RECURSIVE };
 
 // Written with two dashes before the word. Only the help has an effect.
@@ -55,6 +57,7 @@ struct file_id {
 
 struct walk {
     zel::item_index &index;
+    std::int64_t now;          // the creation time of inserted items
     std::vector<file_id> open; // the directories from the start of the walk down to this one
 };
 
@@ -89,7 +92,7 @@ int search_entry(walk &w, const char *path, const char *name)
     // that leads nowhere) is left to the scan to complain about.
     if (!is_scanned(name) || (known && !S_ISREG(status.st_mode)))
         return 0;
-    return zel::check_file(w.index, path);
+    return zel::check_file(w.index, path, w.now);
 }
 
 int search_directory(walk &w, const char *directory)
@@ -112,90 +115,68 @@ int search_directory(walk &w, const char *directory)
     return 0;
 }
 
-int check_directory(zel::item_index &index, const char *directory)
+int check_directory(zel::item_index &index, const char *directory, std::int64_t now)
 {
-    walk w{index, {}};
+    walk w{index, now, {}};
     struct stat status;
     if (zel_stat(directory, &status) == 0)
         w.open.push_back({status.st_dev, status.st_ino});
     return search_directory(w, directory);
 }
 
-int check_path(zel::item_index &index, const char *path)
+int check_path(zel::item_index &index, const char *path, std::int64_t now)
 {
     LogPrint(1, "check: check directory >%s<\n", path);
     std::printf("check: check directory >%s<\n", path);
     struct stat status;
     const bool is_file = zel_stat(path, &status) == 0 && S_ISREG(status.st_mode);
-    const int result = is_file ? zel::check_file(index, path) : check_directory(index, path);
+    const int result =
+        is_file ? zel::check_file(index, path, now) : check_directory(index, path, now);
     LogPrint(1, "check: free\n");
     return result;
 }
 
 // ---- The command
 
-int end_with_usage()
-{
-    check_usage();
-    lang_exit(0);
-    return 1;
-}
-
-// The reader may end the process. Where a handler keeps it alive, this tells such an end from a
-// source that merely cannot be read.
-struct exit_watch {
-    exit_watch()
-    {
-        ended = false;
-        outer = lang_set_exit_handler(note);
-        if (outer == nullptr)
-            lang_set_exit_handler(nullptr);
-    }
-    ~exit_watch() { lang_set_exit_handler(outer); }
-    exit_watch(const exit_watch &) = delete;
-    exit_watch &operator=(const exit_watch &) = delete;
-
-    static void note(int status)
-    {
-        ended = true;
-        outer(status);
-    }
-    static bool ended;
-    static lang_exit_handler outer;
-};
-bool exit_watch::ended;
-lang_exit_handler exit_watch::outer;
-
-LangSource *read_source(const char *path, bool &ended)
+// The source at the path, or an empty one where there is none or its text is none. A source that
+// is there and cannot be read through is left alone: what it holds would be lost.
+check_result read_or_begin(const char *path, std::int64_t now, source_guard &source, bool &begun)
 {
     LogPrint(1, "check: read file >%s<\n", path);
     std::printf("check: read file >%s<\n", path);
-    const exit_watch watch;
-    LangSource *source = lang_read_file(path);
-    ended = exit_watch::ended;
-    if (source != nullptr || ended)
-        return source;
-    source = lang_alloc_group();
+    note_source_directory(path);
+    read_answer answer = read_source(path, {now, print_read_message, nullptr});
+    source = std::move(answer.source);
+    if (answer.result == read_result::good)
+        return check_result::done;
+    if (answer.result == read_result::stopped) {
+        say_stopped();
+        return check_result::ended;
+    }
+    if (answer.cause == read_cause::unreadable || answer.cause == read_cause::memory)
+        return check_result::failed;
+    begun = answer.cause == read_cause::syntax;
+    source.reset(lang_alloc_group());
     std::puts("check: WARNING no group");
     LogPrint(1, "check: WARNING no group\n");
-    return source;
+    return source == nullptr ? check_result::failed : check_result::done;
 }
 
 void stamp(LangSource *source)
 {
-    char date[1024];
+    char date[1024]; // as sprintf_date takes it
     source->ctime = std::time(nullptr);
     sprintf_date(date, "%Y-%m-%d %H:%M:%S", source->ctime);
     zel::replace_string(source->create_date, zel_strdup(date));
 }
 
 // Looks for every request of every path. False when the run is to end.
-bool scan_paths(LangSource *source, int count, char **paths)
+bool scan_paths(LangSource *source, int count, char **paths, std::int64_t now)
 {
     LogPrint(1, "check: check directorys start\n");
     zel::item_index index(source);
     for (int i = 0; i < count; ++i)
-        if (check_path(index, paths[i]) != 0)
+        if (check_path(index, paths[i], now) != 0)
             return false;
     LogPrint(1, "check: check directorys end\n");
     return true;
@@ -224,34 +205,51 @@ void check_usage()
 int _check_rec(LangSource *root, const char *directory)
 {
     zel::item_index index(root);
-    return check_directory(index, directory);
+    if (check_directory(index, directory, lang_global.start_time) != 0)
+        lang_exit(0);
+    return 0;
 }
 
-int check(int count, char **words)
+namespace zel {
+
+check_result run_check(int count, char **words, std::int64_t now)
 {
     LogPrint(1, "check: entry\n");
     argv_prep(&count, &words);
-    if (check_argv(&count, &words, check_options) == OPTION_HELP)
-        return end_with_usage();
+    const bool help = check_argv(&count, &words, check_options) == OPTION_HELP;
     char *name = nullptr;
-    argv_get_str(&count, &words, &name);
-    const zel::string_guard path(name);
-    if (path == nullptr || count < 1)
-        return end_with_usage();
+    if (!help)
+        argv_get_str(&count, &words, &name);
+    const string_guard path(name);
+    if (path == nullptr || count < 1) {
+        check_usage();
+        return check_result::ended;
+    }
 
-    bool ended = false;
-    source_guard source(read_source(path.get(), ended));
-    if (source == nullptr || ended)
-        return 1;
+    source_guard source;
+    bool begun = false;
+    const check_result result = read_or_begin(path.get(), now, source, begun);
+    if (result != check_result::done)
+        return result;
     stamp(source.get());
     clear_all_file_list(source.get());
     clear_all_used(source.get());
-    if (!scan_paths(source.get(), count, words))
-        return 1;
+    if (!scan_paths(source.get(), count, words, now))
+        return check_result::ended;
     LogPrint(1, "check: write file\n");
     lang_write_file(path.get(), source.get());
     LogPrint(1, "check: free group\n");
     source.reset();
     LogPrint(1, "check: exit\n");
-    return 0;
+    return check_result::done;
+}
+
+} // namespace zel
+
+int check(int count, char **words)
+{
+    const zel::check_result result = zel::run_check(count, words, lang_global.start_time);
+    if (result == zel::check_result::ended)
+        lang_exit(0);
+    return result == zel::check_result::done ? 0 : 1;
 }

@@ -4,18 +4,34 @@
 // mark is forgotten, the files and directory trees are scanned for text requests
 // (checker/c-scan.h), and the source is written back.
 
+#include <cstdint>
+
 #include "source/model.h"
+
+namespace zel {
+
+enum class check_result {
+    done,
+    failed, // the source is there and cannot be read, or there is no memory; it stays as it was
+    ended   // the usage was shown, the source is malformed inside a group, or a file cannot be
+            // opened: the command ends the process, and the source stays as it was
+};
 
 // Runs the command. The first word is the command's own name; then at most one option, the language
 // source, and the files and directories to scan. A path that is a regular file is scanned whatever
-// its name. Returns 0 after a run, 1 when there is no source and none can be made. "--help" or a
-// missing word ends the process with the usage, and a file that cannot be opened ends it before
-// anything is written; where lang_exit returns, the result is 1 then.
+// its name. A source that is not there, or malformed outside its groups, begins anew; the second is
+// told on standard error with the name of the backup. Items without a creation time, and those that
+// are inserted, were made at the time given.
+check_result run_check(int count, char **words, std::int64_t now);
+
+} // namespace zel
+
+// run_check at lang_global's start time: 0 when done, 1 when failed; otherwise it ends the process.
 int check(int count, char **words);
 
 // Scans a directory tree: C sources and headers, scripts and configuration files, by their names.
-// Links are followed, but not to a directory that is being searched already. Returns 0; -1 when the
-// run is to end.
+// Links are followed, but not to a directory that is being searched already. Ends the process when
+// a file cannot be opened. Returns 0.
 int _check_rec(LangSource *root, const char *directory);
 
 void check_usage();

@@ -207,42 +207,48 @@ walk set_output_language(words &left, char *&language)
 }
 
 // The log is open since the start, so this only leaves a line in it.
-walk open_second_log(const words &left)
+walk open_second_log(words &left)
 {
     LogOpen("lang.log", LOG_OPEN_NEW | LOG_OPEN_STDOUT, "Tarvik language editor version 1.4");
     return left.count > 0 ? walk::goes_on : start_editor(nullptr);
 }
 
+walk take_format(words &left)
+{
+    return left.match(oformat_list) != 0 ? walk::goes_on : show_usage();
+}
+
+walk set_output_lang_1(words &left) { return set_output_language(left, lang_global.output_lang_1); }
+walk set_output_lang_2(words &left) { return set_output_language(left, lang_global.output_lang_2); }
+walk start_zel(words &) { return start_editor_in_mode(1); }
+walk start_zel2(words &) { return start_editor_in_mode(2); }
+
+// What a word by its id does. Other words belong to some job and do nothing by themselves.
+struct command {
+    int id;
+    walk (*run)(words &left);
+};
+constexpr command commands[] = {
+    {word_none, [](words &) { return show_usage(); }},
+    {word_oformat, take_format},
+    {word_check, run_check},
+    {word_compile, run_compile},
+    {word_edit, run_edit},
+    {word_excel, run_excel},
+    {word_zel, start_zel},
+    {word_zel2, start_zel2},
+    {word_output_lang_1, set_output_lang_1},
+    {word_output_lang_2, set_output_lang_2},
+    {word_log, open_second_log},
+    {word_convert, run_convert},
+};
+
 walk run_word(words &left, int id)
 {
-    switch (id) {
-    case word_none:
-        return show_usage();
-    case word_oformat:
-        return left.match(oformat_list) != 0 ? walk::goes_on : show_usage();
-    case word_check:
-        return run_check(left);
-    case word_compile:
-        return run_compile(left);
-    case word_edit:
-        return run_edit(left);
-    case word_excel:
-        return run_excel(left);
-    case word_zel:
-        return start_editor_in_mode(1);
-    case word_zel2:
-        return start_editor_in_mode(2);
-    case word_output_lang_1:
-        return set_output_language(left, lang_global.output_lang_1);
-    case word_output_lang_2:
-        return set_output_language(left, lang_global.output_lang_2);
-    case word_log:
-        return open_second_log(left);
-    case word_convert:
-        return run_convert(left);
-    default: // a word that belongs to another one: nothing by itself
-        return walk::goes_on;
-    }
+    for (const command &row : commands)
+        if (row.id == id)
+            return row.run(left);
+    return walk::goes_on;
 }
 
 int compile_fault()
@@ -256,15 +262,11 @@ int read_compile_options(words &left, char *&destination)
 {
     while (left.count >= 2) {
         switch (left.match(compile_list)) {
-        case compile_help:
-            compile_usage();
-            lang_exit(0);
-            return -1;
         case compile_dst_dir:
             if (!left.take(destination))
                 return compile_fault();
             break;
-        default:
+        default: // the help words, and what is no option
             return compile_fault();
         }
     }

@@ -246,9 +246,12 @@ namespace zel {
 
 bool edit_read_source()
 {
-    const lang_exit_handler before = lang_set_exit_handler([](int) {});
-    def_group = lang_read_file(def_file);
-    lang_set_exit_handler(before);
+    note_source_directory(def_file);
+    read_answer answer =
+        read_source(def_file, {lang_global.start_time, print_read_message, nullptr});
+    if (answer.result == read_result::stopped)
+        say_stopped();
+    def_group = answer.source.release();
     return def_group != nullptr;
 }
 

@@ -5,7 +5,15 @@
 #include "support/string-copy.h"
 #include "support/string.h"
 
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
 #include <cstdlib>
+#include <string>
+#include <string_view>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -81,116 +89,18 @@ static_assert(key_mtime == 20029, "the ids show in messages");
 
 constexpr unsigned source_flags = LEX_KEYWORD_NOCASE | LEX_ESCAPES | LEX_NEWLINE_SPACE;
 
-// What follows a construct that was read, or a message.
-enum class outcome {
-    go_on,
-    give_up, // the reader returns null
-    stop,    // the process ends
-    recover  // the item ends at the next token, which must be its brace
-};
+using zel::outcome;
+using zel::place;
+using zel::read_cause;
+using zel::read_how;
 
-// The reader's messages: number, text, what follows, and the line that the log names (0: none).
-// Texts take the number, then line, column and kind of the token as far as they name them.
-struct message {
-    int number;
-    const char *text;
-    outcome after;
-    int log_line;
-};
-constexpr message messages[] = {
-    {172, "\nERROR(%d): line %d:%d app %d", outcome::give_up, 0},
-    {187, "\nERROR(%d): line %d:%d crate_date date  %d", outcome::give_up, 0},
-    {204, "\nERROR(%d): line %d:%d expected numeric", outcome::give_up, 0},
-    {219, "\nERROR(%d): line %d:%d expected numeric", outcome::give_up, 0},
-    {234, "\nERROR(%d): line %d:%d expected numeric", outcome::give_up, 0},
-    {574, "\nERROR(%d): line %d:%d define default lang  %d", outcome::give_up, 261},
-    {604, "\nERROR(%d): line %d:%d expected numeric", outcome::give_up, 272},
-    {617, "\nERROR(%d): line %d:%d expected numeric", outcome::give_up, 272},
-    {629, "\nERROR(%d): line %d:%d expected numeric", outcome::give_up, 272},
-    {637, "\nERROR(%d): line %d:%d expected item,group,comment,lang", outcome::give_up, 272},
-    {496, "\nERROR(%d): line %d:%d unexpected token %d", outcome::give_up, 250},
-    {502, "\nERROR(%d): lang_t: not enough memory", outcome::give_up, 250},
-    {512, "\nERROR(%d): line %d:%d unexpected token %d", outcome::give_up, 250},
-    {519, "\nERROR(%d): line %d:%d unexpected token %d", outcome::give_up, 250},
-    {474, "\nWARNING(%d): line %d format alread defined, ignored", outcome::go_on, 0},
-    {318, "\nERROR(%d): line %d:%d unexpected token %d\n", outcome::give_up, 324},
-    {351, "\nERROR(%d): edit_t: not enough memory", outcome::stop, 0},
-    {363, "\nERROR(%d): line %d:%d expected string", outcome::go_on, 0},
-    {372, "\nERROR(%d): line %d:%d expected '{'", outcome::go_on, 0},
-    {386, "\nERROR(%d): line %d:%d expected numeric", outcome::stop, 0},
-    {399, "\nERROR(%d): line %d:%d expected string", outcome::stop, 0},
-    {418, "\nERROR(%d): line %d:%d expected YES or NO\n", outcome::stop, 0},
-    {448, "\nERROR(%d): line %d:%d unexpected EOF\n", outcome::stop, 0},
-    {452, "\nERROR(%d): line %d:%d unexpected token %d", outcome::stop, 0},
-    {659, "\nERROR(%d): item_t: not enough memory", outcome::stop, 0},
-    {675, "\nERROR(%d): line %d:%d unexpected token %d", outcome::stop, 0},
-    {689, "\nERROR:(%d) line %d:%d unexpected token %d expeced '{'\n", outcome::stop, 0},
-    {691, "\nERROR:(%d) parse item start line %d:%d \n", outcome::stop, 0},
-    {701, "\nERROR(%d): line %d:%d unexpected token %d expeced '}'\n", outcome::stop, 0},
-    {731, "\nERROR(%d): line %d:%d expected numeric", outcome::recover, 0},
-    {744, "\nERROR(%d): line %d:%d expected numeric", outcome::recover, 0},
-    {756, "\nERROR(%d): line %d:%d expected numeric", outcome::recover, 0},
-    {775, "\nERROR(%d): line %d:%d expected category", outcome::recover, 0},
-    {787, "\nERROR(%d): line %d:%d expected numeric", outcome::recover, 0},
-    {816, "\nERROR(%d): line %d:%d expected numeric", outcome::recover, 0},
-    {832, "\nERROR(%d): line %d:%d expected numeric", outcome::recover, 0},
-    {852, "\nERROR(%d): line %d:%d expected YES or NO\n", outcome::recover, 0},
-    {892, "\nERROR(%d): line %d:%d unexpected token %d expeced '}'", outcome::recover, 0},
-    {939, "\nERROR(%d): line %d:%d unexpected token %d", outcome::recover, 0},
-    {945, "\nERROR(%d): lang_entry_t: not enough memory", outcome::recover, 0},
-    {955, "\nERROR(%d): line %d:%d unexpected token %d expeced '{'", outcome::recover, 0},
-    {969, "\nERROR(%d): line %d:%d unexpected token %d expeced '}'", outcome::recover, 0},
-};
-
-constexpr bool numbers_are_unique()
-{
-    for (const message &row : messages)
-        for (const message &other : messages)
-            if (&row != &other && row.number == other.number)
-                return false;
-    return true;
-}
-static_assert(numbers_are_unique());
-
-// Where a token stands, kept beyond the token's life.
-struct place {
-    std::uint32_t line;
-    std::uint32_t column;
-};
 place place_of(const zel_token_t *token) { return {token->line, token->column}; }
 
-void log_exit(int line) { LogPrint(1, "lang_read_file: ERROR(exit) %s:%d\n", "lang-read", line); }
-
-// The line that the log is to name once everything is released; 0 none. One reader runs at a time.
-int exit_line;
-
-// Prints a message and tells what follows.
-outcome fail(int number, place at, int kind = 0)
-{
-    const message *row = messages;
-    while (row->number != number)
-        ++row;
-    std::printf(row->text, number, at.line, at.column, kind);
-    if (row->log_line == 250)
-        std::printf("ERROR(%d)\n", 246);
-    if (row->log_line == 324)
-        std::printf("lang_read_file: ERROR(exit) %s:%d\n", "lang-read", 323);
-    if (row->log_line != 0)
-        exit_line = row->log_line;
-    return row->after;
-}
-
-outcome fail(int number, const zel_token_t *token)
-{
-    return fail(number, place_of(token), token->id);
-}
-
-const zel_token_t *next(zel_lex_t *lex) { return zel_next_token(lex); }
-int look(zel_lex_t *lex) { return zel_token_look_ahead(lex, 0)->id; }
-
+// What an integer can hold; more would come back with a sign, which no reader takes.
 std::int32_t signed_number(const zel_token_t *token)
 {
-    return static_cast<std::int32_t>(std::strtol(token->lexeme, nullptr, 10));
+    const long number = std::strtol(token->lexeme, nullptr, 10);
+    return static_cast<std::int32_t>(std::min<long>(number, INT32_MAX));
 }
 
 std::uint32_t unsigned_number(const zel_token_t *token)
@@ -198,19 +108,90 @@ std::uint32_t unsigned_number(const zel_token_t *token)
     return static_cast<std::uint32_t>(std::strtoul(token->lexeme, nullptr, 10));
 }
 
-// NUMBER, else the message.
-outcome read_number(zel_lex_t *lex, std::int32_t &number, int message_number)
+// One run over one file. Every function reads one construct of the grammar, named for it.
+struct source_reader {
+    zel_lex_t *lex;
+    const char *path;
+    const read_how &how;
+    int log_line = 0; // of the message that ended the run
+
+    const zel_token_t *next() { return zel_next_token(lex); }
+    int look() { return zel_token_look_ahead(lex, 0)->id; }
+
+    outcome fail(int number, place at, int kind = 0);
+    outcome fail(int number, const zel_token_t *token)
+    {
+        return fail(number, place_of(token), token->id);
+    }
+    void note(const void *record, place at) const
+    {
+        if (how.places != nullptr)
+            how.places->add(record, at);
+    }
+
+    outcome read_number(std::int32_t &number, int message_number);
+    outcome read_time(std::int64_t &time, int message_number);
+    outcome read_string(char *&text, int message_number);
+    outcome read_yes_no(std::uint32_t &used, int message_number);
+    bool read_optional_number(std::int32_t &number);
+
+    outcome read_entry(zel::list_tail &entries, place start);
+    outcome read_used_in(item_t *item);
+    outcome read_used(item_t *item);
+    outcome read_size();
+    outcome read_item_ctime(item_t *item);
+    outcome read_attribute(item_t *item, int key);
+    outcome read_item_body(item_t *item);
+    outcome read_item(item_t *item, place start);
+};
+
+// Reads the statements into a root.
+struct statement_reader : source_reader {
+    LangSource *source;
+    zel::list_tail langs;
+    zel::list_tail groups;
+
+    statement_reader(source_reader reader, LangSource *root)
+        : source_reader(reader), source(root), langs(root->langs), groups(root->groups)
+    {
+    }
+
+    outcome read_statements();
+    outcome read_statement(const zel_token_t *token);
+    outcome read_version();
+    outcome read_default();
+    outcome read_colwidth();
+    outcome read_define();
+    outcome read_define_file(bool &more, place start);
+    void read_define_format(place at);
+    outcome read_group(place start);
+    outcome read_group_element(edit_t *group, zel::list_tail &items);
+    outcome add_item(edit_t *group, zel::list_tail &items, place start);
+};
+
+outcome source_reader::fail(int number, place at, int kind)
 {
-    const zel_token_t *token = next(lex);
+    const zel::read_message_row &row = zel::read_message_of(number);
+    if (how.listener)
+        how.listener({&row, at, kind, path});
+    if (row.log_line != 0)
+        log_line = row.log_line;
+    return row.after;
+}
+
+// NUMBER, else the message.
+outcome source_reader::read_number(std::int32_t &number, int message_number)
+{
+    const zel_token_t *token = next();
     if (token->id != TOKEN_DEC)
         return fail(message_number, token);
     number = signed_number(token);
     return outcome::go_on;
 }
 
-outcome read_time(zel_lex_t *lex, std::int64_t &time, int message_number)
+outcome source_reader::read_time(std::int64_t &time, int message_number)
 {
-    const zel_token_t *token = next(lex);
+    const zel_token_t *token = next();
     if (token->id != TOKEN_DEC)
         return fail(message_number, token);
     time = unsigned_number(token);
@@ -218,9 +199,9 @@ outcome read_time(zel_lex_t *lex, std::int64_t &time, int message_number)
 }
 
 // STRING, else the message. An empty string is stored as null.
-outcome read_string(zel_lex_t *lex, char *&text, int message_number)
+outcome source_reader::read_string(char *&text, int message_number)
 {
-    const zel_token_t *token = next(lex);
+    const zel_token_t *token = next();
     if (token->id != TOKEN_STRING)
         return fail(message_number, token);
     zel::replace_string(text, zel_strdup(token->lexeme));
@@ -228,9 +209,9 @@ outcome read_string(zel_lex_t *lex, char *&text, int message_number)
 }
 
 // YES | NO, else the message.
-outcome read_yes_no(zel_lex_t *lex, std::uint32_t &used, int message_number)
+outcome source_reader::read_yes_no(std::uint32_t &used, int message_number)
 {
-    const zel_token_t *token = next(lex);
+    const zel_token_t *token = next();
     if (token->id != key_yes && token->id != key_no)
         return fail(message_number, token);
     used = token->id == key_yes ? 1 : 0;
@@ -238,30 +219,31 @@ outcome read_yes_no(zel_lex_t *lex, std::uint32_t &used, int message_number)
 }
 
 // A NUMBER that may be missing.
-bool read_optional_number(zel_lex_t *lex, std::int32_t &number)
+bool source_reader::read_optional_number(std::int32_t &number)
 {
-    if (look(lex) != TOKEN_DEC)
+    if (look() != TOKEN_DEC)
         return false;
-    number = signed_number(next(lex));
+    number = signed_number(next());
     return true;
 }
 
 // ---- Entries: STRING "{" STRING ... "}"
 
-outcome read_entry(zel_lex_t *lex, zel::list_tail &entries)
+outcome source_reader::read_entry(zel::list_tail &entries, place start)
 {
-    const zel_token_t *token = next(lex);
+    const zel_token_t *token = next();
     if (token->id != TOKEN_STRING)
         return fail(939, token);
     lang_entry_t *entry = alloc_lang_entry(*token->lexeme == '\0' ? nullptr : token->lexeme);
     if (entry == nullptr)
         return fail(945, token);
     entries.append(entry);
-    token = next(lex);
+    note(entry, start);
+    token = next();
     if (token->id != '{')
         return fail(955, token);
     zel::list_tail texts(entry->texts);
-    for (token = next(lex); token->id == TOKEN_STRING; token = next(lex))
+    for (token = next(); token->id == TOKEN_STRING; token = next())
         texts.append(zel_strdup2(token->lexeme));
     return token->id == '}' ? outcome::go_on : fail(969, token);
 }
@@ -269,65 +251,71 @@ outcome read_entry(zel_lex_t *lex, zel::list_tail &entries)
 // ---- Items
 
 // "{" STRING ... "}" behind USED YES or USED NO; may be missing.
-outcome read_used_in(zel_lex_t *lex, item_t *item)
+outcome source_reader::read_used_in(item_t *item)
 {
-    if (look(lex) != '{')
+    if (look() != '{')
         return outcome::go_on;
-    next(lex);
+    next();
     zel::list_tail places(item->used_in);
-    const zel_token_t *token = next(lex);
-    for (; token->id == TOKEN_STRING; token = next(lex))
+    const zel_token_t *token = next();
+    for (; token->id == TOKEN_STRING; token = next())
         places.append(zel_strdup(token->lexeme));
     return token->id == '}' ? outcome::go_on : fail(892, token);
 }
 
-outcome read_used(zel_lex_t *lex, item_t *item)
+outcome source_reader::read_used(item_t *item)
 {
-    const outcome result = read_yes_no(lex, item->used, 852);
-    return result == outcome::go_on ? read_used_in(lex, item) : result;
+    const outcome result = read_yes_no(item->used, 852);
+    return result == outcome::go_on ? read_used_in(item) : result;
 }
 
 // SIZE NUMBER [NUMBER]: read and dropped.
-outcome read_size(zel_lex_t *lex)
+outcome source_reader::read_size()
 {
     std::int32_t dropped = 0;
-    const outcome result = read_number(lex, dropped, 787);
+    const outcome result = read_number(dropped, 787);
     if (result == outcome::go_on)
-        read_optional_number(lex, dropped);
+        read_optional_number(dropped);
     return result;
 }
 
-// Items without a creation time in the file count as made when the program started.
-outcome read_item_ctime(zel_lex_t *lex, item_t *item)
+// Written as a signed number of 32 bits, so from 2038 on with a minus sign; the time itself is
+// unsigned, good until 2106. Items without one count as made now.
+outcome source_reader::read_item_ctime(item_t *item)
 {
-    std::int32_t time = 0;
-    const outcome result = read_number(lex, time, 816);
-    if (result == outcome::go_on)
-        item->ctime = time == 0 ? lang_global.start_time : time;
-    return result;
+    const zel_token_t *token = next();
+    const bool negative = token->id == '-';
+    if (negative)
+        token = next();
+    if (token->id != TOKEN_DEC)
+        return fail(816, token);
+    const std::uint32_t number = unsigned_number(token);
+    const std::uint32_t time = negative ? 0U - number : number;
+    item->ctime = time == 0 ? how.now : time;
+    return outcome::go_on;
 }
 
 // One attribute, its keyword already taken.
-outcome read_attribute(zel_lex_t *lex, item_t *item, int key)
+outcome source_reader::read_attribute(item_t *item, int key)
 {
     switch (key) {
     case key_visible:
-        return read_number(lex, item->visible, 744);
+        return read_number(item->visible, 744);
     case key_used:
-        return read_used(lex, item);
+        return read_used(item);
     case key_size:
-        return read_size(lex);
+        return read_size();
     case key_rowheight:
-        return read_number(lex, item->rowheight, 832);
+        return read_number(item->rowheight, 832);
     case key_typ:
-        return read_number(lex, item->typ, 756);
+        return read_number(item->typ, 756);
     case key_ready:
-        return read_number(lex, item->ready, 731);
+        return read_number(item->ready, 731);
     case key_category:
     case key_description:
-        return read_string(lex, item->description, 775);
+        return read_string(item->description, 775);
     case key_ctime:
-        return read_item_ctime(lex, item);
+        return read_item_ctime(item);
     default: // key_changed
         item->changed = 1;
         return outcome::go_on;
@@ -354,68 +342,47 @@ bool is_attribute(int key)
 }
 
 // Attributes in any order, then LANG and COMMENT entries in any order.
-outcome read_item_body(zel_lex_t *lex, item_t *item)
+outcome source_reader::read_item_body(item_t *item)
 {
     outcome result = outcome::go_on;
-    while (result == outcome::go_on && is_attribute(look(lex)))
-        result = read_attribute(lex, item, next(lex)->id);
+    while (result == outcome::go_on && is_attribute(look()))
+        result = read_attribute(item, next()->id);
     zel::list_tail langs(item->langs);
     zel::list_tail comments(item->comments);
-    while (result == outcome::go_on && (look(lex) == key_lang || look(lex) == key_comment))
-        result = read_entry(lex, next(lex)->id == key_lang ? langs : comments);
+    while (result == outcome::go_on && (look() == key_lang || look() == key_comment)) {
+        const zel_token_t *token = next();
+        result = read_entry(token->id == key_lang ? langs : comments, place_of(token));
+    }
     return result;
 }
 
 // ITEM STRING "{" body "}", the keyword already taken. After an error in the body the item ends at
 // the next token if that is its brace.
-outcome read_item(zel_lex_t *lex, item_t *item, place start)
+outcome source_reader::read_item(item_t *item, place start)
 {
-    const zel_token_t *token = next(lex);
+    note(item, start);
+    const zel_token_t *token = next();
     if (token->id != TOKEN_STRING)
         return fail(675, token);
     item->name = zel_strdup(token->lexeme);
-    token = next(lex);
+    token = next();
     if (token->id != '{') {
         fail(689, token);
         return fail(691, start);
     }
-    read_item_body(lex, item);
-    token = next(lex);
+    read_item_body(item);
+    token = next();
     return token->id == '}' ? outcome::go_on : fail(701, token);
 }
 
 // ---- Groups and the rest of the file
 
-struct source_reader {
-    zel_lex_t *lex;
-    LangSource *source;
-    zel::list_tail langs;
-    zel::list_tail groups;
-
-    source_reader(zel_lex_t *scanner, LangSource *root)
-        : lex(scanner), source(root), langs(root->langs), groups(root->groups)
-    {
-    }
-
-    outcome read_statements();
-    outcome read_statement(const zel_token_t *token);
-    outcome read_version();
-    outcome read_default();
-    outcome read_colwidth();
-    outcome read_define();
-    outcome read_define_file(bool &more);
-    void read_define_format(place at);
-    outcome read_group();
-    outcome read_group_element(edit_t *group, zel::list_tail &items);
-    outcome add_item(edit_t *group, zel::list_tail &items, place start);
-};
-
-outcome source_reader::add_item(edit_t *group, zel::list_tail &items, place start)
+outcome statement_reader::add_item(edit_t *group, zel::list_tail &items, place start)
 {
     item_guard item(alloc_item());
     if (!item)
         return fail(659, start);
-    const outcome result = read_item(lex, item.get(), start);
+    const outcome result = read_item(item.get(), start);
     if (result != outcome::go_on)
         return result;
     if (item->used != 0)
@@ -426,18 +393,18 @@ outcome source_reader::add_item(edit_t *group, zel::list_tail &items, place star
     return outcome::go_on;
 }
 
-outcome source_reader::read_group_element(edit_t *group, zel::list_tail &items)
+outcome statement_reader::read_group_element(edit_t *group, zel::list_tail &items)
 {
-    const zel_token_t *token = next(lex);
+    const zel_token_t *token = next();
     switch (token->id) {
     case key_item:
         return add_item(group, items, place_of(token));
     case key_used:
-        return read_yes_no(lex, group->used, 418);
+        return read_yes_no(group->used, 418);
     case key_visible:
-        return read_number(lex, group->visible, 386);
+        return read_number(group->visible, 386);
     case key_screen_shot:
-        return read_string(lex, group->screen_shot, 399);
+        return read_string(group->screen_shot, 399);
     case TOKEN_EOF:
         return fail(448, token);
     default:
@@ -446,48 +413,50 @@ outcome source_reader::read_group_element(edit_t *group, zel::list_tail &items)
 }
 
 // GROUP STRING "{" element ... "}". A name or brace that is none is said and taken for it.
-outcome source_reader::read_group()
+outcome statement_reader::read_group(place start)
 {
     edit_t *group = lang_alloc_edit();
     if (group == nullptr)
         return fail(351, {0, 0});
     groups.append(group);
-    const zel_token_t *token = next(lex);
+    note(group, start);
+    const zel_token_t *token = next();
     if (token->id != TOKEN_STRING)
         fail(363, token);
     group->name = zel_strdup(token->lexeme);
-    token = next(lex);
+    token = next();
     if (token->id != '{')
         fail(372, token);
     zel::list_tail items(group->items);
     outcome result = outcome::go_on;
-    while (result == outcome::go_on && look(lex) != '}')
+    while (result == outcome::go_on && look() != '}')
         result = read_group_element(group, items);
     if (result == outcome::go_on)
-        next(lex);
+        next();
     return result;
 }
 
 // FILE STRING LANG STRING [NUMBER [NUMBER [NUMBER]]]. Only with two numbers or more is the
 // language counted and may the DEFINE statement go on.
-outcome source_reader::read_define_file(bool &more)
+outcome statement_reader::read_define_file(bool &more, place start)
 {
-    const zel_token_t *token = next(lex);
+    const zel_token_t *token = next();
     if (token->id != TOKEN_STRING)
         return fail(496, token);
     lang_t *lang = alloc_lang();
     if (lang == nullptr)
         return fail(502, token);
     langs.append(lang);
+    note(lang, start);
     lang->file = zel_strdup(token->lexeme);
-    token = next(lex);
+    token = next();
     if (token->id != key_lang)
         return fail(512, token);
-    const outcome result = read_string(lex, lang->name, 519);
-    more = result == outcome::go_on && read_optional_number(lex, lang->value_1) &&
-           read_optional_number(lex, lang->value_2);
+    const outcome result = read_string(lang->name, 519);
+    more = result == outcome::go_on && read_optional_number(lang->value_1) &&
+           read_optional_number(lang->value_2);
     if (more) {
-        if (!read_optional_number(lex, lang->edit))
+        if (!read_optional_number(lang->edit))
             lang->edit = 1;
         ++source->lang_count;
         source->edit_lang_count += lang->edit != 0 ? 1 : 0;
@@ -496,29 +465,28 @@ outcome source_reader::read_define_file(bool &more)
 }
 
 // FORMAT ASCII | UTF8; only the first one counts.
-void source_reader::read_define_format(place at)
+void statement_reader::read_define_format(place at)
 {
     const bool first = source->format == LANG_SOURCE_NONE;
     if (!first)
         fail(474, at);
-    const int kind = next(lex)->id;
+    const int kind = next()->id;
     if (first && kind == key_ascii)
         source->format = LANG_SOURCE_ASCII;
     if (first && kind == key_utf8)
         source->format = LANG_SOURCE_UTF8;
 }
 
-outcome source_reader::read_define()
+outcome statement_reader::read_define()
 {
     outcome result = outcome::go_on;
     bool more = true;
     while (more && result == outcome::go_on) {
-        const int kind = look(lex);
+        const int kind = look();
         if (kind == key_file) {
-            next(lex);
-            result = read_define_file(more);
+            result = read_define_file(more, place_of(next()));
         } else if (kind == key_format) {
-            read_define_format(place_of(next(lex)));
+            read_define_format(place_of(next()));
         } else {
             more = false;
         }
@@ -526,51 +494,50 @@ outcome source_reader::read_define()
     return result;
 }
 
-outcome source_reader::read_version()
+outcome statement_reader::read_version()
 {
-    if (!read_optional_number(lex, source->version))
+    if (!read_optional_number(source->version))
         source->version = 0;
     return outcome::go_on;
 }
 
-outcome source_reader::read_default()
+outcome statement_reader::read_default()
 {
-    if (next(lex)->id == key_lang)
-        return read_string(lex, source->default_lang, 574);
-    exit_line = 261;
-    return outcome::give_up;
+    if (next()->id == key_lang)
+        return read_string(source->default_lang, 574);
+    return fail(zel::read_no_default_lang, zel_current_token(lex));
 }
 
-outcome source_reader::read_colwidth()
+outcome statement_reader::read_colwidth()
 {
-    const zel_token_t *token = next(lex);
+    const zel_token_t *token = next();
     switch (token->id) {
     case key_group:
-        return read_number(lex, source->colwidth_group, 604);
+        return read_number(source->colwidth_group, 604);
     case key_item:
-        return read_number(lex, source->colwidth_item, 617);
+        return read_number(source->colwidth_item, 617);
     case key_ctrl:
-        return read_number(lex, source->colwidth_ctrl, 629);
+        return read_number(source->colwidth_ctrl, 629);
     default:
         return fail(637, token);
     }
 }
 
-outcome source_reader::read_statement(const zel_token_t *token)
+outcome statement_reader::read_statement(const zel_token_t *token)
 {
     switch (token->id) {
     case key_version:
         return read_version();
     case key_whatsnew:
-        return read_time(lex, source->whatsnew, 204);
+        return read_time(source->whatsnew, 204);
     case key_ctime:
-        return read_time(lex, source->ctime, 219);
+        return read_time(source->ctime, 219);
     case key_mtime:
-        return read_time(lex, source->mtime, 234);
+        return read_time(source->mtime, 234);
     case key_create_date:
-        return read_string(lex, source->create_date, 187);
+        return read_string(source->create_date, 187);
     case key_app:
-        return read_string(lex, source->app, 172);
+        return read_string(source->app, 172);
     case key_default:
         return read_default();
     case key_colwidth:
@@ -578,104 +545,149 @@ outcome source_reader::read_statement(const zel_token_t *token)
     case key_define:
         return read_define();
     case key_group:
-        return read_group();
+        return read_group(place_of(token));
     default:
         return fail(318, token);
     }
 }
 
-outcome source_reader::read_statements()
+outcome statement_reader::read_statements()
 {
     outcome result = outcome::go_on;
-    while (result == outcome::go_on && look(lex) != TOKEN_EOF)
-        result = read_statement(next(lex));
+    while (result == outcome::go_on && look() != TOKEN_EOF)
+        result = read_statement(next());
     return result;
 }
 
-// Later readers and the editor find files beside the source through its directory.
-void note_source_directory(const char *path)
+// ---- The file
+
+void log_exit(int line) { LogPrint(1, "lang_read_file: ERROR(exit) %s:%d\n", "lang-read", line); }
+
+void log_failure(int number, int line, const char *path)
 {
-    char *dir = nullptr;
-    char *file = nullptr;
-    zel_split_path_file(path, &dir, &file);
-    std::free(file);
-    zel::replace_string(lang_global.src_dir, dir);
-    lang_global.whatsnew_since = 0;
+    if (number == zel::read_not_opened)
+        LogPrint(1, "lang_read_file: ERROR(exit) >%s< %s:%d\n", path, "lang-read", line);
+    else if (line != 0)
+        log_exit(line);
 }
 
-// What went wrong before the first statement, or with the file under it.
-enum class trouble { none, not_opened, no_path };
-
-trouble check_opened(const zel_lex_buf_t *buf)
+// Why a file that could not be opened could not be.
+read_cause why_not_opened(const char *path)
 {
-    if (buf == nullptr)
-        return trouble::not_opened;
-    return buf->stream == nullptr ? trouble::no_path : trouble::none;
+    struct stat status;
+    const bool there = stat(path, &status) == 0 || (errno != ENOENT && errno != ENOTDIR);
+    return there ? read_cause::unreadable : read_cause::absent;
 }
 
-void print_trouble(trouble what, const char *path)
+// What the program writes ends with a line that says so; a file that begins like one and lacks it
+// may have lost its end.
+bool is_cut(std::FILE *stream)
 {
-    if (what == trouble::not_opened)
-        std::printf("ERROR(%d) open ->%s<-\n", 146, path);
-    else
-        std::printf("ERROR(%d) file open ->%s<-\n", 155, path);
-}
-
-void log_trouble(trouble what, const char *path)
-{
-    if (what == trouble::not_opened)
-        LogPrint(1, "lang_read_file: ERROR(exit) >%s< %s:%d\n", path, "lang-read", 151);
-    else
-        log_exit(159);
+    constexpr std::string_view head = "/* !!!! DO NOT EDIT";
+    constexpr std::string_view last_line = "\n/* EOF ";
+    constexpr off_t longest_name = 8192; // of the path in that line
+    std::string text(longest_name, '\0');
+    const int file = fileno(stream);
+    const ssize_t first = pread(file, text.data(), head.size(), 0);
+    if (first < 0 || std::string_view(text.data(), static_cast<std::size_t>(first)) != head)
+        return false;
+    struct stat status;
+    if (fstat(file, &status) != 0)
+        return false;
+    const ssize_t length =
+        pread(file, text.data(), text.size(), std::max<off_t>(0, status.st_size - longest_name));
+    if (length < 0)
+        return false;
+    const std::string_view end(text.data(), static_cast<std::size_t>(length));
+    const std::size_t found = end.rfind(last_line);
+    return found == std::string_view::npos || end.find("*/", found) == std::string_view::npos;
 }
 
 } // namespace
 
 int parse_lang_text(zel_lex_t *lex, GList **entries)
 {
+    const read_how how{0, zel::print_read_message, nullptr};
+    source_reader reader{lex, "", how};
     zel::list_tail tail(*entries);
-    return read_entry(lex, tail) == outcome::go_on ? 0 : -1;
+    return reader.read_entry(tail, {}) == outcome::go_on ? 0 : -1;
 }
 
-LangSource *lang_read_file(const char *path)
+namespace zel {
+
+void note_source_directory(const char *path)
+{
+    char *dir = nullptr;
+    char *file = nullptr;
+    zel_split_path_file(path, &dir, &file);
+    std::free(file);
+    replace_string(lang_global.src_dir, dir);
+    lang_global.whatsnew_since = 0;
+}
+
+void say_stopped()
+{
+    std::printf("lang_read_file: ERROR(exit) %s:%d\n", "lang-read", 303);
+    log_exit(304);
+}
+
+read_answer read_source(const char *path, const read_how &how)
 {
     LogPrint(1, "lang_read_file: entry\n");
     source_guard source(lang_alloc_group());
     zel_lex_guard lex(zel_lex_new(keywords, source_flags));
     if (!source || !lex) {
         log_exit(128);
-        return nullptr;
+        return {nullptr, read_result::unreadable, read_cause::memory};
     }
-    zel_lex_buf_guard buf(zel_lex_buf_file_new(path));
-    note_source_directory(path);
     const char *shown = path == nullptr ? "" : path;
-    trouble what = check_opened(buf.get());
+    statement_reader reader({lex.get(), shown, how}, source.get());
+    zel_lex_buf_guard buf(zel_lex_buf_file_new(path));
     outcome result = outcome::give_up;
-    exit_line = 0;
-    if (what == trouble::none) {
+    read_cause cause = read_cause::syntax;
+    int number = 0; // of the message about the file itself
+    if (buf == nullptr) {
+        cause = why_not_opened(shown);
+        number = read_not_opened;
+    } else if (buf->stream == nullptr) {
+        cause = read_cause::absent;
+        number = read_no_path;
+    } else {
         zel_lex_set_buf(lex.get(), buf.get());
-        result = source_reader(lex.get(), source.get()).read_statements();
+        result = reader.read_statements();
         // A file that the system cannot read to its end must not pass for a short one.
-        if (result != outcome::stop && std::ferror(buf->stream) != 0)
-            what = trouble::not_opened;
+        if (result != outcome::stop && std::ferror(buf->stream) != 0) {
+            result = outcome::give_up;
+            cause = read_cause::unreadable;
+            number = read_not_opened;
+        }
     }
-    if (result == outcome::go_on && what == trouble::none) {
+    if (result == outcome::go_on) {
+        if (is_cut(buf->stream))
+            reader.fail(read_maybe_cut, {0, 0});
         LogPrint(1, "lang_read_file: exit\n");
-        return source.release();
+        return {std::move(source), read_result::good, read_cause::none};
     }
-    if (what != trouble::none)
-        print_trouble(what, shown);
+    if (number != 0)
+        reader.fail(number, {0, 0});
     source.reset();
     lex.reset();
     buf.reset();
-    if (what != trouble::none) {
-        log_trouble(what, shown);
-    } else if (result == outcome::stop) {
-        std::printf("lang_read_file: ERROR(exit) %s:%d\n", "lang-read", 303);
-        log_exit(304);
+    log_failure(number, reader.log_line, shown);
+    return {nullptr, result == outcome::stop ? read_result::stopped : read_result::unreadable,
+            cause};
+}
+
+} // namespace zel
+
+LangSource *lang_read_file(const char *path)
+{
+    zel::note_source_directory(path);
+    zel::read_answer answer =
+        zel::read_source(path, {lang_global.start_time, zel::print_read_message, nullptr});
+    if (answer.result == zel::read_result::stopped) {
+        zel::say_stopped();
         lang_exit(0);
-    } else if (exit_line != 0) {
-        log_exit(exit_line);
     }
-    return nullptr;
+    return answer.source.release();
 }

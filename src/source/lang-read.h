@@ -8,19 +8,61 @@
 //   GROUP "name" { USED YES|NO  VISIBLE n  SCREEN_SHOT "name"
 //     ITEM "name" {
 //       VISIBLE n  USED YES|NO [{ "place" ... }]  CHANGED  SIZE n [n]  ROWHEIGHT n  TYP n
-//       READY n  CATEGORY|DESCRIPTION "text"  CTIME n
+//       READY n  CATEGORY|DESCRIPTION "text"  CTIME [-]n
 //       LANG "language" { "line" ... }  COMMENT "language" { "line" ... }
 //     }
 //   }
 //
 // Keywords in any case; /* */ and // comments.
 
+#include <cstdint>
+
 #include "lex/lex.h"
 #include "source/model.h"
+#include "source/places.h"
+#include "source/read-message.h"
 
-// Reads a file into a new source, owned by the caller. Null when it cannot be read or is
-// malformed, after one of the reader's numbered messages on standard output. Some errors inside a
-// group end the process through lang_exit (app/global.h); where that returns, the result is null.
+namespace zel {
+
+enum class read_result {
+    good,
+    unreadable, // missing, not readable, or malformed
+    stopped     // malformed inside a group: a command that reads it ends
+};
+
+enum class read_cause {
+    none,
+    absent,     // there is no such file, or no path was given
+    unreadable, // it is there and could not be opened or read through
+    memory,
+    syntax
+};
+
+struct read_answer {
+    source_guard source; // null unless good
+    read_result result;
+    read_cause cause;
+};
+
+struct read_how {
+    std::int64_t now = 0;             // the creation time of items that have none in the file
+    read_listener listener = nullptr; // hears every message; none: they are lost
+    source_places *places = nullptr;  // filled when given
+};
+
+// Reads a file into a new source. Logs, prints nothing, never ends the process.
+read_answer read_source(const char *path, const read_how &how);
+
+// Files beside the source are found through lang_global's src_dir: set to the path's directory.
+void note_source_directory(const char *path);
+
+// What a command says after a stopped read, before it ends.
+void say_stopped();
+
+} // namespace zel
+
+// read_source for commands: messages are printed on standard output, the source's directory is
+// noted, a stopped read ends the process. Null when the file cannot be read; owned by the caller.
 [[nodiscard]] LangSource *lang_read_file(const char *path);
 
 // Reads one entry after LANG or COMMENT and appends it to the list: 0, or -1 after a message.

@@ -33,9 +33,7 @@ protected:
     zel_test::temp_dir dir;
 };
 
-int last_status;
 
-void note_status(int status) { last_status = status; }
 
 } // namespace
 
@@ -82,11 +80,3 @@ TEST_F(global, start_without_a_log_directory_and_again)
     EXPECT_EQ(std::string(2047, 'x'), lang_global.log_file);
 }
 
-TEST(exit, handler_stands_in)
-{
-    EXPECT_EQ(nullptr, lang_set_exit_handler(note_status));
-    lang_exit(3);
-    EXPECT_EQ(3, last_status);
-    EXPECT_EQ(note_status, lang_set_exit_handler(nullptr));
-    EXPECT_EXIT(lang_exit(4), ::testing::ExitedWithCode(4), "");
-}

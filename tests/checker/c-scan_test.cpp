@@ -2,6 +2,7 @@
 
 #include "app/global.h"
 #include "source/group.h"
+#include "source/item-index.h"
 #include "test-support.h"
 
 #include <gmock/gmock.h>
@@ -17,24 +18,18 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-int exits;
-
 class Scan : public testing::Test {
 protected:
-    Scan()
-    {
-        lang_global.start_time = 1234567;
-        exits = 0;
-        lang_set_exit_handler([](int) { ++exits; });
-    }
-    ~Scan() override { lang_set_exit_handler(nullptr); }
+    Scan() { lang_global.start_time = 1234567; }
 
     // What the scan of a file with that text prints after its first line.
     std::string scan(const std::string &text, const std::string &path = "a.c")
     {
         zel_test::write_file(path, text);
-        const std::string printed =
-            zel_test::capture_stdout([&] { result = check_c_file(source.get(), path.c_str()); });
+        const std::string printed = zel_test::capture_stdout([&] {
+            zel::item_index index(source.get());
+            result = zel::check_file(index, path.c_str(), lang_global.start_time);
+        });
         const std::string head = "check c file >" + path + "<\n";
         EXPECT_EQ(printed.substr(0, head.size()), head);
         return printed.substr(std::min(head.size(), printed.size()));
@@ -346,13 +341,14 @@ TEST_F(Scan, StringsInStrings)
 
 TEST_F(Scan, AFileThatCannotBeOpenedEndsTheRun)
 {
-    EXPECT_EQ(zel_test::capture_stdout([&] { result = check_c_file(source.get(), "none.c"); }),
+    zel::item_index index(source.get());
+    EXPECT_EQ(zel_test::capture_stdout([&] { result = zel::check_file(index, "none.c", 0); }),
               "check c file >none.c<\nERROR(3): unable to init lexical scanner\n");
-    EXPECT_EQ(exits, 1);
     EXPECT_EQ(result, -1);
-    EXPECT_THAT(zel_test::capture_stdout([&] { check_c_file(source.get(), nullptr); }),
+    EXPECT_THAT(zel_test::capture_stdout([&] { result = zel::check_file(index, nullptr, 0); }),
                 HasSubstr("\nERROR(4): unable to open file "));
-    EXPECT_EQ(exits, 2);
+    EXPECT_EQ(result, -1);
+    EXPECT_EXIT(check_c_file(source.get(), "none.c"), testing::ExitedWithCode(0), "");
 }
 
 // The readers of one construct, called by themselves.

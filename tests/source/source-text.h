@@ -9,6 +9,7 @@
 #include <string>
 
 #include "app/global.h"
+#include "source/lang-read.h"
 #include "source/model.h"
 
 namespace zel_test {
@@ -132,23 +133,15 @@ struct fresh_global {
     lang_global_t before;
 };
 
-// Stands in for the end of the process and counts how often it was asked for.
-struct survive_exit {
-    static inline int calls = 0;
-    static inline int status = -1;
-    survive_exit()
-        : before(lang_set_exit_handler([](int with) {
-              calls++;
-              status = with;
-          }))
-    {
-        calls = 0;
-        status = -1;
-    }
-    ~survive_exit() { lang_set_exit_handler(before); }
-    survive_exit(const survive_exit &) = delete;
-    survive_exit &operator=(const survive_exit &) = delete;
-    lang_exit_handler before;
-};
+// Reads a file as a command does, but stays alive: what is printed goes to standard output, and
+// the answer tells whether a command would have ended.
+inline zel::read_answer read_printing(const char *path)
+{
+    zel::read_answer answer =
+        zel::read_source(path, {lang_global.start_time, zel::print_read_message, nullptr});
+    if (answer.result == zel::read_result::stopped)
+        zel::say_stopped();
+    return answer;
+}
 
 } // namespace zel_test

@@ -1,0 +1,90 @@
+#include "cli/memory.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <glib.h>
+#include <malloc.h>
+#include <new>
+#include <string_view>
+#include <sys/mman.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int first_block = 1024 * 1024;
+constexpr int smallest = 16 * first_block;
+
+// How much address space may be reserved: a quarter where the user's is limited, since the rest of
+// the program needs some too.
+int most_to_reserve()
+{
+    constexpr rlim_t most = 1024 * 1024 * 1024;
+    rlim_t reserved = most;
+    for (const auto kind : {RLIMIT_AS, RLIMIT_DATA}) {
+        rlimit limit{};
+        if (getrlimit(kind, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY)
+            reserved = std::min(reserved, limit.rlim_cur / 4);
+    }
+    return static_cast<int>(reserved);
+}
+
+// Makes the heap grow by that much at once; false where the system has not got it.
+bool grow_heap(int size)
+{
+    mallopt(M_TOP_PAD, size);
+    const void *before = sbrk(0);
+    void *volatile block = std::malloc(first_block); // larger than what is there: the heap grows
+    std::free(block);
+    return sbrk(0) != before;
+}
+
+void say_and_end(std::string_view line)
+{
+    std::fflush(stdout);
+    static_cast<void>(!write(STDERR_FILENO, line.data(), line.size()));
+    _exit(0);
+}
+
+void end_for_new() { say_and_end("lang: not enough memory\n"); }
+
+// The only error that GLib itself ends a process for, in what the program asks of it.
+void end_for_glib(const char *, GLogLevelFlags, const char *, void *) { end_for_new(); }
+
+} // namespace
+
+namespace zel {
+
+// A source becomes hundreds of thousands of small texts, and giving memory out page by page takes
+// the system longer than reading the source takes us. So the heap is reserved in one piece and laid
+// on large pages where the system has them; what is not touched costs nothing. Later growth goes in
+// ordinary steps: near a limit a large one would fail where a small one fits.
+void prepare_heap()
+{
+    constexpr std::uintptr_t large_page = 2 * 1024 * 1024;
+    int reserved = most_to_reserve();
+    mallopt(M_TRIM_THRESHOLD, 1024 * 1024 * 1024);
+    mallopt(M_MMAP_THRESHOLD, 2 * first_block);
+    const auto begin = reinterpret_cast<std::uintptr_t>(sbrk(0));
+    while (reserved >= smallest && !grow_heap(reserved))
+        reserved /= 2;
+    mallopt(M_TOP_PAD, first_block);
+    const auto end = reinterpret_cast<std::uintptr_t>(sbrk(0));
+    const std::uintptr_t from = (begin + large_page - 1) / large_page * large_page;
+    const std::uintptr_t to = end / large_page * large_page;
+    if (from < to)
+        madvise(reinterpret_cast<void *>(from), to - from, MADV_HUGEPAGE);
+}
+
+void end_without_memory()
+{
+    std::set_new_handler(end_for_new);
+    const auto fatal =
+        static_cast<GLogLevelFlags>(G_LOG_LEVEL_ERROR | G_LOG_FLAG_FATAL | G_LOG_FLAG_RECURSION);
+    g_log_set_handler("GLib", fatal, end_for_glib, nullptr);
+}
+
+} // namespace zel
