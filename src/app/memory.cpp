@@ -1,4 +1,4 @@
-#include "cli/memory.h"
+#include "app/memory.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -14,6 +14,8 @@
 #include <unistd.h>
 
 namespace {
+
+using namespace std::string_view_literals;
 
 constexpr int first_block = 1024 * 1024;
 constexpr int smallest = 16 * first_block;
@@ -42,14 +44,16 @@ bool grow_heap(int size)
     return sbrk(0) != before;
 }
 
-void say_and_end(std::string_view line)
+const char *program_name = "";
+int end_status;
+
+void end_for_new()
 {
     std::fflush(stdout);
-    static_cast<void>(!write(STDERR_FILENO, line.data(), line.size()));
-    _exit(0);
+    for (const std::string_view part : {std::string_view(program_name), ": not enough memory\n"sv})
+        static_cast<void>(!write(STDERR_FILENO, part.data(), part.size()));
+    _exit(end_status);
 }
-
-void end_for_new() { say_and_end("lang: not enough memory\n"); }
 
 // The only error that GLib itself ends a process for, in what the program asks of it.
 void end_for_glib(const char *, GLogLevelFlags, const char *, void *) { end_for_new(); }
@@ -79,8 +83,10 @@ void prepare_heap()
         madvise(reinterpret_cast<void *>(from), to - from, MADV_HUGEPAGE);
 }
 
-void end_without_memory()
+void end_without_memory(const char *program, int status)
 {
+    program_name = program;
+    end_status = status;
     std::set_new_handler(end_for_new);
     const auto fatal =
         static_cast<GLogLevelFlags>(G_LOG_LEVEL_ERROR | G_LOG_FLAG_FATAL | G_LOG_FLAG_RECURSION);
