@@ -73,4 +73,19 @@ private:
     bool good_;
 };
 
+// Calls the function with the name of each locale, the process being in it. False where there are
+// none.
+template <class Function>
+bool in_each_locale(Function &&function)
+{
+    if (!find_locales())
+        return false;
+    for (const test_locale &one : test_locales)
+        if (const in_locale there(one.name); there)
+            function(one.name);
+        else
+            return false;
+    return true;
+}
+
 } // namespace zel_test
