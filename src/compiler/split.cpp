@@ -7,12 +7,12 @@
 #include "support/file-call.h"
 #include "support/gen_path.h"
 #include "support/log-print.h"
+#include "support/text.h"
 
 #include <cstring>
 #include <ctime>
 #include <string>
 #include <string_view>
-#include <strings.h>
 #include <vector>
 
 namespace {
@@ -73,7 +73,7 @@ lang_entry_t *find_entry(item_t *item, const char *lang)
         return nullptr;
     for (lang_entry_t *entry : zel::each<lang_entry_t>(item->langs))
         if (entry->lang != nullptr && may_be_equal(*entry->lang, *lang) &&
-            strcasecmp(entry->lang, lang) == 0)
+            zel::compare_nocase(entry->lang, lang) == 0)
             return entry;
     return nullptr;
 }
