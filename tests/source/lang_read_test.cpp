@@ -397,7 +397,8 @@ TEST_F(AnyBytes, ALineOfTenMegabytes)
 TEST_F(AnyBytes, ADirectory)
 {
     std::filesystem::create_directory("d");
-    zel_test::capture_stdout([] { const source_guard source(lang_read_file("d")); });
+    EXPECT_EQ(zel_test::capture_stdout([] { EXPECT_EQ(lang_read_file("d"), nullptr); }),
+              "ERROR(146) open ->d<-\n");
 }
 
 } // namespace
