@@ -401,7 +401,8 @@ TEST_F(SaveFaults, WhereTheTemporaryFileCannotBeCreatedTheOldFileIsInItsBackup)
     }
 }
 
-TEST_F(SaveFaults, ALeftoverLinkIsNotFollowed)
+using SaveFaultsSlow = SaveFaults;
+TEST_F(SaveFaultsSlow, ALeftoverLinkIsNotFollowed)
 {
     write_file("other", "precious");
     for (int kind = 0; kind < 3; kind++) {
@@ -613,7 +614,7 @@ TEST_F(SaveFaults, DirectoriesWithoutPermission)
 // --- the end of the process
 // ------------------------------------------------------------------------
 
-TEST_F(SaveFaults, KilledAtAnyMoment)
+TEST_F(SaveFaultsSlow, KilledAtAnyMoment)
 {
     grow(2000000);
     timespec start, end;
