@@ -2,6 +2,7 @@
 
 #include "app/global.h"
 #include "config/ini.h"
+#include "editor/accessible.h"
 #include "editor/dir_file_sel.h"
 #include "editor/edit-state.h"
 #include "editor/popup.h"
@@ -39,11 +40,6 @@ struct dialog_state {
 };
 
 const char *text(const char *item) { return zel::ui_text("define", item); }
-
-void set_name(GtkWidget *widget, const char *name)
-{
-    atk_object_set_name(gtk_widget_get_accessible(widget), name);
-}
 
 // Takes over what the entry holds, unless it is what it was filled with: a text that is not UTF-8
 // is shown with replacements and stays as it was.
@@ -112,7 +108,7 @@ GtkWidget *make_entry(const char *value, const char *name)
     gtk_entry_set_text(GTK_ENTRY(entry), zel::utf8_shown(value).c_str());
     gtk_entry_set_activates_default(GTK_ENTRY(entry), TRUE);
     gtk_widget_set_sensitive(entry, lang_global.editor_mode != 0);
-    set_name(entry, name);
+    zel::set_accessible_name(entry, name);
     return entry;
 }
 
@@ -311,7 +307,7 @@ GList *define_create_entry(GtkWidget *box, GList *rows, lang_t *lang)
     row->edit_button = gtk_check_button_new();
     gtk_widget_set_size_request(row->edit_button, check_width, -1);
     gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(row->edit_button), lang->edit != 0);
-    set_name(row->edit_button, text("edit?"));
+    zel::set_accessible_name(row->edit_button, text("edit?"));
     g_signal_connect(row->edit_button, "toggled", G_CALLBACK(define_button_toggle), row);
     gtk_box_pack_start(GTK_BOX(line), row->edit_button, FALSE, FALSE, check_space);
     gtk_widget_show_all(line);
@@ -325,7 +321,7 @@ int define_open(GtkWidget *parent, LangSource *source)
                         nullptr, ZEL_POPUP(defineWin)->content_box,
                         nullptr, 0,
                         false};
-    set_name(defineWin, text("language"));
+    zel::set_accessible_name(defineWin, text("language"));
     build(&dialog);
     g_signal_connect(defineWin, "configure-event", G_CALLBACK(define_configure), nullptr);
     g_signal_connect(defineWin, "delete-event", G_CALLBACK(define_delete_event), &dialog);

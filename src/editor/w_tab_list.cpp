@@ -1,6 +1,7 @@
 #include "editor/w_tab_list.h"
 
 #include "app/global.h"
+#include "editor/accessible.h"
 #include "editor/ui-text.h"
 #include "editor/w_tab_model.h"
 
@@ -155,7 +156,7 @@ tab_list tab_list_new(GtkTreeModel *model,
     gtk_tree_view_set_fixed_height_mode(view, TRUE);
     gtk_tree_view_set_rules_hint(view, TRUE);
     gtk_tree_view_set_enable_search(view, FALSE);
-    atk_object_set_name(gtk_widget_get_accessible(list.view), ui_text("tab-edit", "Items"));
+    zel::set_accessible_name(list.view, ui_text("tab-edit", "Items"));
     return list;
 }
 
