@@ -329,12 +329,9 @@ int define_open(GtkWidget *parent, LangSource *source)
     gtk_window_set_resizable(GTK_WINDOW(defineWin), FALSE);
     gtk_window_set_position(GTK_WINDOW(defineWin), GTK_WIN_POS_CENTER);
     zel::popup_run(defineWin, parent, dialog.loop);
+    if (!dialog.gone)
+        gtk_widget_destroy(defineWin); // its handler takes the rows
     g_main_loop_unref(dialog.loop);
-    if (!dialog.gone) {
-        take_rows(&dialog);
-        dialog.gone = true;
-        gtk_widget_destroy(defineWin);
-    }
     free_rows();
     defineWin = nullptr;
     return 0;

@@ -73,11 +73,20 @@ void mark_row(ZelTabEdit *tab, int row)
     zel_tab_model_row_changed(shown_rows(tab), row);
 }
 
-void ready_changed(ZelTabEdit *tab, int row)
+// The row stays where it is, also in a list that is sorted by the marks: it would run away from
+// under the hand, and its neighbours with it. The next click on a header puts it in its place.
+void ready_changed(ZelTabEdit *tab, int row) { zel_tab_model_row_changed(shown_rows(tab), row); }
+
+// An item may be marked ready before it is: the status line says so.
+void tell_missing_text(ZelTabEdit *tab)
 {
-    zel_tab_model_row_changed(shown_rows(tab), row);
-    if (shown_rows(tab)->sort_id == COL_READY)
-        zel_tab_model_resort(shown_rows(tab));
+    const char *lang = zel::text_missing_language(ZEL_TEXT(tab->text_widget));
+    if (lang == nullptr)
+        return;
+    const std::string text =
+        std::string(zel::ui_text("tab-edit", "Ready, but the text is missing")) + ": \"" +
+        zel::utf8_shown(lang) + "\"";
+    zel::edit_status(text.c_str());
 }
 
 // --- Handlers ----------------------------------------------------------------------------------
@@ -92,6 +101,8 @@ void change_ready_cb(GtkToggleButton *button, gpointer data)
     lang_global.modified = 1;
     row->item->ready = gtk_toggle_button_get_active(button);
     ready_changed(tab, number);
+    if (row->item->ready != 0)
+        tell_missing_text(tab);
 }
 
 // The button follows the selected row; that is no change of the source.
@@ -379,6 +390,8 @@ GtkWidget *make_text_side(ZelTabEdit *tab)
     gtk_widget_set_tooltip_text(tab->ready_button, zel::ui_text("common", "Toggle ready (ALT+M)"));
     g_signal_connect(tab->ready_button, "toggled", G_CALLBACK(change_ready_cb), tab);
     gtk_container_set_border_width(GTK_CONTAINER(tab->ready_button), 4);
+    g_signal_connect(tab->ready_button, "can-activate-accel", G_CALLBACK(always_reachable),
+                     nullptr);
     add_key(tab->ready_button, GDK_KEY_m, GDK_MOD1_MASK);
     gtk_box_pack_start(GTK_BOX(box), tab->text_widget, TRUE, TRUE, 0);
     gtk_box_pack_start(GTK_BOX(box), tab->ready_button, FALSE, FALSE, 0);
@@ -548,6 +561,8 @@ void refresh(ZelTabEdit *tab)
     go_to(tab, 0);
     if (stays)
         tree_selection_changed_cb(nullptr, tab);
+    if (tab->selected_path != nullptr)
+        gtk_tree_view_scroll_to_cell(view_of(tab), tab->selected_path, nullptr, FALSE, 0, 0);
 }
 
 void filter_anew(ZelTabEdit *tab) { tree_filter_changed_cb(nullptr, tab); }

@@ -57,6 +57,15 @@ void append_text(GtkWidget *view, const char *text)
     gtk_text_buffer_insert(buffer, &end, zel::utf8_shown(text).c_str(), -1);
 }
 
+bool is_blank(GtkTextBuffer *buffer)
+{
+    GtkTextIter at;
+    gtk_text_buffer_get_start_iter(buffer, &at);
+    while (!gtk_text_iter_is_end(&at) && g_unichar_isspace(gtk_text_iter_get_char(&at)))
+        gtk_text_iter_forward_char(&at);
+    return gtk_text_iter_is_end(&at);
+}
+
 void zel_text_changed(GtkTextBuffer *, gpointer dirty)
 {
     if (lang_global.text_lock != 0)
@@ -471,6 +480,16 @@ int text_focused_field(Zeltext *text)
             return number;
     }
     return -1;
+}
+
+const char *text_missing_language(Zeltext *text)
+{
+    for (const int number : {TEXT_TRANS1, TEXT_TRANS2}) {
+        const lang_entry_t *entry = text->*fields[number].entry;
+        if (entry != nullptr && is_blank(buffer_of(text->*fields[number].view)))
+            return entry->lang;
+    }
+    return nullptr;
 }
 
 bool text_focus_field(Zeltext *text, int field)
