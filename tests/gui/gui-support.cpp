@@ -234,6 +234,7 @@ GtkWidget *tool_button(GtkWidget *window, const std::string &tooltip)
 std::string run_editor(const std::string &file, const std::function<void()> &scenario)
 {
     const auto start = [](gpointer data) -> gboolean {
+        g_log_set_default_handler(note_warning, nullptr); // the editor has set its own
         (*static_cast<const std::function<void()> *>(data))();
         lang_global.modified = 0;
         if (mainWin != nullptr)
