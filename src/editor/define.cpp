@@ -37,28 +37,30 @@ struct dialog_state {
     GtkWidget *spin;     // of the what's-new time, or null
     int rows_above;      // widgets of rows_box that stand above the next new language
     bool gone;           // the window has been destroyed
+    bool renamed;        // a language has another name now
 };
 
 const char *text(const char *item) { return zel::ui_text("define", item); }
 
 // Takes over what the entry holds, unless it is what it was filled with: a text that is not UTF-8
-// is shown with replacements and stays as it was.
-void take_entry(GtkWidget *entry, char *&owned)
+// is shown with replacements and stays as it was. True when something changed.
+bool take_entry(GtkWidget *entry, char *&owned)
 {
     const char *typed = gtk_entry_get_text(GTK_ENTRY(entry));
     if (zel::utf8_shown(owned) == typed)
-        return;
+        return false;
     zel::replace_string(owned, zel_strdup(typed));
     lang_global.modified = 1;
+    return true;
 }
 
 // What was typed goes into the source, also into the what's-new time without Return.
-void take_rows(const dialog_state *dialog)
+void take_rows(dialog_state *dialog)
 {
     if (dialog->spin != nullptr)
         gtk_spin_button_update(GTK_SPIN_BUTTON(dialog->spin));
     for (define_row_t *row : zel::each<define_row_t>(defineList)) {
-        take_entry(row->name_entry, row->lang->name);
+        dialog->renamed |= take_entry(row->name_entry, row->lang->name);
         take_entry(row->file_entry, row->lang->file);
     }
 }
@@ -320,7 +322,7 @@ int define_open(GtkWidget *parent, LangSource *source)
     dialog_state dialog{source,  g_main_loop_new(nullptr, FALSE),
                         nullptr, ZEL_POPUP(defineWin)->content_box,
                         nullptr, 0,
-                        false};
+                        false,   false};
     zel::set_accessible_name(defineWin, text("language"));
     build(&dialog);
     g_signal_connect(defineWin, "configure-event", G_CALLBACK(define_configure), nullptr);
@@ -334,5 +336,7 @@ int define_open(GtkWidget *parent, LangSource *source)
     g_main_loop_unref(dialog.loop);
     free_rows();
     defineWin = nullptr;
+    if (dialog.renamed)
+        zel::edit_reload();
     return 0;
 }

@@ -45,6 +45,7 @@ int edit_start(const char *file)
     }
     std::setlocale(LC_NUMERIC, "C");
     zel_tab_edit_get_ctrls(&edit_ctrl);
+    edit_more = zel::tab_edit_more();
     zel::replace_string(def_file, zel_strdup(file));
     const int result = edit();
     zel::replace_string(def_file, nullptr);

@@ -565,6 +565,13 @@ void refresh(ZelTabEdit *tab)
         gtk_tree_view_scroll_to_cell(view_of(tab), tab->selected_path, nullptr, FALSE, 0, 0);
 }
 
+void reload(ZelTabEdit *tab)
+{
+    select_languages(tab);
+    gtk_widget_queue_draw(tab->view);
+    tree_selection_changed_cb(nullptr, tab);
+}
+
 void filter_anew(ZelTabEdit *tab) { tree_filter_changed_cb(nullptr, tab); }
 
 // What all operations on the table share; the name is the operation's own.
@@ -646,3 +653,12 @@ int zel_tab_edit_get_ctrls(edit_ctrl_t *ctrls)
               zel_tab_edit_refresh, zel_tab_edit_whatsnew,      zel_tab_edit_empty};
     return 1;
 }
+
+namespace zel {
+
+edit_more_t tab_edit_more()
+{
+    return {[](GtkWidget *widget) { return on_table(widget, "tab_edit_reload", reload); }};
+}
+
+} // namespace zel

@@ -260,3 +260,28 @@ TEST_F(Hands, SaveAsTakesEveryPathThatNeedsNoEnding)
         EXPECT_EQ(box_of([] { choose_entry("Save as"); }), "Error write file\nOk");
     });
 }
+
+TEST_F(Hands, ARenamedLanguageIsFollowedAtOnce)
+{
+    write_file(source(), four);
+    lang_global.editor_mode = 1;
+    run_editor(source(), [&] {
+        edit_ctrl.last(editWin);
+        translate(panel()->trans1_view, "typed before");
+        answer_next([](GtkWidget *dialog) {
+            gtk_entry_set_text(GTK_ENTRY(find_text(dialog, "german")), "deutsch");
+            press("Close")(dialog);
+        });
+        choose_entry("Setting");
+        EXPECT_STREQ(gtk_tree_view_column_get_title(tab()->lang2_column), "deutsch");
+        EXPECT_EQ(label(panel()->trans2_label), "Translation \"deutsch\"");
+        EXPECT_EQ(identity(), "(4)  g:d") << "one stays where one was";
+        EXPECT_EQ(text_of(panel()->trans1_view), "typed before");
+        GtkTreeIter iter;
+        gchar *text = nullptr;
+        gtk_tree_model_get_iter_first(tab()->sort_model, &iter);
+        gtk_tree_model_get(tab()->sort_model, &iter, COL_LANG2, &text, -1);
+        EXPECT_STREQ(text, " ") << "no text in a language of that name";
+        g_free(text);
+    });
+}
