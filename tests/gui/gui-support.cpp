@@ -247,6 +247,7 @@ std::string run_editor(const std::string &file, const std::function<void()> &sce
     played = false;
     const auto start = [](gpointer data) -> gboolean {
         played = true;
+        g_log_set_default_handler(note_warning, nullptr); // the editor has set its own
         if (const auto &scene = *static_cast<const std::function<void()> *>(data))
             scene();
         lang_global.modified = 0;
