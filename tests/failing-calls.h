@@ -89,7 +89,8 @@ death kill_at(int stop, Function function)
 extern "C" {
 
 ZEL_FAILING(int, rename, (const char *from, const char *to) noexcept, (from, to), -1)
-ZEL_FAILING(int, renameat2, (int at, const char *from, int to_at, const char *to, unsigned how) noexcept,
+ZEL_FAILING(int, renameat2,
+            (int at, const char *from, int to_at, const char *to, unsigned how) noexcept,
             (at, from, to_at, to, how), -1)
 ZEL_FAILING(int, link, (const char *from, const char *to) noexcept, (from, to), -1)
 ZEL_FAILING(int, unlink, (const char *path) noexcept, (path), -1)
@@ -100,7 +101,8 @@ ZEL_FAILING(int, fchown, (int fd, uid_t user, gid_t group) noexcept, (fd, user, 
 ZEL_FAILING(int, lstat, (const char *path, struct stat *status) noexcept, (path, status), -1)
 ZEL_FAILING(std::FILE *, fdopen, (int fd, const char *mode) noexcept, (fd, mode), nullptr)
 ZEL_FAILING(ssize_t, write, (int fd, const void *data, std::size_t size), (fd, data, size), -1)
-ZEL_FAILING(ssize_t, pread, (int fd, void *data, std::size_t size, off_t at), (fd, data, size, at), -1)
+ZEL_FAILING(ssize_t, pread, (int fd, void *data, std::size_t size, off_t at), (fd, data, size, at),
+            -1)
 
 int close(int fd)
 {

@@ -1,15 +1,16 @@
 #include "compiler/entry-table.h"
 
+#include "support/text.h"
+
 #include <algorithm>
 
 namespace {
 
-// ASCII letters alone: what two names of a language have in common is no matter of the locale.
 std::string in_lower_case(std::string_view name)
 {
     std::string lower(name);
     for (char &c : lower)
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+        c = static_cast<char>(zel::lower(c));
     return lower;
 }
 

@@ -3,6 +3,7 @@
 #include "langlib/compiled-file.h"
 #include "support/dir_list.h"
 #include "support/gen_path.h"
+#include "support/text.h"
 
 #include <cstring>
 #include <filesystem>
@@ -15,8 +16,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t name_limit = 2038; // bytes of a language's name; a cut one is another
-
-const char *text_of(const char *text) { return text == nullptr ? "" : text; }
 
 bool has_step_up(std::string_view path)
 {
@@ -69,9 +68,9 @@ void end_once(std::string &path)
 
 zel::language_path path_below(const char *destination, const lang_t *lang)
 {
-    const std::string name = text_of(lang->name);
+    const std::string name = zel::or_empty(lang->name);
     const std::string directory = name + "-edit";
-    const char *file = text_of(lang->file);
+    const char *file = zel::or_empty(lang->file);
     std::vector<char> path(std::strlen(destination) + directory.size() + std::strlen(file) + 8);
     gen_path(path.data(), 0, destination, directory.c_str(), file, nullptr);
     zel::language_path result{path.data(), false};
@@ -93,7 +92,7 @@ language_path path_of_language(const lang_t *lang, const char *destination)
 {
     if (destination != nullptr)
         return path_below(destination, lang);
-    language_path result{text_of(lang->file)};
+    language_path result{zel::or_empty(lang->file)};
     end_once(result.path);
     return result;
 }

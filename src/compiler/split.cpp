@@ -8,6 +8,7 @@
 #include "support/dir_list.h"
 #include "support/log-print.h"
 #include "support/safe-file.h"
+#include "support/text.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -20,8 +21,6 @@
 #include <vector>
 
 namespace {
-
-const char *text_of(const char *text) { return text == nullptr ? "" : text; }
 
 // ---- The files
 
@@ -75,7 +74,7 @@ language_file_ptr open_language(const lang_t *lang, const char *destination,
     auto opened = std::make_unique<language_file>(
         lang, zel::find_target(path.path.c_str(),
                                destination == nullptr ? zel::links::follow : zel::links::replace));
-    const char *file = text_of(lang->file);
+    const char *file = zel::or_empty(lang->file);
     int error = path.is_allowed ? find_obstacle(opened->place) : EACCES;
     if (error == 0)
         error = opened->file.create_beside(opened->place);
@@ -173,8 +172,8 @@ void compiler::append_item(language_file &out, const item_t *item) const
     else if (const lang_entry_t *fallback = entries.find(default_slot))
         append_entry(out.text, item, fallback, true, how.posnr);
     else if (source->default_lang == nullptr)
-        std::printf("WARNING: no entry for lang \"%s\" item \"%s\"\n", text_of(out.lang->name),
-                    text_of(item->name));
+        std::printf("WARNING: no entry for lang \"%s\" item \"%s\"\n",
+                    zel::or_empty(out.lang->name), zel::or_empty(item->name));
 }
 
 void compiler::write_group(const edit_t *group)
@@ -230,7 +229,7 @@ bool compiler::put(zel::compile_answer &answer)
 
 void log_directory(const char *destination)
 {
-    LogPrint(1, "split_file: language directory >%s<\n", text_of(destination));
+    LogPrint(1, "split_file: language directory >%s<\n", zel::or_empty(destination));
     if (destination == nullptr)
         return;
     zel_list *names = dir_list(nullptr, destination, nullptr);
@@ -323,7 +322,8 @@ void close_lang_files(GList *langs)
         if (lang->stream == nullptr)
             continue;
         if (std::fclose(lang->stream) != 0)
-            LogPrint(1, "close_lang_files: ERROR write lang file ->%s<-\n", text_of(lang->file));
+            LogPrint(1, "close_lang_files: ERROR write lang file ->%s<-\n",
+                     zel::or_empty(lang->file));
         lang->stream = nullptr;
     }
 }

@@ -1,15 +1,16 @@
 #include "lex/lex-keyword.h"
 
+#include "support/text.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <strings.h>
 
 namespace {
 
 int compare_words(const zel_lex_t *lex, const char *a, const char *b)
 {
-    return (lex->flags & LEX_KEYWORD_NOCASE) != 0 ? strcasecmp(a, b) : std::strcmp(a, b);
+    return (lex->flags & LEX_KEYWORD_NOCASE) != 0 ? zel::compare_nocase(a, b) : std::strcmp(a, b);
 }
 
 // Letters differ in case by one bit; for a hash it may be dropped from every byte.

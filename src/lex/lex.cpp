@@ -25,6 +25,8 @@ void start_scanner(zel_lex_t *lex, unsigned flags)
     lex->do_numeric = lex_do_numeric;
     lex->buf = nullptr;
     lex->marker_count = 0;
+    lex->out_of_memory = 0;
+    lex->open_comment = 0;
     zel::clear_token(lex->work);
     zel::clear_token(lex->current);
     zel::clear_token(lex->ahead);
@@ -165,6 +167,16 @@ std::uint64_t zel_lex_seek(zel_lex_t *lex, std::uint64_t offset)
     return offset;
 }
 
+int zel_lex_out_of_memory(const zel_lex_t *lex)
+{
+    return lex != nullptr && lex->out_of_memory != 0 ? 1 : 0;
+}
+
+int zel_lex_open_comment(const zel_lex_t *lex)
+{
+    return lex != nullptr && lex->open_comment != 0 ? 1 : 0;
+}
+
 int keyws(zel_lex_t *lex, const char *word)
 {
     return zel::find_keyword(lex, word, std::strlen(word));
@@ -173,6 +185,7 @@ int keyws(zel_lex_t *lex, const char *word)
 void zel_lex_set_buf(zel_lex_t *lex, zel_lex_buf_t *buf)
 {
     lex->buf = buf;
+    lex->open_comment = 0;
     empty_tokens(lex);
 }
 

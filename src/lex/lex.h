@@ -45,5 +45,11 @@ void zel_lex_buf_clear(zel_lex_t *lex, zel_lex_buf_t *buf);
 // Moves the input; returns the offset.
 std::uint64_t zel_lex_seek(zel_lex_t *lex, std::uint64_t offset);
 
+// 1 once the scanner, or a helper that reads from it, has left something of its input out for want
+// of memory; 1 when the input ended inside a block comment (until another buffer is attached). 0
+// for a null scanner.
+int zel_lex_out_of_memory(const zel_lex_t *lex);
+int zel_lex_open_comment(const zel_lex_t *lex);
+
 // The keyword's id, or TOKEN_IDENT.
 int keyws(zel_lex_t *lex, const char *word);

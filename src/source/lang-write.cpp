@@ -5,6 +5,7 @@
 #include "source/quote.h"
 #include "support/log-print.h"
 #include "support/safe-file.h"
+#include "support/text.h"
 
 #include <cerrno>
 #include <cstring>
@@ -256,7 +257,7 @@ write_answer write_source(const char *given, LangSource *source, const write_how
 {
     if (source == nullptr)
         return {};
-    const char *path = given == nullptr ? "" : given;
+    const char *path = or_empty(given);
     const target_file old = find_target(path, links::follow);
     if (old.refusal != 0) {
         std::fprintf(stderr, "lang: %s is no regular file: nothing is written there\n", path);

@@ -3,6 +3,7 @@
 #include "support/log-print.h"
 #include "support/misc-error.h"
 #include "support/string-copy.h"
+#include "support/text.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -257,7 +258,7 @@ void zel_list_free_with_key_val(zel_list *list) { zel_list_free_full(list, zel_l
 // An empty key or value is stored as null and sorts as an empty string.
 static int compare_strings(const char *a, const char *b)
 {
-    return std::strcmp(a == nullptr ? "" : a, b == nullptr ? "" : b);
+    return std::strcmp(zel::or_empty(a), zel::or_empty(b));
 }
 
 int key_val_sort_func_key(const void *a, const void *b)

@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "locales.h"
 #include "working-dir.h"
 
 namespace {
@@ -76,11 +77,9 @@ folder_texts left_by_run(const fs::path &work, const folder_texts &before, const
     return left;
 }
 
-class Cli : public testing::TestWithParam<std::string> {};
-
-TEST_P(Cli, RunsAsExpected)
+void run_case(const std::string &name, const std::string &locale)
 {
-    const fs::path folder = cases_folder / GetParam();
+    const fs::path folder = cases_folder / name;
     const zel_test::temp_dir dir;
     const fs::path work = dir / "work";
     fs::create_directory(work);
@@ -91,9 +90,9 @@ TEST_P(Cli, RunsAsExpected)
 
     const std::string command = "cd '" + work.string() + "' && HOME='" + (dir / "home") +
                                 "' PATH='" + fs::path(LANG_PROGRAM).parent_path().string() +
-                                "':\"$PATH\" DISPLAY= WAYLAND_DISPLAY= LC_ALL=C timeout 60 sh '" +
-                                (folder / "cmd").string() + "' >'" + (dir / "stdout") + "' 2>'" +
-                                (dir / "stderr") + "'";
+                                "':\"$PATH\" DISPLAY= WAYLAND_DISPLAY= LC_ALL=" + locale +
+                                " timeout 60 sh '" + (folder / "cmd").string() + "' >'" +
+                                (dir / "stdout") + "' 2>'" + (dir / "stderr") + "'";
     const time_mask mask;
     const int status = std::system(command.c_str());
     EXPECT_EQ(status, 0) << read_file(dir / "stderr");
@@ -102,10 +101,25 @@ TEST_P(Cli, RunsAsExpected)
     EXPECT_EQ(left_by_run(work, before, mask), texts_of(folder / "out"));
 }
 
+class Cli : public testing::TestWithParam<std::string> {};
+
+TEST_P(Cli, RunsAsExpected) { run_case(GetParam(), "C"); }
+
 INSTANTIATE_TEST_SUITE_P(Cases, Cli, testing::ValuesIn(case_names()), [](const auto &param) {
     std::string name = param.param;
     std::replace(name.begin(), name.end(), '-', '_');
     return name;
 });
+
+TEST(CliLocales, EveryCaseRunsAsExpected)
+{
+    if (!zel_test::find_locales())
+        GTEST_SKIP() << "no localedef or no definitions of locales";
+    for (const zel_test::test_locale &locale : zel_test::test_locales)
+        for (const std::string &name : case_names()) {
+            SCOPED_TRACE(name + " in " + locale.name);
+            run_case(name, locale.name);
+        }
+}
 
 } // namespace
