@@ -121,8 +121,9 @@ void cb_import(GtkWidget *widget, gpointer)
     }
     store_pending_edits();
     std::puts("------------------------- import");
+    const zel::string_guard preset(zel_strdup(def_file)); // the chooser turns its backslashes
     const zel::string_guard path(
-        file_sel_read(widget, zel::ui_text("common", "read file"), nullptr, def_file));
+        file_sel_read(widget, zel::ui_text("common", "read file"), nullptr, preset.get()));
     if (path)
         import_file(widget, path.get());
 }

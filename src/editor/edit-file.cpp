@@ -98,22 +98,34 @@ void write_and_tell(GtkWidget *widget, const char *path)
     }
 }
 
+// The chosen path with the ending of a source, which is added where it is missing; empty when that
+// is longer than a path may be.
+std::string with_ending(const char *chosen)
+{
+    constexpr const char *ending = "lang-src";
+    const bool has_it = g_str_has_suffix(chosen, ".lang-src");
+    std::string path = chosen;
+    path.resize(path.size() + (has_it ? 0 : std::strlen(ending) + 1) + 1);
+    zel_gen_file_name_with_ext(path.data(), ending);
+    path.resize(std::strlen(path.c_str()));
+    return path.size() < path_size ? path : std::string();
+}
+
 void save_under_name(GtkWidget *widget)
 {
-    const zel::string_guard chosen(
-        file_sel_write(widget, zel::ui_text("common", "Save as (*.lang-src)"), nullptr, def_file));
+    // A copy: the chooser turns backslashes, and a later Save must meet the same file.
+    const zel::string_guard preset(zel_strdup(def_file));
+    const zel::string_guard chosen(file_sel_write(
+        widget, zel::ui_text("common", "Save as (*.lang-src)"), nullptr, preset.get()));
     if (!chosen)
         return;
-    constexpr const char *ending = "lang-src";
-    std::array<char, path_size> path{};
-    if (std::strlen(chosen.get()) + std::strlen(ending) + 2 > path.size()) {
+    const std::string path = with_ending(chosen.get());
+    if (path.empty()) {
         zel::message(widget, "status", "Error write file");
         return;
     }
-    std::strcpy(path.data(), chosen.get());
-    zel_gen_file_name_with_ext(path.data(), ending);
     edit_refresh();
-    write_and_tell(widget, path.data());
+    write_and_tell(widget, path.c_str());
 }
 
 // Writes the first output language together with another one.

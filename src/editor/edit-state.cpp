@@ -16,6 +16,7 @@ GtkWidget *empty_menu;
 GtkWidget *empty_tool;
 int empty_lock;
 edit_ctrl_t edit_ctrl;
+edit_more_t edit_more;
 
 void edit_refresh()
 {
@@ -24,6 +25,12 @@ void edit_refresh()
 }
 
 namespace zel {
+
+void edit_reload()
+{
+    if (def_group != nullptr && editWin != nullptr && edit_more.reload != nullptr)
+        edit_more.reload(editWin);
+}
 
 void edit_status(const char *text)
 {

@@ -21,10 +21,14 @@ extern GtkWidget *empty_menu; // the two controls of the untranslated filter
 extern GtkWidget *empty_tool;
 extern int empty_lock; // set while one of them is made to follow the other
 
-// Shows the source's texts anew in the table; nothing without a source or a table.
+// Shows the source's texts anew in the table, its first row selected; nothing without a source or a
+// table.
 void edit_refresh();
 
 namespace zel {
+
+// The same with the row that is selected.
+void edit_reload();
 
 // The status line; null empties it.
 void edit_status(const char *text);

@@ -2,6 +2,7 @@
 
 #include "app/global.h"
 #include "config/ini.h"
+#include "editor/accessible.h"
 #include "editor/edit-actions.h"
 #include "editor/edit-file.h"
 #include "editor/edit-menus.h"
@@ -29,11 +30,6 @@ constexpr info_row info_rows[] = {
     {"File:", &lang_global_t::file_label, PANGO_ELLIPSIZE_MIDDLE},
     {"Export path:", &lang_global_t::export_path_label, PANGO_ELLIPSIZE_MIDDLE},
 };
-
-void set_accessible_name(GtkWidget *widget, const char *name)
-{
-    atk_object_set_name(gtk_widget_get_accessible(widget), name);
-}
 
 // The icon of the user's theme, else the one among the program's data.
 void set_icon()
@@ -114,7 +110,7 @@ GtkWidget *make_notebook()
 
     lang_global.shot_window = gtk_scrolled_window_new(nullptr, nullptr);
     lang_global.shot_tab_label = gtk_label_new(zel::ui_text("common", "Screen Shot"));
-    set_accessible_name(lang_global.shot_window, zel::ui_text("common", "Screen Shot"));
+    zel::set_accessible_name(lang_global.shot_window, zel::ui_text("common", "Screen Shot"));
     gtk_notebook_append_page(GTK_NOTEBOOK(notebook), lang_global.shot_window,
                              lang_global.shot_tab_label);
     return notebook;
@@ -128,7 +124,7 @@ GtkWidget *make_status_frame()
     gtk_container_set_border_width(GTK_CONTAINER(frame), 2);
     gtk_editable_set_editable(GTK_EDITABLE(statusWin), FALSE);
     gtk_widget_set_name(statusWin, "status");
-    set_accessible_name(statusWin, "Status");
+    zel::set_accessible_name(statusWin, "Status");
     gtk_container_add(GTK_CONTAINER(frame), statusWin);
     return frame;
 }

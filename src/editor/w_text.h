@@ -86,4 +86,8 @@ int text_focused_field(Zeltext *text);
 // Gives a field the keyboard, with the caret behind its text; false when it is not shown.
 bool text_focus_field(Zeltext *text, int field);
 
+// The first shown language whose translation, as it stands in its field, is blank; null when there
+// is none. Belongs to the source.
+const char *text_missing_language(Zeltext *text);
+
 } // namespace zel

@@ -1,6 +1,7 @@
-#include "cli/memory.h"
+#include "app/memory.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -14,6 +15,8 @@
 #include <unistd.h>
 
 namespace {
+
+using namespace std::string_view_literals;
 
 constexpr int first_block = 1024 * 1024;
 constexpr int smallest = 16 * first_block;
@@ -42,17 +45,29 @@ bool grow_heap(int size)
     return sbrk(0) != before;
 }
 
-void say_and_end(std::string_view line)
+const char *program_name = "";
+int end_status;
+
+void end_for_new()
 {
     std::fflush(stdout);
-    static_cast<void>(!write(STDERR_FILENO, line.data(), line.size()));
-    _exit(0);
+    for (const std::string_view part : {std::string_view(program_name), ": not enough memory\n"sv})
+        static_cast<void>(!write(STDERR_FILENO, part.data(), part.size()));
+    _exit(end_status);
 }
-
-void end_for_new() { say_and_end("lang: not enough memory\n"); }
 
 // The only error that GLib itself ends a process for, in what the program asks of it.
 void end_for_glib(const char *, GLogLevelFlags, const char *, void *) { end_for_new(); }
+
+// GLib's allocator of small pieces says what it lacks and aborts. Any other abort goes on as usual.
+void end_for_abort(int)
+{
+    constexpr std::size_t some = 1024 * 1024;
+    void *area = mmap(nullptr, some, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (area == MAP_FAILED)
+        _exit(end_status);
+    munmap(area, some);
+}
 
 } // namespace
 
@@ -79,9 +94,15 @@ void prepare_heap()
         madvise(reinterpret_cast<void *>(from), to - from, MADV_HUGEPAGE);
 }
 
-void end_without_memory()
+void end_without_memory(const char *program, int status)
 {
+    program_name = program;
+    end_status = status;
     std::set_new_handler(end_for_new);
+    struct sigaction action {};
+    action.sa_handler = end_for_abort;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    sigaction(SIGABRT, &action, nullptr);
     const auto fatal =
         static_cast<GLogLevelFlags>(G_LOG_LEVEL_ERROR | G_LOG_FLAG_FATAL | G_LOG_FLAG_RECURSION);
     g_log_set_handler("GLib", fatal, end_for_glib, nullptr);

@@ -1,4 +1,4 @@
-#include "cli/terminal.h"
+#include "app/terminal.h"
 
 #include <array>
 #include <cerrno>

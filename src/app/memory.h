@@ -1,0 +1,14 @@
+#pragma once
+
+// The program's memory: how the heap grows, and how the program ends without it.
+
+namespace zel {
+
+// Lays the heap on large pages, as much of it as the system and the user's limits allow.
+void prepare_heap();
+
+// From now on an allocation that cannot fail quietly ends the program with that status and one line
+// on standard error that names it, before anything more is written. The name is kept, not copied.
+void end_without_memory(const char *program, int status);
+
+} // namespace zel

@@ -1,0 +1,12 @@
+#include "app/memory.h"
+#include "app/terminal.h"
+#include "kit/words.h"
+
+int main(int argc, char **argv)
+{
+    zel::open_missing_streams();
+    zel::prepare_heap();
+    zel::end_without_memory("lang-kit", zel::kit::status_fault);
+    zel::escape_on_terminals();
+    return zel::kit::run(argc, argv);
+}

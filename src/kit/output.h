@@ -1,0 +1,21 @@
+#pragma once
+
+// Forms that several words print.
+
+#include <string>
+#include <string_view>
+
+namespace zel::kit {
+
+// Appends a JSON string with its quotes; bytes that are no UTF-8 become U+FFFD each. Null: null.
+void append_json(std::string &out, std::string_view text);
+void append_json(std::string &out, const char *text);
+
+// A number with a comma between its thousands.
+std::string with_commas(std::size_t number);
+
+// What stands in a message for a text: on one line, in double quotes, with the escapes of sources,
+// cut in the middle where it is very long.
+std::string shown(std::string_view text);
+
+} // namespace zel::kit

@@ -1,0 +1,27 @@
+#pragma once
+
+// Language sources as the words read and write them.
+
+#include <string>
+#include <vector>
+
+#include "source/lang-read.h"
+#include "source/model.h"
+
+namespace zel::kit {
+
+// Reads a source. Every message of the reader is one line on standard error with its place,
+// "FILE:LINE:COLUMN: error: MEANING [syntax]". Null when it cannot be read.
+source_guard read(const std::string &path, source_places *places = nullptr);
+
+// Where a changed source goes.
+struct destination {
+    std::string path;     // the file that is replaced
+    bool dry_run = false; // nothing is written
+};
+
+// Writes a source as the editor does: safely, a file that is there is kept under its date. False
+// after a line on standard error.
+bool write(const destination &to, LangSource *source);
+
+} // namespace zel::kit

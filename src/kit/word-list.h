@@ -1,0 +1,11 @@
+#pragma once
+
+// What each word's file defines.
+
+#include "kit/word.h"
+
+namespace zel::kit {
+
+int run_start(const word &self, int argc, char **argv);
+
+} // namespace zel::kit

@@ -1,0 +1,71 @@
+#include "kit/words.h"
+
+#include "kit/word-list.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <string_view>
+
+namespace zel::kit {
+
+namespace {
+
+// In the order in which the help shows them.
+constexpr word table[] = {
+    {"start", "[--default NAME] [--language NAME]... FILE",
+     "begin an empty language source with its languages", run_start},
+};
+
+void print_help()
+{
+    std::puts("usage: lang-kit WORD [OPTION...] FILE...\n\n"
+              "The companion of lang for build servers, version control and exchange.\n");
+    for (const word &row : table)
+        std::printf("  %-8s  %s\n", row.name, row.summary);
+    std::puts(
+        "\nlang-kit WORD --help tells the options of a word. Results go to standard output,\n"
+        "messages to standard error. The status is 0 when all is fine, 1 for findings,\n"
+        "differences or conflicts, 2 for wrong use or a file that cannot be read or written.");
+}
+
+int run_word(int argc, char **argv)
+{
+    if (argc < 2) {
+        std::fputs("lang-kit: a word is missing; lang-kit --help shows them\n", stderr);
+        return status_fault;
+    }
+    const std::string_view name = argv[1];
+    if (name == "--help") {
+        print_help();
+        return status_fine;
+    }
+    if (name == "--version") {
+        std::puts("lang-kit " LANG_VERSION);
+        return status_fine;
+    }
+    const word *found = std::find_if(std::begin(table), std::end(table),
+                                     [&](const word &row) { return row.name == name; });
+    if (found == std::end(table)) {
+        std::fprintf(stderr, "lang-kit: unknown %s \"%s\"; lang-kit --help shows them\n",
+                     name.starts_with("-") ? "option" : "word", argv[1]);
+        return status_fault;
+    }
+    return found->run(*found, argc - 1, argv + 1);
+}
+
+} // namespace
+
+std::span<const word> words() { return table; }
+
+int run(int argc, char **argv)
+{
+    const int status = run_word(argc, argv);
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0)
+        return status;
+    std::fprintf(stderr, "lang-kit: standard output: %s\n", std::strerror(errno));
+    return status_fault;
+}
+
+} // namespace zel::kit
