@@ -66,7 +66,7 @@ protected:
     template <class Scenario>
     static void fail_everywhere(Scenario &&scenario)
     {
-        scenario(); // what is made once in a process is there now
+        scenario();
         for (const bool forever : {false, true}) {
             std::size_t n = 0;
             do {
@@ -77,7 +77,8 @@ protected:
                     const zel_test::failing_memory memory(n, forever);
                     scenario();
                 }
-                EXPECT_EQ(complaint, nullptr) << complaint << ", allocation " << n;
+                EXPECT_TRUE(complaint == nullptr) << complaint << ", allocation " << n;
+                scenario(); // what the system's library keeps is there again
                 EXPECT_EQ(zel_test::blocks_in_use(), before) << "leak, allocation " << n;
             } while (zel_test::memory_has_failed() && !HasFailure());
             EXPECT_GT(n, 5U) << "as if there were nothing to allocate";
@@ -96,8 +97,8 @@ void write_compiled_files()
                        "\"d\" { default \"1:\" \"stand-in\" } \"long\" { \"";
     text += std::string(20000, 'l') + "\" \"" + std::string(9000, 'm') + "\" } GROUP \"" +
             std::string(6000, 'g') + "\" ";
-    for (int i = 0; i < 300; ++i)
-        text += "\"item " + std::to_string(i) + "\" { \"text " + std::to_string(i) + "\" }\n";
+    for (int i = 0; i < 4; ++i)
+        text += "\"item " + std::to_string(i) + "\" { \"" + std::string(3000, 't') + "\" }\n";
     std::filesystem::create_directory("texts");
     zel_test::write_file("texts/a.lang", text);
     zel_test::write_file("texts/b.lang", "GROUP h x { \"1\" }");
@@ -258,11 +259,11 @@ TEST_F(Faults, SmallHelpers)
         zel_file_mem_t *mem = zel_file_mem_append(nullptr, "0123456789", -1);
         const std::int64_t size = zel_file_mem_size(mem);
         mem = zel_file_mem_append(mem, "0123456789", -1);
-        expect(mem == nullptr || zel_file_mem_size(mem) == 20 || mem->error == 1,
-               "a piece is lost");
+        expect(size == 0 || zel_file_mem_size(mem) == 20 || mem->error == 1, "a piece is lost");
         expect(zel_file_mem_size(mem) >= size, "data is lost");
         zel_file_mem_free(mem);
-        expect_new(_zel_str_add(zel_strdup("a"), "b", "f", 1), "ab", "a", "a grown string");
+        if (char *owned = zel_strdup("a"))
+            expect_new(_zel_str_add(owned, "b", "f", 1), "ab", "a", "a grown string");
         expect_new(_zel_strdup_add("a", "b"), "ab", "ab", "two strings");
         expect_new(zel_strdup_printf("%d", 7), "7", "7", "a formatted string");
     });
