@@ -72,44 +72,6 @@ using name_buffer = char[NAME_SIZE];
 // Every level of strings inside strings needs a longer text around it; deeper ones are no scripts.
 constexpr unsigned MAX_STRING_DEPTH = 64;
 
-// Every file, and many a string literal in one, has a scanner of its own. Those that are done wait
-// here with their areas for the next.
-struct scanner_pool {
-    std::array<zel_lex_t *, 4> idle{};
-    std::size_t count = 0;
-
-    scanner_pool() = default;
-    scanner_pool(const scanner_pool &) = delete;
-    scanner_pool &operator=(const scanner_pool &) = delete;
-    ~scanner_pool()
-    {
-        while (count > 0)
-            _zel_lex_free(idle[--count]);
-    }
-};
-scanner_pool pool;
-
-zel_lex_t *take_scanner()
-{
-    return pool.count > 0 ? pool.idle[--pool.count] : zel::new_check_scanner();
-}
-
-// One that has grown for a long text is not hoarded.
-void give_back_scanner(zel_lex_t *lex)
-{
-    const auto is_small = [](const zel_token_t *token) {
-        return token->capacity == ZEL_LEX_LEXEME;
-    };
-    if (pool.count == pool.idle.size() || !is_small(lex->work) || !is_small(lex->current) ||
-        !is_small(lex->ahead)) {
-        _zel_lex_free(lex);
-        return;
-    }
-    zel::renew_scanner(lex);
-    pool.idle[pool.count++] = lex;
-}
-using scanner_guard = std::unique_ptr<zel_lex_t, zel::release<give_back_scanner>>;
-
 // What one file's scan carries along.
 struct scan {
     zel::item_index &index;
@@ -362,12 +324,38 @@ bool may_hold_request(const char *text)
     return mark != nullptr && (std::strpbrk(mark, "\"\r") != nullptr || strcasestr(text, "lang"));
 }
 
+// The scanners that no text needs at the moment. Every file and every literal that may be a script
+// takes one, and making it anew would cost more than scanning most of them.
+struct idle_scanners {
+    std::array<zel_lex_t *, 4> kept;
+    std::size_t count;
+};
+idle_scanners idle;
+
+void keep_scanner(zel_lex_t *lex) noexcept
+{
+    const auto is_small = [](const zel_token_t *token) {
+        return token->capacity == ZEL_LEX_LEXEME; // none hoards one text's room
+    };
+    if (idle.count == idle.kept.size() || !is_small(lex->work) || !is_small(lex->current) ||
+        !is_small(lex->ahead))
+        return _zel_lex_free(lex);
+    zel::restart_scanner(lex);
+    idle.kept[idle.count++] = lex;
+}
+using kept_lex_guard = std::unique_ptr<zel_lex_t, zel::release<keep_scanner>>;
+
+kept_lex_guard take_scanner()
+{
+    return kept_lex_guard(idle.count != 0 ? idle.kept[--idle.count] : zel::new_check_scanner());
+}
+
 // The text of a string literal may be a script with requests of its own.
 int read_text(const scan &s, const char *text)
 {
     if (s.string_depth == MAX_STRING_DEPTH || !may_hold_request(text))
         return 0;
-    const scanner_guard lex(take_scanner());
+    const kept_lex_guard lex = take_scanner();
     if (lex == nullptr) {
         std::puts("ERROR(5): unable to init string lexical scanner");
         return -1;
@@ -482,7 +470,7 @@ int check_file(item_index &index, const char *path, std::int64_t now)
 {
     const char *shown = path == nullptr ? "(null)" : path;
     std::printf("check c file >%s<\n", shown);
-    const scanner_guard lex(take_scanner());
+    const kept_lex_guard lex = take_scanner();
     if (lex == nullptr) {
         std::puts("ERROR(2): unable to init lexical scanner");
         return -1;

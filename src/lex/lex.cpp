@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -21,16 +22,6 @@ void start_scanner(zel_lex_t *lex, unsigned flags)
     zel::clear_token(lex->current);
     zel::clear_token(lex->ahead);
 }
-
-void destroy_scanner(zel_lex_t *lex) noexcept
-{
-    lex_token_free(lex->work);
-    lex_token_free(lex->current);
-    lex_token_free(lex->ahead);
-    std::free(lex->keywords);
-    std::free(lex);
-}
-using new_lex_guard = std::unique_ptr<zel_lex_t, zel::release<destroy_scanner>>;
 
 void release_marker_files(zel_lex_t *lex)
 {
@@ -52,7 +43,7 @@ void empty_tokens(zel_lex_t *lex)
 
 zel_lex_t *zel_lex_new(const Keytab *table, unsigned flags)
 {
-    new_lex_guard lex(static_cast<zel_lex_t *>(std::calloc(1, sizeof(zel_lex_t))));
+    zel_lex_guard lex(static_cast<zel_lex_t *>(std::calloc(1, sizeof(zel_lex_t))));
     if (!lex)
         return nullptr;
     lex->flags = flags;
@@ -71,12 +62,16 @@ void _zel_lex_free(zel_lex_t *lex)
     if (lex == nullptr)
         return;
     release_marker_files(lex);
-    destroy_scanner(lex);
+    lex_token_free(lex->work);
+    lex_token_free(lex->current);
+    lex_token_free(lex->ahead);
+    std::free(lex->keywords);
+    std::free(lex);
 }
 
 namespace zel {
 
-void renew_scanner(zel_lex_t *lex)
+void restart_scanner(zel_lex_t *lex)
 {
     release_marker_files(lex);
     start_scanner(lex, lex->flags);

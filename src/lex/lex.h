@@ -20,8 +20,9 @@ using zel_lex_guard = std::unique_ptr<zel_lex_t, zel::release<_zel_lex_free>>;
 
 namespace zel {
 
-// Makes a used scanner as good as a new one with the same words and flags: cheaper than another.
-void renew_scanner(zel_lex_t *lex);
+// Makes a scanner as it was when it was new, without a buffer; its words, flags, and the room of
+// its tokens stay. For clients that need one for each of many small texts.
+void restart_scanner(zel_lex_t *lex);
 
 } // namespace zel
 

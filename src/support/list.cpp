@@ -235,11 +235,14 @@ void zel_list_debug_info()
 key_val *key_val_new(const char *key, const char *val)
 {
     auto *record = static_cast<key_val *>(std::calloc(1, sizeof(key_val)));
-    if (record != nullptr) {
-        record->key = zel_strdup(key);
-        record->val = zel_strdup(val);
-    }
-    return record;
+    if (record == nullptr)
+        return nullptr;
+    record->key = zel_strdup(key);
+    record->val = zel_strdup(val);
+    if (zel::is_copy(record->key, key) && zel::is_copy(record->val, val))
+        return record;
+    key_val_free(record);
+    return nullptr;
 }
 
 void key_val_free(key_val *record)
