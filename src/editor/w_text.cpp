@@ -3,6 +3,7 @@
 #include "app/global.h"
 #include "editor/accessible.h"
 #include "editor/operation.h"
+#include "editor/text-pieces.h"
 #include "editor/ui-text.h"
 #include "source/misc.h"
 #include "support/log-print.h"
@@ -94,6 +95,7 @@ GtkWidget *make_text_view(int height)
     gtk_text_view_set_right_margin(text_view, margin);
     gtk_text_view_set_pixels_above_lines(text_view, 2);
     gtk_text_view_set_accepts_tab(text_view, FALSE);
+    zel::keep_in_pieces(gtk_text_view_get_buffer(text_view));
     gtk_widget_set_size_request(view, -1, height);
     return view;
 }
