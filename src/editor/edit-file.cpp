@@ -87,10 +87,16 @@ void clear_output_langs()
     zel::replace_string(lang_global.output_lang_2, nullptr);
 }
 
+bool write_source(const char *path)
+{
+    const zel::source_to_write whole;
+    return lang_write_file(path, def_group) == 0;
+}
+
 // Writes the source and says how it went; only then are there no changes left.
 void write_and_tell(GtkWidget *widget, const char *path)
 {
-    if (lang_write_file(path, def_group) == 0) {
+    if (write_source(path)) {
         lang_global.modified = 0;
         zel::message(mainWin, "status", "Write file successfull");
     } else {
@@ -136,7 +142,7 @@ bool write_pair(const char *folder, const char *date, const char *other)
     const int length = std::snprintf(path.data(), path.size(), "%s/%s-%s-%s-out.lang-src", folder,
                                      date, lang_global.output_lang_1, lang_global.output_lang_2);
     return length > 0 && static_cast<std::size_t>(length) < path.size() &&
-           lang_write_file(path.data(), def_group) == 0;
+           write_source(path.data());
 }
 
 void save_pairs(GtkWidget *widget)

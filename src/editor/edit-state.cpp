@@ -32,6 +32,18 @@ void edit_reload()
         edit_more.reload(editWin);
 }
 
+source_to_write::source_to_write()
+{
+    if (editWin != nullptr && edit_more.put_away != nullptr)
+        edit_more.put_away(editWin);
+}
+
+source_to_write::~source_to_write()
+{
+    if (editWin != nullptr && edit_more.bring_back != nullptr)
+        edit_more.bring_back(editWin);
+}
+
 void edit_status(const char *text)
 {
     if (statusWin != nullptr)

@@ -30,6 +30,16 @@ namespace zel {
 // The same with the row that is selected.
 void edit_reload();
 
+// The source as it is to be written, for the life of a scope: without the entries that only looking
+// at the selected item has made.
+class source_to_write {
+public:
+    source_to_write();
+    ~source_to_write();
+    source_to_write(const source_to_write &) = delete;
+    source_to_write &operator=(const source_to_write &) = delete;
+};
+
 // The status line; null empties it.
 void edit_status(const char *text);
 
