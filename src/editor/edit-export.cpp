@@ -88,7 +88,7 @@ void import_file(GtkWidget *widget, const char *path)
         zel::status_and_message(widget, "common", "status", "ERROR: Import file");
         return;
     }
-    lang_global.modified = 1;
+    zel::edit_set_modified(true);
     const zel::flag_guard importing(lang_global.importing);
     edit_refresh();
 }

@@ -5,6 +5,7 @@
 #include "editor/dir_file_sel.h"
 #include "editor/edit-ask.h"
 #include "editor/edit-state.h"
+#include "editor/read-report.h"
 #include "editor/ui-text.h"
 #include "source/lang-read.h"
 #include "source/lang-write.h"
@@ -97,7 +98,7 @@ bool write_source(const char *path)
 void write_and_tell(GtkWidget *widget, const char *path)
 {
     if (write_source(path)) {
-        lang_global.modified = 0;
+        zel::edit_set_modified(false);
         zel::message(mainWin, "status", "Write file successfull");
     } else {
         zel::message(widget, "status", "Error write file");
@@ -198,7 +199,7 @@ void cb_open(GtkWidget *widget, gpointer)
     }
     zel::edit_show_source();
     show_source_values();
-    lang_global.modified = 0;
+    zel::edit_set_modified(false);
 }
 
 void cb_save(GtkWidget *widget, gpointer)
@@ -265,10 +266,15 @@ namespace zel {
 bool edit_read_source()
 {
     note_source_directory(def_file);
-    read_answer answer =
-        read_source(def_file, {lang_global.start_time, print_read_message, nullptr});
+    read_report report(def_file);
+    const auto listener = [&report](const read_message &message) {
+        print_read_message(message);
+        report.hear(message);
+    };
+    read_answer answer = read_source(def_file, {lang_global.start_time, listener, nullptr});
     if (answer.result == read_result::stopped)
         say_stopped();
+    edit_status(report.text(answer).c_str());
     def_group = answer.source.release();
     return def_group != nullptr;
 }

@@ -12,6 +12,7 @@ extern GtkWidget *mainWin;         // the top-level window
 extern GtkWidget *editBox;         // the "Language Edit" page
 extern GtkWidget *editWin;         // the item table in it, or null
 extern GtkWidget *statusWin;       // the one-line entry at the bottom
+extern GtkWidget *changed_sign;    // beside it, seen while the source has unsaved changes
 extern GtkAccelGroup *accel_group; // the window's keys; the item table adds its own
 
 extern char *def_file;        // path of the current source, owned, or null
@@ -42,6 +43,9 @@ public:
 
 // The status line; null empties it.
 void edit_status(const char *text);
+
+// Whether the source has changes that were not saved: lang_global's modified, and the sign of it.
+void edit_set_modified(bool modified);
 
 // The value beside "Export path:"; null empties it.
 void edit_show_export_path(const char *path);

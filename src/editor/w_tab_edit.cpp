@@ -98,7 +98,7 @@ void change_ready_cb(GtkToggleButton *button, gpointer data)
     const zel::tab_row *row = selected_row(tab, &number);
     if (row == nullptr)
         return;
-    lang_global.modified = 1;
+    zel::edit_set_modified(true);
     row->item->ready = gtk_toggle_button_get_active(button);
     ready_changed(tab, number);
     if (row->item->ready != 0)

@@ -2,6 +2,7 @@
 
 #include "app/global.h"
 #include "editor/accessible.h"
+#include "editor/edit-state.h"
 #include "editor/operation.h"
 #include "editor/text-pieces.h"
 #include "editor/ui-text.h"
@@ -72,7 +73,7 @@ void zel_text_changed(GtkTextBuffer *, gpointer dirty)
     if (lang_global.text_lock != 0)
         return;
     *static_cast<int *>(dirty) = 1;
-    lang_global.modified = 1;
+    zel::edit_set_modified(true);
 }
 
 // --- Construction ------------------------------------------------------------------------------
