@@ -48,6 +48,12 @@ private:
 
 } // namespace
 
+std::string_view description_of(const item_t *item)
+{
+    const std::string_view text = or_empty(item->description);
+    return text == "none" ? std::string_view() : text;
+}
+
 void append_lines(std::string &out, GList *lines)
 {
     for (const char *line : each<char>(lines))

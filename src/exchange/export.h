@@ -77,6 +77,9 @@ using texts_writer = void (*)(exporter &from, std::vector<outgoing_file> &to);
 
 inline std::string_view or_empty(const char *text) { return text == nullptr ? "" : text; }
 
+// The item's description; the writer of sources stores none as "none".
+std::string_view description_of(const item_t *item);
+
 // A text in one piece; a null list is an empty text.
 void append_lines(std::string &out, GList *lines);
 

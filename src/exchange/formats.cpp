@@ -1,5 +1,7 @@
 #include "exchange/formats.h"
 
+#include "exchange/csv.h"
+#include "exchange/json.h"
 #include "exchange/po.h"
 
 #include <algorithm>
@@ -10,6 +12,8 @@ namespace {
 
 constexpr format table[] = {
     {"po", ".po", files::per_language, write_po, read_po},
+    {"csv", ".csv", files::one, write_csv, read_csv},
+    {"json", ".json", files::one, write_json, nullptr},
 };
 
 const format *format_of_path(std::string_view path)

@@ -19,11 +19,13 @@ struct format {
     files writes;
     texts_writer write;
     texts_reader read; // null for one that holds a whole source, not texts (exchange/json.h)
+
+    bool is_whole() const { return read == nullptr; }
 };
 
 std::span<const format> formats();
 std::vector<const char *> format_names();
-inline constexpr char format_help[] = "po";
+inline constexpr char format_help[] = "po, csv or json";
 const format *find_format(std::string_view name); // null when there is none
 
 // Reads all texts of a file, for whoever looks among them: the format is known by its name, or for

@@ -138,8 +138,10 @@ const char *importer::language_of(const file_texts &file, const text_unit &unit,
 fault importer::take(const format &row, const std::string &path, std::string_view bytes)
 {
     resolved_.clear();
+    // A file of all languages says nothing by its own name.
+    const std::string_view named = row.writes == files::per_language ? path : std::string_view();
     return row.read(bytes, encoding_of(*source_), [&](const file_texts &file, text_unit &unit) {
-        if (const char *language = language_of(file, unit, path))
+        if (const char *language = language_of(file, unit, named))
             take_unit(language, unit);
     });
 }

@@ -98,8 +98,7 @@ struct shared_parts {
 void shared_parts::fill(const outgoing_item &from)
 {
     remarks.clear();
-    if (from.item->description != nullptr && std::strcmp(from.item->description, "none") != 0)
-        append_remark(remarks, {}, from.item->description);
+    append_remark(remarks, {}, description_of(from.item));
     references.clear();
     std::vector<std::string> places;
     for (const char *place : each<char>(from.item->used_in))

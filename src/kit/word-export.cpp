@@ -95,12 +95,14 @@ int run_export(const word &self, int argc, char **argv)
     if (chosen < 0)
         return status_fault;
     const exchange::format &row = exchange::formats()[static_cast<std::size_t>(chosen)];
+    if (row.is_whole() && !request.languages.empty())
+        return wrong_use(self, "--language is not for whole sources");
     const source_guard source = read(line.files.front());
     if (!source)
         return status_fault;
     request.source = source.get();
     exchange::exporter from(request);
-    if (from.wrong()) {
+    if (from.wrong() && !row.is_whole()) {
         std::fprintf(stderr, "lang-kit: %s: %s\n", line.files.front().c_str(),
                      from.wrong().text.c_str());
         return status_fault;

@@ -1,11 +1,15 @@
 #include "exchange/import.h"
+#include "exchange/json.h"
 #include "exchange/key.h"
 #include "kit/options.h"
 #include "kit/output.h"
 #include "kit/sources.h"
+#include "kit/whole-source.h"
 #include "kit/word-list.h"
 
 #include <cstdio>
+#include <ctime>
+#include <unistd.h>
 
 namespace zel::kit {
 
@@ -87,6 +91,27 @@ bool take_file(const exchange::format &row, const std::string &path, exchange::i
     return !wrong;
 }
 
+// A format of whole sources: the file takes the place of the source, which need not be there.
+int take_whole(const import_options &options, const std::vector<std::string> &files)
+{
+    source_guard before;
+    if (access(files[0].c_str(), F_OK) == 0 && !(before = read(files[0])))
+        return status_fault;
+    std::string bytes;
+    exchange::fault wrong = exchange::read_input(files[1], bytes);
+    source_guard source;
+    if (!wrong)
+        source = exchange::read_json(bytes, std::time(nullptr), wrong);
+    if (!source) {
+        say_fault(files[1], wrong);
+        return status_fault;
+    }
+    if (!print_differences(before.get(), source.get()) && options.output.empty())
+        return status_fine;
+    const std::string &to = options.output.empty() ? files[0] : options.output;
+    return write({to, options.dry_run}, source.get()) ? status_fine : status_fault;
+}
+
 int take_files(const exchange::format &row, import_options &options,
                const std::vector<std::string> &files)
 {
@@ -134,7 +159,14 @@ int run_import(const word &self, int argc, char **argv)
     const int at = choose(self, "format", options.format_name, exchange::format_names());
     if (at < 0)
         return status_fault;
-    return take_files(exchange::formats()[static_cast<std::size_t>(at)], options, line.files);
+    const exchange::format &row = exchange::formats()[static_cast<std::size_t>(at)];
+    if (!row.is_whole())
+        return take_files(row, options, line.files);
+    if (options.request.comments || options.request.guesses || !options.request.language.empty())
+        return wrong_use(self, "--comments, --fuzzy and --language are not for whole sources");
+    if (line.files.size() != 2)
+        return wrong_use(self, "one file too many: \"" + line.files[2] + "\"");
+    return take_whole(options, line.files);
 }
 
 } // namespace zel::kit
