@@ -141,11 +141,12 @@ bool xliff_reader::open_root()
 
 void xliff_reader::open_unit()
 {
-    const std::string id = attribute("id");
-    std::string key;
+    std::string key = attribute("id");
     unit.group.clear();
     unit.item.clear();
-    unit.keyed = (version == 1 ? !(key = id).empty() : read_xliff_id(id, key)) &&
+    if (version == 1)
+        uncarry(key, encoding::any);
+    unit.keyed = (version == 1 || read_xliff_id(attribute("id"), key)) &&
                  split_key(key, unit.group, unit.item);
     unit.line = static_cast<std::uint32_t>(xmlTextReaderGetParserLineNumber(xml));
     unit.reference.clear();
@@ -352,7 +353,7 @@ fault read_xliff(std::string_view bytes, encoding good, const text_listener &hea
         return {1, "a document type, which may bring texts from elsewhere"};
     // No entity is expanded, nothing is loaded, and the limits of the library hold.
     const xml_guard xml(xmlReaderForMemory(bytes.data(), static_cast<int>(bytes.size()), nullptr,
-                                           "UTF-8", XML_PARSE_NONET | XML_PARSE_COMPACT));
+                                           "UTF-8", XML_PARSE_NONET | XML_PARSE_IGNORE_ENC));
     if (!xml)
         return {0, "not enough memory"};
     xliff_reader reader(xml.get(), good, hear);
