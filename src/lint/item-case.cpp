@@ -1,0 +1,22 @@
+#include "lint/item-case.h"
+
+#include <strings.h>
+
+namespace zel::lint {
+
+bool same_language(const char *a, const char *b)
+{
+    return strcasecmp(a == nullptr ? "" : a, b == nullptr ? "" : b) == 0;
+}
+
+std::size_t find_language(std::span<const language> languages, const char *name, std::size_t guess)
+{
+    if (guess < languages.size() && same_language(languages[guess].name, name))
+        return guess;
+    std::size_t i = 0;
+    while (i < languages.size() && !same_language(languages[i].name, name))
+        ++i;
+    return i;
+}
+
+} // namespace zel::lint
