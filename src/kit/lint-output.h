@@ -30,7 +30,9 @@ public:
     virtual void end() {}
 };
 
-// Prints to standard output. The names are those of --format; an unknown one is null.
-std::unique_ptr<lint_output> make_lint_output(std::string_view format);
+// The names of the forms, and one of them by its position among those; it prints to standard
+// output.
+std::vector<const char *> lint_formats();
+std::unique_ptr<lint_output> make_lint_output(int format);
 
 } // namespace zel::kit

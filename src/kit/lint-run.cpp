@@ -1,6 +1,7 @@
 #include "kit/lint-run.h"
 
 #include "kit/progress.h"
+#include "kit/sources.h"
 #include "lint/conflict.h"
 #include "support/file_mem.h"
 
@@ -19,6 +20,8 @@ bool is_before(place a, place b)
 }
 
 } // namespace
+
+lint_source::~lint_source() { keep_to_the_end(std::move(answer_.source)); }
 
 // The markers say better than the reader's messages what is wrong.
 void lint_source::take_markers()

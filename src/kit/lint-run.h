@@ -17,6 +17,11 @@ using shown_listener = std::function<void(const shown_finding &)>;
 // marker of version control is named as one.
 class lint_source {
 public:
+    lint_source() = default;
+    ~lint_source(); // the source itself stays to the end of the process
+    lint_source(const lint_source &) = delete;
+    lint_source &operator=(const lint_source &) = delete;
+
     // False after a line on standard error: the file cannot be opened or read through.
     bool read(const std::string &path);
 

@@ -97,11 +97,14 @@ int run_lint(const word &self, int argc, char **argv)
         print_rules();
         return status_fine;
     }
+    const int format = choose(self, "format", given.format, lint_formats());
     const int fail_on = choose(self, "fail-on", given.fail_on, {"error", "warning", "info"});
     lint::choice wanted;
-    if (fail_on < 0 || !choose(self, given, wanted))
+    if (format < 0 || fail_on < 0 || !choose(self, given, wanted))
         return status_fault;
-    const std::unique_ptr<lint_output> output = make_lint_output(given.format);
+    if (line.files.empty())
+        return wrong_use(self, std::string("a file is missing: lang-kit lint ") + self.arguments);
+    const std::unique_ptr<lint_output> output = make_lint_output(format);
     counts found;
     bool unreadable = false;
     std::size_t files = 0;

@@ -78,7 +78,9 @@ struct across::state {
     std::vector<bool> reported; // of each reference the languages
 
     // Of the group.
-    bool is_window = false;                          // its texts may well be seen together
+    const edit_t *group = nullptr;
+    enum class is_window { unknown, no, yes } window = is_window::unknown; // texts seen together
+    bool may_be_window(const LangSource *source);
     std::unordered_map<std::uint64_t, marked> marks; // by language and mnemonic
 };
 
@@ -163,29 +165,38 @@ void across::judge_consistency(const item_case &at)
     }
 }
 
-void across::begin_group(const LangSource *source, const edit_t *group)
+void across::begin_group(const edit_t *group)
 {
-    // More texts with a key than a window has letters for are not seen together.
+    state_->marks.clear();
+    state_->window = state::is_window::unknown;
+    state_->group = group;
+}
+
+// More texts with a key than a window has letters for are not seen together.
+bool across::state::may_be_window(const LangSource *source)
+{
     constexpr std::size_t most = 20;
-    state &s = *state_;
-    s.marks.clear();
-    std::size_t marked_texts = 0;
-    std::string buffer;
-    for (const item_t *item : each<item_t>(group->items)) {
-        const std::string_view text = first_text(item, source->default_lang, buffer);
-        if (item->used != 0 && read_mnemonics(text.empty() ? name_of(item->name) : text).count == 1)
-            ++marked_texts;
+    if (window == is_window::unknown) {
+        std::size_t marked_texts = 0;
+        std::string buffer;
+        for (const item_t *item : each<item_t>(group->items)) {
+            const std::string_view text = first_text(item, source->default_lang, buffer);
+            if (item->used != 0 &&
+                read_mnemonics(text.empty() ? name_of(item->name) : text).count == 1)
+                ++marked_texts;
+        }
+        window = marked_texts <= most ? is_window::yes : is_window::no;
     }
-    s.is_window = marked_texts <= most;
+    return window == is_window::yes;
 }
 
 void across::judge_collision(const item_case &at)
 {
     state &s = *state_;
-    if (!s.is_window || !at.reference.has(has_underscore) || at.reference.bytes.starts_with('/'))
+    if (!at.reference.has(has_underscore) || at.reference.bytes.starts_with('/'))
         return;
     const mnemonics reference = read_mnemonics(at.reference.bytes);
-    if (reference.count != 1)
+    if (reference.count != 1 || !s.may_be_window(at.source))
         return;
     for (std::size_t i = 0; i < at.slots.size(); ++i) {
         const slot &one = at.slots[i];

@@ -20,7 +20,7 @@ public:
     // Definitions of languages; what is found is about the definition.
     static void judge_languages(const LangSource *source, item_case::sink &found);
 
-    void begin_group(const LangSource *source, const edit_t *group);
+    void begin_group(const edit_t *group);
 
     void judge_duplicate(const item_case &at);
     void judge_consistency(const item_case &at);

@@ -26,10 +26,7 @@ bool has_name(const std::vector<std::string_view> &names, std::string_view name)
 
 bool judge_format(const text_case &at, std::string &message)
 {
-    if (!at.own.has(has_percent | has_letter | has_high) || at.own.is_blank())
-        return false;
-    const bool marked = at.item != nullptr && at.item->description != nullptr;
-    if (!at.own.has(has_percent) && !at.reference.has(has_percent) && !marked)
+    if (at.own.is_blank() || (!at.own.has(has_percent) && !at.reference.has(has_percent)))
         return false;
     const percents expected = expected_by(at);
     if (!expected.is_format())

@@ -1,12 +1,15 @@
 #include "lint/item-case.h"
 
+#include <cstring>
 #include <strings.h>
 
 namespace zel::lint {
 
 bool same_language(const char *a, const char *b)
 {
-    return strcasecmp(a == nullptr ? "" : a, b == nullptr ? "" : b) == 0;
+    a = a == nullptr ? "" : a;
+    b = b == nullptr ? "" : b;
+    return std::strcmp(a, b) == 0 || strcasecmp(a, b) == 0;
 }
 
 std::size_t find_language(std::span<const language> languages, const char *name, std::size_t guess)

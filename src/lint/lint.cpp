@@ -244,7 +244,7 @@ void linter::work::check(const listener &to, const std::function<void(const item
     tell(to);
     across others(languages_);
     for (const edit_t *group : each<edit_t>(source_->groups)) {
-        others.begin_group(source_, group);
+        others.begin_group(group);
         for (const item_t *item : each<item_t>(group->items)) {
             if (next_item)
                 next_item(item);

@@ -54,7 +54,10 @@ char32_t last_char(std::string_view bytes, std::size_t &at);
 
 bool is_letter(char32_t c);
 bool is_digit(char32_t c);
-constexpr bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+constexpr bool is_blank(char c)
+{
+    return c <= ' ' && (c == ' ' || (c >= '\t' && c <= '\r' && c != '\v' && c != '\f'));
+}
 constexpr bool is_ascii_letter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 constexpr bool is_ascii_digit(char c) { return c >= '0' && c <= '9'; }
 constexpr bool is_word_byte(char c) { return is_ascii_letter(c) || is_ascii_digit(c) || c == '_'; }

@@ -56,7 +56,7 @@ std::string_view find_repeated(std::string_view bytes, bool with_signs)
             ++at;
         const std::string_view written = bytes.substr(start, at - start);
         const std::string_view word = with_signs ? written : without_signs(written);
-        if (!word.empty() && word == before)
+        if (word.size() == before.size() && word == before && !word.empty())
             return word;
         before = word;
     }
