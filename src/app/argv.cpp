@@ -3,10 +3,10 @@
 #include "support/file-call.h"
 #include "support/misc-error.h"
 #include "support/string-copy.h"
+#include "support/text.h"
 
 #include <array>
 #include <bit>
-#include <cctype>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -61,7 +61,7 @@ int reported(int code) { return err_print != 0 ? argv_print_error(code) : code; 
 const char *number_word(int count, char **position)
 {
     const char *word = current_word(count, position);
-    return word != nullptr && std::isdigit(static_cast<unsigned char>(*word)) != 0 ? word : nullptr;
+    return word != nullptr && zel::is_digit(*word) ? word : nullptr;
 }
 
 template <class Number>
@@ -82,8 +82,6 @@ const char *integer_format(std::string_view word)
         return "%d";
     return word[1] == 'x' || word[1] == 'X' ? "%x" : "%o";
 }
-
-bool is_space(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
 
 // Makes room for so many slots. The array grows in steps of powers of two, so that a long text is
 // not copied once per word.
@@ -127,7 +125,7 @@ const char *end_of_quoted(const char *text)
 
 const char *end_of_plain(const char *text)
 {
-    while (*text != '\0' && !is_space(*text))
+    while (*text != '\0' && !zel::is_space(*text))
         ++text;
     return text;
 }
@@ -144,7 +142,7 @@ void read_words(std::FILE *file, char *text, std::size_t size)
         if (!comment)
             text[length++] = is_line_end(c) ? ' ' : static_cast<char>(c);
     }
-    while (length > 0 && is_space(text[length - 1]))
+    while (length > 0 && zel::is_space(text[length - 1]))
         --length;
     text[length] = '\0';
 }
@@ -312,7 +310,7 @@ const char *argv_get_err_str(int code)
 void gen_argv(const char *text, int *count, char ***vector)
 {
     while (text != nullptr) {
-        while (is_space(*text))
+        while (zel::is_space(*text))
             ++text;
         if (*text == '\0')
             return;

@@ -1,6 +1,7 @@
 #include "app/memory.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -58,6 +59,16 @@ void end_for_new()
 // The only error that GLib itself ends a process for, in what the program asks of it.
 void end_for_glib(const char *, GLogLevelFlags, const char *, void *) { end_for_new(); }
 
+// GLib's allocator of small pieces says what it lacks and aborts. Any other abort goes on as usual.
+void end_for_abort(int)
+{
+    constexpr std::size_t some = 1024 * 1024;
+    void *area = mmap(nullptr, some, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (area == MAP_FAILED)
+        _exit(end_status);
+    munmap(area, some);
+}
+
 } // namespace
 
 namespace zel {
@@ -88,6 +99,10 @@ void end_without_memory(const char *program, int status)
     program_name = program;
     end_status = status;
     std::set_new_handler(end_for_new);
+    struct sigaction action {};
+    action.sa_handler = end_for_abort;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    sigaction(SIGABRT, &action, nullptr);
     const auto fatal =
         static_cast<GLogLevelFlags>(G_LOG_LEVEL_ERROR | G_LOG_FLAG_FATAL | G_LOG_FLAG_RECURSION);
     g_log_set_handler("GLib", fatal, end_for_glib, nullptr);

@@ -1,11 +1,12 @@
 #include "checker/c-skip.h"
 
 #include "lex/lex.h"
+#include "support/text.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <string_view>
-#include <strings.h>
 
 // The scanner has the last word on every token: this only jumps from one place that may matter to
 // the next, and leaves to the scanner what begins there. Every word of a request has "lang" in it,
@@ -46,9 +47,8 @@ constexpr std::array<unsigned char, 256> make_parts()
 {
     std::array<unsigned char, 256> parts{};
     for (unsigned c = 0; c < 256; ++c) {
-        const bool digit = c >= '0' && c <= '9';
-        const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-        if (digit || letter || c == '_' || c >= 128)
+        const int byte = static_cast<int>(c);
+        if (is_digit(byte) || is_letter(byte) || c == '_' || c >= 128)
             parts[c] = IN_IDENT;
     }
     for (const char c : std::string_view(" \t\n$%()*,:;?[\\]{}~"))
@@ -161,9 +161,15 @@ place walk::run_end(place from) const
 
 place walk::blanks_end(place from) const
 {
-    while (from != end && (*from == ' ' || *from == '\t'))
+    while (from != end && is_blank(*from))
         ++from;
     return from;
+}
+
+bool is_define(place word, place word_end)
+{
+    return std::equal(word, word_end, define.begin(), define.end(),
+                      [](unsigned char a, char b) { return lower(a) == b; });
 }
 
 // A "#" counts before "define", and that only with a name and a string behind it. The name of the
@@ -175,8 +181,7 @@ bool walk::pass_hash()
     if (word_end == word || word_end == end)
         return false;
     known = word;
-    if (static_cast<std::size_t>(word_end - word) == define.size() &&
-        strncasecmp(reinterpret_cast<const char *>(word), define.data(), define.size()) == 0) {
+    if (is_define(word, word_end)) {
         const place name = blanks_end(word_end);
         const place name_end = run_end(name);
         const place value = blanks_end(name_end);

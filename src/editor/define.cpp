@@ -2,6 +2,7 @@
 
 #include "app/global.h"
 #include "config/ini.h"
+#include "editor/accessible.h"
 #include "editor/dir_file_sel.h"
 #include "editor/edit-state.h"
 #include "editor/popup.h"
@@ -36,33 +37,30 @@ struct dialog_state {
     GtkWidget *spin;     // of the what's-new time, or null
     int rows_above;      // widgets of rows_box that stand above the next new language
     bool gone;           // the window has been destroyed
+    bool renamed;        // a language has another name now
 };
 
 const char *text(const char *item) { return zel::ui_text("define", item); }
 
-void set_name(GtkWidget *widget, const char *name)
-{
-    atk_object_set_name(gtk_widget_get_accessible(widget), name);
-}
-
 // Takes over what the entry holds, unless it is what it was filled with: a text that is not UTF-8
-// is shown with replacements and stays as it was.
-void take_entry(GtkWidget *entry, char *&owned)
+// is shown with replacements and stays as it was. True when something changed.
+bool take_entry(GtkWidget *entry, char *&owned)
 {
     const char *typed = gtk_entry_get_text(GTK_ENTRY(entry));
     if (zel::utf8_shown(owned) == typed)
-        return;
+        return false;
     zel::replace_string(owned, zel_strdup(typed));
-    lang_global.modified = 1;
+    zel::edit_set_modified(true);
+    return true;
 }
 
 // What was typed goes into the source, also into the what's-new time without Return.
-void take_rows(const dialog_state *dialog)
+void take_rows(dialog_state *dialog)
 {
     if (dialog->spin != nullptr)
         gtk_spin_button_update(GTK_SPIN_BUTTON(dialog->spin));
     for (define_row_t *row : zel::each<define_row_t>(defineList)) {
-        take_entry(row->name_entry, row->lang->name);
+        dialog->renamed |= take_entry(row->name_entry, row->lang->name);
         take_entry(row->file_entry, row->lang->file);
     }
 }
@@ -78,7 +76,7 @@ void set_edit(lang_t *lang, bool on)
     if ((lang->edit != 0) == on)
         return;
     lang->edit = on ? 1 : 0;
-    lang_global.modified = 1;
+    zel::edit_set_modified(true);
 }
 
 // Two languages are edited at most: every row after the second one is switched off.
@@ -112,7 +110,7 @@ GtkWidget *make_entry(const char *value, const char *name)
     gtk_entry_set_text(GTK_ENTRY(entry), zel::utf8_shown(value).c_str());
     gtk_entry_set_activates_default(GTK_ENTRY(entry), TRUE);
     gtk_widget_set_sensitive(entry, lang_global.editor_mode != 0);
-    set_name(entry, name);
+    zel::set_accessible_name(entry, name);
     return entry;
 }
 
@@ -156,7 +154,7 @@ void define_button_add(GtkWidget *, gpointer data)
     gtk_box_reorder_child(GTK_BOX(dialog->rows_box), gtk_widget_get_parent(row->name_entry),
                           dialog->rows_above++);
     gtk_widget_grab_focus(row->name_entry);
-    lang_global.modified = 1;
+    zel::edit_set_modified(true);
 }
 
 // The folder as it stands in the settings, or what was typed over it.
@@ -207,7 +205,7 @@ void whatsnew_changed_cb(GtkSpinButton *spin, gpointer data)
     auto *source = static_cast<LangSource *>(data);
     const auto value = static_cast<std::int64_t>(gtk_spin_button_get_value(spin));
     if (source->whatsnew != value)
-        lang_global.modified = 1;
+        zel::edit_set_modified(true);
     source->whatsnew = value;
 }
 
@@ -311,7 +309,7 @@ GList *define_create_entry(GtkWidget *box, GList *rows, lang_t *lang)
     row->edit_button = gtk_check_button_new();
     gtk_widget_set_size_request(row->edit_button, check_width, -1);
     gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(row->edit_button), lang->edit != 0);
-    set_name(row->edit_button, text("edit?"));
+    zel::set_accessible_name(row->edit_button, text("edit?"));
     g_signal_connect(row->edit_button, "toggled", G_CALLBACK(define_button_toggle), row);
     gtk_box_pack_start(GTK_BOX(line), row->edit_button, FALSE, FALSE, check_space);
     gtk_widget_show_all(line);
@@ -324,8 +322,8 @@ int define_open(GtkWidget *parent, LangSource *source)
     dialog_state dialog{source,  g_main_loop_new(nullptr, FALSE),
                         nullptr, ZEL_POPUP(defineWin)->content_box,
                         nullptr, 0,
-                        false};
-    set_name(defineWin, text("language"));
+                        false,   false};
+    zel::set_accessible_name(defineWin, text("language"));
     build(&dialog);
     g_signal_connect(defineWin, "configure-event", G_CALLBACK(define_configure), nullptr);
     g_signal_connect(defineWin, "delete-event", G_CALLBACK(define_delete_event), &dialog);
@@ -333,13 +331,12 @@ int define_open(GtkWidget *parent, LangSource *source)
     gtk_window_set_resizable(GTK_WINDOW(defineWin), FALSE);
     gtk_window_set_position(GTK_WINDOW(defineWin), GTK_WIN_POS_CENTER);
     zel::popup_run(defineWin, parent, dialog.loop);
+    if (!dialog.gone)
+        gtk_widget_destroy(defineWin); // its handler takes the rows
     g_main_loop_unref(dialog.loop);
-    if (!dialog.gone) {
-        take_rows(&dialog);
-        dialog.gone = true;
-        gtk_widget_destroy(defineWin);
-    }
     free_rows();
     defineWin = nullptr;
+    if (dialog.renamed)
+        zel::edit_reload();
     return 0;
 }

@@ -133,8 +133,4 @@ zel_list *file_sel_multiple_unix(GtkWidget *parent, const char *title, const cha
     return paths;
 }
 
-int file_sel_show(GtkWidget *widget)
-{
-    gtk_widget_show(widget);
-    return 0;
-}
+int file_sel_show(GtkWidget *) { return 0; }

@@ -18,5 +18,5 @@
 [[nodiscard]] zel_list *file_sel_multiple_unix(GtkWidget *parent, const char *title,
                                                const char *folder, const char *patterns);
 
-// Shows the widget; returns 0.
+// Does nothing; returns 0.
 int file_sel_show(GtkWidget *widget);

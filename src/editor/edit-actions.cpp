@@ -42,6 +42,7 @@ void filter(gboolean on)
     const zel::flag_guard locked(empty_lock);
     if (def_group == nullptr) {
         zel::edit_status(zel::ui_text("common", "Nothing to do"));
+        lang_global.only_untranslated = 0; // left on by a source that is gone
         set_filter_controls(FALSE);
         return;
     }
@@ -64,6 +65,46 @@ void show_manual(GtkWidget *widget, const char *path)
         zel_strdup_printf("%s\n%s", zel::ui_text("common", "The manual is here:"), path));
     lang_msg_box(widget, text.get());
 }
+
+// Whether the key is one of the editor's own, done or not: while nothing can be marked, Alt+M must
+// not fall through to the menu of that letter.
+bool take_key(GtkWidget *window, guint keyval, GdkModifierType modifiers)
+{
+    if (gtk_accel_groups_activate(G_OBJECT(window), keyval, modifiers))
+        return true;
+    guint count = 0;
+    gtk_accel_group_query(accel_group, keyval, modifiers, &count);
+    return count != 0 || (keyval == GDK_KEY_m && modifiers == GDK_MOD1_MASK);
+}
+
+// The field of the edit page that is typed in, if any, with its caret and what is selected in it:
+// an entry that is given the keyboard selects all of its text, and the next letter would replace
+// it.
+class typed_field {
+public:
+    typed_field() : field_(gtk_window_get_focus(GTK_WINDOW(mainWin)))
+    {
+        if (field_ == nullptr || !gtk_widget_is_ancestor(field_, editBox))
+            field_ = nullptr;
+        else if (GTK_IS_EDITABLE(field_) && gtk_editable_get_editable(GTK_EDITABLE(field_)))
+            gtk_editable_get_selection_bounds(GTK_EDITABLE(field_), &start_, &end_);
+        else if (!GTK_IS_TEXT_VIEW(field_))
+            field_ = nullptr;
+    }
+    void go_back() const
+    {
+        if (field_ == nullptr || !gtk_widget_get_can_focus(field_))
+            return;
+        gtk_widget_grab_focus(field_);
+        if (GTK_IS_EDITABLE(field_))
+            gtk_editable_select_region(GTK_EDITABLE(field_), start_, end_);
+    }
+
+private:
+    GtkWidget *field_;
+    gint start_ = 0;
+    gint end_ = 0;
+};
 
 } // namespace
 
@@ -132,19 +173,22 @@ gboolean accel_first_event(GtkWidget *widget, GdkEventKey *event, gpointer)
         static_cast<GdkModifierType>(event->state & gtk_accelerator_get_default_mod_mask());
     if ((modifiers & GDK_MOD1_MASK) == 0)
         return FALSE;
-    if (gtk_accel_groups_activate(G_OBJECT(widget), gdk_keyval_to_lower(event->keyval), modifiers))
+    if (take_key(widget, gdk_keyval_to_lower(event->keyval), modifiers))
         return TRUE;
     // The key's letter in the first layout, for who types in another script.
     guint keyval = 0;
     return gdk_keymap_translate_keyboard_state(
                gdk_keymap_get_for_display(gtk_widget_get_display(widget)), event->hardware_keycode,
                GdkModifierType{}, 0, &keyval, nullptr, nullptr, nullptr) != 0 &&
-           gtk_accel_groups_activate(G_OBJECT(widget), keyval, modifiers) != 0;
+           take_key(widget, keyval, modifiers);
 }
 
 gboolean list_expose_event(GtkWidget *, GdkEventExpose *, gpointer)
 {
-    if (editWin != nullptr && edit_ctrl.list_focus != nullptr)
-        edit_ctrl.list_focus(editWin);
+    if (editWin == nullptr || edit_ctrl.list_focus == nullptr)
+        return FALSE;
+    const typed_field field;
+    edit_ctrl.list_focus(editWin);
+    field.go_back();
     return FALSE;
 }

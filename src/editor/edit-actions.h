@@ -23,8 +23,10 @@ void cb_help(GtkWidget *widget, gpointer data);
 gboolean lang_key_press_event(GtkWidget *widget, GdkEventKey *event, gpointer data);
 
 // Gives the keys of accel_group precedence over the mnemonics of menus: Alt+S saves, Alt+M marks
-// ready, though two menus have these letters.
+// ready, though two menus have these letters. They never open those menus, not even while they
+// cannot act.
 gboolean accel_first_event(GtkWidget *widget, GdkEventKey *event, gpointer data);
 
-// The edit page's tab has been drawn: the list gets the keyboard.
+// The edit page's tab has been drawn: the list gets the keyboard, and a field that is being typed
+// in gets it back, since a window passing over the tab has it drawn, too.
 gboolean list_expose_event(GtkWidget *widget, GdkEventExpose *event, gpointer data);

@@ -5,6 +5,21 @@
 #include "editor/popup.h"
 #include "editor/ui-text.h"
 
+#include <gdk/gdkkeysyms.h>
+
+namespace {
+
+// The toolkit takes Escape for closing the window, which discards; by key nothing is to be lost.
+gboolean no_on_escape(GtkWidget *dialog, GdkEventKey *event, gpointer)
+{
+    if (event->keyval != GDK_KEY_Escape)
+        return FALSE;
+    gtk_dialog_response(GTK_DIALOG(dialog), GTK_RESPONSE_NO);
+    return TRUE;
+}
+
+} // namespace
+
 namespace zel {
 
 bool ask_discard(GtkWidget *widget)
@@ -14,6 +29,7 @@ bool ask_discard(GtkWidget *widget)
                                GTK_BUTTONS_YES_NO, "%s", ui_text("common", "Discard changes ?"));
     gtk_window_set_position(GTK_WINDOW(dialog), GTK_WIN_POS_CENTER);
     gtk_dialog_set_default_response(GTK_DIALOG(dialog), GTK_RESPONSE_NO);
+    g_signal_connect(dialog, "key-press-event", G_CALLBACK(no_on_escape), nullptr);
     const int answer = gtk_dialog_run(GTK_DIALOG(dialog));
     gtk_widget_destroy(dialog);
     return answer != GTK_RESPONSE_NO;

@@ -6,7 +6,8 @@
 
 namespace zel {
 
-// "Discard changes ?": false when the answer is No; closing the question counts as Yes.
+// "Discard changes ?": false when the answer is No or Escape; closing the question by its window's
+// button counts as Yes.
 bool ask_discard(GtkWidget *widget);
 
 // Shows a message in a box; text of the group.

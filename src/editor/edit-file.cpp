@@ -5,6 +5,7 @@
 #include "editor/dir_file_sel.h"
 #include "editor/edit-ask.h"
 #include "editor/edit-state.h"
+#include "editor/read-report.h"
 #include "editor/ui-text.h"
 #include "source/lang-read.h"
 #include "source/lang-write.h"
@@ -87,33 +88,51 @@ void clear_output_langs()
     zel::replace_string(lang_global.output_lang_2, nullptr);
 }
 
+bool write_source(const char *path)
+{
+    const zel::source_to_write whole;
+    return lang_write_file(path, def_group) == 0;
+}
+
 // Writes the source and says how it went; only then are there no changes left.
 void write_and_tell(GtkWidget *widget, const char *path)
 {
-    if (lang_write_file(path, def_group) == 0) {
-        lang_global.modified = 0;
+    if (write_source(path)) {
+        zel::edit_set_modified(false);
         zel::message(mainWin, "status", "Write file successfull");
     } else {
         zel::message(widget, "status", "Error write file");
     }
 }
 
+// The chosen path with the ending of a source, which is added where it is missing; empty when that
+// is longer than a path may be.
+std::string with_ending(const char *chosen)
+{
+    constexpr const char *ending = "lang-src";
+    const bool has_it = g_str_has_suffix(chosen, ".lang-src");
+    std::string path = chosen;
+    path.resize(path.size() + (has_it ? 0 : std::strlen(ending) + 1) + 1);
+    zel_gen_file_name_with_ext(path.data(), ending);
+    path.resize(std::strlen(path.c_str()));
+    return path.size() < path_size ? path : std::string();
+}
+
 void save_under_name(GtkWidget *widget)
 {
-    const zel::string_guard chosen(
-        file_sel_write(widget, zel::ui_text("common", "Save as (*.lang-src)"), nullptr, def_file));
+    // A copy: the chooser turns backslashes, and a later Save must meet the same file.
+    const zel::string_guard preset(zel_strdup(def_file));
+    const zel::string_guard chosen(file_sel_write(
+        widget, zel::ui_text("common", "Save as (*.lang-src)"), nullptr, preset.get()));
     if (!chosen)
         return;
-    constexpr const char *ending = "lang-src";
-    std::array<char, path_size> path{};
-    if (std::strlen(chosen.get()) + std::strlen(ending) + 2 > path.size()) {
+    const std::string path = with_ending(chosen.get());
+    if (path.empty()) {
         zel::message(widget, "status", "Error write file");
         return;
     }
-    std::strcpy(path.data(), chosen.get());
-    zel_gen_file_name_with_ext(path.data(), ending);
     edit_refresh();
-    write_and_tell(widget, path.data());
+    write_and_tell(widget, path.c_str());
 }
 
 // Writes the first output language together with another one.
@@ -124,7 +143,7 @@ bool write_pair(const char *folder, const char *date, const char *other)
     const int length = std::snprintf(path.data(), path.size(), "%s/%s-%s-%s-out.lang-src", folder,
                                      date, lang_global.output_lang_1, lang_global.output_lang_2);
     return length > 0 && static_cast<std::size_t>(length) < path.size() &&
-           lang_write_file(path.data(), def_group) == 0;
+           write_source(path.data());
 }
 
 void save_pairs(GtkWidget *widget)
@@ -180,7 +199,7 @@ void cb_open(GtkWidget *widget, gpointer)
     }
     zel::edit_show_source();
     show_source_values();
-    lang_global.modified = 0;
+    zel::edit_set_modified(false);
 }
 
 void cb_save(GtkWidget *widget, gpointer)
@@ -247,10 +266,15 @@ namespace zel {
 bool edit_read_source()
 {
     note_source_directory(def_file);
-    read_answer answer =
-        read_source(def_file, {lang_global.start_time, print_read_message, nullptr});
+    read_report report(def_file);
+    const auto listener = [&report](const read_message &message) {
+        print_read_message(message);
+        report.hear(message);
+    };
+    read_answer answer = read_source(def_file, {lang_global.start_time, listener, nullptr});
     if (answer.result == read_result::stopped)
         say_stopped();
+    edit_status(report.text(answer).c_str());
     def_group = answer.source.release();
     return def_group != nullptr;
 }

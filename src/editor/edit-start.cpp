@@ -13,8 +13,10 @@ namespace {
 
 // What the toolkit complains of is for the log: a translator's terminal shows the editor's own
 // messages only.
-void log_toolkit_message(const gchar *domain, GLogLevelFlags, const gchar *message, gpointer)
+void log_toolkit_message(const gchar *domain, GLogLevelFlags level, const gchar *message, gpointer)
 {
+    if ((level & (G_LOG_LEVEL_INFO | G_LOG_LEVEL_DEBUG)) != 0)
+        return;
     LogPrint(1, "%s: %s\n", domain == nullptr ? "" : domain, message == nullptr ? "" : message);
 }
 
@@ -43,6 +45,7 @@ int edit_start(const char *file)
     }
     std::setlocale(LC_NUMERIC, "C");
     zel_tab_edit_get_ctrls(&edit_ctrl);
+    edit_more = zel::tab_edit_more();
     zel::replace_string(def_file, zel_strdup(file));
     const int result = edit();
     zel::replace_string(def_file, nullptr);

@@ -9,6 +9,7 @@ GtkWidget *mainWin;
 GtkWidget *editBox;
 GtkWidget *editWin;
 GtkWidget *statusWin;
+GtkWidget *changed_sign;
 GtkAccelGroup *accel_group;
 char *def_file;
 LangSource *def_group;
@@ -16,6 +17,7 @@ GtkWidget *empty_menu;
 GtkWidget *empty_tool;
 int empty_lock;
 edit_ctrl_t edit_ctrl;
+edit_more_t edit_more;
 
 void edit_refresh()
 {
@@ -25,10 +27,35 @@ void edit_refresh()
 
 namespace zel {
 
+void edit_reload()
+{
+    if (def_group != nullptr && editWin != nullptr && edit_more.reload != nullptr)
+        edit_more.reload(editWin);
+}
+
+source_to_write::source_to_write()
+{
+    if (editWin != nullptr && edit_more.put_away != nullptr)
+        edit_more.put_away(editWin);
+}
+
+source_to_write::~source_to_write()
+{
+    if (editWin != nullptr && edit_more.bring_back != nullptr)
+        edit_more.bring_back(editWin);
+}
+
 void edit_status(const char *text)
 {
     if (statusWin != nullptr)
         gtk_entry_set_text(GTK_ENTRY(statusWin), utf8_shown(text).c_str());
+}
+
+void edit_set_modified(bool modified)
+{
+    lang_global.modified = modified ? 1 : 0;
+    if (changed_sign != nullptr)
+        gtk_widget_set_visible(changed_sign, modified);
 }
 
 void edit_show_export_path(const char *path)

@@ -12,6 +12,7 @@ extern GtkWidget *mainWin;         // the top-level window
 extern GtkWidget *editBox;         // the "Language Edit" page
 extern GtkWidget *editWin;         // the item table in it, or null
 extern GtkWidget *statusWin;       // the one-line entry at the bottom
+extern GtkWidget *changed_sign;    // beside it, seen while the source has unsaved changes
 extern GtkAccelGroup *accel_group; // the window's keys; the item table adds its own
 
 extern char *def_file;        // path of the current source, owned, or null
@@ -21,13 +22,30 @@ extern GtkWidget *empty_menu; // the two controls of the untranslated filter
 extern GtkWidget *empty_tool;
 extern int empty_lock; // set while one of them is made to follow the other
 
-// Shows the source's texts anew in the table; nothing without a source or a table.
+// Shows the source's texts anew in the table, its first row selected; nothing without a source or a
+// table.
 void edit_refresh();
 
 namespace zel {
 
+// The same with the row that is selected.
+void edit_reload();
+
+// The source as it is to be written, for the life of a scope: without the entries that only looking
+// at the selected item has made.
+class source_to_write {
+public:
+    source_to_write();
+    ~source_to_write();
+    source_to_write(const source_to_write &) = delete;
+    source_to_write &operator=(const source_to_write &) = delete;
+};
+
 // The status line; null empties it.
 void edit_status(const char *text);
+
+// Whether the source has changes that were not saved: lang_global's modified, and the sign of it.
+void edit_set_modified(bool modified);
 
 // The value beside "Export path:"; null empties it.
 void edit_show_export_path(const char *path);

@@ -2,6 +2,7 @@
 
 #include "app/global.h"
 #include "config/ini.h"
+#include "editor/accessible.h"
 #include "editor/edit-actions.h"
 #include "editor/edit-file.h"
 #include "editor/edit-menus.h"
@@ -29,11 +30,6 @@ constexpr info_row info_rows[] = {
     {"File:", &lang_global_t::file_label, PANGO_ELLIPSIZE_MIDDLE},
     {"Export path:", &lang_global_t::export_path_label, PANGO_ELLIPSIZE_MIDDLE},
 };
-
-void set_accessible_name(GtkWidget *widget, const char *name)
-{
-    atk_object_set_name(gtk_widget_get_accessible(widget), name);
-}
 
 // The icon of the user's theme, else the one among the program's data.
 void set_icon()
@@ -114,23 +110,29 @@ GtkWidget *make_notebook()
 
     lang_global.shot_window = gtk_scrolled_window_new(nullptr, nullptr);
     lang_global.shot_tab_label = gtk_label_new(zel::ui_text("common", "Screen Shot"));
-    set_accessible_name(lang_global.shot_window, zel::ui_text("common", "Screen Shot"));
+    zel::set_accessible_name(lang_global.shot_window, zel::ui_text("common", "Screen Shot"));
     gtk_notebook_append_page(GTK_NOTEBOOK(notebook), lang_global.shot_window,
                              lang_global.shot_tab_label);
     return notebook;
 }
 
-GtkWidget *make_status_frame()
+GtkWidget *make_status_row()
 {
+    GtkWidget *row = gtk_hbox_new(FALSE, around_pane);
     GtkWidget *frame = gtk_frame_new(nullptr);
     gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_NONE);
     statusWin = gtk_entry_new();
     gtk_container_set_border_width(GTK_CONTAINER(frame), 2);
     gtk_editable_set_editable(GTK_EDITABLE(statusWin), FALSE);
     gtk_widget_set_name(statusWin, "status");
-    set_accessible_name(statusWin, "Status");
+    zel::set_accessible_name(statusWin, "Status");
     gtk_container_add(GTK_CONTAINER(frame), statusWin);
-    return frame;
+    gtk_box_pack_start(GTK_BOX(row), frame, TRUE, TRUE, 0);
+    changed_sign = gtk_label_new(zel::ui_text("common", "changed"));
+    gtk_widget_set_no_show_all(changed_sign, TRUE);
+    gtk_misc_set_padding(GTK_MISC(changed_sign), around_pane, 0);
+    gtk_box_pack_start(GTK_BOX(row), changed_sign, FALSE, FALSE, 0);
+    return row;
 }
 
 void build_window()
@@ -144,7 +146,7 @@ void build_window()
     gtk_box_pack_start(GTK_BOX(box), zel::make_toolbar(), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(box), make_info_frame(), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(box), make_notebook(), TRUE, TRUE, 0);
-    gtk_box_pack_start(GTK_BOX(box), make_status_frame(), FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), make_status_row(), FALSE, FALSE, 0);
     gtk_widget_show_all(mainWin);
 }
 
@@ -153,7 +155,7 @@ void take_down_window()
 {
     if (mainWin != nullptr)
         gtk_widget_destroy(mainWin);
-    mainWin = editBox = editWin = statusWin = empty_menu = empty_tool = nullptr;
+    mainWin = editBox = editWin = statusWin = changed_sign = empty_menu = empty_tool = nullptr;
     for (const info_row &row : info_rows)
         lang_global.*row.value = nullptr;
     lang_global.info_box = lang_global.shot_window = lang_global.shot_image = nullptr;
@@ -178,6 +180,7 @@ int edit()
     build_window();
     if (def_file != nullptr && !zel::edit_read_source()) {
         std::puts("Error in language file");
+        std::fprintf(stderr, "lang: %s\n", gtk_entry_get_text(GTK_ENTRY(statusWin)));
         close_settings();
     } else {
         if (def_file != nullptr)

@@ -1,5 +1,6 @@
 #include "editor/lang-box.h"
 
+#include "editor/accessible.h"
 #include "editor/popup.h"
 #include "editor/ui-text.h"
 #include "support/log-print.h"
@@ -73,7 +74,7 @@ void lang_msg_box(GtkWidget *parent, const char *text)
     GtkWidget *popup = zel_popup_new();
     winMsg = popup;
     gtk_window_set_position(GTK_WINDOW(popup), GTK_WIN_POS_CENTER);
-    atk_object_set_name(gtk_widget_get_accessible(popup), shown.c_str());
+    zel::set_accessible_name(popup, shown.c_str());
     atk_object_set_role(gtk_widget_get_accessible(popup), ATK_ROLE_ALERT);
     gtk_box_pack_start(GTK_BOX(ZEL_POPUP(popup)->content_box), make_text(shown), TRUE, TRUE, 10);
     GtkWidget *ok = zel::popup_add_button(popup, zel::ui_text("common", "Ok"), 60,

@@ -1,7 +1,9 @@
 #include "editor/w_tab_edit.h"
 
 #include "app/global.h"
+#include "editor/accessible.h"
 #include "editor/edit-state.h"
+#include "editor/operation.h"
 #include "editor/ui-text.h"
 #include "editor/w_tab_filter.h"
 #include "editor/w_tab_icons.h"
@@ -71,11 +73,20 @@ void mark_row(ZelTabEdit *tab, int row)
     zel_tab_model_row_changed(shown_rows(tab), row);
 }
 
-void ready_changed(ZelTabEdit *tab, int row)
+// The row stays where it is, also in a list that is sorted by the marks: it would run away from
+// under the hand, and its neighbours with it. The next click on a header puts it in its place.
+void ready_changed(ZelTabEdit *tab, int row) { zel_tab_model_row_changed(shown_rows(tab), row); }
+
+// An item may be marked ready before it is: the status line says so.
+void tell_missing_text(ZelTabEdit *tab)
 {
-    zel_tab_model_row_changed(shown_rows(tab), row);
-    if (shown_rows(tab)->sort_id == COL_READY)
-        zel_tab_model_resort(shown_rows(tab));
+    const char *lang = zel::text_missing_language(ZEL_TEXT(tab->text_widget));
+    if (lang == nullptr)
+        return;
+    const std::string text =
+        std::string(zel::ui_text("tab-edit", "Ready, but the text is missing")) + ": \"" +
+        zel::utf8_shown(lang) + "\"";
+    zel::edit_status(text.c_str());
 }
 
 // --- Handlers ----------------------------------------------------------------------------------
@@ -87,9 +98,11 @@ void change_ready_cb(GtkToggleButton *button, gpointer data)
     const zel::tab_row *row = selected_row(tab, &number);
     if (row == nullptr)
         return;
-    lang_global.modified = 1;
+    zel::edit_set_modified(true);
     row->item->ready = gtk_toggle_button_get_active(button);
     ready_changed(tab, number);
+    if (row->item->ready != 0)
+        tell_missing_text(tab);
 }
 
 // The button follows the selected row; that is no change of the source.
@@ -290,11 +303,6 @@ void destroy_cb(GtkObject *, gpointer data)
 
 // --- Construction ------------------------------------------------------------------------------
 
-void name_for_readers(GtkWidget *widget, const char *name)
-{
-    atk_object_set_name(gtk_widget_get_accessible(widget), name);
-}
-
 // A key of the main window; it acts at once, where "activate" would first draw the button pressed.
 void add_key(GtkWidget *button, guint key, GdkModifierType modifier)
 {
@@ -308,7 +316,7 @@ GtkWidget *make_icon_button(const char *stock, GtkIconSize size, const char *too
     GtkWidget *button = gtk_button_new();
     gtk_container_add(GTK_CONTAINER(button), gtk_image_new_from_stock(stock, size));
     gtk_widget_set_tooltip_text(button, tooltip);
-    name_for_readers(button, tooltip);
+    zel::set_accessible_name(button, tooltip);
     return button;
 }
 
@@ -322,7 +330,7 @@ GtkWidget *make_search_row(ZelTabEdit *tab)
     add_key(find, GDK_KEY_f, GDK_CONTROL_MASK);
 
     tab->search_entry = gtk_entry_new();
-    name_for_readers(tab->search_entry, zel::ui_text("common", "Find (Ctrl+F)"));
+    zel::set_accessible_name(tab->search_entry, zel::ui_text("common", "Find (Ctrl+F)"));
     g_signal_connect(tab->search_entry, "changed", G_CALLBACK(tree_filter_changed_cb), tab);
     g_signal_connect(tab->search_entry, "activate", G_CALLBACK(search_activate_cb), tab);
     g_signal_connect(tab->search_entry, "key-press-event", G_CALLBACK(search_key_press_event), tab);
@@ -382,6 +390,8 @@ GtkWidget *make_text_side(ZelTabEdit *tab)
     gtk_widget_set_tooltip_text(tab->ready_button, zel::ui_text("common", "Toggle ready (ALT+M)"));
     g_signal_connect(tab->ready_button, "toggled", G_CALLBACK(change_ready_cb), tab);
     gtk_container_set_border_width(GTK_CONTAINER(tab->ready_button), 4);
+    g_signal_connect(tab->ready_button, "can-activate-accel", G_CALLBACK(always_reachable),
+                     nullptr);
     add_key(tab->ready_button, GDK_KEY_m, GDK_MOD1_MASK);
     gtk_box_pack_start(GTK_BOX(box), tab->text_widget, TRUE, TRUE, 0);
     gtk_box_pack_start(GTK_BOX(box), tab->ready_button, FALSE, FALSE, 0);
@@ -520,18 +530,56 @@ void fill(ZelTabEdit *tab, LangSource *source)
     zel::tab_list_autosize(view_of(tab));
 }
 
-// The table, or null after a warning.
-ZelTabEdit *checked(GtkWidget *widget, const char *function)
+void go_to(ZelTabEdit *tab, int place) { zel::tab_list_go_to(view_of(tab), place); }
+
+// By so many rows from the selected one; without one, nowhere.
+void step(ZelTabEdit *tab, int rows)
 {
-    const char *failed = nullptr;
-    if (widget == nullptr)
-        failed = "widget != NULL";
-    else if (!ZEL_IS_TAB_EDIT(widget))
-        failed = "ZEL_IS_TAB_EDIT(widget)";
-    if (failed == nullptr)
-        return ZEL_TAB_EDIT(widget);
-    g_return_if_fail_warning(G_LOG_DOMAIN, function, failed);
-    return nullptr;
+    const int place = selected_place(tab);
+    if (place >= 0)
+        go_to(tab, place + rows);
+}
+
+void go_to_last(ZelTabEdit *tab)
+{
+    const int place = zel_tab_model_count(shown_rows(tab)) - 1;
+    if (place < 0)
+        return;
+    tab->last_path = gtk_tree_path_new_from_indices(place, -1);
+    gtk_tree_view_set_cursor(view_of(tab), tab->last_path, nullptr, FALSE);
+    gtk_tree_path_free(tab->last_path);
+    tab->last_path = nullptr;
+}
+
+void refresh(ZelTabEdit *tab)
+{
+    select_languages(tab);
+    gtk_widget_queue_draw(tab->view);
+    // With one row, which is selected already, the moves select nothing anew.
+    const bool stays = zel_tab_model_count(shown_rows(tab)) == 1 && selected_place(tab) == 0;
+    go_to_last(tab);
+    go_to(tab, 0);
+    if (stays)
+        tree_selection_changed_cb(nullptr, tab);
+    if (tab->selected_path != nullptr)
+        gtk_tree_view_scroll_to_cell(view_of(tab), tab->selected_path, nullptr, FALSE, 0, 0);
+}
+
+void reload(ZelTabEdit *tab)
+{
+    select_languages(tab);
+    gtk_widget_queue_draw(tab->view);
+    tree_selection_changed_cb(nullptr, tab);
+}
+
+void filter_anew(ZelTabEdit *tab) { tree_filter_changed_cb(nullptr, tab); }
+
+// What all operations on the table share; the name is the operation's own.
+template <class Operation>
+int on_table(GtkWidget *widget, const char *name, Operation operation)
+{
+    return zel::operate<ZelTabEdit>(widget, ZEL_TYPE_TAB_EDIT, "ZEL_IS_TAB_EDIT(widget)", name,
+                                    operation);
 }
 
 } // namespace
@@ -554,110 +602,48 @@ GtkWidget *zel_tab_edit_new() { return GTK_WIDGET(g_object_new(ZEL_TYPE_TAB_EDIT
 
 int zel_tab_edit_set(GtkWidget *widget, LangSource *source)
 {
-    ZelTabEdit *tab = checked(widget, __func__);
-    if (tab == nullptr)
-        return 0;
-    fill(tab, source);
-    zel::tab_list_go_to(view_of(tab), 0);
-    show_count(tab);
-    return 1;
+    return on_table(widget, __func__, [source](ZelTabEdit *tab) {
+        fill(tab, source);
+        go_to(tab, 0);
+        show_count(tab);
+    });
 }
 
 int zel_tab_edit_update(GtkWidget *widget)
 {
-    ZelTabEdit *tab = checked(widget, __func__);
-    if (tab == nullptr)
-        return 0;
-    return zel_text_update(tab->text_widget);
+    return on_table(widget, __func__, [](ZelTabEdit *tab) { zel_text_update(tab->text_widget); });
 }
 
 int zel_tab_edit_first(GtkWidget *widget)
 {
-    ZelTabEdit *tab = checked(widget, __func__);
-    if (tab == nullptr)
-        return 0;
-    zel::tab_list_go_to(view_of(tab), 0);
-    return 1;
+    return on_table(widget, __func__, [](ZelTabEdit *tab) { go_to(tab, 0); });
 }
 
 int zel_tab_edit_prev(GtkWidget *widget)
 {
-    ZelTabEdit *tab = checked(widget, __func__);
-    if (tab == nullptr)
-        return 0;
-    const int place = selected_place(tab);
-    if (place >= 0)
-        zel::tab_list_go_to(view_of(tab), place - 1);
-    return 1;
+    return on_table(widget, __func__, [](ZelTabEdit *tab) { step(tab, -1); });
 }
 
 int zel_tab_edit_next(GtkWidget *widget)
 {
-    ZelTabEdit *tab = checked(widget, __func__);
-    if (tab == nullptr)
-        return 0;
-    const int place = selected_place(tab);
-    if (place >= 0)
-        zel::tab_list_go_to(view_of(tab), place + 1);
-    return 1;
+    return on_table(widget, __func__, [](ZelTabEdit *tab) { step(tab, 1); });
 }
 
-int zel_tab_edit_last(GtkWidget *widget)
-{
-    ZelTabEdit *tab = checked(widget, __func__);
-    if (tab == nullptr)
-        return 0;
-    zel::tab_list_go_to(view_of(tab), zel_tab_model_count(shown_rows(tab)) - 1);
-    return 1;
-}
+int zel_tab_edit_last(GtkWidget *widget) { return on_table(widget, __func__, go_to_last); }
 
 int zel_tab_edit_check_changed(GtkWidget *widget)
 {
-    if (checked(widget, __func__) == nullptr)
-        return 0;
-    return 1;
+    return on_table(widget, __func__, [](ZelTabEdit *) {});
 }
 
 int zel_tab_edit_list_focus(GtkWidget *widget)
 {
-    ZelTabEdit *tab = checked(widget, __func__);
-    if (tab == nullptr)
-        return 0;
-    gtk_widget_grab_focus(tab->view);
-    return 1;
+    return on_table(widget, __func__, [](ZelTabEdit *tab) { gtk_widget_grab_focus(tab->view); });
 }
 
-int zel_tab_edit_refresh(GtkWidget *widget)
-{
-    ZelTabEdit *tab = checked(widget, __func__);
-    if (tab == nullptr)
-        return 0;
-    select_languages(tab);
-    gtk_widget_queue_draw(tab->view);
-    // With one row, which is selected already, the moves select nothing anew.
-    const bool stays = zel_tab_model_count(shown_rows(tab)) == 1 && selected_place(tab) == 0;
-    zel_tab_edit_last(widget);
-    zel_tab_edit_first(widget);
-    if (stays)
-        tree_selection_changed_cb(nullptr, tab);
-    return 1;
-}
-
-int zel_tab_edit_whatsnew(GtkWidget *widget)
-{
-    if (checked(widget, __func__) == nullptr)
-        return 0;
-    tree_filter_changed_cb(nullptr, widget);
-    return 1;
-}
-
-int zel_tab_edit_empty(GtkWidget *widget)
-{
-    if (checked(widget, __func__) == nullptr)
-        return 0;
-    tree_filter_changed_cb(nullptr, widget);
-    return 1;
-}
+int zel_tab_edit_refresh(GtkWidget *widget) { return on_table(widget, __func__, refresh); }
+int zel_tab_edit_whatsnew(GtkWidget *widget) { return on_table(widget, __func__, filter_anew); }
+int zel_tab_edit_empty(GtkWidget *widget) { return on_table(widget, __func__, filter_anew); }
 
 int zel_tab_edit_get_ctrls(edit_ctrl_t *ctrls)
 {
@@ -667,3 +653,22 @@ int zel_tab_edit_get_ctrls(edit_ctrl_t *ctrls)
               zel_tab_edit_refresh, zel_tab_edit_whatsnew,      zel_tab_edit_empty};
     return 1;
 }
+
+namespace zel {
+
+edit_more_t tab_edit_more()
+{
+    return {
+        [](GtkWidget *widget) { return on_table(widget, "tab_edit_reload", reload); },
+        [](GtkWidget *widget) {
+            return on_table(widget, "tab_edit_put_away",
+                            [](ZelTabEdit *tab) { text_put_away(ZEL_TEXT(tab->text_widget)); });
+        },
+        [](GtkWidget *widget) {
+            return on_table(widget, "tab_edit_bring_back",
+                            [](ZelTabEdit *tab) { text_bring_back(ZEL_TEXT(tab->text_widget)); });
+        },
+    };
+}
+
+} // namespace zel

@@ -77,3 +77,10 @@ int zel_tab_edit_empty(GtkWidget *widget);
 
 // Fills the table of operations with the above; 1.
 int zel_tab_edit_get_ctrls(edit_ctrl_t *ctrls);
+
+namespace zel {
+
+// The operations beyond these.
+edit_more_t tab_edit_more();
+
+} // namespace zel

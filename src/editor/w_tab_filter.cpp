@@ -1,8 +1,8 @@
 #include "editor/w_tab_filter.h"
 
 #include "source/misc.h"
+#include "support/text.h"
 
-#include <cctype>
 #include <cstring>
 
 namespace {
@@ -13,7 +13,7 @@ void copy_lower(char *out, std::size_t size, const char *text)
 {
     std::size_t length = 0;
     for (; length + 1 < size && text[length] != '\0'; ++length)
-        out[length] = static_cast<char>(std::tolower(static_cast<unsigned char>(text[length])));
+        out[length] = static_cast<char>(zel::lower(text[length]));
     out[length] = '\0';
 }
 

@@ -1,6 +1,7 @@
 #include "editor/w_tab_list.h"
 
 #include "app/global.h"
+#include "editor/accessible.h"
 #include "editor/ui-text.h"
 #include "editor/w_tab_model.h"
 
@@ -86,6 +87,35 @@ GtkTreeViewColumn *make_column(const column_t &row,
     return column;
 }
 
+const column_t &row_of(GtkTreeViewColumn *column)
+{
+    return *static_cast<const column_t *>(g_object_get_data(G_OBJECT(column), row_key));
+}
+
+// A click on a "Ready" cell marks its item and does nothing else; the toolkit would also select the
+// row, which takes the item that is worked on out of the panel.
+gboolean ready_pressed(GtkWidget *widget, GdkEventButton *event, gpointer)
+{
+    GtkTreeView *view = GTK_TREE_VIEW(widget);
+    GtkTreePath *path = nullptr;
+    GtkTreeViewColumn *column = nullptr;
+    if (event->button != 1 || event->window != gtk_tree_view_get_bin_window(view) ||
+        gtk_tree_view_get_path_at_pos(view, static_cast<gint>(event->x),
+                                      static_cast<gint>(event->y), &path, &column, nullptr,
+                                      nullptr) == 0)
+        return FALSE;
+    const bool marks = row_of(column).kind == cell::ready;
+    if (marks && event->type == GDK_BUTTON_PRESS) {
+        GList *renderers = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(column));
+        gchar *text = gtk_tree_path_to_string(path);
+        g_signal_emit_by_name(renderers->data, "toggled", text);
+        g_free(text);
+        g_list_free(renderers);
+    }
+    gtk_tree_path_free(path);
+    return marks;
+}
+
 int text_width(PangoLayout *layout, const char *text)
 {
     int width = 0;
@@ -152,10 +182,11 @@ tab_list tab_list_new(GtkTreeModel *model,
         if (row.column == COL_LANG2)
             list.lang2 = column;
     }
+    g_signal_connect(view, "button-press-event", G_CALLBACK(ready_pressed), nullptr);
     gtk_tree_view_set_fixed_height_mode(view, TRUE);
     gtk_tree_view_set_rules_hint(view, TRUE);
     gtk_tree_view_set_enable_search(view, FALSE);
-    atk_object_set_name(gtk_widget_get_accessible(list.view), ui_text("tab-edit", "Items"));
+    zel::set_accessible_name(list.view, ui_text("tab-edit", "Items"));
     return list;
 }
 
@@ -166,8 +197,7 @@ void tab_list_autosize(GtkTreeView *view)
     const int margin = cell_margin(view);
     GList *list = gtk_tree_view_get_columns(view);
     for (GtkTreeViewColumn *column : each<GtkTreeViewColumn>(list)) {
-        const auto *row =
-            static_cast<const column_t *>(g_object_get_data(G_OBJECT(column), row_key));
+        const column_t *row = &row_of(column);
         int width = text_width(layout, gtk_tree_view_column_get_title(column));
         if (row->sort_id >= 0)
             width += sort_arrow;

@@ -373,8 +373,6 @@ void zel_tab_model_row_changed(ZelTabModel *model, int row)
     gtk_tree_path_free(path);
 }
 
-void zel_tab_model_resort(ZelTabModel *model) { reorder(model); }
-
 int sort_iter_compare_func(const zel::tab_row &a, std::uint32_t pos_a, const zel::tab_row &b,
                            std::uint32_t pos_b, int sort_id)
 {

@@ -103,9 +103,6 @@ int zel_tab_model_place_of(ZelTabModel *model, int row);
 // Tells the view that a row's cells are to be drawn anew; nothing when it is not shown.
 void zel_tab_model_row_changed(ZelTabModel *model, int row);
 
-// Brings the rows into order after a value changed that they are sorted by.
-void zel_tab_model_resort(ZelTabModel *model);
-
 // Compares two rows by a sort id: -1, 0 or 1; 0 for an id that is none.
 int sort_iter_compare_func(const zel::tab_row &a, std::uint32_t pos_a, const zel::tab_row &b,
                            std::uint32_t pos_b, int sort_id);

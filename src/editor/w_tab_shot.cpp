@@ -1,6 +1,7 @@
 #include "editor/w_tab_shot.h"
 
 #include "app/global.h"
+#include "editor/accessible.h"
 #include "support/string-copy.h"
 
 #include <gtk/gtk.h>
@@ -44,7 +45,7 @@ void tab_show_shot(char *&last_group, const char *group)
     lang_global.shot_image = image;
     // The page may go before the table does.
     g_signal_connect(image, "destroy", G_CALLBACK(gtk_widget_destroyed), &lang_global.shot_image);
-    atk_object_set_name(gtk_widget_get_accessible(image), "Screen Shot");
+    zel::set_accessible_name(image, "Screen Shot");
     gtk_scrolled_window_add_with_viewport(GTK_SCROLLED_WINDOW(lang_global.shot_window), image);
     gtk_widget_show(image);
     replace_string(last_group, zel_strdup2(group));

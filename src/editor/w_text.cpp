@@ -1,6 +1,10 @@
 #include "editor/w_text.h"
 
 #include "app/global.h"
+#include "editor/accessible.h"
+#include "editor/edit-state.h"
+#include "editor/operation.h"
+#include "editor/text-pieces.h"
 #include "editor/ui-text.h"
 #include "source/misc.h"
 #include "support/log-print.h"
@@ -55,12 +59,21 @@ void append_text(GtkWidget *view, const char *text)
     gtk_text_buffer_insert(buffer, &end, zel::utf8_shown(text).c_str(), -1);
 }
 
+bool is_blank(GtkTextBuffer *buffer)
+{
+    GtkTextIter at;
+    gtk_text_buffer_get_start_iter(buffer, &at);
+    while (!gtk_text_iter_is_end(&at) && g_unichar_isspace(gtk_text_iter_get_char(&at)))
+        gtk_text_iter_forward_char(&at);
+    return gtk_text_iter_is_end(&at);
+}
+
 void zel_text_changed(GtkTextBuffer *, gpointer dirty)
 {
     if (lang_global.text_lock != 0)
         return;
     *static_cast<int *>(dirty) = 1;
-    lang_global.modified = 1;
+    zel::edit_set_modified(true);
 }
 
 // --- Construction ------------------------------------------------------------------------------
@@ -83,6 +96,7 @@ GtkWidget *make_text_view(int height)
     gtk_text_view_set_right_margin(text_view, margin);
     gtk_text_view_set_pixels_above_lines(text_view, 2);
     gtk_text_view_set_accepts_tab(text_view, FALSE);
+    zel::keep_in_pieces(gtk_text_view_get_buffer(text_view));
     gtk_widget_set_size_request(view, -1, height);
     return view;
 }
@@ -126,11 +140,6 @@ GtkWidget *make_language_frame(Zeltext *text, int comment, int trans)
     return frame;
 }
 
-void name_for_readers(GtkWidget *widget, const char *name)
-{
-    atk_object_set_name(gtk_widget_get_accessible(widget), name);
-}
-
 void make_identity(Zeltext *text, GtkWidget *box)
 {
     text->description_label = gtk_label_new(nullptr);
@@ -141,13 +150,13 @@ void make_identity(Zeltext *text, GtkWidget *box)
 
     text->name_entry = gtk_entry_new();
     gtk_editable_set_editable(GTK_EDITABLE(text->name_entry), FALSE);
-    name_for_readers(text->name_entry, zel::ui_text("tab-edit", "Item"));
+    zel::set_accessible_name(text->name_entry, zel::ui_text("tab-edit", "Item"));
     gtk_box_pack_start(GTK_BOX(box), text->name_entry, FALSE, FALSE, 0);
 
     if (lang_global.editor_mode != 2)
         return;
     text->name_edit_entry = gtk_entry_new();
-    name_for_readers(text->name_edit_entry, zel::ui_text("tab-edit", "Item"));
+    zel::set_accessible_name(text->name_edit_entry, zel::ui_text("tab-edit", "Item"));
     gtk_box_pack_start(GTK_BOX(box), text->name_edit_entry, FALSE, FALSE, 0);
 }
 
@@ -155,7 +164,7 @@ GtkWidget *make_used_in(Zeltext *text)
 {
     text->used_in_view = make_text_view(-1);
     gtk_widget_set_sensitive(text->used_in_view, FALSE);
-    name_for_readers(text->used_in_view, zel::ui_text("text", "Used in"));
+    zel::set_accessible_name(text->used_in_view, zel::ui_text("text", "Used in"));
     GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
     gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
                                    GTK_POLICY_AUTOMATIC);
@@ -238,6 +247,33 @@ void show_used_in(Zeltext *text)
     }
 }
 
+// Binds the field to the item's entry of the language, which is made when there is none.
+void bind_entry(Zeltext *text, int number, const char *lang)
+{
+    GList *&entries = text->item->*fields[number].entries;
+    lang_entry_t *entry = zel_get_lang_entry(entries, lang);
+    text->made[number] = entry == nullptr;
+    if (entry == nullptr) {
+        entry = alloc_lang_entry(lang);
+        if (entry != nullptr)
+            entries = g_list_append(entries, entry);
+    }
+    text->*fields[number].entry = entry;
+}
+
+// Takes the field's entry out of the item again when nothing but showing the item made it.
+void drop_made_entry(Zeltext *text, int number)
+{
+    lang_entry_t *&entry = text->*fields[number].entry;
+    if (text->made[number] == 0 || entry == nullptr || entry->texts != nullptr)
+        return;
+    GList *&entries = text->item->*fields[number].entries;
+    GList *link = g_list_find(entries, entry);
+    entries = g_list_remove_link(entries, link);
+    free_lang_entry_list(link);
+    entry = nullptr;
+}
+
 void show_field(Zeltext *text, int number, const char *lang)
 {
     const field_t &field = fields[number];
@@ -245,16 +281,10 @@ void show_field(Zeltext *text, int number, const char *lang)
     std::string caption = zel::ui_text("text", field.caption);
     caption += " \"" + zel::utf8_shown(lang) + "\"";
     gtk_label_set_text(GTK_LABEL(text->*field.label), caption.c_str());
-    name_for_readers(view, caption.c_str());
+    zel::set_accessible_name(view, caption.c_str());
 
-    GList *&entries = text->item->*field.entries;
-    lang_entry_t *entry = zel_insert_lang(view, lang, entries);
-    if (entry == nullptr) {
-        entry = alloc_lang_entry(lang);
-        if (entry != nullptr)
-            entries = g_list_append(entries, entry);
-    }
-    text->*field.entry = entry;
+    zel_insert_lang(view, lang, text->item->*field.entries);
+    bind_entry(text, number, lang);
     gtk_widget_show(view);
 }
 
@@ -321,18 +351,48 @@ GList *trim_lines(GList *lines)
     return lines;
 }
 
-// The panel, or null after a warning.
-Zeltext *checked(GtkWidget *widget, const char *function)
+void store(Zeltext *text)
 {
-    const char *failed = nullptr;
-    if (widget == nullptr)
-        failed = "widget != NULL";
-    else if (!ZEL_IS_TEXT(widget))
-        failed = "ZEL_IS_TEXT(widget)";
-    if (failed == nullptr)
-        return ZEL_TEXT(widget);
-    g_return_if_fail_warning(G_LOG_DOMAIN, function, failed);
-    return nullptr;
+    bool written = false;
+    for (const int number : field_order) {
+        const field_t &field = fields[number];
+        if (text->*field.entry == nullptr || text->dirty[number] == 0)
+            continue;
+        LogPrint(1, "%s", field.log);
+        zel_get_text(text->*field.view, text->*field.entry);
+        written = true;
+    }
+    if (written && text->item != nullptr)
+        text->item->changed = 1;
+}
+
+void show(Zeltext *text, LangSource *source, item_t *item, int update)
+{
+    LogPrint(1, "zel_text_set: entry\n");
+    lang_global.text_lock = 1;
+    if (update != 0)
+        store(text);
+    for (int number = 0; number < TEXT_FIELDS; ++number) {
+        drop_made_entry(text, number);
+        text->*fields[number].entry = nullptr;
+    }
+    if (source == nullptr || item == nullptr) {
+        show_nothing(text);
+        return;
+    }
+    text->lang_source = source;
+    text->item = item;
+    show_item(text);
+    for (int &dirty : text->dirty)
+        dirty = 0;
+    LogPrint(1, "zel_text_set: exit\n");
+    lang_global.text_lock = 0;
+}
+
+template <class Operation>
+int on_panel(GtkWidget *widget, const char *name, Operation operation)
+{
+    return zel::operate<Zeltext>(widget, ZEL_TYPE_TEXT, "ZEL_IS_TEXT(widget)", name, operation);
 }
 
 } // namespace
@@ -355,65 +415,22 @@ GtkWidget *zel_text_new() { return GTK_WIDGET(g_object_new(ZEL_TYPE_TEXT, nullpt
 
 int zel_text_set_pos(GtkWidget *widget, int pos)
 {
-    Zeltext *text = checked(widget, __func__);
-    if (text == nullptr)
-        return 0;
-    text->pos = pos;
-    return 1;
+    return on_panel(widget, __func__, [pos](Zeltext *text) { text->pos = pos; });
 }
 
 int zel_text_set_group_name(GtkWidget *widget, const char *name)
 {
-    Zeltext *text = checked(widget, __func__);
-    if (text == nullptr)
-        return 0;
-    zel::replace_string(text->group_name, zel_strdup2(name));
-    return 1;
+    return on_panel(widget, __func__, [name](Zeltext *text) {
+        zel::replace_string(text->group_name, zel_strdup2(name));
+    });
 }
 
 int zel_text_set(GtkWidget *widget, LangSource *source, item_t *item, int update)
 {
-    Zeltext *text = checked(widget, __func__);
-    if (text == nullptr)
-        return 0;
-    LogPrint(1, "zel_text_set: entry\n");
-    lang_global.text_lock = 1;
-    if (update != 0)
-        zel_text_update(widget);
-    for (const field_t &field : fields)
-        text->*field.entry = nullptr;
-    if (source == nullptr || item == nullptr) {
-        show_nothing(text);
-        return 1;
-    }
-    text->lang_source = source;
-    text->item = item;
-    show_item(text);
-    for (int &dirty : text->dirty)
-        dirty = 0;
-    LogPrint(1, "zel_text_set: exit\n");
-    lang_global.text_lock = 0;
-    return 1;
+    return on_panel(widget, __func__, [=](Zeltext *text) { show(text, source, item, update); });
 }
 
-int zel_text_update(GtkWidget *widget)
-{
-    Zeltext *text = checked(widget, __func__);
-    if (text == nullptr)
-        return 0;
-    bool written = false;
-    for (const int number : field_order) {
-        const field_t &field = fields[number];
-        if (text->*field.entry == nullptr || text->dirty[number] == 0)
-            continue;
-        LogPrint(1, "%s", field.log);
-        zel_get_text(text->*field.view, text->*field.entry);
-        written = true;
-    }
-    if (written && text->item != nullptr)
-        text->item->changed = 1;
-    return 1;
-}
+int zel_text_update(GtkWidget *widget) { return on_panel(widget, __func__, store); }
 
 lang_entry_t *zel_insert_lang(GtkWidget *view, const char *lang, GList *entries)
 {
@@ -489,6 +506,39 @@ int text_focused_field(Zeltext *text)
             return number;
     }
     return -1;
+}
+
+void text_put_away(Zeltext *text)
+{
+    for (int number = 0; number < TEXT_FIELDS; ++number) {
+        drop_made_entry(text, number);
+        if (text->*fields[number].entry != nullptr)
+            text->made[number] = 0; // it is in the file now
+    }
+}
+
+void text_bring_back(Zeltext *text)
+{
+    const char *lang1 = nullptr;
+    const char *lang2 = nullptr;
+    if (text->item == nullptr)
+        return;
+    misc_select_edit_lang(text->lang_source, &lang1, &lang2);
+    for (const int number : field_order) {
+        const char *lang = number == TEXT_COMMENT1 || number == TEXT_TRANS1 ? lang1 : lang2;
+        if (lang != nullptr && text->*fields[number].entry == nullptr)
+            bind_entry(text, number, lang);
+    }
+}
+
+const char *text_missing_language(Zeltext *text)
+{
+    for (const int number : {TEXT_TRANS1, TEXT_TRANS2}) {
+        const lang_entry_t *entry = text->*fields[number].entry;
+        if (entry != nullptr && is_blank(buffer_of(text->*fields[number].view)))
+            return entry->lang;
+    }
+    return nullptr;
 }
 
 bool text_focus_field(Zeltext *text, int field)

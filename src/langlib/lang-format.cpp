@@ -10,14 +10,26 @@
 
 namespace {
 
-// The expected conversions ("%d", "%s") in the order of the arguments, as ids of a split text; null
-// when the description names none. "formater=%25s,%25d" among elements separated by ";".
-min_lex_msg_guard expected_conversions(const char *description)
+// Splits a text into the guarded list; false without memory.
+bool split(const char *text, char separator, char assignment, min_lex_msg_guard &list)
 {
-    const min_lex_msg_guard elements(min_lex_split_msg(nullptr, description, ';', '='));
+    zel_list *elements = nullptr;
+    const bool whole = zel::split_msg(elements, text, separator, assignment);
+    list.reset(elements);
+    return whole;
+}
+
+// The expected conversions ("%d", "%s") in the order of the arguments, as ids of a split text; null
+// when the description names none. "formater=%25s,%25d" among elements separated by ";". False
+// without memory.
+bool expected_conversions(const char *description, min_lex_msg_guard &expected)
+{
+    min_lex_msg_guard elements;
+    if (!split(description, ';', '=', elements))
+        return false;
     const char *conversions = nullptr;
     min_lex_split_msg_get_str(elements.get(), "formater", &conversions, nullptr);
-    return min_lex_msg_guard(min_lex_split_msg(nullptr, conversions, ',', '\0'));
+    return split(conversions, ',', '\0', expected);
 }
 
 // The next "%" that begins a conversion; null when there is none.
@@ -79,8 +91,11 @@ const char *_lang_get_string_fmt(const char *description, const char *group, con
     const char *text = __lang_get_str(&lang, group, item, &found, file, line);
     if (found == 0 || description == nullptr)
         return text;
+    min_lex_msg_guard expected;
+    if (!expected_conversions(description, expected))
+        return item; // an unchecked text could ask for arguments that are not there
     // The text is the table's, where it changes for all requests to come.
-    if (const min_lex_msg_guard expected = expected_conversions(description))
+    if (expected != nullptr)
         check_format(const_cast<char *>(text), expected.get());
     return text;
 }

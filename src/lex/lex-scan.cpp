@@ -2,6 +2,7 @@
 
 #include "lex/lex-keyword.h"
 #include "support/log-print.h"
+#include "support/text.h"
 
 #include <algorithm>
 #include <array>
@@ -17,6 +18,8 @@ namespace {
 using zel::add_byte;
 using zel::clear_token;
 using zel::find_keyword;
+using zel::is_digit;
+using zel::lose_text;
 using zel::mark_start;
 using zel::next_char;
 using zel::peek_char;
@@ -32,9 +35,8 @@ constexpr std::array<unsigned char, 256> make_classes()
 {
     std::array<unsigned char, 256> classes{};
     for (unsigned c = 0; c < 256; ++c) {
-        const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-        const bool digit = c >= '0' && c <= '9';
-        if (letter || digit || c == '_' || c >= 128)
+        const int byte = static_cast<int>(c);
+        if (zel::is_letter(byte) || zel::is_digit(byte) || c == '_' || c >= 128)
             classes[c] |= in_ident;
         if (c != '"' && c != '\\' && c != '\n' && c != '\r')
             classes[c] |= in_string;
@@ -103,15 +105,7 @@ void take_block(zel_lex_buf_t *buf, std::size_t n)
     buf->column += static_cast<std::uint32_t>(n);
 }
 
-// A text that cannot grow ends its token: no capacity is left to it.
-int out_of_memory(zel_token_t *token)
-{
-    token->capacity = 0;
-    token->id = TOKEN_ERR_MEM;
-    return TOKEN_ERR_MEM;
-}
-
-// Appends the run of plain bytes that stands next in the block.
+// Appends the run of plain bytes that stands next in the block; false without memory.
 template <class FindEnd>
 bool add_run(zel_lex_buf_t *buf, zel_token_t *token, FindEnd &&find_end)
 {
@@ -119,12 +113,13 @@ bool add_run(zel_lex_buf_t *buf, zel_token_t *token, FindEnd &&find_end)
     if (block.begin == block.end)
         return true;
     const auto n = static_cast<std::size_t>(find_end(block.begin, block.end) - block.begin);
-    if (!reserve(token, n))
-        return false;
-    std::memcpy(token->lexeme + token->length, block.begin, n);
-    token->length += static_cast<std::uint32_t>(n);
-    take_block(buf, n);
-    return true;
+    const bool fits = reserve(token, n);
+    if (fits) {
+        std::memcpy(token->lexeme + token->length, block.begin, n);
+        token->length += static_cast<std::uint32_t>(n);
+    }
+    take_block(buf, n); // what is lost is passed over all the same
+    return fits;
 }
 
 void end_text(zel_token_t *token) { token->lexeme[token->length] = '\0'; }
@@ -278,11 +273,11 @@ int scan_string(zel_lex_t *lex)
     int kind = string_goes_on;
     while (kind == string_goes_on) {
         if (!add_run(lex->buf, token, find_string_special))
-            return out_of_memory(token);
+            return lose_text(lex, token);
         kind = scan_string_char(lex, token);
     }
     if (kind == TOKEN_ERR_MEM)
-        return out_of_memory(token);
+        return lose_text(lex, token);
     end_text(token);
     return finish(token, kind);
 }
@@ -338,12 +333,10 @@ int scan_identifier(zel_lex_t *lex, int first)
         fits = fits && add_run(lex->buf, token, find_ident_end);
     while (fits && is_class(peek_char(lex->buf), in_ident) && add_byte(token, next_char(lex->buf)));
     if (!fits)
-        return out_of_memory(token);
+        return lose_text(lex, token);
     end_text(token);
     return finish(token, find_keyword(lex, token->lexeme, token->length));
 }
-
-bool is_digit(int c) { return c >= '0' && c <= '9'; }
 
 // A run of digits as a number, cut to 32 bits; the character after them is the result.
 int read_digits(zel_lex_buf_t *buf, int first, std::uint32_t &number)
@@ -363,8 +356,10 @@ void enter_marker_file(zel_lex_t *lex, const zel_token_t *name)
     if (lex->marker_count >= ZEL_LEX_MARKER_FILES || name->length > marker_name_limit)
         return;
     char *copy = strdup(name->lexeme);
-    if (copy == nullptr)
+    if (copy == nullptr) {
+        lex->out_of_memory = 1;
         return;
+    }
     std::free(lex->marker_files[lex->marker_count]);
     lex->marker_files[lex->marker_count] = copy;
     lex->buf->marker_file = lex->marker_count++;
@@ -390,8 +385,8 @@ void scan_line_marker(zel_lex_t *lex)
     while (c != '"' && c != ZEL_LEX_EOF)
         c = next_char(buf);
     for (c = c == '"' ? next_char(buf) : c; c != '"' && c != ZEL_LEX_EOF; c = next_char(buf))
-        if (name->length <= marker_name_limit)
-            add_byte(name, c);
+        if (name->length <= marker_name_limit && !add_byte(name, c))
+            lex->out_of_memory = 1;
     end_text(name);
     std::uint32_t flag = 0;
     while (!is_digit(c) && c != '\n' && c != ZEL_LEX_EOF)
@@ -435,7 +430,10 @@ int scan_slash(zel_lex_t *lex)
         return finish(lex->work, '/');
     next_char(buf);
     const bool closed = second == '*' ? skip_block_comment(buf) : skip_line_comment(buf);
-    return closed ? 0 : finish(lex->work, TOKEN_EOF);
+    if (closed)
+        return 0;
+    lex->open_comment = second == '*' ? 1 : 0;
+    return finish(lex->work, TOKEN_EOF);
 }
 
 // The end of a run of blanks, looked at eight bytes at a time: indentation is long.
@@ -572,8 +570,6 @@ int zel_get_token(zel_lex_t *lex)
     clear_token(lex->work);
     if (lex->buf == nullptr)
         return TOKEN_ERR_MEM;
-    if (lex->work->capacity == 0 && !reserve(lex->work, 0))
-        return TOKEN_ERR_MEM;
     int kind = 0;
     while (kind == 0) {
         skip_white_space(lex);
@@ -603,7 +599,7 @@ int lex_do_numeric(zel_lex_t *lex, int first, int start)
         kind = seen ? TOKEN_FLOAT : TOKEN_DEC;
     }
     if (!fits)
-        return out_of_memory(token);
+        return lose_text(lex, token);
     end_text(token);
     return kind;
 }

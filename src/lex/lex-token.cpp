@@ -27,8 +27,23 @@ void clear_token(zel_token_t *token)
 {
     token->id = 0;
     token->length = 0;
-    if (token->capacity > 0)
-        token->lexeme[0] = '\0';
+    if (token->capacity == 0)
+        token->capacity = token->room;
+    token->lexeme[0] = '\0';
+}
+
+// The area stays the token's, so that a scanner goes on through its input however little memory
+// there is.
+int lose_text(zel_lex_t *lex, zel_token_t *token)
+{
+    lex->out_of_memory = 1;
+    if (token->capacity != 0)
+        token->room = token->capacity;
+    token->capacity = 0;
+    token->length = 0;
+    token->lexeme[0] = '\0';
+    token->id = TOKEN_ERR_MEM;
+    return TOKEN_ERR_MEM;
 }
 
 // Long texts grow by half, so that their cost stays linear.
@@ -36,7 +51,7 @@ bool grow(zel_token_t *token, std::size_t n)
 {
     const std::size_t length = token->length;
     const std::size_t wanted = std::max(length + n + ZEL_LEX_LEXEME, length + length / 2);
-    if (wanted > 0x7fffffff)
+    if (wanted > 0x7fffffff || token->capacity == 0)
         return false;
     char *grown = static_cast<char *>(std::realloc(token->lexeme, wanted));
     if (grown == nullptr)

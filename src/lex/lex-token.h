@@ -53,13 +53,14 @@ struct Keytab {
 struct zel_token_t {
     std::int16_t id;         // kind or keyword id
     char *lexeme;            // the text, NUL-terminated, owned
-    int capacity;            // of lexeme; 4096 at first
+    int capacity;            // of lexeme; 4096 at first, 0 once it could not grow
     std::uint32_t length;    // bytes in lexeme (a string may hold NUL bytes)
     std::uint32_t line;      // of the token's start, from 1
     std::uint32_t column;    // characters read on that line when the token started
     std::uint64_t offset;    // characters read from the input when the token started
     int file_index;          // of the current line-marker file name
     std::uint32_t file_line; // line according to the line markers
+    int room;                // the capacity before it became 0
 };
 
 struct zel_lex_t;
@@ -84,9 +85,9 @@ struct zel_lex_t {
     std::uint32_t marker_count;
     char *marker_files[ZEL_LEX_MARKER_FILES];
     char position_text[ZEL_LEX_POSITION_TEXT]; // for zel_lex_linemarker_info
-    const Keytab *table;                       // the table the index was made for,
-    Keytab *keyword_rows;                      // and its rows at that time, owned
-    std::uint32_t hashed;                      // 1: keyword_hash answers in place of the bisection
+    std::uint32_t out_of_memory; // 1: something of the input has been left out for want of memory
+    std::uint32_t open_comment;  // 1: the input ended inside a comment
+    std::uint32_t hashed;        // 1: keyword_hash answers in place of the bisection
     std::uint16_t keyword_hash[ZEL_LEX_KEYWORD_SLOTS]; // slot of the keyword index, 0 empty
 };
 
@@ -100,6 +101,10 @@ namespace zel {
 [[nodiscard]] zel_token_t *new_token();
 
 void clear_token(zel_token_t *token);
+
+// What a token is whose text could not grow: TOKEN_ERR_MEM, which is returned, without text and
+// capacity. The scanner remembers it.
+int lose_text(zel_lex_t *lex, zel_token_t *token);
 
 // Gives the text a larger area, with room for n more bytes; false without memory.
 bool grow(zel_token_t *token, std::size_t n);

@@ -18,6 +18,14 @@
 void _zel_lex_free(zel_lex_t *lex);
 using zel_lex_guard = std::unique_ptr<zel_lex_t, zel::release<_zel_lex_free>>;
 
+namespace zel {
+
+// Makes a scanner as it was when it was new, without a buffer; its words, flags, and the room of
+// its tokens stay. For clients that need one for each of many small texts.
+void restart_scanner(zel_lex_t *lex);
+
+} // namespace zel
+
 // Logs a release, for tracing.
 void dbg_zel_lex_free(const void *ptr, const char *file, int line);
 
@@ -44,6 +52,12 @@ void zel_lex_buf_clear(zel_lex_t *lex, zel_lex_buf_t *buf);
 
 // Moves the input; returns the offset.
 std::uint64_t zel_lex_seek(zel_lex_t *lex, std::uint64_t offset);
+
+// 1 once the scanner, or a helper that reads from it, has left something of its input out for want
+// of memory; 1 when the input ended inside a block comment (until another buffer is attached). 0
+// for a null scanner.
+int zel_lex_out_of_memory(const zel_lex_t *lex);
+int zel_lex_open_comment(const zel_lex_t *lex);
 
 // The keyword's id, or TOKEN_IDENT.
 int keyws(zel_lex_t *lex, const char *word);

@@ -1,6 +1,7 @@
 #include "source/group.h"
 
 #include "support/string-copy.h"
+#include "support/text.h"
 
 #include <cstring>
 
@@ -9,7 +10,7 @@ namespace {
 // A name read or copied from an empty string is null.
 bool same_name(const char *name, const char *wanted)
 {
-    return std::strcmp(name == nullptr ? "" : name, wanted) == 0;
+    return std::strcmp(zel::or_empty(name), wanted) == 0;
 }
 
 // The text of a new item is its name, in the language the application is written in.

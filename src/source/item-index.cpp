@@ -2,14 +2,13 @@
 
 #include "source/group.h"
 #include "support/string-copy.h"
+#include "support/text.h"
 
 #include <cstring>
 
 namespace zel {
 
 namespace {
-
-const char *or_empty(const char *text) { return text == nullptr ? "" : text; }
 
 bool same_name(const char *stored, const char *wanted)
 {

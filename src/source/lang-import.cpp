@@ -1,11 +1,13 @@
 #include "source/lang-import.h"
 
+#include "langlib/compiled-file.h"
 #include "langlib/lang.h"
+#include "source/misc.h"
 #include "support/log-print.h"
 #include "support/string-copy.h"
+#include "support/string.h"
+#include "support/text.h"
 
-#include <array>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -33,7 +35,7 @@ int check(const LangSource *source, const lang_handle_t *handle)
 bool defines(const LangSource *source, const char *language)
 {
     for (const lang_t *lang : zel::each<lang_t>(source->langs)) {
-        dbg_printf("lang_desc >%s<\n", lang->name == nullptr ? "" : lang->name);
+        dbg_printf("lang_desc >%s<\n", zel::or_empty(lang->name));
         if (lang->name != nullptr && std::strcmp(lang->name, language) == 0) {
             dbg_printf("language ->%s< exist\n", language);
             return true;
@@ -44,28 +46,23 @@ bool defines(const LangSource *source, const char *language)
 
 void define(LangSource *source, const char *language)
 {
-    lang_t *lang = alloc_lang();
+    zel::string_guard name(zel_strdup(language));
+    zel::string_guard file(zel_strdup_printf("%s%s", language, zel::compiled_ending));
+    lang_t *lang = name == nullptr || file == nullptr ? nullptr : alloc_lang();
     if (lang == nullptr)
         return;
-    std::array<char, 2048> file{};
-    std::snprintf(file.data(), file.size(), "%s.lang", language);
-    lang->name = zel_strdup(language);
-    lang->file = zel_strdup(file.data());
+    lang->name = name.release();
+    lang->file = file.release();
     source->langs = g_list_append(source->langs, lang);
 }
 
-lang_entry_t *find_entry(const item_t *item, const char *language)
-{
-    for (lang_entry_t *entry : zel::each<lang_entry_t>(item->langs)) {
-        if (entry->lang != nullptr && std::strcmp(entry->lang, language) == 0)
-            return entry;
-    }
-    return nullptr;
-}
-
+// Without memory the item keeps what it has.
 void set_text(item_t *item, const char *language, const char *text)
 {
-    lang_entry_t *entry = find_entry(item, language);
+    zel::string_guard copy(zel_strdup(text));
+    if (copy == nullptr)
+        return;
+    lang_entry_t *entry = misc_select_lang_entry(item, language);
     if (entry != nullptr) {
         dbg_printf("      found, replace\n");
         free_lang_entry_text(entry->texts);
@@ -77,7 +74,7 @@ void set_text(item_t *item, const char *language, const char *text)
             return;
         item->langs = g_list_append(item->langs, entry);
     }
-    entry->texts = g_list_append(nullptr, zel_strdup(text));
+    entry->texts = g_list_append(nullptr, copy.release());
 }
 
 void import_item(const edit_t *group, item_t *item, lang_handle_t *handle)
@@ -92,8 +89,8 @@ void import_item(const edit_t *group, item_t *item, lang_handle_t *handle)
     const char *text =
         named ? __lang_get_str(handle, group->name, item->name, &found, __FILE__, __LINE__)
               : nullptr;
-    dbg_printf("    text >%s:%s< >%s<\n", group->name == nullptr ? "" : group->name,
-               item->name == nullptr ? "" : item->name, text == nullptr ? "" : text);
+    dbg_printf("    text >%s:%s< >%s<\n", zel::or_empty(group->name), zel::or_empty(item->name),
+               zel::or_empty(text));
     if (text != nullptr)
         set_text(item, handle->language, text);
 }

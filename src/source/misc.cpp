@@ -1,9 +1,9 @@
 #include "source/misc.h"
 
 #include "support/log-print.h"
+#include "support/text.h"
 
 #include <array>
-#include <cctype>
 #include <cstring>
 #include <unistd.h>
 
@@ -11,17 +11,10 @@ namespace {
 
 constexpr std::size_t searched_bytes = 4191; // of a line
 
-bool is_space(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
-
-bool same_text(const char *a, const char *b)
-{
-    return a != nullptr && b != nullptr && std::strcmp(a, b) == 0;
-}
-
 bool is_blank_line(const char *line)
 {
     for (; line != nullptr && *line != '\0'; ++line)
-        if (!is_space(*line))
+        if (!zel::is_space(*line))
             return false;
     return true;
 }
@@ -33,7 +26,7 @@ lang_entry_t *misc_select_lang_entry(item_t *item, const char *lang)
     if (item == nullptr)
         return nullptr;
     for (lang_entry_t *entry : zel::each<lang_entry_t>(item->langs))
-        if (same_text(entry->lang, lang))
+        if (lang != nullptr && std::strcmp(zel::or_empty(entry->lang), lang) == 0)
             return entry;
     return nullptr;
 }
@@ -65,7 +58,7 @@ void misc_remove_empty_lines(lang_entry_t *entry)
         if (line == nullptr)
             continue;
         std::size_t length = std::strlen(line);
-        while (length > 0 && is_space(line[length - 1]))
+        while (length > 0 && zel::is_space(line[length - 1]))
             --length;
         line[length] = '\0';
         if (length > 0)
@@ -83,7 +76,7 @@ int misc_search_in_lang_entry(lang_entry_t *entry, const char *needle)
             continue;
         const std::size_t length = strnlen(line, searched_bytes);
         for (std::size_t i = 0; i < length; ++i)
-            lower[i] = static_cast<char>(std::tolower(static_cast<unsigned char>(line[i])));
+            lower[i] = static_cast<char>(zel::lower(line[i]));
         lower[length] = '\0';
         if (g_strstr_len(lower.data(), static_cast<gssize>(length), needle) != nullptr)
             return 1;

@@ -1,6 +1,7 @@
 #include "support/gen_path.h"
 
 #include "support/log-print.h"
+#include "support/text.h"
 
 #include <cstdarg>
 #include <cstdint>
@@ -9,8 +10,6 @@
 
 namespace {
 
-bool is_separator(char c) { return c == '/' || c == '\\'; }
-
 // A path that grows in the caller's buffer. Pieces go in whole or not at all, so that a path that
 // does not fit never names another file.
 struct joined_path {
@@ -18,7 +17,7 @@ struct joined_path {
     std::size_t limit; // the length must stay below it
     std::size_t length;
 
-    bool ends_in_separator() const { return length > 0 && is_separator(buffer[length - 1]); }
+    bool ends_in_separator() const { return length > 0 && zel::is_separator(buffer[length - 1]); }
 
     bool add(std::string_view piece)
     {
@@ -45,9 +44,9 @@ bool add_first(joined_path &path, const char *first)
 
 bool add_further(joined_path &path, std::string_view component)
 {
-    if (is_separator(component.front()))
+    if (zel::is_separator(component.front()))
         component.remove_prefix(1);
-    if (!component.empty() && is_separator(component.back()))
+    if (!component.empty() && zel::is_separator(component.back()))
         component.remove_suffix(1);
     return path.add(component) && path.add("/");
 }

@@ -3,6 +3,7 @@
 #include "support/log-print.h"
 #include "support/misc-error.h"
 #include "support/string-copy.h"
+#include "support/text.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -234,11 +235,14 @@ void zel_list_debug_info()
 key_val *key_val_new(const char *key, const char *val)
 {
     auto *record = static_cast<key_val *>(std::calloc(1, sizeof(key_val)));
-    if (record != nullptr) {
-        record->key = zel_strdup(key);
-        record->val = zel_strdup(val);
-    }
-    return record;
+    if (record == nullptr)
+        return nullptr;
+    record->key = zel_strdup(key);
+    record->val = zel_strdup(val);
+    if (zel::is_copy(record->key, key) && zel::is_copy(record->val, val))
+        return record;
+    key_val_free(record);
+    return nullptr;
 }
 
 void key_val_free(key_val *record)
@@ -257,7 +261,7 @@ void zel_list_free_with_key_val(zel_list *list) { zel_list_free_full(list, zel_l
 // An empty key or value is stored as null and sorts as an empty string.
 static int compare_strings(const char *a, const char *b)
 {
-    return std::strcmp(a == nullptr ? "" : a, b == nullptr ? "" : b);
+    return std::strcmp(zel::or_empty(a), zel::or_empty(b));
 }
 
 int key_val_sort_func_key(const void *a, const void *b)

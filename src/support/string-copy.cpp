@@ -3,16 +3,22 @@
 #include "support/log-print.h"
 #include "support/misc-error.h"
 
+#include <atomic>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
 namespace {
+
+std::atomic<unsigned> failures;
 
 char *copy_of(const char *text, std::size_t length)
 {
     char *copy = static_cast<char *>(std::malloc(length + 2));
     if (copy != nullptr)
         std::memcpy(copy, text, length + 1);
+    else
+        zel::copy_failed();
     return copy;
 }
 
@@ -48,12 +54,16 @@ char *_zel_str_add(char *owned, const char *add, const char *file, int line)
         return _zel_strdup(add, file, line);
     const std::size_t length = std::strlen(owned);
     const std::size_t added = std::strlen(add);
+    // A part of the owned string moves with it.
+    const auto at = reinterpret_cast<std::uintptr_t>(add) - reinterpret_cast<std::uintptr_t>(owned);
     char *grown = static_cast<char *>(std::realloc(owned, length + added + 2));
     if (grown == nullptr) {
+        zel::copy_failed();
         _zel_fatal(file, line, "not enough memory");
         return owned;
     }
-    std::memcpy(grown + length, add, added + 1);
+    std::memcpy(grown + length, at <= length ? grown + at : add, added);
+    grown[length + added] = '\0';
     return grown;
 }
 
@@ -67,6 +77,7 @@ char *_zel_strdup_add(const char *first, const char *second)
     const std::size_t added = std::strlen(second);
     char *joined = static_cast<char *>(std::malloc(length + added + 2));
     if (joined == nullptr) {
+        zel::copy_failed();
         _zel_fatal("zel_malloc", __LINE__, "not enough memory");
         return nullptr;
     }
@@ -76,6 +87,10 @@ char *_zel_strdup_add(const char *first, const char *second)
 }
 
 namespace zel {
+
+unsigned failed_copies() noexcept { return failures.load(std::memory_order_relaxed); }
+
+void copy_failed() noexcept { failures.fetch_add(1, std::memory_order_relaxed); }
 
 void free_string(char *text) noexcept { std::free(text); }
 

@@ -14,8 +14,9 @@
 // A copy that keeps an empty string; null for null. Without memory it logs and gives null.
 [[nodiscard]] char *_zel_strdup2(const char *text, const char *file, int line);
 
-// The owned string grown by the other one; use the result in its place. A null owned string gives
-// a copy of the other (null when it is empty), a null addition the owned string unchanged.
+// The owned string grown by the other one, which may be a part of it; use the result in its place.
+// A null owned string gives a copy of the other (null when it is empty), a null addition the owned
+// string unchanged, and so does a lack of memory, after a fatal error's report.
 [[nodiscard]] char *_zel_str_add(char *owned, const char *add, const char *file, int line);
 
 // A new string of both; when one is null a copy of the other (null when that is empty or null).
@@ -25,6 +26,18 @@
 #define zel_strdup2(text) _zel_strdup2((text), __FILE__, __LINE__)
 
 namespace zel {
+
+// How many copies of this file's kinds found no memory since the process began. A reader that
+// finds another number after its work than before has missed something. copy_failed counts one
+// more, for copies made elsewhere.
+unsigned failed_copies() noexcept;
+void copy_failed() noexcept;
+
+// Whether the result of zel_strdup is the text's copy: null for nothing and for an empty text only.
+inline bool is_copy(const char *copy, const char *text)
+{
+    return copy != nullptr || text == nullptr || *text == '\0';
+}
 
 void free_string(char *text) noexcept;
 using string_guard = std::unique_ptr<char, release<free_string>>;

@@ -3,6 +3,7 @@
 #include "support/file-call.h"
 #include "support/log-print.h"
 #include "support/misc-error.h"
+#include "support/text.h"
 
 #include <algorithm>
 #include <array>
@@ -10,7 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <string>
+#include <glib.h>
 #include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -18,8 +19,6 @@
 namespace {
 
 constexpr std::string_view separators = "/\\";
-
-bool is_separator(char c) { return separators.find(c) != std::string_view::npos; }
 
 char *new_string(std::string_view text)
 {
@@ -129,14 +128,14 @@ char *dup_ptr_from_to(const char *base, const char *from, const char *to)
     return new_string({from, strnlen(from, static_cast<std::size_t>(to - from))});
 }
 
-int zel_get_sub_str(const char **cursor, char *out, char separator, int size)
+int zel_get_sub_str(char **cursor, char *out, char separator, int size)
 {
-    const char *text = *cursor;
+    char *text = *cursor;
     if (text == nullptr || *text == '\0')
         return 0;
     if (*text == separator)
         ++text;
-    const char *end = text;
+    char *end = text;
     while (*end != '\0' && *end != separator)
         ++end;
     *cursor = end;
@@ -197,9 +196,8 @@ int zel_str_count_lf(const char *text)
 
 int zel_str_float_cmp(const char *text, float number)
 {
-    float value = 0.0F;
-    if (text != nullptr && std::sscanf(text, "%f", &value) != 1)
-        value = 0.0F;
+    // With a point in every locale.
+    const float value = text == nullptr ? 0.0F : static_cast<float>(g_ascii_strtod(text, nullptr));
     if (value < number)
         return -1;
     return value > number ? 1 : 0;
@@ -313,7 +311,7 @@ int zel_path_get_drive(const char *path, char *out, int size)
     }
     if (whole[1] == ':')
         return copy_drive(whole.substr(0, 2), out, size);
-    if (is_separator(whole[0]) && is_separator(whole[1]))
+    if (zel::is_separator(whole[0]) && zel::is_separator(whole[1]))
         return copy_drive(whole.substr(0, whole.find_first_of(separators, 2)), out, size);
     return 1;
 }

@@ -107,7 +107,7 @@ std::string outcome(const std::string &text, bool jump)
            std::to_string(buffer->column) + " at " + std::to_string(buffer->position);
 }
 
-TEST(Skip, ChangesNothing)
+TEST(SkipSlow, ChangesNothing)
 {
     std::mt19937 random(1);
     for (int round = 0; round < 4000; ++round) {

@@ -5,6 +5,7 @@
 #include "editor/define.h"
 #include "editor/edit-state.h"
 #include "gui-support.h"
+#include "support/log.h"
 #include "support/string-copy.h"
 #include "test-support.h"
 
@@ -188,6 +189,18 @@ TEST_F(Define, RemembersWhereItStood)
         EXPECT_TRUE(wait_for([] { return ini->define_x == 123 && ini->define_y == 77; }))
             << ini->define_x << " " << ini->define_y;
     });
+}
+
+TEST_F(Define, ItsEndIsLoggedOnEveryWayOut)
+{
+    for (const answer_fn &way : {press("Close"), close_window(), answer_fn(gtk_widget_destroy)}) {
+        fs::remove("log");
+        LogOpen("log", LOG_OPEN_NEW, "test");
+        open([] {}, way);
+        LogClose();
+        EXPECT_THAT(read_file("log"),
+                    testing::HasSubstr("default_destroy: msg_box: g_main_loop_quit\n"));
+    }
 }
 
 TEST_F(Define, GoesWithTheWindowAboveIt)

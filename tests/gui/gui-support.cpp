@@ -103,6 +103,16 @@ void collect(GtkWidget *widget, const std::function<bool(GtkWidget *)> &wanted,
         &state);
 }
 
+// Without a display nothing is tested, and that is a failure.
+class display : public testing::Environment {
+    void SetUp() override
+    {
+        if (!gtk_init_check(nullptr, nullptr))
+            FAIL() << "no display; run it under tools/with-display";
+    }
+};
+const testing::Environment *const opened = testing::AddGlobalTestEnvironment(new display);
+
 GtkWidget *first(GtkWidget *root, const std::function<bool(GtkWidget *)> &wanted)
 {
     std::vector<GtkWidget *> found;
@@ -233,8 +243,13 @@ GtkWidget *tool_button(GtkWidget *window, const std::string &tooltip)
 
 std::string run_editor(const std::string &file, const std::function<void()> &scenario)
 {
+    static bool played;
+    played = false;
     const auto start = [](gpointer data) -> gboolean {
-        (*static_cast<const std::function<void()> *>(data))();
+        played = true;
+        g_log_set_default_handler(note_warning, nullptr); // the editor has set its own
+        if (const auto &scene = *static_cast<const std::function<void()> *>(data))
+            scene();
         lang_global.modified = 0;
         if (mainWin != nullptr)
             close_window()(mainWin);
@@ -245,8 +260,9 @@ std::string run_editor(const std::string &file, const std::function<void()> &sce
             G_PRIORITY_LOW, start, const_cast<std::function<void()> *>(&scenario), nullptr);
         EXPECT_EQ(edit_start(file.empty() ? nullptr : file.c_str()), 0);
         if (g_main_context_find_source_by_id(nullptr, source) != nullptr)
-            g_source_remove(source); // the editor did not get as far as its main loop
+            g_source_remove(source);
     });
+    EXPECT_EQ(played, static_cast<bool>(scenario)) << "whether the editor came to its main loop";
     if (testing::Test::HasFailure()) // what failed stands among it
         std::fputs(printed.c_str(), stderr);
     return printed;

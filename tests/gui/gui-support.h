@@ -1,8 +1,8 @@
 #pragma once
 
 // What the tests of the editor's windows share: a main loop with a time limit, answers to dialogs
-// that will appear, keys, and a record of the toolkit's warnings. The program's main opens the
-// display and fails when there is none.
+// that will appear, keys, and a record of the toolkit's warnings. The tests fail when
+// there is no display.
 
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
@@ -78,7 +78,8 @@ std::vector<std::string> &warnings();
 
 // --- The editor --------------------------------------------------------------------------------
 // Starts the editor with the file (empty: none) and runs the scenario in its main loop; afterwards
-// the window is closed, without a question. Returns what the editor printed.
+// the window is closed, without a question. Without a scenario the editor must end by itself before
+// its main loop. Returns what the editor printed.
 std::string run_editor(const std::string &file, const std::function<void()> &scenario);
 
 // --- Files -------------------------------------------------------------------------------------

@@ -2,6 +2,7 @@
  * the shared library. Ends with the line of the first thing that is wrong. */
 #include <lang.h>
 
+#include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 
@@ -68,13 +69,22 @@ static int check_splitter(void)
     return 0;
 }
 
+static int checked;
+
+/* A library that ends the process does not pass. */
+static void at_end(void)
+{
+    if (!checked)
+        _Exit(1);
+}
+
 int main(int words, char **word)
 {
     lang_handle_t *handle;
     FILE *file;
     int result;
 
-    CHECK(words == 2);
+    CHECK(words == 2 && atexit(at_end) == 0);
     file = fopen(word[1], "w");
     CHECK(file != NULL);
     fputs("LANGUAGE \"test\" GROUP g text { \"Text\" }", file);
@@ -85,5 +95,7 @@ int main(int words, char **word)
     result = check_requests(handle);
     lang_free(handle, 1);
     remove(word[1]);
-    return result != 0 ? result : check_splitter();
+    result = result != 0 ? result : check_splitter();
+    checked = 1;
+    return result;
 }

@@ -8,8 +8,14 @@
 int lang = 1;
 const char *log_init = "mine";
 
+static bool checked;
+
 int main()
 {
+    std::atexit([] { // a library that ends the process does not pass
+        if (!checked)
+            std::_Exit(1);
+    });
     const char *text = lang_get("note", "g",
                                 "in two "
                                 "parts");
@@ -19,5 +25,6 @@ int main()
                       std::strcmp(log_init, "mine") == 0;
     std::free(owned);
     lang_de_init();
+    checked = true;
     return good ? 0 : 1;
 }

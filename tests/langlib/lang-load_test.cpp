@@ -4,6 +4,7 @@
 #include "langlib/compiled-file.h"
 #include "langlib/lang-symbols.h"
 #include "langlib/lang-table.h"
+#include "locales.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -50,6 +51,19 @@ TEST_F(LangLoad, TakesStatementsInAnyOrderAndCase)
     EXPECT_EQ(handle->format, LANG_FORMAT_ASCII);
     EXPECT_EQ(handle->language, nullptr) << "an empty name leaves none";
     EXPECT_EQ(handle->ctime, 4294967295u);
+}
+
+TEST_F(LangLoad, ReadsTheSameInEveryLocale)
+{
+    if (!zel_test::in_each_locale([](const char *name) {
+            const handle_guard handle =
+                load("FORMAT ASCII LANGUAGE \"Italian\" CTIME 100 SRC_MTIME 200 "
+                     "GROUP MAIN \"File\" { DEFAULT \"Datei\" }");
+            EXPECT_EQ(table(handle.get()), "MAIN:File=Datei*") << name;
+            EXPECT_EQ(handle->format, LANG_FORMAT_ASCII) << name;
+            EXPECT_EQ(handle->ctime, 200u) << name;
+        }))
+        GTEST_SKIP() << "no localedef or no definitions of locales";
 }
 
 TEST_F(LangLoad, DropsPositionNumbersInImportMode)

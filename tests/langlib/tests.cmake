@@ -20,5 +20,5 @@ set(sanitize_flags "")
 if(LANG_SANITIZE)
   set(sanitize_flags "-fsanitize=${LANG_SANITIZE}")
 endif()
-set_tests_properties(langlib_install PROPERTIES TIMEOUT 300 ENVIRONMENT
+set_tests_properties(langlib_install PROPERTIES TIMEOUT 300 LABELS slow ENVIRONMENT
   "CC=${CMAKE_C_COMPILER};CXX=${CMAKE_CXX_COMPILER};CFLAGS=${sanitize_flags};CXXFLAGS=${sanitize_flags};LDFLAGS=${sanitize_flags}")

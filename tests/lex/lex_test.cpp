@@ -8,6 +8,7 @@
 
 #include "lex/lex-misc.h"
 #include "lex/scan.h"
+#include "locales.h"
 
 using namespace scan_test;
 using std::string_literals::operator""s;
@@ -113,6 +114,28 @@ TEST(Scanner, AnOpenCommentEndsTheInput)
     EXPECT_EQ(scan("a /* b *", plain), "256:a -1");
     EXPECT_EQ(scan("/", plain), "47 -1");
     EXPECT_EQ(scan_places("a /* b\n c", plain), "256:a@1:0 -1@1:2"); // it stands where it began
+}
+
+TEST(Scanner, TellsThatTheInputEndedInsideAComment)
+{
+    const auto is_open = [](std::string_view text, unsigned flags = plain) {
+        const scanner from(text, flags);
+        all_tokens(from, describe);
+        return zel_lex_open_comment(from.lex()) == 1;
+    };
+    EXPECT_TRUE(is_open("a /* b"));
+    EXPECT_TRUE(is_open("a /* b *"));
+    EXPECT_FALSE(is_open("a /* b */ c"));
+    EXPECT_FALSE(is_open("a // b")) << "which a last line without its feed may be";
+    EXPECT_FALSE(is_open("a /* b", plain | LEX_NO_COMMENTS));
+
+    const scanner from("/*", plain);
+    all_tokens(from, describe);
+    zel_lex_buf_t *old = from.buf();
+    zel_lex_set_buf(from.lex(), zel_lex_buf_mem_new("x", 1));
+    zel_lex_buf_free(old);
+    EXPECT_EQ(zel_lex_open_comment(from.lex()), 0) << "another input";
+    EXPECT_EQ(zel_lex_open_comment(nullptr), 0);
 }
 
 TEST(Scanner, CommentsCanBeSwitchedOff)
@@ -223,6 +246,20 @@ TEST(Keywords, OnlyAsciiLettersFold)
     const Keytab table[] = {{nullptr, 0}, {"\xc3\xa9t\xc3\xa9", 20001}, {nullptr, 0}};
     EXPECT_EQ(scan("\xc3\xa9T\xc3\xa9 \xc3\x89t\xc3\x89", plain | LEX_KEYWORD_NOCASE, table),
               "20001:\xc3\xa9T\xc3\xa9 256:\xc3\x89t\xc3\x89 -1");
+}
+
+TEST(Keywords, AreTheSameInEveryLocale)
+{
+    const Keytab words[] = {{nullptr, 0}, {"item", 20001}, {"VISIBLE", 20002}, {nullptr, 0}};
+    if (!zel_test::in_each_locale([&](const char *name) {
+            EXPECT_EQ(scan("ITEM item iTeM visible VISIBLE", plain | LEX_KEYWORD_NOCASE, words),
+                      "20001:ITEM 20001:item 20001:iTeM 20002:visible 20002:VISIBLE -1")
+                << name;
+            EXPECT_EQ(scan("\xDDTEM \xFDtem", plain | LEX_KEYWORD_NOCASE, words),
+                      "256:\xDDTEM 256:\xFDtem -1")
+                << name;
+        }))
+        GTEST_SKIP() << "no localedef or no definitions of locales";
 }
 
 TEST(Keywords, TheTableEndsAtTheFirstRowWithoutAnId)

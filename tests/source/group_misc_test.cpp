@@ -8,6 +8,7 @@
 #include <string>
 #include <unistd.h>
 
+#include "locales.h"
 #include "source/source-text.h"
 #include "support/string-copy.h"
 #include "working-dir.h"
@@ -176,6 +177,8 @@ TEST_F(Texts, AnItemsEntryByLanguage)
     EXPECT_EQ(misc_select_lang_entry(item.get(), "french"), nullptr);
     EXPECT_EQ(misc_select_lang_entry(nullptr, "german"), nullptr);
     EXPECT_EQ(misc_select_lang_entry(item.get(), nullptr), nullptr);
+    EXPECT_EQ(misc_select_lang_entry(item.get(), ""), item->langs->data)
+        << "the name \"\" of a file";
 }
 
 std::string quoted(unsigned indent, const char *text)
@@ -195,6 +198,16 @@ TEST(QuotedStrings, IndentAndEscapes)
     EXPECT_EQ(quoted(6, "\r\t\n\\"), "        \"\\r\\t\\n\\\\\"");
     EXPECT_EQ(quoted(1, nullptr), "   \"\"");
     EXPECT_EQ(quoted(0, "\x07\x1b\x7f\xff'/*"), "  \"\x07\x1b\x7f\xff'/*\"");
+}
+
+TEST(Search, FoldsTheSameLettersInEveryLocale)
+{
+    lang_entry_t *entry = alloc_lang_entry("english");
+    entry->texts = g_list_append(nullptr, zel_strdup("FILE \xC3\x9C"));
+    zel_test::in_each_locale([entry](const char *name) {
+        EXPECT_EQ(misc_search_in_lang_entry(entry, "file \xC3\x9C"), 1) << name;
+    });
+    free_lang_entry_list(g_list_append(nullptr, entry));
 }
 
 TEST(EditedLanguages, AreTheFirstTwoMarked)

@@ -350,7 +350,8 @@ TEST_F(Write, ANewPathHasNoBackup)
     EXPECT_EQ(files(), (std::vector<std::string>{"app.lang-src", "in.lang-src"}));
 }
 
-TEST_F(Write, ABackupNeverReplacesAnotherOne)
+using WriteSlow = Write;
+TEST_F(WriteSlow, ABackupNeverReplacesAnotherOne)
 {
     const source_guard source = read(sample);
     write_file("app.lang-src", "text 0");

@@ -1,5 +1,6 @@
 #include "support/string.h"
 
+#include "locales.h"
 #include "log-fixture.h"
 
 #include <cstring>
@@ -20,8 +21,9 @@ std::string changed(const char *text, Operation &&operation)
     return buffer;
 }
 
-std::vector<std::string> fields(const char *text, int size)
+std::vector<std::string> fields(std::string whole, int size)
 {
+    char *text = whole.data();
     std::vector<std::string> found;
     char field[16];
     while (found.size() < 10 && zel_get_sub_str(&text, field, ',', size) == 1)
@@ -100,6 +102,8 @@ TEST(string, compares_and_counts)
     EXPECT_EQ(-1, zel_str_float_cmp("1.25", 1.5F));
     EXPECT_EQ(0, zel_str_float_cmp("1.5", 1.5F));
     EXPECT_EQ(1, zel_str_float_cmp("2", 1.5F));
+    zel_test::in_each_locale(
+        [](const char *name) { EXPECT_EQ(0, zel_str_float_cmp("1.5", 1.5F)) << name; });
     EXPECT_EQ(2, zel_str_count_lf("a\n\nb"));
     EXPECT_EQ(0, zel_strlen(nullptr));
 }
