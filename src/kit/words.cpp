@@ -16,6 +16,10 @@ namespace {
 constexpr word table[] = {
     {"start", "[--default NAME] [--language NAME]... FILE",
      "begin an empty language source with its languages", run_start},
+    {"export", "--format FORMAT [--language NAME]... [-o DIR] SOURCE",
+     "hand the texts out in another format", run_export},
+    {"import", "--format FORMAT [--comments] [--dry-run] [-o FILE] SOURCE FILE...",
+     "take texts in from files of another format", run_import},
 };
 
 void print_help()

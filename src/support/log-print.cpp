@@ -96,6 +96,17 @@ int LogPrint(int level, const char *format, ...)
     return 0;
 }
 
+void zel::print_and_log(int level, const char *format, ...)
+{
+    std::va_list args;
+    va_start(args, format);
+    std::vprintf(format, args);
+    va_end(args);
+    va_start(args, format);
+    vfLogPrint(level, format, args);
+    va_end(args);
+}
+
 int dbg_printf(const char *format, ...)
 {
     if (__dbg_printf_on__ == 0)
