@@ -12,6 +12,7 @@
 
 #include "exchange/input.h"
 #include "source/model.h"
+#include "support/text.h"
 
 namespace zel::exchange {
 
@@ -74,8 +75,6 @@ private:
 
 // Writes the files of an export: one for each of the exporter's languages, or a single one.
 using texts_writer = void (*)(exporter &from, std::vector<outgoing_file> &to);
-
-inline std::string_view or_empty(const char *text) { return text == nullptr ? "" : text; }
 
 // The item's description; the writer of sources stores none as "none".
 std::string_view description_of(const item_t *item);
