@@ -1,9 +1,11 @@
 #include "app/global.h"
 
+#include "app/memory.h"
 #include "support/file-call.h"
 #include "support/log.h"
 #include "support/string-copy.h"
 #include "support/string.h"
+#include "support/text.h"
 
 #include <csignal>
 #include <cstdio>
@@ -67,14 +69,16 @@ void lang_global_init()
     open_log(log_path.c_str(), is_cut);
     lang_global.doc_base_dir =
         zel_strdup(runs_from_build_tree() ? LANG_SOURCE_DATA_DIR : LANG_DATA_DIR);
-    lang_global.doc_dir = zel_strdup_printf("%s/doc", lang_global.doc_base_dir);
+    lang_global.doc_dir = zel_strdup_printf("%s/doc", zel::or_empty(lang_global.doc_base_dir));
 }
 
 const char *lang_get_home()
 {
     if (lang_home == nullptr) {
         const char *home = std::getenv("HOME");
-        lang_home = zel_strdup_printf("%s/%s", home == nullptr ? "" : home, home_name);
+        lang_home = zel_strdup_printf("%s/%s", zel::or_empty(home), home_name);
+        if (lang_home == nullptr)
+            zel::end_for_memory();
     }
     return lang_home;
 }
