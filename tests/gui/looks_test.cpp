@@ -68,6 +68,9 @@ TEST_F(Looks, EveryFieldHasItsLinesInTheSmallestWindow)
                     EXPECT_GE(lines_in(view), 1) << font << ", mode " << mode;
                 for (GtkWidget *view : {panel()->trans1_view, panel()->trans2_view})
                     EXPECT_GE(lines_in(view), 2) << font << ", mode " << mode;
+                if (std::string("Sans 10") == font) {
+                    EXPECT_TRUE(in_sight(panel()->trans2_view)) << "nothing scrolls, mode " << mode;
+                }
                 for (const int field : {TEXT_TRANS2, TEXT_COMMENT1, TEXT_COMMENT2, TEXT_TRANS1}) {
                     zel::text_focus_field(panel(), field);
                     settle();
