@@ -21,15 +21,15 @@ constexpr std::size_t log_path_size = 2048; // longer paths are cut
 
 char *lang_home;
 
-// True while the program runs from the tree that it was built in.
-bool runs_from_build_tree()
+// Beside the program, as it is built, or from there to the data directory, as it is installed.
+std::string data_directory()
 {
-    std::error_code error;
-    const std::string program = std::filesystem::read_symlink("/proc/self/exe", error);
-    if (error)
-        return false;
-    const std::string tree = std::filesystem::weakly_canonical(LANG_BUILD_DIR, error);
-    return !error && program.starts_with(tree + "/");
+    const std::string program = zel::program_directory();
+    std::error_code ignored;
+    const std::string built = program + "lang-data";
+    if (std::filesystem::exists(built, ignored))
+        return built;
+    return std::filesystem::path(program + LANG_DATA_FROM_PROGRAM).lexically_normal();
 }
 
 char *new_log_path()
@@ -50,14 +50,20 @@ void clear_record()
 
 } // namespace
 
+std::string zel::program_directory()
+{
+    std::error_code ignored;
+    const std::string program = std::filesystem::read_symlink("/proc/self/exe", ignored);
+    return program.substr(0, program.rfind('/') + 1);
+}
+
 void lang_global_init()
 {
     clear_record();
     lang_global.start_time = std::time(nullptr);
     lang_global.log_file = new_log_path();
     LogOpen(lang_global.log_file, LOG_OPEN_NEW, "ZEL Language editor");
-    lang_global.doc_base_dir =
-        zel_strdup(runs_from_build_tree() ? LANG_SOURCE_DATA_DIR : LANG_DATA_DIR);
+    lang_global.doc_base_dir = zel_strdup(data_directory().c_str());
     lang_global.doc_dir = zel_strdup_printf("%s/doc", lang_global.doc_base_dir);
 }
 
