@@ -72,10 +72,21 @@ TEST_F(global, start_opens_the_log_and_fills_the_record)
     EXPECT_NEAR(static_cast<double>(std::time(nullptr)),
                 static_cast<double>(lang_global.start_time), 5.0);
     EXPECT_EQ(log, lang_global.log_file);
-    EXPECT_EQ(std::string(LANG_SOURCE_ROOT) + "/data/doc", lang_global.doc_dir);
     EXPECT_EQ("before", zel_test::read_file(log + ".old"));
     EXPECT_THAT(zel_test::read_file(log),
                 StartsWith("Start logging Version ZEL Language editor  "));
+}
+
+TEST_F(global, data_is_found_from_the_program)
+{
+    const std::string program = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+    lang_global_init();
+    const std::string above = std::filesystem::path(program).parent_path();
+    EXPECT_EQ(above + "/share/lang/doc", lang_global.doc_dir) << "as it is installed";
+    std::filesystem::create_directory(program + "/lang-data");
+    lang_global_init();
+    std::filesystem::remove(program + "/lang-data");
+    EXPECT_EQ(program + "/lang-data/doc", lang_global.doc_dir) << "as it is built";
 }
 
 TEST_F(global, start_without_a_log_directory_and_again)
