@@ -79,6 +79,19 @@ std::string reference_text(const LangSource &source, const item_t *item)
     return text;
 }
 
+void outgoing_file::flush()
+{
+    keep(text);
+    text.clear();
+}
+
+void outgoing_file::flush_large()
+{
+    constexpr std::size_t large = std::size_t{64} * 1024;
+    if (text.size() >= large)
+        flush();
+}
+
 exporter::exporter(const export_request &request) : request_(request)
 {
     for (const lang_t *lang : each<lang_t>(request.source->langs)) {

@@ -4,7 +4,6 @@
 // one piece, the reference text beside it.
 
 #include <cstdint>
-#include <cstdio>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -38,10 +37,13 @@ struct outgoing_item {
     std::string default_comment;    // in the default language
 };
 
-// One file under construction: the stream gets the text in large pieces.
+// One file under construction: whoever keeps it gets the text in large pieces.
 struct outgoing_file {
-    std::FILE *stream;
+    std::function<void(std::string_view)> keep;
     std::string text;
+
+    void flush();       // what is there
+    void flush_large(); // the same once it is worth it
 };
 
 class exporter {

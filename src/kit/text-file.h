@@ -1,35 +1,37 @@
 #pragma once
 
-// A file that a word makes for others: written whole beside its place and moved there at the end.
+// A file that a word makes for others: written whole beside its place and put there at the end.
 // What stood there and differs is kept under its date; the same text is left alone.
 
 #include <cstdio>
+#include <memory>
 #include <string>
+#include <string_view>
 
+#include "support/guard.h"
 #include "support/safe-file.h"
 
 namespace zel::kit {
 
 class text_file {
 public:
-    text_file() = default;
-    ~text_file();
-    text_file(const text_file &) = delete;
-    text_file &operator=(const text_file &) = delete;
-
     // Each is false after a line on standard error; then the place is as it was.
     bool create(const std::string &path);
     bool finish(); // the text is complete
     bool put_in_place();
 
-    std::FILE *stream() const { return file_.stream; }
+    void append(std::string_view text); // finish tells of an error
     const std::string &path() const { return path_; }
 
 private:
     bool say(int error) const;
+    void compare(std::string_view text);
 
     std::string path_;
+    target_file old_;
     safe_file file_;
+    // The old text while the new one has been the same so far.
+    std::unique_ptr<std::FILE, release<std::fclose>> same_;
 };
 
 } // namespace zel::kit

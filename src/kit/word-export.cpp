@@ -55,7 +55,7 @@ bool write_files(const exchange::format &row, exchange::exporter &from,
     for (std::size_t at = 0; at < names.size(); ++at) {
         if (!files[at].create(folder.empty() ? names[at] : folder + "/" + names[at]))
             return false;
-        outgoing.push_back({files[at].stream(), {}});
+        outgoing.push_back({[&file = files[at]](std::string_view text) { file.append(text); }, {}});
     }
     row.write(from, outgoing);
     for (text_file &file : files)
@@ -108,7 +108,8 @@ int run_export(const word &self, int argc, char **argv)
         return status_fault;
     }
     if (folder.empty() && row.writes == exchange::files::one) {
-        std::vector<exchange::outgoing_file> standard{{stdout, {}}};
+        std::vector<exchange::outgoing_file> standard{
+            {[](std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }, {}}};
         row.write(from, standard);
     } else if (!write_files(row, from, file_names(row, from, line.files.front()), folder)) {
         return status_fault;
