@@ -28,18 +28,11 @@ std::string file_stem(const char *name)
     return out;
 }
 
-// The source's file name without folders and ending.
-std::string stem_of(const std::string &path)
-{
-    const std::string name = path.substr(path.rfind('/') + 1);
-    return name.substr(0, name.rfind('.'));
-}
-
 std::vector<std::string> file_names(const exchange::format &row, const exchange::exporter &from,
                                     const std::string &source)
 {
     if (row.writes == exchange::files::one)
-        return {stem_of(source) + row.ending};
+        return {std::string(exchange::stem_of(source)) + row.ending};
     std::vector<std::string> names;
     for (const lang_t *lang : from.languages())
         names.push_back(file_stem(lang->name) + row.ending);
