@@ -4,8 +4,11 @@
 // What stood there and differs is kept under its date; the same text is left alone.
 
 #include <cstdio>
+#include <memory>
 #include <string>
+#include <string_view>
 
+#include "support/guard.h"
 #include "support/safe-file.h"
 
 namespace zel::kit {
@@ -13,7 +16,6 @@ namespace zel::kit {
 class text_file {
 public:
     text_file() = default;
-    ~text_file();
     text_file(const text_file &) = delete;
     text_file &operator=(const text_file &) = delete;
 
@@ -22,14 +24,21 @@ public:
     bool finish(); // the text is complete
     bool put_in_place();
 
-    std::FILE *stream() const { return file_.stream; }
+    std::FILE *stream() const { return stream_.get(); }
     const std::string &path() const { return path_; }
 
 private:
+    using stream_guard = std::unique_ptr<std::FILE, release<std::fclose>>;
+
     bool say(int error) const;
+    void compare(std::string_view text);
+    static ssize_t write(void *self, const char *data, std::size_t size);
 
     std::string path_;
+    target_file old_;
     safe_file file_;
+    stream_guard old_text_; // as far as the new text is the same; null once it differs
+    stream_guard stream_;
 };
 
 } // namespace zel::kit
