@@ -10,11 +10,13 @@
 #include <cstring>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <functional>
 #include <sys/file.h>
 #include <sys/ptrace.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 namespace zel_test {
 
@@ -22,8 +24,9 @@ struct fault {
     const char *call = ""; // the call that fails,
     int countdown = 0;     // this many calls of it from now,
     int error = 0;         // with this errno,
-    bool lasting = false;  // and each one after it
+    bool lasting = false;  // and each one after it;
     bool struck = false;
+    std::function<void()> instead{}; // of failing: happens just before the call
 };
 inline fault armed;
 
@@ -38,6 +41,11 @@ inline bool fails(const char *call)
         armed.countdown > 0)
         return false;
     armed.struck = true;
+    if (armed.instead) {
+        std::exchange(armed.instead, nullptr)();
+        armed.call = "";
+        return false;
+    }
     errno = armed.error;
     return true;
 }

@@ -5,6 +5,7 @@
 #include "support/string-copy.h"
 #include "support/string.h"
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -56,6 +57,7 @@ void clear_record()
 void lang_global_init()
 {
     clear_record();
+    std::signal(SIGXFSZ, SIG_IGN); // a file that grows too large is an error and no end
     lang_global.start_time = std::time(nullptr);
     std::string log_path = std::string(lang_get_home()) + "/log/lang.log";
     const bool is_cut = log_path.size() >= log_path_size;

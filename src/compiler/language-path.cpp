@@ -5,9 +5,11 @@
 #include "support/gen_path.h"
 #include "support/text.h"
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <string_view>
+#include <sys/stat.h>
 #include <system_error>
 #include <vector>
 
@@ -46,14 +48,26 @@ bool has_root(const std::string &directory)
     }
 }
 
-// Whether the path stays in the destination when its links are followed, as far as it is there.
-bool stays_below(const fs::path &destination, const std::string &path)
+// Whether a part of the path behind the destination is a link.
+bool has_link_below(std::size_t destination, const std::string &path)
 {
+    for (std::size_t end = destination; end != std::string::npos;) {
+        end = path.find('/', end + 1);
+        struct stat status {};
+        if (lstat(path.substr(0, end).c_str(), &status) == 0 && S_ISLNK(status.st_mode))
+            return true;
+    }
+    return false;
+}
+
+// Whether the path stays in the destination when its links are followed, as far as it is there.
+bool stays_below(const std::string &destination, const std::string &path)
+{
+    if (!has_link_below(destination.size(), path))
+        return true;
     std::error_code error;
     const fs::path root = fs::canonical(destination, error);
-    if (error)
-        return true; // there is no destination; opening will say so
-    const fs::path real = fs::weakly_canonical(path, error);
+    const fs::path real = error ? fs::path() : fs::weakly_canonical(path, error);
     return !error &&
            std::mismatch(root.begin(), root.end(), real.begin(), real.end()).first == root.end();
 }

@@ -45,13 +45,12 @@ struct language_file {
         return error;
     }
 
-    // The file is whole.
+    // The file is whole. It is not synced, which would take longer than compiling: after a power
+    // cut it is made again from the source.
     int finish()
     {
         flush();
-        int error = file.finish(zel::synced::yes);
-        file.rest();
-        return error;
+        return file.finish(zel::synced::no);
     }
 };
 using language_file_ptr = std::unique_ptr<language_file>;

@@ -62,7 +62,7 @@ std::string_view type_of(char letter, std::size_t length)
     }
 }
 
-// "NUMBER$"; 0 when it does not stand there.
+// "NUMBER$"; 0 when it does not stand there, too large a number for one that counts nothing.
 std::size_t take_position(std::string_view &text)
 {
     const std::size_t end = text.find_first_not_of("0123456789");
@@ -72,7 +72,7 @@ std::size_t take_position(std::string_view &text)
     for (const char digit : text.substr(0, end))
         number = number * 10 + static_cast<std::size_t>(digit - '0');
     text.remove_prefix(end + 1);
-    return number;
+    return number == 0 ? most_arguments + 1 : number;
 }
 
 // Takes the conversions of one text.

@@ -3,6 +3,7 @@
 #include "exchange/csv.h"
 #include "exchange/json.h"
 #include "exchange/po.h"
+#include "exchange/xliff.h"
 
 #include <algorithm>
 
@@ -12,6 +13,8 @@ namespace {
 
 constexpr format table[] = {
     {"po", ".po", files::per_language, write_po, read_po},
+    {"xliff", ".xliff", files::per_language, write_xliff, read_xliff},
+    {"xliff2", ".xliff", files::per_language, write_xliff2, read_xliff},
     {"csv", ".csv", files::one, write_csv, read_csv},
     {"json", ".json", files::one, write_json, nullptr},
 };

@@ -67,7 +67,8 @@ fault outliner::close()
         return {};
     in_item = false;
     out.text.append(bytes.substr(copied, item_begin - copied))
-        .append(std::to_string(out.items.size()));
+        .append(std::to_string(out.items.size()))
+        .append(line - item_line, '\n'); // so that lines stay where they are
     out.items.push_back({bytes.substr(item_begin, at - item_begin), item_line});
     copied = at;
     return {};

@@ -7,6 +7,7 @@
 #include "support/guard.h"
 #include "support/string-copy.h"
 
+#include <cstdio>
 #include <cstring>
 #include <memory>
 
@@ -129,8 +130,12 @@ bool model_reader::parse(JsonParser *parser, std::string_view text, std::uint32_
     if (json_parser_load_from_data(parser, text.data(), static_cast<gssize>(text.size()), &error) ==
         TRUE)
         return json_parser_get_root(parser) != nullptr || fail("empty");
+    // The parser tells the place only in its message, "<data>:LINE:COLUMN: ...".
+    unsigned at = 1;
+    if (std::sscanf(error->message, "<data>:%u:", &at) != 1)
+        at = 1;
     g_error_free(error);
-    wrong_ = {line + std::max(json_parser_get_current_line(parser), 1U) - 1, "no JSON"};
+    wrong_ = {line + at - 1, "no JSON"};
     return false;
 }
 

@@ -186,6 +186,17 @@ std::string charset_of(std::string_view bytes)
     return std::string(name);
 }
 
+// The name under which the system knows an encoding in which the backslash is one.
+const char *known_charset(const std::string &charset)
+{
+    constexpr const char *others[][2] = {
+        {"SHIFT_JIS", "CP932"}, {"SHIFT-JIS", "CP932"}, {"SJIS", "CP932"}, {"JOHAB", "CP1361"}};
+    for (const auto &row : others)
+        if (g_ascii_strcasecmp(row[0], charset.c_str()) == 0)
+            return row[1];
+    return charset.c_str();
+}
+
 void name_utf8(std::string &header)
 {
     const std::size_t at = header.find(charset_word);
@@ -277,14 +288,15 @@ bool po_reader::recode(std::string_view bytes, const std::string &charset)
     gsize written = 0;
     GError *error = nullptr;
     char *text = g_convert(bytes.data(), static_cast<gssize>(bytes.size()), "UTF-8",
-                           charset.c_str(), &read, &written, &error);
+                           known_charset(charset), &read, &written, &error);
     if (text == nullptr) {
-        if (error->code == G_CONVERT_ERROR_NO_CONVERSION)
-            wrong_ = {line_at(bytes, bytes.find(charset_word)),
-                      "the encoding \"" + charset + "\" is not known"};
-        else
+        if (error->code == G_CONVERT_ERROR_ILLEGAL_SEQUENCE ||
+            error->code == G_CONVERT_ERROR_PARTIAL_INPUT)
             wrong_ = {line_at(bytes, std::min<std::size_t>(read, bytes.size())),
                       "a byte that is no " + charset};
+        else
+            wrong_ = {line_at(bytes, bytes.find(charset_word)),
+                      "the encoding \"" + charset + "\" is not known"};
         g_error_free(error);
         return false;
     }

@@ -16,8 +16,8 @@ struct po_scan; // the scanner with its place in the file
 
 class po_reader {
 public:
-    // The bytes are in the encoding that the file's header names, UTF-8 when it names none; they
-    // stay the caller's unless they have to be recoded.
+    // The bytes are in the encoding that the file's header names, UTF-8 when it names none. They
+    // stay the caller's and must live as long as the reader.
     explicit po_reader(std::string_view bytes);
     ~po_reader();
     po_reader(const po_reader &) = delete;

@@ -7,6 +7,7 @@
 #include "lex/min_lex.h"
 
 #include <cstring>
+#include <pthread.h>
 
 namespace {
 
@@ -63,6 +64,8 @@ void blank(char *text)
     }
 }
 
+pthread_mutex_t checking = PTHREAD_MUTEX_INITIALIZER;
+
 void check_format(char *text, zel_list *expected)
 {
     for (; expected != nullptr; expected = expected->next) {
@@ -94,8 +97,12 @@ const char *_lang_get_string_fmt(const char *description, const char *group, con
     min_lex_msg_guard expected;
     if (!expected_conversions(description, expected))
         return item; // an unchecked text could ask for arguments that are not there
-    // The text is the table's, where it changes for all requests to come.
-    if (expected != nullptr)
+    // The text is the table's, where it changes for all requests to come. Whoever has it already has
+    // it checked.
+    if (expected != nullptr) {
+        pthread_mutex_lock(&checking);
         check_format(const_cast<char *>(text), expected.get());
+        pthread_mutex_unlock(&checking);
+    }
     return text;
 }

@@ -90,6 +90,13 @@ int create_locked(const char *path, mode_t mode)
     }
 }
 
+// Whether it is sure that the name stands for another file, or for none.
+bool is_lost(const char *path, const zel::file_id &id)
+{
+    struct stat status {};
+    return lstat(path, &status) == 0 ? zel::id_of(status) != id : errno == ENOENT;
+}
+
 // A name in the folder of the path. It need not be secret, as an exclusive creation follows it.
 std::string name_beside(const std::string &path)
 {
@@ -172,7 +179,8 @@ void safe_file::rest()
 
 int safe_file::finish(synced how)
 {
-    if (error_ == 0)
+    how_ = how;
+    if (error_ == 0 && how == synced::yes)
         error_ = open_again();
     if (error_ == 0 && how == synced::yes)
         error_ = sync_file(fd_);
@@ -226,12 +234,14 @@ int safe_file::approach(const target_file &old)
 
 int safe_file::rename_to(const char *place)
 {
-    if (!is_named(path_.c_str(), id_))
+    if (is_lost(path_.c_str(), id_))
         return ESTALE;
-    if (std::rename(path_.c_str(), place) != 0)
-        return errno;
+    if (std::rename(path_.c_str(), place) != 0) {
+        const int error = errno;
+        return is_lost(path_.c_str(), id_) ? ESTALE : error;
+    }
     // Between the look and the renaming another file may have got the name.
-    return is_named(place, id_) ? 0 : ESTALE;
+    return is_lost(place, id_) ? ESTALE : 0;
 }
 
 int safe_file::put(const target_file &old)
@@ -240,7 +250,8 @@ int safe_file::put(const target_file &old)
         int error = rename_to(old.path.c_str());
         if (error == 0) {
             keep();
-            sync_folder_of(old.path.c_str());
+            if (how_ == synced::yes)
+                sync_folder_of(old.path.c_str());
             return 0;
         }
         // Two views of one file system are two for renaming. And where the name was taken away, the

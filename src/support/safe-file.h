@@ -39,7 +39,8 @@ public:
     // for a file beside its place.
     void rest();
 
-    // Ends the text.
+    // Ends the text. Synced, it survives a power cut from here on, and its place does once it is put
+    // there.
     int finish(synced how);
 
     // Where the place is on another file system, copies the finished text to a file beside it, so
@@ -64,6 +65,7 @@ private:
     int fd_ = -1;
     file_id id_{};
     int error_ = 0;
+    synced how_ = synced::yes;
     std::unique_ptr<safe_file> near_; // the copy on the place's file system
 };
 

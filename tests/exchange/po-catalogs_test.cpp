@@ -57,8 +57,9 @@ TEST(PoCatalogs, AreWrittenAsTheUsualToolWritesThem)
         const std::string from = dir / "from.po";
         const std::string theirs = dir / "theirs.po";
         // Some write one in an encoding that the tool refuses itself.
-        if (std::system(("msgunfmt --no-wrap '" + path + "' -o " + from + " 2>/dev/null && msgcat " +
-                         "--no-wrap --to-code=UTF-8 -o " + theirs + " " + from + " 2>/dev/null")
+        if (std::system(("msgunfmt --no-wrap '" + path + "' -o " + from +
+                         " 2>/dev/null && msgcat " + "--no-wrap --to-code=UTF-8 -o " + theirs +
+                         " " + from + " 2>/dev/null")
                             .c_str()) != 0)
             continue;
         const std::string text = read_file(from);
