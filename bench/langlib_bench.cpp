@@ -340,6 +340,43 @@ int answer_first_use(char **words)
     return write(std::atoi(words[4]), &seconds, sizeof seconds) == sizeof seconds ? 0 : 1;
 }
 
+// Lists that grow by one symbol, by the elements of one short message, by one info entry.
+void append_symbols(benchmark::State &state)
+{
+    for (auto _ : state) {
+        zel_list *list = nullptr;
+        for (std::int64_t i = 0; i < state.range(0); ++i)
+            list = lang_sym_set(list, ("NAME" + std::to_string(i)).c_str(), "value", 0);
+        state.PauseTiming();
+        lang_sym_free(list);
+        state.ResumeTiming();
+    }
+}
+
+void append_messages(benchmark::State &state)
+{
+    for (auto _ : state) {
+        zel_list *list = nullptr;
+        for (std::int64_t i = 0; i < state.range(0); ++i)
+            list = min_lex_split_msg(list, "id=value", ';', '=');
+        state.PauseTiming();
+        min_lex_split_msg_free(list);
+        state.ResumeTiming();
+    }
+}
+
+void append_info(benchmark::State &state)
+{
+    for (auto _ : state) {
+        zel_info_t *record = nullptr;
+        for (std::int64_t i = 0; i < state.range(0); ++i)
+            record = lang_get_info(nullptr, &record, 1, 2, "group", "activity", "message");
+        state.PauseTiming();
+        zel_info_free(record);
+        state.ResumeTiming();
+    }
+}
+
 void add(const char *job, const char *who, void (*function)(benchmark::State &))
 {
     for (const std::int64_t size : sizes)
@@ -382,6 +419,11 @@ int main(int argc, char **argv)
     add("load", "byte_count", load_byte_count);
     add("load", "ghashtable_insert", load<ghashtable>);
     add("load", "unordered_map_insert", load<unordered_map>);
+    for (const std::int64_t size : {sizes[1], sizes[2]}) {
+        benchmark::RegisterBenchmark("append/symbols", append_symbols)->Arg(size);
+        benchmark::RegisterBenchmark("append/messages", append_messages)->Arg(size);
+        benchmark::RegisterBenchmark("append/info", append_info)->Arg(size);
+    }
     add_load_and_ask("ours");
     add_load_and_ask("dgettext");
     benchmark::Initialize(&argc, argv);
