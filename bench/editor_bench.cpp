@@ -5,6 +5,7 @@
 #include "editor/edit-state.h"
 #include "editor/w_tab_edit.h"
 #include "editor/w_tab_model.h"
+#include "source/misc.h"
 #include "source/model.h"
 
 #include <benchmark/benchmark.h>
@@ -180,6 +181,29 @@ void sort(benchmark::State &state, int id)
     }
 }
 
+// A text of that many letters without a break: the item before it, then it.
+void unbroken(benchmark::State &state)
+{
+    window main(2);
+    auto *group = static_cast<edit_t *>(main.source->groups->data);
+    auto *item = static_cast<item_t *>(group->items->next->data);
+    std::string text;
+    for (int letter = 0; letter < state.range(0); ++letter)
+        text += static_cast<char>('a' + letter * 7 % 26);
+    lang_entry_t *german = misc_select_lang_entry(item, "german");
+    free_lang_entry_text(german->texts);
+    german->texts = g_list_append(nullptr, g_strdup(text.c_str()));
+    GtkWidget *table = GTK_WIDGET(main.open());
+    while (state.KeepRunning()) {
+        zel_tab_edit_next(table);
+        paint();
+        state.PauseTiming();
+        zel_tab_edit_first(table);
+        paint();
+        state.ResumeTiming();
+    }
+}
+
 struct job {
     const char *name;
     void (*run)(benchmark::State &state);
@@ -211,6 +235,10 @@ int main(int argc, char **argv)
                 ->Arg(items)
                 ->Unit(benchmark::kMillisecond);
     }
+    for (const int letters : {10000, 100000})
+        benchmark::RegisterBenchmark("show_unbroken_letters/ours", unbroken)
+            ->Arg(letters)
+            ->Unit(benchmark::kMillisecond);
     benchmark::RunSpecifiedBenchmarks();
     return 0;
 }

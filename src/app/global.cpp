@@ -1,10 +1,11 @@
 #include "app/global.h"
 
+#include "support/file-call.h"
 #include "support/log.h"
 #include "support/string-copy.h"
 #include "support/string.h"
 
-#include <array>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -17,7 +18,7 @@ lang_global_t lang_global;
 namespace {
 
 constexpr const char *home_name = "Morvalix 6.00";
-constexpr std::size_t log_path_size = 2048; // longer paths are cut
+constexpr std::size_t log_path_size = 2048; // with the NUL; a longer path is cut
 
 char *lang_home;
 
@@ -32,11 +33,14 @@ std::string data_directory()
     return std::filesystem::path(program + LANG_DATA_FROM_PROGRAM).lexically_normal();
 }
 
-char *new_log_path()
+// Opens the program log, unless its path had to be cut: a cut path is another one.
+void open_log(const char *path, bool is_cut)
 {
-    std::array<char, log_path_size> path{};
-    std::snprintf(path.data(), path.size(), "%s/log/lang.log", lang_get_home());
-    return zel_strdup(path.data());
+    if (is_cut)
+        std::fputs("lang: the path of HOME is too long: there is no log\n", stderr);
+    else if (zel::crosses_foreign_link(path))
+        std::fprintf(stderr, "lang: %s is behind somebody else's link: there is no log\n", path);
+    LogOpen(is_cut ? nullptr : path, LOG_OPEN_NEW, "ZEL Language editor");
 }
 
 // Lets go of what an earlier start filled in.
@@ -60,9 +64,14 @@ std::string zel::program_directory()
 void lang_global_init()
 {
     clear_record();
+    std::signal(SIGXFSZ, SIG_IGN); // a file that grows too large is an error and no end
     lang_global.start_time = std::time(nullptr);
-    lang_global.log_file = new_log_path();
-    LogOpen(lang_global.log_file, LOG_OPEN_NEW, "ZEL Language editor");
+    std::string log_path = std::string(lang_get_home()) + "/log/lang.log";
+    const bool is_cut = log_path.size() >= log_path_size;
+    if (is_cut)
+        log_path.resize(log_path_size - 1);
+    lang_global.log_file = zel_strdup(log_path.c_str());
+    open_log(log_path.c_str(), is_cut);
     lang_global.doc_base_dir = zel_strdup(data_directory().c_str());
     lang_global.doc_dir = zel_strdup_printf("%s/doc", lang_global.doc_base_dir);
 }

@@ -44,7 +44,8 @@ struct lang_global_t {
 extern lang_global_t lang_global;
 
 // Zeroes the record, stores the start time, opens the program log under the home directory and
-// fills log_file, doc_base_dir and doc_dir.
+// fills log_file, doc_base_dir and doc_dir. A log path of more than 2047 bytes is cut in log_file
+// and not opened; nor is one over somebody else's link. Standard error tells of both.
 void lang_global_init();
 
 // "%s/%s" of HOME and "Morvalix 6.00", computed once; lang_home_free drops the cached string.

@@ -324,12 +324,38 @@ bool may_hold_request(const char *text)
     return mark != nullptr && (std::strpbrk(mark, "\"\r") != nullptr || strcasestr(text, "lang"));
 }
 
+// The scanners that no text needs at the moment. Every file and every literal that may be a script
+// takes one, and making it anew would cost more than scanning most of them.
+struct idle_scanners {
+    std::array<zel_lex_t *, 4> kept;
+    std::size_t count;
+};
+idle_scanners idle;
+
+void keep_scanner(zel_lex_t *lex) noexcept
+{
+    const auto is_small = [](const zel_token_t *token) {
+        return token->capacity == ZEL_LEX_LEXEME; // none hoards one text's room
+    };
+    if (idle.count == idle.kept.size() || !is_small(lex->work) || !is_small(lex->current) ||
+        !is_small(lex->ahead))
+        return _zel_lex_free(lex);
+    zel::restart_scanner(lex);
+    idle.kept[idle.count++] = lex;
+}
+using kept_lex_guard = std::unique_ptr<zel_lex_t, zel::release<keep_scanner>>;
+
+kept_lex_guard take_scanner()
+{
+    return kept_lex_guard(idle.count != 0 ? idle.kept[--idle.count] : zel::new_check_scanner());
+}
+
 // The text of a string literal may be a script with requests of its own.
 int read_text(const scan &s, const char *text)
 {
     if (s.string_depth == MAX_STRING_DEPTH || !may_hold_request(text))
         return 0;
-    const zel_lex_guard lex(zel::new_check_scanner());
+    const kept_lex_guard lex = take_scanner();
     if (lex == nullptr) {
         std::puts("ERROR(5): unable to init string lexical scanner");
         return -1;
@@ -396,7 +422,8 @@ int parse_lang_entry2(LangSource *root, symtab_t *symbols, zel_lex_t *lex, const
                       int with_symbol)
 {
     zel::item_index index(root);
-    return read_described_entry({index, symbols, path, 0, lang_global.start_time}, lex, with_symbol != 0);
+    return read_described_entry({index, symbols, path, 0, lang_global.start_time}, lex,
+                                with_symbol != 0);
 }
 
 int parse_lang_app(char **app, symtab_t *symbols, zel_lex_t *lex, const char *path)
@@ -443,7 +470,7 @@ int check_file(item_index &index, const char *path, std::int64_t now)
 {
     const char *shown = path == nullptr ? "(null)" : path;
     std::printf("check c file >%s<\n", shown);
-    const zel_lex_guard lex(new_check_scanner());
+    const kept_lex_guard lex = take_scanner();
     if (lex == nullptr) {
         std::puts("ERROR(2): unable to init lexical scanner");
         return -1;

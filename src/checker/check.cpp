@@ -162,6 +162,19 @@ check_result read_or_begin(const char *path, std::int64_t now, source_guard &sou
     return source == nullptr ? check_result::failed : check_result::done;
 }
 
+// A new source in place of a malformed one: the old text, with all its translations, is in the
+// backup, and whoever reads this can mend it.
+void say_begun(const char *path, const write_answer &written)
+{
+    if (written.code == 0)
+        std::fprintf(
+            stderr,
+            "check: %s could not be read and a new source was begun; the old text is in %s\n", path,
+            written.backup.c_str());
+    else
+        std::fprintf(stderr, "check: %s could not be read; it is as it was\n", path);
+}
+
 void stamp(LangSource *source)
 {
     char date[1024]; // as sprintf_date takes it
@@ -237,7 +250,11 @@ check_result run_check(int count, char **words, std::int64_t now)
     if (!scan_paths(source.get(), count, words, now))
         return check_result::ended;
     LogPrint(1, "check: write file\n");
-    lang_write_file(path.get(), source.get());
+    write_how how;
+    how.now = std::time(nullptr);
+    const write_answer written = write_source(path.get(), source.get(), how);
+    if (begun)
+        say_begun(path.get(), written);
     LogPrint(1, "check: free group\n");
     source.reset();
     LogPrint(1, "check: exit\n");

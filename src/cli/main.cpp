@@ -1,4 +1,5 @@
 #include "cli/driver.h"
+#include "app/debug-print.h"
 #include "app/memory.h"
 #include "app/terminal.h"
 
@@ -8,6 +9,7 @@ int main(int argc, char **argv)
     zel::prepare_heap();
     zel::end_without_memory("lang", 0);
     zel::escape_on_terminals();
+    zel::debug_print_from_environment();
     lang_edit(argc, argv);
     return 0;
 }

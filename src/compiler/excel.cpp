@@ -1,6 +1,7 @@
 #include "compiler/excel.h"
 
 #include "support/misc-error.h"
+#include "support/text.h"
 
 #include <cstddef>
 #include <cstring>
@@ -9,8 +10,6 @@ namespace {
 
 constexpr std::size_t KEY_SIZE = 1024; // with the closing NUL
 constexpr std::size_t OUTPUT_BUFFER = 1 << 18;
-
-const char *or_empty(const char *text) { return text == nullptr ? "" : text; }
 
 void write_cell(std::FILE *stream, const char *key)
 {
@@ -23,7 +22,8 @@ void write_record(std::FILE *stream, const edit_t *group, const item_t *item)
 {
     char key[KEY_SIZE];
     // A longer key is cut.
-    if (std::snprintf(key, sizeof key, "%s.%s", or_empty(group->name), or_empty(item->name)) < 0)
+    if (std::snprintf(key, sizeof key, "%s.%s", zel::or_empty(group->name),
+                      zel::or_empty(item->name)) < 0)
         key[0] = '\0';
     write_cell(stream, key);
     write_cell(stream, key);
@@ -34,7 +34,7 @@ void write_record(std::FILE *stream, const edit_t *group, const item_t *item)
 
 int write_str(std::FILE *stream, const char *text)
 {
-    for (const char *at = or_empty(text); *at != '\0';) {
+    for (const char *at = zel::or_empty(text); *at != '\0';) {
         const std::size_t plain = std::strcspn(at, "\"\n\r\t");
         std::fwrite(at, 1, plain, stream);
         at += plain;

@@ -1,82 +1,98 @@
 #include "compiler/split.h"
 
 #include "app/global.h"
+#include "compiler/entry-table.h"
+#include "compiler/language-path.h"
 #include "langlib/compiled-file.h"
 #include "source/quote.h"
 #include "support/dir_list.h"
-#include "support/file-call.h"
-#include "support/gen_path.h"
 #include "support/log-print.h"
+#include "support/safe-file.h"
 #include "support/text.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <ctime>
+#include <fcntl.h>
+#include <memory>
 #include <string>
-#include <string_view>
+#include <unistd.h>
 #include <vector>
 
 namespace {
 
-constexpr std::size_t language_directory_limit = 2038; // bytes of the name before "-edit"
+// ---- The files
 
-const char *text_of(const char *text) { return text == nullptr ? "" : text; }
+// One language's file under construction. It holds no handle between two writes, so that there may
+// be more languages than handles.
+struct language_file {
+    language_file(const lang_t *of, zel::target_file at) : lang(of), place(std::move(at)) {}
 
-// ---- File names
+    const lang_t *lang;
+    zel::target_file place;
+    zel::safe_file file;
+    std::string text; // not written yet
+    std::uint32_t slot = zel::entry_table::no_slot;
 
-// DESTINATION/language-edit/file; the language's directory is created.
-std::string path_below(const char *destination, const lang_t *lang)
-{
-    std::string directory(text_of(lang->name));
-    directory = directory.substr(0, language_directory_limit) + "-edit";
-    cre_dir(destination, directory.c_str());
-    const char *file = text_of(lang->file);
-    std::vector<char> path(std::strlen(destination) + directory.size() + std::strlen(file) + 8);
-    gen_path(path.data(), 0, destination, directory.c_str(), file, nullptr);
-    return path.data();
-}
-
-std::string path_of(const lang_t *lang, const char *destination)
-{
-    std::string path = destination == nullptr ? text_of(lang->file) : path_below(destination, lang);
-    constexpr std::string_view ending = zel::compiled_ending;
-    if (path.ends_with(ending))
-        path.resize(path.size() - ending.size());
-    return path.append(ending);
-}
-
-bool open_lang_file(lang_t *lang, const char *destination)
-{
-    const std::string path = path_of(lang, destination);
-    const char *file = text_of(lang->file);
-    lang->stream = zel_fopen(path.c_str(), "w+");
-    if (lang->stream == nullptr) {
-        std::printf("ERROR open lang file ->%s<-\n", file);
-        LogPrint(1, "open_lang_files: ERROR open lang file ->%s<-\n", path.c_str());
-        return false;
+    int flush(std::size_t least = 0)
+    {
+        if (text.size() < least || text.empty())
+            return 0;
+        const int error = file.append(text);
+        file.rest();
+        text.clear();
+        return error;
     }
+
+    // The file is whole. It is not synced, which would take longer than compiling: after a power
+    // cut it is made again from the source.
+    int finish()
+    {
+        flush();
+        return file.finish(zel::synced::no);
+    }
+};
+using language_file_ptr = std::unique_ptr<language_file>;
+
+// Why the file may not be written though one could be put in its place.
+int find_obstacle(const zel::target_file &place)
+{
+    if (place.refusal != 0)
+        return place.refusal;
+    const bool writable =
+        !place.is_file() || faccessat(AT_FDCWD, place.path.c_str(), W_OK, AT_EACCESS) == 0;
+    return writable ? 0 : errno;
+}
+
+// Null, after the messages, when the file cannot be made; then the answer says why.
+language_file_ptr open_language(const lang_t *lang, const char *destination,
+                                zel::compile_answer &answer)
+{
+    const zel::language_path path = zel::path_of_language(lang, destination);
+    auto opened = std::make_unique<language_file>(
+        lang, zel::find_target(path.path.c_str(),
+                               destination == nullptr ? zel::links::follow : zel::links::replace));
+    const char *file = zel::or_empty(lang->file);
+    int error = path.is_allowed ? find_obstacle(opened->place) : EACCES;
+    if (error == 0)
+        error = opened->file.create_beside(opened->place);
+    if (error != 0) {
+        std::printf("ERROR open lang file ->%s<-\n", file);
+        LogPrint(1, "open_lang_files: ERROR open lang file ->%s<-\n", path.path.c_str());
+        answer = {1, path.path, error};
+        return nullptr;
+    }
+    opened->file.rest();
     std::printf("READY open lang file ->%s<-\n", file);
-    LogPrint(1, "open_lang_files: READY open lang file ->%s<-\n", path.c_str());
+    LogPrint(1, "open_lang_files: READY open lang file ->%s<-\n", path.path.c_str());
     std::string name;
     zel::append_comment(name, file);
-    std::fprintf(lang->stream, zel::compiled_first_line, name.c_str());
-    return true;
+    zel::append_format(opened->text, zel::compiled_first_line, name.c_str());
+    return opened;
 }
 
 // ---- The text
-
-// Letters of two cases differ in one bit: names that differ in another are told apart here.
-bool may_be_equal(char a, char b) { return ((a ^ b) & ~0x20) == 0; }
-
-lang_entry_t *find_entry(item_t *item, const char *lang)
-{
-    if (lang == nullptr)
-        return nullptr;
-    for (lang_entry_t *entry : zel::each<lang_entry_t>(item->langs))
-        if (entry->lang != nullptr && may_be_equal(*entry->lang, *lang) &&
-            zel::compare_nocase(entry->lang, lang) == 0)
-            return entry;
-    return nullptr;
-}
 
 bool has_text(const lang_entry_t *entry)
 {
@@ -86,18 +102,16 @@ bool has_text(const lang_entry_t *entry)
     return false;
 }
 
-int append_entry(std::string &out, const char *lang, item_t *item, bool is_default)
+void append_entry(std::string &out, const item_t *item, const lang_entry_t *entry, bool is_default,
+                  bool posnr)
 {
-    const lang_entry_t *entry = find_entry(item, lang);
-    if (entry == nullptr)
-        return 1;
     if (!has_text(entry))
-        return 0;
+        return;
     zel::append_quoted(out, 0, item->name);
     out += zel::compiled_entry_open;
     if (is_default)
         out += zel::compiled_default;
-    if (lang_global.posnr != 0) {
+    if (posnr) {
         std::string number;
         zel::append_format(number, zel::compiled_posnr_text, item->posnr);
         zel::append_quoted(out, 2, number.c_str());
@@ -105,16 +119,37 @@ int append_entry(std::string &out, const char *lang, item_t *item, bool is_defau
     for (const char *text : zel::each<char>(entry->texts))
         zel::append_quoted(out, 2, text);
     out += zel::compiled_entry_close;
-    return 0;
 }
 
-// One language's file under construction: the stream gets it in large pieces.
-struct output {
-    const lang_t *lang;
-    std::string text;
+struct compiler {
+    const LangSource *source;
+    const zel::compile_how &how;
+    std::vector<language_file_ptr> files;
+    zel::entry_table entries;
+    std::uint32_t default_slot = zel::entry_table::no_slot;
+
+    bool open(const char *destination, zel::compile_answer &answer);
+    void write();
+    void append_head(language_file &out) const;
+    void write_group(const edit_t *group);
+    void append_item(language_file &out, const item_t *item) const;
+    bool put(zel::compile_answer &answer);
 };
 
-void append_head(output &out, const LangSource *source, std::time_t now)
+bool compiler::open(const char *destination, zel::compile_answer &answer)
+{
+    for (const lang_t *lang : zel::each<lang_t>(source->langs)) {
+        language_file_ptr opened = open_language(lang, destination, answer);
+        if (opened == nullptr)
+            return false;
+        opened->slot = entries.add_language(lang->name);
+        files.push_back(std::move(opened));
+    }
+    default_slot = entries.add_language(source->default_lang);
+    return true;
+}
+
+void compiler::append_head(language_file &out) const
 {
     const char *format = source->format == LANG_SOURCE_ASCII  ? zel::compiled_ascii
                          : source->format == LANG_SOURCE_UTF8 ? zel::compiled_utf8
@@ -123,55 +158,77 @@ void append_head(output &out, const LangSource *source, std::time_t now)
     std::string name;
     zel::append_escaped(name, out.lang->name);
     zel::append_format(out.text, zel::compiled_language, name.c_str());
-    if (lang_global.posnr != 0)
+    if (how.posnr)
         out.text += zel::compiled_posnr;
-    zel::append_format(out.text, zel::compiled_ctime, static_cast<unsigned>(now));
+    zel::append_format(out.text, zel::compiled_ctime, static_cast<unsigned>(how.now));
     zel::append_format(out.text, zel::compiled_src_mtime, static_cast<unsigned>(source->mtime));
 }
 
-void append_item(output &out, const LangSource *source, item_t *item)
+void compiler::append_item(language_file &out, const item_t *item) const
 {
-    if (append_entry(out.text, out.lang->name, item, false) != 0) {
-        if (source->default_lang != nullptr)
-            append_entry(out.text, source->default_lang, item, true);
-        else
-            std::printf("WARNING: no entry for lang \"%s\" item \"%s\"\n", text_of(out.lang->name),
-                        text_of(item->name));
-    }
-    zel::flush_large_text(out.text, out.lang->stream);
+    if (const lang_entry_t *entry = entries.find(out.slot))
+        append_entry(out.text, item, entry, false, how.posnr);
+    else if (const lang_entry_t *fallback = entries.find(default_slot))
+        append_entry(out.text, item, fallback, true, how.posnr);
+    else if (source->default_lang == nullptr)
+        std::printf("WARNING: no entry for lang \"%s\" item \"%s\"\n",
+                    zel::or_empty(out.lang->name), zel::or_empty(item->name));
 }
 
-void write_group(std::vector<output> &outputs, const LangSource *source, const edit_t *group)
+void compiler::write_group(const edit_t *group)
 {
+    // Together the texts that wait take no more than this, however many languages there are.
+    constexpr std::size_t waiting = 32 * 1024 * 1024;
+    constexpr std::size_t worth_a_write = 256 * 1024;
+    const std::size_t least =
+        std::min(worth_a_write, waiting / std::max<std::size_t>(1, files.size()));
     std::string name;
     zel::append_escaped(name, group->name);
-    for (output &out : outputs)
-        zel::append_format(out.text, zel::compiled_group, name.c_str());
-    for (item_t *item : zel::each<item_t>(group->items)) {
+    for (const language_file_ptr &out : files)
+        zel::append_format(out->text, zel::compiled_group, name.c_str());
+    for (const item_t *item : zel::each<item_t>(group->items)) {
         if (item->used == 0)
             continue;
-        for (output &out : outputs)
-            append_item(out, source, item);
+        entries.load(item);
+        for (const language_file_ptr &out : files) {
+            append_item(*out, item);
+            out->flush(least);
+        }
     }
 }
 
-void write_files(const LangSource *source)
+void compiler::write()
 {
-    std::vector<output> outputs;
-    const std::time_t now = std::time(nullptr);
-    for (const lang_t *lang : zel::each<lang_t>(source->langs)) {
-        outputs.push_back({lang, {}});
-        append_head(outputs.back(), source, now);
-    }
+    for (const language_file_ptr &out : files)
+        append_head(*out);
     for (const edit_t *group : zel::each<edit_t>(source->groups))
-        write_group(outputs, source, group);
-    for (output &out : outputs)
-        zel::flush_text(out.text, out.lang->stream);
+        write_group(group);
+}
+
+bool say_not_written(const language_file &out, int error, zel::compile_answer &answer)
+{
+    std::fprintf(stderr, "lang: %s cannot be written: %s\n", out.place.path.c_str(),
+                 std::strerror(error));
+    LogPrint(1, "split_file: ERROR(%d) write lang file ->%s<-\n", error, out.place.path.c_str());
+    answer = {1, out.place.path, error};
+    return false;
+}
+
+// Puts the files in place, once all of them are whole.
+bool compiler::put(zel::compile_answer &answer)
+{
+    for (const language_file_ptr &out : files)
+        if (const int error = out->finish())
+            return say_not_written(*out, error, answer);
+    for (const language_file_ptr &out : files)
+        if (const int error = out->file.put(out->place))
+            return say_not_written(*out, error, answer);
+    return true;
 }
 
 void log_directory(const char *destination)
 {
-    LogPrint(1, "split_file: language directory >%s<\n", text_of(destination));
+    LogPrint(1, "split_file: language directory >%s<\n", zel::or_empty(destination));
     if (destination == nullptr)
         return;
     zel_list *names = dir_list(nullptr, destination, nullptr);
@@ -180,13 +237,81 @@ void log_directory(const char *destination)
     dir_list_free(names);
 }
 
+// ---- A language's file as a stream
+
+ssize_t write_to_language(void *cookie, const char *data, std::size_t size)
+{
+    auto *out = static_cast<language_file *>(cookie);
+    out->text.append(data, size);
+    errno = out->flush();
+    return errno == 0 ? static_cast<ssize_t>(size) : 0;
+}
+
+int close_language(void *cookie)
+{
+    const language_file_ptr out(static_cast<language_file *>(cookie));
+    errno = out->finish();
+    if (errno == 0)
+        errno = out->file.put(out->place);
+    return errno == 0 ? 0 : EOF;
+}
+
+std::FILE *stream_of(language_file_ptr out)
+{
+    cookie_io_functions_t calls{};
+    calls.write = write_to_language;
+    calls.close = close_language;
+    std::FILE *stream = fopencookie(out.get(), "w", calls);
+    if (stream != nullptr)
+        static_cast<void>(out.release()); // the stream's now
+    return stream;
+}
+
 } // namespace
+
+namespace zel {
+
+compile_answer compile_source(LangSource *source, const char *destination, const compile_how &how)
+{
+    compile_answer answer;
+    if (source == nullptr) {
+        LogPrint(1, "split_file: group null ptr\n");
+        return answer;
+    }
+    LogPrint(1, "split_file: entry\n");
+    compiler work{source, how, {}, {}};
+    if (work.open(destination, answer)) {
+        work.write();
+        work.put(answer);
+    }
+    if (answer.code != 0) {
+        LogPrint(1, "split_file: ERROR write languages files\n");
+        return answer;
+    }
+    log_directory(destination);
+    LogPrint(1, "split_file: exit\n");
+    return answer;
+}
+
+} // namespace zel
+
+int split_file(LangSource *source, const char *destination)
+{
+    return zel::compile_source(source, destination, {lang_global.posnr != 0, std::time(nullptr)})
+        .code;
+}
 
 int open_lang_files(GList *langs, const char *destination)
 {
-    for (lang_t *lang : zel::each<lang_t>(langs))
-        if (!open_lang_file(lang, destination))
+    zel::compile_answer answer;
+    for (lang_t *lang : zel::each<lang_t>(langs)) {
+        language_file_ptr opened = open_language(lang, destination, answer);
+        if (opened == nullptr)
             return -1;
+        lang->stream = stream_of(std::move(opened));
+        if (lang->stream == nullptr)
+            return -1;
+    }
     return 0;
 }
 
@@ -195,36 +320,23 @@ void close_lang_files(GList *langs)
     for (lang_t *lang : zel::each<lang_t>(langs)) {
         if (lang->stream == nullptr)
             continue;
-        const bool failed = std::ferror(lang->stream) != 0;
-        if (std::fclose(lang->stream) != 0 || failed)
-            LogPrint(1, "close_lang_files: ERROR write lang file ->%s<-\n", text_of(lang->file));
+        if (std::fclose(lang->stream) != 0)
+            LogPrint(1, "close_lang_files: ERROR write lang file ->%s<-\n",
+                     zel::or_empty(lang->file));
         lang->stream = nullptr;
     }
 }
 
 int write_lang_entry_by_name(std::FILE *stream, const char *lang, item_t *item, int is_default)
 {
-    std::string text;
-    const int result = append_entry(text, lang, item, is_default != 0);
-    zel::flush_text(text, stream);
-    return result;
-}
-
-int split_file(LangSource *source, const char *destination)
-{
-    if (source == nullptr) {
-        LogPrint(1, "split_file: group null ptr\n");
-        return 0;
-    }
-    LogPrint(1, "split_file: entry\n");
-    if (open_lang_files(source->langs, destination) != 0) {
-        close_lang_files(source->langs);
-        LogPrint(1, "split_file: ERROR write languages files\n");
+    zel::entry_table entries;
+    const std::uint32_t slot = entries.add_language(lang);
+    entries.load(item);
+    const lang_entry_t *entry = entries.find(slot);
+    if (entry == nullptr)
         return 1;
-    }
-    write_files(source);
-    close_lang_files(source->langs);
-    log_directory(destination);
-    LogPrint(1, "split_file: exit\n");
+    std::string text;
+    append_entry(text, item, entry, is_default != 0, lang_global.posnr != 0);
+    zel::flush_text(text, stream);
     return 0;
 }

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 namespace {
 
@@ -38,17 +39,26 @@ private:
     int length = 0;
 };
 
+// Remembers what the input ends inside of: such a file may have been cut.
+void note_open_end(const zel_lex_buf_t *buf, int character, const char *what)
+{
+    auto *store = static_cast<lang_cfg_t *>(buf->read_context);
+    if (character == ZEL_LEX_EOF && store != nullptr)
+        store->open_end = what;
+}
+
 bool ends_line(int character) { return character == '\n' || character == ZEL_LEX_EOF; }
 
 // After "[": up to "]", or to the end of a line that lacks it.
 void scan_section(zel_lex_buf_t *buf, token_text &text)
 {
-    while (!ends_line(zel_lex_buf_look_ahead(buf))) {
-        const int character = zel_lex_buf_next_char(buf);
-        if (character == ']')
-            break;
-        text.add(character);
+    int character = '[';
+    while (character != ']' && !ends_line(character = zel_lex_buf_look_ahead(buf))) {
+        zel_lex_buf_next_char(buf);
+        if (character != ']')
+            text.add(character);
     }
+    note_open_end(buf, character, "a section's name");
     text.trim();
 }
 
@@ -63,13 +73,14 @@ void scan_escaped(zel_lex_buf_t *buf, token_text &text)
 // After a double quote: up to the next one.
 void scan_quoted(zel_lex_buf_t *buf, token_text &text)
 {
-    for (int character = zel_lex_buf_next_char(buf); character != '"' && character != ZEL_LEX_EOF;
-         character = zel_lex_buf_next_char(buf)) {
+    int character = zel_lex_buf_next_char(buf);
+    for (; character != '"' && character != ZEL_LEX_EOF; character = zel_lex_buf_next_char(buf)) {
         if (character == '\\')
             scan_escaped(buf, text);
         else
             text.add(character);
     }
+    note_open_end(buf, character, "a text in quotes");
 }
 
 // From its first character: up to "=", the end of the line, or a double quote.
@@ -102,6 +113,7 @@ int skip_blanks(zel_lex_t *lex)
         if (character == ';') {
             while (!ends_line(zel_lex_buf_look_ahead(lex->buf)))
                 zel_lex_buf_next_char(lex->buf);
+            note_open_end(lex->buf, zel_lex_buf_look_ahead(lex->buf), "a comment");
             continue;
         }
         if (character != ' ' && character != '\r')
@@ -146,23 +158,38 @@ const zel_token_t *skip_line(zel_lex_t *lex, const zel_token_t *token)
     return token;
 }
 
+// A word behind so many minus signs. The first sign is the entry's; a text that nobody bound keeps
+// the others.
+void set_value(cfg_entry_t *entry, std::size_t signs, const char *word)
+{
+    if (entry->type == CFG_VOID && signs > 1)
+        zel::cfg_set_entry(entry, (std::string(signs - 1, '-') + word).c_str());
+    else
+        zel::cfg_set_entry(entry, word);
+}
+
 // value = { "-" | word } end-of-line. Returns the token that ended it.
 const zel_token_t *read_value(zel_lex_t *lex, cfg_entry_t *entry)
 {
     entry->negative = 0;
+    std::size_t signs = 0;
     const zel_token_t *token = zel_next_token(lex);
     for (; !is_end(token); token = zel_next_token(lex)) {
         if (token->id == CFG_TOK_MINUS) {
             entry->negative = 1;
+            ++signs;
         } else if (token->id == CFG_TOK_WORD) {
-            zel::cfg_set_entry(entry, token->lexeme);
+            set_value(entry, signs, token->lexeme);
+            signs = 0;
         } else {
-            static constexpr char warning[] =
-                "_cfg_parse_entry: WARNING: line %d unexpected token %d\n";
-            std::printf(warning, static_cast<int>(token->line), token->id);
-            LogPrint(1, warning, static_cast<int>(token->line), token->id);
+            zel::print_and_log(1, "_cfg_parse_entry: WARNING: line %d unexpected token %d\n",
+                               static_cast<int>(token->line), token->id);
             return skip_line(lex, token);
         }
+    }
+    if (entry->type == CFG_VOID && signs > 0) { // nothing but signs is a text
+        entry->negative = 0;
+        zel::cfg_set_entry(entry, std::string(signs, '-').c_str());
     }
     return token;
 }
@@ -170,13 +197,11 @@ const zel_token_t *read_value(zel_lex_t *lex, cfg_entry_t *entry)
 // line = word "=" value. Returns the token that ended it.
 const zel_token_t *read_key(lang_cfg_t *store, cfg_entry_t *section, const zel_token_t *word)
 {
-    cfg_entry_t *entry = zel::cfg_key(section, word->lexeme);
+    cfg_entry_t *entry = zel::cfg_key(store, section, word->lexeme);
     const int line = static_cast<int>(word->line);
     const zel_token_t *token = zel_next_token(store->lex);
     if (token->id != CFG_TOK_ASSIGN || entry == nullptr) {
-        static constexpr char error[] = "_cfg_file_read: ERROR: line %d '=' expected\n";
-        std::printf(error, line);
-        LogPrint(1, error, line);
+        zel::print_and_log(1, "_cfg_file_read: ERROR: line %d '=' expected\n", line);
         return skip_line(store->lex, token);
     }
     return read_value(store->lex, entry);
@@ -267,10 +292,10 @@ void cfg_read_statements(lang_cfg_t *store)
     const zel_token_t *token = zel_next_token(store->lex);
     while (token != nullptr && token->id != CFG_TOK_EOF) {
         if (token->id == CFG_TOK_SECTION) {
-            section = cfg_find_or_add(store->sections, token->lexeme, CFG_SECTION);
+            section = cfg_section(store, token->lexeme);
         } else if (token->id == CFG_TOK_WORD) {
             if (section == nullptr)
-                section = cfg_find_or_add(store->sections, "", CFG_SECTION);
+                section = cfg_section(store, "");
             if (section == nullptr)
                 return; // out of memory, reported
             token = read_key(store, section, token);

@@ -36,7 +36,12 @@ struct cfg_entry_t {
     std::int32_t negative; // 1: the value in the file stood behind a minus sign
     char *name;            // owned; empty for the section of the top-level keys
     void *data;            // by type; a key without data is not written
+    zel_list *last;        // of a section: the node of its last entry
 };
+
+namespace zel {
+class cfg_index;
+}
 
 struct lang_cfg_t {
     std::uint32_t version; // the top-level key "version"
@@ -54,20 +59,29 @@ struct lang_cfg_t {
     zel_lex_t *lex;
     zel_list *sections;       // of cfg_entry_t, in the order of creation
     std::int64_t version_key; // what the key is bound to; version holds its low 32 bits
+    zel_list *last_section;   // the node of the last one
+    zel::cfg_index *index;    // finds sections and keys, owned
+    const char *open_end;     // what the file that was read ended inside of, or null
 };
 
 namespace zel {
 
-// The entry of that name in a list of entries, or null; the same, made and appended if missing.
-cfg_entry_t *cfg_find(zel_list *entries, const char *name);
-cfg_entry_t *cfg_find_or_add(zel_list *&entries, const char *name, int type);
+cfg_index *cfg_index_new();
+void cfg_index_free(cfg_index *index);
+
+// The section of that name (empty for the top-level keys), or null; the same, made and appended if
+// missing (null without memory).
+cfg_entry_t *cfg_find_section(const lang_cfg_t *store, const char *name);
+cfg_entry_t *cfg_section(lang_cfg_t *store, const char *name);
+
+// The same for a key of a section, which is made as CFG_VOID without text.
+cfg_entry_t *cfg_find_key(const lang_cfg_t *store, const cfg_entry_t *section, const char *name);
+cfg_entry_t *cfg_key(lang_cfg_t *store, cfg_entry_t *section, const char *name);
 
 // A section's keys, in order.
 inline zel_list *cfg_keys(const cfg_entry_t *section)
 {
     return static_cast<zel_list *>(section->data);
 }
-// The key of a section, made without text if missing.
-cfg_entry_t *cfg_key(cfg_entry_t *section, const char *name);
 
 } // namespace zel

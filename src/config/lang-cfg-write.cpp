@@ -2,11 +2,11 @@
 
 #include "lex/lex-misc.h"
 #include "support/log-print.h"
-#include "support/string-copy.h"
-#include "support/string.h"
 
+#include <algorithm>
 #include <cinttypes>
 #include <glib.h>
+#include <string_view>
 
 namespace {
 
@@ -47,10 +47,42 @@ void write_double(std::FILE *stream, const cfg_entry_t *key)
     std::fprintf(stream, "%s\n", text);
 }
 
+// Whether the reader takes this text, as it stands, for the same text. Behind a minus sign it may
+// begin with more of them.
+bool reads_back(std::string_view text, bool behind_sign)
+{
+    if (text.find_first_of("=\"\\\n") != std::string_view::npos)
+        return false;
+    if (behind_sign)
+        text.remove_prefix(std::min(text.find_first_not_of('-'), text.size()));
+    constexpr std::string_view not_first = ";[- \t";
+    constexpr std::string_view not_last = " \t";
+    return !text.empty() && not_first.find(text.front()) == std::string_view::npos &&
+           not_last.find(text.back()) == std::string_view::npos;
+}
+
+// A word that the reader gives back unchanged: in quotes where it must be.
+void write_word(std::FILE *stream, const char *text, bool behind_sign)
+{
+    if (reads_back(text, behind_sign)) {
+        std::fputs(text, stream);
+        return;
+    }
+    std::fputc('"', stream);
+    for (; *text != '\0'; ++text) {
+        if (*text == '"' || *text == '\\')
+            std::fputc('\\', stream);
+        std::fputc(*text, stream);
+    }
+    std::fputc('"', stream);
+}
+
 void write_text(std::FILE *stream, const cfg_entry_t *key)
 {
-    std::fprintf(stream, "%s%s\n", key->negative != 0 ? "-" : "",
-                 static_cast<const char *>(key->data));
+    if (key->negative != 0)
+        std::fputc('-', stream);
+    write_word(stream, static_cast<const char *>(key->data), key->negative != 0);
+    std::fputc('\n', stream);
 }
 
 using print_fn = void (*)(std::FILE *, const cfg_entry_t *);
@@ -67,50 +99,34 @@ void warn_type(const cfg_entry_t *key)
     LogPrint(1, "_cfg_file_write: WARNING unknown entry typ %d\n", key->type);
 }
 
-// A text of the listing, on standard output and in the log: level 1 starts a line.
-void list_text(int level, const char *text)
-{
-    std::fputs(text, stdout);
-    LogPrint(level, "%s", text);
-}
-
-void list_format(int level, const char *format, ...) __attribute__((format(printf, 2, 3)));
-void list_format(int level, const char *format, ...)
-{
-    std::va_list args;
-    va_start(args, format);
-    const zel::string_guard text(zel_strdup_vprintf(format, args));
-    va_end(args);
-    list_text(level, text ? text.get() : "");
-}
-
 void list_name(const char *format_name, const char *name)
 {
     if (name != nullptr)
-        list_format(1, "cfg_print_all: %s ->%s<-\n", format_name, name);
+        zel::print_and_log(1, "cfg_print_all: %s ->%s<-\n", format_name, name);
 }
 
 void list_value(const cfg_entry_t *key)
 {
     switch (key->type) {
     case CFG_HEX:
-        return list_format(0, "(hex)0x%08x\n", low_bits(key));
+        return zel::print_and_log(0, "(hex)0x%08x\n", low_bits(key));
     case CFG_OCTAL:
-        return list_format(0, "(octal)%o\n", low_bits(key));
+        return zel::print_and_log(0, "(octal)%o\n", low_bits(key));
     case CFG_LONG:
-        return list_format(0, "%d\n", static_cast<int>(*static_cast<std::int64_t *>(key->data)));
+        return zel::print_and_log(0, "%d\n",
+                                  static_cast<int>(*static_cast<std::int64_t *>(key->data)));
     case CFG_STR: {
         const char *text = *static_cast<char **>(key->data);
-        return list_format(0, "(str)->%s<-\n", text == nullptr ? "" : text);
+        return zel::print_and_log(0, "(str)->%s<-\n", text == nullptr ? "" : text);
     }
     case CFG_DOUBLE: {
         gchar text[512];
         g_ascii_formatd(text, sizeof text, "%f", *static_cast<double *>(key->data));
-        return list_format(0, "(double)%s\n", text);
+        return zel::print_and_log(0, "(double)%s\n", text);
     }
     default:
-        return list_format(0, "(void)->%s%s<-\n", key->negative != 0 ? "-" : "",
-                           static_cast<const char *>(key->data));
+        return zel::print_and_log(0, "(void)->%s%s<-\n", key->negative != 0 ? "-" : "",
+                                  static_cast<const char *>(key->data));
     }
 }
 
@@ -119,10 +135,10 @@ void list_key(const cfg_entry_t *key)
     if (key->data == nullptr)
         return;
     if (!known_type(key)) {
-        list_format(1, "_cfg_file_write: WARNING unknown entry typ %d\n", key->type);
+        zel::print_and_log(1, "_cfg_file_write: WARNING unknown entry typ %d\n", key->type);
         return;
     }
-    list_format(1, "cfg_print_all: %s = ", key->name);
+    zel::print_and_log(1, "cfg_print_all: %s = ", key->name);
     list_value(key);
 }
 
@@ -134,7 +150,8 @@ void write_key(std::FILE *stream, const cfg_entry_t *key)
         warn_type(key);
         return;
     }
-    std::fprintf(stream, "%s=", key->name);
+    write_word(stream, key->name, false);
+    std::fputc('=', stream);
     write_value[key->type](stream, key);
 }
 
@@ -156,7 +173,7 @@ void cfg_write_sections(std::FILE *stream, zel_list *sections)
 void cfg_print_store(lang_cfg_t *store)
 {
     store->version_key = store->version;
-    list_text(1, "cfg_print_all:---------------------------------------------\n");
+    zel::print_and_log(1, "cfg_print_all:---------------------------------------------\n");
     list_name("tmp ", store->tmp);
     list_name("lock", store->lock);
     list_name("cfg ", store->cfg);
@@ -168,13 +185,13 @@ void cfg_print_store(lang_cfg_t *store)
     for (const zel_list *node = store->sections; node != nullptr; node = node->next) {
         const auto *section = static_cast<const cfg_entry_t *>(node->data);
         if (section->name[0] != '\0')
-            list_format(1, "cfg_print_all: ------->[%s]\n", section->name);
+            zel::print_and_log(1, "cfg_print_all: ------->[%s]\n", section->name);
         else
-            list_text(1, "cfg_print_all: ------->File ebene\n");
+            zel::print_and_log(1, "cfg_print_all: ------->File ebene\n");
         for (const zel_list *key = cfg_keys(section); key != nullptr; key = key->next)
             list_key(static_cast<const cfg_entry_t *>(key->data));
     }
-    list_text(1, "cfg_print_all: exit\n");
+    zel::print_and_log(1, "cfg_print_all: exit\n");
 }
 
 } // namespace zel

@@ -11,7 +11,10 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
+#include <string>
 #include <sys/file.h>
+#include <unistd.h>
 
 namespace {
 
@@ -84,24 +87,41 @@ int fail_locked(lang_cfg_t *store, const char *message)
 // A message with errno, on standard output and in the log.
 int fail_write(const char *what, int error, int result)
 {
-    const zel::string_guard text(zel_strdup_printf("cfg_write: ERROR %s errno %d\n", what, error));
-    std::fputs(text ? text.get() : "", stdout);
-    LogPrint(1, "%s", text ? text.get() : "");
+    zel::print_and_log(1, "cfg_write: ERROR %s errno %d\n", what, error);
     return result;
 }
 
+int fail_without_lock(lang_cfg_t *store)
+{
+    const int error = errno;
+    LogPrint(1, "cfg_open: ERROR create lockfile errno %d\n", error);
+    std::fprintf(stderr, "lang: %s cannot be made: %s; the settings are not used\n", store->lock,
+                 std::strerror(error));
+    return fail(store, CFG_LOCKED);
+}
+
+// A stream on a file that was just opened; null when there is none, errno as it was.
+std::FILE *stream_of(int fd, const char *mode)
+{
+    std::FILE *stream = fd < 0 ? nullptr : fdopen(fd, mode);
+    if (stream == nullptr && fd >= 0)
+        zel::close_quietly(fd);
+    return stream;
+}
+
 // The lock file, made anew: with a test it must not be there yet, and nobody else may hold it.
+// Without one whatever stands there makes way, unread and unwritten.
 int take_lock(lang_cfg_t *store, bool test)
 {
-    if (!test)
+    if (!test) {
         close_stream(store->fp_lock);
-    std::FILE *lock = zel_fopen(store->lock, test ? "w+x" : "w+");
-    if (lock == nullptr) {
-        if (test && errno == EEXIST)
-            return fail_locked(store, "cfg_open: ERROR cfg locked by lockfile\n");
-        LogPrint(1, "cfg_open: ERROR create lockfile errno %d\n", errno);
-        return fail(store, CFG_LOCKED);
+        unlink(store->lock); // what stays lets the creation fail
     }
+    std::FILE *lock = stream_of(zel::open_fresh(store->lock, 0666), "w+");
+    if (lock == nullptr)
+        return test && errno == EEXIST
+                   ? fail_locked(store, "cfg_open: ERROR cfg locked by lockfile\n")
+                   : fail_without_lock(store);
     if (test && flock(fileno(lock), LOCK_EX | LOCK_NB) != 0) {
         std::fclose(lock);
         return fail_locked(store, "cfg_open: ERROR cfg locked by flock\n");
@@ -111,21 +131,31 @@ int take_lock(lang_cfg_t *store, bool test)
     return CFG_OK;
 }
 
-int open_file(lang_cfg_t *store, bool create)
+// Whether the lock file is this store's, as far as that can be told.
+bool owns_lock(const lang_cfg_t *store)
 {
     struct stat status {};
-    if (zel_stat(store->cfg, &status) == 0) {
-        store->fp_cfg = zel_fopen(store->cfg, "r+");
-        if (store->fp_cfg == nullptr) {
-            LogPrint(1, "cfg_open: ERROR open fp_cfg  errno %d\n", errno);
-            return CFG_NOT_OPENED;
-        }
-        return CFG_OK;
+    if (store->fp_lock == nullptr)
+        return store->status != CFG_LOCKED;
+    return fstat(fileno(store->fp_lock), &status) == 0 &&
+           zel::is_named(store->lock, zel::id_of(status));
+}
+
+int open_file(lang_cfg_t *store, bool create)
+{
+    if (zel::is_there(store->cfg)) {
+        store->fp_cfg = stream_of(zel::open_plain(store->cfg, O_RDWR), "r+");
+        if (store->fp_cfg != nullptr)
+            return CFG_OK;
+        const int error = errno;
+        LogPrint(1, "cfg_open: ERROR open fp_cfg  errno %d\n", error);
+        std::fprintf(stderr, "lang: %s cannot be used: %s\n", store->cfg, std::strerror(error));
+        return CFG_NOT_OPENED;
     }
     if (!create)
         return CFG_OK;
     LogPrint(1, "cfg_open: create cfg file \n");
-    store->fp_cfg = zel_fopen(store->cfg, "w");
+    store->fp_cfg = stream_of(zel::open_fresh(store->cfg, 0666), "w+");
     if (store->fp_cfg == nullptr) {
         LogPrint(1, "cfg_open: ERROR create fp_cfg  errno %d\n", errno);
         return CFG_NOT_CREATED;
@@ -133,19 +163,52 @@ int open_file(lang_cfg_t *store, bool create)
     return CFG_OK;
 }
 
-// Fills the temporary file and puts it in the file's place.
-int write_file(lang_cfg_t *store, zel::safe_file &file)
+void read_file(lang_cfg_t *store)
 {
-    store->fp_tmp = file.stream;
+    zel_lex_buf_file_set_fp(store->buf, store->fp_cfg);
+    zel_lex_set_buf(store->lex, store->buf);
     store->version_key = store->version;
-    zel::cfg_write_sections(file.stream, store->sections);
+    store->open_end = nullptr;
+    zel::cfg_read_statements(store);
+    store->version = static_cast<std::uint32_t>(store->version_key);
+    if (store->open_end != nullptr)
+        std::fprintf(stderr, "lang: %s: the file ends inside %s; it may have been cut\n",
+                     store->cfg, store->open_end);
+    close_stream(store->fp_cfg);
+    zel_lex_buf_file_set_fp(store->buf, nullptr);
+}
+
+// The whole text of the file; false without memory.
+bool make_text(lang_cfg_t *store, std::string &text)
+{
+    char *area = nullptr;
+    std::size_t size = 0;
+    store->fp_tmp = open_memstream(&area, &size);
+    if (store->fp_tmp == nullptr)
+        return false;
+    store->version_key = store->version;
+    zel::cfg_write_sections(store->fp_tmp, store->sections);
+    const bool whole = std::ferror(store->fp_tmp) == 0;
+    const bool closed = std::fclose(store->fp_tmp) == 0;
     store->fp_tmp = nullptr;
-    if (const int error = zel::safe_file_finish(file))
+    if (whole && closed)
+        text.assign(area, size);
+    std::free(area);
+    return whole && closed;
+}
+
+// Fills the temporary file and puts it in the file's place.
+int write_file(lang_cfg_t *store, zel::safe_file &file, const zel::target_file &old)
+{
+    std::string text;
+    if (!make_text(store, text))
+        return fail_write("write fp_tmp", ENOMEM, CFG_NOT_WRITTEN);
+    file.append(text);
+    if (const int error = file.finish(zel::synced::yes))
         return fail_write("write fp_tmp", error, CFG_NOT_WRITTEN);
     std::printf("lang_write_cfg: >%s<>%s<\n", store->tmp, store->cfg);
-    if (const int error = zel::safe_file_move(file, store->cfg))
-        return fail_write("rename fp_tmp", error, CFG_NOT_RENAMED);
-    return CFG_OK;
+    const int error = old.refusal != 0 ? old.refusal : file.put(old);
+    return error == 0 ? CFG_OK : fail_write("rename fp_tmp", error, CFG_NOT_RENAMED);
 }
 
 } // namespace
@@ -157,10 +220,12 @@ lang_cfg_t *lang_cfg_new(const char *file)
     lang_cfg_guard store(static_cast<lang_cfg_t *>(std::calloc(1, sizeof(lang_cfg_t))));
     if (!store || !set_names(store.get(), file))
         return nullptr;
+    store->index = zel::cfg_index_new();
     store->buf = zel_lex_buf_file_new(nullptr);
     store->lex = zel_lex_new(nullptr, LEX_ESCAPES);
-    if (store->buf == nullptr || store->lex == nullptr)
+    if (store->index == nullptr || store->buf == nullptr || store->lex == nullptr)
         return nullptr;
+    store->buf->read_context = store.get(); // the tokenizer finds the store there
     zel_lex_set_buf(store->lex, store->buf);
     zel_lex_set_get_token(store->lex, zel::cfg_get_token);
     lang_cfg_add_entry(store.get(), nullptr, "version", CFG_LONG, &store->version_key);
@@ -172,20 +237,19 @@ int lang_cfg_add_entry(lang_cfg_t *store, const char *section, const char *key, 
 {
     if (store == nullptr || key == nullptr)
         return CFG_OK;
-    cfg_entry_t *home =
-        zel::cfg_find_or_add(store->sections, section == nullptr ? "" : section, CFG_SECTION);
-    cfg_entry_t *entry = home == nullptr ? nullptr : zel::cfg_key(home, key);
-    // An unbound key owns its text, so it cannot also stand for a variable.
-    if (entry == nullptr || address == nullptr || type == CFG_VOID)
+    cfg_entry_t *home = zel::cfg_section(store, section == nullptr ? "" : section);
+    cfg_entry_t *entry = home == nullptr ? nullptr : zel::cfg_key(store, home, key);
+    if (entry == nullptr || address == nullptr)
         return CFG_OK;
     if (entry->type != CFG_VOID) {
         entry->data = address;
         return CFG_OK;
     }
-    const zel::string_guard text(static_cast<char *>(entry->data));
+    const zel::string_guard text(entry->data == address ? nullptr
+                                                        : static_cast<char *>(entry->data));
     entry->type = type;
     entry->data = address;
-    if (text)
+    if (text && type != CFG_VOID)
         zel::cfg_set_entry(entry, text.get());
     return CFG_OK;
 }
@@ -199,15 +263,8 @@ int lang_cfg_open(lang_cfg_t *store, unsigned flags)
     close_stream(store->fp_cfg);
     if (const int failed = open_file(store, (flags & CFG_OPEN_CREATE) != 0))
         return fail(store, failed);
-    if (store->fp_cfg != nullptr) {
-        zel_lex_buf_file_set_fp(store->buf, store->fp_cfg);
-        zel_lex_set_buf(store->lex, store->buf);
-        store->version_key = store->version;
-        zel::cfg_read_statements(store);
-        store->version = static_cast<std::uint32_t>(store->version_key);
-        close_stream(store->fp_cfg);
-        zel_lex_buf_file_set_fp(store->buf, nullptr);
-    }
+    if (store->fp_cfg != nullptr)
+        read_file(store);
     store->status = CFG_OK;
     return CFG_OK;
 }
@@ -222,12 +279,14 @@ int lang_cfg_write(lang_cfg_t *store)
         std::puts("lang_write_cfg: error 2");
         return CFG_BAD_STATUS;
     }
-    zel::safe_file file = zel::safe_file_create(store->tmp);
-    if (file.stream == nullptr)
-        return fail_write("open fp_tmp", file.error, CFG_NOT_WRITTEN);
-    const int result = write_file(store, file);
-    zel::safe_file_release(file);
-    return result;
+    const zel::target_file old = zel::find_target(store->cfg, zel::links::replace);
+    zel::safe_file file;
+    if (const int error = file.create(store->tmp, old)) {
+        if (error != EAGAIN)
+            zel_unlink(store->tmp); // says what stands in the way
+        return fail_write("open fp_tmp", error, CFG_NOT_WRITTEN);
+    }
+    return write_file(store, file, old);
 }
 
 int lang_cfg_get_long(lang_cfg_t *store, std::int64_t *result, std::int64_t fallback,
@@ -238,14 +297,14 @@ int lang_cfg_get_long(lang_cfg_t *store, std::int64_t *result, std::int64_t fall
     if (store == nullptr || result == nullptr || key == nullptr)
         return 1;
     store->version_key = store->version;
-    const cfg_entry_t *home = zel::cfg_find(store->sections, section == nullptr ? "" : section);
-    const cfg_entry_t *entry = home == nullptr ? nullptr : zel::cfg_find(zel::cfg_keys(home), key);
+    const cfg_entry_t *home = zel::cfg_find_section(store, section == nullptr ? "" : section);
+    const cfg_entry_t *entry = home == nullptr ? nullptr : zel::cfg_find_key(store, home, key);
     if (entry == nullptr)
         return 1;
     if (entry->type == CFG_LONG && entry->data != nullptr) {
         *result = *static_cast<std::int64_t *>(entry->data);
     } else if (entry->type == CFG_VOID) {
-        cfg_entry_t number{CFG_LONG, 0, nullptr, result};
+        cfg_entry_t number{CFG_LONG, 0, nullptr, result, nullptr};
         if (entry->data != nullptr)
             zel::cfg_set_entry(&number, static_cast<const char *>(entry->data));
         if (entry->negative != 0)
@@ -258,8 +317,9 @@ int lang_cfg_close(lang_cfg_t *store)
 {
     if (store == nullptr)
         return CFG_NULL;
+    const bool own = owns_lock(store);
     close_streams(store);
-    if (store->status != CFG_LOCKED)
+    if (own)
         zel_unlink(store->lock);
     zel_unlink(store->tmp);
     return CFG_OK;
@@ -280,8 +340,9 @@ int lang_cfg_set_file_name(lang_cfg_t *store, const char *file)
 {
     if (store == nullptr || file == nullptr || file[0] == '\0')
         return 1;
+    const std::string name = file; // which may be one of those that go
     lang_cfg_close(store);
-    return set_names(store, file) ? 0 : 1;
+    return set_names(store, name.c_str()) ? 0 : 1;
 }
 
 int lang_cfg_free(lang_cfg_t *store)
@@ -295,6 +356,7 @@ int lang_cfg_free(lang_cfg_t *store)
     if (store->buf != nullptr)
         zel_lex_buf_free(store->buf);
     zel_list_free_full(store->sections, free_section);
+    zel::cfg_index_free(store->index);
     std::free(store);
     return CFG_OK;
 }

@@ -50,7 +50,7 @@ bool take_entry(GtkWidget *entry, char *&owned)
     if (zel::utf8_shown(owned) == typed)
         return false;
     zel::replace_string(owned, zel_strdup(typed));
-    lang_global.modified = 1;
+    zel::edit_set_modified(true);
     return true;
 }
 
@@ -76,7 +76,7 @@ void set_edit(lang_t *lang, bool on)
     if ((lang->edit != 0) == on)
         return;
     lang->edit = on ? 1 : 0;
-    lang_global.modified = 1;
+    zel::edit_set_modified(true);
 }
 
 // Two languages are edited at most: every row after the second one is switched off.
@@ -154,7 +154,7 @@ void define_button_add(GtkWidget *, gpointer data)
     gtk_box_reorder_child(GTK_BOX(dialog->rows_box), gtk_widget_get_parent(row->name_entry),
                           dialog->rows_above++);
     gtk_widget_grab_focus(row->name_entry);
-    lang_global.modified = 1;
+    zel::edit_set_modified(true);
 }
 
 // The folder as it stands in the settings, or what was typed over it.
@@ -205,7 +205,7 @@ void whatsnew_changed_cb(GtkSpinButton *spin, gpointer data)
     auto *source = static_cast<LangSource *>(data);
     const auto value = static_cast<std::int64_t>(gtk_spin_button_get_value(spin));
     if (source->whatsnew != value)
-        lang_global.modified = 1;
+        zel::edit_set_modified(true);
     source->whatsnew = value;
 }
 

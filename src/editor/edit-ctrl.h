@@ -24,7 +24,9 @@ struct edit_ctrl_t {
 
 // What else the main window asks of the table. Results as above.
 struct edit_more_t {
-    int (*reload)(_GtkWidget *table); // the languages anew, then the selected item's texts
+    int (*reload)(_GtkWidget *table);     // the languages anew, then the selected item's texts
+    int (*put_away)(_GtkWidget *table);   // before the source is written: what only showing the
+    int (*bring_back)(_GtkWidget *table); // selected item has made goes out of it, and back after
 };
 
 // The process's tables, filled before the editor's window is built.

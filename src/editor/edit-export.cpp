@@ -37,6 +37,12 @@ const char *export_path(GtkWidget *widget)
     return ini->dstDir;
 }
 
+bool write_languages(const char *path)
+{
+    const zel::source_to_write whole;
+    return split_file(def_group, path) == 0;
+}
+
 void tell_exported(GtkWidget *widget, const char *path)
 {
     constexpr const char *success = "Writing language files successfull";
@@ -82,7 +88,7 @@ void import_file(GtkWidget *widget, const char *path)
         zel::status_and_message(widget, "common", "status", "ERROR: Import file");
         return;
     }
-    lang_global.modified = 1;
+    zel::edit_set_modified(true);
     const zel::flag_guard importing(lang_global.importing);
     edit_refresh();
 }
@@ -106,7 +112,7 @@ void cb_export(GtkWidget *widget, gpointer)
         return;
     }
     zel::edit_show_export_path(path);
-    if (split_file(def_group, path) != 0)
+    if (!write_languages(path))
         zel::status_and_message(widget, "status", "status", "ERROR: writing language files");
     else
         tell_exported(widget, path);

@@ -5,6 +5,7 @@
 #include "editor/dir_file_sel.h"
 #include "editor/edit-ask.h"
 #include "editor/edit-state.h"
+#include "editor/read-report.h"
 #include "editor/ui-text.h"
 #include "source/lang-read.h"
 #include "source/lang-write.h"
@@ -87,11 +88,17 @@ void clear_output_langs()
     zel::replace_string(lang_global.output_lang_2, nullptr);
 }
 
+bool write_source(const char *path)
+{
+    const zel::source_to_write whole;
+    return lang_write_file(path, def_group) == 0;
+}
+
 // Writes the source and says how it went; only then are there no changes left.
 void write_and_tell(GtkWidget *widget, const char *path)
 {
-    if (lang_write_file(path, def_group) == 0) {
-        lang_global.modified = 0;
+    if (write_source(path)) {
+        zel::edit_set_modified(false);
         zel::message(mainWin, "status", "Write file successfull");
     } else {
         zel::message(widget, "status", "Error write file");
@@ -136,7 +143,7 @@ bool write_pair(const char *folder, const char *date, const char *other)
     const int length = std::snprintf(path.data(), path.size(), "%s/%s-%s-%s-out.lang-src", folder,
                                      date, lang_global.output_lang_1, lang_global.output_lang_2);
     return length > 0 && static_cast<std::size_t>(length) < path.size() &&
-           lang_write_file(path.data(), def_group) == 0;
+           write_source(path.data());
 }
 
 void save_pairs(GtkWidget *widget)
@@ -192,7 +199,7 @@ void cb_open(GtkWidget *widget, gpointer)
     }
     zel::edit_show_source();
     show_source_values();
-    lang_global.modified = 0;
+    zel::edit_set_modified(false);
 }
 
 void cb_save(GtkWidget *widget, gpointer)
@@ -259,10 +266,15 @@ namespace zel {
 bool edit_read_source()
 {
     note_source_directory(def_file);
-    read_answer answer =
-        read_source(def_file, {lang_global.start_time, print_read_message, nullptr});
+    read_report report(def_file);
+    const auto listener = [&report](const read_message &message) {
+        print_read_message(message);
+        report.hear(message);
+    };
+    read_answer answer = read_source(def_file, {lang_global.start_time, listener, nullptr});
     if (answer.result == read_result::stopped)
         say_stopped();
+    edit_status(report.text(answer).c_str());
     def_group = answer.source.release();
     return def_group != nullptr;
 }

@@ -19,7 +19,7 @@ void prg_exit();
 namespace zel {
 
 // Reads def_file into def_group; false when that fails, after the reader's messages. Errors that
-// end a command only fail here.
+// end a command only fail here. The status line tells what was read, or why not.
 bool edit_read_source();
 
 // Makes the table of def_group on the edit page.

@@ -9,6 +9,7 @@ GtkWidget *mainWin;
 GtkWidget *editBox;
 GtkWidget *editWin;
 GtkWidget *statusWin;
+GtkWidget *changed_sign;
 GtkAccelGroup *accel_group;
 char *def_file;
 LangSource *def_group;
@@ -32,10 +33,29 @@ void edit_reload()
         edit_more.reload(editWin);
 }
 
+source_to_write::source_to_write()
+{
+    if (editWin != nullptr && edit_more.put_away != nullptr)
+        edit_more.put_away(editWin);
+}
+
+source_to_write::~source_to_write()
+{
+    if (editWin != nullptr && edit_more.bring_back != nullptr)
+        edit_more.bring_back(editWin);
+}
+
 void edit_status(const char *text)
 {
     if (statusWin != nullptr)
         gtk_entry_set_text(GTK_ENTRY(statusWin), utf8_shown(text).c_str());
+}
+
+void edit_set_modified(bool modified)
+{
+    lang_global.modified = modified ? 1 : 0;
+    if (changed_sign != nullptr)
+        gtk_widget_set_visible(changed_sign, modified);
 }
 
 void edit_show_export_path(const char *path)

@@ -12,6 +12,7 @@ extern GtkWidget *mainWin;         // the top-level window
 extern GtkWidget *editBox;         // the "Language Edit" page
 extern GtkWidget *editWin;         // the item table in it, or null
 extern GtkWidget *statusWin;       // the one-line entry at the bottom
+extern GtkWidget *changed_sign;    // beside it, seen while the source has unsaved changes
 extern GtkAccelGroup *accel_group; // the window's keys; the item table adds its own
 
 extern char *def_file;        // path of the current source, owned, or null
@@ -30,8 +31,21 @@ namespace zel {
 // The same with the row that is selected.
 void edit_reload();
 
+// The source as it is to be written, for the life of a scope: without the entries that only looking
+// at the selected item has made.
+class source_to_write {
+public:
+    source_to_write();
+    ~source_to_write();
+    source_to_write(const source_to_write &) = delete;
+    source_to_write &operator=(const source_to_write &) = delete;
+};
+
 // The status line; null empties it.
 void edit_status(const char *text);
+
+// Whether the source has changes that were not saved: lang_global's modified, and the sign of it.
+void edit_set_modified(bool modified);
 
 // The value beside "Export path:"; null empties it.
 void edit_show_export_path(const char *path);

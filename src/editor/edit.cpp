@@ -116,8 +116,9 @@ GtkWidget *make_notebook()
     return notebook;
 }
 
-GtkWidget *make_status_frame()
+GtkWidget *make_status_row()
 {
+    GtkWidget *row = gtk_hbox_new(FALSE, around_pane);
     GtkWidget *frame = gtk_frame_new(nullptr);
     gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_NONE);
     statusWin = gtk_entry_new();
@@ -126,7 +127,12 @@ GtkWidget *make_status_frame()
     gtk_widget_set_name(statusWin, "status");
     zel::set_accessible_name(statusWin, "Status");
     gtk_container_add(GTK_CONTAINER(frame), statusWin);
-    return frame;
+    gtk_box_pack_start(GTK_BOX(row), frame, TRUE, TRUE, 0);
+    changed_sign = gtk_label_new(zel::ui_text("common", "changed"));
+    gtk_widget_set_no_show_all(changed_sign, TRUE);
+    gtk_misc_set_padding(GTK_MISC(changed_sign), around_pane, 0);
+    gtk_box_pack_start(GTK_BOX(row), changed_sign, FALSE, FALSE, 0);
+    return row;
 }
 
 void build_window()
@@ -140,7 +146,7 @@ void build_window()
     gtk_box_pack_start(GTK_BOX(box), zel::make_toolbar(), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(box), make_info_frame(), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(box), make_notebook(), TRUE, TRUE, 0);
-    gtk_box_pack_start(GTK_BOX(box), make_status_frame(), FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), make_status_row(), FALSE, FALSE, 0);
     gtk_widget_show_all(mainWin);
 }
 
@@ -149,7 +155,7 @@ void take_down_window()
 {
     if (mainWin != nullptr)
         gtk_widget_destroy(mainWin);
-    mainWin = editBox = editWin = statusWin = empty_menu = empty_tool = nullptr;
+    mainWin = editBox = editWin = statusWin = changed_sign = empty_menu = empty_tool = nullptr;
     for (const info_row &row : info_rows)
         lang_global.*row.value = nullptr;
     lang_global.info_box = lang_global.shot_window = lang_global.shot_image = nullptr;
@@ -174,6 +180,7 @@ int edit()
     build_window();
     if (def_file != nullptr && !zel::edit_read_source()) {
         std::puts("Error in language file");
+        std::fprintf(stderr, "lang: %s\n", gtk_entry_get_text(GTK_ENTRY(statusWin)));
         close_settings();
     } else {
         if (def_file != nullptr)

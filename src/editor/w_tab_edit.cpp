@@ -98,7 +98,7 @@ void change_ready_cb(GtkToggleButton *button, gpointer data)
     const zel::tab_row *row = selected_row(tab, &number);
     if (row == nullptr)
         return;
-    lang_global.modified = 1;
+    zel::edit_set_modified(true);
     row->item->ready = gtk_toggle_button_get_active(button);
     ready_changed(tab, number);
     if (row->item->ready != 0)
@@ -658,7 +658,17 @@ namespace zel {
 
 edit_more_t tab_edit_more()
 {
-    return {[](GtkWidget *widget) { return on_table(widget, "tab_edit_reload", reload); }};
+    return {
+        [](GtkWidget *widget) { return on_table(widget, "tab_edit_reload", reload); },
+        [](GtkWidget *widget) {
+            return on_table(widget, "tab_edit_put_away",
+                            [](ZelTabEdit *tab) { text_put_away(ZEL_TEXT(tab->text_widget)); });
+        },
+        [](GtkWidget *widget) {
+            return on_table(widget, "tab_edit_bring_back",
+                            [](ZelTabEdit *tab) { text_bring_back(ZEL_TEXT(tab->text_widget)); });
+        },
+    };
 }
 
 } // namespace zel

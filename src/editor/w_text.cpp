@@ -2,7 +2,9 @@
 
 #include "app/global.h"
 #include "editor/accessible.h"
+#include "editor/edit-state.h"
 #include "editor/operation.h"
+#include "editor/text-pieces.h"
 #include "editor/ui-text.h"
 #include "source/misc.h"
 #include "support/log-print.h"
@@ -71,7 +73,7 @@ void zel_text_changed(GtkTextBuffer *, gpointer dirty)
     if (lang_global.text_lock != 0)
         return;
     *static_cast<int *>(dirty) = 1;
-    lang_global.modified = 1;
+    zel::edit_set_modified(true);
 }
 
 // --- Construction ------------------------------------------------------------------------------
@@ -94,6 +96,7 @@ GtkWidget *make_text_view(int height)
     gtk_text_view_set_right_margin(text_view, margin);
     gtk_text_view_set_pixels_above_lines(text_view, 2);
     gtk_text_view_set_accepts_tab(text_view, FALSE);
+    zel::keep_in_pieces(gtk_text_view_get_buffer(text_view));
     gtk_widget_set_size_request(view, -1, height);
     return view;
 }
@@ -244,6 +247,33 @@ void show_used_in(Zeltext *text)
     }
 }
 
+// Binds the field to the item's entry of the language, which is made when there is none.
+void bind_entry(Zeltext *text, int number, const char *lang)
+{
+    GList *&entries = text->item->*fields[number].entries;
+    lang_entry_t *entry = zel_get_lang_entry(entries, lang);
+    text->made[number] = entry == nullptr;
+    if (entry == nullptr) {
+        entry = alloc_lang_entry(lang);
+        if (entry != nullptr)
+            entries = g_list_append(entries, entry);
+    }
+    text->*fields[number].entry = entry;
+}
+
+// Takes the field's entry out of the item again when nothing but showing the item made it.
+void drop_made_entry(Zeltext *text, int number)
+{
+    lang_entry_t *&entry = text->*fields[number].entry;
+    if (text->made[number] == 0 || entry == nullptr || entry->texts != nullptr)
+        return;
+    GList *&entries = text->item->*fields[number].entries;
+    GList *link = g_list_find(entries, entry);
+    entries = g_list_remove_link(entries, link);
+    free_lang_entry_list(link);
+    entry = nullptr;
+}
+
 void show_field(Zeltext *text, int number, const char *lang)
 {
     const field_t &field = fields[number];
@@ -253,14 +283,8 @@ void show_field(Zeltext *text, int number, const char *lang)
     gtk_label_set_text(GTK_LABEL(text->*field.label), caption.c_str());
     zel::set_accessible_name(view, caption.c_str());
 
-    GList *&entries = text->item->*field.entries;
-    lang_entry_t *entry = zel_insert_lang(view, lang, entries);
-    if (entry == nullptr) {
-        entry = alloc_lang_entry(lang);
-        if (entry != nullptr)
-            entries = g_list_append(entries, entry);
-    }
-    text->*field.entry = entry;
+    zel_insert_lang(view, lang, text->item->*field.entries);
+    bind_entry(text, number, lang);
     gtk_widget_show(view);
 }
 
@@ -348,8 +372,10 @@ void show(Zeltext *text, LangSource *source, item_t *item, int update)
     lang_global.text_lock = 1;
     if (update != 0)
         store(text);
-    for (const field_t &field : fields)
-        text->*field.entry = nullptr;
+    for (int number = 0; number < TEXT_FIELDS; ++number) {
+        drop_made_entry(text, number);
+        text->*fields[number].entry = nullptr;
+    }
     if (source == nullptr || item == nullptr) {
         show_nothing(text);
         return;
@@ -480,6 +506,29 @@ int text_focused_field(Zeltext *text)
             return number;
     }
     return -1;
+}
+
+void text_put_away(Zeltext *text)
+{
+    for (int number = 0; number < TEXT_FIELDS; ++number) {
+        drop_made_entry(text, number);
+        if (text->*fields[number].entry != nullptr)
+            text->made[number] = 0; // it is in the file now
+    }
+}
+
+void text_bring_back(Zeltext *text)
+{
+    const char *lang1 = nullptr;
+    const char *lang2 = nullptr;
+    if (text->item == nullptr)
+        return;
+    misc_select_edit_lang(text->lang_source, &lang1, &lang2);
+    for (const int number : field_order) {
+        const char *lang = number == TEXT_COMMENT1 || number == TEXT_TRANS1 ? lang1 : lang2;
+        if (lang != nullptr && text->*fields[number].entry == nullptr)
+            bind_entry(text, number, lang);
+    }
 }
 
 const char *text_missing_language(Zeltext *text)

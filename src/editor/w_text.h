@@ -44,6 +44,7 @@ struct Zeltext {
     char *group_name;        // owned, or null
     char *item_name;         // owned, or null
     int pos;
+    int made[TEXT_FIELDS]; // the bound entry came to be by being shown, and is in no file
 };
 
 struct ZeltextClass {
@@ -58,7 +59,9 @@ int zel_text_set_pos(GtkWidget *widget, int pos);
 int zel_text_set_group_name(GtkWidget *widget, const char *name);
 
 // Shows an item, with an empty entry made for every field that has none; without a source or an
-// item the panel is emptied. update: pending edits of the item before are stored first.
+// item the panel is emptied. update: pending edits of the item before are stored first. Entries
+// made for the item before that are still empty go again: in a compiled file an empty entry leaves
+// the item out, and looking must not do that.
 int zel_text_set(GtkWidget *widget, LangSource *source, item_t *item, int update);
 
 // Stores the fields that were typed in.
@@ -85,6 +88,11 @@ int text_focused_field(Zeltext *text);
 
 // Gives a field the keyboard, with the caret behind its text; false when it is not shown.
 bool text_focus_field(Zeltext *text, int field);
+
+// Around writing the source: takes the empty entries that were made for the shown item out of it,
+// and makes them anew.
+void text_put_away(Zeltext *text);
+void text_bring_back(Zeltext *text);
 
 // The first shown language whose translation, as it stands in its field, is blank; null when there
 // is none. Belongs to the source.

@@ -42,6 +42,7 @@ GOptionEntry entry_of(const option &row, values &to, std::size_t i)
 {
     GOptionEntry entry{};
     entry.long_name = row.name;
+    entry.short_name = row.letter;
     entry.description = row.help;
     entry.arg_description = row.argument;
     if (row.on != nullptr) {
@@ -79,6 +80,18 @@ void take_over(const option &row, const values &from, std::size_t i)
             append_split(*row.list, *one);
         else
             row.list->emplace_back(*one);
+}
+
+// As the help shows it: "-o, --output FILE".
+std::string spelt(const GOptionEntry &entry)
+{
+    std::string text;
+    if (entry.short_name != '\0')
+        text.append(1, '-').append(1, entry.short_name).append(", ");
+    text.append("--").append(entry.long_name);
+    if (entry.arg_description != nullptr)
+        text.append(1, ' ').append(entry.arg_description);
+    return text;
 }
 
 parsed fault(const word &self, const std::string &text)
@@ -136,13 +149,8 @@ parsed parse(const word &self, int argc, char **argv, const std::vector<option> 
     if (read.help) {
         std::printf("usage: lang-kit %s %s\n\n%s\n\n", self.name, self.arguments, self.summary);
         for (const GOptionEntry &entry : entries)
-            if (entry.description != nullptr) {
-                const std::string shown =
-                    std::string("--") + entry.long_name +
-                    (entry.arg_description == nullptr ? "" : " ") +
-                    (entry.arg_description == nullptr ? "" : entry.arg_description);
-                std::printf("  %-26s  %s\n", shown.c_str(), entry.description);
-            }
+            if (entry.description != nullptr)
+                std::printf("  %-26s  %s\n", spelt(entry).c_str(), entry.description);
         return {true, status_fine, {}};
     }
     parsed result{false, status_fine, {}};

@@ -1,6 +1,6 @@
 #pragma once
 
-// The options of a word: long ones, before, between or behind the files.
+// The options of a word: long ones, a few with a letter too, before, between or behind the files.
 
 #include <string>
 #include <vector>
@@ -19,6 +19,7 @@ struct option {
     std::string *text = nullptr;              // the last value counts
     std::vector<std::string> *list = nullptr; // all values, split at commas when asked for
     bool split = false;
+    char letter = '\0'; // also "-o"
 };
 
 struct parsed {

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <ctime>
+#include <vector>
 
 namespace zel::kit {
 
@@ -25,6 +26,12 @@ void say(const read_message &message)
 source_guard read(const std::string &path, source_places *places)
 {
     return std::move(read_source(path.c_str(), {std::time(nullptr), say, places}).source);
+}
+
+void keep_to_the_end(source_guard source)
+{
+    static auto *const kept = new std::vector<LangSource *>;
+    kept->push_back(source.release());
 }
 
 bool write(const destination &to, LangSource *source)

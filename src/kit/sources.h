@@ -14,6 +14,10 @@ namespace zel::kit {
 // "FILE:LINE:COLUMN: error: MEANING [syntax]". Null when it cannot be read.
 source_guard read(const std::string &path, source_places *places = nullptr);
 
+// Takes a source over until the process ends: to release millions of strings one by one takes
+// longer than the system needs for all of them.
+void keep_to_the_end(source_guard source);
+
 // Where a changed source goes.
 struct destination {
     std::string path;     // the file that is replaced

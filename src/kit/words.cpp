@@ -16,6 +16,12 @@ namespace {
 constexpr word table[] = {
     {"start", "[--default NAME] [--language NAME]... FILE",
      "begin an empty language source with its languages", run_start},
+    {"lint", "[--format NAME] [--fail-on LEVEL] SOURCE...",
+     "say what would break the application or its looks", run_lint},
+    {"export", "--format FORMAT [--language NAME]... [-o DIR] SOURCE",
+     "hand the texts out in another format", run_export},
+    {"import", "--format FORMAT [--comments] [--dry-run] [-o FILE] SOURCE FILE...",
+     "take texts in from files of another format", run_import},
 };
 
 void print_help()

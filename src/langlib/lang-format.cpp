@@ -7,17 +7,30 @@
 #include "lex/min_lex.h"
 
 #include <cstring>
+#include <pthread.h>
 
 namespace {
 
-// The expected conversions ("%d", "%s") in the order of the arguments, as ids of a split text; null
-// when the description names none. "formater=%25s,%25d" among elements separated by ";".
-min_lex_msg_guard expected_conversions(const char *description)
+// Splits a text into the guarded list; false without memory.
+bool split(const char *text, char separator, char assignment, min_lex_msg_guard &list)
 {
-    const min_lex_msg_guard elements(min_lex_split_msg(nullptr, description, ';', '='));
+    zel_list *elements = nullptr;
+    const bool whole = zel::split_msg(elements, text, separator, assignment);
+    list.reset(elements);
+    return whole;
+}
+
+// The expected conversions ("%d", "%s") in the order of the arguments, as ids of a split text; null
+// when the description names none. "formater=%25s,%25d" among elements separated by ";". False
+// without memory.
+bool expected_conversions(const char *description, min_lex_msg_guard &expected)
+{
+    min_lex_msg_guard elements;
+    if (!split(description, ';', '=', elements))
+        return false;
     const char *conversions = nullptr;
     min_lex_split_msg_get_str(elements.get(), "formater", &conversions, nullptr);
-    return min_lex_msg_guard(min_lex_split_msg(nullptr, conversions, ',', '\0'));
+    return split(conversions, ',', '\0', expected);
 }
 
 // The next "%" that begins a conversion; null when there is none.
@@ -51,6 +64,8 @@ void blank(char *text)
     }
 }
 
+pthread_mutex_t checking = PTHREAD_MUTEX_INITIALIZER;
+
 void check_format(char *text, zel_list *expected)
 {
     for (; expected != nullptr; expected = expected->next) {
@@ -79,8 +94,15 @@ const char *_lang_get_string_fmt(const char *description, const char *group, con
     const char *text = __lang_get_str(&lang, group, item, &found, file, line);
     if (found == 0 || description == nullptr)
         return text;
-    // The text is the table's, where it changes for all requests to come.
-    if (const min_lex_msg_guard expected = expected_conversions(description))
+    min_lex_msg_guard expected;
+    if (!expected_conversions(description, expected))
+        return item; // an unchecked text could ask for arguments that are not there
+    // The text is the table's, where it changes for all requests to come. Whoever has it already has
+    // it checked.
+    if (expected != nullptr) {
+        pthread_mutex_lock(&checking);
         check_format(const_cast<char *>(text), expected.get());
+        pthread_mutex_unlock(&checking);
+    }
     return text;
 }

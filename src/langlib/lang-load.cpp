@@ -6,12 +6,11 @@
 #include "support/dir_list.h"
 #include "support/file-call.h"
 #include "support/gen_path.h"
+#include "support/growing-text.h"
 #include "support/guard.h"
 #include "support/log-print.h"
 #include "support/string-copy.h"
 
-#include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -36,62 +35,51 @@ void say_text(const char *format, const char *text)
 
 // ---- Entries ------------------------------------------------------------------------------------
 
-using entries_guard = std::unique_ptr<zel_list, zel::release<zel_list_free>>;
-
 // Key and value of the entry that is being read, one behind the other. The key's group stays from
 // entry to entry, the room from file to file.
 class entry_text {
 public:
-    entry_text() = default;
-    ~entry_text() { std::free(text_); }
-    entry_text(const entry_text &) = delete;
-    entry_text &operator=(const entry_text &) = delete;
-
-    // Null or empty: no group.
-    void set_group(const char *group)
+    // Null or empty: no group. False without memory.
+    bool set_group(const char *group)
     {
-        length_ = 0;
-        if (group != nullptr && *group != '\0' && !(append(group) && append(":")))
-            length_ = 0;
-        group_end_ = length_;
+        text_.cut(0);
+        group_end_ = 0;
+        if (group == nullptr || *group == '\0')
+            return true;
+        if (!text_.append(group) || !text_.append(":"))
+            return false;
+        group_end_ = text_.length();
+        return true;
     }
     bool has_group() const { return group_end_ != 0; }
 
     // False without memory.
     bool start(const char *name)
     {
-        length_ = group_end_;
+        text_.cut(group_end_);
         is_default = 0;
-        if (!append(name))
+        if (!text_.append(name) || !text_.append({"", 1})) // the key's NUL
             return false;
-        value_ = ++length_; // behind the key's NUL
+        value_ = text_.length();
         return true;
     }
 
-    // A text that finds no memory is logged and left out.
-    bool append(const char *part)
-    {
-        const std::size_t size = std::strlen(part);
-        if (length_ + size + 2 > room_ && !grow(length_ + size + 2))
-            return false;
-        std::memcpy(text_ + length_, part, size + 1);
-        length_ += size;
-        return true;
-    }
+    // Adds to the value; false without memory.
+    bool append(const char *part) { return text_.append(part); }
 
     // A new entry of the store; null without memory.
     zel::lang_entry *make(lang_index *store) const
     {
+        const std::size_t length = text_.length();
         auto *entry = static_cast<zel::lang_entry *>(
-            zel::lang_store_allocate(store, sizeof(zel::lang_entry) + length_ + 1));
+            zel::lang_store_allocate(store, sizeof(zel::lang_entry) + length + 1));
         if (entry == nullptr)
             return nullptr;
         char *strings = reinterpret_cast<char *>(entry + 1);
-        std::memcpy(strings, text_, length_);
-        strings[length_] = '\0';
+        std::memcpy(strings, text_.data(), length + 1);
         entry->text.is_default = is_default;
         entry->text.key = strings;
-        entry->text.value = length_ == value_ ? nullptr : strings + value_;
+        entry->text.value = length == value_ ? nullptr : strings + value_;
         entry->hash = zel::lang_key_hash(zel::lang_key(strings));
         entry->too_long = value_ - 1 > zel::lang_key::limit ? 1 : 0;
         return entry;
@@ -100,20 +88,7 @@ public:
     std::int32_t is_default = 0;
 
 private:
-    bool grow(std::size_t needed)
-    {
-        const std::size_t wanted = std::max(needed, room_ * 2);
-        char *grown = static_cast<char *>(std::realloc(text_, wanted));
-        if (grown == nullptr)
-            return false;
-        text_ = grown;
-        room_ = wanted;
-        return true;
-    }
-
-    char *text_ = nullptr;
-    std::size_t room_ = 0;
-    std::size_t length_ = 0;
+    zel::growing_text text_;
     std::size_t group_end_ = 0; // behind the colon; 0 for no group
     std::size_t value_ = 0;     // where it starts
 };
@@ -164,16 +139,16 @@ void read_format(reader &in)
 }
 
 // GROUP name
-void read_group(reader &in)
+outcome read_group(reader &in)
 {
     const zel_token_t *token = zel_next_token(in.lex);
     if (!is_name(token)) {
         const int line = static_cast<int>(token->line);
         dbg_printf("_lang_load: ERROR: line %d expected STRING\n", line);
         LogPrint(1, "_lang_load: ERROR: line %d expected STRING\n", line);
-        return;
+        return outcome::goes_on;
     }
-    in.text.set_group(token->lexeme);
+    return in.text.set_group(token->lexeme) ? outcome::goes_on : without_memory("name");
 }
 
 // CTIME seconds, SRC_MTIME seconds
@@ -185,9 +160,8 @@ void read_ctime(reader &in)
                  static_cast<int>(token->line));
         return;
     }
-    unsigned seconds = 0;
-    if (std::sscanf(zel_next_token(in.lex)->lexeme, "%u", &seconds) == 1)
-        in.handle->ctime = seconds;
+    in.handle->ctime =
+        static_cast<std::uint32_t>(std::strtoull(zel_next_token(in.lex)->lexeme, nullptr, 10));
 }
 
 // "12:", which the compiler puts first on request.
@@ -259,8 +233,7 @@ outcome read_statement(reader &in, const zel_token_t *token)
         read_format(in);
         break;
     case zel::KEY_GROUP:
-        read_group(in);
-        break;
+        return read_group(in);
     case zel::KEY_POSNR:
         in.handle->posnr = in.handle->import_mode != 0 ? 1 : 0;
         break;
@@ -278,6 +251,17 @@ outcome read_statement(reader &in, const zel_token_t *token)
     return outcome::goes_on;
 }
 
+// At the end of a file, which may not be its own end.
+void log_end(const reader &in, const char *path)
+{
+    if (zel_lex_buf_read_failed(zel_lex_get_buf(in.lex)) != 0)
+        LogPrint(1, "_lang_load: ERROR read file ->%s<-\n", path);
+    if (zel_lex_open_comment(in.lex) != 0)
+        LogPrint(1, "_lang_load: WARNING file ->%s<- ends inside a comment, it may have been cut\n",
+                 path);
+    LogPrint(1, "_lang_load: close file ->%s<-\n", path);
+}
+
 void read_file(reader &in, const char *path)
 {
     LogPrint(1, "_lang_load: open file ->%s<-\n", path);
@@ -293,18 +277,16 @@ void read_file(reader &in, const char *path)
     }
     zel_lex_set_buf(in.lex, buf);
     in.text.set_group(nullptr);
-    for (;;) {
-        const zel_token_t *token = zel_next_token(in.lex);
-        if (token->id == TOKEN_EOF || token->id == 0) { // 0: no room for a token
-            zel_lex_free_buf(in.lex);
-            LogPrint(1, "_lang_load: close file ->%s<-\n", path);
-            return;
-        }
-        if (read_statement(in, token) == outcome::ends_file) {
-            zel_lex_free_buf(in.lex);
-            return;
-        }
+    outcome result = outcome::goes_on;
+    const zel_token_t *token = zel_next_token(in.lex);
+    while (token->id != TOKEN_EOF && result == outcome::goes_on) {
+        result = read_statement(in, token);
+        if (result == outcome::goes_on)
+            token = zel_next_token(in.lex);
     }
+    if (result == outcome::goes_on)
+        log_end(in, path);
+    zel_lex_free_buf(in.lex);
 }
 
 // ---- Files and directories ----------------------------------------------------------------------
@@ -314,8 +296,6 @@ bool is_directory(const char *path)
     struct stat status;
     return zel_stat(path, &status) == 0 && S_ISDIR(status.st_mode);
 }
-
-using dir_list_guard = std::unique_ptr<zel_list, zel::release<dir_list_free>>;
 
 // False when the directory holds no compiled file.
 bool read_directory(reader &in, const char *path)
@@ -402,7 +382,7 @@ int _lang_load(lang_handle_t *handle, const char *path)
         return -1;
     }
     const bool read = read_path(in, path);
-    entries_guard entries(in.entries.head);
+    zel_list_guard entries(in.entries.head);
     lex.reset();
     if (!read)
         return -1;

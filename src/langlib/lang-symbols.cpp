@@ -5,7 +5,11 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <functional>
+#include <memory>
+#include <span>
 #include <string_view>
+#include <utility>
 
 zel_list *lang_symbols;
 
@@ -13,19 +17,114 @@ namespace {
 
 constexpr std::size_t longest_name = 33;
 
-void free_symbol(void *data) noexcept
+// The symbols of a list by their names, up to one of its nodes; what stands behind that is looked
+// through. Without it the search for a name, and for the end, would walk the list for every symbol
+// that is set. Empty when all its bytes are 0.
+class symbol_index {
+public:
+    void release() { std::free(slots_); }
+
+    lang_sym_t *find(std::string_view name) const { return size_ == 0 ? nullptr : *slot_of(name); }
+
+    zel_list *last() const { return last_; }
+
+    // Of several symbols of one name the first one counts. False without memory.
+    bool add(zel_list *node)
+    {
+        auto *symbol = static_cast<lang_sym_t *>(node->data);
+        last_ = node;
+        if (symbol->name == nullptr)
+            return true;
+        if (count_ + count_ / 2 >= size_ && !grow())
+            return false;
+        if (lang_sym_t **slot = slot_of(symbol->name); *slot == nullptr) {
+            *slot = symbol;
+            ++count_;
+        }
+        return true;
+    }
+
+private:
+    // Where the symbol of that name is, or would be.
+    lang_sym_t **slot_of(std::string_view name) const
+    {
+        std::size_t at = std::hash<std::string_view>{}(name) & (size_ - 1);
+        while (slots_[at] != nullptr && name != slots_[at]->name)
+            at = (at + 1) & (size_ - 1);
+        return &slots_[at];
+    }
+
+    bool grow()
+    {
+        const std::size_t larger = size_ == 0 ? 16 : 2 * size_;
+        auto **grown = static_cast<lang_sym_t **>(std::calloc(larger, sizeof(lang_sym_t *)));
+        if (grown == nullptr)
+            return false;
+        const std::span old(std::exchange(slots_, grown), std::exchange(size_, larger));
+        for (lang_sym_t *symbol : old)
+            if (symbol != nullptr)
+                *slot_of(symbol->name) = symbol;
+        std::free(old.data());
+        return true;
+    }
+
+    lang_sym_t **slots_; // open addressing, at most two thirds in use; null is free
+    std::size_t size_;   // a power of two, or 0
+    std::size_t count_;
+    zel_list *last_;
+};
+
+// A symbol as it is kept: the first one of a list has the list's index.
+struct symbol_record {
+    lang_sym_t symbol;
+    symbol_index *index; // null where there was no memory for it
+};
+
+symbol_index *&index_of(const zel_list *symbols)
 {
-    auto *symbol = static_cast<lang_sym_t *>(data);
-    std::free(symbol->name);
-    std::free(symbol->value);
-    std::free(symbol);
+    return static_cast<symbol_record *>(symbols->data)->index;
 }
 
-using symbol_guard = std::unique_ptr<lang_sym_t, zel::release<free_symbol>>;
+void drop_index(symbol_index *&index)
+{
+    if (index != nullptr)
+        index->release();
+    std::free(std::exchange(index, nullptr));
+}
+
+// Makes the index cover the whole list, where there is memory for it.
+void cover(zel_list *symbols)
+{
+    symbol_index *&index = index_of(symbols);
+    if (index == nullptr)
+        index = static_cast<symbol_index *>(std::calloc(1, sizeof(symbol_index)));
+    if (index == nullptr)
+        return;
+    zel_list *node = index->last() == nullptr ? symbols : index->last()->next;
+    for (; node != nullptr; node = node->next)
+        if (!index->add(node))
+            return drop_index(index);
+}
+
+void free_symbol(void *data) noexcept
+{
+    auto *record = static_cast<symbol_record *>(data);
+    std::free(record->symbol.name);
+    std::free(record->symbol.value);
+    drop_index(record->index);
+    std::free(record);
+}
+
+using symbol_guard = std::unique_ptr<symbol_record, zel::release<free_symbol>>;
 
 // The first symbol of that name, or null.
-lang_sym_t *find_symbol(zel_list *symbols, std::string_view name)
+lang_sym_t *find_symbol(const zel_list *symbols, std::string_view name)
 {
+    if (const symbol_index *index = symbols == nullptr ? nullptr : index_of(symbols)) {
+        if (lang_sym_t *found = index->find(name))
+            return found;
+        symbols = index->last()->next;
+    }
     for (; symbols != nullptr; symbols = symbols->next) {
         auto *symbol = static_cast<lang_sym_t *>(symbols->data);
         if (symbol->name != nullptr && name == symbol->name)
@@ -108,20 +207,24 @@ zel_list *lang_sym_set(zel_list *symbols, const char *name, const char *value, s
 {
     if (type == 0)
         type = LANG_SYM_APP;
+    zel::string_guard value_copy(zel_strdup(value));
+    if (!zel::is_copy(value_copy.get(), value))
+        return symbols;
     if (lang_sym_t *known = name == nullptr ? nullptr : find_symbol(symbols, name)) {
-        zel::replace_string(known->value, zel_strdup(value));
+        zel::replace_string(known->value, value_copy.release());
         known->type = type;
         return symbols;
     }
-    symbol_guard symbol(static_cast<lang_sym_t *>(std::calloc(1, sizeof(lang_sym_t))));
-    if (!symbol)
+    symbol_guard record(static_cast<symbol_record *>(std::calloc(1, sizeof(symbol_record))));
+    if (!record)
         return symbols;
-    symbol->type = type;
-    symbol->name = zel_strdup(name);
-    symbol->value = zel_strdup(value);
-    zel::list_end end(symbols);
-    if (end.append(symbol.get()))
-        static_cast<void>(symbol.release());
+    record->symbol = {type, zel_strdup(name), value_copy.release()};
+    const symbol_index *index = symbols == nullptr ? nullptr : index_of(symbols);
+    zel::list_end end(symbols, index == nullptr ? nullptr : index->last());
+    if (!zel::is_copy(record->symbol.name, name) || !end.append(record.get()))
+        return symbols;
+    static_cast<void>(record.release());
+    cover(end.head);
     return end.head;
 }
 
@@ -134,7 +237,9 @@ void lang_sym_free(zel_list *symbols) { zel_list_free_full(symbols, free_symbol)
 
 zel_list *lang_sym_system_set(const char *name, const char *value)
 {
-    lang_symbols = lang_sym_set(lang_symbols, name, value, LANG_SYM_SYSTEM);
+    zel::lang_symbols_make();
+    if (lang_symbols != nullptr) // a list without PERCENT would never get it
+        lang_symbols = lang_sym_set(lang_symbols, name, value, LANG_SYM_SYSTEM);
     return lang_symbols;
 }
 

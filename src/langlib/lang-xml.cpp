@@ -1,52 +1,75 @@
-// A handle's texts as XML, for looking at them with other tools.
+// A handle's texts as XML, for looking at them with other tools. Everything goes straight to the
+// stream, so that it needs no memory.
 
 #include "langlib/lang.h"
 
 #include "langlib/lang-load.h"
 
 #include <glib.h>
-#include <memory>
-#include <string>
+
+#include <array>
+#include <string_view>
 
 namespace {
 
-struct g_free_string {
-    void operator()(char *text) const { g_free(text); }
+struct entity {
+    char character;
+    std::string_view text;
 };
-using g_string = std::unique_ptr<char, g_free_string>;
+constexpr std::array entities = {
+    entity{'&', "&amp;"},   entity{'<', "&lt;"},   entity{'>', "&gt;"},
+    entity{'\'', "&apos;"}, entity{'"', "&quot;"},
+};
 
-// Characters that no XML document may hold, not even as entities.
-bool is_forbidden(gunichar c)
+// Control characters, which the markup formatter of GLib writes by their number too: all but the
+// tab, the line ends, and the next-line character.
+bool is_control(gunichar c)
 {
-    return (c < 0x20 && c != '\t' && c != '\n' && c != '\r') || c == 0xFFFE || c == 0xFFFF;
+    return (c < 0x20 && c != '\t' && c != '\n' && c != '\r') ||
+           (c >= 0x7F && c <= 0x9F && c != 0x85);
 }
 
-// A copy in which every byte that is no UTF-8, and every forbidden character, has become U+FFFD.
-std::string clean_text(const char *text)
+void print(FILE *stream, std::string_view text) { fwrite(text.data(), 1, text.size(), stream); }
+
+// What stands for a character; empty where it stands for itself. The area holds a number.
+std::string_view entity_of(gunichar c, char (&area)[16])
 {
-    constexpr char replacement[] = "\xEF\xBF\xBD";
+    for (const entity &one : entities)
+        if (c == static_cast<gunichar>(one.character))
+            return one.text;
+    if (!is_control(c))
+        return {};
+    return {area, static_cast<std::size_t>(std::snprintf(area, sizeof area, "&#x%x;", c))};
+}
+
+// The text as XML character data, in runs that stand for themselves. Each byte that is no UTF-8
+// becomes U+FFFD.
+void print_escaped(FILE *stream, const char *text)
+{
     constexpr auto incomplete = static_cast<gunichar>(-2);
-    std::string clean;
+    char area[16];
+    const char *run = text;
     while (*text != '\0') {
         const gunichar c = g_utf8_get_char_validated(text, -1);
-        const bool bad_byte = c >= incomplete;
-        const char *next = bad_byte ? text + 1 : g_utf8_next_char(text);
-        if (bad_byte || is_forbidden(c))
-            clean += replacement;
-        else
-            clean.append(text, next);
+        const bool good = c < incomplete;
+        const char *next = good ? g_utf8_next_char(text) : text + 1;
+        const std::string_view instead = good ? entity_of(c, area) : "\xEF\xBF\xBD";
+        if (!instead.empty()) {
+            print(stream, {run, static_cast<std::size_t>(text - run)});
+            print(stream, instead);
+            run = next;
+        }
         text = next;
     }
-    return clean;
+    print(stream, run);
 }
 
-// One line; the format holds the text's place.
-void print_element(FILE *stream, const char *format, const char *text)
-    __attribute__((format(printf, 2, 0)));
-void print_element(FILE *stream, const char *format, const char *text)
+// One line: the text between two tags.
+void print_element(FILE *stream, std::string_view before, const char *text, std::string_view after)
 {
-    const g_string line(g_markup_printf_escaped(format, clean_text(text).c_str()));
-    std::fputs(line.get(), stream);
+    print(stream, before);
+    print_escaped(stream, text);
+    print(stream, after);
 }
 
 bool is_empty(const char *text) { return text == nullptr || *text == '\0'; }
@@ -59,10 +82,10 @@ void print_entries(FILE *stream, const lang_handle_t *handle)
         const lang_text_t &text = handle->lang[slot];
         if (is_empty(text.key) || is_empty(text.value))
             continue;
-        std::fputs("    <translation_entry>\n", stream);
-        print_element(stream, "      <key>%s</key>\n", text.key);
-        print_element(stream, "      <value>%s</value>\n", text.value);
-        std::fputs("    </translation_entry>\n", stream);
+        print(stream, "    <translation_entry>\n");
+        print_element(stream, "      <key>", text.key, "</key>\n");
+        print_element(stream, "      <value>", text.value, "</value>\n");
+        print(stream, "    </translation_entry>\n");
     }
 }
 
@@ -72,11 +95,11 @@ void lang_debug_print(FILE *stream, lang_handle_t *handle)
 {
     if (handle == nullptr)
         handle = &lang;
-    std::fputs("<translation>\n", stream);
+    print(stream, "<translation>\n");
     if (handle->language != nullptr)
-        print_element(stream, "  <language>%s</language>\n", handle->language);
+        print_element(stream, "  <language>", handle->language, "</language>\n");
     std::fprintf(stream, "  <ctime>%ld</ctime>\n", static_cast<long>(handle->ctime));
-    std::fputs("  <translation_list>\n", stream);
+    print(stream, "  <translation_list>\n");
     print_entries(stream, handle);
-    std::fputs("  </translation_list>\n</translation>\n", stream);
+    print(stream, "  </translation_list>\n</translation>\n");
 }

@@ -14,16 +14,23 @@
  * Five rules hold for all of it:
  *
  * 1. A request always gives a text. Without a translation, without a loaded file, with a damaged
- *    one, the answer is the item itself (the very pointer). Only handles in import mode answer
- *    null, and a copy of an empty text is null.
+ *    one, without memory, the answer is the item itself (the very pointer). Only handles in import
+ *    mode answer null; a new string is null for an empty text and without memory.
  * 2. A text that comes back as const char * belongs to the library. It lives until its handle is
  *    loaded again or released; the item given back lives as long as the caller's own string.
  *    What comes back as char *, or is stored through a char **, is new: release it with free().
  * 3. A null handle means the process-wide one, which lang_load_file fills and lang_de_init empties.
  * 4. Texts are bytes: they come back as they stand in the file, whatever its encoding.
- * 5. The library is used from one thread, prints nothing and never ends the process. What it has
- *    to say goes to the log, which is closed until LogOpen: missing texts (with the file and line
- *    of the request), damaged files (with the line and what stands there).
+ * 5. The library never ends the process and throws nothing. What it has to say goes to the log,
+ *    which is closed until LogOpen: missing texts (with the file and line of the request), damaged
+ *    files (with the line and what stands there). It prints only a line on standard error where
+ *    something is left out for want of memory, and the debug print while that is switched on.
+ *
+ * Threads: once a file is loaded, any number of threads may ask at once (all the request words, and
+ * __lang_get_str, lang_check_string, lang_get_ctime, lang_sym_get), each with its own symbol lists,
+ * info records and messages. An item that is asked for with lang_get_fmt must then always be asked
+ * for with it, and with one description. Everything else is for a time when no other thread is in
+ * the library: loading, releasing, system symbols, opening and closing the log.
  */
 
 #include <stdint.h>
@@ -151,7 +158,8 @@ void lang_ref_dec(lang_handle_t *handle);
  */
 
 /* found is set to 1 or 0; it is left alone by a handle that is not loaded, and by a null answer in
- * import mode. A null group or item is looked up as an empty one. */
+ * import mode. A pair without a group or without an item (null) is never found: the answer is the
+ * item, or an empty text where that is missing. */
 const char *__lang_get_str(lang_handle_t *handle, const char *group, const char *item,
                            int32_t *found, const char *file, int line);
 
@@ -174,7 +182,9 @@ int32_t lang_check_string(const char *group, const char *item);
 /* Time stamp of the file in the process-wide handle. */
 uint64_t lang_get_ctime(void);
 
-/* Writes the handle's language, time stamp and texts as XML. */
+/* Writes the handle's language, time stamp and texts as XML, with the entities of GLib's markup
+ * formatter; each byte that is no UTF-8 becomes U+FFFD. Control characters in a text become
+ * entities that XML 1.0 does not allow. */
 void lang_debug_print(FILE *stream, lang_handle_t *handle);
 
 /* ---- Symbols --------------------------------------------------------------------------------
@@ -183,7 +193,8 @@ void lang_debug_print(FILE *stream, lang_handle_t *handle);
  * with lang_sym_free. System symbols answer where the list does not; PERCENT is always there.
  */
 
-/* Adds a symbol or replaces its value; returns the list's head. Type 0 means LANG_SYM_APP. */
+/* Adds a symbol or replaces its value; returns the list's head. Type 0 means LANG_SYM_APP. Without
+ * memory the list is as it was. */
 struct zel_list *lang_sym_set(struct zel_list *symbols, const char *name, const char *value,
                               int32_t type);
 
@@ -312,7 +323,7 @@ int zel_min_lex_if_char(const char **cursor, char character);
  * -1 at the end; MIN_LEX_TOO_LONG with the first size - 1 characters. Below 1 the size is 8192. */
 int zel_min_lex_get_line(FILE *stream, char *buffer, int size);
 
-/* ---- Lists, info records and the log --------------------------------------------------------- */
+/* ---- Lists, info records, the log and the debug print ---------------------------------------- */
 
 /* Calls the function with each element of a list: elements of a split text (min_lex_elem_t),
  * pieces (char), symbols (lang_sym_t), entries (lang_text_t). */
@@ -322,6 +333,9 @@ int zel_list_count(const struct zel_list *list);
 /* Writes an info record's entries; releases it (it is logged first). */
 void zel_info_fprint(FILE *stream, const struct zel_info_t *record);
 void zel_info_free(struct zel_info_t *record);
+
+/* Not 0: what the library notes for its own developers is printed on standard output. */
+extern int __dbg_printf_on__;
 
 /* Opens the log; the version is a text for its first line. Flags, added up: 1 appends to the file,
  * 2 starts it anew and keeps the old one as file.old, 4 copies to standard output, 8 to standard

@@ -183,6 +183,10 @@ zel_lex_buf_t *zel_lex_buf_file_new(const char *path)
     buf->seek = seek_file;
     set_reader(buf.get(), read_file);
     buf->file_name = zel_strdup(path);
+    if (!zel::is_copy(buf->file_name, path)) {
+        LogPrint(1, "zel_lex_buf_file_new: ERROR not enough memory\n");
+        return nullptr;
+    }
     if (path == nullptr)
         return buf.release();
     buf->stream = zel_fopen(path, "rb");
@@ -223,6 +227,11 @@ int zel_lex_buf_set_read_char(zel_lex_buf_t *buf, zel_lex_read_fn function, void
     buf->read_context = context;
     buf->direct = 0;
     return 0;
+}
+
+int zel_lex_buf_read_failed(const zel_lex_buf_t *buf)
+{
+    return buf != nullptr && buf->stream != nullptr && std::ferror(buf->stream) != 0 ? 1 : 0;
 }
 
 void zel_lex_buf_free(zel_lex_buf_t *buf)

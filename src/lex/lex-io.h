@@ -69,6 +69,9 @@ int zel_lex_buf_file_set_tail(zel_lex_buf_t *buf, int on);
 // Plugs in a reader of the client's: it returns a byte or ZEL_LEX_EOF. Returns 0.
 int zel_lex_buf_set_read_char(zel_lex_buf_t *buf, zel_lex_read_fn function, void *context);
 
+// 1 when the system could not read the buffer's file to its end, else 0 (also for null).
+int zel_lex_buf_read_failed(const zel_lex_buf_t *buf);
+
 // Closes the stream unless it is borrowed, releases own data and the record. Null is ignored.
 void zel_lex_buf_free(zel_lex_buf_t *buf);
 using zel_lex_buf_guard = std::unique_ptr<zel_lex_buf_t, zel::release<zel_lex_buf_free>>;

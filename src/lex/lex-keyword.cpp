@@ -120,32 +120,14 @@ bool build_keywords(zel_lex_t *lex, const Keytab *table)
 {
     const std::uint16_t count = count_keywords(table);
     auto **index = static_cast<const Keytab **>(std::calloc(count + 1U, sizeof(Keytab *)));
-    auto *rows = static_cast<Keytab *>(std::calloc(count + 1U, sizeof(Keytab)));
-    if (index == nullptr || rows == nullptr) {
-        std::free(index);
-        std::free(rows);
+    if (index == nullptr)
         return false;
-    }
     lex->keywords = index;
-    lex->keyword_rows = rows;
     lex->keyword_count = count;
-    lex->table = table;
-    for (unsigned i = 1; i <= count; ++i) {
-        rows[i] = table[i];
+    for (unsigned i = 1; i <= count; ++i)
         index[i] = &table[i];
-    }
     sort_keywords(lex);
     build_keyword_hash(lex);
-    return true;
-}
-
-bool same_words(const zel_lex_t *lex, const Keytab *table, unsigned flags)
-{
-    if (lex->table != table || ((lex->flags ^ flags) & LEX_KEYWORD_NOCASE) != 0)
-        return false;
-    for (unsigned i = 1; i <= lex->keyword_count; ++i)
-        if (lex->keyword_rows[i].word != table[i].word || lex->keyword_rows[i].id != table[i].id)
-            return false;
     return true;
 }
 

@@ -12,9 +12,6 @@ namespace zel {
 // False without memory.
 bool build_keywords(zel_lex_t *lex, const Keytab *table);
 
-// Whether the scanner's index answers for this table and these flags, too.
-bool same_words(const zel_lex_t *lex, const Keytab *table, unsigned flags);
-
 // The id of the word, or TOKEN_IDENT.
 int find_keyword(const zel_lex_t *lex, const char *word, std::size_t length);
 

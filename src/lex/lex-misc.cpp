@@ -1,21 +1,30 @@
 #include "lex/lex-misc.h"
 
+#include "support/growing-text.h"
 #include "support/log-print.h"
 #include "support/string-copy.h"
+#include "support/text.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <string>
 #include <string_view>
+
+namespace {
+
+int id_of(const trans_id_t *table, std::string_view word, int fallback = 0)
+{
+    for (; table != nullptr && table->word != nullptr; ++table)
+        if (word == table->word)
+            return static_cast<int>(table->id);
+    return fallback;
+}
+
+} // namespace
 
 int trans_str_id(const trans_id_t *table, const char *word, int fallback)
 {
-    if (table == nullptr || word == nullptr)
-        return fallback;
-    for (; table->word != nullptr; ++table)
-        if (std::strcmp(table->word, word) == 0)
-            return static_cast<int>(table->id);
-    return fallback;
+    return word == nullptr ? fallback : id_of(table, word, fallback);
 }
 
 const char *trans_id_str(const trans_id_t *table, int id, const char *fallback)
@@ -45,8 +54,8 @@ std::uint32_t trans_str_mask(const trans_id_t *table, const char *text)
     std::uint32_t mask = 0;
     std::string_view rest = text;
     while (!rest.empty()) {
-        const std::string word(rest.substr(0, rest.find(',')));
-        mask |= static_cast<std::uint32_t>(trans_str_id(table, word.c_str(), 0));
+        const std::string_view word = rest.substr(0, rest.find(','));
+        mask |= static_cast<std::uint32_t>(id_of(table, word));
         rest.remove_prefix(std::min(word.size() + 1, rest.size()));
     }
     return mask;
@@ -67,6 +76,8 @@ int lex_get_str(zel_lex_t *lex, char **out)
         return 1;
     }
     *out = zel_strdup(token->lexeme);
+    if (*out == nullptr && *token->lexeme != '\0')
+        lex->out_of_memory = 1;
     zel_next_token(lex);
     return 0;
 }
@@ -76,17 +87,17 @@ int lex_get_concat_str(zel_lex_t *lex, char **out)
     zel::replace_string(*out, nullptr);
     if (lex_match(zel_token_look_ahead(lex, 0), TOKEN_STRING) == 0)
         return 1;
-    std::string joined;
+    zel::growing_text joined;
+    bool whole = true;
     while (lex_match(zel_token_look_ahead(lex, 0), TOKEN_STRING) != 0)
-        joined += zel_next_token(lex)->lexeme;
-    if (joined.empty())
-        return 0;
-    *out = static_cast<char *>(std::malloc(joined.size() + 2));
-    if (*out == nullptr) {
+        whole = joined.append(zel_next_token(lex)->lexeme) && whole;
+    if (!whole) {
+        lex->out_of_memory = 1;
         LogPrint(1, "lex_get_concat_str: ERROR not enough memory\n");
         return 1;
     }
-    std::memcpy(*out, joined.c_str(), joined.size() + 1);
+    if (joined.length() != 0)
+        *out = joined.release();
     return 0;
 }
 
@@ -189,14 +200,13 @@ char *lex_esc_str(const char *source)
 
 char *lexstrtrim(char *text)
 {
-    const auto is_blank = [](char c) { return c == ' ' || c == '\t'; };
     if (text == nullptr)
         return nullptr;
     std::size_t length = std::strlen(text);
-    while (length > 0 && is_blank(text[length - 1]))
+    while (length > 0 && zel::is_blank(text[length - 1]))
         text[--length] = '\0';
     std::size_t leading = 0;
-    while (is_blank(text[leading]))
+    while (zel::is_blank(text[leading]))
         ++leading;
     std::memmove(text, text + leading, length - leading + 1);
     return text;
@@ -204,13 +214,12 @@ char *lexstrtrim(char *text)
 
 int lex_id_char_valid(int character, int digits_allowed)
 {
-    if (character >= '0' && character <= '9')
+    if (zel::is_digit(character))
         return digits_allowed != 0 ? 1 : 0;
-    const bool space = character == ' ' || (character >= '\t' && character <= '\r');
     constexpr std::string_view refused = "!\"$%&()-/=?\\|";
     const bool operators = character > 0 && character < 128 &&
                            refused.find(static_cast<char>(character)) != std::string_view::npos;
-    return space || operators ? 0 : 1;
+    return zel::is_space(character) || operators ? 0 : 1;
 }
 
 int lex_write_char(std::FILE *stream, int byte)

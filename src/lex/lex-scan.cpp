@@ -105,7 +105,7 @@ void take_block(zel_lex_buf_t *buf, std::size_t n)
     buf->column += static_cast<std::uint32_t>(n);
 }
 
-// Appends the run of plain bytes that stands next in the block.
+// Appends the run of plain bytes that stands next in the block; false without memory.
 template <class FindEnd>
 bool add_run(zel_lex_buf_t *buf, zel_token_t *token, FindEnd &&find_end)
 {
@@ -113,12 +113,13 @@ bool add_run(zel_lex_buf_t *buf, zel_token_t *token, FindEnd &&find_end)
     if (block.begin == block.end)
         return true;
     const auto n = static_cast<std::size_t>(find_end(block.begin, block.end) - block.begin);
-    if (!reserve(token, n))
-        return false;
-    std::memcpy(token->lexeme + token->length, block.begin, n);
-    token->length += static_cast<std::uint32_t>(n);
-    take_block(buf, n);
-    return true;
+    const bool fits = reserve(token, n);
+    if (fits) {
+        std::memcpy(token->lexeme + token->length, block.begin, n);
+        token->length += static_cast<std::uint32_t>(n);
+    }
+    take_block(buf, n); // what is lost is passed over all the same
+    return fits;
 }
 
 void end_text(zel_token_t *token) { token->lexeme[token->length] = '\0'; }

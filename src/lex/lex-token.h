@@ -85,8 +85,6 @@ struct zel_lex_t {
     std::uint32_t marker_count;
     char *marker_files[ZEL_LEX_MARKER_FILES];
     char position_text[ZEL_LEX_POSITION_TEXT]; // for zel_lex_linemarker_info
-    const Keytab *table;                       // the table the index was made for,
-    Keytab *keyword_rows;                      // and its rows at that time, owned
     std::uint32_t out_of_memory; // 1: something of the input has been left out for want of memory
     std::uint32_t open_comment;  // 1: the input ended inside a comment
     std::uint32_t hashed;        // 1: keyword_hash answers in place of the bisection

@@ -3,20 +3,11 @@
 #include "lex/lex-keyword.h"
 #include "support/log-print.h"
 
-#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <utility>
 
 namespace {
-
-// Clients make a scanner for every string or file they look into. Scanners that are released wait
-// here with their areas and their keyword index for the next client with the same words.
-struct scanner_pool {
-    std::array<zel_lex_t *, 4> idle{};
-    std::size_t count = 0;
-};
-scanner_pool pool;
 
 void start_scanner(zel_lex_t *lex, unsigned flags)
 {
@@ -31,33 +22,6 @@ void start_scanner(zel_lex_t *lex, unsigned flags)
     zel::clear_token(lex->current);
     zel::clear_token(lex->ahead);
 }
-
-zel_lex_t *take_from_pool(const Keytab *table, unsigned flags)
-{
-    for (std::size_t i = 0; i < pool.count; ++i) {
-        zel_lex_t *lex = pool.idle[i];
-        if (!zel::same_words(lex, table, flags))
-            continue;
-        pool.idle[i] = pool.idle[--pool.count];
-        start_scanner(lex, flags);
-        return lex;
-    }
-    return nullptr;
-}
-
-void destroy_scanner(zel_lex_t *lex) noexcept
-{
-    lex_token_free(lex->work);
-    lex_token_free(lex->current);
-    lex_token_free(lex->ahead);
-    std::free(lex->keywords);
-    std::free(lex->keyword_rows);
-    std::free(lex);
-}
-using new_lex_guard = std::unique_ptr<zel_lex_t, zel::release<destroy_scanner>>;
-
-// Back to the size of a new one, so that the pool does not hoard one client's long texts.
-bool fit_for_pool(const zel_token_t *token) { return token->capacity == ZEL_LEX_LEXEME; }
 
 void release_marker_files(zel_lex_t *lex)
 {
@@ -79,9 +43,7 @@ void empty_tokens(zel_lex_t *lex)
 
 zel_lex_t *zel_lex_new(const Keytab *table, unsigned flags)
 {
-    if (zel_lex_t *idle = take_from_pool(table, flags))
-        return idle;
-    new_lex_guard lex(static_cast<zel_lex_t *>(std::calloc(1, sizeof(zel_lex_t))));
+    zel_lex_guard lex(static_cast<zel_lex_t *>(std::calloc(1, sizeof(zel_lex_t))));
     if (!lex)
         return nullptr;
     lex->flags = flags;
@@ -100,12 +62,22 @@ void _zel_lex_free(zel_lex_t *lex)
     if (lex == nullptr)
         return;
     release_marker_files(lex);
-    if (pool.count < pool.idle.size() && fit_for_pool(lex->work) && fit_for_pool(lex->current) &&
-        fit_for_pool(lex->ahead))
-        pool.idle[pool.count++] = lex;
-    else
-        destroy_scanner(lex);
+    lex_token_free(lex->work);
+    lex_token_free(lex->current);
+    lex_token_free(lex->ahead);
+    std::free(lex->keywords);
+    std::free(lex);
 }
+
+namespace zel {
+
+void restart_scanner(zel_lex_t *lex)
+{
+    release_marker_files(lex);
+    start_scanner(lex, lex->flags);
+}
+
+} // namespace zel
 
 void dbg_zel_lex_free(const void *ptr, const char *file, int line)
 {

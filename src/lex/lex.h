@@ -18,6 +18,14 @@
 void _zel_lex_free(zel_lex_t *lex);
 using zel_lex_guard = std::unique_ptr<zel_lex_t, zel::release<_zel_lex_free>>;
 
+namespace zel {
+
+// Makes a scanner as it was when it was new, without a buffer; its words, flags, and the room of
+// its tokens stay. For clients that need one for each of many small texts.
+void restart_scanner(zel_lex_t *lex);
+
+} // namespace zel
+
 // Logs a release, for tracing.
 void dbg_zel_lex_free(const void *ptr, const char *file, int line);
 

@@ -4,8 +4,8 @@
 #include "support/misc-error.h"
 #include "support/string-copy.h"
 #include "support/string.h"
+#include "support/text.h"
 
-#include <cctype>
 #include <climits>
 #include <cstdarg>
 #include <cstdlib>
@@ -14,9 +14,8 @@
 
 namespace {
 
-bool is_space(char character) { return std::isspace(static_cast<unsigned char>(character)) != 0; }
-
-bool is_digit(char character) { return character >= '0' && character <= '9'; }
+using zel::is_digit;
+using zel::is_space;
 
 // Value of a hexadecimal digit; other characters count as the given number.
 unsigned hex_digit(char character, unsigned other)
@@ -41,26 +40,34 @@ void out_of_memory(int line) { _zel_fatal("min_lex", line, "Not enough memory");
 
 constexpr unsigned not_hex = 255; // what the splitter takes a character for that is no digit
 
+// An element as it is kept: the first one of a list remembers where the list ended, so that a list
+// of many messages grows in linear time.
+struct element_record {
+    min_lex_elem_t element;
+    zel_list *last; // of the list's nodes; null for the other elements
+};
+
+zel_list *&last_of(const zel_list *list) { return static_cast<element_record *>(list->data)->last; }
+
 void free_element(void *data)
 {
-    auto *element = static_cast<min_lex_elem_t *>(data);
-    std::free(element->id);
-    std::free(element->val);
-    std::free(element);
+    auto *record = static_cast<element_record *>(data);
+    std::free(record->element.id);
+    std::free(record->element.val);
+    std::free(record);
 }
 
 // val is null for an element without one.
 bool append_element(zel::list_end &list, const char *id, const char *val)
 {
-    auto *element = static_cast<min_lex_elem_t *>(std::calloc(1, sizeof(min_lex_elem_t)));
-    if (element == nullptr)
+    auto *record = static_cast<element_record *>(std::calloc(1, sizeof(element_record)));
+    if (record == nullptr)
         return false;
-    element->id = zel_strdup2(id);
-    element->val = zel_strdup2(val);
-    if (element->id != nullptr && (val == nullptr || element->val != nullptr) &&
-        list.append(element))
+    record->element = {zel_strdup2(id), zel_strdup2(val)};
+    if (record->element.id != nullptr && (val == nullptr || record->element.val != nullptr) &&
+        list.append(record))
         return true;
-    free_element(element);
+    free_element(record);
     return false;
 }
 
@@ -133,8 +140,11 @@ zel_list *remove_element(zel_list *list, zel_list *node)
     if (node == nullptr)
         return list;
     void *element = node->data;
+    zel_list *last = last_of(list) == node ? node->prev : last_of(list);
     list = zel_list_remove_link(list, node);
     free_element(element);
+    if (list != nullptr)
+        last_of(list) = last;
     return list;
 }
 
@@ -264,42 +274,6 @@ int read_word(const char **cursor, char *buffer, int size)
     return length < size - 1 || is_space(*text) ? MIN_LEX_READ : MIN_LEX_TOO_LONG;
 }
 
-// Where a reader up to a delimiter stops.
-enum class until {
-    delimiter,       // there; the end of the text is a failure
-    delimiter_space, // behind the delimiter, or at white space or the end
-};
-
-// Size bounds the word; the callers' buffers hold whatever the text has.
-int get_str_until_common(const char **cursor, char *buffer, std::size_t size, char delimiter,
-                         until stop)
-{
-    if (no_text(cursor) || buffer == nullptr) {
-        dbg_printf("min_lex_get_str_until: ERROR null ptr\n");
-        return MIN_LEX_NULL;
-    }
-    if (**cursor == '\0')
-        return MIN_LEX_NO_TEXT;
-    const char *start = skip_space(*cursor);
-    if (*start == '\0')
-        return MIN_LEX_NOTHING;
-
-    // The first character belongs to the word even when it is the delimiter.
-    const char *end = start + 1;
-    while (*end != '\0' && *end != delimiter && (stop == until::delimiter || !is_space(*end)))
-        ++end;
-    if (stop == until::delimiter && *end == '\0')
-        return MIN_LEX_NOTHING;
-    const bool behind = stop != until::delimiter && *end != '\0' && *end == delimiter;
-    *cursor = behind ? end + 1 : end;
-    const auto length = static_cast<std::size_t>(end - start);
-    if (length >= size)
-        return MIN_LEX_TOO_LONG;
-    std::memcpy(buffer, start, length);
-    buffer[length] = '\0';
-    return *zel_str_trim(buffer) == '\0' ? MIN_LEX_NOTHING : MIN_LEX_READ;
-}
-
 constexpr std::size_t any_length = SIZE_MAX;
 
 // The word's id when one was read, else 0.
@@ -314,25 +288,33 @@ int word_id(int outcome, const trans_id_t *table, const char *word)
 
 zel_list *min_lex_split_msg(zel_list *list, const char *text, char separator, char assignment)
 {
-    if (text == nullptr || *text == '\0')
-        return list;
-    const std::size_t size = std::strlen(text) + 2;
-    const zel::string_guard id(static_cast<char *>(std::malloc(size)));
-    const zel::string_guard val(static_cast<char *>(std::malloc(size)));
-    if (!id || !val) {
-        out_of_memory(__LINE__);
-        return list;
-    }
-    zel::list_end end(list);
-    while (*text != '\0') {
-        text = split_element(end, text, separator, assignment, id.get(), val.get());
-        if (text == nullptr) {
-            out_of_memory(__LINE__);
-            break;
-        }
-    }
-    return end.head;
+    static_cast<void>(zel::split_msg(list, text, separator, assignment));
+    return list;
 }
+
+namespace zel {
+
+bool split_msg(zel_list *&list, const char *text, char separator, char assignment)
+{
+    if (text == nullptr || *text == '\0')
+        return true;
+    const std::size_t size = std::strlen(text) + 2;
+    const string_guard id(static_cast<char *>(std::malloc(size)));
+    const string_guard val(static_cast<char *>(std::malloc(size)));
+    list_end end(list, list == nullptr ? nullptr : last_of(list));
+    if (!id || !val)
+        text = nullptr;
+    while (text != nullptr && *text != '\0')
+        text = split_element(end, text, separator, assignment, id.get(), val.get());
+    list = end.head;
+    if (list != nullptr)
+        last_of(list) = end.last;
+    if (text == nullptr)
+        out_of_memory(__LINE__);
+    return text != nullptr;
+}
+
+} // namespace zel
 
 void min_lex_split_msg_free(zel_list *list) { zel_list_free_full(list, free_element); }
 
@@ -520,27 +502,60 @@ int zel_min_lex_get_id(const char **cursor, const trans_id_t *table)
     return word_id(zel_min_lex_get_str(cursor, word), table, word);
 }
 
+int _min_lex_get_str_until_common(const char **cursor, char *buffer, std::size_t size,
+                                  char delimiter, min_lex_until until)
+{
+    if (no_text(cursor) || buffer == nullptr) {
+        dbg_printf("min_lex_get_str_until: ERROR null ptr\n");
+        return MIN_LEX_NULL;
+    }
+    if (**cursor == '\0')
+        return MIN_LEX_NO_TEXT;
+    const char *start = skip_space(*cursor);
+    if (*start == '\0')
+        return MIN_LEX_NOTHING;
+
+    // The first character belongs to the word even when it is the delimiter.
+    const bool required = until == min_lex_until::delimiter;
+    const char *end = start + 1;
+    while (*end != '\0' && *end != delimiter && (required || !is_space(*end)))
+        ++end;
+    if (required && *end == '\0')
+        return MIN_LEX_NOTHING;
+    const bool behind = !required && *end != '\0' && *end == delimiter;
+    *cursor = behind ? end + 1 : end;
+    const auto length = static_cast<std::size_t>(end - start);
+    if (length >= size)
+        return MIN_LEX_TOO_LONG;
+    std::memcpy(buffer, start, length);
+    buffer[length] = '\0';
+    return *zel_str_trim(buffer) == '\0' ? MIN_LEX_NOTHING : MIN_LEX_READ;
+}
+
 int zel_min_lex_get_id_delimiter(const char **cursor, const trans_id_t *table, char delimiter)
 {
     char word[MIN_LEX_WORD];
-    return word_id(
-        get_str_until_common(cursor, word, sizeof word, delimiter, until::delimiter_space), table,
-        word);
+    return word_id(_min_lex_get_str_until_common(cursor, word, sizeof word, delimiter,
+                                                 min_lex_until::delimiter_space),
+                   table, word);
 }
 
 int zel_min_lex_get_str_until(const char **cursor, char *buffer, char delimiter)
 {
-    return get_str_until_common(cursor, buffer, any_length, delimiter, until::delimiter);
+    return _min_lex_get_str_until_common(cursor, buffer, any_length, delimiter,
+                                         min_lex_until::delimiter);
 }
 
 int zel_min_lex_get_str_until2(const char **cursor, char *buffer, char delimiter)
 {
-    return get_str_until_common(cursor, buffer, any_length, delimiter, until::delimiter_space);
+    return _min_lex_get_str_until_common(cursor, buffer, any_length, delimiter,
+                                         min_lex_until::delimiter_space);
 }
 
 int zel_min_lex_get_str_until3(const char **cursor, char *buffer, char delimiter)
 {
-    return get_str_until_common(cursor, buffer, any_length, delimiter, until::delimiter_space);
+    return _min_lex_get_str_until_common(cursor, buffer, any_length, delimiter,
+                                         min_lex_until::delimiter_space);
 }
 
 int zel_min_lex_get_int(const char **cursor, std::int32_t *out)

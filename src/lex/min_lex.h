@@ -87,4 +87,22 @@ int zel_min_lex_get_line(std::FILE *stream, char *buffer, int size);
 
 } // extern "C"
 
+// Where a reader up to a delimiter stops.
+enum class min_lex_until {
+    delimiter,       // there; the end of the text is a failure
+    delimiter_space, // behind the delimiter, or at white space or the end
+};
+
+// What the readers up to a delimiter share. The size bounds the word; their callers' buffers hold
+// whatever the text has.
+int _min_lex_get_str_until_common(const char **cursor, char *buffer, std::size_t size,
+                                  char delimiter, min_lex_until until);
+
+namespace zel {
+
+// As min_lex_split_msg. False without memory: the list then lacks elements.
+[[nodiscard]] bool split_msg(zel_list *&list, const char *text, char separator, char assignment);
+
+} // namespace zel
+
 using min_lex_msg_guard = std::unique_ptr<zel_list, zel::release<min_lex_split_msg_free>>;

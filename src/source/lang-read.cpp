@@ -642,6 +642,7 @@ read_answer read_source(const char *path, const read_how &how)
     }
     const char *shown = path == nullptr ? "" : path;
     statement_reader reader({lex.get(), shown, how}, source.get());
+    const unsigned failed_before = failed_copies();
     zel_lex_buf_guard buf(zel_lex_buf_file_new(path));
     outcome result = outcome::give_up;
     read_cause cause = read_cause::syntax;
@@ -660,10 +661,15 @@ read_answer read_source(const char *path, const read_how &how)
             result = outcome::give_up;
             cause = read_cause::unreadable;
             number = read_not_opened;
+        } else if (result != outcome::stop &&
+                   (failed_copies() != failed_before || zel_lex_out_of_memory(lex.get()) != 0)) {
+            result = outcome::give_up;
+            cause = read_cause::memory;
+            number = read_not_opened;
         }
     }
     if (result == outcome::go_on) {
-        if (is_cut(buf->stream))
+        if (is_cut(buf->stream) || zel_lex_open_comment(lex.get()) != 0)
             reader.fail(read_maybe_cut, {0, 0});
         LogPrint(1, "lang_read_file: exit\n");
         return {std::move(source), read_result::good, read_cause::none};

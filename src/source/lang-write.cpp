@@ -3,42 +3,37 @@
 #include "app/global.h"
 #include "source/misc.h"
 #include "source/quote.h"
-#include "support/file-call.h"
 #include "support/log-print.h"
 #include "support/safe-file.h"
-#include "support/time.h"
+#include "support/text.h"
 
-#include <array>
 #include <cerrno>
 #include <cstring>
 #include <ctime>
 #include <string>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace {
 
 constexpr const char *temporary = "lang.tmp";
-constexpr std::size_t backup_name_size = 2048;
-using backup_name = std::array<char, backup_name_size>;
 
 // ---- The text
 
 struct source_writer {
-    std::FILE *stream;
+    zel::safe_file &file;
     const LangSource *source;
-    bool selected_only; // the two output languages and no other
+    const zel::write_how &how;
+    bool selected_only; // the two languages and no other
     std::string out;
 
-    source_writer(std::FILE *file, const LangSource *root)
-        : stream(file), source(root), selected_only(lang_global.save_selected_only != 0 &&
-                                                    lang_global.output_lang_1 != nullptr &&
-                                                    lang_global.output_lang_2 != nullptr)
+    source_writer(zel::safe_file &into, const LangSource *root, const zel::write_how &wanted)
+        : file(into), source(root), how(wanted),
+          selected_only(wanted.only_lang_1 != nullptr && wanted.only_lang_2 != nullptr)
     {
     }
 
     bool is_selected(const char *lang) const;
     void write(const char *path);
+    void flush(std::size_t least);
     void write_statement(const char *before, const char *text, const char *after);
     void write_head();
     void write_languages();
@@ -51,9 +46,17 @@ struct source_writer {
 
 bool source_writer::is_selected(const char *lang) const
 {
-    return !selected_only ||
-           (lang != nullptr && (std::strcmp(lang, lang_global.output_lang_1) == 0 ||
-                                std::strcmp(lang, lang_global.output_lang_2) == 0));
+    return !selected_only || (lang != nullptr && (std::strcmp(lang, how.only_lang_1) == 0 ||
+                                                  std::strcmp(lang, how.only_lang_2) == 0));
+}
+
+// Hands the collected text on once there is that much of it.
+void source_writer::flush(std::size_t least)
+{
+    if (out.size() < least)
+        return;
+    file.append(out);
+    out.clear();
 }
 
 // A text between two literals, escaped like every quoted string.
@@ -152,7 +155,8 @@ void source_writer::write_item(const edit_t *group, const item_t *item)
     write_entries("LANG", item->langs);
     write_entries("COMMENT", item->comments);
     out += "  }\n";
-    zel::flush_large_text(out, stream);
+    constexpr std::size_t worth_a_write = 256 * 1024;
+    flush(worth_a_write);
 }
 
 void source_writer::write_group(const edit_t *group)
@@ -182,46 +186,15 @@ void source_writer::write(const char *path)
     out += "\n\n/* EOF ";
     zel::append_comment(out, path);
     out += " */\n";
-    zel::flush_text(out, stream);
+    flush(0);
 }
 
 // ---- The files
 
-void make_backup_name(const char *path, backup_name &name)
+int say_not_backed_up(const char *path, const std::string &backup, int error)
 {
-    std::array<char, 64> stamp;
-    sprintf_date(stamp.data(), "%Y-%m-%d-%H-%M-%S", std::time(nullptr));
-    std::snprintf(name.data(), name.size(), "%s-%s.bak", path, stamp.data());
-}
-
-// Finds a backup name that is free, waiting for the next second's stamp. False where the stamp does
-// not show, because the name is cut before it.
-bool find_free_backup_name(const char *path, backup_name &name)
-{
-    constexpr int tries_in_three_seconds = 60;
-    make_backup_name(path, name);
-    const backup_name first = name;
-    for (int tries = 0; zel_access(name.data(), F_OK) == 0; ++tries) {
-        if (tries > tries_in_three_seconds && std::strcmp(first.data(), name.data()) == 0)
-            return false;
-        usleep(50 * 1000);
-        make_backup_name(path, name);
-    }
-    return true;
-}
-
-// Moves the file at the path to its backup name. A missing file is no error.
-bool back_up(const char *path)
-{
-    if (zel_access(path, F_OK) != 0)
-        return true;
-    backup_name name;
-    if (!find_free_backup_name(path, name))
-        errno = EEXIST;
-    else if (zel_rename(path, name.data()) == 0)
-        return true;
-    std::printf("lang_write_file(1): error(%d) rename %s to %s\n", errno, path, name.data());
-    return false;
+    std::printf("lang_write_file(1): error(%d) rename %s to %s\n", error, path, backup.c_str());
+    return 1;
 }
 
 int say_no_temporary_file(const char *path)
@@ -230,63 +203,86 @@ int say_no_temporary_file(const char *path)
     return -1;
 }
 
-// Writes the whole text to the fresh temporary file and the disk.
-bool write_temporary_file(zel::safe_file &file, LangSource *source, const char *path)
+int say_not_renamed(const char *path, int error)
 {
-    source->mtime = std::time(nullptr);
-    source_writer(file.stream, source).write(path);
-    const int error = zel::safe_file_finish(file);
+    std::printf("lang_write_file(3): error(%d) rename %s to %s\n", error, temporary, path);
+    return 1;
+}
+
+// Whether the source itself bears the name of the temporary file.
+bool is_temporary_file(const zel::target_file &old)
+{
+    return old.is_file() && zel::is_named(temporary, zel::id_of(old.status));
+}
+
+// Writes the whole text to a new file and the disk.
+bool write_new_file(zel::safe_file &file, const LangSource *source, const char *path,
+                    const zel::write_how &how, const zel::target_file &old)
+{
+    const int made = is_temporary_file(old) ? file.create_beside(old) : file.create(temporary, old);
+    if (made == 0)
+        source_writer(file, source, how).write(path);
+    const int error = file.finish(zel::synced::yes);
     if (error != 0)
         LogPrint(1, "lang_write_file: ERROR(%d) %s write %s\n", error, std::strerror(error),
                  temporary);
     return error == 0;
 }
 
-// Whether the path names the temporary file itself.
-bool is_temporary_file(const char *path)
+// Keeps the old file and lets the new one take its place.
+zel::write_answer replace(zel::safe_file &file, const char *path, std::int64_t now,
+                          const zel::target_file &old)
 {
-    struct stat ours {};
-    struct stat theirs {};
-    return lstat(path, &theirs) == 0 && lstat(temporary, &ours) == 0 &&
-           ours.st_ino == theirs.st_ino && ours.st_dev == theirs.st_dev;
-}
-
-int put_in_place(zel::safe_file &file, const char *path)
-{
-    if (!is_temporary_file(path) && zel_unlink(path) != 0)
-        std::printf("lang_write_file(2): error(%d) unlink %s\n", errno, path);
-    const int error = zel::safe_file_move(file, path);
-    if (error == 0)
-        return 0;
-    std::printf("lang_write_file(3): error(%d) rename %s to %s\n", error, temporary, path);
-    return 1;
+    // What can fail for want of room comes before anything happens to the old file.
+    if (const int error = file.approach(old)) {
+        file.keep();
+        return {say_not_renamed(path, error), {}};
+    }
+    zel::backup_file kept = zel::make_backup(old, now);
+    if (kept.error != 0)
+        return {say_not_backed_up(path, kept.path, kept.error), {}};
+    if (const int error = file.put(old)) {
+        zel::undo_backup(kept, old);
+        file.keep();
+        return {say_not_renamed(path, error), {}};
+    }
+    return {0, std::move(kept.path)};
 }
 
 } // namespace
 
-int lang_write_file(const char *path, LangSource *source)
+namespace zel {
+
+write_answer write_source(const char *given, LangSource *source, const write_how &how)
 {
     if (source == nullptr)
-        return 0;
-    // Making the temporary file would remove the old text where that bears its name.
-    const bool backed_up = is_temporary_file(path);
-    if (backed_up && !back_up(path))
-        return 1;
-    const std::int64_t mtime = source->mtime;
-    zel::safe_file file = zel::safe_file_create(temporary);
-    if (file.stream == nullptr)
-        return back_up(path) ? say_no_temporary_file(path) : 1;
-    int result = 0;
-    if (!write_temporary_file(file, source, path))
-        result = say_no_temporary_file(path);
-    else if (!backed_up && !back_up(path))
-        result = 1;
-    if (result != 0) {
-        source->mtime = mtime;
-        zel::safe_file_abandon(file);
-        return result;
+        return {};
+    const char *path = or_empty(given);
+    const target_file old = find_target(path, links::follow);
+    if (old.refusal != 0) {
+        std::fprintf(stderr, "lang: %s is no regular file: nothing is written there\n", path);
+        return {say_not_backed_up(path, backup_name(old, how.now), old.refusal), {}};
     }
-    result = put_in_place(file, path);
-    zel::safe_file_release(file);
-    return result;
+    const std::int64_t mtime = source->mtime;
+    source->mtime = how.now;
+    safe_file file;
+    write_answer answer = write_new_file(file, source, path, how, old)
+                              ? replace(file, path, how.now, old)
+                              : write_answer{say_no_temporary_file(path), {}};
+    if (answer.code != 0)
+        source->mtime = mtime;
+    else if (old.status.st_nlink > 1)
+        std::fprintf(stderr, "lang: %s has other names, which keep the old text\n", path);
+    return answer;
+}
+
+} // namespace zel
+
+int lang_write_file(const char *path, LangSource *source)
+{
+    const bool selected = lang_global.save_selected_only != 0;
+    return zel::write_source(path, source,
+                             {selected ? lang_global.output_lang_1 : nullptr,
+                              selected ? lang_global.output_lang_2 : nullptr, std::time(nullptr)})
+        .code;
 }

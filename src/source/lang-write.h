@@ -2,13 +2,38 @@
 
 // Writing a language source file.
 
+#include <cstdint>
+#include <string>
+
 #include "source/model.h"
 
-// Replaces the file at the path by the source and keeps the old one as
-// path-YYYY-MM-DD-HH-MM-SS.bak. The text goes through "lang.tmp" in the current directory and is on
-// the disk, whole, before the old file is touched. Sets the source's mtime. With only_used, items
-// that are not used are left out; with lang_global's save_selected_only and both output languages,
-// all other languages. Results, messages on standard output: 0 success (also for a null source); 1
-// the old file cannot be moved to its backup name, or lang.tmp not to the path; -1 lang.tmp cannot
-// be created or there is no room for the text.
+namespace zel {
+
+struct write_how {
+    const char *only_lang_1 = nullptr; // both given: the file gets these languages and no other
+    const char *only_lang_2 = nullptr;
+    std::int64_t now = 0; // becomes the source's mtime and the old file's stamp
+};
+
+struct write_answer {
+    int code = 0;       // as lang_write_file returns it
+    std::string backup; // what the old file is called now; empty when there was none
+};
+
+// Replaces the file at the path, or the one that its links lead to, by the source. With only_used,
+// items that are not used are left out. The old file keeps its text as
+// path-YYYY-MM-DD-HH-MM-SS.bak and gives the new one its mode, and owner, group, access list and
+// user's attributes as far as it may. The text goes through "lang.tmp" in the current folder, which
+// two programs use one after the other; it is on the disk, whole, before anything happens to the
+// old file, and at every moment the path names the old text or the new one.
+// Codes, messages on standard output: 0 success (also for a null source); 1 the old file cannot be
+// kept under its dated name or is no regular file, or lang.tmp cannot take its place (it stays
+// then); -1 lang.tmp cannot be made, is held by another program for some seconds, or there is no
+// room for the text. Unless the code is 0 the old file is where it was. Standard error tells of a
+// path that is no regular file, and of further names (hard links) that keep the old text.
+write_answer write_source(const char *path, LangSource *source, const write_how &how);
+
+} // namespace zel
+
+// write_source at the current time; with lang_global's save_selected_only its two output languages.
 int lang_write_file(const char *path, LangSource *source);

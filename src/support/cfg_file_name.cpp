@@ -5,14 +5,13 @@
 #include "support/log-print.h"
 #include "support/string-copy.h"
 #include "support/string.h"
+#include "support/text.h"
 
+#include <cstring>
 #include <memory>
-#include <string>
 #include <unistd.h>
 
 namespace {
-
-using dir_list_guard = std::unique_ptr<zel_list, zel::release<dir_list_free>>;
 
 constexpr int candidate_count = 4;
 
@@ -23,41 +22,39 @@ struct file_version {
     int c;
 };
 
-std::string formatted(zel::string_guard text)
-{
-    return text == nullptr ? std::string() : std::string(text.get());
-}
-
 // The version that candidate number 1 to 4 asks for: each gives up one number more.
 file_version candidate_version(const file_version &wanted, int number)
 {
     return {number < 4 ? wanted.a : 0, number < 3 ? wanted.b : 0, number < 2 ? wanted.c : 0};
 }
 
-// The first candidate in the directory that exists; empty when none does.
-std::string find_in(const std::string &dir, const file_version &wanted, const char *name)
+// The first candidate in the directory that exists; null when none does.
+zel::string_guard find_in(const char *search, const char *dir, const file_version &wanted,
+                          const char *name)
 {
     for (int number = 1; number <= candidate_count; ++number) {
         const file_version version = candidate_version(wanted, number);
-        std::string path = formatted(zel::string_guard(zel_strdup_printf(
-            "%s/%03d-%03d-%02d-%s", dir.c_str(), version.a, version.b, version.c, name)));
-        LogPrint(1, "gen_check_cfg_file_name: (%d) %s\n", number, path.c_str());
-        if (zel_access(path.c_str(), F_OK) == 0)
+        zel::string_guard path(zel_strdup_printf("%s/%s/%03d-%03d-%02d-%s", search, dir, version.a,
+                                                 version.b, version.c, name));
+        if (path == nullptr)
+            return nullptr;
+        LogPrint(1, "gen_check_cfg_file_name: (%d) %s\n", number, path.get());
+        if (zel_access(path.get(), F_OK) == 0)
             return path;
     }
-    return {};
+    return nullptr;
 }
 
 // The version directories below the search directory, newest first; null, logged, without any.
-dir_list_guard version_dirs(const std::string &search)
+dir_list_guard version_dirs(const char *search)
 {
-    if (zel_access(search.c_str(), F_OK) != 0) {
-        LogPrint(1, "gen_check_cfg_file_name: WARNING path >%s< does not exist\n", search.c_str());
+    if (zel_access(search, F_OK) != 0) {
+        LogPrint(1, "gen_check_cfg_file_name: WARNING path >%s< does not exist\n", search);
         return nullptr;
     }
-    dir_list_guard dirs(dir_list_sort_back(dir_list(nullptr, search.c_str(), nullptr)));
+    dir_list_guard dirs(dir_list_sort_back(dir_list(nullptr, search, nullptr)));
     if (dirs == nullptr)
-        LogPrint(1, "gen_check_cfg_file_name: WARNING >%s< no entrys\n", search.c_str());
+        LogPrint(1, "gen_check_cfg_file_name: WARNING >%s< no entrys\n", search);
     return dirs;
 }
 
@@ -71,22 +68,24 @@ int gen_check_cfg_file_name(char *out, int size, const char *base, const char *s
         return 1;
     }
     LogPrint(1, "gen_check_cfg_file_name: entry\n");
-    const std::string search =
-        std::string(base == nullptr ? "" : base) + "/" + (sub == nullptr ? "" : sub);
-    const dir_list_guard dirs = version_dirs(search);
+    const zel::string_guard search(
+        zel_strdup_printf("%s/%s", zel::or_empty(base), zel::or_empty(sub)));
+    const zel::string_guard key(zel_strdup_printf("%03d-%03d", major, minor));
+    if (search == nullptr || key == nullptr)
+        return 1;
+    const dir_list_guard dirs = version_dirs(search.get());
     if (dirs == nullptr)
         return 1;
-    const std::string key =
-        formatted(zel::string_guard(zel_strdup_printf("%03d-%03d", major, minor)));
-    std::string found;
-    for (const zel_list *node = dirs.get(); node != nullptr && found.empty(); node = node->next)
-        if (dir_list_file(node) <= key)
-            found = find_in(search + "/" + dir_list_file(node), {a, b, c}, name);
-    if (found.empty() || static_cast<int>(found.size()) >= size) {
+    zel::string_guard found;
+    for (const zel_list *node = dirs.get(); node != nullptr && found == nullptr; node = node->next)
+        if (std::strcmp(dir_list_file(node), key.get()) <= 0)
+            found = find_in(search.get(), dir_list_file(node), {a, b, c}, name);
+    const std::size_t length = found == nullptr ? 0 : std::strlen(found.get());
+    if (length == 0 || static_cast<int>(length) >= size) {
         LogPrint(1, "gen_check_cfg_file_name: WARNING no cfg file found\n");
         return 1;
     }
-    out[found.copy(out, found.size())] = '\0';
+    std::memcpy(out, found.get(), length + 1);
     LogPrint(1, "gen_check_cfg_file_name: cfg file found >%s<\n", out);
     return 0;
 }

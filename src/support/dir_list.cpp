@@ -202,16 +202,16 @@ zel_list *dir_list(zel_list *list, const char *path, const char *ending)
         LogPrint(1, "dir_list entry  exit(1) %d ->%s<-\n", errno, shown(path));
         return nullptr;
     }
-    zel_list *last = zel_list_last(list);
+    zel::list_end end(list);
     while (const char *name = next_entry(dir.get())) {
         if (ending != nullptr && !std::string_view(name).ends_with(ending))
             continue;
-        zel_list *added = zel_list_append(last, zel_strdup(name));
-        if (list == nullptr)
-            list = added;
-        last = zel_list_last(added);
+        zel::string_guard copy(zel_strdup(name));
+        if (copy == nullptr || !end.append(copy.get()))
+            break;
+        static_cast<void>(copy.release());
     }
-    return list;
+    return end.head;
 }
 
 void dir_list_free(zel_list *list) { zel_list_free_with_data(list); }

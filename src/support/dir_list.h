@@ -12,6 +12,7 @@
 // cannot be opened (a list handed in then stays the caller's).
 [[nodiscard]] zel_list *dir_list(zel_list *list, const char *path, const char *ending);
 void dir_list_free(zel_list *list);
+using dir_list_guard = std::unique_ptr<zel_list, zel::release<dir_list_free>>;
 
 // 1 when the name is in the list, else 0.
 int dir_list_search(const zel_list *list, const char *name);

@@ -2,7 +2,9 @@
 
 #include "support/log-print.h"
 
+#include <array>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
@@ -26,16 +28,132 @@ int _zel_rename(const char *, int, const char *old_path, const char *new_path)
 
 int _zel_unlink(const char *file, int line, const char *path)
 {
-    if (access(path, F_OK) != 0)
+    if (!zel::is_there(path))
         return 0;
     const int result = unlink(path);
     if (result != 0) {
         const int error = errno;
-        LogPrint(1, "zel_unlink: %s:%d ERROR  errno %d >%s<>%s<\n", file, line, error, path,
-                 std::strerror(error));
-        std::fprintf(stderr, "zel_unlink: %s:%d ERROR  errno %d >%s<>%s<\n", file, line, error,
-                     path, std::strerror(error));
+        static constexpr char message[] = "zel_unlink: %s:%d ERROR  errno %d >%s<>%s<\n";
+        LogPrint(1, message, file, line, error, path, std::strerror(error));
+        std::fprintf(stderr, message, file, line, error, path, std::strerror(error));
         errno = error;
     }
     return result;
 }
+
+namespace zel {
+
+bool is_named(const char *path, const file_id &id)
+{
+    struct stat status {};
+    return lstat(path, &status) == 0 && id_of(status) == id;
+}
+
+bool is_there(const char *path)
+{
+    struct stat status {};
+    return path != nullptr && (lstat(path, &status) == 0 || (errno != ENOENT && errno != ENOTDIR));
+}
+
+bool crosses_foreign_link(const char *path)
+{
+    std::array<char, PATH_MAX> part;
+    const std::size_t length = std::strlen(path);
+    if (length >= part.size())
+        return false; // the system does not take it
+    for (std::size_t end = 1; end <= length; ++end) {
+        if (path[end] != '/' && path[end] != '\0')
+            continue;
+        std::memcpy(part.data(), path, end);
+        part[end] = '\0';
+        struct stat status {};
+        if (lstat(part.data(), &status) == 0 && S_ISLNK(status.st_mode) && status.st_uid != 0 &&
+            status.st_uid != geteuid())
+            return true;
+    }
+    return false;
+}
+
+void close_quietly(int fd)
+{
+    const int error = errno;
+    close(fd);
+    errno = error;
+}
+
+int open_fresh(const char *path, mode_t mode)
+{
+    return open(path, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
+}
+
+int refusal_of(const struct stat &status)
+{
+    return S_ISREG(status.st_mode)   ? 0
+           : S_ISLNK(status.st_mode) ? ELOOP
+           : S_ISDIR(status.st_mode) ? EISDIR
+                                     : EINVAL;
+}
+
+int open_plain(const char *path, int flags)
+{
+    struct stat status {};
+    if (lstat(path, &status) != 0)
+        return -1;
+    // Asked before, because opening a device may already do something, and after, because it may be
+    // another file by then. A pipe would wait for its other end.
+    errno = refusal_of(status);
+    if (errno != 0)
+        return -1;
+    const int fd = open(path, flags | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (fd < 0)
+        return -1;
+    errno = fstat(fd, &status) == 0 ? refusal_of(status) : errno;
+    if (errno == 0)
+        return fd;
+    close_quietly(fd);
+    return -1;
+}
+
+int write_all(int fd, std::string_view data)
+{
+    while (!data.empty()) {
+        const ssize_t written = write(fd, data.data(), data.size());
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0)
+            return written == 0 ? EIO : errno;
+        data.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return 0;
+}
+
+int sync_file(int fd)
+{
+    // Some file systems have nothing to sync and say so.
+    while (fsync(fd) != 0)
+        if (errno != EINTR)
+            return errno == EINVAL || errno == ENOTSUP || errno == ENOSYS ? 0 : errno;
+    return 0;
+}
+
+int sync_folder_of(const char *path)
+{
+    const char *end = std::strrchr(path, '/');
+    std::array<char, PATH_MAX> folder{"."};
+    if (end != nullptr) {
+        // The root has no name without its separator.
+        const std::size_t length = end == path ? 1 : static_cast<std::size_t>(end - path);
+        if (length >= folder.size())
+            return ENAMETOOLONG;
+        std::memcpy(folder.data(), path, length);
+        folder[length] = '\0';
+    }
+    const int fd = open(folder.data(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0)
+        return errno;
+    const int error = sync_file(fd);
+    close(fd);
+    return error;
+}
+
+} // namespace zel

@@ -155,11 +155,16 @@ zel_file_mem_t *append_bytes(zel_file_mem_t *mem, const char *text, std::int64_t
         mem = new_record();
     if (mem == nullptr)
         return nullptr;
+    // A part of the record's own data moves with it.
+    const auto at =
+        reinterpret_cast<std::uintptr_t>(text) - reinterpret_cast<std::uintptr_t>(mem->data);
+    const bool own = at <= static_cast<std::uintptr_t>(mem->size);
     if (!make_room(*mem, mem->size + length)) {
         mem->error = 1;
         return mem;
     }
-    std::memcpy(mem->data + mem->size, text, static_cast<std::size_t>(length));
+    std::memmove(mem->data + mem->size, own ? mem->data + at : text,
+                 static_cast<std::size_t>(length));
     mem->size += length;
     mem->data[mem->size] = '\0';
     return mem;

@@ -29,9 +29,9 @@ struct zel_file_mem_t {
 // failure (a given record is then as it was and stays the caller's).
 zel_file_mem_t *zel_file_mem_read(zel_file_mem_t *mem, const char *path);
 
-// Appends length bytes (the string's length when negative) to the record, made when null; a null
-// text or no bytes change nothing. Without memory the record is as it was, with its error set.
-// Returns the record.
+// Appends length bytes (the string's length when negative), which may be the record's own, to the
+// record, made when null; a null text or no bytes change nothing. Without memory the record is as
+// it was, with its error set. Returns the record.
 zel_file_mem_t *zel_file_mem_append(zel_file_mem_t *mem, const char *text, int length);
 
 // Writes the data as zel_write_mem_to_file does.

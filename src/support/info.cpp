@@ -22,6 +22,24 @@ void each_entry(const zel_info_t *info, Function &&function)
         function(*static_cast<const zel_info_entry_t *>(node->data));
 }
 
+// False, and the entry is released, without memory.
+bool append(zel_info_t &info, zel_info_entry_t *entry)
+{
+    zel::list_end end(info.entries, info.last);
+    const bool appended = end.append(entry);
+    info.entries = end.head;
+    info.last = end.last;
+    if (!appended)
+        zel_info_entry_free(entry);
+    return appended;
+}
+
+bool is_whole(const zel_info_entry_t &entry)
+{
+    return entry.modul != nullptr && entry.activity != nullptr && entry.msg != nullptr &&
+           entry.o_activity != nullptr && entry.o_msg != nullptr;
+}
+
 void free_entry(void *entry) { zel_info_entry_free(static_cast<zel_info_entry_t *>(entry)); }
 
 } // namespace
@@ -42,7 +60,10 @@ zel_info_entry_t *zel_info_entry_new(std::uint32_t level, std::uint32_t code, co
     entry->msg = text_or_unknown(msg);
     entry->o_activity = text_or_unknown(o_activity);
     entry->o_msg = text_or_unknown(o_msg);
-    return entry;
+    if (is_whole(*entry))
+        return entry;
+    zel_info_entry_free(entry);
+    return nullptr;
 }
 
 zel_info_t *zel_info_add(zel_info_t **info, std::uint32_t level, std::uint32_t code,
@@ -51,14 +72,13 @@ zel_info_t *zel_info_add(zel_info_t **info, std::uint32_t level, std::uint32_t c
 {
     if (*info == nullptr)
         *info = zel_info_new();
+    if (*info == nullptr)
+        return nullptr;
     auto *entry = zel_info_entry_new(level, code, modul, activity, msg, o_activity, o_msg);
-    if (zel_info_add_entry(*info, entry) != 0) {
-        zel_info_entry_free(entry);
+    if (entry == nullptr || !append(**info, entry))
         return *info;
-    }
-    const auto entry_level = static_cast<std::int32_t>(level);
-    if (entry_level > (*info)->level) {
-        (*info)->level = entry_level;
+    if (level > static_cast<std::uint32_t>((*info)->level)) {
+        (*info)->level = static_cast<std::int32_t>(level);
         (*info)->code = code;
         (*info)->worst = entry;
     }
@@ -69,7 +89,7 @@ int zel_info_add_entry(zel_info_t *info, zel_info_entry_t *entry)
 {
     if (info == nullptr || entry == nullptr)
         return 1;
-    info->entries = zel_list_append(info->entries, entry);
+    append(*info, entry);
     return 0;
 }
 

@@ -26,9 +26,10 @@ struct zel_info_t {
     std::uint32_t code;      // code of that entry
     zel_info_entry_t *worst; // that entry, one of the list; null while none is above level 0
     zel_list *entries;       // of zel_info_entry_t, owned, in the order of adding
+    zel_list *last;          // the node that was appended last; the record's own
 };
 
-// Null without memory.
+// Null without memory, also when only one of the strings finds none.
 [[nodiscard]] zel_info_t *zel_info_new();
 [[nodiscard]] zel_info_entry_t *zel_info_entry_new(std::uint32_t level, std::uint32_t code,
                                                    const char *modul, const char *activity,
@@ -36,13 +37,14 @@ struct zel_info_t {
                                                    const char *o_msg);
 
 // Makes an entry and adds it to the record, which is made when the pointer is null; level, code
-// and worst of the record follow a higher level. Returns the record.
+// and worst of the record follow a level that is higher, both taken as unsigned. Returns the
+// record, without memory as it was.
 zel_info_t *zel_info_add(zel_info_t **info, std::uint32_t level, std::uint32_t code,
                          const char *modul, const char *activity, const char *msg,
                          const char *o_activity, const char *o_msg);
 
-// Appends an entry, which the record owns from then on: 0, or 1 for a null record (or entry).
-// Level and worst stay as they are.
+// Appends an entry, which the record owns from then on (without memory it is released, after a
+// fatal error's report): 0, or 1 for a null record (or entry). Level and worst stay as they are.
 int zel_info_add_entry(zel_info_t *info, zel_info_entry_t *entry);
 
 // Hands the record over: the caller's pointer becomes null, the record is the result. The first

@@ -5,6 +5,7 @@
 #include "support/string-copy.h"
 #include "support/text.h"
 
+#include <atomic>
 #include <cstdlib>
 #include <cstring>
 
@@ -13,10 +14,17 @@ std::uint32_t zel_list_free_count;
 
 namespace {
 
+// Without a lock: threads with lists of their own may meet here and a node go uncounted.
+void count_one(std::uint32_t &counter)
+{
+    const std::atomic_ref shared(counter);
+    shared.store(shared.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+}
+
 void release_node(zel_list *node)
 {
     std::free(node);
-    ++zel_list_free_count;
+    count_one(zel_list_free_count);
 }
 
 // Every release: cuts the list off the nodes before it, then lets go of data and node one by one.
@@ -79,7 +87,7 @@ zel_list *zel_list_new()
 {
     auto *node = static_cast<zel_list *>(std::calloc(1, sizeof(zel_list)));
     if (node != nullptr)
-        ++zel_list_alloc_count;
+        count_one(zel_list_alloc_count);
     return node;
 }
 
@@ -235,11 +243,14 @@ void zel_list_debug_info()
 key_val *key_val_new(const char *key, const char *val)
 {
     auto *record = static_cast<key_val *>(std::calloc(1, sizeof(key_val)));
-    if (record != nullptr) {
-        record->key = zel_strdup(key);
-        record->val = zel_strdup(val);
-    }
-    return record;
+    if (record == nullptr)
+        return nullptr;
+    record->key = zel_strdup(key);
+    record->val = zel_strdup(val);
+    if (zel::is_copy(record->key, key) && zel::is_copy(record->val, val))
+        return record;
+    key_val_free(record);
+    return nullptr;
 }
 
 void key_val_free(key_val *record)

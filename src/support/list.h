@@ -69,7 +69,7 @@ extern "C" void zel_list_foreach(zel_list *list, void (*function)(void *data, vo
 // Logs the two counters and their difference.
 void zel_list_debug_info();
 
-// A pair of owned strings; null without memory.
+// A pair of owned strings (null where they are empty); null without memory.
 struct key_val {
     char *key;
     char *val;
@@ -88,7 +88,11 @@ struct list_end {
     zel_list *head;
     zel_list *last;
 
-    explicit list_end(zel_list *list) : head(list), last(zel_list_last(list)) {}
+    // known: a node of the list, from which its end is sought; null for its first.
+    explicit list_end(zel_list *list, zel_list *known = nullptr)
+        : head(list), last(zel_list_last(list == nullptr || known == nullptr ? list : known))
+    {
+    }
 
     // False, after the list's own report, without memory.
     bool append(void *data)

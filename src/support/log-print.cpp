@@ -1,6 +1,7 @@
 #include "support/log-print.h"
 
-#include <ctime>
+#include "support/local-time.h"
+
 #include <sys/time.h>
 #include <unistd.h>
 
@@ -55,7 +56,7 @@ int fprint_time(std::FILE *stream)
     timeval now{};
     gettimeofday(&now, nullptr);
     tm parts{};
-    localtime_r(&now.tv_sec, &parts);
+    zel::local_time(now.tv_sec, parts);
     return std::fprintf(stream, "%02u:%02u:%02u:%06u", static_cast<unsigned>(parts.tm_hour),
                         static_cast<unsigned>(parts.tm_min), static_cast<unsigned>(parts.tm_sec),
                         static_cast<unsigned>(now.tv_usec));
@@ -67,7 +68,7 @@ int fprint_date(std::FILE *stream)
         return 0;
     const std::time_t now = std::time(nullptr);
     tm parts{};
-    localtime_r(&now, &parts);
+    zel::local_time(now, parts);
     return std::fprintf(stream, "%04d-%02d-%02d", parts.tm_year + 1900, parts.tm_mon + 1,
                         parts.tm_mday);
 }
@@ -93,6 +94,17 @@ int LogPrint(int level, const char *format, ...)
     vfLogPrint(level, format, args);
     va_end(args);
     return 0;
+}
+
+void zel::print_and_log(int level, const char *format, ...)
+{
+    std::va_list args;
+    va_start(args, format);
+    std::vprintf(format, args);
+    va_end(args);
+    va_start(args, format);
+    vfLogPrint(level, format, args);
+    va_end(args);
 }
 
 int dbg_printf(const char *format, ...)

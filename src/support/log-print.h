@@ -37,6 +37,9 @@ int fprint_date(std::FILE *stream);
 
 namespace zel {
 
+// One text in two places: on standard output as it is, and in the log (see LogPrint for the level).
+void print_and_log(int level, const char *format, ...) __attribute__((format(printf, 2, 3)));
+
 // Stamp of the calling thread, "-%08x ".
 void fprint_thread(std::FILE *stream);
 

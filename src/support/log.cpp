@@ -3,6 +3,7 @@
 #include "support/file-call.h"
 #include "support/hex_dump.h"
 #include "support/string-copy.h"
+#include "support/string.h"
 #include "support/system-name.h"
 
 #include <array>
@@ -11,7 +12,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
-#include <string>
 #include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -62,19 +62,61 @@ void print_end(std::FILE *stream)
     print_stamp_line(stream);
 }
 
-// Moves the log of the run before out of the way; there need not be one.
+// The stream of a file that was just opened; null when there is none, errno as it was.
+std::FILE *stream_of(int fd, const char *mode)
+{
+    std::FILE *stream = fd < 0 ? nullptr : fdopen(fd, mode);
+    if (stream == nullptr && fd >= 0)
+        zel::close_quietly(fd);
+    return stream;
+}
+
+// A log is written where its path says and nowhere else: over no link, and over nobody else's on
+// the way there.
+bool leads_elsewhere(const char *file)
+{
+    errno = ELOOP;
+    return zel::crosses_foreign_link(file);
+}
+
+// Moves the log of the run before, or a link of that name, out of the way; there need not be one.
+// Anything else stays.
 void rotate(const char *file)
 {
-    const std::string old = std::string(file) + ".old";
-    zel_unlink(old.c_str());
-    zel_rename(file, old.c_str());
+    struct stat status {};
+    if (lstat(file, &status) != 0 || (!S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode)))
+        return;
+    const zel::string_guard old(zel_strdup_printf("%s.old", file));
+    if (!old)
+        return;
+    zel_unlink(old.get());
+    if (zel_rename(file, old.get()) != 0)
+        unlink(file); // it is made anew all the same
+}
+
+std::FILE *open_new(const char *file)
+{
+    if (leads_elsewhere(file))
+        return nullptr;
+    rotate(file);
+    return stream_of(zel::open_fresh(file, 0666), "w+b");
+}
+
+std::FILE *open_for_appending(const char *file)
+{
+    if (leads_elsewhere(file))
+        return nullptr;
+    const int flags = O_RDWR | O_APPEND;
+    int fd = zel::open_plain(file, flags);
+    if (fd < 0 && errno == ENOENT)
+        fd = open(file, flags | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
+    return stream_of(fd, "a+");
 }
 
 void open_log_file(const char *file, unsigned flags)
 {
     if ((flags & LOG_OPEN_NEW) != 0) {
-        rotate(file);
-        logFd = zel_fopen(file, "w+b");
+        logFd = open_new(file);
         if (logFd == nullptr)
             dbg_printf("LogOpen:(1) errno %d >%s<  unable to open >%s<\n", errno,
                        std::strerror(errno), file);
@@ -82,7 +124,7 @@ void open_log_file(const char *file, unsigned flags)
     if ((flags & LOG_OPEN_APPEND) != 0) {
         if (logFd != nullptr)
             std::fclose(logFd);
-        logFd = zel_fopen(file, "a+");
+        logFd = open_for_appending(file);
         if (logFd == nullptr)
             dbg_printf("LogOpen:(2) errno %d >%s<  unable to open >%s<\n", errno,
                        std::strerror(errno), file);
@@ -259,8 +301,7 @@ zel_log_t *zel_log_open(const char *path, const char *version, unsigned flags)
     zel_log_guard log(static_cast<zel_log_t *>(std::calloc(1, sizeof(zel_log_t))));
     if (log == nullptr)
         return nullptr;
-    rotate(path);
-    log->stream = zel_fopen(path, "w+b");
+    log->stream = open_new(path);
     if (log->stream == nullptr)
         return nullptr;
     log->flags = flags;

@@ -22,13 +22,14 @@
 // to, with neither no file is written.
 enum {
     LOG_OPEN_APPEND = 1,
-    LOG_OPEN_NEW = 2,    // the file before moves to its name with ".old" appended
+    LOG_OPEN_NEW = 2,    // the file before, or a link, moves to its name with ".old" appended
     LOG_OPEN_STDOUT = 4, // copy everything to standard output
     LOG_OPEN_STDERR = 8  // copy everything to standard error
 };
 
 // Opens the program log and writes its head. A second open only logs that the log is open already.
-// The log counts as open even when its file cannot be. Returns 0.
+// The log counts as open even when its file cannot be. A link, a pipe, a folder, or a path over
+// somebody else's link is not opened. Returns 0.
 extern "C" int LogOpen(const char *file, unsigned flags, const char *version);
 
 // Writes the end lines, closes, and releases the path. Returns 0.
@@ -79,8 +80,8 @@ struct zel_log_t {
     std::FILE *stream; // owned
 };
 
-// Moves a file of that name to its name with ".old" appended and starts a new one. Null for a null
-// path or when the file cannot be created. Nothing of this takes a lock.
+// Moves a file of that name to its name with ".old" appended and starts a new one, as LogOpen does.
+// Null for a null path or when the file cannot be created. Nothing of this takes a lock.
 [[nodiscard]] zel_log_t *zel_log_open(const char *path, const char *version, unsigned flags);
 
 // A message, flushed; a text as it is (never with the time), flushed. Null logs are ignored.

@@ -1,185 +1,302 @@
 #include "support/safe-file.h"
 
-#include "support/string-copy.h"
-
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
-#include <cstdlib>
+#include <cstdio>
 #include <fcntl.h>
-#include <string>
-#include <sys/stat.h>
+#include <sys/file.h>
+#include <sys/random.h>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
-constexpr std::size_t buffer_size = 256 * 1024;
+using std::chrono::steady_clock;
 
-std::FILE *open_fresh(const char *path)
-{
-    unlink(path); // what cannot be removed makes the exclusive creation fail
-    const int fd = open(path, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
-    if (fd < 0)
-        return nullptr;
-    std::FILE *stream = fdopen(fd, "w+");
-    if (stream == nullptr) {
-        const int error = errno;
-        close(fd);
-        unlink(path);
-        errno = error;
-    }
-    return stream;
-}
+// A full disk, or the user's limit on the size of files, is an error and no end.
+class no_size_signal {
+public:
+    no_size_signal() : before_(std::signal(SIGXFSZ, SIG_IGN)) {}
+    ~no_size_signal() { std::signal(SIGXFSZ, before_); }
+    no_size_signal(const no_size_signal &) = delete;
+    no_size_signal &operator=(const no_size_signal &) = delete;
 
-// Some file systems have nothing to sync and say so.
-int sync_error(int fd)
-{
-    if (fsync(fd) == 0 || errno == EINVAL || errno == ENOTSUP || errno == ENOSYS)
-        return 0;
-    return errno;
-}
+private:
+    void (*before_)(int);
+};
 
-// The cause of a write that failed earlier, which the stream has forgotten: one more byte meets
-// the same obstacle.
-int earlier_write_error(int fd)
-{
-    errno = EIO;
-    return write(fd, "", 1) == 1 ? EIO : errno;
-}
+// What a name that is taken turned out to be.
+enum class taken { gone, held, stays };
 
-int flush_error(std::FILE *stream)
-{
-    if (std::ferror(stream) != 0)
-        return earlier_write_error(fileno(stream));
-    if (std::fflush(stream) != 0)
-        return errno;
-    return sync_error(fileno(stream));
-}
+// Whether nobody holds a lock on the file. Where locks are not to be had, nobody does.
+bool lock(int fd) { return flock(fd, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK; }
 
-int close_stream(zel::safe_file &file)
+zel::file_id id_of_open(int fd)
 {
-    const int error = std::fclose(file.stream) == 0 ? 0 : errno;
-    file.stream = nullptr;
-    std::signal(SIGXFSZ, file.size_signal);
-    return error;
-}
-
-int write_all(int fd, const char *data, std::size_t size)
-{
-    while (size > 0) {
-        const ssize_t written = write(fd, data, size);
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            return written == 0 ? EIO : errno;
-        data += written;
-        size -= static_cast<std::size_t>(written);
-    }
-    return 0;
-}
-
-int copy_contents(int from, int to)
-{
-    std::array<char, 64 * 1024> block;
-    for (;;) {
-        const ssize_t size = read(from, block.data(), block.size());
-        if (size < 0 && errno == EINTR)
-            continue;
-        if (size <= 0)
-            return size == 0 ? sync_error(to) : errno;
-        if (const int error = write_all(to, block.data(), static_cast<std::size_t>(size)))
-            return error;
-    }
-}
-
-// Copies an open file to a fresh name beside the target and renames that.
-int copy_beside(int from, const char *target)
-{
-    std::string fresh = std::string(target) + ".XXXXXX";
-    const int to = mkostemp(fresh.data(), O_CLOEXEC);
-    if (to < 0)
-        return errno;
     struct stat status {};
-    if (fstat(from, &status) == 0)
-        static_cast<void>(fchmod(to, status.st_mode & 0777));
-    int error = copy_contents(from, to);
-    if (close(to) != 0 && error == 0)
-        error = errno;
-    if (error == 0 && std::rename(fresh.c_str(), target) != 0)
-        error = errno;
-    if (error != 0)
-        unlink(fresh.c_str());
-    return error;
+    return fstat(fd, &status) == 0 ? zel::id_of(status) : zel::file_id{};
 }
 
-int move_across(const char *path, const char *target)
+taken remove_name(const char *path)
 {
-    const int from = open(path, O_RDONLY | O_CLOEXEC);
-    if (from < 0)
-        return errno;
-    auto *before = std::signal(SIGXFSZ, SIG_IGN);
-    const int error = copy_beside(from, target);
-    std::signal(SIGXFSZ, before);
-    close(from);
-    if (error == 0)
-        unlink(path);
-    return error;
+    return unlink(path) == 0 || errno == ENOENT ? taken::gone : taken::stays;
 }
+
+// Removes what bears the name, unless somebody is writing it. Whoever removes a file holds its lock
+// and has seen that it still bears the name, so that nobody removes what has just been made.
+taken remove_leftover(const char *path)
+{
+    const int fd = zel::open_plain(path, O_RDONLY);
+    if (fd < 0) {
+        // No regular file, or one that may not be read. Its owner will notice (see put).
+        const bool no_file = errno == ELOOP || errno == EINVAL || errno == EACCES;
+        return errno == ENOENT ? taken::gone : no_file ? remove_name(path) : taken::stays;
+    }
+    taken result = taken::held;
+    if (lock(fd))
+        result = zel::is_named(path, id_of_open(fd)) ? remove_name(path) : taken::gone;
+    zel::close_quietly(fd);
+    return result;
+}
+
+// Makes the file and holds its lock. -1 with errno.
+int create_locked(const char *path, mode_t mode)
+{
+    constexpr auto patience = std::chrono::seconds(8);
+    constexpr useconds_t pause = 2000;
+    const auto end = steady_clock::now() + patience;
+    for (;;) {
+        const int fd = zel::open_fresh(path, mode);
+        if (fd >= 0) {
+            if (lock(fd) && zel::is_named(path, id_of_open(fd)))
+                return fd;
+            close(fd); // somebody took it for a leftover
+        } else if (errno != EEXIST) {
+            return -1;
+        } else {
+            const taken what = remove_leftover(path);
+            if (what == taken::stays)
+                return -1;
+            if (what == taken::held)
+                usleep(pause);
+        }
+        if (steady_clock::now() > end) {
+            errno = EAGAIN;
+            return -1;
+        }
+    }
+}
+
+// Whether it is sure that the name stands for another file, or for none.
+bool is_lost(const char *path, const zel::file_id &id)
+{
+    struct stat status {};
+    return lstat(path, &status) == 0 ? zel::id_of(status) != id : errno == ENOENT;
+}
+
+// A name in the folder of the path. It need not be secret, as an exclusive creation follows it.
+std::string name_beside(const std::string &path)
+{
+    constexpr std::size_t longest_name = 200; // room for the letters in every file system
+    constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyz0123456789";
+    const std::size_t name = path.rfind('/') + 1; // 0 without a folder
+    std::string beside = path.substr(0, name + std::min(path.size() - name, longest_name)) + ".";
+    std::array<unsigned char, 8> random{};
+    if (getrandom(random.data(), random.size(), GRND_NONBLOCK) < 0)
+        random[0] = static_cast<unsigned char>(steady_clock::now().time_since_epoch().count());
+    for (const unsigned char byte : random)
+        beside += letters[byte % letters.size()];
+    return beside;
+}
+
+// Readable by others only once it is clear that they may.
+mode_t mode_at_first(const zel::target_file &old) { return old.is_file() ? 0600 : 0666; }
 
 } // namespace
 
 namespace zel {
 
-safe_file safe_file_create(const char *path)
+safe_file::~safe_file() { drop(); }
+
+int safe_file::take(int fd, std::string path, const target_file &old)
 {
-    safe_file file;
-    file.stream = open_fresh(path);
-    if (file.stream == nullptr) {
-        file.error = errno;
-        return file;
+    if (fd < 0)
+        return error_ = errno;
+    fd_ = fd;
+    path_ = std::move(path);
+    id_ = id_of_open(fd);
+    take_attributes(fd, old);
+    return error_ = 0;
+}
+
+int safe_file::create(const char *path, const target_file &old)
+{
+    return take(create_locked(path, mode_at_first(old)), path, old);
+}
+
+int safe_file::create_beside(const target_file &old)
+{
+    constexpr int most_tries = 100;
+    std::string path;
+    int fd = -1;
+    for (int tries = 0; tries < most_tries && fd < 0 && (tries == 0 || errno == EEXIST); ++tries) {
+        path = name_beside(old.path);
+        fd = open_fresh(path.c_str(), mode_at_first(old));
     }
-    file.size_signal = std::signal(SIGXFSZ, SIG_IGN);
-    file.path = zel_strdup(path);
-    file.buffer = static_cast<char *>(std::malloc(buffer_size));
-    if (file.buffer != nullptr)
-        std::setvbuf(file.stream, file.buffer, _IOFBF, buffer_size);
-    return file;
+    return take(fd, std::move(path), old);
 }
 
-int safe_file_finish(safe_file &file)
+int safe_file::open_again()
 {
-    file.error = flush_error(file.stream);
-    const int close_error = close_stream(file);
-    if (file.error == 0)
-        file.error = close_error;
-    if (file.error != 0)
-        unlink(file.path);
-    return file.error;
-}
-
-int safe_file_move(safe_file &file, const char *target)
-{
-    if (std::rename(file.path, target) == 0)
+    if (fd_ >= 0)
         return 0;
-    file.error = errno == EXDEV ? move_across(file.path, target) : errno;
-    return file.error;
+    fd_ = open_plain(path_.c_str(), O_WRONLY | O_APPEND);
+    if (fd_ < 0)
+        return errno;
+    return id_of_open(fd_) == id_ ? 0 : ESTALE;
 }
 
-void safe_file_abandon(safe_file &file)
+int safe_file::append(std::string_view text)
 {
-    if (file.stream != nullptr)
-        close_stream(file);
-    if (file.path != nullptr)
-        unlink(file.path);
-    safe_file_release(file);
+    if (error_ == 0)
+        error_ = open_again();
+    if (error_ == 0) {
+        const no_size_signal ignored;
+        error_ = write_all(fd_, text);
+    }
+    return error_;
 }
 
-void safe_file_release(safe_file &file)
+void safe_file::rest()
 {
-    std::free(file.path);
-    std::free(file.buffer);
-    file.path = nullptr;
-    file.buffer = nullptr;
+    if (fd_ >= 0 && close(fd_) != 0 && error_ == 0)
+        error_ = errno;
+    fd_ = -1;
+}
+
+int safe_file::finish(synced how)
+{
+    how_ = how;
+    if (error_ == 0 && how == synced::yes)
+        error_ = open_again();
+    if (error_ == 0 && how == synced::yes)
+        error_ = sync_file(fd_);
+    return error_;
+}
+
+int safe_file::copy_from(int fd)
+{
+    std::array<char, 64 * 1024> block;
+    off_t at = 0;
+    while (error_ == 0) {
+        const ssize_t size = pread(fd, block.data(), block.size(), at);
+        if (size == 0)
+            return 0;
+        if (size > 0) {
+            append({block.data(), static_cast<std::size_t>(size)});
+            at += size;
+        } else if (errno != EINTR) {
+            error_ = errno;
+        }
+    }
+    return error_;
+}
+
+int safe_file::copy_near(const target_file &old)
+{
+    near_ = std::make_unique<safe_file>();
+    int error = near_->create_beside(old);
+    if (error == 0)
+        error = near_->copy_from(fd_);
+    if (error == 0)
+        error = near_->finish(synced::yes);
+    near_->rest();
+    if (error == 0)
+        error = near_->error_;
+    if (error != 0)
+        near_.reset();
+    return error;
+}
+
+int safe_file::approach(const target_file &old)
+{
+    struct stat folder {};
+    const std::size_t end = old.path.rfind('/');
+    const std::string name = end == std::string::npos ? "." : old.path.substr(0, end + 1);
+    // A folder that cannot be looked at is none to copy to; the renaming will say why.
+    if (near_ != nullptr || stat(name.c_str(), &folder) != 0 || folder.st_dev == id_.device)
+        return 0;
+    return copy_near(old);
+}
+
+int safe_file::rename_to(const char *place)
+{
+    if (is_lost(path_.c_str(), id_))
+        return ESTALE;
+    if (std::rename(path_.c_str(), place) != 0) {
+        const int error = errno;
+        return is_lost(path_.c_str(), id_) ? ESTALE : error;
+    }
+    // Between the look and the renaming another file may have got the name.
+    return is_lost(place, id_) ? ESTALE : 0;
+}
+
+int safe_file::put(const target_file &old)
+{
+    if (near_ == nullptr) {
+        int error = rename_to(old.path.c_str());
+        if (error == 0) {
+            keep();
+            if (how_ == synced::yes)
+                sync_folder_of(old.path.c_str());
+            return 0;
+        }
+        // Two views of one file system are two for renaming. And where the name was taken away, the
+        // text was not.
+        if ((error != EXDEV && error != ESTALE) || fd_ < 0)
+            return error;
+        error = copy_near(old);
+        if (error != 0)
+            return error;
+    }
+    const int error = near_->put(old);
+    if (error == 0)
+        drop();
+    return error;
+}
+
+void safe_file::keep()
+{
+    path_.clear();
+    drop();
+}
+
+void safe_file::drop()
+{
+    near_.reset();
+    if (!path_.empty() && is_named(path_.c_str(), id_))
+        unlink(path_.c_str());
+    path_.clear();
+    if (fd_ >= 0)
+        close(fd_); // and with it the lock
+    fd_ = -1;
+}
+
+int replace_file(const char *path, std::string_view text)
+{
+    const target_file old = find_target(path, links::follow);
+    if (old.refusal != 0)
+        return old.refusal;
+    safe_file file;
+    int error = file.create_beside(old);
+    if (error == 0)
+        error = file.append(text);
+    if (error == 0)
+        error = file.finish(synced::yes);
+    return error == 0 ? file.put(old) : error;
 }
 
 } // namespace zel

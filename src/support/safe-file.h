@@ -1,39 +1,75 @@
 #pragma once
 
-// The one way this project replaces a file that must not be lost: the whole text goes to a fresh
-// temporary file and reaches the disk there; only then does anything happen to the old file.
+// The one way this project replaces a file: the whole text goes to a file of its own and, where it
+// must not be lost, reaches the disk there; only then does anything happen to the old one. At every
+// moment the path names the old text or the new one, whole.
 
-#include <cstdio>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "support/file-call.h"
+#include "support/target-file.h"
 
 namespace zel {
 
-// A temporary file under construction.
-struct safe_file {
-    std::FILE *stream = nullptr; // written by the caller; null when the file could not be created
-    char *path = nullptr;        // where the temporary file stands, owned
-    int error = 0;               // errno of the first call that failed, 0 while all is well
-    char *buffer = nullptr;      // the stream's, owned
-    void (*size_signal)(int) = nullptr; // what the size-limit signal did before; it is ignored
-                                        // meanwhile, so that a full disk is an error, not an end
+enum class synced { no, yes };
+
+// A new text on its way to its place. Functions return 0 or errno; the first error is kept, so that
+// a text may be written piece by piece and the result looked at once. What is not put in place, or
+// kept, is removed.
+class safe_file {
+public:
+    safe_file() = default;
+    ~safe_file();
+    safe_file(const safe_file &) = delete;
+    safe_file &operator=(const safe_file &) = delete;
+
+    // Makes the file under a name that others may use too. Who makes it holds a lock on it until it
+    // is put in place, and is waited for, some seconds at most (then EAGAIN). A file left from
+    // before, or a link, is removed.
+    int create(const char *path, const target_file &old);
+
+    // Makes it beside its place, under a name that nobody uses.
+    int create_beside(const target_file &old);
+
+    int append(std::string_view text);
+
+    // Gives the handle back until the next piece: more files than handles may be under way. Only
+    // for a file beside its place.
+    void rest();
+
+    // Ends the text. Synced, it survives a power cut from here on, and its place does once it is put
+    // there.
+    int finish(synced how);
+
+    // Where the place is on another file system, copies the finished text to a file beside it, so
+    // that putting it in place needs no more room.
+    int approach(const target_file &old);
+
+    // Puts the finished text in its place: this file, whatever its name stands for by now.
+    int put(const target_file &old);
+
+    // Leaves the file where it is, under its first name.
+    void keep();
+
+private:
+    int take(int fd, std::string path, const target_file &old);
+    int open_again();
+    int copy_from(int fd);
+    int copy_near(const target_file &old);
+    int rename_to(const char *place);
+    void drop();
+
+    std::string path_; // empty while there is no file
+    int fd_ = -1;
+    file_id id_{};
+    int error_ = 0;
+    synced how_ = synced::yes;
+    std::unique_ptr<safe_file> near_; // the copy on the place's file system
 };
 
-// Creates the temporary file, empty, for writing and reading: a file of that name left from
-// before is removed first and no link is followed. On failure stream is null and error is set.
-safe_file safe_file_create(const char *path);
-
-// Ends the text: writes what is buffered, makes sure that it is on the disk, closes the stream.
-// Returns 0, or the errno of the first write that failed; then the temporary file is removed.
-int safe_file_finish(safe_file &file);
-
-// Gives the finished temporary file its final name, replacing what stands there. Where the target
-// lies on another file system the text is copied to a fresh name beside it, synced, and renamed
-// there. Returns 0, or errno; then the temporary file stays where it is.
-int safe_file_move(safe_file &file, const char *target);
-
-// Drops a temporary file that is not wanted any more: closed and removed.
-void safe_file_abandon(safe_file &file);
-
-// Releases what the record owns; the file stays. Finished files end with this.
-void safe_file_release(safe_file &file);
+// Replaces the file at the path, or makes it, in one call; links are followed. 0 or errno.
+int replace_file(const char *path, std::string_view text);
 
 } // namespace zel

@@ -33,6 +33,12 @@ namespace zel {
 unsigned failed_copies() noexcept;
 void copy_failed() noexcept;
 
+// Whether the result of zel_strdup is the text's copy: null for nothing and for an empty text only.
+inline bool is_copy(const char *copy, const char *text)
+{
+    return copy != nullptr || text == nullptr || *text == '\0';
+}
+
 void free_string(char *text) noexcept;
 using string_guard = std::unique_ptr<char, release<free_string>>;
 

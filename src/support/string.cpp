@@ -128,14 +128,14 @@ char *dup_ptr_from_to(const char *base, const char *from, const char *to)
     return new_string({from, strnlen(from, static_cast<std::size_t>(to - from))});
 }
 
-int zel_get_sub_str(const char **cursor, char *out, char separator, int size)
+int zel_get_sub_str(char **cursor, char *out, char separator, int size)
 {
-    const char *text = *cursor;
+    char *text = *cursor;
     if (text == nullptr || *text == '\0')
         return 0;
     if (*text == separator)
         ++text;
-    const char *end = text;
+    char *end = text;
     while (*end != '\0' && *end != separator)
         ++end;
     *cursor = end;

@@ -27,7 +27,7 @@ int zel_strlen(const char *text);
 // kept, the rest skipped) and the cursor on the separator or end that closed it. A cursor that
 // stands on a separator steps over it first, so that walking "a,,b" gives "a", "" and "b", and a
 // separator at the end of the text is followed by one more, empty, field.
-int zel_get_sub_str(const char **cursor, char *out, char separator, int size);
+int zel_get_sub_str(char **cursor, char *out, char separator, int size);
 
 // In place: blanks and tabs off both ends; one double quote off either end. Return the string.
 char *zel_str_trim(char *text);

@@ -1,13 +1,12 @@
 #include "support/time.h"
 
+#include "support/local-time.h"
 #include "support/log-print.h"
 
-#include <algorithm>
 #include <array>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
-#include <string>
 #include <string_view>
 
 namespace {
@@ -21,47 +20,74 @@ constexpr std::array<std::string_view, 12> month_names = {
 
 // The name at the index; the last one beyond the table.
 template <std::size_t Count>
-std::string name_of(const std::array<std::string_view, Count> &names, int index)
+std::string_view name_of(const std::array<std::string_view, Count> &names, int index)
 {
     const bool inside = index >= 0 && static_cast<std::size_t>(index) < Count;
-    return std::string(inside ? names[static_cast<std::size_t>(index)] : names.back());
+    return inside ? names[static_cast<std::size_t>(index)] : names.back();
 }
 
-std::string two_digits(int number)
-{
-    const std::string digits = std::to_string(number);
-    return digits.size() < 2 ? "0" + digits : digits;
-}
-
-std::string convert(char letter, const tm &parts)
-{
-    switch (letter) {
-    case 'Y':
-        return std::to_string(parts.tm_year + 1900L);
-    case 'm':
-        return two_digits(parts.tm_mon + 1);
-    case 'd':
-        return two_digits(parts.tm_mday);
-    case 'H':
-        return two_digits(parts.tm_hour);
-    case 'I':
-        return two_digits(parts.tm_hour > 12 ? parts.tm_hour - 12 : parts.tm_hour);
-    case 'M':
-        return two_digits(parts.tm_min);
-    case 'S':
-        return two_digits(parts.tm_sec);
-    case 's':
-        return std::to_string(parts.tm_sec);
-    case 'A':
-        return name_of(day_names, parts.tm_wday);
-    case 'B':
-        return name_of(month_names, parts.tm_mon);
-    case 'u':
-        return std::to_string(parts.tm_wday == 0 ? 7 : parts.tm_wday);
-    default:
-        return {};
+// The text of one conversion, in an area of its own where it is a number.
+class conversion {
+public:
+    std::string_view operator()(char letter, const tm &parts)
+    {
+        switch (letter) {
+        case 'Y':
+            return number(parts.tm_year + 1900L, 1);
+        case 'm':
+            return number(parts.tm_mon + 1, 2);
+        case 'd':
+            return number(parts.tm_mday, 2);
+        case 'H':
+            return number(parts.tm_hour, 2);
+        case 'I':
+            return number(parts.tm_hour > 12 ? parts.tm_hour - 12 : parts.tm_hour, 2);
+        case 'M':
+            return number(parts.tm_min, 2);
+        case 'S':
+            return number(parts.tm_sec, 2);
+        case 's':
+            return number(parts.tm_sec, 1);
+        case 'A':
+            return name_of(day_names, parts.tm_wday);
+        case 'B':
+            return name_of(month_names, parts.tm_mon);
+        case 'u':
+            return number(parts.tm_wday == 0 ? 7 : parts.tm_wday, 1);
+        default:
+            return {};
+        }
     }
-}
+
+private:
+    std::string_view number(long value, int digits)
+    {
+        const int length = std::snprintf(text_, sizeof text_, "%0*ld", digits, value);
+        return {text_, static_cast<std::size_t>(length)};
+    }
+
+    char text_[24];
+};
+
+// Text that fills a buffer up to a limit; without a buffer it is only counted, and all of it.
+struct limited_text {
+    char *buffer;
+    std::size_t limit;
+    std::size_t length = 0;
+
+    bool full() const { return buffer != nullptr && length >= limit; }
+
+    // Returns how much of it there was room for.
+    std::size_t add(std::string_view part)
+    {
+        if (buffer != nullptr) {
+            part = part.substr(0, limit - length);
+            std::memcpy(buffer + length, part.data(), part.size());
+        }
+        length += part.size();
+        return part.size();
+    }
+};
 
 double milliseconds(const timeval &time)
 {
@@ -123,28 +149,22 @@ int snprintf_date(char *buffer, int size, const char *format, std::int64_t time)
         return -1;
     }
     tm parts{};
-    const std::time_t seconds = time;
-    localtime_r(&seconds, &parts);
-
-    // Without a buffer nothing is cut: the caller asks how long the parts are.
-    const std::size_t limit = static_cast<std::size_t>(size < 1 ? 1024 : size) - 1;
-    std::string text;
+    const bool known = zel::local_time(time, parts);
+    limited_text text{buffer, static_cast<std::size_t>(size < 1 ? 1024 : size) - 1};
+    conversion convert;
     std::size_t converted = 0;
-    for (; *format != '\0' && (buffer == nullptr || text.size() < limit); ++format) {
+    for (; *format != '\0' && !text.full(); ++format) {
         if (*format != '%') {
-            text.push_back(*format);
+            text.add({format, 1});
             continue;
         }
         if (*++format == '\0')
             break;
-        std::string part = convert(*format, parts);
-        if (buffer != nullptr)
-            part.resize(std::min(part.size(), limit - text.size()));
-        converted += part.size();
-        text += part;
+        if (known)
+            converted += text.add(convert(*format, parts));
     }
     if (buffer != nullptr)
-        std::memcpy(buffer, text.c_str(), text.size() + 1);
+        buffer[text.length] = '\0';
     return static_cast<int>(converted);
 }
 

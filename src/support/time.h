@@ -29,8 +29,9 @@ double zel_time_get_runtime_sec(zel_time_t *watch);
 double zel_time_get_runtime_msec(zel_time_t *watch);
 double zel_time_get_runtime_lap_sec(zel_time_t *watch);
 
-// Writes the local time into the buffer. Conversions: %Y %m %d %H %I %M %S %s %A %B %u; any other
-// letter gives nothing. A size below 1 means 1024; a null buffer only counts. Returns the length of
-// the converted parts (literal characters are not counted), -1 for a null format.
+// Writes the local time, in the zone that TZ names at the moment, into the buffer. Conversions: %Y
+// %m %d %H %I %M %S %s %A %B %u; any other letter gives nothing, and so does every one for a time
+// whose year no calendar counts. A size below 1 means 1024; a null buffer only counts. Returns the
+// length of the converted parts (literal characters are not counted), -1 for a null format.
 int snprintf_date(char *buffer, int size, const char *format, std::int64_t time);
 int sprintf_date(char *buffer, const char *format, std::int64_t time); // the size is 1024

@@ -178,6 +178,22 @@ TEST_F(Check, AReaderThatEndsTheProcessEndsTheCheck)
     EXPECT_EQ(zel_test::read_file("app.lang-src"), text);
 }
 
+TEST_F(Check, AMalformedSourceIsToldWithItsBackup)
+{
+    const std::string text = "version 1\n<<<<<<< ours\napp \"a\"\n";
+    zel_test::write_file("app.lang-src", text);
+    ask("x.c");
+    testing::internal::CaptureStderr();
+    EXPECT_THAT(run({"app.lang-src", "x.c"}), HasSubstr("check: WARNING no group\n"));
+    const std::string told = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(result, check_result::done);
+    const std::string line =
+        "check: app.lang-src could not be read and a new source was begun; the old text is in ";
+    ASSERT_THAT(told, StartsWith(line));
+    EXPECT_EQ(zel_test::read_file(told.substr(line.size(), told.size() - line.size() - 1)), text);
+    EXPECT_THAT(places(), ElementsAre("00002:x.c"));
+}
+
 TEST_F(Check, UsageWhenAWordIsMissing)
 {
     const std::vector<std::string> lines[] = {{},

@@ -78,6 +78,19 @@ static void at_end(void)
         _Exit(1);
 }
 
+/* The debug print goes to standard output, and only while it is switched on. */
+static int check_debug_print(const char *path)
+{
+    CHECK(freopen(path, "w", stdout) != NULL);
+    lang_load_file(NULL);
+    CHECK(ftell(stdout) == 0);
+    __dbg_printf_on__ = 1;
+    lang_load_file(NULL);
+    __dbg_printf_on__ = 0;
+    CHECK(ftell(stdout) > 0);
+    return 0;
+}
+
 int main(int words, char **word)
 {
     lang_handle_t *handle;
@@ -94,8 +107,9 @@ int main(int words, char **word)
     lang_debug_print(stdout, handle);
     result = check_requests(handle);
     lang_free(handle, 1);
-    remove(word[1]);
     result = result != 0 ? result : check_splitter();
+    result = result != 0 ? result : check_debug_print(word[1]);
+    remove(word[1]);
     checked = 1;
     return result;
 }

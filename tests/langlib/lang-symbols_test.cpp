@@ -83,6 +83,39 @@ TEST_F(LangSymbols, SharesTheSystems)
     lang_sym_free(nullptr);
 }
 
+TEST_F(LangSymbols, TheSystemsListAlwaysHoldsPercent)
+{
+    lang_free(nullptr, 0);
+    lang_sym_system_set("FIRST", "1"); // before any load
+    EXPECT_EQ(replaced("%FIRST%%PERCENT%"), "1%");
+    load_process_wide("GROUP g x { \"1\" }");
+    lang_de_init();
+    lang_sym_system_set("SECOND", "2"); // after a release
+    EXPECT_EQ(replaced("%FIRST% %SECOND%%PERCENT%"), "%FIRST% 2%");
+}
+
+TEST_F(LangSymbols, FindsEachOfMany)
+{
+    for (int i = 0; i < 1000; ++i)
+        list = lang_sym_set(list, ("N" + std::to_string(i)).c_str(), std::to_string(i).c_str(), 0);
+    list = lang_sym_set(list, "N7", "seven", 0);
+    EXPECT_EQ(zel_list_count(list), 1001);
+    EXPECT_STREQ(lang_sym_get(list, "N0"), "0");
+    EXPECT_STREQ(lang_sym_get(list, "N7"), "seven");
+    EXPECT_STREQ(lang_sym_get(list, "N999"), "999");
+    EXPECT_STREQ(lang_sym_get(list, "USER"), "anna");
+    EXPECT_EQ(lang_sym_get(list, "N1000"), nullptr);
+
+    zel_list *more = lang_sym_set(lang_sym_set(nullptr, "N7", "other", 0), "TAIL", "t", 0);
+    list = zel_list_concat(list, more);
+    EXPECT_STREQ(lang_sym_get(list, "N7"), "seven") << "the first one of a name answers";
+    EXPECT_STREQ(lang_sym_get(list, "TAIL"), "t");
+    list = lang_sym_set(list, "TAIL", "tail", 0);
+    list = lang_sym_set(list, "LAST", "l", 0);
+    EXPECT_STREQ(lang_sym_get(list, "TAIL"), "tail");
+    EXPECT_STREQ(static_cast<lang_sym_t *>(zel_list_last(list)->data)->name, "LAST");
+}
+
 TEST_F(LangSymbols, ReplacesInTranslations)
 {
     load_process_wide("GROUP g hello { \"Hallo %USER%, 5%PERCENT%\" }");

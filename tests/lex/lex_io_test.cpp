@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <chrono>
+#include <cstring>
 #include <string>
 #include <thread>
 #include <unistd.h>
@@ -243,6 +245,35 @@ TEST_F(FileBuffer, ADirectoryIsNoText)
 }
 
 // --- the buffer of a scanner ---------------------------------------------------------------------
+
+// A file whose end the system does not let us see is not one that has ended.
+TEST_F(FileBuffer, TellsAnErrorFromTheEnd)
+{
+    int left = 2;
+    const auto give = [](void *blocks, char *data, std::size_t size) -> ssize_t {
+        errno = EIO;
+        return --*static_cast<int *>(blocks) < 0
+                   ? -1
+                   : (std::memset(data, 'x', size), static_cast<ssize_t>(size));
+    };
+    const zel_lex_buf_guard buf(zel_lex_buf_file_new(nullptr));
+    EXPECT_EQ(zel_lex_buf_read_failed(buf.get()), 0) << "no file";
+    std::FILE *broken = fopencookie(&left, "r", {give, nullptr, nullptr, nullptr});
+    zel_lex_buf_file_set_fp(buf.get(), broken);
+    int read = 0;
+    while (zel_lex_buf_next_char(buf.get()) == 'x')
+        ++read;
+    EXPECT_GT(read, 0);
+    EXPECT_EQ(zel_lex_buf_read_failed(buf.get()), 1);
+    std::fclose(broken);
+
+    write_file("whole", "xx");
+    const zel_lex_buf_guard whole(zel_lex_buf_file_new("whole"));
+    while (zel_lex_buf_next_char(whole.get()) == 'x')
+        ;
+    EXPECT_EQ(zel_lex_buf_read_failed(whole.get()), 0);
+    EXPECT_EQ(zel_lex_buf_read_failed(nullptr), 0);
+}
 
 TEST_F(FileBuffer, ClearingReloadsAFileAtItsStreamAndEmptiesAMemoryBlock)
 {

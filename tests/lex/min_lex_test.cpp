@@ -84,6 +84,21 @@ TEST(MinLexSplit, AppendsToAList)
               "---------------------\n");
 }
 
+TEST(MinLexSplit, AppendsBehindWhateverWasTakenOut)
+{
+    zel_list *list = nullptr;
+    for (const char *text : {"a=1;b=2", "c=3", "d=4;e=5"})
+        list = min_lex_split_msg(list, text, ';', '=');
+    std::int32_t number = 0;
+    for (const char *id : {"a", "e", "d"}) // the first one, the last one twice
+        list = min_lex_split_msg_get_int_free2(list, id, &number);
+    list = min_lex_split_msg(list, "f;g", ';', '=');
+    EXPECT_EQ(elements(list), "b=<2> c=<3> f g");
+    for (const char *id : {"b", "c", "f", "g"})
+        list = min_lex_split_msg_get_int_free2(list, id, &number);
+    EXPECT_EQ(list, nullptr);
+}
+
 TEST(MinLexSplit, AnswersById)
 {
     const min_lex_msg_guard list(min_lex_split_msg(nullptr, "n=12abc;bare;n=7;t=x y", ';', '='));

@@ -335,6 +335,7 @@ TEST_F(Read, AFileThatMayHaveBeenCut)
     EXPECT_EQ(told("version 1\n"), 0) << "typed by hand";
     EXPECT_EQ(told(head), 1);
     EXPECT_EQ(told(head + last.substr(0, 15)), 1);
+    EXPECT_EQ(told("version 1\n/* by hand, and cut"), 1);
 }
 
 // --- malformed files -----------------------------------------------------------------------------

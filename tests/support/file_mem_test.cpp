@@ -62,6 +62,9 @@ TEST_F(file_mem_log, record_grows_and_is_written)
     EXPECT_EQ(zel_file_mem_size(mem), zel_file_mem_write(mem, (dir / "b").c_str(), create, 0600));
     EXPECT_EQ(expected, read_file(dir / "b"));
 
+    zel_file_mem_append(mem, zel_file_mem_data(mem) + 6, 404); // a part of itself
+    EXPECT_EQ(expected + expected.substr(6), zel_file_mem_data(mem));
+
     zel_file_mem_ref(mem);
     zel_file_mem_unref(mem);
     EXPECT_EQ(1, mem->ref);

@@ -35,6 +35,10 @@ TEST_F(info_log, keeps_the_worst_entry)
     EXPECT_EQ(50U, info->code);
     EXPECT_STREQ("five", info->worst->msg);
     EXPECT_EQ(3, zel_list_count(info->entries));
+    zel_info_add(&info, 0x80000001U, 9, "m", "a", "high", nullptr, nullptr);
+    zel_info_add(&info, 7, 70, "m", "a", "seven", nullptr, nullptr);
+    EXPECT_EQ(0x80000001U, static_cast<std::uint32_t>(info->level)) << "levels have no sign";
+    EXPECT_STREQ("high", info->worst->msg);
 
     zel_info_t *moved = zel_info_move(&info);
     EXPECT_EQ(nullptr, info);

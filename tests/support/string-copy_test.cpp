@@ -23,6 +23,9 @@ TEST(copies, of_empty_strings)
     EXPECT_EQ("ab", take(_zel_str_add(zel_strdup("a"), "b", "f", 1)));
     EXPECT_EQ("a", take(_zel_str_add(zel_strdup("a"), nullptr, "f", 1)));
     EXPECT_EQ("ab", take(_zel_strdup_add("a", "b")));
+    char *self = zel_strdup(std::string(5000, 'x').c_str());
+    self = _zel_str_add(self, self + 2000, "f", 1); // a part of itself
+    EXPECT_EQ(std::string(8000, 'x'), take(self));
     EXPECT_EQ("b", take(_zel_strdup_add(nullptr, "b")));
     EXPECT_EQ("(null)", take(_zel_strdup_add("", nullptr)));
 }

@@ -21,8 +21,9 @@ std::string changed(const char *text, Operation &&operation)
     return buffer;
 }
 
-std::vector<std::string> fields(const char *text, int size)
+std::vector<std::string> fields(std::string whole, int size)
 {
+    char *text = whole.data();
     std::vector<std::string> found;
     char field[16];
     while (found.size() < 10 && zel_get_sub_str(&text, field, ',', size) == 1)

@@ -2,6 +2,7 @@
 
 #include "log-fixture.h"
 
+#include <cstdlib>
 #include <ctime>
 #include <gtest/gtest.h>
 
@@ -40,6 +41,36 @@ TEST(date, every_conversion)
     EXPECT_EQ("Sunday Oktober 00 7", formatted("%A %B %I %u", at(2024, 10, 6, 0, 30, 0)));
     EXPECT_EQ("12", formatted("%I", at(2024, 10, 6, 12, 0, 0)));
     EXPECT_EQ("a||b", formatted("a|%%%x|b%", may));
+}
+
+TEST(date, knows_times_beyond_32_bits)
+{
+    for (const std::int64_t time :
+         {at(2038, 1, 19, 12, 0, 0), at(2106, 2, 7, 12, 0, 0), at(2500, 7, 1, 12, 0, 0)})
+        EXPECT_EQ(time, at(std::stoi(formatted("%Y", time)), std::stoi(formatted("%m", time)),
+                           std::stoi(formatted("%d", time)), 12, 0, 0));
+    EXPECT_EQ("2106-02-07", formatted("%Y-%m-%d", at(2106, 2, 7, 12, 0, 0)));
+}
+
+TEST(date, a_time_without_a_calendar_has_no_date)
+{
+    EXPECT_EQ("on -, ", formatted("on %Y-%m, %A%B", INT64_MAX));
+    EXPECT_EQ(0, snprintf_date(nullptr, 0, "%Y", INT64_MIN));
+}
+
+TEST(date, follows_the_time_zone)
+{
+    const char *zone = std::getenv("TZ");
+    const std::string before = zone == nullptr ? "" : zone;
+    setenv("TZ", "XXX-3", 1); // three hours east
+    EXPECT_EQ("03", formatted("%H", 0));
+    setenv("TZ", "XXX5", 1);
+    EXPECT_EQ("19", formatted("%H", 0));
+    if (zone == nullptr)
+        unsetenv("TZ");
+    else
+        setenv("TZ", before.c_str(), 1);
+    tzset();
 }
 
 TEST(date, stays_within_the_size)

@@ -1,0 +1,114 @@
+#include "compiler/language-path.h"
+
+#include "langlib/compiled-file.h"
+#include "support/dir_list.h"
+#include "support/gen_path.h"
+#include "support/text.h"
+
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+#include <string_view>
+#include <sys/stat.h>
+#include <system_error>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t name_limit = 2038; // bytes of a language's name; a cut one is another
+
+bool has_step_up(std::string_view path)
+{
+    for (std::size_t at = 0; at <= path.size();) {
+        const std::size_t end = std::min(path.find('/', at), path.size());
+        if (path.substr(at, end - at) == "..")
+            return true;
+        at = end + 1;
+    }
+    return false;
+}
+
+// Names of folders that cre_dir takes for a place of their own.
+bool has_root(const std::string &directory)
+{
+    std::vector<char> token(directory.size() + 3);
+    const char *cursor = directory.c_str();
+    for (;;) {
+        switch (cd_next_token(&cursor, token.data())) {
+        case CD_END:
+            return false;
+        case CD_DRIVE:
+        case CD_NETWORK:
+            return true;
+        default:
+            break;
+        }
+    }
+}
+
+// Whether a part of the path behind the destination is a link.
+bool has_link_below(std::size_t destination, const std::string &path)
+{
+    for (std::size_t end = destination; end != std::string::npos;) {
+        end = path.find('/', end + 1);
+        struct stat status {};
+        if (lstat(path.substr(0, end).c_str(), &status) == 0 && S_ISLNK(status.st_mode))
+            return true;
+    }
+    return false;
+}
+
+// Whether the path stays in the destination when its links are followed, as far as it is there.
+bool stays_below(const std::string &destination, const std::string &path)
+{
+    if (!has_link_below(destination.size(), path))
+        return true;
+    std::error_code error;
+    const fs::path root = fs::canonical(destination, error);
+    const fs::path real = error ? fs::path() : fs::weakly_canonical(path, error);
+    return !error &&
+           std::mismatch(root.begin(), root.end(), real.begin(), real.end()).first == root.end();
+}
+
+void end_once(std::string &path)
+{
+    constexpr std::string_view ending = zel::compiled_ending;
+    if (path.ends_with(ending))
+        path.resize(path.size() - ending.size());
+    path.append(ending);
+}
+
+zel::language_path path_below(const char *destination, const lang_t *lang)
+{
+    const std::string name = zel::or_empty(lang->name);
+    const std::string directory = name + "-edit";
+    const char *file = zel::or_empty(lang->file);
+    std::vector<char> path(std::strlen(destination) + directory.size() + std::strlen(file) + 8);
+    gen_path(path.data(), 0, destination, directory.c_str(), file, nullptr);
+    zel::language_path result{path.data(), false};
+    end_once(result.path);
+    const std::string folder = std::string(destination) + "/" + directory;
+    if (name.size() > name_limit || has_step_up(directory) || has_step_up(file) ||
+        has_root(directory) || !stays_below(destination, folder))
+        return result;
+    cre_dir(destination, directory.c_str());
+    result.is_allowed = stays_below(destination, result.path);
+    return result;
+}
+
+} // namespace
+
+namespace zel {
+
+language_path path_of_language(const lang_t *lang, const char *destination)
+{
+    if (destination != nullptr)
+        return path_below(destination, lang);
+    language_path result{zel::or_empty(lang->file)};
+    end_once(result.path);
+    return result;
+}
+
+} // namespace zel

@@ -1,0 +1,122 @@
+#include "exchange/carry.h"
+
+#include <cstring>
+
+#include <glib.h>
+
+namespace zel::exchange {
+
+namespace {
+
+// The first of the three bytes of U+E000 to U+EFFF; the second says the quarter.
+constexpr char lead = '\xEE';
+
+bool is_middle(char byte) { return (byte & 0xC0) == 0x80; }
+
+// Whether a character of U+EF00 to U+EFFF stands at the start.
+bool is_carrier(std::string_view text)
+{
+    return text.size() >= 3 && text[0] == lead && (text[1] & 0xFC) == 0xBC && is_middle(text[2]);
+}
+
+char carried_byte(std::string_view carrier)
+{
+    return static_cast<char>((carrier[1] & 3) << 6 | (carrier[2] & 0x3F));
+}
+
+void append_carrier(std::string &out, char byte)
+{
+    const auto value = static_cast<unsigned char>(byte);
+    out += lead;
+    out += static_cast<char>(0xBC | value >> 6);
+    out += static_cast<char>(0x80 | (value & 0x3F));
+}
+
+// Whether a control but tab, line feed and carriage return, or one of the two characters that are
+// none, stands at the start.
+bool is_unknown_to_xml(std::string_view text)
+{
+    const auto c = static_cast<unsigned char>(text.front());
+    if (c < ' ')
+        return c != '\t' && c != '\n' && c != '\r';
+    return text.starts_with("\xEF\xBF\xBE") || text.starts_with("\xEF\xBF\xBF");
+}
+
+// How many bytes of the character at the start are carried, 0 for one that travels as it is.
+std::size_t carried_length(std::string_view text, holds what)
+{
+    if (is_carrier(text))
+        return 3;
+    if (what == holds::xml && is_unknown_to_xml(text))
+        return text.front() == '\xEF' ? 3 : 1;
+    return 0;
+}
+
+// The position of the first character of a valid text that is carried, or its size.
+std::size_t find_carried(std::string_view text, holds what)
+{
+    if (what == holds::utf8 && std::memchr(text.data(), lead, text.size()) == nullptr)
+        return text.size();
+    std::size_t at = 0;
+    while (at < text.size() && carried_length(text.substr(at, 3), what) == 0)
+        ++at;
+    return at;
+}
+
+void append_valid(std::string &out, std::string_view text, holds what)
+{
+    while (!text.empty()) {
+        const std::size_t plain = find_carried(text, what);
+        out.append(text.substr(0, plain));
+        text.remove_prefix(plain);
+        const std::size_t length = text.empty() ? 0 : carried_length(text, what);
+        for (const char byte : text.substr(0, length))
+            append_carrier(out, byte);
+        text.remove_prefix(length);
+    }
+}
+
+} // namespace
+
+std::size_t valid_length(std::string_view text)
+{
+    const char *end = nullptr;
+    g_utf8_validate_len(text.data(), text.size(), &end);
+    return text.empty() ? 0 : static_cast<std::size_t>(end - text.data());
+}
+
+bool must_carry(std::string_view text, holds what)
+{
+    return !text.empty() &&
+           (valid_length(text) != text.size() || find_carried(text, what) != text.size());
+}
+
+void append_carried(std::string &out, std::string_view text, holds what)
+{
+    while (!text.empty()) {
+        const std::size_t valid = valid_length(text);
+        append_valid(out, text.substr(0, valid), what);
+        text.remove_prefix(valid);
+        if (!text.empty()) {
+            append_carrier(out, text.front());
+            text.remove_prefix(1);
+        }
+    }
+}
+
+void uncarry(std::string &text, encoding good)
+{
+    if (text.find(lead) == std::string::npos)
+        return;
+    std::string out;
+    out.reserve(text.size());
+    for (std::string_view rest = text; !rest.empty();) {
+        const bool carries = is_carrier(rest) && carried_byte(rest) != '\0';
+        out += carries ? carried_byte(rest) : rest.front();
+        rest.remove_prefix(carries ? 3 : 1);
+    }
+    if (good == encoding::any || valid_length(out) == out.size())
+        text = std::move(out);
+}
+
+} // namespace zel::exchange

@@ -1,0 +1,171 @@
+#include "exchange/export.h"
+
+#include "support/hash-index.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace zel::exchange {
+
+namespace {
+
+bool same_name(const char *a, const char *b)
+{
+    return a != nullptr && b != nullptr && std::strcmp(a, b) == 0;
+}
+
+bool is_wanted(const export_request &request, const char *name)
+{
+    return request.languages.empty() ||
+           std::find(request.languages.begin(), request.languages.end(), name) !=
+               request.languages.end();
+}
+
+// Remembers which groups and items have been seen, by name.
+class seen_names {
+public:
+    // Whether the item of that group is met for the first time.
+    bool is_first(std::string_view group, std::string_view item)
+    {
+        const std::uint32_t hash = hash_of(group) * 31 + hash_of(item);
+        const auto same = [&](std::uint32_t at) {
+            return rows_[at].item == item && rows_[at].group == group;
+        };
+        if (index_.find(hash, same) != hash_index::none)
+            return false;
+        index_.add(hash, static_cast<std::uint32_t>(rows_.size()));
+        rows_.push_back({group, item});
+        return true;
+    }
+
+private:
+    struct row {
+        std::string_view group, item;
+    };
+    std::vector<row> rows_;
+    hash_index index_;
+};
+
+} // namespace
+
+std::string_view description_of(const item_t *item)
+{
+    const std::string_view text = or_empty(item->description);
+    return text == "none" ? std::string_view() : text;
+}
+
+void append_lines(std::string &out, GList *lines)
+{
+    for (const char *line : each<char>(lines))
+        if (line != nullptr)
+            out += line;
+}
+
+lang_entry_t *find_entry(GList *entries, const char *language)
+{
+    for (lang_entry_t *entry : each<lang_entry_t>(entries))
+        if (same_name(entry->lang, language))
+            return entry;
+    return nullptr;
+}
+
+std::string reference_text(const LangSource &source, const item_t *item)
+{
+    std::string text;
+    if (const lang_entry_t *entry = find_entry(item->langs, source.default_lang))
+        append_lines(text, entry->texts);
+    if (text.empty())
+        text = or_empty(item->name);
+    return text;
+}
+
+exporter::exporter(const export_request &request) : request_(request)
+{
+    for (const lang_t *lang : each<lang_t>(request.source->langs)) {
+        const auto same = [&](const lang_t *other) { return same_name(other->name, lang->name); };
+        if (lang->name != nullptr && is_wanted(request, lang->name) &&
+            std::none_of(languages_.begin(), languages_.end(), same))
+            languages_.push_back(lang);
+    }
+    for (const std::string &name : request.languages)
+        if (language_at(name.c_str(), 0) == languages_.size())
+            wrong_ = {0, "no language \"" + name + "\" is defined"};
+    if (languages_.empty() && !wrong_)
+        wrong_ = {0, "no language is defined"};
+}
+
+// The position of a language, or their number. Entries mostly stand in the order of definitions.
+std::uint32_t exporter::language_at(const char *name, std::uint32_t guess) const
+{
+    if (guess < languages_.size() && same_name(languages_[guess]->name, name))
+        return guess;
+    std::uint32_t at = 0;
+    while (at < languages_.size() && !same_name(languages_[at]->name, name))
+        ++at;
+    return at;
+}
+
+void exporter::fill(outgoing_item &out, const edit_t *group, item_t *item) const
+{
+    out.item = item;
+    out.group = or_empty(group->name);
+    out.name = or_empty(item->name);
+    out.reference.clear();
+    out.default_comment.clear();
+    for (outgoing_item::translation &one : out.texts) {
+        one.there = false;
+        one.text.clear();
+        one.comment.clear();
+    }
+    // Of two entries in one language the first is the text.
+    bool has_reference = false;
+    std::uint32_t guess = 0;
+    for (const lang_entry_t *entry : each<lang_entry_t>(item->langs)) {
+        const std::uint32_t at = language_at(entry->lang, guess);
+        if (at < languages_.size() && !out.texts[at].there) {
+            out.texts[at].there = true;
+            append_lines(out.texts[at].text, entry->texts);
+        }
+        guess = at + 1;
+        if (!has_reference && same_name(entry->lang, source().default_lang)) {
+            has_reference = true;
+            append_lines(out.reference, entry->texts);
+        }
+    }
+    if (out.reference.empty())
+        out.reference = out.name;
+    for (const lang_entry_t *entry : each<lang_entry_t>(item->comments)) {
+        const std::uint32_t at = language_at(entry->lang, 0);
+        if (at < languages_.size() && out.texts[at].comment.empty())
+            append_lines(out.texts[at].comment, entry->texts);
+        if (out.default_comment.empty() && same_name(entry->lang, source().default_lang))
+            append_lines(out.default_comment, entry->texts);
+    }
+}
+
+void exporter::each_item(const std::function<void(const outgoing_item &)> &write)
+{
+    outgoing_item out{};
+    out.texts.resize(languages_.size());
+    seen_names groups;
+    seen_names items;
+    repeated_ = 0;
+    for (const edit_t *group : each<edit_t>(request_.source->groups)) {
+        // As everywhere, only the first group of a name is looked into, and there the first item.
+        const bool first_group = groups.is_first(or_empty(group->name), {});
+        for (item_t *item : each<item_t>(group->items)) {
+            const bool first =
+                first_group && items.is_first(or_empty(group->name), or_empty(item->name));
+            if (item->used == 0 && !request_.unused)
+                continue;
+            if (!first) {
+                ++repeated_;
+                continue;
+            }
+            fill(out, group, item);
+            write(out);
+        }
+    }
+}
+
+} // namespace zel::exchange

@@ -1,0 +1,91 @@
+#pragma once
+
+// A source as the writers of the formats see it: the items and languages that go out, each text in
+// one piece, the reference text beside it.
+
+#include <cstdint>
+#include <cstdio>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "exchange/input.h"
+#include "source/model.h"
+#include "support/text.h"
+
+namespace zel::exchange {
+
+struct export_request {
+    LangSource *source = nullptr;
+    std::vector<std::string> languages; // names; none: all that are defined
+    bool unused = false;                // items too that the application does not use
+    bool fuzzy = false;                 // items that are not ready are marked so
+    bool comments = false;              // in formats that have them only when wanted
+};
+
+// One item on its way out. Texts are in one piece, bytes as the source has them.
+struct outgoing_item {
+    item_t *item;
+    std::string_view group;
+    std::string_view name;
+    std::string reference; // the default language's text, or the item's name
+    struct translation {
+        bool there = false; // false: the item has no entry in the language
+        std::string text;
+        std::string comment;
+    };
+    std::vector<translation> texts; // one for each language of the export
+    std::string default_comment;    // in the default language
+};
+
+// One file under construction: the stream gets the text in large pieces.
+struct outgoing_file {
+    std::FILE *stream;
+    std::string text;
+};
+
+class exporter {
+public:
+    explicit exporter(const export_request &request);
+
+    const export_request &request() const { return request_; }
+    const LangSource &source() const { return *request_.source; }
+
+    // The languages that go out, in the order of their definitions, each name once. A wanted
+    // language that is not defined is the fault.
+    const std::vector<const lang_t *> &languages() const { return languages_; }
+    const fault &wrong() const { return wrong_; }
+
+    // Items that are left out because another of that group and name stands before them.
+    std::uint32_t repeated() const { return repeated_; }
+
+    // Calls for each item, once per group and name; the record is good for the call.
+    void each_item(const std::function<void(const outgoing_item &)> &write);
+
+private:
+    void fill(outgoing_item &out, const edit_t *group, item_t *item) const;
+    std::uint32_t language_at(const char *name, std::uint32_t guess) const;
+
+    export_request request_;
+    std::vector<const lang_t *> languages_;
+    fault wrong_;
+    std::uint32_t repeated_ = 0;
+};
+
+// Writes the files of an export: one for each of the exporter's languages, or a single one.
+using texts_writer = void (*)(exporter &from, std::vector<outgoing_file> &to);
+
+// The item's description; the writer of sources stores none as "none".
+std::string_view description_of(const item_t *item);
+
+// A text in one piece; a null list is an empty text.
+void append_lines(std::string &out, GList *lines);
+
+// The default language's text, else the item's name.
+std::string reference_text(const LangSource &source, const item_t *item);
+
+// The item's first entry in a language, or null.
+lang_entry_t *find_entry(GList *entries, const char *language);
+
+} // namespace zel::exchange

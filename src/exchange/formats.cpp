@@ -1,0 +1,67 @@
+#include "exchange/formats.h"
+
+#include "exchange/csv.h"
+#include "exchange/json.h"
+#include "exchange/po.h"
+#include "exchange/xliff.h"
+
+#include <algorithm>
+
+namespace zel::exchange {
+
+namespace {
+
+constexpr format table[] = {
+    {"po", ".po", files::per_language, write_po, read_po},
+    {"xliff", ".xliff", files::per_language, write_xliff, read_xliff},
+    {"xliff2", ".xliff", files::per_language, write_xliff2, read_xliff},
+    {"csv", ".csv", files::one, write_csv, read_csv},
+    {"json", ".json", files::one, write_json, nullptr},
+};
+
+const format *format_of_path(std::string_view path)
+{
+    const auto *found = std::find_if(std::begin(table), std::end(table), [&](const format &row) {
+        return row.read != nullptr && path.ends_with(row.ending);
+    });
+    return found == std::end(table) ? nullptr : found;
+}
+
+} // namespace
+
+std::span<const format> formats() { return table; }
+
+std::vector<const char *> format_names()
+{
+    std::vector<const char *> names;
+    for (const format &row : table)
+        names.push_back(row.name);
+    return names;
+}
+
+const format *find_format(std::string_view name)
+{
+    const auto *found = std::find_if(std::begin(table), std::end(table),
+                                     [&](const format &row) { return row.name == name; });
+    return found == std::end(table) ? nullptr : found;
+}
+
+read_answer read_file_texts(const char *format_name, const std::string &path, encoding good)
+{
+    read_answer answer;
+    const format *row = format_name == nullptr ? format_of_path(path) : find_format(format_name);
+    if (row == nullptr || row->read == nullptr) {
+        answer.wrong = {0, "not in a format that holds texts"};
+        return answer;
+    }
+    std::string bytes;
+    answer.wrong = read_input(path, bytes);
+    if (!answer.wrong)
+        answer.wrong = row->read(bytes, good, [&](const file_texts &file, text_unit &unit) {
+            answer.file.languages = file.languages;
+            answer.file.units.push_back(unit);
+        });
+    return answer;
+}
+
+} // namespace zel::exchange

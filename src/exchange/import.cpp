@@ -1,0 +1,209 @@
+#include "exchange/import.h"
+
+#include "exchange/export.h"
+#include "exchange/language-code.h"
+#include "support/string-copy.h"
+
+#include <cstring>
+
+namespace zel::exchange {
+
+namespace {
+
+// The file's name without folders and ending.
+std::string_view stem_of(std::string_view path)
+{
+    path.remove_prefix(path.rfind('/') + 1);
+    return path.substr(0, path.rfind('.'));
+}
+
+bool same_text(std::string_view a, const char *b) { return b != nullptr && a == b; }
+
+std::string_view language_part(std::string_view code)
+{
+    return code.substr(0, code.find_first_of("_@"));
+}
+
+// The writer of sources takes white space off the end of a text, so it makes no difference.
+std::string_view without_end(std::string_view text)
+{
+    return text.substr(0, text.find_last_not_of(" \t\n\v\f\r") + 1);
+}
+
+std::string joined(const lang_entry_t *entry)
+{
+    std::string out;
+    if (entry != nullptr)
+        append_lines(out, entry->texts);
+    return out;
+}
+
+// A string for each line, as the editor makes them.
+GList *split_lines(std::string_view text)
+{
+    GList *lines = nullptr;
+    list_tail tail(lines);
+    while (!text.empty()) {
+        const std::size_t end = text.find('\n');
+        const std::string line(text.substr(0, end == std::string_view::npos ? end : end + 1));
+        tail.append(zel_strdup2(line.c_str()));
+        text.remove_prefix(line.size());
+    }
+    return lines;
+}
+
+// Puts the text into the language's entry, which is made where there is none.
+void replace(GList *&entries, const char *language, std::string_view text)
+{
+    lang_entry_t *entry = find_entry(entries, language);
+    if (entry == nullptr) {
+        entry = alloc_lang_entry(language);
+        entries = g_list_append(entries, entry);
+    }
+    free_lang_entry_text(entry->texts);
+    entry->texts = split_lines(text);
+}
+
+// Whether the file has what the source has: as bytes, or as they travel where they are no UTF-8.
+bool is_same(std::string_view before, std::string_view after)
+{
+    if (without_end(before) == without_end(after))
+        return true;
+    if (!must_carry(before, holds::xml))
+        return false;
+    for (const holds what : {holds::utf8, holds::xml}) {
+        std::string carried;
+        append_carried(carried, without_end(before), what);
+        if (carried == without_end(after))
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+encoding encoding_of(const LangSource &source)
+{
+    return source.format == LANG_SOURCE_UTF8 ? encoding::utf8 : encoding::any;
+}
+
+importer::importer(LangSource *source, const import_request &request)
+    : source_(source), request_(request), items_(source)
+{
+}
+
+// By its name, else by the file's own name, else by its code, which one language must have alone.
+const char *importer::find_language(const said_language &said, std::string_view path) const
+{
+    for (const std::string_view wanted : {std::string_view(said.name), stem_of(path)})
+        for (const lang_t *lang : each<lang_t>(source_->langs))
+            if (!wanted.empty() && same_text(wanted, lang->name))
+                return lang->name;
+    const std::string code = said.code.empty() ? code_of(stem_of(path)) : said.code;
+    const char *whole = nullptr;
+    const char *part = nullptr;
+    int wholes = 0;
+    int parts = 0;
+    for (const lang_t *lang : each<lang_t>(source_->langs)) {
+        const std::string own = lang->name == nullptr ? "" : code_of(lang->name);
+        if (own.empty() || language_part(own) != language_part(code))
+            continue;
+        part = lang->name;
+        ++parts;
+        if (own == code) {
+            whole = lang->name;
+            ++wholes;
+        }
+    }
+    return wholes == 1 ? whole : wholes == 0 && parts == 1 ? part : nullptr;
+}
+
+// The unit's language as the source names it; null, said once, for one that it has not.
+const char *importer::language_of(const file_texts &file, const text_unit &unit,
+                                  std::string_view path)
+{
+    while (resolved_.size() <= unit.language) {
+        const said_language &said = file.languages[resolved_.size()];
+        resolved_.push_back(find_language(
+            request_.language.empty() ? said : said_language{request_.language, {}}, path));
+        if (resolved_.back() == nullptr)
+            say(import_kind::unknown_language, unit,
+                !said.name.empty()   ? std::string_view(said.name)
+                : !said.code.empty() ? std::string_view(said.code)
+                                     : stem_of(path));
+    }
+    return resolved_[unit.language];
+}
+
+fault importer::take(const format &row, const std::string &path, std::string_view bytes)
+{
+    resolved_.clear();
+    // A file of all languages says nothing by its own name.
+    const std::string_view named = row.writes == files::per_language ? path : std::string_view();
+    return row.read(bytes, encoding_of(*source_), [&](const file_texts &file, text_unit &unit) {
+        if (const char *language = language_of(file, unit, named))
+            take_unit(language, unit);
+    });
+}
+
+void importer::take_unit(const char *language, text_unit &unit)
+{
+    if (unit.text.empty() && (!request_.comments || unit.note.text.empty()))
+        return;
+    const indexed_item *found =
+        unit.keyed ? items_.find(unit.group.c_str(), unit.item.c_str()) : nullptr;
+    if (found == nullptr) {
+        say(import_kind::unknown_item, unit, language);
+        return;
+    }
+    take_text(found->item, language, unit);
+    if (request_.comments)
+        take_comment(found->item, language, unit);
+}
+
+void importer::take_text(item_t *item, const char *language, const text_unit &unit)
+{
+    std::string before = joined(find_entry(item->langs, language));
+    if (without_end(unit.text).empty() || is_same(before, unit.text))
+        return;
+    if (unit.fuzzy && !request_.guesses) {
+        ++guesses_;
+        return;
+    }
+    const std::string reference = reference_text(*source_, item);
+    replace(item->langs, language, without_end(unit.text));
+    item->changed = 1;
+    if (!unit.final)
+        item->ready = 0;
+    ++changed_;
+    say(import_kind::text, unit, language, std::move(before), unit.text);
+    if (!unit.reference.empty() && !is_same(reference, unit.reference))
+        say(import_kind::outdated, unit, language, unit.reference, reference);
+}
+
+// A new remark goes below what is there already.
+void importer::take_comment(item_t *item, const char *language, const text_unit &unit)
+{
+    const std::string_view note = without_end(unit.note.text);
+    std::string before = joined(find_entry(item->comments, language));
+    if (note.empty() || is_same(before, note))
+        return;
+    std::string after(note);
+    if (!unit.note.replaces && !before.empty()) {
+        if (before.find(note) != std::string::npos)
+            return;
+        after = std::string(without_end(before)) + "\n" + after;
+    }
+    replace(item->comments, language, after);
+    ++changed_;
+    say(import_kind::comment, unit, language, std::move(before), std::move(after));
+}
+
+void importer::say(import_kind kind, const text_unit &unit, std::string_view language,
+                   std::string before, std::string after)
+{
+    if (request_.hear)
+        request_.hear({kind, &unit, language, std::move(before), std::move(after)});
+}
+
+} // namespace zel::exchange

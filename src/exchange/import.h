@@ -1,0 +1,74 @@
+#pragma once
+
+// Takes texts from outside into a source: only texts (and comments where wanted), only of items and
+// languages that it has. A text that the file lacks changes nothing. What is there and differs is
+// replaced, the item counts as changed and loses its ready mark, unless the file says that the text
+// is final; a guess is left out unless wanted.
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "exchange/formats.h"
+#include "source/item-index.h"
+#include "source/model.h"
+
+namespace zel::exchange {
+
+enum class import_kind {
+    text,     // a text was replaced
+    comment,  // a comment was
+    outdated, // with the text: it translates another text than the source has now
+    unknown_item,
+    unknown_language // said once for each language of a file
+};
+
+struct import_event {
+    import_kind kind;
+    const text_unit *unit;
+    std::string_view language; // as the source names it, or for an unknown one as the file does
+    std::string before;        // text or comment; for an outdated one what was translated
+    std::string after;
+};
+
+struct import_request {
+    bool comments = false;
+    bool guesses = false; // fuzzy ones too
+    std::string language; // every file is of this language, whatever it says; empty: as it says
+    std::function<void(const import_event &)> hear;
+};
+
+class importer {
+public:
+    importer(LangSource *source, const import_request &request);
+
+    // Reads a file's bytes. After a fault the source may be changed in part: it is of no use then.
+    fault take(const format &row, const std::string &path, std::string_view bytes);
+
+    // So far: texts and comments that were replaced, and guesses that were left out.
+    std::uint32_t changed() const { return changed_; }
+    std::uint32_t guesses() const { return guesses_; }
+
+private:
+    const char *find_language(const said_language &said, std::string_view path) const;
+    const char *language_of(const file_texts &file, const text_unit &unit, std::string_view path);
+    void take_unit(const char *language, text_unit &unit);
+    void take_text(item_t *item, const char *language, const text_unit &unit);
+    void take_comment(item_t *item, const char *language, const text_unit &unit);
+    void say(import_kind kind, const text_unit &unit, std::string_view language,
+             std::string before = {}, std::string after = {});
+
+    LangSource *source_;
+    import_request request_;
+    item_index items_;
+    std::vector<const char *> resolved_; // of the file's languages; null: not known
+    std::uint32_t changed_ = 0;
+    std::uint32_t guesses_ = 0;
+};
+
+// The encoding of a source's texts.
+encoding encoding_of(const LangSource &source);
+
+} // namespace zel::exchange

@@ -1,0 +1,114 @@
+#include "exchange/json-outline.h"
+
+#include <algorithm>
+
+namespace zel::exchange {
+
+namespace {
+
+constexpr std::size_t item_depth = 5; // source, groups, group, items, item
+constexpr std::size_t most_depth = 16;
+
+struct outliner {
+    std::string_view bytes;
+    json_outline &out;
+    std::size_t at = 0;
+    std::uint32_t line = 1;
+    std::size_t depth = 0;
+    std::size_t copied = 0; // up to here the outline has the text
+    bool in_item = false;
+    std::size_t item_begin = 0;
+    std::uint32_t item_line = 0;
+
+    fault take();
+    fault take_string();
+    fault open();
+    fault close();
+};
+
+fault outliner::take_string()
+{
+    const std::uint32_t begin = line;
+    const std::size_t start = ++at;
+    while (at < bytes.size() && bytes[at] != '"') {
+        if (bytes[at] == '\n')
+            return {begin, "a string without its closing quote"};
+        if (bytes.substr(at).starts_with("\\u0000"))
+            return {line, "a zero byte"};
+        at += bytes[at] == '\\' ? 2 : 1;
+    }
+    if (at >= bytes.size())
+        return {begin, "a string without its closing quote"};
+    if (at - start > largest_text)
+        return {begin, "a text of more than 8 MB"};
+    ++at;
+    return {};
+}
+
+fault outliner::open()
+{
+    if (++depth > most_depth)
+        return {line, "brackets deeper than a source has"};
+    if (depth == item_depth && bytes[at] == '{') {
+        in_item = true;
+        item_begin = at;
+        item_line = line;
+    }
+    ++at;
+    return {};
+}
+
+fault outliner::close()
+{
+    if (depth == 0)
+        return {line, "a closing bracket too many"};
+    ++at;
+    if (depth-- != item_depth || !in_item)
+        return {};
+    in_item = false;
+    out.text.append(bytes.substr(copied, item_begin - copied))
+        .append(std::to_string(out.items.size()))
+        .append(line - item_line, '\n'); // so that lines stay where they are
+    out.items.push_back({bytes.substr(item_begin, at - item_begin), item_line});
+    copied = at;
+    return {};
+}
+
+fault outliner::take()
+{
+    constexpr std::string_view others = " \t\r:,+-.0123456789abcdefghijklmnopqrstuvwxyzE";
+    const char c = bytes[at];
+    switch (c) {
+    case '"':
+        return take_string();
+    case '{':
+    case '[':
+        return open();
+    case '}':
+    case ']':
+        return close();
+    case '\n':
+        ++line;
+        ++at;
+        return {};
+    default:
+        if (others.find(c) == std::string_view::npos)
+            return {line, "a character that JSON has only in strings"};
+        ++at;
+        return {};
+    }
+}
+
+} // namespace
+
+fault make_outline(std::string_view bytes, json_outline &outline)
+{
+    outliner run{bytes, outline};
+    while (run.at < bytes.size())
+        if (fault wrong = run.take())
+            return wrong;
+    outline.text.append(bytes.substr(run.copied));
+    return {};
+}
+
+} // namespace zel::exchange

@@ -1,0 +1,117 @@
+#include "exchange/key.h"
+
+#include "exchange/carry.h"
+#include "lex/lex-misc.h"
+
+namespace zel::exchange {
+
+namespace {
+
+constexpr char hex_digits[] = "0123456789abcdef";
+
+bool is_control(char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7f'; }
+
+void append_hex(std::string &out, char byte)
+{
+    const auto value = static_cast<unsigned char>(byte);
+    out += "\\x";
+    out += hex_digits[value >> 4];
+    out += hex_digits[value & 15];
+}
+
+// What is written behind a backslash for the byte, 0 for none.
+char letter_of(char byte)
+{
+    return byte == '"' ? '\0' : escape_letter(static_cast<unsigned char>(byte));
+}
+
+void append_name(std::string &out, std::string_view name, bool is_group)
+{
+    while (!name.empty()) {
+        const std::size_t valid = valid_length(name);
+        for (const char c : name.substr(0, valid)) {
+            if (const char letter = letter_of(c); letter != '\0')
+                out.append(1, '\\') += letter;
+            else if (is_control(c))
+                append_hex(out, c);
+            else if (c == ':' && is_group)
+                out += "\\:";
+            else
+                out += c;
+        }
+        name.remove_prefix(valid);
+        if (!name.empty()) {
+            append_hex(out, name.front());
+            name.remove_prefix(1);
+        }
+    }
+}
+
+int hex_value(char c)
+{
+    const std::string_view digits = hex_digits;
+    const std::size_t at = digits.find(c);
+    return at == std::string_view::npos ? -1 : static_cast<int>(at);
+}
+
+// Undoes one escape, its backslash already taken, and takes it.
+bool read_escape(std::string_view &text, std::string &name)
+{
+    if (text.empty())
+        return false;
+    const char letter = text.front();
+    text.remove_prefix(1);
+    if (letter == 'x') {
+        const int high = text.size() < 2 ? -1 : hex_value(text[0]);
+        const int low = high < 0 ? -1 : hex_value(text[1]);
+        if (low < 0 || high + low == 0) // no name holds a zero byte
+            return false;
+        text.remove_prefix(2);
+        name += static_cast<char>(high * 16 + low);
+        return true;
+    }
+    for (const char byte : std::string_view(":\\\n\t\r"))
+        if (letter == (byte == ':' ? ':' : letter_of(byte))) {
+            name += byte;
+            return true;
+        }
+    return false;
+}
+
+// Reads up to the end, or to the first colon that stands for itself when that ends the name.
+bool read_name(std::string_view &text, std::string &name, bool ends_at_colon)
+{
+    name.clear();
+    while (!text.empty() && !(ends_at_colon && text.front() == ':')) {
+        const char c = text.front();
+        text.remove_prefix(1);
+        if (c != '\\')
+            name += c;
+        else if (!read_escape(text, name))
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+void append_name(std::string &out, std::string_view name) { append_name(out, name, false); }
+
+void append_key(std::string &out, std::string_view group, std::string_view item)
+{
+    append_name(out, group, true);
+    out += ':';
+    append_name(out, item, false);
+}
+
+bool split_key(std::string_view key, std::string &group, std::string &item)
+{
+    if (!read_name(key, group, true) || key.empty())
+        return false;
+    key.remove_prefix(1);
+    return read_name(key, item, false);
+}
+
+bool read_name(std::string_view text, std::string &name) { return read_name(text, name, false); }
+
+} // namespace zel::exchange

@@ -1,0 +1,46 @@
+#pragma once
+
+// Reading a catalog, message by message.
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "exchange/input.h"
+#include "exchange/po-message.h"
+
+namespace zel::exchange {
+
+struct po_scan; // the scanner with its place in the file
+
+class po_reader {
+public:
+    // The bytes are in the encoding that the file's header names, UTF-8 when it names none. They
+    // stay the caller's and must live as long as the reader.
+    explicit po_reader(std::string_view bytes);
+    ~po_reader();
+    po_reader(const po_reader &) = delete;
+    po_reader &operator=(const po_reader &) = delete;
+
+    // The next message; false at the end and at a fault. A header names UTF-8, as texts are.
+    bool next(po_message &message);
+
+    const fault &wrong() const { return wrong_; }
+
+private:
+    bool recode(std::string_view bytes, const std::string &charset);
+    bool fail(const std::string &text);
+    bool advance();
+    bool read_string(std::string &text);
+    bool read_id(po_message &message, std::optional<std::string> po_id::*part);
+    bool read_text(po_message &message);
+    bool read_comment(po_message &message);
+    bool read_word(po_message &message);
+
+    std::string recoded_;
+    std::unique_ptr<po_scan> scan_;
+    fault wrong_;
+};
+
+} // namespace zel::exchange

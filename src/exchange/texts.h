@@ -1,0 +1,55 @@
+#pragma once
+
+// Texts as a file from outside has them, one at a time.
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "exchange/carry.h"
+#include "exchange/input.h"
+
+namespace zel::exchange {
+
+// What a file says of a language; either may be empty.
+struct said_language {
+    std::string name; // as sources have it: "german"
+    std::string code; // "de", "pt_BR"
+};
+
+// A remark to an item, and whose it is.
+struct text_note {
+    std::string text;
+    bool replaces = false; // it is the comment that was exported, perhaps changed; else a new one
+};
+
+// One item's text in one language.
+struct text_unit {
+    bool keyed = false; // the file names the item; else both names are empty
+    std::string group;
+    std::string item;
+    std::string reference;      // what was translated; empty in a format without it
+    std::string text;           // empty: there is none
+    bool fuzzy = false;         // a guess that nobody has looked at
+    bool final = false;         // finished and approved
+    text_note note;             // in the text's language; empty: none
+    std::uint32_t language = 0; // position in file_texts::languages
+    std::uint32_t line = 0;
+};
+
+// A file's languages, and its texts where somebody wants all of them.
+struct file_texts {
+    std::vector<said_language> languages;
+    std::vector<text_unit> units;
+};
+
+// Hears every text; the unit is the reader's own and good for the call.
+using text_listener = std::function<void(const file_texts &file, text_unit &unit)>;
+
+// Reads a file's texts from its bytes, which are UTF-8 unless the format itself says what they are.
+// Bytes carried by private characters (exchange/carry.h) are undone, in names always.
+using texts_reader = fault (*)(std::string_view bytes, encoding good, const text_listener &hear);
+
+} // namespace zel::exchange

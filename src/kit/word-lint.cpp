@@ -1,0 +1,130 @@
+#include "kit/lint-run.h"
+#include "kit/options.h"
+#include "kit/word-list.h"
+#include "lint/rules.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+namespace zel::kit {
+
+namespace {
+
+using lint::level;
+using lint::rule_set;
+
+// How many were found of each level.
+struct counts {
+    std::array<std::size_t, 3> of{};
+
+    std::size_t &operator[](level one) { return of[static_cast<std::size_t>(one)]; }
+    bool any_from(level least) const
+    {
+        return std::any_of(of.begin(), of.begin() + static_cast<int>(least) + 1,
+                           [](std::size_t count) { return count != 0; });
+    }
+};
+
+std::string counted(std::size_t count, const char *word)
+{
+    return std::to_string(count) + " " + word + (count == 1 ? "" : "s");
+}
+
+void print_counts(counts found, std::size_t files)
+{
+    std::fprintf(stderr, "%s, %s, %s in %s\n", counted(found[level::error], "error").c_str(),
+                 counted(found[level::warning], "warning").c_str(),
+                 counted(found[level::info], "note").c_str(), counted(files, "file").c_str());
+}
+
+void print_rules()
+{
+    for (const lint::rule &row : lint::rules())
+        std::printf("%-11s  %-7s  %s\n", row.name, lint::level_name(row.severity), row.meaning);
+}
+
+// Puts the named rules into the set. False after the line that there is no such rule.
+bool choose_rules(const word &self, const std::vector<std::string> &names, rule_set &out)
+{
+    for (const std::string &name : names) {
+        const lint::rule *row = lint::find_rule(name);
+        if (row == nullptr) {
+            wrong_use(self, "there is no rule \"" + name + "\"; --rules shows them");
+            return false;
+        }
+        out = out.with(row->id);
+    }
+    return true;
+}
+
+struct settings {
+    std::string format = "text";
+    std::string fail_on = "error";
+    std::vector<std::string> only, without, languages, code;
+    bool rules = false;
+};
+
+bool choose(const word &self, const settings &given, lint::choice &wanted)
+{
+    rule_set only, without;
+    if (!choose_rules(self, given.only, only) || !choose_rules(self, given.without, without))
+        return false;
+    wanted.rules = (only.none() ? rule_set::all() : only).without(without);
+    wanted.languages = given.languages;
+    return true;
+}
+
+} // namespace
+
+int run_lint(const word &self, int argc, char **argv)
+{
+    settings given;
+    const parsed line = parse(
+        self, argc, argv,
+        {{"format", "NAME", "text, json, sarif or github (text)", nullptr, &given.format},
+         {"fail-on", "LEVEL", "status 1 from this level on: error, warning or info (error)",
+          nullptr, &given.fail_on},
+         {"only", "RULE,...", "only these rules", nullptr, nullptr, &given.only, true},
+         {"without", "RULE,...", "all rules but these", nullptr, nullptr, &given.without, true},
+         {"language", "NAME", "only what concerns this language; may be given again", nullptr,
+          nullptr, &given.languages},
+         {"rules", nullptr, "list the rules with their levels and end", &given.rules}},
+        0, SIZE_MAX);
+    if (line.ends)
+        return line.status;
+    if (given.rules) {
+        print_rules();
+        return status_fine;
+    }
+    const int format = choose(self, "format", given.format, lint_formats());
+    const int fail_on = choose(self, "fail-on", given.fail_on, {"error", "warning", "info"});
+    lint::choice wanted;
+    if (format < 0 || fail_on < 0 || !choose(self, given, wanted))
+        return status_fault;
+    if (line.files.empty())
+        return wrong_use(self, std::string("a file is missing: lang-kit lint ") + self.arguments);
+    const std::unique_ptr<lint_output> output = make_lint_output(format);
+    counts found;
+    bool unreadable = false;
+    std::size_t files = 0;
+    for (const std::string &path : line.files) {
+        lint_source source;
+        if (!source.read(path)) {
+            unreadable = true;
+            continue;
+        }
+        ++files;
+        source.judge(wanted, [&](const shown_finding &one) {
+            ++found[lint::rule_of(one.rule).severity];
+            output->add(one);
+        });
+    }
+    output->end();
+    print_counts(found, files);
+    if (unreadable)
+        return status_fault;
+    return found.any_from(static_cast<level>(fail_on)) ? status_found : status_fine;
+}
+
+} // namespace zel::kit

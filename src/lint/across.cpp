@@ -1,0 +1,220 @@
+#include "lint/across.h"
+
+#include "lint/mnemonics.h"
+#include "support/hash-index.h"
+
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace zel::lint {
+
+namespace {
+
+// A compiled file's name, without the ending that it has anyway.
+std::string_view file_name(const lang_t *lang)
+{
+    std::string_view name = name_of(lang->file);
+    if (name.ends_with(".lang"))
+        name.remove_suffix(5);
+    return name;
+}
+
+std::string key_of(const edit_t *group, const item_t *item)
+{
+    std::string key(name_of(group->name));
+    return key.append(":").append(name_of(item->name));
+}
+
+struct seen_item {
+    const edit_t *group;
+    const item_t *item;
+};
+
+// The first text of a group with a mnemonic.
+struct marked {
+    const item_t *item;
+    char32_t reference; // mnemonic of its reference text
+};
+
+std::string_view first_text(const item_t *item, const char *name, std::string &buffer)
+{
+    for (const lang_entry_t *entry : each<lang_entry_t>(item->langs))
+        if (same_language(entry->lang, name))
+            return join(entry->texts, buffer);
+    return {};
+}
+
+bool is_phrase(std::string_view text)
+{
+    const std::size_t blank = text.find(' ');
+    return blank != std::string_view::npos && blank > 1 && blank + 2 < text.size();
+}
+
+// Without the marks of mnemonics, which are another matter.
+std::string unmarked(std::string_view text)
+{
+    std::string out(text);
+    std::erase(out, '_');
+    return out;
+}
+
+std::string quoted(std::string_view text) { return std::string("\"").append(text).append("\""); }
+
+} // namespace
+
+struct across::state {
+    std::span<const language> languages;
+
+    std::vector<seen_item> items; // all, for duplicates
+    hash_index keys;
+
+    struct seen_reference {
+        seen_item first;
+        std::string text;
+    };
+    std::vector<seen_reference> references;
+    hash_index texts;
+    std::vector<bool> reported; // of each reference the languages
+
+    // Of the group.
+    const edit_t *group = nullptr;
+    enum class is_window { unknown, no, yes } window = is_window::unknown; // texts seen together
+    bool may_be_window(const LangSource *source);
+    std::unordered_map<std::uint64_t, marked> marks; // by language and mnemonic
+};
+
+across::across(std::span<const language> languages) : state_(std::make_unique<state>())
+{
+    state_->languages = languages;
+}
+
+across::~across() = default;
+
+void across::judge_languages(const LangSource *source, item_case::sink &found)
+{
+    std::vector<const lang_t *> before;
+    for (const lang_t *lang : each<lang_t>(source->langs)) {
+        for (const lang_t *other : before) {
+            if (same_language(lang->name, other->name))
+                found.say(rule_id::duplicate, lang->name, lang,
+                          "a second definition of the language");
+            else if (file_name(lang) == file_name(other))
+                found.say(rule_id::duplicate, lang->name, lang,
+                          "the file " + quoted(name_of(lang->file)) + " is that of " +
+                              std::string(name_of(other->name)) + " already");
+            else
+                continue;
+            break;
+        }
+        before.push_back(lang);
+    }
+}
+
+void across::judge_duplicate(const item_case &at)
+{
+    state &s = *state_;
+    const std::uint32_t hash =
+        hash_of(name_of(at.group->name)) * 31 + hash_of(name_of(at.item->name));
+    const std::uint32_t known = s.keys.find(hash, [&](std::uint32_t i) {
+        return name_of(s.items[i].item->name) == name_of(at.item->name) &&
+               name_of(s.items[i].group->name) == name_of(at.group->name);
+    });
+    if (known != hash_index::none) {
+        at.found.say(rule_id::duplicate, nullptr, at.item,
+                     "a second item " + quoted(key_of(at.group, at.item)) +
+                         ", which is never found");
+        return;
+    }
+    s.keys.add(hash, static_cast<std::uint32_t>(s.items.size()));
+    s.items.push_back({at.group, at.item});
+}
+
+void across::judge_consistency(const item_case &at)
+{
+    state &s = *state_;
+    const std::string_view reference = at.reference.bytes;
+    if (!is_phrase(reference)) // single words have many meanings
+        return;
+    const std::uint32_t hash = hash_of(reference);
+    const std::uint32_t known =
+        s.texts.find(hash, [&](std::uint32_t i) { return s.references[i].text == reference; });
+    if (known == hash_index::none) {
+        s.texts.add(hash, static_cast<std::uint32_t>(s.references.size()));
+        s.references.push_back({{at.group, at.item}, std::string(reference)});
+        return;
+    }
+    if (s.reported.size() < s.references.size() * s.languages.size())
+        s.reported.resize(s.references.size() * s.languages.size());
+    std::string buffer;
+    for (std::size_t i = 0; i < at.slots.size(); ++i) {
+        const slot &one = at.slots[i];
+        const std::size_t bit = known * s.languages.size() + i;
+        if (one.entry == nullptr || one.own.is_blank() || at.languages[i].is_default ||
+            s.reported[bit])
+            continue;
+        const seen_item &first = s.references[known].first;
+        const std::string_view other = first_text(first.item, at.languages[i].name, buffer);
+        if (look_at(other).is_blank() || other == one.own.bytes ||
+            unmarked(other) == unmarked(one.own.bytes))
+            continue;
+        s.reported[bit] = true;
+        at.found.say(rule_id::consistency, at.languages[i].name, one.entry,
+                     quoted(reference) + " is " + quoted(one.own.bytes) + " here and " +
+                         quoted(other) + " in " + key_of(first.group, first.item));
+    }
+}
+
+void across::begin_group(const edit_t *group)
+{
+    state_->marks.clear();
+    state_->window = state::is_window::unknown;
+    state_->group = group;
+}
+
+// More texts with a key than a window has letters for are not seen together.
+bool across::state::may_be_window(const LangSource *source)
+{
+    constexpr std::size_t most = 20;
+    if (window == is_window::unknown) {
+        std::size_t marked_texts = 0;
+        std::string buffer;
+        for (const item_t *item : each<item_t>(group->items)) {
+            const std::string_view text = first_text(item, source->default_lang, buffer);
+            if (item->used != 0 &&
+                read_mnemonics(text.empty() ? name_of(item->name) : text).count == 1)
+                ++marked_texts;
+        }
+        window = marked_texts <= most ? is_window::yes : is_window::no;
+    }
+    return window == is_window::yes;
+}
+
+void across::judge_collision(const item_case &at)
+{
+    state &s = *state_;
+    if (!at.reference.has(has_underscore) || at.reference.bytes.starts_with('/'))
+        return;
+    const mnemonics reference = read_mnemonics(at.reference.bytes);
+    if (reference.count != 1 || !s.may_be_window(at.source))
+        return;
+    for (std::size_t i = 0; i < at.slots.size(); ++i) {
+        const slot &one = at.slots[i];
+        if (one.entry == nullptr || !one.own.has(has_underscore))
+            continue;
+        const mnemonics own = read_mnemonics(one.own.bytes);
+        if (own.count != 1)
+            continue;
+        const auto [known, added] =
+            s.marks.try_emplace(std::uint64_t{i} << 32 | own.key, marked{at.item, reference.key});
+        // Where the reference has them on one key already, they are not seen together.
+        if (added || (known->second.reference == reference.key && !at.languages[i].is_default))
+            continue;
+        std::string buffer;
+        at.found.say(rule_id::collision, at.languages[i].name, one.entry,
+                     "the mnemonic is that of " +
+                         quoted(first_text(known->second.item, at.languages[i].name, buffer)));
+    }
+}
+
+} // namespace zel::lint

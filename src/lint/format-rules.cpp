@@ -1,0 +1,68 @@
+#include "lint/conversions.h"
+#include "lint/rule-list.h"
+
+#include <algorithm>
+
+namespace zel::lint {
+
+namespace {
+
+// What the application hands over: the conversions of the reference, or, when that has none, those
+// that the item's description names.
+percents expected_by(const text_case &at)
+{
+    percents reference = read_percents(at.reference.bytes);
+    if (reference.conversions.empty())
+        return described(at.item == nullptr ? nullptr : at.item->description);
+    return reference;
+}
+
+bool has_name(const std::vector<std::string_view> &names, std::string_view name)
+{
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+} // namespace
+
+bool judge_format(const text_case &at, std::string &message)
+{
+    if (at.own.is_blank() || (!at.own.has(has_percent) && !at.reference.has(has_percent)))
+        return false;
+    const percents expected = expected_by(at);
+    if (!expected.is_format())
+        return false;
+    const percents own = read_percents(at.own.bytes, &expected);
+    if (own.writes) {
+        message = "the text has \"%n\", with which printf overwrites memory";
+    } else if (own.mixed) {
+        message = "some conversions have a position and some have none: " + shown(own);
+    } else if (own.arguments != expected.arguments) {
+        message = "the item asks for " + shown(expected) + ", the text for " + shown(own);
+    } else if (own.stray) {
+        message = "a percent sign begins no conversion; write \"%%\" for the sign itself";
+    }
+    return !message.empty();
+}
+
+bool judge_symbol(const text_case &at, std::string &message)
+{
+    if (!at.own.has(has_percent) && !at.reference.has(has_percent))
+        return false;
+    if (at.own.is_blank() || at.reference.is_blank())
+        return false;
+    const percents expected = read_percents(at.reference.bytes);
+    const percents own = read_percents(at.own.bytes, &expected);
+    for (const std::string_view name : own.symbols)
+        if (!has_name(expected.symbols, name)) {
+            message.append("the item has no symbol \"%").append(name).append("%\"");
+            return true;
+        }
+    for (const std::string_view name : expected.symbols)
+        if (!has_name(own.symbols, name)) {
+            message.append("the symbol \"%").append(name).append("%\" of the item is missing");
+            return true;
+        }
+    return false;
+}
+
+} // namespace zel::lint

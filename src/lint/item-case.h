@@ -1,0 +1,58 @@
+#pragma once
+
+// An item as the rules about items look at it: its texts by language, and where findings go.
+
+#include <span>
+#include <string_view>
+
+#include "lint/finding.h"
+#include "lint/text.h"
+
+namespace zel::lint {
+
+struct language {
+    const lang_t *definition;
+    const char *name; // empty when it has none
+    bool is_default;
+    bool wanted; // findings about it are wanted
+};
+
+// What an item has in one language.
+struct slot {
+    const lang_entry_t *entry; // the first one of the language, or null
+    text own;
+    rule_set off; // rules that a comment in this language switches off
+};
+
+struct item_case {
+    const LangSource *source;
+    const edit_t *group;
+    const item_t *item;
+    std::span<const language> languages;
+    std::span<const slot> slots; // of each language
+    const text &reference;       // the default language's text, else the item's name
+
+    // Where a rule says what it found: about the record (the item, or one of its entries), in a
+    // language or, null, in none. The message is copied.
+    class sink {
+    public:
+        virtual void say(rule_id rule, const char *language, const void *record,
+                         std::string_view message) = 0;
+
+    protected:
+        ~sink() = default;
+    };
+    sink &found;
+};
+
+// Whether both name the same language: compiled files are found by their language whatever the
+// case of its ASCII letters.
+bool same_language(const char *a, const char *b);
+
+// The position of the language among the defined ones, or that many when it is none of them. The
+// guess is looked at first.
+std::size_t find_language(std::span<const language> languages, const char *name, std::size_t guess);
+
+inline std::string_view name_of(const char *text) { return text == nullptr ? "" : text; }
+
+} // namespace zel::lint

@@ -1,0 +1,228 @@
+#include "lint/conversions.h"
+#include "lint/rule-list.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace zel::lint {
+
+namespace {
+
+struct number {
+    std::string digits;
+    std::vector<std::string> parts; // between its commas
+    std::size_t end;                // in the text
+};
+
+// What must be the same in every language.
+struct links {
+    std::vector<std::string> addresses;
+    std::vector<std::string> paths;
+    std::vector<number> numbers; // in the order of the text
+};
+
+bool is_address_byte(char c)
+{
+    return is_word_byte(c) || std::string_view("-.~/?#@!$&*+=%:").find(c) != std::string_view::npos;
+}
+
+std::string_view without_stop(std::string_view address)
+{
+    while (!address.empty() &&
+           std::string_view(".,:!?/&").find(address.back()) != std::string_view::npos)
+        address.remove_suffix(1);
+    return address;
+}
+
+// Reads the piece of address characters at the position.
+std::string_view read_piece(std::string_view bytes, std::size_t at)
+{
+    std::size_t end = at;
+    while (end < bytes.size() && is_address_byte(bytes[end]))
+        ++end;
+    return bytes.substr(at, end - at);
+}
+
+bool is_web(std::string_view piece)
+{
+    return piece.find("://") != std::string_view::npos || piece.starts_with("www.");
+}
+
+bool is_mail(std::string_view piece)
+{
+    const std::size_t sign = piece.find('@');
+    return sign != std::string_view::npos && sign > 0 &&
+           piece.find('.', sign) != std::string_view::npos && is_word_byte(piece[sign - 1]);
+}
+
+// A path of the file system: menus have paths too, which are translated.
+bool is_path(std::string_view piece)
+{
+    constexpr std::string_view roots[] = {"/bin/",  "/boot/",  "/dev/",  "/etc/", "/home/",
+                                          "/lib/",  "/media/", "/mnt/",  "/opt/", "/proc/",
+                                          "/root/", "/run/",   "/sbin/", "/srv/", "/sys/",
+                                          "/tmp/",  "/usr/",   "/var/",  "~/"};
+    return piece.find('%') == std::string_view::npos &&
+           std::any_of(std::begin(roots), std::end(roots),
+                       [&](std::string_view root) { return piece.starts_with(root); });
+}
+
+// A number with its separators, in the digits of any script.
+number read_number(std::string_view bytes, std::size_t at)
+{
+    number found{{}, {""}, at};
+    char32_t separator = 0;
+    for (std::size_t i = at; i < bytes.size();) {
+        const char32_t c = next_char(bytes, i);
+        if (is_digit(c)) {
+            if (separator == ',')
+                found.parts.emplace_back();
+            const auto digit = static_cast<char>('0' + g_unichar_digit_value(c));
+            found.digits += digit;
+            found.parts.back() += digit;
+            found.end = i;
+            separator = 0;
+        } else if (separator != 0 || (c != '.' && c != ',' && c != 0x66B && c != 0x66C)) {
+            break;
+        } else {
+            separator = c;
+        }
+    }
+    return found;
+}
+
+// Behind "%1$s", "%5.2f" and the like, whose digits are no number of the text.
+std::size_t skip_conversion(std::string_view bytes, std::size_t at)
+{
+    for (++at; at < bytes.size() &&
+               std::string_view("0123456789.$*+-# ").find(bytes[at]) != std::string_view::npos;)
+        ++at;
+    return at;
+}
+
+links read_links(std::string_view bytes)
+{
+    links found;
+    char32_t before = ' ';
+    for (std::size_t at = 0; at < bytes.size();) {
+        std::size_t next = at;
+        const char32_t c = next_char(bytes, next);
+        const bool starts = !is_letter(before) && !is_digit(before);
+        if (starts && is_address_byte(bytes[at])) {
+            const std::string_view piece = without_stop(read_piece(bytes, at));
+            std::vector<std::string> *kind = is_web(piece) || is_mail(piece) ? &found.addresses
+                                             : is_path(piece)                ? &found.paths
+                                                                             : nullptr;
+            if (kind != nullptr) {
+                kind->emplace_back(piece);
+                at += piece.size();
+                before = 'x';
+                continue;
+            }
+        }
+        if (c == '%') {
+            at = std::max(next, skip_conversion(bytes, at));
+            before = 'x';
+            continue;
+        }
+        if (is_digit(c)) {
+            number read = read_number(bytes, at);
+            at = read.end;
+            if (!is_letter(before)) // not that of a name, as in "win32"
+                found.numbers.push_back(std::move(read));
+            before = '0';
+            continue;
+        }
+        before = c;
+        at = next;
+    }
+    std::sort(found.addresses.begin(), found.addresses.end());
+    std::sort(found.paths.begin(), found.paths.end());
+    return found;
+}
+
+// What stands in the first only.
+std::vector<std::string> lacking(const std::vector<std::string> &has,
+                                 const std::vector<std::string> &lacks)
+{
+    std::vector<std::string> out;
+    std::set_difference(has.begin(), has.end(), lacks.begin(), lacks.end(),
+                        std::back_inserter(out));
+    return out;
+}
+
+bool differ(const std::vector<std::string> &own, const std::vector<std::string> &reference,
+            const char *what, std::string &message)
+{
+    auto gone = lacking(reference, own);
+    const auto added = lacking(own, reference);
+    // A page of the language below the one that the reference names is as good.
+    std::erase_if(gone, [&](const std::string &one) {
+        return std::any_of(added.begin(), added.end(),
+                           [&](const std::string &other) { return other.starts_with(one + "/"); });
+    });
+    if (gone.empty())
+        return false;
+    message.append("the ").append(what).append(" ").append(gone.front());
+    if (added.empty())
+        message.append(" of the reference is missing");
+    else
+        message.append(" is ").append(added.front());
+    return true;
+}
+
+std::string all_digits(const std::vector<number> &numbers)
+{
+    std::string out;
+    for (const number &one : numbers)
+        out += one.digits;
+    return out;
+}
+
+// Small ones are written as words.
+bool is_small(const std::string &digits)
+{
+    return digits.size() == 1 || digits == "10" || digits == "11" || digits == "12";
+}
+
+// The first number whose digits do not follow each other in the other text, however that groups
+// them; empty when there is none.
+std::string find_other(const std::vector<number> &numbers, const std::string &digits,
+                       bool with_small)
+{
+    const auto is_there = [&](const std::string &one) {
+        return (!with_small && is_small(one)) || digits.find(one) != std::string::npos;
+    };
+    for (const number &one : numbers)
+        if (!is_there(one.digits) &&
+            !(one.parts.size() > 1 && std::all_of(one.parts.begin(), one.parts.end(), is_there)))
+            return one.digits;
+    return {};
+}
+
+bool numbers_differ(const links &own, const links &reference, std::string &message)
+{
+    const std::string own_digits = all_digits(own.numbers);
+    const std::string added = find_other(own.numbers, all_digits(reference.numbers), true);
+    const std::string gone = find_other(reference.numbers, own_digits, !added.empty());
+    if (gone.empty())
+        return false;
+    message = "the number " + gone;
+    message += added.empty() ? " of the reference is missing" : " is " + added;
+    return true;
+}
+
+} // namespace
+
+bool judge_link(const text_case &at, std::string &message)
+{
+    if (!at.reference.has(has_digit | has_address))
+        return false;
+    const links own = read_links(at.own.bytes);
+    const links reference = read_links(at.reference.bytes);
+    return differ(own.addresses, reference.addresses, "address", message) ||
+           differ(own.paths, reference.paths, "path", message) ||
+           numbers_differ(own, reference, message);
+}
+
+} // namespace zel::lint

@@ -1,0 +1,282 @@
+#include "lint/lint.h"
+
+#include "lint/across.h"
+#include "lint/item-case.h"
+#include "lint/rules.h"
+#include "lint/switch.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace zel::lint {
+
+namespace {
+
+struct said {
+    finding what;
+    std::size_t rank;  // 0 about the item itself, else behind its entries' order
+    std::size_t start; // of the message among all of the item
+    std::size_t length;
+};
+
+std::vector<language> languages_of(const LangSource *source, const choice &wanted)
+{
+    std::vector<language> out;
+    for (const lang_t *lang : each<lang_t>(source->langs)) {
+        const char *name = lang->name == nullptr ? "" : lang->name;
+        const bool is_wanted =
+            wanted.languages.empty() ||
+            std::any_of(wanted.languages.begin(), wanted.languages.end(),
+                        [&](const std::string &one) { return same_language(one.c_str(), name); });
+        out.push_back({lang, name, same_language(name, source->default_lang), is_wanted});
+    }
+    return out;
+}
+
+} // namespace
+
+class linter::work final : item_case::sink {
+public:
+    work(const LangSource *source, choice wanted)
+        : source_(source), wanted_(std::move(wanted)), languages_(languages_of(source, wanted_)),
+          slots_(languages_.size()), buffers_(languages_.size())
+    {
+        for (const rule &row : rules()) {
+            if (!wanted_.rules.has(row.id))
+                continue;
+            if (row.judge_text != nullptr)
+                text_rules_.push_back(&row);
+            if (row.judge_item != nullptr)
+                item_rules_.push_back(&row);
+        }
+    }
+
+    void check(const listener &to, const std::function<void(const item_t *)> &next_item);
+    void check_item(const edit_t *group, const item_t *item, const listener &to, across *others);
+
+    void say(rule_id rule, const char *name, const void *record, std::string_view message) override;
+
+private:
+    void take_entries(const item_t *item);
+    void take_switches(const item_t *item);
+    void take_reference(const item_t *item);
+    void judge_text(std::size_t i);
+    void judge_texts();
+    void judge_across(const item_case &at, across &others);
+    void judge_group(const edit_t *group);
+    bool is_silent(rule_id rule, const char *name) const;
+    std::size_t rank_of(const void *record) const;
+    void tell(const listener &to);
+
+    const LangSource *source_;
+    choice wanted_;
+    std::vector<language> languages_;
+    std::vector<const rule *> text_rules_;
+    std::vector<const rule *> item_rules_;
+
+    // Of the item being judged.
+    const edit_t *group_ = nullptr;
+    const item_t *item_ = nullptr;
+    std::vector<slot> slots_;
+    std::vector<std::string> buffers_;
+    text name_;
+    text reference_;
+    rule_set item_off_;
+    std::vector<said> said_;
+    std::string messages_;
+    std::string message_;
+};
+
+// The first entry of each language counts, as when a source is compiled.
+void linter::work::take_entries(const item_t *item)
+{
+    for (slot &one : slots_)
+        one = {};
+    std::size_t guess = 0;
+    for (const lang_entry_t *entry : each<lang_entry_t>(item->langs)) {
+        const std::size_t i = find_language(languages_, entry->lang, guess);
+        guess = i + 1;
+        if (i == languages_.size())
+            continue;
+        if (slots_[i].entry == nullptr)
+            slots_[i] = {entry, look_at(join(entry->texts, buffers_[i])), {}};
+        else if (wanted_.rules.has(rule_id::duplicate))
+            say(rule_id::duplicate, entry->lang, entry,
+                "a second text in the language, which is never used");
+    }
+}
+
+void linter::work::take_switches(const item_t *item)
+{
+    item_off_ = {};
+    for (const lang_entry_t *comment : each<lang_entry_t>(item->comments)) {
+        const rule_set off = read_switches(comment);
+        if (off.none())
+            continue;
+        if (same_language(comment->lang, source_->default_lang))
+            item_off_ = off;
+        const std::size_t i = find_language(languages_, comment->lang, 0);
+        if (i < slots_.size())
+            slots_[i].off = off;
+    }
+}
+
+void linter::work::take_reference(const item_t *item)
+{
+    name_ = look_at(name_of(item->name));
+    reference_ = name_;
+    for (std::size_t i = 0; i < slots_.size(); ++i)
+        if (languages_[i].is_default && slots_[i].entry != nullptr && !slots_[i].own.is_blank())
+            reference_ = slots_[i].own;
+}
+
+void linter::work::judge_text(std::size_t i)
+{
+    const slot &one = slots_[i];
+    static constexpr text nothing;
+    for (const rule *row : text_rules_) {
+        const text *reference = &reference_;
+        if (languages_[i].is_default) {
+            if (row->about == scope::reference)
+                continue;
+            reference = row->about == scope::code ? &name_ : &nothing;
+        }
+        message_.clear();
+        if (row->judge_text({one.own, *reference, item_}, message_))
+            say(row->id, languages_[i].name, one.entry, message_);
+    }
+}
+
+// A text that nobody sees is only looked at for its bytes.
+void linter::work::judge_texts()
+{
+    for (std::size_t i = 0; i < slots_.size(); ++i)
+        if (slots_[i].entry != nullptr && languages_[i].wanted && !slots_[i].own.bytes.empty())
+            judge_text(i);
+}
+
+bool linter::work::is_silent(rule_id rule, const char *name) const
+{
+    if (name == nullptr)
+        return item_off_.has(rule);
+    const std::size_t i = find_language(languages_, name, 0);
+    if (i < languages_.size())
+        return !languages_[i].wanted || slots_[i].off.has(rule);
+    return !wanted_.languages.empty();
+}
+
+std::size_t linter::work::rank_of(const void *record) const
+{
+    std::size_t rank = 0;
+    if (item_ == nullptr || record == item_)
+        return rank;
+    for (GList *list : {item_->langs, item_->comments})
+        for (const lang_entry_t *entry : each<lang_entry_t>(list)) {
+            ++rank;
+            if (entry == record)
+                return rank;
+        }
+    return 0;
+}
+
+void linter::work::say(rule_id rule, const char *name, const void *record, std::string_view message)
+{
+    said_.push_back({{rule, group_, item_, name, record, {}}, 0, messages_.size(), message.size()});
+    messages_ += message;
+}
+
+void linter::work::tell(const listener &to)
+{
+    if (said_.empty())
+        return;
+    std::erase_if(said_,
+                  [this](const said &one) { return is_silent(one.what.rule, one.what.language); });
+    for (said &one : said_)
+        one.rank = rank_of(one.what.record);
+    std::stable_sort(said_.begin(), said_.end(), [](const said &a, const said &b) {
+        return a.rank != b.rank ? a.rank < b.rank : a.what.rule < b.what.rule;
+    });
+    for (said &one : said_) {
+        one.what.message = std::string_view(messages_).substr(one.start, one.length);
+        to(one.what);
+    }
+    said_.clear();
+    messages_.clear();
+}
+
+void linter::work::judge_across(const item_case &at, across &others)
+{
+    if (wanted_.rules.has(rule_id::duplicate))
+        others.judge_duplicate(at);
+    if (at.item->used == 0)
+        return;
+    if (wanted_.rules.has(rule_id::consistency))
+        others.judge_consistency(at);
+    if (wanted_.rules.has(rule_id::collision))
+        others.judge_collision(at);
+}
+
+void linter::work::check_item(const edit_t *group, const item_t *item, const listener &to,
+                              across *others)
+{
+    group_ = group;
+    item_ = item;
+    take_entries(item);
+    take_switches(item);
+    take_reference(item);
+    const item_case at{source_, group, item, languages_, slots_, reference_, *this};
+    for (const rule *row : item_rules_)
+        if (item->used != 0 || row->id == rule_id::unused || row->id == rule_id::encoding)
+            row->judge_item(at);
+    if (item->used != 0)
+        judge_texts();
+    if (others != nullptr)
+        judge_across(at, *others);
+    tell(to);
+}
+
+void linter::work::check(const listener &to, const std::function<void(const item_t *)> &next_item)
+{
+    group_ = nullptr;
+    item_ = nullptr;
+    if (wanted_.rules.has(rule_id::duplicate))
+        across::judge_languages(source_, *this);
+    tell(to);
+    across others(languages_);
+    for (const edit_t *group : each<edit_t>(source_->groups)) {
+        others.begin_group(group);
+        for (const item_t *item : each<item_t>(group->items)) {
+            if (next_item)
+                next_item(item);
+            check_item(group, item, to, &others);
+        }
+    }
+}
+
+linter::linter(const LangSource *source, choice wanted)
+    : work_(std::make_unique<work>(source, std::move(wanted)))
+{
+}
+
+linter::~linter() = default;
+
+void linter::check(const listener &to, const std::function<void(const item_t *)> &next_item)
+{
+    work_->check(to, next_item);
+}
+
+void linter::check_item(const edit_t *group, const item_t *item, const listener &to)
+{
+    work_->check_item(group, item, to, nullptr);
+}
+
+bool defines_language(const LangSource *source, const std::string &name)
+{
+    const each<lang_t> defined(source->langs);
+    for (const lang_t *lang : defined)
+        if (same_language(lang->name, name.c_str()))
+            return true;
+    return false;
+}
+
+} // namespace zel::lint

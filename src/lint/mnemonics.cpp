@@ -1,0 +1,53 @@
+#include "lint/mnemonics.h"
+
+#include "lint/text.h"
+
+#include <algorithm>
+
+namespace zel::lint {
+
+namespace {
+
+bool is_letter_before(std::string_view text, std::size_t &at)
+{
+    return at > 0 && is_letter(last_char(text, at));
+}
+
+bool is_letter_behind(std::string_view text, std::size_t &at)
+{
+    return at < text.size() && is_letter(next_char(text, at));
+}
+
+// Inside a long word of a sentence. "Re_center" and "Brows_e" are marks.
+bool is_in_name(std::string_view text, std::size_t underscore)
+{
+    constexpr int letters = 3; // on both sides
+    std::size_t before = underscore;
+    std::size_t behind = underscore + 1;
+    for (int i = 0; i < letters; ++i)
+        if (!is_letter_before(text, before) || !is_letter_behind(text, behind))
+            return false;
+    return std::count(text.begin(), text.end(), ' ') >= 3;
+}
+
+} // namespace
+
+mnemonics read_mnemonics(std::string_view text)
+{
+    mnemonics found;
+    for (std::size_t at = text.find('_'); at != std::string_view::npos; at = text.find('_', at)) {
+        const bool name = is_in_name(text, at);
+        if (++at == text.size())
+            break;
+        const bool pair = text[at] == '_';
+        const char32_t c = next_char(text, at);
+        if (pair || !(is_letter(c) || is_digit(c)))
+            continue;
+        if (found.count++ == 0)
+            found.key = g_unichar_tolower(c);
+        found.sure += name ? 0U : 1U;
+    }
+    return found;
+}
+
+} // namespace zel::lint

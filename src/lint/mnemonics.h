@@ -1,0 +1,18 @@
+#pragma once
+
+// The underscores that mark the key of a menu entry or a button, "_Save".
+
+#include <cstddef>
+#include <string_view>
+
+namespace zel::lint {
+
+struct mnemonics {
+    std::size_t count = 0; // underscores before a letter or digit; "__" is the sign itself
+    std::size_t sure = 0;  // but for those that may be part of a name, as in "the file my_notes"
+    char32_t key = 0;      // the first one's, in lower case
+};
+
+mnemonics read_mnemonics(std::string_view text);
+
+} // namespace zel::lint

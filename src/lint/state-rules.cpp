@@ -1,0 +1,46 @@
+#include "lint/item-case.h"
+#include "lint/rule-list.h"
+
+namespace zel::lint {
+
+void judge_undefined(const item_case &at)
+{
+    std::size_t guess = 0;
+    for (const lang_entry_t *entry : each<lang_entry_t>(at.item->langs)) {
+        const std::size_t found = find_language(at.languages, entry->lang, guess);
+        guess = found + 1;
+        if (found == at.languages.size())
+            at.found.say(rule_id::undefined, entry->lang, entry,
+                         "the language has no definition, so its text is never used");
+    }
+}
+
+void judge_missing(const item_case &at)
+{
+    for (std::size_t i = 0; i < at.slots.size(); ++i)
+        if (at.slots[i].entry == nullptr)
+            at.found.say(rule_id::missing, at.languages[i].name, at.item, "there is no text");
+}
+
+void judge_empty(const item_case &at)
+{
+    const bool nothing_to_say = at.reference.is_blank();
+    for (std::size_t i = 0; i < at.slots.size() && !nothing_to_say; ++i)
+        if (at.slots[i].entry != nullptr && at.slots[i].own.is_blank())
+            at.found.say(rule_id::empty, at.languages[i].name, at.slots[i].entry,
+                         "the text is empty");
+}
+
+void judge_unused(const item_case &at)
+{
+    if (at.item->used == 0)
+        at.found.say(rule_id::unused, nullptr, at.item, "the application does not ask for it");
+}
+
+void judge_not_ready(const item_case &at)
+{
+    if (at.item->used != 0 && at.item->ready == 0)
+        at.found.say(rule_id::not_ready, nullptr, at.item, "not marked ready");
+}
+
+} // namespace zel::lint

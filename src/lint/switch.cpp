@@ -1,0 +1,41 @@
+#include "lint/switch.h"
+
+#include "lint/rules.h"
+#include "lint/text.h"
+
+namespace zel::lint {
+
+namespace {
+
+// The word at the start of the text, behind blanks; it is taken.
+std::string_view take_word(std::string_view &text)
+{
+    std::size_t start = 0;
+    while (start < text.size() && is_blank(text[start]))
+        ++start;
+    std::size_t end = start;
+    while (end < text.size() && (is_word_byte(text[end]) || text[end] == '-'))
+        ++end;
+    const std::string_view word = text.substr(start, end - start);
+    text.remove_prefix(end);
+    return word;
+}
+
+} // namespace
+
+rule_set read_switches(const lang_entry_t *comment)
+{
+    constexpr std::string_view mark = "lint:";
+    std::string buffer;
+    std::string_view text = join(comment->texts, buffer);
+    rule_set off;
+    for (auto at = text.find(mark); at != std::string_view::npos; at = text.find(mark)) {
+        text.remove_prefix(at + mark.size());
+        const rule *named = find_rule(take_word(text));
+        if (named != nullptr && take_word(text) == "off")
+            off = off.with(named->id);
+    }
+    return off;
+}
+
+} // namespace zel::lint

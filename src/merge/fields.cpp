@@ -1,0 +1,98 @@
+#include "merge/fields.h"
+
+#include <cctype>
+#include <utility>
+
+namespace zel {
+
+namespace {
+
+// The bytes of a list's strings, one after another.
+class text_walk {
+public:
+    explicit text_walk(GList *texts) : node_(texts) { skip_to_byte(); }
+
+    bool at_end() const { return *at_ == '\0'; }
+    char byte() const { return *at_; }
+    void next()
+    {
+        ++at_;
+        skip_to_byte();
+    }
+
+    bool only_blanks() const
+    {
+        text_walk rest = *this;
+        while (!rest.at_end() && std::isspace(static_cast<unsigned char>(rest.byte())) != 0)
+            rest.next();
+        return rest.at_end();
+    }
+
+private:
+    void skip_to_byte()
+    {
+        while (*at_ == '\0' && node_ != nullptr) {
+            const auto *text = static_cast<const char *>(node_->data);
+            at_ = text == nullptr ? "" : text;
+            node_ = node_->next;
+        }
+    }
+
+    GList *node_;
+    const char *at_ = "";
+};
+
+// Both behind what they have in common.
+std::pair<text_walk, text_walk> behind_common(GList *a, GList *b)
+{
+    text_walk left(a);
+    text_walk right(b);
+    while (!left.at_end() && !right.at_end() && left.byte() == right.byte()) {
+        left.next();
+        right.next();
+    }
+    return {left, right};
+}
+
+} // namespace
+
+void append_texts(std::string &out, GList *texts)
+{
+    for (const char *text : each<char>(texts))
+        out += view_of(text);
+}
+
+field_value value_of(const lang_entry_t *entry)
+{
+    if (entry == nullptr)
+        return {};
+    field_value value{field_value::text, {}};
+    append_texts(value.shown, entry->texts);
+    return value;
+}
+
+bool same_strings(GList *a, GList *b)
+{
+    for (; a != nullptr && b != nullptr; a = a->next, b = b->next)
+        if (view_of(static_cast<char *>(a->data)) != view_of(static_cast<char *>(b->data)))
+            return false;
+    return a == b;
+}
+
+bool same_text(GList *a, GList *b)
+{
+    if (same_strings(a, b))
+        return true;
+    const auto [left, right] = behind_common(a, b);
+    return left.at_end() && right.at_end();
+}
+
+bool same_written_text(GList *a, GList *b)
+{
+    if (same_strings(a, b))
+        return true;
+    const auto [left, right] = behind_common(a, b);
+    return left.only_blanks() && right.only_blanks();
+}
+
+} // namespace zel

@@ -1,0 +1,180 @@
+#include "support/target-file.h"
+
+#include "support/file-call.h"
+#include "support/time.h"
+
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstring>
+#include <ctime>
+#include <fcntl.h>
+#include <string_view>
+#include <sys/xattr.h>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+// Where a link leads, seen from the folder that holds it. Empty when it cannot be read.
+std::string target_of_link(const std::string &link)
+{
+    std::array<char, PATH_MAX> text;
+    const ssize_t length = readlink(link.c_str(), text.data(), text.size());
+    if (length <= 0 || length == static_cast<ssize_t>(text.size()))
+        return {};
+    const std::string_view target(text.data(), static_cast<std::size_t>(length));
+    const std::size_t name = link.rfind('/') + 1; // 0 without a folder
+    return target.front() == '/' ? std::string(target) : link.substr(0, name).append(target);
+}
+
+// A chain without an end stays a link, which is refused.
+std::string follow_links(std::string path)
+{
+    constexpr int most_links = 40; // as many as the system follows
+    struct stat status {};
+    for (int count = 0; count < most_links; ++count) {
+        if (lstat(path.c_str(), &status) != 0 || !S_ISLNK(status.st_mode))
+            return path;
+        std::string next = target_of_link(path);
+        if (next.empty())
+            return path;
+        path = std::move(next);
+    }
+    return path;
+}
+
+// Others, such as those by which the system trusts a program, belong to the old contents.
+bool is_kept(std::string_view attribute)
+{
+    return attribute.starts_with("user.") || attribute == "system.posix_acl_access";
+}
+
+void copy_attribute(int fd, const char *path, const char *name)
+{
+    const ssize_t size = lgetxattr(path, name, nullptr, 0);
+    if (size < 0)
+        return;
+    std::vector<char> value(static_cast<std::size_t>(size) + 1);
+    const ssize_t got = lgetxattr(path, name, value.data(), value.size());
+    if (got >= 0)
+        static_cast<void>(fsetxattr(fd, name, value.data(), static_cast<std::size_t>(got), 0));
+}
+
+void copy_attributes(int fd, const char *path)
+{
+    const ssize_t size = llistxattr(path, nullptr, 0);
+    if (size <= 0)
+        return;
+    std::vector<char> names(static_cast<std::size_t>(size) + 1);
+    const ssize_t got = llistxattr(path, names.data(), names.size() - 1);
+    for (const char *name = names.data(); name < names.data() + got; name += std::strlen(name) + 1)
+        if (is_kept(name))
+            copy_attribute(fd, path, name);
+}
+
+// Renames, but never over something. 0 or errno.
+int rename_to_free(const char *from, const char *to)
+{
+    if (renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0)
+        return 0;
+    if (errno != EINVAL && errno != ENOSYS)
+        return errno;
+    if (zel::is_there(to)) // the best that can be done on such a file system
+        return EEXIST;
+    return std::rename(from, to) == 0 ? 0 : errno;
+}
+
+// 0, EEXIST when the name is taken, or errno.
+int keep_under(zel::backup_file &kept, const std::string &path)
+{
+    if (link(path.c_str(), kept.path.c_str()) == 0)
+        return 0;
+    if (errno == EEXIST)
+        return EEXIST;
+    const int error = rename_to_free(path.c_str(), kept.path.c_str());
+    kept.moved = error == 0;
+    return error;
+}
+
+void wait_for_next_second()
+{
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    usleep(static_cast<useconds_t>(1000 * 1000 - now.tv_nsec / 1000 + 1000));
+}
+
+} // namespace
+
+namespace zel {
+
+target_file find_target(const char *path, links how)
+{
+    target_file found;
+    found.path = how == links::follow ? follow_links(path) : path;
+    found.is_there = is_there(found.path.c_str());
+    struct stat status {};
+    if (!found.is_there || lstat(found.path.c_str(), &status) != 0)
+        return found;
+    if (S_ISREG(status.st_mode))
+        found.status = status;
+    else if (how == links::follow || !S_ISLNK(status.st_mode))
+        found.refusal = refusal_of(status);
+    return found;
+}
+
+void take_attributes(int fd, const target_file &old)
+{
+    struct stat now {};
+    if (!old.is_file() || fstat(fd, &now) != 0)
+        return;
+    mode_t mode = old.status.st_mode & 0777;
+    if (now.st_gid != old.status.st_gid &&
+        fchown(fd, static_cast<uid_t>(-1), old.status.st_gid) != 0)
+        mode &= ~static_cast<mode_t>(070) | (mode & 07) << 3;
+    if (now.st_uid != old.status.st_uid)
+        static_cast<void>(fchown(fd, old.status.st_uid, static_cast<gid_t>(-1)) == 0);
+    copy_attributes(fd, old.path.c_str());
+    static_cast<void>(fchmod(fd, mode) == 0);
+}
+
+std::string backup_name(const target_file &old, std::int64_t time)
+{
+    std::array<char, 64> stamp;
+    snprintf_date(stamp.data(), static_cast<int>(stamp.size()), "%Y-%m-%d-%H-%M-%S", time);
+    return old.path + "-" + stamp.data() + ".bak";
+}
+
+backup_file make_backup(const target_file &old, std::int64_t now)
+{
+    constexpr int most_waits = 5;
+    backup_file kept;
+    if (!old.is_there)
+        return kept;
+    const std::int64_t ahead = now - std::time(nullptr);
+    for (int waits = 0; waits <= most_waits; ++waits) {
+        if (waits > 0)
+            wait_for_next_second();
+        kept.path = backup_name(old, std::time(nullptr) + ahead);
+        kept.error = keep_under(kept, old.path);
+        if (kept.error != EEXIST)
+            break;
+    }
+    if (kept.error == ENOENT && !is_there(old.path.c_str()))
+        return {}; // gone meanwhile
+    return kept;
+}
+
+void undo_backup(const backup_file &kept, const target_file &old)
+{
+    struct stat status {};
+    if (kept.path.empty() || kept.error != 0)
+        return;
+    if (kept.moved)
+        rename_to_free(kept.path.c_str(), old.path.c_str());
+    else if (lstat(kept.path.c_str(), &status) == 0 && is_named(old.path.c_str(), id_of(status)))
+        unlink(kept.path.c_str());
+}
+
+} // namespace zel
