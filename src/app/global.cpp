@@ -1,9 +1,11 @@
 #include "app/global.h"
 
+#include "app/memory.h"
 #include "support/file-call.h"
 #include "support/log.h"
 #include "support/string-copy.h"
 #include "support/string.h"
+#include "support/text.h"
 
 #include <csignal>
 #include <cstdio>
@@ -73,14 +75,16 @@ void lang_global_init()
     lang_global.log_file = zel_strdup(log_path.c_str());
     open_log(log_path.c_str(), is_cut);
     lang_global.doc_base_dir = zel_strdup(data_directory().c_str());
-    lang_global.doc_dir = zel_strdup_printf("%s/doc", lang_global.doc_base_dir);
+    lang_global.doc_dir = zel_strdup_printf("%s/doc", zel::or_empty(lang_global.doc_base_dir));
 }
 
 const char *lang_get_home()
 {
     if (lang_home == nullptr) {
         const char *home = std::getenv("HOME");
-        lang_home = zel_strdup_printf("%s/%s", home == nullptr ? "" : home, home_name);
+        lang_home = zel_strdup_printf("%s/%s", zel::or_empty(home), home_name);
+        if (lang_home == nullptr)
+            zel::end_for_memory();
     }
     return lang_home;
 }

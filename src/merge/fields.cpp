@@ -1,6 +1,5 @@
 #include "merge/fields.h"
 
-#include <cctype>
 #include <utility>
 
 namespace zel {
@@ -23,7 +22,7 @@ public:
     bool only_blanks() const
     {
         text_walk rest = *this;
-        while (!rest.at_end() && std::isspace(static_cast<unsigned char>(rest.byte())) != 0)
+        while (!rest.at_end() && is_space(rest.byte()))
             rest.next();
         return rest.at_end();
     }
