@@ -11,6 +11,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <span>
+#include <utility>
+#include <vector>
 
 namespace zel::kit {
 
@@ -28,6 +30,7 @@ private:
     template <class T>
     void print_values(std::span<const field<T>> rows, const T &record, const T &fresh);
     void print_text(GList *texts);
+    const std::string &language(std::size_t at, std::string_view name);
     void print_entries(const char *before, GList *entries);
     void print_item(const edit_t &group, const item_t &item);
     void flush(std::size_t least)
@@ -40,6 +43,7 @@ private:
 
     const LangSource &source_;
     std::string out_;
+    std::vector<std::pair<std::string, std::string>> languages_; // names, and as they are printed
     const item_t fresh_item_ = fresh_record(alloc_item);
 };
 
@@ -81,11 +85,26 @@ void source_print::print_text(GList *texts)
 
 void source_print::print_entries(const char *before, GList *entries)
 {
+    std::size_t at = 0;
     for (const lang_entry_t *entry : each<lang_entry_t>(entries)) {
         out_ += before;
-        exchange::append_name(out_, name_of(*entry));
+        out_ += language(at++, name_of(*entry));
         print_text(entry->texts);
     }
+}
+
+// A language's name as it is printed. The items name the same ones in the same order.
+const std::string &source_print::language(std::size_t at, std::string_view name)
+{
+    if (at == languages_.size())
+        languages_.emplace_back();
+    auto &[known, printed] = languages_[at];
+    if (known != name) {
+        known = name;
+        printed.clear();
+        exchange::append_name(printed, name);
+    }
+    return printed;
 }
 
 void source_print::print_item(const edit_t &group, const item_t &item)

@@ -27,6 +27,7 @@ constexpr word table[] = {
     {"show", "SOURCE", "print a source as a text that is good to compare", run_show},
     {"merge", "[-o FILE] [--ours|--theirs] BASE OURS THEIRS",
      "merge two sources that come from one", run_merge},
+    {"git", "[--hook]", "set the current repository up for language sources", run_git},
 };
 
 void print_help()
