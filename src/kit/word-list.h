@@ -13,6 +13,7 @@ int run_diff(const word &self, int argc, char **argv);
 int run_show(const word &self, int argc, char **argv);
 int run_merge(const word &self, int argc, char **argv);
 int run_git(const word &self, int argc, char **argv);
+int run_pseudo(const word &self, int argc, char **argv);
 int run_start(const word &self, int argc, char **argv);
 
 } // namespace zel::kit

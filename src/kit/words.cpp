@@ -28,6 +28,8 @@ constexpr word table[] = {
     {"merge", "[-o FILE] [--ours|--theirs] BASE OURS THEIRS",
      "merge two sources that come from one", run_merge},
     {"git", "[--hook]", "set the current repository up for language sources", run_git},
+    {"pseudo", "[--name NAME] [--grow PERCENT] [-o FILE] SOURCE",
+     "make a language that shows what is not translated or does not fit", run_pseudo},
 };
 
 void print_help()
