@@ -14,55 +14,7 @@
 
 namespace {
 
-enum check_word {
-    WORD_GET_STRING = 20000,
-    WORD_TOOLTIP,
-    WORD_GET_STR,
-    WORD_GET,
-    WORD_SYM,
-    WORD_STOP,
-    WORD_START,
-    WORD_GET_INFO,
-    WORD_APP,
-    WORD_DEFINE
-};
-
-constexpr Keytab check_words[] = {
-    {nullptr, 0},
-    {"ZEL_LANGUAGE_CHECK_STOP", WORD_STOP},
-    {"ZEL_LANGUAGE_CHECK_START", WORD_START},
-    {"ZEL_LANGUAGE_APP", WORD_APP},
-    {"lang_get_info", WORD_GET_INFO}, // no request; ignored
-    {"lang_get_string", WORD_GET_STRING},
-    {"lang_get_str", WORD_GET_STR},
-    {"lang_get", WORD_GET},
-    {"lang_get_fmt", WORD_GET},
-    {"lang_sym", WORD_SYM},
-    {"lang_dummy", WORD_GET},
-    {"lang_tooltip", WORD_TOOLTIP},
-    {"define", WORD_DEFINE},
-    {nullptr, 0},
-};
-static_assert(WORD_DEFINE == 20009);
-
-constexpr unsigned check_flags = LEX_KEYWORD_NOCASE | LEX_ESCAPES | LEX_NEWLINE_SPACE;
-
-// How a request's arguments are read: what is passed over before them (one token, the parenthesis,
-// or everything through the first comma), and whether a symbol and a description come first.
-struct request_form {
-    int word;
-    int type; // of the item, 0 leaves it
-    bool skip_argument;
-    bool description;
-    bool symbol;
-};
-constexpr request_form request_forms[] = {
-    {WORD_GET_STRING, REQUEST_TEXT, false, false, false},
-    {WORD_TOOLTIP, REQUEST_TOOLTIP, false, false, false},
-    {WORD_GET_STR, REQUEST_TEXT, true, false, false},
-    {WORD_GET, 0, false, true, false},
-    {WORD_SYM, 0, false, true, true},
-};
+using namespace zel;
 
 constexpr std::size_t NAME_SIZE = 1024; // of a group, item or place, with the closing NUL
 constexpr std::size_t APP_SIZE = 2048;
@@ -388,8 +340,11 @@ int read_tokens(const scan &s, zel_lex_t *lex)
         zel::skip_plain_code(lex);
         const zel_token_t *token = zel_next_token(lex);
         const int kind = token->id;
-        if (kind == TOKEN_EOF)
+        if (kind == TOKEN_EOF) {
+            if (zel_lex_out_of_memory(lex) != 0)
+                zel::copy_failed(); // a request may have been lost
             return 0;
+        }
         if (kind == TOKEN_STRING && read_literals(s, lex, token) != 0)
             return -1;
         if (kind == '#')

@@ -16,6 +16,7 @@
 //
 // All messages go to standard output.
 
+#include "checker/request-form.h"
 #include "checker/symtab.h"
 #include "lex/lex.h"
 #include "source/model.h"
@@ -23,9 +24,6 @@
 namespace zel {
 class item_index;
 } // namespace zel
-
-// Values of a request's type (item_t::typ).
-enum { REQUEST_TEXT = 1, REQUEST_TOOLTIP = 2 };
 
 // Scans a file; items that are inserted are made at lang_global's start time. Ends the process when
 // the file cannot be opened. Returns 0.

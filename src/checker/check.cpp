@@ -3,23 +3,18 @@
 #include "app/argv.h"
 #include "app/global.h"
 #include "checker/c-scan.h"
+#include "checker/scan-tree.h"
 #include "source/group.h"
 #include "source/item-index.h"
 #include "source/lang-read.h"
 #include "source/lang-write.h"
-#include "support/file-call.h"
-#include "support/gen_path.h"
 #include "support/log-print.h"
 #include "support/string-copy.h"
 #include "support/time.h"
 
-#include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <ctime>
 #include <string>
-#include <string_view>
-#include <vector>
 
 namespace {
 
@@ -33,105 +28,17 @@ constexpr argv_tab_t check_options[] = {
     {"-r", OPTION_RECURSIVE}, {"help", OPTION_HELP},       {nullptr, 0},
 };
 
-// Which files of a tree are scanned.
-constexpr std::string_view scanned_endings[] = {".c", ".h", ".scr", ".kvo-signals"};
-constexpr std::string_view scanned_names[] = {"kvo-hotkeys",      "pad-hotkeys",
-                                              "tool-hotkeys",     "page-index-script",
-                                              "job-index-script", "modes-list"};
-
-bool is_scanned(std::string_view name)
+void say_not_opened(const char *directory)
 {
-    return std::any_of(std::begin(scanned_endings), std::end(scanned_endings),
-                       [&](std::string_view ending) { return name.ends_with(ending); }) ||
-           std::find(std::begin(scanned_names), std::end(scanned_names), name) !=
-               std::end(scanned_names);
-}
-
-// ---- Directory trees
-
-struct file_id {
-    dev_t device;
-    ino_t number;
-    bool operator==(const file_id &) const = default;
-};
-
-struct walk {
-    zel::item_index &index;
-    std::int64_t now;          // the creation time of inserted items
-    std::vector<file_id> open; // the directories from the start of the walk down to this one
-};
-
-struct directory_release {
-    void operator()(GDir *directory) const noexcept { g_dir_close(directory); }
-};
-using directory_guard = std::unique_ptr<GDir, directory_release>;
-
-int search_directory(walk &w, const char *directory);
-
-int step_down(walk &w, const char *path, file_id id)
-{
-    // A link back up the tree.
-    if (std::find(w.open.begin(), w.open.end(), id) != w.open.end())
-        return 0;
-    LogPrint(1, "_check_rec: step down >%s<\n", path);
-    w.open.push_back(id);
-    const int result = search_directory(w, path);
-    w.open.pop_back();
-    LogPrint(1, "_check_rec: step up >%s<\n", path);
-    return result;
-}
-
-int search_entry(walk &w, const char *path, const char *name)
-{
-    struct stat status;
-    const bool known = zel_stat(path, &status) == 0;
-    if (known && S_ISDIR(status.st_mode))
-        return step_down(w, path, {status.st_dev, status.st_ino});
-    LogPrint(1, "_check_rec: check file >%s<>%s<\n", path, name);
-    // Pipes and devices are no sources, and reading one might not end. What has no status (a link
-    // that leads nowhere) is left to the scan to complain about.
-    if (!is_scanned(name) || (known && !S_ISREG(status.st_mode)))
-        return 0;
-    return zel::check_file(w.index, path, w.now);
-}
-
-int search_directory(walk &w, const char *directory)
-{
-    LogPrint(1, "_check_rec: entry >%s<\n", directory);
-    const directory_guard entries(g_dir_open(directory, 0, nullptr));
-    if (entries == nullptr) {
-        LogPrint(1, "_check_rec: ERROR(1) open >%s<\n", directory);
-        std::printf("_check_rec: ERROR(1) open >%s<\n", directory);
-        return 0;
-    }
-    std::string path;
-    while (const char *name = g_dir_read_name(entries.get())) { // never "." and ".."
-        path.assign(std::strlen(directory) + std::strlen(name) + 4, '\0');
-        gen_path(path.data(), 0, directory, name, nullptr);
-        if (search_entry(w, path.c_str(), name) != 0)
-            return -1;
-    }
-    LogPrint(1, "_check_rec: exit(2)  >%s<\n", directory);
-    return 0;
-}
-
-int check_directory(zel::item_index &index, const char *directory, std::int64_t now)
-{
-    walk w{index, now, {}};
-    struct stat status;
-    if (zel_stat(directory, &status) == 0)
-        w.open.push_back({status.st_dev, status.st_ino});
-    return search_directory(w, directory);
+    std::printf("_check_rec: ERROR(1) open >%s<\n", directory);
 }
 
 int check_path(zel::item_index &index, const char *path, std::int64_t now)
 {
     LogPrint(1, "check: check directory >%s<\n", path);
     std::printf("check: check directory >%s<\n", path);
-    struct stat status;
-    const bool is_file = zel_stat(path, &status) == 0 && S_ISREG(status.st_mode);
-    const int result =
-        is_file ? zel::check_file(index, path, now) : check_directory(index, path, now);
+    const int result = scan_path(
+        path, {[&](const char *file) { return check_file(index, file, now); }, say_not_opened});
     LogPrint(1, "check: free\n");
     return result;
 }
@@ -218,7 +125,10 @@ void check_usage()
 int _check_rec(LangSource *root, const char *directory)
 {
     zel::item_index index(root);
-    if (check_directory(index, directory, lang_global.start_time) != 0)
+    const auto check = [&](const char *file) {
+        return zel::check_file(index, file, lang_global.start_time);
+    };
+    if (zel::scan_directory(directory, {check, say_not_opened}) != 0)
         lang_exit(0);
     return 0;
 }
@@ -239,6 +149,7 @@ check_result run_check(int count, char **words, std::int64_t now)
         return check_result::ended;
     }
 
+    const unsigned failed_before = failed_copies();
     source_guard source;
     bool begun = false;
     const check_result result = read_or_begin(path.get(), now, source, begun);
@@ -249,6 +160,10 @@ check_result run_check(int count, char **words, std::int64_t now)
     clear_all_used(source.get());
     if (!scan_paths(source.get(), count, words, now))
         return check_result::ended;
+    if (failed_copies() != failed_before) {
+        std::fprintf(stderr, "check: not enough memory, %s is as it was\n", path.get());
+        return check_result::failed;
+    }
     LogPrint(1, "check: write file\n");
     write_how how;
     how.now = std::time(nullptr);

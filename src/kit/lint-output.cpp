@@ -139,8 +139,12 @@ public:
             out.append(separator).append("{\"id\": \"").append(rule.name);
             out += "\", \"shortDescription\": {\"text\": ";
             append_json(out, rule.meaning);
-            out.append("}, \"defaultConfiguration\": {\"level\": \"").append(level(rule));
-            out += "\"}}";
+            out += "}, \"fullDescription\": {\"text\": ";
+            append_json(out, rule.meaning);
+            out.append("}, \"help\": {\"text\": \"A comment \\\"lint: ").append(rule.name);
+            out += " off\\\" of an item in a language switches the rule off there.\"}, "
+                   "\"defaultConfiguration\": {\"level\": \"";
+            out.append(level(rule)).append("\"}}");
             separator = ",\n";
         }
         out += "\n]}},\n\"columnKind\": \"unicodeCodePoints\",\n\"results\": [";

@@ -1,5 +1,8 @@
 #include "kit/lint-run.h"
 
+#include "checker/adjacent.h"
+#include "checker/scan-tree.h"
+#include "kit/output.h"
 #include "kit/progress.h"
 #include "kit/sources.h"
 #include "lint/conflict.h"
@@ -17,6 +20,21 @@ namespace {
 bool is_before(place a, place b)
 {
     return a.line != b.line ? a.line < b.line : a.column < b.column;
+}
+
+// What such a request means for the application.
+std::string message_of(const adjacent_request &found)
+{
+    const std::string whole = shown(found.whole);
+    switch (found.of) {
+    case piece::item:
+        return "the application asks for " + whole + ", of which only " + shown(found.read) +
+               " is read: write it in one piece, or as lang_get";
+    case piece::group:
+        return "the group " + whole + " is in pieces, so the request is not read";
+    default:
+        return "the description " + whole + " is in pieces, so the request is not read";
+    }
 }
 
 } // namespace
@@ -93,6 +111,33 @@ void lint_source::judge(const lint::choice &wanted, const shown_listener &to) co
             [&](const item_t *) { watched.at(++done); });
     }
     tell_until({UINT32_MAX, 0});
+}
+
+bool judge_code(const std::vector<std::string> &paths, const shown_listener &to)
+{
+    bool good = true;
+    const auto complain = [&](const char *path) {
+        std::fprintf(stderr, "lang-kit: %s: cannot be read\n", path);
+        good = false;
+    };
+    const auto tell = [&](const adjacent_request &found) {
+        const bool item = found.of == piece::item;
+        to({found.path,
+            {found.line, found.column},
+            lint::rule_id::adjacent,
+            found.group.empty() ? nullptr : found.group.c_str(),
+            item ? found.whole.c_str() : nullptr,
+            nullptr,
+            message_of(found)});
+    };
+    const auto scan = [&](const char *file) {
+        if (!find_adjacent(file, tell))
+            complain(file);
+        return 0;
+    };
+    for (const std::string &path : paths)
+        scan_path(path.c_str(), {scan, complain});
+    return good;
 }
 
 } // namespace zel::kit

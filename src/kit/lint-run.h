@@ -46,4 +46,9 @@ private:
     std::vector<early> syntax_;
 };
 
+// Looks through the code below the paths, files and folders as the check takes them, for requests
+// in pieces: the rule "adjacent". False after a line on standard error for each path or file that
+// cannot be read.
+bool judge_code(const std::vector<std::string> &paths, const shown_listener &to);
+
 } // namespace zel::kit

@@ -75,22 +75,85 @@ bool choose(const word &self, const settings &given, lint::choice &wanted)
     return true;
 }
 
+// The sources and the code that were judged, and what came of it.
+class run {
+public:
+    run(const lint::choice &wanted, lint_output &output) : wanted_(wanted), output_(output) {}
+
+    void judge(const std::string &path)
+    {
+        lint_source source;
+        if (!source.read(path)) {
+            unreadable_ = true;
+            return;
+        }
+        ++files_;
+        source.judge(wanted_, [this](const shown_finding &one) { add(one); });
+        for (const std::string &name : wanted_.languages)
+            if (source.source() == nullptr || lint::defines_language(source.source(), name))
+                defined_.push_back(name);
+    }
+    void judge(const std::vector<std::string> &code)
+    {
+        if (wanted_.rules.has(lint::rule_id::adjacent) &&
+            !judge_code(code, [this](const shown_finding &one) { add(one); }))
+            unreadable_ = true;
+    }
+    // False after a line for the first language that no source defines: most likely a slip.
+    bool knows_languages(const word &self) const
+    {
+        for (const std::string &name : wanted_.languages)
+            if (files_ != 0 &&
+                std::find(defined_.begin(), defined_.end(), name) == defined_.end()) {
+                wrong_use(self, "no source defines the language \"" + name + "\"");
+                return false;
+            }
+        return true;
+    }
+    int end(level fail_on)
+    {
+        output_.end();
+        print_counts(found_, files_);
+        return unreadable_ ? status_fault : found_.any_from(fail_on) ? status_found : status_fine;
+    }
+
+private:
+    void add(const shown_finding &one)
+    {
+        ++found_[lint::rule_of(one.rule).severity];
+        output_.add(one);
+    }
+
+    const lint::choice &wanted_;
+    lint_output &output_;
+    counts found_;
+    std::size_t files_ = 0;
+    bool unreadable_ = false;
+    std::vector<std::string> defined_; // of the wanted languages
+};
+
+std::vector<option> options_for(settings &given)
+{
+    return {
+        {"format", "NAME", "text, json, sarif or github (text)", nullptr, &given.format},
+        {"fail-on", "LEVEL", "status 1 from this level on: error, warning or info (error)", nullptr,
+         &given.fail_on},
+        {"only", "RULE,...", "only these rules", nullptr, nullptr, &given.only, true},
+        {"without", "RULE,...", "all rules but these", nullptr, nullptr, &given.without, true},
+        {"language", "NAME", "only what concerns this language; may be given again", nullptr,
+         nullptr, &given.languages},
+        {"code", "PATH", "look through this code too, for \"adjacent\"; may be given again",
+         nullptr, nullptr, &given.code},
+        {"rules", nullptr, "list the rules with their levels and end", &given.rules},
+    };
+}
+
 } // namespace
 
 int run_lint(const word &self, int argc, char **argv)
 {
     settings given;
-    const parsed line = parse(
-        self, argc, argv,
-        {{"format", "NAME", "text, json, sarif or github (text)", nullptr, &given.format},
-         {"fail-on", "LEVEL", "status 1 from this level on: error, warning or info (error)",
-          nullptr, &given.fail_on},
-         {"only", "RULE,...", "only these rules", nullptr, nullptr, &given.only, true},
-         {"without", "RULE,...", "all rules but these", nullptr, nullptr, &given.without, true},
-         {"language", "NAME", "only what concerns this language; may be given again", nullptr,
-          nullptr, &given.languages},
-         {"rules", nullptr, "list the rules with their levels and end", &given.rules}},
-        0, SIZE_MAX);
+    const parsed line = parse(self, argc, argv, options_for(given), 0, SIZE_MAX);
     if (line.ends)
         return line.status;
     if (given.rules) {
@@ -105,26 +168,12 @@ int run_lint(const word &self, int argc, char **argv)
     if (line.files.empty())
         return wrong_use(self, std::string("a file is missing: lang-kit lint ") + self.arguments);
     const std::unique_ptr<lint_output> output = make_lint_output(format);
-    counts found;
-    bool unreadable = false;
-    std::size_t files = 0;
-    for (const std::string &path : line.files) {
-        lint_source source;
-        if (!source.read(path)) {
-            unreadable = true;
-            continue;
-        }
-        ++files;
-        source.judge(wanted, [&](const shown_finding &one) {
-            ++found[lint::rule_of(one.rule).severity];
-            output->add(one);
-        });
-    }
-    output->end();
-    print_counts(found, files);
-    if (unreadable)
-        return status_fault;
-    return found.any_from(static_cast<level>(fail_on)) ? status_found : status_fine;
+    run judged(wanted, *output);
+    for (const std::string &path : line.files)
+        judged.judge(path);
+    judged.judge(given.code);
+    const int status = judged.end(static_cast<level>(fail_on));
+    return judged.knows_languages(self) ? status : status_fault;
 }
 
 } // namespace zel::kit

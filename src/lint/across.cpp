@@ -3,6 +3,7 @@
 #include "lint/mnemonics.h"
 #include "support/hash-index.h"
 
+#include <algorithm>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -172,20 +173,25 @@ void across::begin_group(const edit_t *group)
     state_->group = group;
 }
 
-// More texts with a key than a window has letters for are not seen together.
+// A group of more texts with a key than a window has letters for, or one in which the reference
+// uses used_keys twice, is no window: those of several menus do.
 bool across::state::may_be_window(const LangSource *source)
 {
     constexpr std::size_t most = 20;
     if (window == is_window::unknown) {
-        std::size_t marked_texts = 0;
+        std::vector<char32_t> used_keys;
         std::string buffer;
         for (const item_t *item : each<item_t>(group->items)) {
             const std::string_view text = first_text(item, source->default_lang, buffer);
-            if (item->used != 0 &&
-                read_mnemonics(text.empty() ? name_of(item->name) : text).count == 1)
-                ++marked_texts;
+            const mnemonics own = read_mnemonics(text.empty() ? name_of(item->name) : text);
+            if (item->used != 0 && own.count == 1)
+                used_keys.push_back(own.key);
         }
-        window = marked_texts <= most ? is_window::yes : is_window::no;
+        std::sort(used_keys.begin(), used_keys.end());
+        std::size_t twice = 0;
+        for (std::size_t i = 1; i < used_keys.size(); ++i)
+            twice += used_keys[i] == used_keys[i - 1] ? 1U : 0U;
+        window = used_keys.size() <= most && twice <= 1 ? is_window::yes : is_window::no;
     }
     return window == is_window::yes;
 }

@@ -638,11 +638,12 @@ read_answer read_source(const char *path, const read_how &how)
             result = outcome::give_up;
             cause = read_cause::unreadable;
             number = read_not_opened;
-        } else if (result != outcome::stop &&
-                   (failed_copies() != failed_before || zel_lex_out_of_memory(lex.get()) != 0)) {
-            result = outcome::give_up;
+        } else if (failed_copies() != failed_before || zel_lex_out_of_memory(lex.get()) != 0) {
             cause = read_cause::memory;
-            number = read_not_opened;
+            if (result == outcome::go_on) {
+                result = outcome::give_up;
+                number = read_not_opened;
+            }
         }
     }
     if (result == outcome::go_on) {

@@ -1,0 +1,119 @@
+#include "checker/scan-tree.h"
+
+#include "support/file-call.h"
+#include "support/gen_path.h"
+#include "support/log-print.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <glib.h>
+
+namespace zel {
+
+namespace {
+
+// Which files of a tree are scanned.
+constexpr std::string_view scanned_endings[] = {".c", ".h", ".scr", ".kvo-signals"};
+constexpr std::string_view scanned_names[] = {"kvo-hotkeys",      "pad-hotkeys",
+                                              "tool-hotkeys",     "page-index-script",
+                                              "job-index-script", "modes-list"};
+
+bool is_scanned(std::string_view name)
+{
+    return std::any_of(std::begin(scanned_endings), std::end(scanned_endings),
+                       [&](std::string_view ending) { return name.ends_with(ending); }) ||
+           std::find(std::begin(scanned_names), std::end(scanned_names), name) !=
+               std::end(scanned_names);
+}
+
+// ---- Directory trees
+
+struct file_id {
+    dev_t device;
+    ino_t number;
+    bool operator==(const file_id &) const = default;
+};
+
+struct walk {
+    const tree_scan &to;
+    std::vector<file_id> open; // the directories from the start of the walk down to this one
+};
+
+struct directory_release {
+    void operator()(GDir *directory) const noexcept { g_dir_close(directory); }
+};
+using directory_guard = std::unique_ptr<GDir, directory_release>;
+
+int search_directory(walk &w, const char *directory);
+
+int step_down(walk &w, const char *path, file_id id)
+{
+    // A link back up the tree.
+    if (std::find(w.open.begin(), w.open.end(), id) != w.open.end())
+        return 0;
+    LogPrint(1, "_check_rec: step down >%s<\n", path);
+    w.open.push_back(id);
+    const int result = search_directory(w, path);
+    w.open.pop_back();
+    LogPrint(1, "_check_rec: step up >%s<\n", path);
+    return result;
+}
+
+int search_entry(walk &w, const char *path, const char *name)
+{
+    struct stat status;
+    const bool known = zel_stat(path, &status) == 0;
+    if (known && S_ISDIR(status.st_mode))
+        return step_down(w, path, {status.st_dev, status.st_ino});
+    LogPrint(1, "_check_rec: check file >%s<>%s<\n", path, name);
+    // Pipes and devices are no sources, and reading one might not end. What has no status (a link
+    // that leads nowhere) is left to the scan to complain about.
+    if (!is_scanned(name) || (known && !S_ISREG(status.st_mode)))
+        return 0;
+    return w.to.scan(path);
+}
+
+int search_directory(walk &w, const char *directory)
+{
+    LogPrint(1, "_check_rec: entry >%s<\n", directory);
+    const directory_guard entries(g_dir_open(directory, 0, nullptr));
+    if (entries == nullptr) {
+        LogPrint(1, "_check_rec: ERROR(1) open >%s<\n", directory);
+        w.to.not_opened(directory);
+        return 0;
+    }
+    std::string path;
+    while (const char *name = g_dir_read_name(entries.get())) { // never "." and ".."
+        path.assign(std::strlen(directory) + std::strlen(name) + 4, '\0');
+        gen_path(path.data(), 0, directory, name, nullptr);
+        if (const int result = search_entry(w, path.c_str(), name); result != 0)
+            return result;
+    }
+    LogPrint(1, "_check_rec: exit(2)  >%s<\n", directory);
+    return 0;
+}
+
+} // namespace
+
+int scan_directory(const char *directory, const tree_scan &to)
+{
+    walk w{to, {}};
+    struct stat status;
+    if (zel_stat(directory, &status) == 0)
+        w.open.push_back({status.st_dev, status.st_ino});
+    return search_directory(w, directory);
+}
+
+int scan_path(const char *path, const tree_scan &to)
+{
+    struct stat status;
+    const bool is_file = zel_stat(path, &status) == 0 && S_ISREG(status.st_mode);
+    return is_file ? to.scan(path) : scan_directory(path, to);
+}
+
+} // namespace zel

@@ -1,0 +1,19 @@
+#pragma once
+
+// Which files of a tree are scanned for requests: C sources and headers, scripts and configuration
+// files, by their names. Links are followed, but not to a directory that is being searched already.
+
+#include <functional>
+
+namespace zel {
+
+struct tree_scan {
+    std::function<int(const char *file)> scan; // anything but 0 ends the search and is its result
+    std::function<void(const char *directory)> not_opened; // it is logged, and passed over
+};
+
+// A path that is a regular file is scanned whatever its name; any other is searched as a directory.
+int scan_path(const char *path, const tree_scan &to);
+int scan_directory(const char *directory, const tree_scan &to);
+
+} // namespace zel
