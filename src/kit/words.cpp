@@ -22,6 +22,14 @@ constexpr word table[] = {
      "hand the texts out in another format", run_export},
     {"import", "--format FORMAT [--comments] [--dry-run] [-o FILE] SOURCE FILE...",
      "take texts in from files of another format", run_import},
+    {"diff", "[--format text|json] [--places] OLD NEW",
+     "what differs between two sources, by meaning", run_diff},
+    {"show", "SOURCE", "print a source as a text that is good to compare", run_show},
+    {"merge", "[-o FILE] [--ours|--theirs] BASE OURS THEIRS",
+     "merge two sources that come from one", run_merge},
+    {"git", "[--hook]", "set the current repository up for language sources", run_git},
+    {"pseudo", "[--name NAME] [--grow PERCENT] [-o FILE] SOURCE",
+     "make a language that shows what is not translated or does not fit", run_pseudo},
 };
 
 void print_help()
