@@ -1,10 +1,21 @@
-# What an installation holds beside the program and the library.
+# What an installation holds beside the library.
+
+install(TARGETS lang lang-kit RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(TARGETS lang_editor_module LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/lang)
 
 install(FILES data/man/lang.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES data/completion/lang.bash RENAME lang
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
+install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs
+        FILES_MATCHING PATTERN *.md PATTERN *.png
+        PATTERN architecture.md EXCLUDE PATTERN decisions.md EXCLUDE)
+install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
+        PATTERN *.sh EXCLUDE)
+install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
+        FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE
+                         WORLD_READ WORLD_EXECUTE
+        FILES_MATCHING PATTERN *.sh)
 
 # What the editor looks for: the manual and the icon; and what makes the desktop find the editor.
 install(FILES data/doc/lang.pdf DESTINATION ${CMAKE_INSTALL_DATADIR}/lang/doc)
@@ -15,3 +26,8 @@ install(FILES data/icons/lang-editor.svg
         DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
 install(FILES data/lang-editor.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES data/lang-source.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages)
+
+if(PROJECT_IS_TOP_LEVEL)
+  add_custom_target(uninstall COMMAND ${CMAKE_COMMAND} -D MANIFEST=${PROJECT_BINARY_DIR}/install_manifest.txt
+                                      -P ${CMAKE_CURRENT_LIST_DIR}/uninstall.cmake VERBATIM)
+endif()

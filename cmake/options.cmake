@@ -5,7 +5,19 @@ target_compile_features(lang_options INTERFACE cxx_std_20)
 target_compile_options(lang_options INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow
   $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions>)
-target_include_directories(lang_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
+# GCC 12 takes a literal before a string for a copy onto itself when it optimises fully.
+target_compile_options(lang_options INTERFACE
+  $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>)
+target_include_directories(lang_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
+
+# No path of the machine that builds, so that two build folders give the same bits; what a debugger
+# reads keeps them, or it would not find the sources.
+target_compile_options(lang_options INTERFACE
+  $<IF:$<CONFIG:Debug>,-fmacro-prefix-map,-ffile-prefix-map>=${PROJECT_SOURCE_DIR}/=
+  $<IF:$<CONFIG:Debug>,-fmacro-prefix-map,-ffile-prefix-map>=${PROJECT_BINARY_DIR}/=build/)
+
+# The table of what is called in libraries is filled at the start and then read-only.
+target_link_options(lang_options INTERFACE LINKER:-z,relro LINKER:-z,now LINKER:--as-needed)
 
 if(LANG_SANITIZE)
   add_compile_options(-fsanitize=${LANG_SANITIZE} -fno-sanitize-recover=all

@@ -33,10 +33,12 @@ echo "== compile"
 "$lang" compile -dst-dir . tea.lang-src
 
 echo "== build"
-# Unquoted: each is a list of options.
-${CC:-cc} -std=c99 -Wall -Wextra -Wpedantic -Werror ${CFLAGS:-} $(pkg-config --cflags lang) \
-    -o tea tea.c ${LDFLAGS:-} $(pkg-config --libs lang)
-LD_LIBRARY_PATH=$(pkg-config --variable=libdir lang)${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}
+# Each is a list of options; pkg-config writes them for a shell to read, which matters where the
+# library lies below a folder with a blank in its name.
+eval "${CC:-cc} -std=c99 -Wall -Wextra -Wpedantic -Werror ${CFLAGS:-} $(pkg-config --cflags lang) \
+    -o tea tea.c ${LDFLAGS:-} $(pkg-config --libs lang)"
+eval "libdir=$(pkg-config --variable=libdir lang)"
+LD_LIBRARY_PATH=$libdir${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}
 export LD_LIBRARY_PATH
 
 for language in english german japanese; do

@@ -1,9 +1,11 @@
 #include "app/global.h"
 
+#include "app/memory.h"
 #include "support/file-call.h"
 #include "support/log.h"
 #include "support/string-copy.h"
 #include "support/string.h"
+#include "support/text.h"
 
 #include <csignal>
 #include <cstdio>
@@ -22,15 +24,15 @@ constexpr std::size_t log_path_size = 2048; // with the NUL; a longer path is cu
 
 char *lang_home;
 
-// True while the program runs from the tree that it was built in.
-bool runs_from_build_tree()
+// Beside the program, as it is built, or from there to the data directory, as it is installed.
+std::string data_directory()
 {
-    std::error_code error;
-    const std::string program = std::filesystem::read_symlink("/proc/self/exe", error);
-    if (error)
-        return false;
-    const std::string tree = std::filesystem::weakly_canonical(LANG_BUILD_DIR, error);
-    return !error && program.starts_with(tree + "/");
+    const std::string program = zel::program_directory();
+    std::error_code ignored;
+    const std::string built = program + "lang-data";
+    if (std::filesystem::exists(built, ignored))
+        return built;
+    return std::filesystem::path(program + LANG_DATA_FROM_PROGRAM).lexically_normal();
 }
 
 // Opens the program log, unless its path had to be cut: a cut path is another one.
@@ -54,6 +56,13 @@ void clear_record()
 
 } // namespace
 
+std::string zel::program_directory()
+{
+    std::error_code ignored;
+    const std::string program = std::filesystem::read_symlink("/proc/self/exe", ignored);
+    return program.substr(0, program.rfind('/') + 1);
+}
+
 void lang_global_init()
 {
     clear_record();
@@ -65,16 +74,17 @@ void lang_global_init()
         log_path.resize(log_path_size - 1);
     lang_global.log_file = zel_strdup(log_path.c_str());
     open_log(log_path.c_str(), is_cut);
-    lang_global.doc_base_dir =
-        zel_strdup(runs_from_build_tree() ? LANG_SOURCE_DATA_DIR : LANG_DATA_DIR);
-    lang_global.doc_dir = zel_strdup_printf("%s/doc", lang_global.doc_base_dir);
+    lang_global.doc_base_dir = zel_strdup(data_directory().c_str());
+    lang_global.doc_dir = zel_strdup_printf("%s/doc", zel::or_empty(lang_global.doc_base_dir));
 }
 
 const char *lang_get_home()
 {
     if (lang_home == nullptr) {
         const char *home = std::getenv("HOME");
-        lang_home = zel_strdup_printf("%s/%s", home == nullptr ? "" : home, home_name);
+        lang_home = zel_strdup_printf("%s/%s", zel::or_empty(home), home_name);
+        if (lang_home == nullptr)
+            zel::end_for_memory();
     }
     return lang_home;
 }

@@ -4,6 +4,7 @@
 // process from inside a job.
 
 #include <cstdint>
+#include <string>
 
 struct _GtkWidget;
 
@@ -50,6 +51,12 @@ void lang_global_init();
 // "%s/%s" of HOME and "Morvalix 6.00", computed once; lang_home_free drops the cached string.
 const char *lang_get_home();
 void lang_home_free();
+
+// The directory of the running program, with its final "/"; empty when the system does not tell.
+// What belongs to the program is found from there, so that an installed tree may be moved.
+namespace zel {
+std::string program_directory();
+}
 
 // Ends the process with the status. Only operations that are said to end it call this, each beside
 // one that answers instead.

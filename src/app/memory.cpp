@@ -48,16 +48,11 @@ bool grow_heap(int size)
 const char *program_name = "";
 int end_status;
 
-void end_for_new()
+void handle_glib_message(const char *domain, GLogLevelFlags level, const char *text, void *data)
 {
-    std::fflush(stdout);
-    for (const std::string_view part : {std::string_view(program_name), ": not enough memory\n"sv})
-        static_cast<void>(!write(STDERR_FILENO, part.data(), part.size()));
-    _exit(end_status);
+    zel::end_on_glib_error(level);
+    g_log_default_handler(domain, level, text, data);
 }
-
-// The only error that GLib itself ends a process for, in what the program asks of it.
-void end_for_glib(const char *, GLogLevelFlags, const char *, void *) { end_for_new(); }
 
 // GLib's allocator of small pieces says what it lacks and aborts. Any other abort goes on as usual.
 void end_for_abort(int)
@@ -98,14 +93,28 @@ void end_without_memory(const char *program, int status)
 {
     program_name = program;
     end_status = status;
-    std::set_new_handler(end_for_new);
+    std::set_new_handler(end_for_memory);
     struct sigaction action {};
     action.sa_handler = end_for_abort;
     action.sa_flags = static_cast<int>(SA_RESETHAND);
     sigaction(SIGABRT, &action, nullptr);
-    const auto fatal =
-        static_cast<GLogLevelFlags>(G_LOG_LEVEL_ERROR | G_LOG_FLAG_FATAL | G_LOG_FLAG_RECURSION);
-    g_log_set_handler("GLib", fatal, end_for_glib, nullptr);
+    // Not g_log_set_handler, which takes memory while GLib holds the lock that its error waits for.
+    g_log_set_default_handler(handle_glib_message, nullptr);
+}
+
+void end_for_memory()
+{
+    std::fflush(stdout);
+    for (const std::string_view part : {std::string_view(program_name), ": not enough memory\n"sv})
+        static_cast<void>(!write(STDERR_FILENO, part.data(), part.size()));
+    _exit(end_status);
+}
+
+// The only error that GLib itself ends a process for, in what the program asks of it.
+void end_on_glib_error(int level)
+{
+    if ((level & G_LOG_LEVEL_ERROR) != 0)
+        end_for_memory();
 }
 
 } // namespace zel

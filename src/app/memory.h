@@ -11,4 +11,11 @@ void prepare_heap();
 // on standard error that names it, before anything more is written. The name is kept, not copied.
 void end_without_memory(const char *program, int status);
 
+// Does so now.
+[[noreturn]] void end_for_memory();
+
+// For whoever replaces GLib's default handler, with the level of a message: ends the program as
+// above where GLib would abort it.
+void end_on_glib_error(int level);
+
 } // namespace zel

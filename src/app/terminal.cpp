@@ -1,7 +1,8 @@
 #include "app/terminal.h"
 
+#include "support/file-call.h"
+
 #include <array>
-#include <cerrno>
 #include <cstdint>
 #include <cstdio>
 #include <fcntl.h>
@@ -41,16 +42,7 @@ std::string escaped(std::string_view text)
 ssize_t write_escaped(void *cookie, const char *data, std::size_t size)
 {
     const int file = static_cast<int>(reinterpret_cast<std::intptr_t>(cookie));
-    const std::string text = escaped({data, size});
-    for (std::size_t done = 0; done < text.size();) {
-        const ssize_t written = write(file, text.data() + done, text.size() - done);
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            return 0;
-        done += static_cast<std::size_t>(written);
-    }
-    return static_cast<ssize_t>(size);
+    return zel::write_all(file, escaped({data, size})) == 0 ? static_cast<ssize_t>(size) : 0;
 }
 
 void escape_on_terminal(std::FILE *&stream, int file, int buffering)

@@ -340,8 +340,11 @@ int read_tokens(const scan &s, zel_lex_t *lex)
         zel::skip_plain_code(lex);
         const zel_token_t *token = zel_next_token(lex);
         const int kind = token->id;
-        if (kind == TOKEN_EOF)
+        if (kind == TOKEN_EOF) {
+            if (zel_lex_out_of_memory(lex) != 0)
+                zel::copy_failed(); // a request may have been lost
             return 0;
+        }
         if (kind == TOKEN_STRING && read_literals(s, lex, token) != 0)
             return -1;
         if (kind == '#')

@@ -149,6 +149,7 @@ check_result run_check(int count, char **words, std::int64_t now)
         return check_result::ended;
     }
 
+    const unsigned failed_before = failed_copies();
     source_guard source;
     bool begun = false;
     const check_result result = read_or_begin(path.get(), now, source, begun);
@@ -159,6 +160,10 @@ check_result run_check(int count, char **words, std::int64_t now)
     clear_all_used(source.get());
     if (!scan_paths(source.get(), count, words, now))
         return check_result::ended;
+    if (failed_copies() != failed_before) {
+        std::fprintf(stderr, "check: not enough memory, %s is as it was\n", path.get());
+        return check_result::failed;
+    }
     LogPrint(1, "check: write file\n");
     write_how how;
     how.now = std::time(nullptr);

@@ -1,8 +1,8 @@
 #include "cli/editor-module.h"
 
+#include "app/global.h"
 #include "editor/edit-start.h"
 
-#include <array>
 #include <clocale>
 #include <cstdio>
 #include <cstring>
@@ -14,23 +14,14 @@ namespace {
 
 constexpr const char *module_name = "lang-editor.so";
 
-// The directory of the running program, with its final "/"; empty when the system does not tell.
-std::string program_directory()
-{
-    std::array<char, 4096> path{};
-    const ssize_t length = readlink("/proc/self/exe", path.data(), path.size() - 1);
-    const std::string program(path.data(), length > 0 ? static_cast<std::size_t>(length) : 0);
-    return program.substr(0, program.rfind('/') + 1);
-}
-
 // Beside the program, as it is built, or in the library directory, as it is installed.
 void *load_module()
 {
-    const std::string directory = program_directory();
+    const std::string directory = zel::program_directory();
     const std::string built = directory + module_name;
     if (access(built.c_str(), F_OK) == 0)
         return dlopen(built.c_str(), RTLD_NOW);
-    const std::string installed = directory + LANG_MODULE_DIR + "/" + module_name;
+    const std::string installed = directory + LANG_MODULE_FROM_PROGRAM + "/" + module_name;
     return dlopen(installed.c_str(), RTLD_NOW);
 }
 

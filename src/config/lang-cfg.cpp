@@ -100,24 +100,30 @@ int fail_without_lock(lang_cfg_t *store)
     return fail(store, CFG_LOCKED);
 }
 
-// A stream on a file that was just opened; null when there is none, errno as it was.
-std::FILE *stream_of(int fd, const char *mode)
+// Makes the lock file. Without a test whatever stands there makes way, unread and unwritten. Null
+// with errno.
+std::FILE *make_lock(const char *path, bool test)
 {
-    std::FILE *stream = fd < 0 ? nullptr : fdopen(fd, mode);
-    if (stream == nullptr && fd >= 0)
-        zel::close_quietly(fd);
-    return stream;
+    constexpr int most_tries = 100; // others may be making theirs
+    int fd = -1;
+    for (int tries = 0; fd < 0 && tries < most_tries; ++tries) {
+        const bool free = test || unlink(path) == 0 || errno == ENOENT;
+        fd = zel::open_fresh(path, 0666);
+        if (test || !free || (fd < 0 && errno != EEXIST))
+            break;
+    }
+    std::FILE *lock = zel::stream_of(fd, "w+");
+    if (lock == nullptr && fd >= 0)
+        unlink(path);
+    return lock;
 }
 
 // The lock file, made anew: with a test it must not be there yet, and nobody else may hold it.
-// Without one whatever stands there makes way, unread and unwritten.
 int take_lock(lang_cfg_t *store, bool test)
 {
-    if (!test) {
+    if (!test)
         close_stream(store->fp_lock);
-        unlink(store->lock); // what stays lets the creation fail
-    }
-    std::FILE *lock = stream_of(zel::open_fresh(store->lock, 0666), "w+");
+    std::FILE *lock = make_lock(store->lock, test);
     if (lock == nullptr)
         return test && errno == EEXIST
                    ? fail_locked(store, "cfg_open: ERROR cfg locked by lockfile\n")
@@ -144,7 +150,7 @@ bool owns_lock(const lang_cfg_t *store)
 int open_file(lang_cfg_t *store, bool create)
 {
     if (zel::is_there(store->cfg)) {
-        store->fp_cfg = stream_of(zel::open_plain(store->cfg, O_RDWR), "r+");
+        store->fp_cfg = zel::stream_of(zel::open_plain(store->cfg, O_RDWR), "r+");
         if (store->fp_cfg != nullptr)
             return CFG_OK;
         const int error = errno;
@@ -155,7 +161,7 @@ int open_file(lang_cfg_t *store, bool create)
     if (!create)
         return CFG_OK;
     LogPrint(1, "cfg_open: create cfg file \n");
-    store->fp_cfg = stream_of(zel::open_fresh(store->cfg, 0666), "w+");
+    store->fp_cfg = zel::stream_of(zel::open_fresh(store->cfg, 0666), "w+");
     if (store->fp_cfg == nullptr) {
         LogPrint(1, "cfg_open: ERROR create fp_cfg  errno %d\n", errno);
         return CFG_NOT_CREATED;

@@ -6,10 +6,12 @@
 #include "editor/dir_file_sel.h"
 #include "editor/edit-state.h"
 #include "editor/popup.h"
+#include "editor/screen.h"
 #include "editor/ui-text.h"
 #include "support/log-print.h"
 #include "support/string-copy.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -33,7 +35,8 @@ struct dialog_state {
     LangSource *source;
     GMainLoop *loop;
     GtkWidget *path_entry;
-    GtkWidget *rows_box; // the popup's content box
+    GtkWidget *rows_box; // the popup's content box, inside
+    GtkWidget *scrolled; // this one
     GtkWidget *spin;     // of the what's-new time, or null
     int rows_above;      // widgets of rows_box that stand above the next new language
     bool gone;           // the window has been destroyed
@@ -141,6 +144,58 @@ void add_header(GtkWidget *box)
                            FALSE, 0);
 }
 
+// The rows' part is as large as they are while the dialog fits onto the screen; then it scrolls.
+void fit_to_screen(const dialog_state *dialog)
+{
+    constexpr int title_bar = 40;
+    GtkRequisition rows{};
+    GtkRequisition whole{};
+    gtk_widget_size_request(dialog->rows_box, &rows);
+    gtk_widget_set_size_request(dialog->scrolled, 0, 0);
+    gtk_widget_size_request(defineWin, &whole);
+    const GdkRectangle screen = zel::work_area(defineWin);
+    const int room = screen.height - title_bar - whole.height;
+    int width = rows.width;
+    if (rows.height > room) {
+        GtkRequisition bar{};
+        gtk_widget_size_request(
+            gtk_scrolled_window_get_vscrollbar(GTK_SCROLLED_WINDOW(dialog->scrolled)), &bar);
+        width += bar.width + 2 * caption_gap;
+    }
+    gtk_widget_set_size_request(dialog->scrolled, width, std::min(rows.height, room));
+}
+
+// A new row has its place only now, after it was given the keyboard.
+void rows_placed(GtkWidget *rows_box, GtkAllocation *, gpointer adjustment)
+{
+    GtkWidget *row = gtk_container_get_focus_child(GTK_CONTAINER(rows_box));
+    if (row == nullptr)
+        return;
+    GtkAllocation place{};
+    gtk_widget_get_allocation(row, &place);
+    gtk_adjustment_clamp_page(GTK_ADJUSTMENT(adjustment), place.y, place.y + place.height);
+}
+
+// Puts the popup's content box into a window that scrolls, also to the row that gets the keyboard.
+GtkWidget *scroll_rows(GtkWidget *rows_box)
+{
+    GtkWidget *parent = gtk_widget_get_parent(rows_box);
+    GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
+    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER,
+                                   GTK_POLICY_AUTOMATIC);
+    g_object_ref(rows_box);
+    gtk_container_remove(GTK_CONTAINER(parent), rows_box);
+    gtk_scrolled_window_add_with_viewport(GTK_SCROLLED_WINDOW(scrolled), rows_box);
+    g_object_unref(rows_box);
+    gtk_viewport_set_shadow_type(GTK_VIEWPORT(gtk_bin_get_child(GTK_BIN(scrolled))),
+                                 GTK_SHADOW_NONE);
+    GtkAdjustment *vertical = gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scrolled));
+    gtk_container_set_focus_vadjustment(GTK_CONTAINER(rows_box), vertical);
+    g_signal_connect_after(rows_box, "size-allocate", G_CALLBACK(rows_placed), vertical);
+    gtk_box_pack_start(GTK_BOX(parent), scrolled, TRUE, TRUE, 0);
+    return scrolled;
+}
+
 // A new language: its row comes after the other languages.
 void define_button_add(GtkWidget *, gpointer data)
 {
@@ -153,6 +208,7 @@ void define_button_add(GtkWidget *, gpointer data)
     const auto *row = static_cast<define_row_t *>(g_list_last(defineList)->data);
     gtk_box_reorder_child(GTK_BOX(dialog->rows_box), gtk_widget_get_parent(row->name_entry),
                           dialog->rows_above++);
+    fit_to_screen(dialog);
     gtk_widget_grab_focus(row->name_entry);
     zel::edit_set_modified(true);
 }
@@ -319,12 +375,15 @@ GList *define_create_entry(GtkWidget *box, GList *rows, lang_t *lang)
 int define_open(GtkWidget *parent, LangSource *source)
 {
     defineWin = zel_popup_new();
-    dialog_state dialog{source,  g_main_loop_new(nullptr, FALSE),
-                        nullptr, ZEL_POPUP(defineWin)->content_box,
-                        nullptr, 0,
-                        false,   false};
+    dialog_state dialog{};
+    dialog.source = source;
+    dialog.loop = g_main_loop_new(nullptr, FALSE);
+    dialog.rows_box = ZEL_POPUP(defineWin)->content_box;
+    dialog.scrolled = scroll_rows(dialog.rows_box);
     zel::set_accessible_name(defineWin, text("language"));
     build(&dialog);
+    gtk_widget_show_all(ZEL_POPUP(defineWin)->frame);
+    fit_to_screen(&dialog);
     g_signal_connect(defineWin, "configure-event", G_CALLBACK(define_configure), nullptr);
     g_signal_connect(defineWin, "delete-event", G_CALLBACK(define_delete_event), &dialog);
     g_signal_connect(defineWin, "destroy", G_CALLBACK(define_destroy_event), &dialog);

@@ -1,6 +1,7 @@
 #include "editor/dir_file_sel.h"
 
 #include "editor/popup.h"
+#include "editor/recent.h"
 #include "editor/ui-text.h"
 #include "lex/min_lex.h"
 #include "support/log-print.h"
@@ -79,6 +80,136 @@ char *select_file(const chooser &choose, char *folder, char *name, bool writes)
     return choose.run();
 }
 
+// --- Filters by ending, typed names, recent files ------------------------------------------------
+
+// What the first filter lets through.
+struct shown_files {
+    std::string ending;
+    std::string preset; // whole path, or empty
+};
+
+gboolean is_shown(const GtkFileFilterInfo *info, gpointer data)
+{
+    const auto *shown = static_cast<const shown_files *>(data);
+    if (info->display_name != nullptr &&
+        g_str_has_suffix(info->display_name, shown->ending.c_str()))
+        return TRUE;
+    return info->filename != nullptr && shown->preset == info->filename;
+}
+
+void add_filters(const chooser &choose, const char *preset, const char *ending)
+{
+    std::error_code error;
+    auto *shown = new shown_files{std::string(".") + ending, {}};
+    if (preset != nullptr && preset[0] != '\0')
+        shown->preset = std::filesystem::absolute(preset, error).string();
+    GtkFileFilter *first = gtk_file_filter_new();
+    gtk_file_filter_set_name(first, (std::string("*.") + ending).c_str());
+    gtk_file_filter_add_custom(
+        first,
+        static_cast<GtkFileFilterFlags>(GTK_FILE_FILTER_DISPLAY_NAME | GTK_FILE_FILTER_FILENAME),
+        is_shown, shown, [](gpointer data) { delete static_cast<shown_files *>(data); });
+    gtk_file_chooser_add_filter(choose.files(), first);
+    GtkFileFilter *all = gtk_file_filter_new();
+    gtk_file_filter_set_name(all, zel::ui_text("common", "All files"));
+    gtk_file_filter_add_pattern(all, "*");
+    gtk_file_chooser_add_filter(choose.files(), all);
+    gtk_file_chooser_set_filter(choose.files(), first);
+}
+
+// The part of the chooser that takes a name; the toolkit shows it by a signal that only its own
+// keys send.
+GtkWidget *find_name_taker(GtkWidget *widget)
+{
+    if (g_signal_lookup("location-popup", G_OBJECT_TYPE(widget)) != 0)
+        return widget;
+    GtkWidget *found = nullptr;
+    if (GTK_IS_CONTAINER(widget)) {
+        gtk_container_forall(
+            GTK_CONTAINER(widget),
+            [](GtkWidget *child, gpointer data) {
+                auto *result = static_cast<GtkWidget **>(data);
+                if (*result == nullptr)
+                    *result = find_name_taker(child);
+            },
+            &found);
+    }
+    return found;
+}
+
+// A letter typed where none is taken begins a name, as the toolkit has it for "/" and "~".
+gboolean begin_name(GtkWidget *dialog, GdkEventKey *event, gpointer)
+{
+    const gunichar letter = gdk_keyval_to_unicode(event->keyval);
+    const bool with_modifier =
+        (event->state & gtk_accelerator_get_default_mod_mask() & ~GDK_SHIFT_MASK) != 0;
+    if (with_modifier || g_unichar_isalnum(letter) == 0 ||
+        GTK_IS_ENTRY(gtk_window_get_focus(GTK_WINDOW(dialog))))
+        return FALSE;
+    GtkWidget *taker = find_name_taker(dialog);
+    if (taker == nullptr)
+        return FALSE;
+    char text[7] = {};
+    g_unichar_to_utf8(letter, text);
+    g_signal_emit_by_name(taker, "location-popup", text);
+    GtkWidget *name = gtk_window_get_focus(GTK_WINDOW(dialog));
+    if (GTK_IS_EDITABLE(name)) // where the letter is selected by getting the keyboard
+        gtk_editable_set_position(GTK_EDITABLE(name), -1);
+    return TRUE;
+}
+
+void recent_chosen(GtkComboBox *combo, gpointer files)
+{
+    GtkTreeIter iter;
+    gchar *path = nullptr;
+    if (gtk_combo_box_get_active_iter(combo, &iter) == 0)
+        return;
+    gtk_tree_model_get(gtk_combo_box_get_model(combo), &iter, 1, &path, -1);
+    gtk_file_chooser_set_filename(GTK_FILE_CHOOSER(files), path);
+    g_free(path);
+}
+
+// A list of the sources opened last, under the chooser.
+GtkWidget *make_recent_row(GtkFileChooser *files)
+{
+    GtkListStore *store = gtk_list_store_new(2, G_TYPE_STRING, G_TYPE_STRING); // shown, path
+    for (const std::string &path : zel::recent_sources()) {
+        GtkTreeIter iter;
+        gtk_list_store_append(store, &iter);
+        gtk_list_store_set(store, &iter, 0, zel::utf8_shown(path.c_str()).c_str(), 1, path.c_str(),
+                           -1);
+    }
+    GtkWidget *combo = gtk_combo_box_new_with_model(GTK_TREE_MODEL(store));
+    const bool none = gtk_tree_model_iter_n_children(GTK_TREE_MODEL(store), nullptr) == 0;
+    g_object_unref(store);
+    GtkCellRenderer *text = gtk_cell_renderer_text_new();
+    g_object_set(text, "ellipsize", PANGO_ELLIPSIZE_MIDDLE, nullptr);
+    gtk_cell_layout_pack_start(GTK_CELL_LAYOUT(combo), text, TRUE);
+    gtk_cell_layout_add_attribute(GTK_CELL_LAYOUT(combo), text, "text", 0);
+    g_signal_connect(combo, "changed", G_CALLBACK(recent_chosen), files);
+    GtkWidget *label = gtk_label_new_with_mnemonic(zel::ui_text("common", "_Recently opened:"));
+    gtk_label_set_mnemonic_widget(GTK_LABEL(label), combo);
+    GtkWidget *row = gtk_hbox_new(FALSE, 6);
+    gtk_box_pack_start(GTK_BOX(row), label, FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(row), combo, TRUE, TRUE, 0);
+    gtk_widget_set_sensitive(row, none ? FALSE : TRUE);
+    gtk_widget_show_all(row);
+    return row;
+}
+
+char *select_by_ending(const chooser &choose, const char *preset, const char *ending, bool writes)
+{
+    const zel::string_guard name(zel_strdup(preset)); // what turns backslashes gets a copy
+    add_filters(choose, preset, ending);
+    g_signal_connect(choose.dialog, "key-press-event", G_CALLBACK(begin_name), nullptr);
+    // The toolkit may begin with its list of recent files, where the first letter of a name is
+    // lost.
+    const glib_string here(g_get_current_dir());
+    if (!name)
+        choose.start_in(here.get());
+    return select_file(choose, nullptr, name.get(), writes);
+}
+
 GtkFileFilter *make_filter(const char *patterns)
 {
     GtkFileFilter *filter = gtk_file_filter_new();
@@ -134,3 +265,26 @@ zel_list *file_sel_multiple_unix(GtkWidget *parent, const char *title, const cha
 }
 
 int file_sel_show(GtkWidget *) { return 0; }
+
+namespace zel {
+
+char *select_to_read(GtkWidget *widget, const char *title, const char *preset, const char *ending)
+{
+    const chooser choose(widget, title, GTK_FILE_CHOOSER_ACTION_OPEN, GTK_STOCK_OPEN);
+    return select_by_ending(choose, preset, ending, false);
+}
+
+char *select_to_write(GtkWidget *widget, const char *title, const char *preset, const char *ending)
+{
+    const chooser choose(widget, title, GTK_FILE_CHOOSER_ACTION_SAVE, GTK_STOCK_SAVE);
+    return select_by_ending(choose, preset, ending, true);
+}
+
+char *select_source(GtkWidget *widget, const char *title)
+{
+    const chooser choose(widget, title, GTK_FILE_CHOOSER_ACTION_OPEN, GTK_STOCK_OPEN);
+    gtk_file_chooser_set_extra_widget(choose.files(), make_recent_row(choose.files()));
+    return select_by_ending(choose, nullptr, "lang-src", false);
+}
+
+} // namespace zel

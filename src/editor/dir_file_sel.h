@@ -20,3 +20,18 @@
 
 // Does nothing; returns 0.
 int file_sel_show(GtkWidget *widget);
+
+namespace zel {
+
+// The same with a filter for the ending ("lang-src"), which is on at first, and one for all files.
+// The preset name is not changed; its file passes the filter whatever its ending. Letters that are
+// typed in the list of files begin a name.
+[[nodiscard]] char *select_to_read(GtkWidget *widget, const char *title, const char *preset,
+                                   const char *ending);
+[[nodiscard]] char *select_to_write(GtkWidget *widget, const char *title, const char *preset,
+                                    const char *ending);
+
+// To read a language source; offers those that were opened last.
+[[nodiscard]] char *select_source(GtkWidget *widget, const char *title);
+
+} // namespace zel

@@ -127,9 +127,8 @@ void cb_import(GtkWidget *widget, gpointer)
     }
     store_pending_edits();
     std::puts("------------------------- import");
-    const zel::string_guard preset(zel_strdup(def_file)); // the chooser turns its backslashes
     const zel::string_guard path(
-        file_sel_read(widget, zel::ui_text("common", "read file"), nullptr, preset.get()));
+        zel::select_to_read(widget, zel::ui_text("common", "read file"), def_file, "lang"));
     if (path)
         import_file(widget, path.get());
 }

@@ -6,6 +6,7 @@
 #include "editor/edit-ask.h"
 #include "editor/edit-state.h"
 #include "editor/read-report.h"
+#include "editor/recent.h"
 #include "editor/ui-text.h"
 #include "source/lang-read.h"
 #include "source/lang-write.h"
@@ -120,10 +121,8 @@ std::string with_ending(const char *chosen)
 
 void save_under_name(GtkWidget *widget)
 {
-    // A copy: the chooser turns backslashes, and a later Save must meet the same file.
-    const zel::string_guard preset(zel_strdup(def_file));
-    const zel::string_guard chosen(file_sel_write(
-        widget, zel::ui_text("common", "Save as (*.lang-src)"), nullptr, preset.get()));
+    const zel::string_guard chosen(zel::select_to_write(
+        widget, zel::ui_text("common", "Save as (*.lang-src)"), def_file, "lang-src"));
     if (!chosen)
         return;
     const std::string path = with_ending(chosen.get());
@@ -188,7 +187,7 @@ void cb_open(GtkWidget *widget, gpointer)
     if (lang_global.modified != 0 && !zel::ask_discard(widget))
         return;
     zel::edit_status(nullptr);
-    char *chosen = file_sel_read(widget, zel::ui_text("common", "open file"), nullptr, nullptr);
+    char *chosen = zel::select_source(widget, zel::ui_text("common", "open file"));
     if (chosen == nullptr)
         return;
     set_file(chosen);
@@ -275,6 +274,8 @@ bool edit_read_source()
     if (answer.result == read_result::stopped)
         say_stopped();
     edit_status(report.text(answer).c_str());
+    if (answer.source)
+        remember_source(def_file);
     def_group = answer.source.release();
     return def_group != nullptr;
 }

@@ -1,5 +1,6 @@
 #include "editor/edit-start.h"
 
+#include "app/memory.h"
 #include "editor/edit-state.h"
 #include "editor/edit.h"
 #include "editor/w_tab_edit.h"
@@ -15,6 +16,7 @@ namespace {
 // messages only.
 void log_toolkit_message(const gchar *domain, GLogLevelFlags level, const gchar *message, gpointer)
 {
+    zel::end_on_glib_error(level);
     if ((level & (G_LOG_LEVEL_INFO | G_LOG_LEVEL_DEBUG)) != 0)
         return;
     LogPrint(1, "%s: %s\n", domain == nullptr ? "" : domain, message == nullptr ? "" : message);

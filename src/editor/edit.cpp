@@ -10,6 +10,7 @@
 #include "editor/theme.h"
 #include "editor/ui-text.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <string>
 
@@ -69,12 +70,27 @@ GtkWidget *make_info_label(const char *text)
     return label;
 }
 
-GtkWidget *make_info_row(const info_row &row)
+// Wider only where a large font would cut a caption.
+int width_of_captions()
+{
+    int width = caption_width;
+    for (const info_row &row : info_rows) {
+        GtkWidget *label = make_info_label(zel::ui_text("common", row.caption));
+        g_object_ref_sink(label);
+        GtkRequisition wanted{};
+        gtk_widget_size_request(label, &wanted);
+        width = std::max(width, wanted.width + around_pane);
+        g_object_unref(label);
+    }
+    return width;
+}
+
+GtkWidget *make_info_row(const info_row &row, int width)
 {
     const char *text = zel::ui_text("common", row.caption);
     GtkWidget *box = gtk_hbox_new(FALSE, 0);
     GtkWidget *caption = make_info_label(text);
-    gtk_widget_set_size_request(caption, caption_width, -1);
+    gtk_widget_set_size_request(caption, width, -1);
     gtk_box_pack_start(GTK_BOX(box), caption, FALSE, FALSE, 0);
 
     GtkWidget *value = make_info_label("");
@@ -90,8 +106,10 @@ GtkWidget *make_info_frame()
     gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_NONE);
     lang_global.info_box = gtk_vbox_new(FALSE, 1);
     gtk_container_set_border_width(GTK_CONTAINER(lang_global.info_box), around_pane);
+    const int width = width_of_captions();
     for (const info_row &row : info_rows)
-        gtk_box_pack_start(GTK_BOX(lang_global.info_box), make_info_row(row), FALSE, FALSE, 0);
+        gtk_box_pack_start(GTK_BOX(lang_global.info_box), make_info_row(row, width), FALSE, FALSE,
+                           0);
     gtk_container_add(GTK_CONTAINER(frame), lang_global.info_box);
     zel::edit_show_export_path(ini == nullptr ? nullptr : ini->dstDir);
     return frame;

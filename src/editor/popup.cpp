@@ -99,6 +99,8 @@ void popup_run(GtkWidget *popup, GtkWidget *parent, GMainLoop *loop)
     }
     gdk_window_set_decorations(gtk_widget_get_window(popup), GDK_DECOR_TITLE);
     gtk_window_set_modal(GTK_WINDOW(popup), TRUE);
+    if (ZEL_POPUP(popup)->icon == nullptr) // no empty room where the icon would be
+        gtk_widget_set_no_show_all(ZEL_POPUP(popup)->icon_box, TRUE);
     gtk_widget_show_all(popup);
     g_main_loop_run(loop);
     if (above != nullptr) {

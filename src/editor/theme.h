@@ -2,10 +2,19 @@
 
 // The looks of the editor where the user's desktop has none of its own.
 
+#include <gtk/gtk.h>
+
 namespace zel {
 
 // Parses the program's own styles, once: all of them while the user has no theme, else only what
 // the window needs to fit. Called with the display open, before the first window.
 void apply_theme();
+
+// Whether a theme of that name has a part for this toolkit; one that has none shows nothing.
+bool has_theme(const char *name);
+
+// A frame around something that one types or reads in: a line on all four sides, also without a
+// theme.
+GtkWidget *make_line_frame();
 
 } // namespace zel

@@ -4,8 +4,8 @@
 #include "editor/accessible.h"
 #include "editor/edit-state.h"
 #include "editor/operation.h"
-#include "editor/text-pieces.h"
 #include "editor/ui-text.h"
+#include "editor/w_text_build.h"
 #include "source/misc.h"
 #include "support/log-print.h"
 #include "support/string-copy.h"
@@ -15,39 +15,9 @@
 
 namespace {
 
-constexpr int comment_height = 60;
-constexpr int trans_height = 80;
-constexpr int comment_min_height = 26; // what a small window leaves of them
-constexpr int trans_min_height = 40;
-constexpr int used_in_width = 220;
-constexpr int margin = 6;
-
-// What a field consists of; a row per field, in the order of text_field.
-struct field_t {
-    GtkWidget *Zeltext::*view;
-    GtkWidget *Zeltext::*label;
-    lang_entry_t *Zeltext::*entry;
-    GList *item_t::*entries;
-    const char *caption;
-    int height;
-    int min_height;
-    const char *log;
-};
-
-constexpr field_t fields[] = {
-    {&Zeltext::trans1_view, &Zeltext::trans1_label, &Zeltext::trans1_entry, &item_t::langs,
-     "Translation", trans_height, trans_min_height, "zel_text_update: get Lang 1 entry\n"},
-    {&Zeltext::trans2_view, &Zeltext::trans2_label, &Zeltext::trans2_entry, &item_t::langs,
-     "Translation", trans_height, trans_min_height, "zel_text_update: get Lang 2 entry\n"},
-    {&Zeltext::comment1_view, &Zeltext::comment1_label, &Zeltext::comment1_entry, &item_t::comments,
-     "Comment", comment_height, comment_min_height, "zel_text_update: get Komment 1 entry\n"},
-    {&Zeltext::comment2_view, &Zeltext::comment2_label, &Zeltext::comment2_entry, &item_t::comments,
-     "Comment", comment_height, comment_min_height, "zel_text_update: get Komment 2 entry\n"},
-};
-static_assert(std::size(fields) == TEXT_FIELDS);
-
-// The order in which fields are filled and written back: a language's comment before its text.
-constexpr int field_order[] = {TEXT_COMMENT1, TEXT_TRANS1, TEXT_COMMENT2, TEXT_TRANS2};
+using zel::field_order;
+using zel::field_t;
+using zel::fields;
 
 GtkTextBuffer *buffer_of(GtkWidget *view) { return gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)); }
 
@@ -76,125 +46,15 @@ void zel_text_changed(GtkTextBuffer *, gpointer dirty)
     zel::edit_set_modified(true);
 }
 
-// --- Construction ------------------------------------------------------------------------------
-
-GtkWidget *make_caption(GtkWidget *view)
-{
-    GtkWidget *label = gtk_label_new(nullptr);
-    gtk_misc_set_alignment(GTK_MISC(label), 0.0F, 0.5F);
-    gtk_label_set_ellipsize(GTK_LABEL(label), PANGO_ELLIPSIZE_END);
-    gtk_label_set_mnemonic_widget(GTK_LABEL(label), view);
-    return label;
-}
-
-GtkWidget *make_text_view(int height)
-{
-    GtkWidget *view = gtk_text_view_new();
-    GtkTextView *text_view = GTK_TEXT_VIEW(view);
-    gtk_text_view_set_wrap_mode(text_view, GTK_WRAP_WORD_CHAR);
-    gtk_text_view_set_left_margin(text_view, margin);
-    gtk_text_view_set_right_margin(text_view, margin);
-    gtk_text_view_set_pixels_above_lines(text_view, 2);
-    gtk_text_view_set_accepts_tab(text_view, FALSE);
-    zel::keep_in_pieces(gtk_text_view_get_buffer(text_view));
-    gtk_widget_set_size_request(view, -1, height);
-    return view;
-}
-
-// The view scrolls in its frame, so that long texts fit and a small window may be lower than the
-// views ask for.
-GtkWidget *make_view_frame(GtkWidget *view, int min_height)
-{
-    GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
-    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER,
-                                   GTK_POLICY_AUTOMATIC);
-    gtk_container_add(GTK_CONTAINER(scrolled), view);
-    gtk_widget_set_size_request(scrolled, -1, min_height);
-    GtkWidget *frame = gtk_frame_new(nullptr);
-    gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_IN);
-    gtk_container_add(GTK_CONTAINER(frame), scrolled);
-    return frame;
-}
-
-void make_field(Zeltext *text, int number, GtkWidget *box)
-{
-    const field_t &field = fields[number];
-    GtkWidget *view = make_text_view(field.height);
-    GtkWidget *label = make_caption(view);
-    gtk_box_pack_start(GTK_BOX(box), label, FALSE, FALSE, 0);
-    gtk_box_pack_start(GTK_BOX(box), make_view_frame(view, field.min_height), TRUE, TRUE, 0);
-    g_signal_connect(buffer_of(view), "changed", G_CALLBACK(zel_text_changed),
-                     &text->dirty[number]);
-    text->*field.view = view;
-    text->*field.label = label;
-}
-
-GtkWidget *make_language_frame(Zeltext *text, int comment, int trans)
-{
-    GtkWidget *box = gtk_vbox_new(FALSE, 2);
-    make_field(text, comment, box);
-    make_field(text, trans, box);
-    GtkWidget *frame = gtk_frame_new(nullptr);
-    gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_NONE);
-    gtk_container_add(GTK_CONTAINER(frame), box);
-    return frame;
-}
-
-void make_identity(Zeltext *text, GtkWidget *box)
-{
-    text->description_label = gtk_label_new(nullptr);
-    gtk_widget_set_size_request(text->description_label, 60, -1);
-    gtk_misc_set_alignment(GTK_MISC(text->description_label), 0.0F, 0.5F);
-    gtk_label_set_ellipsize(GTK_LABEL(text->description_label), PANGO_ELLIPSIZE_END);
-    gtk_box_pack_start(GTK_BOX(box), text->description_label, FALSE, FALSE, 0);
-
-    text->name_entry = gtk_entry_new();
-    gtk_editable_set_editable(GTK_EDITABLE(text->name_entry), FALSE);
-    zel::set_accessible_name(text->name_entry, zel::ui_text("tab-edit", "Item"));
-    gtk_box_pack_start(GTK_BOX(box), text->name_entry, FALSE, FALSE, 0);
-
-    if (lang_global.editor_mode != 2)
-        return;
-    text->name_edit_entry = gtk_entry_new();
-    zel::set_accessible_name(text->name_edit_entry, zel::ui_text("tab-edit", "Item"));
-    gtk_box_pack_start(GTK_BOX(box), text->name_edit_entry, FALSE, FALSE, 0);
-}
-
-GtkWidget *make_used_in(Zeltext *text)
-{
-    text->used_in_view = make_text_view(-1);
-    gtk_widget_set_sensitive(text->used_in_view, FALSE);
-    zel::set_accessible_name(text->used_in_view, zel::ui_text("text", "Used in"));
-    GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
-    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
-                                   GTK_POLICY_AUTOMATIC);
-    gtk_scrolled_window_add_with_viewport(GTK_SCROLLED_WINDOW(scrolled), text->used_in_view);
-    GtkWidget *viewport = gtk_bin_get_child(GTK_BIN(scrolled));
-    gtk_viewport_set_shadow_type(GTK_VIEWPORT(viewport), GTK_SHADOW_NONE);
-    GtkWidget *frame = gtk_frame_new(nullptr);
-    gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_IN);
-    gtk_widget_set_size_request(frame, used_in_width, -1);
-    gtk_container_add(GTK_CONTAINER(frame), scrolled);
-    return frame;
-}
+// --- The widget ----------------------------------------------------------------------------------
 
 void instance_init(GTypeInstance *instance, gpointer)
 {
     Zeltext *text = ZEL_TEXT(instance);
-    gtk_frame_set_shadow_type(GTK_FRAME(text), GTK_SHADOW_NONE);
-    GtkWidget *panes = gtk_hbox_new(FALSE, 2);
-    gtk_container_set_border_width(GTK_CONTAINER(panes), margin);
-    GtkWidget *box = gtk_vbox_new(FALSE, 2);
-    make_identity(text, box);
-    text->lang1_frame = make_language_frame(text, TEXT_COMMENT1, TEXT_TRANS1);
-    text->lang2_frame = make_language_frame(text, TEXT_COMMENT2, TEXT_TRANS2);
-    gtk_box_pack_start(GTK_BOX(box), text->lang1_frame, TRUE, TRUE, 0);
-    gtk_box_pack_start(GTK_BOX(box), text->lang2_frame, TRUE, TRUE, 0);
-    gtk_box_pack_start(GTK_BOX(panes), box, TRUE, TRUE, 0);
-    if (lang_global.editor_mode != 0)
-        gtk_box_pack_start(GTK_BOX(panes), make_used_in(text), FALSE, FALSE, 0);
-    gtk_container_add(GTK_CONTAINER(text), panes);
-    gtk_widget_show_all(panes);
+    zel::build_text_panel(text);
+    for (int number = 0; number < TEXT_FIELDS; ++number)
+        g_signal_connect(buffer_of(text->*fields[number].view), "changed",
+                         G_CALLBACK(zel_text_changed), &text->dirty[number]);
 }
 
 gpointer parent_class;

@@ -7,51 +7,8 @@
 // zel_text_update, which zel_text_set does for the item before. The item must live until then.
 // The operations return 1, or 0 after a GLib warning when the widget is null or another one.
 
-#include <gtk/gtk.h>
+#include "editor/w_text_panel.h"
 
-#include "source/model.h"
-
-#define ZEL_TYPE_TEXT (zel_text_get_type())
-#define ZEL_TEXT(object) (G_TYPE_CHECK_INSTANCE_CAST((object), ZEL_TYPE_TEXT, Zeltext))
-#define ZEL_IS_TEXT(object) (G_TYPE_CHECK_INSTANCE_TYPE((object), ZEL_TYPE_TEXT))
-
-// Places in Zeltext::dirty, and numbers of the fields.
-enum text_field { TEXT_TRANS1, TEXT_TRANS2, TEXT_COMMENT1, TEXT_COMMENT2, TEXT_FIELDS };
-
-struct Zeltext {
-    GtkFrame frame;
-    GtkWidget *description_label; // the item's description
-    GtkWidget *name_entry;        // "(%d)  %s:%s", not editable
-    GtkWidget *name_edit_entry;   // mode 2: the item's name; never read back
-    GtkWidget *lang1_frame;
-    GtkWidget *lang2_frame;
-    GtkWidget *comment1_label;
-    GtkWidget *trans1_label;
-    GtkWidget *comment2_label;
-    GtkWidget *trans2_label;
-    GtkWidget *comment1_view;
-    GtkWidget *comment2_view;
-    GtkWidget *trans1_view;
-    GtkWidget *trans2_view;
-    GtkWidget *used_in_view;    // modes 1 and 2: where the item is used
-    int dirty[TEXT_FIELDS];     // the field was typed in since it was filled
-    lang_entry_t *trans1_entry; // what the fields are bound to, or null
-    lang_entry_t *trans2_entry;
-    lang_entry_t *comment1_entry;
-    lang_entry_t *comment2_entry;
-    LangSource *lang_source; // of the shown item
-    item_t *item;            // the shown item, or null
-    char *group_name;        // owned, or null
-    char *item_name;         // owned, or null
-    int pos;
-    int made[TEXT_FIELDS]; // the bound entry came to be by being shown, and is in no file
-};
-
-struct ZeltextClass {
-    GtkFrameClass parent_class;
-};
-
-GType zel_text_get_type();
 GtkWidget *zel_text_new();
 
 // The position number and group for the next zel_text_set; a null name drops the group.

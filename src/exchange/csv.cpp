@@ -1,7 +1,6 @@
 #include "exchange/csv.h"
 
 #include "exchange/language-code.h"
-#include "source/quote.h"
 
 #include <algorithm>
 #include <cstring>
@@ -278,9 +277,9 @@ void write_csv(exporter &from, std::vector<outgoing_file> &to)
     append_head(file.text, from);
     from.each_item([&](const outgoing_item &item) {
         append_row(file.text, from, item);
-        flush_large_text(file.text, file.stream);
+        file.flush_large();
     });
-    flush_text(file.text, file.stream);
+    file.flush();
 }
 
 fault read_csv(std::string_view bytes, encoding good, const text_listener &hear)

@@ -48,35 +48,17 @@ private:
 
 } // namespace
 
-std::string_view description_of(const item_t *item)
+void outgoing_file::flush()
 {
-    const std::string_view text = or_empty(item->description);
-    return text == "none" ? std::string_view() : text;
+    keep(text);
+    text.clear();
 }
 
-void append_lines(std::string &out, GList *lines)
+void outgoing_file::flush_large()
 {
-    for (const char *line : each<char>(lines))
-        if (line != nullptr)
-            out += line;
-}
-
-lang_entry_t *find_entry(GList *entries, const char *language)
-{
-    for (lang_entry_t *entry : each<lang_entry_t>(entries))
-        if (same_name(entry->lang, language))
-            return entry;
-    return nullptr;
-}
-
-std::string reference_text(const LangSource &source, const item_t *item)
-{
-    std::string text;
-    if (const lang_entry_t *entry = find_entry(item->langs, source.default_lang))
-        append_lines(text, entry->texts);
-    if (text.empty())
-        text = or_empty(item->name);
-    return text;
+    constexpr std::size_t large = std::size_t{64} * 1024;
+    if (text.size() >= large)
+        flush();
 }
 
 exporter::exporter(const export_request &request) : request_(request)

@@ -4,12 +4,12 @@
 // one piece, the reference text beside it.
 
 #include <cstdint>
-#include <cstdio>
 #include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "exchange/entries.h"
 #include "exchange/input.h"
 #include "source/model.h"
 
@@ -38,10 +38,13 @@ struct outgoing_item {
     std::string default_comment;    // in the default language
 };
 
-// One file under construction: the stream gets the text in large pieces.
+// One file under construction: whoever keeps it gets the text in large pieces.
 struct outgoing_file {
-    std::FILE *stream;
+    std::function<void(std::string_view)> keep;
     std::string text;
+
+    void flush();       // what is there
+    void flush_large(); // the same once it is worth it
 };
 
 class exporter {
@@ -74,19 +77,5 @@ private:
 
 // Writes the files of an export: one for each of the exporter's languages, or a single one.
 using texts_writer = void (*)(exporter &from, std::vector<outgoing_file> &to);
-
-inline std::string_view or_empty(const char *text) { return text == nullptr ? "" : text; }
-
-// The item's description; the writer of sources stores none as "none".
-std::string_view description_of(const item_t *item);
-
-// A text in one piece; a null list is an empty text.
-void append_lines(std::string &out, GList *lines);
-
-// The default language's text, else the item's name.
-std::string reference_text(const LangSource &source, const item_t *item);
-
-// The item's first entry in a language, or null.
-lang_entry_t *find_entry(GList *entries, const char *language);
 
 } // namespace zel::exchange

@@ -1,21 +1,11 @@
 #include "exchange/import.h"
 
-#include "exchange/export.h"
+#include "exchange/entries.h"
 #include "exchange/language-code.h"
-#include "support/string-copy.h"
-
-#include <cstring>
 
 namespace zel::exchange {
 
 namespace {
-
-// The file's name without folders and ending.
-std::string_view stem_of(std::string_view path)
-{
-    path.remove_prefix(path.rfind('/') + 1);
-    return path.substr(0, path.rfind('.'));
-}
 
 bool same_text(std::string_view a, const char *b) { return b != nullptr && a == b; }
 
@@ -36,32 +26,6 @@ std::string joined(const lang_entry_t *entry)
     if (entry != nullptr)
         append_lines(out, entry->texts);
     return out;
-}
-
-// A string for each line, as the editor makes them.
-GList *split_lines(std::string_view text)
-{
-    GList *lines = nullptr;
-    list_tail tail(lines);
-    while (!text.empty()) {
-        const std::size_t end = text.find('\n');
-        const std::string line(text.substr(0, end == std::string_view::npos ? end : end + 1));
-        tail.append(zel_strdup2(line.c_str()));
-        text.remove_prefix(line.size());
-    }
-    return lines;
-}
-
-// Puts the text into the language's entry, which is made where there is none.
-void replace(GList *&entries, const char *language, std::string_view text)
-{
-    lang_entry_t *entry = find_entry(entries, language);
-    if (entry == nullptr) {
-        entry = alloc_lang_entry(language);
-        entries = g_list_append(entries, entry);
-    }
-    free_lang_entry_text(entry->texts);
-    entry->texts = split_lines(text);
 }
 
 // Whether the file has what the source has: as bytes, or as they travel where they are no UTF-8.
@@ -171,7 +135,7 @@ void importer::take_text(item_t *item, const char *language, const text_unit &un
         return;
     }
     const std::string reference = reference_text(*source_, item);
-    replace(item->langs, language, without_end(unit.text));
+    put_text(item->langs, language, without_end(unit.text));
     item->changed = 1;
     if (!unit.final)
         item->ready = 0;
@@ -194,7 +158,7 @@ void importer::take_comment(item_t *item, const char *language, const text_unit 
             return;
         after = std::string(without_end(before)) + "\n" + after;
     }
-    replace(item->comments, language, after);
+    put_text(item->comments, language, after);
     ++changed_;
     say(import_kind::comment, unit, language, std::move(before), std::move(after));
 }

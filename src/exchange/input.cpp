@@ -58,6 +58,12 @@ std::uint32_t line_at(std::string_view bytes, std::size_t position)
     return static_cast<std::uint32_t>(1 + std::count(bytes.begin(), end, '\n'));
 }
 
+std::string_view stem_of(std::string_view path)
+{
+    path.remove_prefix(path.rfind('/') + 1);
+    return path.substr(0, path.rfind('.'));
+}
+
 void drop_mark(std::string_view &bytes)
 {
     if (bytes.starts_with("\xEF\xBB\xBF"))

@@ -28,6 +28,9 @@ fault check_utf8(std::string_view bytes);
 // The line on which a position stands, from 1.
 std::uint32_t line_at(std::string_view bytes, std::size_t position);
 
+// A file's name without folders and ending.
+std::string_view stem_of(std::string_view path);
+
 // Takes a byte order mark off the start.
 void drop_mark(std::string_view &bytes);
 

@@ -85,8 +85,9 @@ void append_item(std::string &out, const item_t *item)
     out += " }";
 }
 
-void append_group(std::string &out, const edit_t *group, std::FILE *stream)
+void append_group(outgoing_file &file, const edit_t *group)
 {
+    std::string &out = file.text;
     append_member(out, "{ \"name\": ", group->name);
     append_number(out, ", \"visible\": ", group->visible);
     append_member(out, ", \"screen_shot\": ", group->screen_shot);
@@ -94,7 +95,7 @@ void append_group(std::string &out, const edit_t *group, std::FILE *stream)
     for (GList *node = group->items; node != nullptr; node = node->next) {
         out.append(node == group->items ? "\n" : ",\n");
         append_item(out, static_cast<const item_t *>(node->data));
-        flush_large_text(out, stream);
+        file.flush_large();
     }
     out += "] }";
 }
@@ -146,10 +147,10 @@ void write_json(exporter &from, std::vector<outgoing_file> &to)
     out += ",\n\"groups\": [";
     for (GList *node = source->groups; node != nullptr; node = node->next) {
         out.append(node == source->groups ? "\n" : ",\n");
-        append_group(out, static_cast<const edit_t *>(node->data), to.front().stream);
+        append_group(to.front(), static_cast<const edit_t *>(node->data));
     }
     out += "] }\n";
-    flush_text(out, to.front().stream);
+    to.front().flush();
 }
 
 std::string json_of_item(const item_t *item)

@@ -113,12 +113,15 @@ void append_po_text(std::string &out, std::string_view prefix, std::string_view 
     }
 }
 
+// A backslash at the end would join the next line to it, so a blank comes behind that.
 void append_po_comment(std::string &out, std::string_view sign, std::string_view line)
 {
+    if (line.find_first_not_of(' ') == std::string_view::npos)
+        line = {};
     out.append(sign);
     if (!line.empty() && line.front() != ' ')
         out += ' ';
-    out.append(line) += '\n';
+    out.append(line).append(line.ends_with('\\') ? " \n" : "\n");
 }
 
 void append_po_references(std::string &out, const std::vector<std::string> &references)

@@ -79,6 +79,8 @@ int read_digits(zel_lex_buf_t *buf, int base, int most)
     return value;
 }
 
+constexpr int joined_line = 256; // a backslash at the end of a line joins the next one
+
 // The byte of an escape, its backslash taken; -1 for one that is none. No text holds a zero byte.
 int read_escape(zel_lex_buf_t *buf)
 {
@@ -90,7 +92,9 @@ int read_escape(zel_lex_buf_t *buf)
         value = read_digits(buf, 8, 3);
     } else {
         next_char(buf);
-        if (letter == 'x')
+        if (letter == '\n')
+            value = joined_line;
+        else if (letter == 'x')
             value = read_digits(buf, 16, INT32_MAX);
         else if (const char *found = letter > 0 ? std::strchr(letters, letter) : nullptr)
             value = static_cast<unsigned char>(meant[found - letters]);
@@ -112,7 +116,7 @@ int scan_string(zel_lex_buf_t *buf, zel_token_t *token)
         const int byte = c == '\\' ? read_escape(buf) : c;
         if (byte < 0)
             return finish(token, TOKEN_BAD_ESCAPE);
-        if (!add_byte(token, byte))
+        if (byte != joined_line && !add_byte(token, byte))
             return finish(token, TOKEN_ERR_MEM);
     }
 }
@@ -134,9 +138,16 @@ int scan_comment(zel_lex_buf_t *buf, zel_token_t *token)
         (!add_byte(token, next_char(buf)) || !add_until(buf, token, "\n\n")))
         return finish(token, TOKEN_ERR_MEM);
     // A carriage return ends the run, but not the line.
-    for (int c = next_char(buf); c != '\n' && c != ZEL_LEX_EOF; c = next_char(buf))
-        if (!add_byte(token, c))
+    for (int c = next_char(buf); c != ZEL_LEX_EOF; c = next_char(buf)) {
+        const bool joins =
+            c == '\n' && token->length != 0 && token->lexeme[token->length - 1] == '\\';
+        if (c == '\n' && !joins)
+            break;
+        if (joins)
+            --token->length;
+        else if (!add_byte(token, c))
             return finish(token, TOKEN_ERR_MEM);
+    }
     return finish(token, po_comment);
 }
 

@@ -5,7 +5,6 @@
 #include "exchange/language-code.h"
 #include "exchange/po-message.h"
 #include "exchange/po-read.h"
-#include "source/quote.h"
 
 #include <cstring>
 #include <ctime>
@@ -79,7 +78,8 @@ std::string reference_of(std::string_view place)
     }
     std::string name;
     append_name(name, place);
-    if (name.find_first_of(" \t") != std::string::npos)
+    // A backslash at the end of the line would join the next one to it.
+    if (name.find_first_of(" \t") != std::string::npos || name.ends_with('\\'))
         name = "\xE2\x81\xA8" + name + "\xE2\x81\xA9";
     return line.empty() ? name : name + ":" + std::string(line);
 }
@@ -205,11 +205,11 @@ void write_po(exporter &from, std::vector<outgoing_file> &to)
         shared.fill(item);
         for (std::size_t at = 0; at < to.size(); ++at) {
             append_message(to[at].text, from, item, shared, at);
-            flush_large_text(to[at].text, to[at].stream);
+            to[at].flush_large();
         }
     });
     for (outgoing_file &file : to)
-        flush_text(file.text, file.stream);
+        file.flush();
 }
 
 fault read_po(std::string_view bytes, encoding good, const text_listener &hear)

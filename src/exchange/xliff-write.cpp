@@ -1,7 +1,6 @@
 #include "exchange/key.h"
 #include "exchange/language-code.h"
 #include "exchange/xliff.h"
-#include "source/quote.h"
 
 #include <cstring>
 
@@ -215,12 +214,12 @@ void write(exporter &from, std::vector<outgoing_file> &to, const version &how)
         parts.fill(item, how.note_start);
         for (std::size_t at = 0; at < to.size(); ++at) {
             how.append_unit(to[at].text, from, item, parts, at);
-            flush_large_text(to[at].text, to[at].stream);
+            to[at].flush_large();
         }
     });
     for (outgoing_file &file : to) {
         file.text += how.end;
-        flush_text(file.text, file.stream);
+        file.flush();
     }
 }
 

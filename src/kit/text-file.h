@@ -1,6 +1,6 @@
 #pragma once
 
-// A file that a word makes for others: written whole beside its place and moved there at the end.
+// A file that a word makes for others: written whole beside its place and put there at the end.
 // What stood there and differs is kept under its date; the same text is left alone.
 
 #include <cstdio>
@@ -15,30 +15,23 @@ namespace zel::kit {
 
 class text_file {
 public:
-    text_file() = default;
-    text_file(const text_file &) = delete;
-    text_file &operator=(const text_file &) = delete;
-
     // Each is false after a line on standard error; then the place is as it was.
     bool create(const std::string &path);
     bool finish(); // the text is complete
     bool put_in_place();
 
-    std::FILE *stream() const { return stream_.get(); }
+    void append(std::string_view text); // finish tells of an error
     const std::string &path() const { return path_; }
 
 private:
-    using stream_guard = std::unique_ptr<std::FILE, release<std::fclose>>;
-
     bool say(int error) const;
     void compare(std::string_view text);
-    static ssize_t write(void *self, const char *data, std::size_t size);
 
     std::string path_;
     target_file old_;
     safe_file file_;
-    stream_guard old_text_; // as far as the new text is the same; null once it differs
-    stream_guard stream_;
+    // The old text while the new one has been the same so far.
+    std::unique_ptr<std::FILE, release<std::fclose>> same_;
 };
 
 } // namespace zel::kit

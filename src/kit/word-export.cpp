@@ -28,18 +28,11 @@ std::string file_stem(const char *name)
     return out;
 }
 
-// The source's file name without folders and ending.
-std::string stem_of(const std::string &path)
-{
-    const std::string name = path.substr(path.rfind('/') + 1);
-    return name.substr(0, name.rfind('.'));
-}
-
 std::vector<std::string> file_names(const exchange::format &row, const exchange::exporter &from,
                                     const std::string &source)
 {
     if (row.writes == exchange::files::one)
-        return {stem_of(source) + row.ending};
+        return {std::string(exchange::stem_of(source)) + row.ending};
     std::vector<std::string> names;
     for (const lang_t *lang : from.languages())
         names.push_back(file_stem(lang->name) + row.ending);
@@ -55,7 +48,7 @@ bool write_files(const exchange::format &row, exchange::exporter &from,
     for (std::size_t at = 0; at < names.size(); ++at) {
         if (!files[at].create(folder.empty() ? names[at] : folder + "/" + names[at]))
             return false;
-        outgoing.push_back({files[at].stream(), {}});
+        outgoing.push_back({[&file = files[at]](std::string_view text) { file.append(text); }, {}});
     }
     row.write(from, outgoing);
     for (text_file &file : files)
@@ -108,7 +101,8 @@ int run_export(const word &self, int argc, char **argv)
         return status_fault;
     }
     if (folder.empty() && row.writes == exchange::files::one) {
-        std::vector<exchange::outgoing_file> standard{{stdout, {}}};
+        std::vector<exchange::outgoing_file> standard{
+            {[](std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }, {}}};
         row.write(from, standard);
     } else if (!write_files(row, from, file_names(row, from, line.files.front()), folder)) {
         return status_fault;

@@ -1,6 +1,7 @@
 #include "exchange/import.h"
 #include "exchange/json.h"
 #include "exchange/key.h"
+#include "kit/new-from-catalogs.h"
 #include "kit/options.h"
 #include "kit/output.h"
 #include "kit/sources.h"
@@ -19,15 +20,10 @@ struct import_options {
     std::string format_name;
     std::string output;
     bool dry_run = false;
+    bool make_new = false;
     exchange::import_request request;
+    exchange::new_request fresh;
 };
-
-// A fault in a file from outside, as editors find its place.
-void say_fault(const std::string &path, const exchange::fault &wrong)
-{
-    const std::string line = wrong.line == 0 ? "" : ":" + std::to_string(wrong.line);
-    std::fprintf(stderr, "%s%s: error: %s\n", path.c_str(), line.c_str(), wrong.text.c_str());
-}
 
 // Changes go to standard output, what was not known to standard error.
 struct import_report {
@@ -138,6 +134,35 @@ int take_files(const exchange::format &row, import_options &options,
     return report.unknown ? status_found : status_fine;
 }
 
+// A new source from catalogs: what is asked for must fit together.
+int make_new(const word &self, import_options &options, const exchange::format &row,
+             const std::vector<std::string> &files)
+{
+    if (std::string_view(row.name) != "po")
+        return wrong_use(self, "--new is for --format po");
+    if (options.output.empty())
+        return wrong_use(self, "--new needs -o FILE");
+    if (access(options.output.c_str(), F_OK) == 0)
+        return wrong_use(self, "\"" + options.output + "\" is there already");
+    options.fresh.guesses = options.request.guesses;
+    options.fresh.now = std::time(nullptr);
+    return make_from_catalogs(options.fresh, files, {options.output, options.dry_run});
+}
+
+int import_into(const word &self, import_options &options, const exchange::format &row,
+                const std::vector<std::string> &files)
+{
+    if (files.size() < 2)
+        return wrong_use(self, std::string("a file is missing: lang-kit import ") + self.arguments);
+    if (!row.is_whole())
+        return take_files(row, options, files);
+    if (options.request.comments || options.request.guesses || !options.request.language.empty())
+        return wrong_use(self, "--comments, --fuzzy and --language are not for whole sources");
+    if (files.size() != 2)
+        return wrong_use(self, "one file too many: \"" + files[2] + "\"");
+    return take_whole(options, files);
+}
+
 } // namespace
 
 int run_import(const word &self, int argc, char **argv)
@@ -152,21 +177,21 @@ int run_import(const word &self, int argc, char **argv)
                {"fuzzy", nullptr, "take fuzzy texts too", &options.request.guesses},
                {"dry-run", nullptr, "only say what would change", &options.dry_run},
                {"output", "FILE", "write the source there", nullptr, &options.output, nullptr,
-                false, 'o'}},
-              2, static_cast<std::size_t>(-1));
+                false, 'o'},
+               {"new", nullptr, "make a new source from catalogs alone", &options.make_new},
+               {"default", "NAME", "its default language (english)", nullptr,
+                &options.fresh.default_language},
+               {"group", "NAME", "its group for messages without a context", nullptr,
+                &options.fresh.group}},
+              1, static_cast<std::size_t>(-1));
     if (line.ends)
         return line.status;
     const int at = choose(self, "format", options.format_name, exchange::format_names());
     if (at < 0)
         return status_fault;
     const exchange::format &row = exchange::formats()[static_cast<std::size_t>(at)];
-    if (!row.is_whole())
-        return take_files(row, options, line.files);
-    if (options.request.comments || options.request.guesses || !options.request.language.empty())
-        return wrong_use(self, "--comments, --fuzzy and --language are not for whole sources");
-    if (line.files.size() != 2)
-        return wrong_use(self, "one file too many: \"" + line.files[2] + "\"");
-    return take_whole(options, line.files);
+    return options.make_new ? make_new(self, options, row, line.files)
+                            : import_into(self, options, row, line.files);
 }
 
 } // namespace zel::kit

@@ -105,7 +105,7 @@ void compare_places(const comparison &about, GList *before, GList *after)
 
 void compare_both_items(comparison about, item_t &before, item_t &after)
 {
-    about.item = or_empty(after.name).data();
+    about.item = or_empty(after.name);
     compare_fields<item_t>(about, item_fields, before, after);
     compare_entries(about, "text", before.langs, after.langs);
     compare_entries(about, "comment", before.comments, after.comments);

@@ -1,6 +1,5 @@
 #include "merge/fields.h"
 
-#include <cctype>
 #include <utility>
 
 namespace zel {
@@ -23,7 +22,7 @@ public:
     bool only_blanks() const
     {
         text_walk rest = *this;
-        while (!rest.at_end() && std::isspace(static_cast<unsigned char>(rest.byte())) != 0)
+        while (!rest.at_end() && is_space(rest.byte()))
             rest.next();
         return rest.at_end();
     }
@@ -59,7 +58,7 @@ std::pair<text_walk, text_walk> behind_common(GList *a, GList *b)
 void append_texts(std::string &out, GList *texts)
 {
     for (const char *text : each<char>(texts))
-        out += or_empty(text);
+        out += view_of(text);
 }
 
 field_value value_of(const lang_entry_t *entry)
@@ -74,7 +73,7 @@ field_value value_of(const lang_entry_t *entry)
 bool same_strings(GList *a, GList *b)
 {
     for (; a != nullptr && b != nullptr; a = a->next, b = b->next)
-        if (or_empty(static_cast<char *>(a->data)) != or_empty(static_cast<char *>(b->data)))
+        if (view_of(static_cast<char *>(a->data)) != view_of(static_cast<char *>(b->data)))
             return false;
     return a == b;
 }

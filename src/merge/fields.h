@@ -9,10 +9,11 @@
 #include <string_view>
 
 #include "source/model.h"
+#include "support/text.h"
 
 namespace zel {
 
-inline std::string_view or_empty(const char *text) { return text == nullptr ? "" : text; }
+inline std::string_view view_of(const char *text) { return or_empty(text); }
 
 // Words for the values of a mark, the last one for all that are greater.
 struct mark_words {

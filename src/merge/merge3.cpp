@@ -202,7 +202,7 @@ lang_entry_t *merging::merge_entry(const char *field, lang_entry_t *base, lang_e
     } else if (same_meaning(ours, base)) {
         as_theirs = true;
     } else if (!same_meaning(theirs, base)) {
-        language = or_empty((ours == nullptr ? theirs : ours)->lang).data();
+        language = or_empty((ours == nullptr ? theirs : ours)->lang);
         as_theirs = settle(field, value_of(ours), value_of(theirs));
         language = nullptr;
     }
@@ -266,7 +266,7 @@ item_t *merging::merge_removed_item(item_t *base, item_t *ours, item_t *theirs)
 
 item_t *merging::merge_item(item_t *base, item_t *ours, item_t *theirs)
 {
-    item = or_empty((ours == nullptr ? theirs : ours)->name).data();
+    item = or_empty((ours == nullptr ? theirs : ours)->name);
     item_t *result = ours;
     if (ours != nullptr && theirs != nullptr)
         merge_both_items(base == nullptr ? new_item : *base, *ours, *theirs);
@@ -307,7 +307,7 @@ edit_t *merging::merge_removed_group(edit_t *base, edit_t *ours, edit_t *theirs)
 
 edit_t *merging::merge_group(edit_t *base, edit_t *ours, edit_t *theirs)
 {
-    group = or_empty((ours == nullptr ? theirs : ours)->name).data();
+    group = or_empty((ours == nullptr ? theirs : ours)->name);
     edit_t *result = ours;
     if (ours != nullptr && theirs != nullptr) {
         merge_fields<edit_t>(group_fields, base == nullptr ? new_group : *base, *ours, *theirs);
@@ -325,7 +325,7 @@ lang_t *merging::merge_language(lang_t *base, lang_t *ours, lang_t *theirs)
 {
     lang_t *left = ours == nullptr ? theirs : ours;
     if (ours != nullptr && theirs != nullptr) {
-        language = or_empty(left->name).data();
+        language = or_empty(left->name);
         merge_fields<lang_t>(language_fields, base == nullptr ? new_language : *base, *ours,
                              *theirs);
         language = nullptr;
@@ -345,7 +345,7 @@ lang_t *merging::merge_language(lang_t *base, lang_t *ours, lang_t *theirs)
 void merge_stamps(const LangSource &base, LangSource &ours, LangSource &theirs)
 {
     // The date in words goes with the creation time, which a check sets together with it.
-    const auto date = [](const LangSource &source) { return or_empty(source.create_date); };
+    const auto date = [](const LangSource &source) { return view_of(source.create_date); };
     const bool later =
         theirs.ctime > ours.ctime || (theirs.ctime == ours.ctime && date(theirs) > date(ours));
     if (date(theirs) != date(base) && (date(ours) == date(base) || later))

@@ -10,11 +10,11 @@
 
 namespace zel {
 
-inline std::string_view name_of(const lang_t &lang) { return or_empty(lang.name); }
-inline std::string_view name_of(const edit_t &group) { return or_empty(group.name); }
-inline std::string_view name_of(const item_t &item) { return or_empty(item.name); }
-inline std::string_view name_of(const lang_entry_t &entry) { return or_empty(entry.lang); }
-inline std::string_view name_of(const char &place) { return or_empty(&place); }
+inline std::string_view name_of(const lang_t &lang) { return view_of(lang.name); }
+inline std::string_view name_of(const edit_t &group) { return view_of(group.name); }
+inline std::string_view name_of(const item_t &item) { return view_of(item.name); }
+inline std::string_view name_of(const lang_entry_t &entry) { return view_of(entry.lang); }
+inline std::string_view name_of(const char &place) { return view_of(&place); }
 
 template <class T>
 std::string_view name_at(const GList *node)

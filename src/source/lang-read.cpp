@@ -1,6 +1,7 @@
 #include "source/lang-read.h"
 
 #include "app/global.h"
+#include "source/last-line.h"
 #include "support/log-print.h"
 #include "support/string-copy.h"
 #include "support/string.h"
@@ -579,30 +580,6 @@ read_cause why_not_opened(const char *path)
     return there ? read_cause::unreadable : read_cause::absent;
 }
 
-// What the program writes ends with a line that says so; a file that begins like one and lacks it
-// may have lost its end.
-bool is_cut(std::FILE *stream)
-{
-    constexpr std::string_view head = "/* !!!! DO NOT EDIT";
-    constexpr std::string_view last_line = "\n/* EOF ";
-    constexpr off_t longest_name = 8192; // of the path in that line
-    std::string text(longest_name, '\0');
-    const int file = fileno(stream);
-    const ssize_t first = pread(file, text.data(), head.size(), 0);
-    if (first < 0 || std::string_view(text.data(), static_cast<std::size_t>(first)) != head)
-        return false;
-    struct stat status;
-    if (fstat(file, &status) != 0)
-        return false;
-    const ssize_t length =
-        pread(file, text.data(), text.size(), std::max<off_t>(0, status.st_size - longest_name));
-    if (length < 0)
-        return false;
-    const std::string_view end(text.data(), static_cast<std::size_t>(length));
-    const std::size_t found = end.rfind(last_line);
-    return found == std::string_view::npos || end.find("*/", found) == std::string_view::npos;
-}
-
 } // namespace
 
 int parse_lang_text(zel_lex_t *lex, GList **entries)
@@ -661,15 +638,16 @@ read_answer read_source(const char *path, const read_how &how)
             result = outcome::give_up;
             cause = read_cause::unreadable;
             number = read_not_opened;
-        } else if (result != outcome::stop &&
-                   (failed_copies() != failed_before || zel_lex_out_of_memory(lex.get()) != 0)) {
-            result = outcome::give_up;
+        } else if (failed_copies() != failed_before || zel_lex_out_of_memory(lex.get()) != 0) {
             cause = read_cause::memory;
-            number = read_not_opened;
+            if (result == outcome::go_on) {
+                result = outcome::give_up;
+                number = read_not_opened;
+            }
         }
     }
     if (result == outcome::go_on) {
-        if (is_cut(buf->stream) || zel_lex_open_comment(lex.get()) != 0)
+        if (lacks_last_line(fileno(buf->stream)) || zel_lex_open_comment(lex.get()) != 0)
             reader.fail(read_maybe_cut, {0, 0});
         LogPrint(1, "lang_read_file: exit\n");
         return {std::move(source), read_result::good, read_cause::none};

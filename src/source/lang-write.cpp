@@ -1,6 +1,7 @@
 #include "source/lang-write.h"
 
 #include "app/global.h"
+#include "source/last-line.h"
 #include "source/misc.h"
 #include "source/quote.h"
 #include "support/log-print.h"
@@ -183,9 +184,8 @@ void source_writer::write(const char *path)
     write_languages();
     for (const edit_t *group : zel::each<edit_t>(source->groups))
         write_group(group);
-    out += "\n\n/* EOF ";
-    zel::append_comment(out, path);
-    out += " */\n";
+    out += '\n';
+    zel::append_last_line(out, how.name == nullptr ? path : how.name);
     flush(0);
 }
 
@@ -230,7 +230,7 @@ bool write_new_file(zel::safe_file &file, const LangSource *source, const char *
 }
 
 // Keeps the old file and lets the new one take its place.
-zel::write_answer replace(zel::safe_file &file, const char *path, std::int64_t now,
+zel::write_answer replace(zel::safe_file &file, const char *path, const zel::write_how &how,
                           const zel::target_file &old)
 {
     // What can fail for want of room comes before anything happens to the old file.
@@ -238,11 +238,14 @@ zel::write_answer replace(zel::safe_file &file, const char *path, std::int64_t n
         file.keep();
         return {say_not_renamed(path, error), {}};
     }
-    zel::backup_file kept = zel::make_backup(old, now);
+    zel::backup_file kept;
+    if (how.backup)
+        kept = zel::make_backup(old, how.now);
     if (kept.error != 0)
         return {say_not_backed_up(path, kept.path, kept.error), {}};
     if (const int error = file.put(old)) {
-        zel::undo_backup(kept, old);
+        if (how.backup)
+            zel::undo_backup(kept, old);
         file.keep();
         return {say_not_renamed(path, error), {}};
     }
@@ -264,10 +267,11 @@ write_answer write_source(const char *given, LangSource *source, const write_how
         return {say_not_backed_up(path, backup_name(old, how.now), old.refusal), {}};
     }
     const std::int64_t mtime = source->mtime;
-    source->mtime = how.now;
+    if (!how.keep_mtime)
+        source->mtime = how.now;
     safe_file file;
     write_answer answer = write_new_file(file, source, path, how, old)
-                              ? replace(file, path, how.now, old)
+                              ? replace(file, path, how, old)
                               : write_answer{say_no_temporary_file(path), {}};
     if (answer.code != 0)
         source->mtime = mtime;

@@ -13,6 +13,11 @@ struct write_how {
     const char *only_lang_1 = nullptr; // both given: the file gets these languages and no other
     const char *only_lang_2 = nullptr;
     std::int64_t now = 0; // becomes the source's mtime and the old file's stamp
+
+    // For what is made from several sources:
+    bool keep_mtime = false;    // the source has its own
+    const char *name = nullptr; // in the file's last line, where that is not the path
+    bool backup = true;         // the old file is kept
 };
 
 struct write_answer {
@@ -21,7 +26,7 @@ struct write_answer {
 };
 
 // Replaces the file at the path, or the one that its links lead to, by the source. With only_used,
-// items that are not used are left out. The old file keeps its text as
+// items that are not used are left out. The old file keeps its text, where that is wanted, as
 // path-YYYY-MM-DD-HH-MM-SS.bak and gives the new one its mode, and owner, group, access list and
 // user's attributes as far as it may. The text goes through "lang.tmp" in the current folder, which
 // two programs use one after the other; it is on the disk, whole, before anything happens to the

@@ -7,10 +7,14 @@
 
 namespace {
 
+// What finds no memory counts, so that a reader knows that it has missed something.
 template <class T>
 T *alloc_zeroed()
 {
-    return static_cast<T *>(std::calloc(1, sizeof(T)));
+    auto *record = static_cast<T *>(std::calloc(1, sizeof(T)));
+    if (record == nullptr)
+        zel::copy_failed();
+    return record;
 }
 
 void free_lang_entry(void *data)

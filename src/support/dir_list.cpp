@@ -3,6 +3,7 @@
 #include "support/file-call.h"
 #include "support/log-print.h"
 #include "support/string-copy.h"
+#include "support/text.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -41,8 +42,6 @@ int compare_names(const void *a, const void *b)
 }
 
 int compare_names_back(const void *a, const void *b) { return compare_names(b, a); }
-
-bool is_separator(char c) { return c == '/' || c == '\\'; }
 
 // Longest work path that cre_dir builds, with its final NUL.
 constexpr std::size_t work_path_size = 2048;
@@ -89,7 +88,7 @@ bool parent_is_writable(std::string parent)
 {
     if (parent.empty())
         return true;
-    const bool separated = is_separator(parent.back());
+    const bool separated = zel::is_separator(parent.back());
     if (separated)
         parent.back() = '/';
     // The root has no name without its separator.
@@ -259,11 +258,11 @@ int cd_next_token(const char **cursor, char *buffer)
         length = 0;
     } else if (text[1] == ':') {
         kind = CD_DRIVE;
-    } else if (is_separator(text[0]) && text[1] == text[0]) {
+    } else if (zel::is_separator(text[0]) && text[1] == text[0]) {
         kind = CD_NETWORK;
-    } else if (text[0] == '.' && is_separator(text[1])) {
+    } else if (text[0] == '.' && zel::is_separator(text[1])) {
         kind = CD_SEPARATOR;
-    } else if (is_separator(text[0])) {
+    } else if (zel::is_separator(text[0])) {
         kind = CD_SEPARATOR;
         length = 1;
     } else {
@@ -286,7 +285,7 @@ int cre_dir(const char *base, const char *dir)
         LogPrint(1, "cre_dir dir: dir >%s<:>%s<\n", base, dir);
         LogPrint(1, "cre_dir dir: wd  >%s<\n", base);
         maker.work = base;
-        if (maker.work.empty() || !is_separator(maker.work.back()))
+        if (maker.work.empty() || !zel::is_separator(maker.work.back()))
             maker.work += '/';
     } else {
         LogPrint(1, "cre_dir dir: dir >%s<\n", dir);

@@ -114,6 +114,14 @@ int open_plain(const char *path, int flags)
     return -1;
 }
 
+std::FILE *stream_of(int fd, const char *mode)
+{
+    std::FILE *stream = fd < 0 ? nullptr : fdopen(fd, mode);
+    if (stream == nullptr && fd >= 0)
+        close_quietly(fd);
+    return stream;
+}
+
 int write_all(int fd, std::string_view data)
 {
     while (!data.empty()) {

@@ -54,6 +54,9 @@ int refusal_of(const struct stat &status);
 // Opens a regular file that is there already; anything else is refused, at once. -1 with errno.
 int open_plain(const char *path, int flags);
 
+// A stream on a file that was just opened; where there is none, null, and errno as it was.
+std::FILE *stream_of(int fd, const char *mode);
+
 // Writes all of it, through signals and short writes. 0 or errno.
 int write_all(int fd, std::string_view data);
 

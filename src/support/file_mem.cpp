@@ -98,26 +98,12 @@ outcome read_whole(const char *path, char *&data, std::int64_t &count)
     return GOOD;
 }
 
-bool write_all(int fd, const char *data, std::int64_t size)
-{
-    while (size > 0) {
-        const ssize_t put = write(fd, data, static_cast<std::size_t>(size));
-        if (put < 0 && errno == EINTR)
-            continue;
-        if (put < 0)
-            return false;
-        data += put;
-        size -= put;
-    }
-    return true;
-}
-
 outcome write_whole(const char *path, const char *data, std::int64_t size, int flags, int mode)
 {
     const int fd = zel_open(path, flags, static_cast<mode_t>(mode));
     if (fd < 0)
         return NOT_OPENED;
-    const bool written = write_all(fd, data, size);
+    const bool written = zel::write_all(fd, {data, static_cast<std::size_t>(size)}) == 0;
     const bool closed = close(fd) == 0;
     return written && closed ? GOOD : FAILED;
 }

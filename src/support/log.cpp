@@ -62,15 +62,6 @@ void print_end(std::FILE *stream)
     print_stamp_line(stream);
 }
 
-// The stream of a file that was just opened; null when there is none, errno as it was.
-std::FILE *stream_of(int fd, const char *mode)
-{
-    std::FILE *stream = fd < 0 ? nullptr : fdopen(fd, mode);
-    if (stream == nullptr && fd >= 0)
-        zel::close_quietly(fd);
-    return stream;
-}
-
 // A log is written where its path says and nowhere else: over no link, and over nobody else's on
 // the way there.
 bool leads_elsewhere(const char *file)
@@ -99,7 +90,7 @@ std::FILE *open_new(const char *file)
     if (leads_elsewhere(file))
         return nullptr;
     rotate(file);
-    return stream_of(zel::open_fresh(file, 0666), "w+b");
+    return zel::stream_of(zel::open_fresh(file, 0666), "w+b");
 }
 
 std::FILE *open_for_appending(const char *file)
@@ -110,7 +101,7 @@ std::FILE *open_for_appending(const char *file)
     int fd = zel::open_plain(file, flags);
     if (fd < 0 && errno == ENOENT)
         fd = open(file, flags | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
-    return stream_of(fd, "a+");
+    return zel::stream_of(fd, "a+");
 }
 
 void open_log_file(const char *file, unsigned flags)

@@ -29,7 +29,7 @@ namespace zel {
 
 // How many copies of this file's kinds found no memory since the process began. A reader that
 // finds another number after its work than before has missed something. copy_failed counts one
-// more, for copies made elsewhere.
+// more, for copies and records made elsewhere.
 unsigned failed_copies() noexcept;
 void copy_failed() noexcept;
 

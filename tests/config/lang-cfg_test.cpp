@@ -189,14 +189,83 @@ TEST_F(Store, WordsKeepBackslashedCharactersAndGoWithoutAValue)
     const Bound bound(file);
     EXPECT_EQ(bound.read(), "");
     bound.write();
-    EXPECT_THAT(get(), HasSubstr("\n[s p]\na=b=x\\y;z\nquoted=  in = side \nlong=" +
+    EXPECT_THAT(get(), HasSubstr("\n[s p]\n\"a=b\"=\"x\\\\y;z\"\nquoted=\"  in = side \"\nlong=" +
                                  std::string(4095, 'w') + "\n"));
     EXPECT_THAT(get(), testing::Not(HasSubstr("empty")));
 }
 
-TEST_F(Store, AFileCutAnywhereIsReadAndWrittenAgain)
+// What nobody bound reads the same after any number of writes, whatever it is.
+TEST_F(Store, UnknownKeysSurviveWhateverTheyHold)
+{
+    const std::vector<std::string> values = {
+        "plain text", "; semi",   "[x]", "=1",        "  leading", "trailing \t", "two\nlines",
+        "say \"hi\"", "back\\sl", "-5",  "--verbose", "-",         "a;b[c]",      "a=b",
+        "-\"-x\"",    "\\",       "\"",  "\ttab",     "-; c",      "\xc3\xa4",    "---"};
+    std::string text = "[mine]\n";
+    for (std::size_t n = 0; n < values.size(); ++n) {
+        std::string quoted;
+        for (const char c : values[n])
+            quoted += (c == '"' || c == '\\') ? std::string("\\") + c : std::string(1, c);
+        text += "v" + std::to_string(n) + "=\"" + quoted + "\"\n";
+        text += "\"" + quoted + "\"=name " + std::to_string(n) + "\n";
+    }
+    text += "signs=--verbose\nsign=-\nfree=-\"; x\"\nmany=--\"- y\"\n";
+    put(text);
+    const auto values_of = [](const lang_cfg_t *store) {
+        std::vector<std::string> found;
+        for (const zel_list *node = zel::cfg_keys(zel::cfg_find_section(store, "mine"));
+             node != nullptr; node = node->next) {
+            const auto *key = static_cast<const cfg_entry_t *>(node->data);
+            found.push_back(std::string(key->name) + (key->negative != 0 ? " - " : " + ") +
+                            static_cast<const char *>(key->data));
+        }
+        return found;
+    };
+    std::vector<std::string> first;
+    for (int round = 0; round < 3; ++round) {
+        const Bound bound(file);
+        EXPECT_EQ(bound.read(), "");
+        if (round == 0) {
+            first = values_of(bound.store.get());
+            ASSERT_EQ(first.size(), 2 * values.size() + 4);
+            for (std::size_t n = 0; n < values.size(); ++n)
+                EXPECT_EQ(first[2 * n], "v" + std::to_string(n) + " + " + values[n]);
+        }
+        EXPECT_EQ(values_of(bound.store.get()), first) << round;
+        EXPECT_EQ(bound.write(), 0);
+    }
+    EXPECT_THAT(get(), HasSubstr("\nv0=plain text\n"));
+    EXPECT_THAT(get(), HasSubstr("\nsigns=--verbose\n"));
+}
+
+TEST_F(Store, AFileThatMayHaveBeenCutIsTold)
+{
+    for (const auto &[text, inside] :
+         std::vector<std::pair<std::string, std::string>>{{"a=1\n[sec", "a section's name"},
+                                                          {"a=\"open\nb=2\n", "a text in quotes"},
+                                                          {"a=1\n; rema", "a comment"},
+                                                          {"a=1 ; no comment", ""},
+                                                          {"a=1\n; remark\n[s]\nb=\"c\"", ""},
+                                                          {"[s\na=1\n", ""},
+                                                          {"", ""}}) {
+        put(text);
+        const Bound bound(file);
+        testing::internal::CaptureStderr();
+        bound.read();
+        EXPECT_EQ(testing::internal::GetCapturedStderr(),
+                  inside.empty() ? ""
+                                 : "lang: " + file.string() + ": the file ends inside " + inside +
+                                       "; it may have been cut\n")
+            << text;
+    }
+}
+
+using StoreSlow = Store;
+
+TEST_F(StoreSlow, AFileCutAnywhereIsReadAndWrittenAgain)
 {
     const std::string text = full;
+    testing::internal::CaptureStderr();
     for (std::size_t length = 0; length <= text.size(); ++length) {
         put(text.substr(0, length));
         const Bound bound(file);
@@ -207,6 +276,7 @@ TEST_F(Store, AFileCutAnywhereIsReadAndWrittenAgain)
         bound.write();
         EXPECT_EQ(get(), once) << "cut at " << length;
     }
+    testing::internal::GetCapturedStderr();
 }
 
 TEST_F(Store, LongTextsComeInPiecesOfOneLineEach)
@@ -252,7 +322,10 @@ TEST_F(Store, BindingsMeetWhatIsThere)
     bound.bind("long", CFG_HEX, &other); // bound already: keeps its type
     bound.bind("new", CFG_VOID, nullptr);
     bound.bind("odd", 99, &other);
+    bound.bind("text", CFG_VOID, strdup("the key's own")); // a key of this type owns its text
+    bound.bind("text", CFG_VOID, strdup("another"));
     bound.write();
+    EXPECT_THAT(get(), HasSubstr("\ntext=another\n"));
     EXPECT_THAT(get(), HasSubstr("\nlong=5\n"));
     EXPECT_THAT(get(), HasSubstr("\nlate=42\n"));
     EXPECT_THAT(get(), testing::Not(HasSubstr("new")));
@@ -277,6 +350,15 @@ TEST_F(Store, OneOpenStoreKeepsOthersOutUntilItIsClosed)
     lang_cfg_del(second.store.get());
     EXPECT_FALSE(locked());
     EXPECT_FALSE(fs::exists(file));
+}
+
+TEST_F(Store, ALockOfItsOwnGoesAlsoAfterAnOpenThatFoundIt)
+{
+    const Bound bound(file);
+    EXPECT_EQ(bound.open(), 0);
+    EXPECT_EQ(bound.open(CFG_OPEN_LOCK), CFG_LOCKED);
+    lang_cfg_close(bound.store.get());
+    EXPECT_FALSE(locked());
 }
 
 TEST_F(Store, LocksHoldBetweenProcesses)
@@ -338,6 +420,8 @@ TEST_F(Store, NamesAreDerivedFromTheFile)
     EXPECT_STREQ(bound.store->file, "x.y.ini");
     EXPECT_EQ(bound.store->path, folder.string());
     EXPECT_EQ(lang_cfg_set_file_name(bound.store.get(), ""), 1);
+    EXPECT_EQ(lang_cfg_set_file_name(bound.store.get(), bound.store->cfg), 0); // its own name
+    EXPECT_EQ(bound.store->cfg, (folder / "x.y.ini").string());
     EXPECT_EQ(lang_cfg_set_file_name(bound.store.get(), "plain"), 0);
     EXPECT_STREQ(bound.store->tmp, "plain.tmp");
     EXPECT_STREQ(bound.store->lock, "plain.lock");

@@ -96,10 +96,10 @@ TEST(Carry, AnyBytesTravelAsCharacters)
 
 TEST(Po, ReadsWhatCatalogsHold)
 {
-    po_reader reader("\xEF\xBB\xBF# remark\n#\n#. hint\n#: a.c:1 \xE2\x81\xA8"
+    po_reader reader("\xEF\xBB\xBF# rem\\\nark\n#\n#. hint\n#: a.c:1 \xE2\x81\xA8"
                      "b c.c\xE2\x81\xA9:2\r\n"
                      "#, fuzzy, c-format ,range: 1..5\n#| msgctxt \"old\"\n#| msgid \"was\"\n"
-                     "msgctxt \"ctx\"\nmsgid \"o\" \"ne\\n\"\n  \"\\x41\\101\\v\"\n"
+                     "msgctxt \"c\\\ntx\"\nmsgid \"o\" \"ne\\n\"\n  \"\\x41\\101\\v\"\n"
                      "msgid_plural \"many\"\nmsgstr[0] \"1\"\nmsgstr[1] \"\\303\\266\"\n"
                      "#~ msgid \"gone\"\n#~ \" far\"\n#~ msgstr \"weg\"\n# end\n");
     po_message message;
@@ -116,7 +116,7 @@ TEST(Po, ReadsWhatCatalogsHold)
     EXPECT_EQ(message.id.text, "one\nAA\v");
     EXPECT_EQ(message.id.plural, "many");
     EXPECT_THAT(message.texts, ElementsAre("1", "\xC3\xB6"));
-    EXPECT_EQ(message.line, 8U);
+    EXPECT_EQ(message.line, 9U);
     ASSERT_TRUE(reader.next(message));
     EXPECT_TRUE(message.obsolete);
     EXPECT_EQ(message.id.text, "gone far");

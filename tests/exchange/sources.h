@@ -158,18 +158,11 @@ inline std::vector<std::string> written(const zel::exchange::export_request &req
     const zel::exchange::format *row = zel::exchange::find_format(format);
     const std::size_t count =
         row->writes == zel::exchange::files::one ? 1 : from.languages().size();
+    std::vector<std::string> texts(count);
     std::vector<zel::exchange::outgoing_file> files;
-    for (std::size_t at = 0; at < count; ++at)
-        files.push_back({std::tmpfile(), {}});
+    for (std::string &text : texts)
+        files.push_back({[&text](std::string_view piece) { text += piece; }, {}});
     row->write(from, files);
-    std::vector<std::string> texts;
-    for (const auto &file : files) {
-        std::string text(static_cast<std::size_t>(std::ftell(file.stream)), '\0');
-        std::rewind(file.stream);
-        require(std::fread(text.data(), 1, text.size(), file.stream) == text.size(), "fread");
-        std::fclose(file.stream);
-        texts.push_back(text);
-    }
     return texts;
 }
 

@@ -75,7 +75,11 @@ protected:
             act();
             then(dialog);
         });
-        return zel_test::capture_stdout([&] { EXPECT_EQ(define_open(nullptr, source.get()), 0); });
+        std::string printed =
+            zel_test::capture_stdout([&] { EXPECT_EQ(define_open(nullptr, source.get()), 0); });
+        if (HasFailure()) // what failed stands among it
+            std::fputs(printed.c_str(), stderr);
+        return printed;
     }
 
     source_guard source{lang_alloc_group()};
@@ -188,6 +192,40 @@ TEST_F(Define, RemembersWhereItStood)
         gtk_window_move(GTK_WINDOW(defineWin), 123, 77);
         EXPECT_TRUE(wait_for([] { return ini->define_x == 123 && ini->define_y == 77; }))
             << ini->define_x << " " << ini->define_y;
+    });
+}
+
+TEST_F(Define, ManyLanguagesScrollAndCloseStaysInSight)
+{
+    for (int number = 0; number < 60; ++number)
+        add_lang(("language " + std::to_string(number)).c_str());
+    open([&] {
+        settle(50);
+        gint width = 0;
+        gint height = 0;
+        gtk_window_get_size(GTK_WINDOW(defineWin), &width, &height);
+        EXPECT_LT(height, gdk_screen_get_height(gtk_widget_get_screen(defineWin)) - 20);
+        GtkAllocation close{};
+        gtk_widget_get_allocation(find_text(defineWin, "Close"), &close);
+        EXPECT_LT(close.y + close.height, height);
+
+        const auto in_sight = [](GtkWidget *widget) {
+            GtkWidget *viewport = gtk_widget_get_ancestor(widget, GTK_TYPE_VIEWPORT);
+            gint x = 0;
+            gint y = 0;
+            gtk_widget_translate_coordinates(widget, viewport, 0, 0, &x, &y);
+            GtkAllocation shown{};
+            gtk_widget_get_allocation(viewport, &shown);
+            return y >= 0 && y + 10 < shown.height && x >= 0 && x + 10 < shown.width;
+        };
+        GtkWidget *last = row(62)->edit_button;
+        EXPECT_FALSE(in_sight(last));
+        gtk_widget_grab_focus(last);
+        settle();
+        EXPECT_TRUE(in_sight(last)) << "what has the keyboard is scrolled to";
+        gtk_button_clicked(GTK_BUTTON(find_text(defineWin, "Add")));
+        settle();
+        EXPECT_TRUE(in_sight(row(63)->name_entry));
     });
 }
 

@@ -4,6 +4,7 @@
 #include "editor/gtk-compat.h"
 #include "editor/lang-box.h"
 #include "editor/popup.h"
+#include "editor/recent.h"
 #include "gui-support.h"
 #include "test-support.h"
 
@@ -119,6 +120,80 @@ TEST_F(Dialogs, ChoosersGiveTheChosenPathOrNothing)
         EXPECT_EQ(taken(select(nullptr, "preset", nullptr, name)), name);
     }
     EXPECT_EQ(preset, path("a.lang"));
+}
+
+TEST_F(Dialogs, TheFirstFilterIsForTheEndingAndThePreset)
+{
+    for (const char *name : {"a.lang", "b.lang-src", "b.lang-src-2024-03-04-10-11-12.bak"})
+        write_file(path(name), "");
+    const std::string preset = path("b.lang-src");
+    answer_next([&](GtkWidget *dialog) {
+        GtkFileChooser *chooser = GTK_FILE_CHOOSER(dialog);
+        const auto passes = [&](const std::string &name) {
+            GtkFileFilterInfo info{};
+            info.contains = static_cast<GtkFileFilterFlags>(GTK_FILE_FILTER_DISPLAY_NAME |
+                                                            GTK_FILE_FILTER_FILENAME);
+            const std::string whole = path(name);
+            info.display_name = name.c_str();
+            info.filename = whole.c_str();
+            return gtk_file_filter_filter(gtk_file_chooser_get_filter(chooser), &info) != 0;
+        };
+        settle(300);
+        EXPECT_TRUE(passes("a.lang"));
+        EXPECT_TRUE(passes("b.lang-src")) << "the preset";
+        EXPECT_FALSE(passes("c.lang-src"));
+        EXPECT_FALSE(passes("b.lang-src-2024-03-04-10-11-12.bak"));
+        EXPECT_EQ(taken(gtk_file_chooser_get_filename(chooser)), preset);
+        GSList *filters = gtk_file_chooser_list_filters(chooser);
+        ASSERT_EQ(g_slist_length(filters), 2U);
+        gtk_file_chooser_set_filter(chooser, GTK_FILE_FILTER(filters->next->data));
+        g_slist_free(filters);
+        EXPECT_TRUE(passes("b.lang-src-2024-03-04-10-11-12.bak"));
+        gtk_dialog_response(GTK_DIALOG(dialog), GTK_RESPONSE_CANCEL);
+    });
+    EXPECT_EQ(zel::select_to_read(nullptr, "read", preset.c_str(), "lang"), nullptr);
+}
+
+TEST_F(Dialogs, ALetterBeginsAName)
+{
+    write_file(path("notes.lang-src"), "");
+    answer_next([&](GtkWidget *dialog) {
+        gtk_file_chooser_set_current_folder(GTK_FILE_CHOOSER(dialog), folder.c_str());
+        settle(300);
+        type(dialog, "notes.lang-src");
+        settle(300);
+        GtkWidget *name = gtk_window_get_focus(GTK_WINDOW(dialog));
+        ASSERT_TRUE(GTK_IS_ENTRY(name));
+        EXPECT_STREQ(gtk_entry_get_text(GTK_ENTRY(name)), "notes.lang-src");
+        key(dialog, GDK_KEY_Return);
+        settle(300);
+    });
+    EXPECT_EQ(taken(zel::select_to_read(nullptr, "read", nullptr, "lang-src")),
+              path("notes.lang-src"));
+    // The next chooser would begin with the name, too.
+    fs::remove(std::string(g_get_user_config_dir()) + "/gtk-2.0/gtkfilechooser.ini");
+}
+
+TEST_F(Dialogs, SourcesOpenedLastAreOffered)
+{
+    for (const char *name : {"one.lang-src", "two.lang-src", "gone.lang-src"}) {
+        write_file(path(name), "");
+        zel::remember_source(path(name).c_str());
+        settle(1100); // the times are seconds
+    }
+    fs::remove("gone.lang-src");
+    const std::vector<std::string> recent = zel::recent_sources();
+    ASSERT_GE(recent.size(), 2U);
+    EXPECT_EQ(recent[0], path("two.lang-src"));
+    EXPECT_EQ(recent[1], path("one.lang-src"));
+    answer_next([](GtkWidget *dialog) {
+        GtkWidget *row = gtk_file_chooser_get_extra_widget(GTK_FILE_CHOOSER(dialog));
+        settle(300);
+        gtk_combo_box_set_active(GTK_COMBO_BOX(find_type(row, GTK_TYPE_COMBO_BOX)), 1);
+        settle(300);
+        press("gtk-open")(dialog);
+    });
+    EXPECT_EQ(taken(zel::select_source(nullptr, "open file")), path("one.lang-src"));
 }
 
 TEST_F(Dialogs, SeveralFilesAreFilteredByTheirPatterns)

@@ -55,8 +55,8 @@ TEST_F(Status, SaysWhyALoadFailed)
         }
     });
     const std::string said = zel_test::capture_stderr([&] {
-        run_editor(path("nowhere.lang-src"), [] { FAIL() << "it runs"; });
-        run_editor(path("bad.lang-src"), [] { FAIL() << "it runs"; });
+        run_editor(path("nowhere.lang-src"), nullptr);
+        run_editor(path("bad.lang-src"), nullptr);
     });
     EXPECT_THAT(said, HasSubstr("lang: " + path("nowhere.lang-src: there is no such file\n")));
     EXPECT_THAT(said, HasSubstr("lang: " + path("bad.lang-src: line 2")));

@@ -15,7 +15,7 @@ add_test(NAME langlib_cxx COMMAND langlib_cxx_test)
 
 add_test(NAME langlib_install
          COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/langlib/install-test.sh ${CMAKE_COMMAND}
-                 ${CMAKE_BINARY_DIR} ${CMAKE_SOURCE_DIR} $<$<TARGET_EXISTS:lang>:$<TARGET_FILE:lang>>)
+                 ${PROJECT_BINARY_DIR} ${PROJECT_SOURCE_DIR} $<$<TARGET_EXISTS:lang>:$<TARGET_FILE:lang>>)
 set(sanitize_flags "")
 if(LANG_SANITIZE)
   set(sanitize_flags "-fsanitize=${LANG_SANITIZE}")

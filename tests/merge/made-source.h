@@ -60,7 +60,7 @@ private:
             zel::string_guard made(n == 0 ? nullptr : zel_strdup((of + std::to_string(n)).c_str()));
             bool there = false;
             for (GList *node = list; node != nullptr && how_ == names::once; node = node->next)
-                there = there || zel::name_at<T>(node) == zel::or_empty(made.get());
+                there = there || zel::name_at<T>(node) == zel::view_of(made.get());
             if (!there)
                 return made.release();
         }

@@ -1,8 +1,12 @@
 #include "log-fixture.h"
 
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+namespace fs = std::filesystem;
 using ::testing::HasSubstr;
 using ::testing::MatchesRegex;
 using zel_test::capture_stderr;
@@ -89,6 +93,61 @@ TEST(log, without_a_file_the_streams_still_get_everything)
     whole.resize(whole.size() - 19); // no marker on the streams
     EXPECT_THAT(out, MatchesRegex(whole));
     EXPECT_THAT(err, MatchesRegex(whole));
+}
+
+// Whatever bears the log's name: nothing is written through it, and nothing waits for it.
+TEST(log, follows_no_link_and_moves_no_folder)
+{
+    const temp_dir dir;
+    const std::string path = dir / "a.log";
+    for (const unsigned flags : {LOG_OPEN_NEW + 0U, LOG_OPEN_APPEND + 0U}) {
+        for (int kind = 0; kind < 4; ++kind) {
+            write_file(dir / "other", "precious");
+            if (kind == 0)
+                fs::create_symlink("other", path);
+            else if (kind == 1)
+                fs::create_symlink("nowhere", path);
+            else if (kind == 2)
+                ASSERT_EQ(mkfifo(path.c_str(), 0666), 0);
+            else
+                fs::create_directories(path + "/inside");
+            LogOpen(path.c_str(), flags, "1.2");
+            LogPrint(1, "line\n");
+            EXPECT_EQ(flags == LOG_OPEN_NEW && kind < 2, LogGetFd() != nullptr) << kind;
+            LogClose();
+            if (kind >= 2) {
+                EXPECT_EQ(nullptr, zel_log_open(path.c_str(), "1", 0)) << kind;
+            }
+            EXPECT_EQ("precious", read_file(dir / "other"));
+            EXPECT_FALSE(fs::exists(dir / "nowhere"));
+            EXPECT_EQ(kind == 3, fs::exists(path + "/inside"));
+            EXPECT_EQ(kind == 2, fs::is_fifo(path));
+            fs::remove_all(path);
+            fs::remove_all(path + ".old");
+        }
+    }
+}
+
+TEST(log, is_not_written_over_a_link_of_somebody_else)
+{
+    const temp_dir dir;
+    fs::create_directory(dir / "real");
+    fs::create_symlink("real", dir / "link");
+    const std::string path = dir / "link/a.log";
+    LogOpen(path.c_str(), LOG_OPEN_NEW, "1.2"); // over one's own it is
+    LogClose();
+    EXPECT_TRUE(fs::exists(dir / "real/a.log"));
+    if (geteuid() != 0)
+        GTEST_SKIP() << "needs the right to give files away";
+    fs::remove(dir / "real/a.log");
+    ASSERT_EQ(lchown((dir / "link").c_str(), 1234, 1234), 0);
+    LogOpen(path.c_str(), LOG_OPEN_NEW, "1.2");
+    EXPECT_EQ(nullptr, LogGetFd());
+    LogClose();
+    LogOpen(path.c_str(), LOG_OPEN_APPEND, "1.2");
+    EXPECT_EQ(nullptr, LogGetFd());
+    LogClose();
+    EXPECT_TRUE(fs::is_empty(dir / "real"));
 }
 
 TEST_F(log_open, second_open_is_refused_and_logged)

@@ -1,0 +1,231 @@
+#include "editor/w_text_build.h"
+
+#include "app/global.h"
+#include "editor/accessible.h"
+#include "editor/text-pieces.h"
+#include "editor/theme.h"
+#include "editor/ui-text.h"
+
+#include <algorithm>
+
+namespace {
+
+using zel::field_t;
+using zel::fields;
+
+constexpr int used_in_width = 220;
+constexpr int margin = 6;
+constexpr int above_lines = 2;
+
+GtkWidget *make_caption(GtkWidget *view)
+{
+    GtkWidget *label = gtk_label_new(nullptr);
+    gtk_misc_set_alignment(GTK_MISC(label), 0.0F, 0.5F);
+    gtk_label_set_ellipsize(GTK_LABEL(label), PANGO_ELLIPSIZE_END);
+    gtk_label_set_mnemonic_widget(GTK_LABEL(label), view);
+    return label;
+}
+
+GtkWidget *make_text_view(int height)
+{
+    GtkWidget *view = gtk_text_view_new();
+    GtkTextView *text_view = GTK_TEXT_VIEW(view);
+    gtk_text_view_set_wrap_mode(text_view, GTK_WRAP_WORD_CHAR);
+    gtk_text_view_set_left_margin(text_view, margin);
+    gtk_text_view_set_right_margin(text_view, margin);
+    gtk_text_view_set_pixels_above_lines(text_view, above_lines);
+    gtk_text_view_set_accepts_tab(text_view, FALSE);
+    zel::keep_in_pieces(gtk_text_view_get_buffer(text_view));
+    gtk_widget_set_size_request(view, -1, height);
+    return view;
+}
+
+// The view scrolls in its frame, so that long texts fit and a small window may be lower than the
+// views ask for.
+GtkWidget *make_view_frame(GtkWidget *view)
+{
+    GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
+    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER,
+                                   GTK_POLICY_AUTOMATIC);
+    gtk_container_add(GTK_CONTAINER(scrolled), view);
+    GtkWidget *frame = zel::make_line_frame();
+    gtk_container_add(GTK_CONTAINER(frame), scrolled);
+    return frame;
+}
+
+// --- Heights -----------------------------------------------------------------------------------
+
+int line_height(GtkWidget *view)
+{
+    PangoFontMetrics *metrics = pango_context_get_metrics(
+        gtk_widget_get_pango_context(view), gtk_widget_get_style(view)->font_desc, nullptr);
+    const int height =
+        pango_font_metrics_get_ascent(metrics) + pango_font_metrics_get_descent(metrics);
+    pango_font_metrics_unref(metrics);
+    return PANGO_PIXELS_CEIL(height) + above_lines;
+}
+
+GtkWidget *scrolled_of(Zeltext *text, int number)
+{
+    return gtk_widget_get_parent(text->*fields[number].view);
+}
+
+int requested_height(GtkWidget *widget)
+{
+    gint height = 0;
+    gtk_widget_get_size_request(widget, nullptr, &height);
+    return std::max(height, 0);
+}
+
+// Shares the panel's height out among the fields.
+void share_height(GtkWidget *viewport, GtkAllocation *place, gpointer data)
+{
+    Zeltext *text = ZEL_TEXT(data);
+    GtkRequisition wanted{};
+    gtk_widget_size_request(gtk_bin_get_child(GTK_BIN(viewport)), &wanted);
+    const int languages = (gtk_widget_get_visible(text->lang1_frame) != 0 ? 1 : 0) +
+                          (gtk_widget_get_visible(text->lang2_frame) != 0 ? 1 : 0);
+    const int line = line_height(text->trans1_view);
+    if (languages == 0)
+        return;
+    // What the fields of one language have; the rest of what is wanted is for other things.
+    const int comment_now = requested_height(scrolled_of(text, TEXT_COMMENT1));
+    const int trans_now = requested_height(scrolled_of(text, TEXT_TRANS1));
+    const int others = wanted.height - languages * (comment_now + trans_now);
+    const field_t &comment = fields[TEXT_COMMENT1];
+    const field_t &trans = fields[TEXT_TRANS1];
+    const int room = (place->height - others) / languages - trans.height;
+    const int comment_height =
+        std::clamp(room, comment.lines * line, std::max(comment.height, comment.lines * line));
+    for (int number = 0; number < TEXT_FIELDS; ++number) {
+        const bool is_comment = number == TEXT_COMMENT1 || number == TEXT_COMMENT2;
+        const int height = is_comment ? comment_height : trans.lines * line;
+        GtkWidget *scrolled = scrolled_of(text, number);
+        if (requested_height(scrolled) != height)
+            gtk_widget_set_size_request(scrolled, -1, height);
+    }
+}
+
+// The field that gets the keyboard is scrolled to, with its caption.
+gboolean show_whole_field(GtkWidget *view, GdkEventFocus *, gpointer data)
+{
+    GtkWidget *box = gtk_widget_get_ancestor(view, GTK_TYPE_VIEWPORT);
+    GtkWidget *content = gtk_bin_get_child(GTK_BIN(box));
+    gint x = 0;
+    gint top = 0;
+    gint bottom = 0;
+    gtk_widget_translate_coordinates(GTK_WIDGET(data), content, 0, 0, &x, &top);
+    gtk_widget_translate_coordinates(view, content, 0, 0, &x, &bottom);
+    GtkAllocation place{};
+    gtk_widget_get_allocation(view, &place);
+    gtk_adjustment_clamp_page(gtk_viewport_get_vadjustment(GTK_VIEWPORT(box)), top,
+                              bottom + place.height + margin);
+    return FALSE;
+}
+
+// --- Parts -------------------------------------------------------------------------------------
+
+void make_field(Zeltext *text, int number, GtkWidget *box)
+{
+    const field_t &field = fields[number];
+    const bool is_comment = number == TEXT_COMMENT1 || number == TEXT_COMMENT2;
+    GtkWidget *view = make_text_view(field.height);
+    GtkWidget *label = make_caption(view);
+    gtk_box_pack_start(GTK_BOX(box), label, FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), make_view_frame(view), is_comment ? FALSE : TRUE, TRUE, 0);
+    g_signal_connect(view, "focus-in-event", G_CALLBACK(show_whole_field), label);
+    text->*field.view = view;
+    text->*field.label = label;
+}
+
+GtkWidget *make_language_frame(Zeltext *text, int comment, int trans)
+{
+    GtkWidget *box = gtk_vbox_new(FALSE, 2);
+    make_field(text, comment, box);
+    make_field(text, trans, box);
+    GtkWidget *frame = gtk_frame_new(nullptr);
+    gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_NONE);
+    gtk_container_add(GTK_CONTAINER(frame), box);
+    return frame;
+}
+
+void make_identity(Zeltext *text, GtkWidget *box)
+{
+    text->description_label = gtk_label_new(nullptr);
+    gtk_widget_set_size_request(text->description_label, 60, -1);
+    gtk_misc_set_alignment(GTK_MISC(text->description_label), 0.0F, 0.5F);
+    gtk_label_set_ellipsize(GTK_LABEL(text->description_label), PANGO_ELLIPSIZE_END);
+    gtk_box_pack_start(GTK_BOX(box), text->description_label, FALSE, FALSE, 0);
+
+    text->name_entry = gtk_entry_new();
+    gtk_editable_set_editable(GTK_EDITABLE(text->name_entry), FALSE);
+    zel::set_accessible_name(text->name_entry, zel::ui_text("tab-edit", "Item"));
+    gtk_box_pack_start(GTK_BOX(box), text->name_entry, FALSE, FALSE, 0);
+
+    if (lang_global.editor_mode != 2)
+        return;
+    text->name_edit_entry = gtk_entry_new();
+    zel::set_accessible_name(text->name_edit_entry, zel::ui_text("tab-edit", "Item"));
+    gtk_box_pack_start(GTK_BOX(box), text->name_edit_entry, FALSE, FALSE, 0);
+}
+
+GtkWidget *make_used_in(Zeltext *text)
+{
+    const char *title = zel::ui_text("text", "Used in");
+    text->used_in_view = make_text_view(-1);
+    gtk_widget_set_sensitive(text->used_in_view, FALSE);
+    zel::set_accessible_name(text->used_in_view, title);
+    GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
+    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
+                                   GTK_POLICY_AUTOMATIC);
+    gtk_scrolled_window_add_with_viewport(GTK_SCROLLED_WINDOW(scrolled), text->used_in_view);
+    GtkWidget *viewport = gtk_bin_get_child(GTK_BIN(scrolled));
+    gtk_viewport_set_shadow_type(GTK_VIEWPORT(viewport), GTK_SHADOW_NONE);
+    GtkWidget *frame = zel::make_line_frame();
+    gtk_widget_set_size_request(frame, used_in_width, -1);
+    gtk_container_add(GTK_CONTAINER(frame), scrolled);
+    GtkWidget *label = make_caption(text->used_in_view);
+    gtk_label_set_text(GTK_LABEL(label), title);
+    GtkWidget *box = gtk_vbox_new(FALSE, 2);
+    gtk_box_pack_start(GTK_BOX(box), label, FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), frame, TRUE, TRUE, 0);
+    return box;
+}
+
+GtkWidget *make_scrolled_box(Zeltext *text, GtkWidget *box)
+{
+    GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
+    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER,
+                                   GTK_POLICY_AUTOMATIC);
+    gtk_scrolled_window_add_with_viewport(GTK_SCROLLED_WINDOW(scrolled), box);
+    GtkWidget *viewport = gtk_bin_get_child(GTK_BIN(scrolled));
+    gtk_viewport_set_shadow_type(GTK_VIEWPORT(viewport), GTK_SHADOW_NONE);
+    gtk_container_set_focus_vadjustment(
+        GTK_CONTAINER(box), gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scrolled)));
+    g_signal_connect(viewport, "size-allocate", G_CALLBACK(share_height), text);
+    return scrolled;
+}
+
+} // namespace
+
+namespace zel {
+
+void build_text_panel(Zeltext *text)
+{
+    gtk_frame_set_shadow_type(GTK_FRAME(text), GTK_SHADOW_NONE);
+    GtkWidget *panes = gtk_hbox_new(FALSE, 2);
+    gtk_container_set_border_width(GTK_CONTAINER(panes), margin);
+    GtkWidget *box = gtk_vbox_new(FALSE, 2);
+    make_identity(text, box);
+    text->lang1_frame = make_language_frame(text, TEXT_COMMENT1, TEXT_TRANS1);
+    text->lang2_frame = make_language_frame(text, TEXT_COMMENT2, TEXT_TRANS2);
+    gtk_box_pack_start(GTK_BOX(box), text->lang1_frame, TRUE, TRUE, 0);
+    gtk_box_pack_start(GTK_BOX(box), text->lang2_frame, TRUE, TRUE, 0);
+    gtk_box_pack_start(GTK_BOX(panes), make_scrolled_box(text, box), TRUE, TRUE, 0);
+    if (lang_global.editor_mode != 0)
+        gtk_box_pack_start(GTK_BOX(panes), make_used_in(text), FALSE, FALSE, 0);
+    gtk_container_add(GTK_CONTAINER(text), panes);
+    gtk_widget_show_all(panes);
+}
+
+} // namespace zel

@@ -1,0 +1,226 @@
+#include "exchange/new-source.h"
+
+#include "exchange/carry.h"
+#include "exchange/entries.h"
+#include "exchange/key.h"
+#include "exchange/language-code.h"
+#include "exchange/po-read.h"
+#include "support/string-copy.h"
+
+namespace zel::exchange {
+
+namespace {
+
+constexpr char context_end = '\x04'; // as compiled catalogs have it
+
+source_guard empty_source(const new_request &request)
+{
+    source_guard source(lang_alloc_group());
+    source->format = LANG_SOURCE_UTF8;
+    source->ctime = request.now;
+    replace_string(source->default_lang, zel_strdup(request.default_language.c_str()));
+    return source;
+}
+
+// "src/window.c:31" in its two parts; the line is empty where there is none.
+struct reference_parts {
+    std::string_view file;
+    std::string_view line;
+};
+
+reference_parts split_reference(std::string_view reference)
+{
+    constexpr std::string_view open = "\xE2\x81\xA8";
+    constexpr std::string_view close = "\xE2\x81\xA9";
+    const std::size_t colon = reference.rfind(':');
+    std::string_view line;
+    if (colon != std::string_view::npos && colon + 1 < reference.size() &&
+        reference.find_first_not_of("0123456789", colon + 1) == std::string_view::npos) {
+        line = reference.substr(colon + 1);
+        reference = reference.substr(0, colon);
+    }
+    if (reference.starts_with(open) && reference.ends_with(close))
+        reference = reference.substr(open.size(), reference.size() - open.size() - close.size());
+    return {reference, line};
+}
+
+// As sources have a place: the line in five digits before the file.
+std::string place_of(std::string_view reference)
+{
+    const auto [file, line] = split_reference(reference);
+    std::string place(line.size() < 5 ? 5 - line.size() : 0, '0');
+    return place.append(line).append(1, ':').append(file);
+}
+
+std::string joined(const std::vector<std::string> &lines)
+{
+    std::string out;
+    for (const std::string &line : lines)
+        if (!line.starts_with("xgettext:"))
+            out.append(out.empty() ? "" : "\n").append(line);
+    return out;
+}
+
+// The program's name in a header's "notes 1.4"; empty for what nobody has filled in.
+std::string_view app_of(std::string_view project)
+{
+    if (project == "PACKAGE VERSION")
+        return {};
+    const std::size_t blank = project.rfind(' ');
+    const bool has_version = blank != std::string_view::npos &&
+                             project.find_first_of("0123456789", blank) != std::string_view::npos;
+    return has_version || project.ends_with(" VERSION") ? project.substr(0, blank) : project;
+}
+
+} // namespace
+
+new_source::new_source(const new_request &request)
+    : request_(request), source_(empty_source(request)), items_(source_.get())
+{
+    add_language(request.default_language);
+    codes_[request.default_language] = code_of(request.default_language);
+}
+
+void new_source::add_language(const std::string &name)
+{
+    lang_t *lang = alloc_lang();
+    lang->name = zel_strdup(name.c_str());
+    std::string file = name;
+    std::replace(file.begin(), file.end(), '/', '-');
+    lang->file = zel_strdup((file + ".lang").c_str());
+    lang->edit = source_->lang_count < 2 ? 1 : 0; // the first two are the ones shown
+    ++source_->lang_count;
+    source_->langs = g_list_append(source_->langs, lang);
+}
+
+// The header's own name; a word for its code, or the code where none means just that; the file's.
+std::string new_source::name_language(const std::string &path, std::string_view header)
+{
+    std::string name;
+    read_name(po_header_field(header, "X-Language-Name"), name);
+    std::string code(po_header_field(header, "Language"));
+    if (name.empty() && code.empty())
+        code = code_of(stem_of(path));
+    if (name.empty())
+        name = code == code_of(name_of_code(code)) ? std::string(name_of_code(code)) : code;
+    if (name.empty())
+        name = stem_of(path);
+    if (codes_.emplace(name, code).second)
+        add_language(name);
+    return name;
+}
+
+void new_source::take_header(catalog &of, const std::string &path, const po_message &message)
+{
+    const std::string &header = message.texts.front();
+    of.own = po_header_field(header, "X-Generator") == "lang-kit";
+    of.language = name_language(path, header);
+    const std::string app(app_of(po_header_field(header, "Project-Id-Version")));
+    if (!app.empty())
+        replace_string(source_->app, zel_strdup(app.c_str()));
+}
+
+std::string new_source::group_of(const po_message &message) const
+{
+    if (message.id.context)
+        return *message.id.context;
+    if (!request_.group.empty())
+        return request_.group;
+    const std::string_view file = message.references.empty()
+                                      ? std::string_view()
+                                      : split_reference(message.references.front()).file;
+    return file.empty() ? "messages" : std::string(stem_of(file));
+}
+
+// A message without a context may bear the name of another one in a group of that name.
+item_t *new_source::make_item(const std::string &group, const std::string &name,
+                              const po_message &message)
+{
+    std::string free_group = group;
+    for (int number = 2; items_.find(free_group.c_str(), name.c_str()) != nullptr; ++number)
+        free_group = group + "-" + std::to_string(number);
+    indexed_item *added = items_.insert(free_group.c_str(), name.c_str());
+    item_t *item = added->item;
+    item->used = 1;
+    item->typ = 1;
+    item->ctime = request_.now;
+    for (const std::string &reference : message.references)
+        add_use(*added, place_of(reference).c_str());
+    replace_string(item->description, zel_strdup(joined(message.extracted).c_str()));
+    ++source_->item_count;
+    return item;
+}
+
+// A text of a catalog; only those of lang-kit's own carry bytes.
+std::string new_source::came(const catalog &of, std::string text)
+{
+    if (of.own)
+        uncarry(text, encoding::utf8);
+    return text;
+}
+
+// The item for the id or the plural id of a message, made when no catalog had it before.
+item_t *new_source::item_of(const catalog &of, const po_message &message, const std::string &name)
+{
+    std::string group;
+    std::string item_name;
+    const bool keyed =
+        of.own && message.id.context && split_key(*message.id.context, group, item_name);
+    std::string identity = message.id.context ? *message.id.context + context_end : std::string();
+    if (!keyed)
+        identity += name;
+    item_t *&item = known_[identity];
+    if (item != nullptr)
+        return item;
+    item =
+        keyed ? make_item(group, item_name, message) : make_item(group_of(message), name, message);
+    if (keyed)
+        put_text(item->langs, request_.default_language.c_str(), came(of, name));
+    return item;
+}
+
+void new_source::take_text(const catalog &of, const po_message &message, const std::string &name,
+                           const std::string &text)
+{
+    item_t *item = item_of(of, message, name);
+    if (const std::string remarks = joined(message.remarks); !remarks.empty())
+        put_text(item->comments, of.language.c_str(), came(of, remarks));
+    if (text.empty())
+        return;
+    if (message.fuzzy && !request_.guesses) {
+        ++guesses_;
+        return;
+    }
+    put_text(item->langs, of.language.c_str(), came(of, text));
+    ++texts_[of.language];
+}
+
+void new_source::take_message(const catalog &of, const po_message &message)
+{
+    take_text(of, message, *message.id.text, message.texts.front());
+    if (!message.id.plural)
+        return;
+    if (*message.id.plural != *message.id.text)
+        take_text(of, message, *message.id.plural, message.texts.back());
+    forms_ += message.texts.size() > 2 ? static_cast<std::uint32_t>(message.texts.size()) - 2 : 0;
+}
+
+fault new_source::take(const std::string &path, std::string_view bytes)
+{
+    po_reader reader(bytes);
+    po_message message;
+    catalog of;
+    while (reader.next(message)) {
+        if (message.is_header() && of.language.empty()) {
+            take_header(of, path, message);
+            continue;
+        }
+        if (of.language.empty())
+            of.language = name_language(path, {});
+        if (!message.obsolete && !message.is_header())
+            take_message(of, message);
+    }
+    return reader.wrong();
+}
+
+} // namespace zel::exchange

@@ -1,0 +1,78 @@
+#pragma once
+
+// A source from the catalogs of a project that comes over from them, a file or more for each
+// language.
+//
+// An item's name is the message's id; its group is the context, or without one the name of the
+// code file that the first place of use names ("window" of src/window.c:31), else "messages".
+// The default language's text is the id. A plural is two items: the id, with the first form, and
+// the plural id, with the last one. Programmers' remarks are the description, translators' remarks
+// a comment in their language, places are where it is used. Every item is used, none is ready.
+// Where lang-kit exported the catalog, its keys give group and item back.
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "exchange/input.h"
+#include "exchange/po-message.h"
+#include "source/item-index.h"
+#include "source/model.h"
+
+namespace zel::exchange {
+
+struct new_request {
+    std::string default_language = "english";
+    std::string group;    // for messages without a context; empty: by their place of use
+    bool guesses = false; // fuzzy texts too
+    std::int64_t now = 0;
+};
+
+class new_source {
+public:
+    explicit new_source(const new_request &request);
+
+    // Adds a catalog. After a fault the source is of no use.
+    fault take(const std::string &path, std::string_view bytes);
+
+    LangSource *source() const { return source_.get(); }
+
+    // What has no place in a source: fuzzy texts, and plural forms between the first and the last.
+    std::uint32_t guesses() const { return guesses_; }
+    std::uint32_t forms() const { return forms_; }
+
+    // How many items have a text in each language, by the language's name.
+    const std::map<std::string, std::uint32_t> &texts() const { return texts_; }
+
+private:
+    struct catalog {
+        std::string language;
+        bool own = false; // exported by lang-kit
+    };
+
+    std::string name_language(const std::string &path, std::string_view header);
+    void add_language(const std::string &name);
+    void take_header(catalog &of, const std::string &path, const po_message &message);
+    void take_message(const catalog &of, const po_message &message);
+    void take_text(const catalog &of, const po_message &message, const std::string &name,
+                   const std::string &text);
+    item_t *item_of(const catalog &of, const po_message &message, const std::string &name);
+    item_t *make_item(const std::string &group, const std::string &name, const po_message &message);
+    static std::string came(const catalog &of, std::string text);
+    std::string group_of(const po_message &message) const;
+
+    new_request request_;
+    source_guard source_;
+    item_index items_;
+    std::unordered_map<std::string, item_t *> known_; // by context and id
+    std::map<std::string, std::string> codes_;        // of the languages, by name
+    std::map<std::string, std::uint32_t> texts_;
+    std::uint32_t guesses_ = 0;
+    std::uint32_t forms_ = 0;
+};
+
+} // namespace zel::exchange

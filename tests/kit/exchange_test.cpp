@@ -1,0 +1,278 @@
+// Texts out and in through the words, with other programs as judges of what goes out.
+
+#include "exchange/sources.h"
+#include "kit/run-kit.h"
+
+#include <regex>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+using zel_test::kit;
+using zel_test::read_file;
+using zel_test::write_file;
+
+constexpr char example[] = LANG_SOURCE_ROOT "/examples/notes.lang-src";
+
+bool is_there(const char *program)
+{
+    return std::system((std::string("command -v ") + program + " >/dev/null").c_str()) == 0;
+}
+
+int run(const std::string &command) { return std::system(command.c_str()); }
+
+// The time of saving and the file's own name are all that may differ.
+std::string without_stamps(const std::string &source)
+{
+    return std::regex_replace(source, std::regex("\nmtime [0-9]+|/\\* EOF [^\n]*"), "");
+}
+
+class Exchange : public testing::Test {
+protected:
+    Exchange() { write_file("app.lang-src", read_file(example)); }
+
+    std::size_t files() const
+    {
+        std::size_t count = 0;
+        for (const auto &entry : std::filesystem::directory_iterator("."))
+            count += entry.is_regular_file() ? 1 : 0;
+        return count;
+    }
+
+    zel_test::temp_dir dir{zel_test::temp_dir::enter::yes};
+};
+
+TEST_F(Exchange, AChangedTextComesBackAndNothingElse)
+{
+    for (const char *format : {"po", "xliff", "xliff2", "csv"}) {
+        write_file("app.lang-src", read_file(example));
+        std::filesystem::remove_all("out");
+        std::filesystem::create_directory("out");
+        const auto out = kit(std::string("export -o out --format ") + format + " app.lang-src");
+        EXPECT_EQ(out.status, 0) << out.err;
+        const std::string path = std::string(format) == "csv"  ? "out/app.csv"
+                                 : std::string(format) == "po" ? "out/german.po"
+                                                               : "out/german.xliff";
+        EXPECT_THAT(out.out, HasSubstr(path + "\n"));
+        const std::string take = std::string("import --comments --format ") + format;
+        const auto same = kit(take + " app.lang-src out/*");
+        EXPECT_EQ(same.out + same.err, "") << format;
+        EXPECT_EQ(same.status, 0);
+        EXPECT_EQ(read_file("app.lang-src"), read_file(example)) << "not even its time";
+
+        write_file(path, std::regex_replace(read_file(path), std::regex("_Speichern"), "Sichern"));
+        const std::string line = "~ menu:_Save german: \"_Speichern\" -> \"Sichern\"\n";
+        const std::size_t before = files();
+        EXPECT_EQ(kit(take + " --dry-run app.lang-src out/*").out, line);
+        EXPECT_EQ(kit(take + " -o other.lang-src app.lang-src out/*").out, line);
+        EXPECT_EQ(files(), before + 1);
+        EXPECT_EQ(read_file("app.lang-src"), read_file(example));
+        const auto taken = kit(take + " app.lang-src out/*");
+        EXPECT_EQ(taken.out, line);
+        EXPECT_EQ(taken.status, 0) << taken.err;
+        EXPECT_EQ(files(), before + 2) << "the backup";
+        EXPECT_EQ(read_file("other.lang-src").size(), read_file("app.lang-src").size() + 2);
+
+        // The item alone has changed: its text, its mark of change, and it is not ready any more
+        // where the file does not say that the text is final.
+        std::string wanted = read_file(example);
+        const std::size_t item = wanted.find("  ITEM   \"_Save\"");
+        const bool final = std::string(format).starts_with("xliff");
+        wanted.replace(wanted.find("READY     1", item), 11,
+                       final ? "READY     1\n    CHANGED" : "READY     0\n    CHANGED");
+        wanted.replace(wanted.find("_Speichern", item), 10, "Sichern");
+        EXPECT_EQ(without_stamps(read_file("app.lang-src")), without_stamps(wanted)) << format;
+        std::filesystem::remove("other.lang-src");
+    }
+}
+
+TEST_F(Exchange, OnlyWhatIsKnownIsTaken)
+{
+    write_file("german.po",
+               "msgctxt \"menu:_Save\"\nmsgid \"_Save\"\nmsgstr \"Sichern\"\n\n"
+               "msgctxt \"menu:_Sve\"\nmsgid \"_Sve\"\nmsgstr \"x\"\n\n"
+               "msgid \"loose\"\nmsgstr \"x\"\n\n"
+               "#, fuzzy\nmsgctxt \"menu:_Quit\"\nmsgid \"_Quit\"\nmsgstr \"Raten\"\n\n"
+               "msgctxt \"menu:_Edit\"\nmsgid \"_Edit it\"\nmsgstr \"Anders\"\n");
+    write_file("klingon.po", "msgctxt \"menu:_Save\"\nmsgid \"_Save\"\nmsgstr \"pol\"\n");
+    const auto taken = kit("import --format po app.lang-src german.po klingon.po");
+    EXPECT_EQ(taken.status, 1);
+    EXPECT_EQ(taken.out, "~ menu:_Save german: \"_Speichern\" -> \"Sichern\"\n"
+                         "~ menu:_Edit german: \"_Bearbeiten\" -> \"Anders\"\n");
+    EXPECT_EQ(taken.err, "german.po:5: unknown item menu:_Sve\n"
+                         "german.po:9: unknown item \"loose\"\n"
+                         "german.po:17: menu:_Edit german: translates \"_Edit it\", now it is "
+                         "\"_Edit\"\n"
+                         "german.po: left out 1 fuzzy texts\n"
+                         "klingon.po:1: unknown language \"klingon\"\n");
+    EXPECT_EQ(kit("import --fuzzy --format po app.lang-src german.po").out,
+              "~ menu:_Quit german: \"_Beenden\" -> \"Raten\"\n");
+    EXPECT_EQ(kit("import --language german --format po app.lang-src klingon.po").out,
+              "~ menu:_Save german: \"Sichern\" -> \"pol\"\n");
+
+    // One bad file, and nothing of the others is written.
+    const std::string before = read_file("app.lang-src");
+    write_file("french.po", "msgid \"a\nmsgstr");
+    const auto bad = kit("import --format po --fuzzy app.lang-src german.po french.po");
+    EXPECT_EQ(bad.status, 2);
+    EXPECT_THAT(bad.err, HasSubstr("french.po:1: error: a text without its closing quote\n"));
+    EXPECT_EQ(read_file("app.lang-src"), before);
+}
+
+TEST_F(Exchange, ReadyStaysOnlyForAFinalText)
+{
+    const auto ready_after = [](const std::string &attributes) {
+        write_file("app.lang-src", read_file(example));
+        write_file("german.xliff", "<xliff version='1.2'><file target-language='de'><body>"
+                                   "<trans-unit id='menu:_Save' " +
+                                       attributes +
+                                       "<source>_Save</source><target>S</target></trans-unit>"
+                                       "</body></file></xliff>");
+        EXPECT_EQ(kit("import --format xliff app.lang-src german.xliff").status, 0);
+        const std::string source = read_file("app.lang-src");
+        return source.substr(source.find("READY", source.find("  ITEM   \"_Save\"")), 11);
+    };
+    EXPECT_EQ(ready_after("approved='yes'>"), "READY     1");
+    EXPECT_EQ(ready_after("approved='no'>"), "READY     0");
+}
+
+TEST_F(Exchange, CommentsComeOnlyWhenWanted)
+{
+    write_file("german.po", "# Zu lang!\nmsgctxt \"menu:_Save\"\nmsgid \"_Save\"\n"
+                            "msgstr \"_Speichern\"\n");
+    EXPECT_EQ(kit("import --format po app.lang-src german.po").out, "");
+    EXPECT_EQ(kit("import --comments --format po app.lang-src german.po").out,
+              "~ menu:_Save german comment: \"\" -> \"Zu lang!\"\n");
+    EXPECT_EQ(kit("import --comments --format po app.lang-src german.po").out, "");
+    write_file("german.po",
+               "# Noch immer.\nmsgctxt \"menu:_Save\"\nmsgid \"_Save\"\nmsgstr \"\"\n");
+    EXPECT_EQ(kit("import --comments --format po app.lang-src german.po").out,
+              "~ menu:_Save german comment: \"Zu lang!\" -> \"Zu lang!\\nNoch immer.\"\n");
+}
+
+TEST_F(Exchange, JsonReplacesTheWholeSource)
+{
+    const auto out = kit("export --format json app.lang-src >app.json");
+    EXPECT_EQ(out.err, "");
+    EXPECT_EQ(kit("import --format json app.lang-src app.json").out, "");
+    EXPECT_EQ(files(), 2U) << "nothing was written";
+    EXPECT_EQ(kit("import --format json copy.lang-src app.json >list").status, 0);
+    EXPECT_THAT(read_file("list"), HasSubstr("+ menu:_Save\n"));
+    EXPECT_EQ(without_stamps(read_file("copy.lang-src")), without_stamps(read_file(example)));
+    write_file("app.json",
+               std::regex_replace(read_file("app.json"), std::regex("\"_Save\""), "\"_Keep\""));
+    const auto taken = kit("import --format json app.lang-src app.json");
+    EXPECT_EQ(taken.out, "~ languages, groups and order\n+ menu:_Keep\n- menu:_Save\n");
+    EXPECT_THAT(read_file("app.lang-src"), HasSubstr("ITEM   \"_Keep\""));
+    write_file("app.json", "{");
+    EXPECT_EQ(kit("import --format json app.lang-src app.json").err,
+              "app.json:1: error: no JSON\n");
+}
+
+TEST_F(Exchange, WhatStoodInTheWayIsKept)
+{
+    EXPECT_EQ(kit("export --format po --language german app.lang-src").out, "german.po\n");
+    const std::string written = read_file("german.po");
+    EXPECT_EQ(kit("export --format po --language german app.lang-src").status, 0);
+    EXPECT_EQ(files(), 2U);
+    write_file("german.po", "# somebody's work\n");
+    EXPECT_EQ(kit("export --format po --language german app.lang-src").status, 0);
+    EXPECT_EQ(files(), 3U);
+    EXPECT_EQ(read_file("german.po"), written);
+    std::string kept;
+    for (const auto &entry : std::filesystem::directory_iterator("."))
+        if (entry.path().extension() == ".bak")
+            kept = read_file(entry.path());
+    EXPECT_EQ(kept, "# somebody's work\n");
+}
+
+TEST_F(Exchange, WrongUseIsOneLineAndStatusTwo)
+{
+    const struct {
+        const char *words, *line;
+    } cases[] = {
+        {"export app.lang-src",
+         "lang-kit export: --format is po, xliff, xliff2, csv or json, not \"\"\n"},
+        {"export --format po --language dutch app.lang-src",
+         "lang-kit: app.lang-src: no language \"dutch\" is defined\n"},
+        {"export --format json --language german app.lang-src",
+         "lang-kit export: --language is not for whole sources\n"},
+        {"export --format po -o none/such app.lang-src",
+         "lang-kit: none/such/english.po: No such file or directory\n"},
+        {"import --format po app.lang-src", "lang-kit import: a file is missing: "},
+        {"import --format po app.lang-src none.po", "none.po: error: No such file or directory\n"},
+        {"import --format json --comments app.lang-src a.json",
+         "lang-kit import: --comments, --fuzzy and --language are not for whole sources\n"},
+    };
+    for (const auto &row : cases) {
+        const auto result = kit(row.words);
+        EXPECT_EQ(result.status, 2) << row.words;
+        EXPECT_THAT(result.err, testing::StartsWith(row.line));
+        EXPECT_EQ(result.out, "");
+    }
+    EXPECT_EQ(files(), 1U);
+}
+
+// ---- Judges
+
+TEST_F(Exchange, TheUsualToolsTakeTheCatalogs)
+{
+    if (!is_there("msgfmt"))
+        GTEST_SKIP() << "gettext is not installed";
+    for (unsigned seed = 0; seed < 6; ++seed) {
+        write_file("app.lang-src", zel_test::awkward_source(seed, seed % 3 == 2).make(60));
+        ASSERT_EQ(kit("export --format po app.lang-src").status, 0);
+        for (const auto &entry : std::filesystem::directory_iterator("."))
+            if (entry.path().extension() == ".po") {
+                const std::string path = "'" + entry.path().string() + "'";
+                EXPECT_EQ(run("msgfmt --check -o /dev/null " + path + " 2>err"), 0)
+                    << read_file("err");
+                EXPECT_EQ(run("msgcat --no-wrap " + path + " 2>err | diff - " + path + " >out"), 0)
+                    << path << read_file("out");
+            }
+    }
+}
+
+TEST_F(Exchange, OtherReadersFindTheSameTexts)
+{
+    write_file("app.lang-src", zel_test::awkward_source(1, false).make(80));
+    ASSERT_EQ(kit("export --format csv -o . app.lang-src").status, 0);
+    ASSERT_EQ(kit("export --format json -o . app.lang-src").status, 0);
+    ASSERT_EQ(kit("export --format xliff app.lang-src").status, 0);
+    const std::string judge = is_there("xmllint") ? "xmllint --noout *.xliff 2>err" : "true";
+    EXPECT_EQ(run(judge), 0) << read_file("err");
+    ASSERT_EQ(kit("export --format xliff2 app.lang-src").status, 0);
+    EXPECT_EQ(run(judge), 0) << read_file("err");
+    if (!is_there("python3"))
+        GTEST_SKIP() << "python3 is not installed";
+    // The texts of the table are those of the whole source, formula signs apart.
+    write_file("judge.py", R"(
+import csv, json
+source = json.load(open('app.json', encoding='utf-8'))
+wanted = {}
+for group in source['groups']:
+    for item in group['items']:
+        for text in item['texts']:
+            wanted[group['name'], item['name'] or '', text['language']] = ''.join(text['lines'])
+rows = list(csv.DictReader(open('app.csv', encoding='utf-8-sig', newline='')))
+assert len(rows) == 80, len(rows)
+def plain(cell):
+    return cell[1:] if cell.startswith("'") else cell
+count = 0
+for row in rows:
+    for column, cell in row.items():
+        if column in ('group', 'item', 'description'):
+            continue
+        key = plain(row['group']), plain(row['item']), plain(column)
+        assert plain(cell) == wanted.get(key, ''), (key, cell, wanted.get(key))
+        count += cell != ''
+assert count > 100, count
+)");
+    EXPECT_EQ(run("python3 judge.py 2>err"), 0) << read_file("err");
+}
+
+} // namespace
