@@ -9,6 +9,7 @@ namespace zel::kit {
 int run_lint(const word &self, int argc, char **argv);
 int run_export(const word &self, int argc, char **argv);
 int run_import(const word &self, int argc, char **argv);
+int run_report(const word &self, int argc, char **argv);
 int run_stat(const word &self, int argc, char **argv);
 int run_start(const word &self, int argc, char **argv);
 
