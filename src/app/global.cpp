@@ -42,7 +42,7 @@ void open_log(const char *path, bool is_cut)
         std::fputs("lang: the path of HOME is too long: there is no log\n", stderr);
     else if (zel::crosses_foreign_link(path))
         std::fprintf(stderr, "lang: %s is behind somebody else's link: there is no log\n", path);
-    LogOpen(path, LOG_OPEN_NEW, "ZEL Language editor");
+    LogOpen(is_cut ? nullptr : path, LOG_OPEN_NEW, "ZEL Language editor");
 }
 
 // Lets go of what an earlier start filled in.
