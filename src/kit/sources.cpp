@@ -65,7 +65,7 @@ bool write(const destination &to, LangSource *source)
     how.keep_mtime = to.merged;
     how.name = to.name.empty() ? nullptr : to.name.c_str();
     how.backup = to.backup;
-    // The writer says why on standard output, which belongs to results here.
+    how.messages = stderr; // standard output belongs to results
     if (write_source(to.path.c_str(), source, how).code == 0)
         return true;
     std::fprintf(stderr, "lang-kit: %s: cannot be written\n", to.path.c_str());

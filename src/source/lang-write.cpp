@@ -191,21 +191,27 @@ void source_writer::write(const char *path)
 
 // ---- The files
 
-int say_not_backed_up(const char *path, const std::string &backup, int error)
+std::FILE *messages_of(const zel::write_how &how)
 {
-    std::printf("lang_write_file(1): error(%d) rename %s to %s\n", error, path, backup.c_str());
+    return how.messages == nullptr ? stdout : how.messages;
+}
+
+int say_not_backed_up(std::FILE *to, const char *path, const std::string &backup, int error)
+{
+    std::fprintf(to, "lang_write_file(1): error(%d) rename %s to %s\n", error, path,
+                 backup.c_str());
     return 1;
 }
 
-int say_no_temporary_file(const char *path)
+int say_no_temporary_file(std::FILE *to, const char *path)
 {
-    std::printf("ERROR open output file lang.tmp %s\n", path);
+    std::fprintf(to, "ERROR open output file lang.tmp %s\n", path);
     return -1;
 }
 
-int say_not_renamed(const char *path, int error)
+int say_not_renamed(std::FILE *to, const char *path, int error)
 {
-    std::printf("lang_write_file(3): error(%d) rename %s to %s\n", error, temporary, path);
+    std::fprintf(to, "lang_write_file(3): error(%d) rename %s to %s\n", error, temporary, path);
     return 1;
 }
 
@@ -233,21 +239,22 @@ bool write_new_file(zel::safe_file &file, const LangSource *source, const char *
 zel::write_answer replace(zel::safe_file &file, const char *path, const zel::write_how &how,
                           const zel::target_file &old)
 {
+    std::FILE *to = messages_of(how);
     // What can fail for want of room comes before anything happens to the old file.
     if (const int error = file.approach(old)) {
         file.keep();
-        return {say_not_renamed(path, error), {}};
+        return {say_not_renamed(to, path, error), {}};
     }
     zel::backup_file kept;
     if (how.backup)
         kept = zel::make_backup(old, how.now);
     if (kept.error != 0)
-        return {say_not_backed_up(path, kept.path, kept.error), {}};
+        return {say_not_backed_up(to, path, kept.path, kept.error), {}};
     if (const int error = file.put(old)) {
         if (how.backup)
             zel::undo_backup(kept, old);
         file.keep();
-        return {say_not_renamed(path, error), {}};
+        return {say_not_renamed(to, path, error), {}};
     }
     return {0, std::move(kept.path)};
 }
@@ -261,10 +268,11 @@ write_answer write_source(const char *given, LangSource *source, const write_how
     if (source == nullptr)
         return {};
     const char *path = or_empty(given);
+    std::FILE *to = messages_of(how);
     const target_file old = find_target(path, links::follow);
     if (old.refusal != 0) {
         std::fprintf(stderr, "lang: %s is no regular file: nothing is written there\n", path);
-        return {say_not_backed_up(path, backup_name(old, how.now), old.refusal), {}};
+        return {say_not_backed_up(to, path, backup_name(old, how.now), old.refusal), {}};
     }
     const std::int64_t mtime = source->mtime;
     if (!how.keep_mtime)
@@ -272,7 +280,7 @@ write_answer write_source(const char *given, LangSource *source, const write_how
     safe_file file;
     write_answer answer = write_new_file(file, source, path, how, old)
                               ? replace(file, path, how, old)
-                              : write_answer{say_no_temporary_file(path), {}};
+                              : write_answer{say_no_temporary_file(to, path), {}};
     if (answer.code != 0)
         source->mtime = mtime;
     else if (old.status.st_nlink > 1)

@@ -3,6 +3,7 @@
 // Writing a language source file.
 
 #include <cstdint>
+#include <cstdio>
 #include <string>
 
 #include "source/model.h"
@@ -13,6 +14,8 @@ struct write_how {
     const char *only_lang_1 = nullptr; // both given: the file gets these languages and no other
     const char *only_lang_2 = nullptr;
     std::int64_t now = 0; // becomes the source's mtime and the old file's stamp
+
+    std::FILE *messages = nullptr; // where they go; null: standard output
 
     // For what is made from several sources:
     bool keep_mtime = false;    // the source has its own
@@ -31,7 +34,7 @@ struct write_answer {
 // user's attributes as far as it may. The text goes through "lang.tmp" in the current folder, which
 // two programs use one after the other; it is on the disk, whole, before anything happens to the
 // old file, and at every moment the path names the old text or the new one.
-// Codes, messages on standard output: 0 success (also for a null source); 1 the old file cannot be
+// Codes, each but 0 with a message: 0 success (also for a null source); 1 the old file cannot be
 // kept under its dated name or is no regular file, or lang.tmp cannot take its place (it stays
 // then); -1 lang.tmp cannot be made, is held by another program for some seconds, or there is no
 // room for the text. Unless the code is 0 the old file is where it was. Standard error tells of a
