@@ -39,8 +39,8 @@ public:
     // for a file beside its place.
     void rest();
 
-    // Ends the text. Synced, it survives a power cut from here on, and its place does once it is put
-    // there.
+    // Ends the text. Synced, it survives a power cut from here on, and its place does once it is
+    // put there.
     int finish(synced how);
 
     // Where the place is on another file system, copies the finished text to a file beside it, so
