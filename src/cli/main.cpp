@@ -1,7 +1,7 @@
-#include "cli/driver.h"
 #include "app/debug-print.h"
 #include "app/memory.h"
 #include "app/terminal.h"
+#include "cli/driver.h"
 
 int main(int argc, char **argv)
 {

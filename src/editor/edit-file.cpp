@@ -100,6 +100,7 @@ void write_and_tell(GtkWidget *widget, const char *path)
 {
     if (write_source(path)) {
         zel::edit_set_modified(false);
+        // The text is also an item of the editor's own texts, which is found by its spelling.
         zel::message(mainWin, "status", "Write file successfull");
     } else {
         zel::message(widget, "status", "Error write file");

@@ -117,6 +117,8 @@ void show_ready(ZelTabEdit *tab, const item_t *item)
     gtk_widget_set_sensitive(tab->ready_button, item != nullptr);
 }
 
+// The cell is a mark for one's own work: unlike the button beside the texts it leaves the source
+// unchanged, so nobody is asked about saving.
 void ready_toggled_callback(GtkCellRendererToggle *, gchar *path_text, gpointer data)
 {
     ZelTabEdit *tab = ZEL_TAB_EDIT(data);

@@ -24,6 +24,12 @@ bool is_wanted(const export_request &request, const char *name)
 // Remembers which groups and items have been seen, by name.
 class seen_names {
 public:
+    explicit seen_names(std::size_t count)
+    {
+        rows_.reserve(count);
+        index_.reserve(count);
+    }
+
     // Whether the item of that group is met for the first time.
     bool is_first(std::string_view group, std::string_view item)
     {
@@ -129,8 +135,11 @@ void exporter::each_item(const std::function<void(const outgoing_item &)> &write
 {
     outgoing_item out{};
     out.texts.resize(languages_.size());
-    seen_names groups;
-    seen_names items;
+    std::size_t count = 0;
+    for (const edit_t *group : each<edit_t>(request_.source->groups))
+        count += g_list_length(group->items);
+    seen_names groups(g_list_length(request_.source->groups));
+    seen_names items(count);
     repeated_ = 0;
     for (const edit_t *group : each<edit_t>(request_.source->groups)) {
         // As everywhere, only the first group of a name is looked into, and there the first item.

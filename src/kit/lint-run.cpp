@@ -77,6 +77,12 @@ bool lint_source::read(const std::string &path)
     return true;
 }
 
+void lint_source::each_syntax(const std::function<void(const std::string &)> &to) const
+{
+    for (const early &one : syntax_)
+        to(one.message);
+}
+
 void lint_source::judge(const lint::choice &wanted, const shown_listener &to) const
 {
     // What is known before the items are judged; the definitions may stand anywhere.

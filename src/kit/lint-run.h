@@ -28,6 +28,9 @@ public:
     const std::string &path() const { return path_; }
     const LangSource *source() const { return answer_.source.get(); } // null: it does not read
 
+    // Tells what the reader said.
+    void each_syntax(const std::function<void(const std::string &message)> &to) const;
+
     // Tells all findings in the order of the file.
     void judge(const lint::choice &wanted, const shown_listener &to) const;
 

@@ -15,6 +15,22 @@ void append_json_escape(std::string &out, unsigned char c)
     out += text;
 }
 
+void append_escapes(std::string &out, std::string_view text)
+{
+    for (const char c : text) {
+        if (c == '"' || c == '\\')
+            out.append(1, '\\').append(1, c);
+        else if (c == '\n')
+            out += "\\n";
+        else if (c == '\t')
+            out += "\\t";
+        else if (c == '\r')
+            out += "\\r";
+        else
+            out += c;
+    }
+}
+
 } // namespace
 
 void append_json(std::string &out, std::string_view text)
@@ -61,39 +77,30 @@ std::string with_commas(std::size_t number)
     return out;
 }
 
+std::string quoted(std::string_view text)
+{
+    std::string out = "\"";
+    append_escapes(out, text);
+    return out += '"';
+}
+
 std::string shown(std::string_view text)
 {
     constexpr std::size_t most = 200;
     constexpr std::size_t half = most / 2;
-    std::string out = "\"";
-    const auto append = [&](std::string_view part) {
-        for (const char c : part) {
-            if (c == '"' || c == '\\')
-                out.append(1, '\\').append(1, c);
-            else if (c == '\n')
-                out += "\\n";
-            else if (c == '\t')
-                out += "\\t";
-            else if (c == '\r')
-                out += "\\r";
-            else
-                out += c;
-        }
-    };
     const auto is_middle = [](char c) { return (c & 0xC0) == 0x80; }; // of a UTF-8 character
-    if (text.size() <= most) {
-        append(text);
-        return out += '"';
-    }
+    if (text.size() <= most)
+        return quoted(text);
     std::size_t end = half;
     while (end > 0 && is_middle(text[end]))
         --end;
     std::size_t begin = text.size() - half;
     while (begin < text.size() && is_middle(text[begin]))
         ++begin;
-    append(text.substr(0, end));
+    std::string out = "\"";
+    append_escapes(out, text.substr(0, end));
     out += " ... ";
-    append(text.substr(begin));
+    append_escapes(out, text.substr(begin));
     return out += '"';
 }
 

@@ -14,6 +14,9 @@ void append_json(std::string &out, const char *text);
 // A number with a comma between its thousands.
 std::string with_commas(std::size_t number);
 
+// A text on one line, in double quotes, with the escapes of sources.
+std::string quoted(std::string_view text);
+
 // What stands in a message for a text: on one line, in double quotes, with the escapes of sources,
 // cut in the middle where it is very long.
 std::string shown(std::string_view text);

@@ -10,10 +10,16 @@ namespace zel::kit {
 
 namespace {
 
-void say(const read_message &message)
+// Whether something of the file is not in the source that was read from it.
+bool is_loss(const read_message_row &row)
+{
+    return row.after != outcome::go_on || row.number == read_maybe_cut;
+}
+
+void say(const read_message &message, bool loss)
 {
     const read_message_row &row = *message.row;
-    const char *level = row.after == outcome::go_on ? "warning" : "error";
+    const char *level = loss ? "error" : "warning";
     if (message.at.line == 0)
         std::fprintf(stderr, "%s: %s: %s [syntax]\n", message.path, level, row.meaning);
     else
@@ -25,7 +31,23 @@ void say(const read_message &message)
 
 source_guard read(const std::string &path, source_places *places)
 {
-    return std::move(read_source(path.c_str(), {std::time(nullptr), say, places}).source);
+    const auto hear = [](const read_message &message) {
+        say(message, message.row->after != outcome::go_on);
+    };
+    return std::move(read_source(path.c_str(), {std::time(nullptr), hear, places}).source);
+}
+
+source_guard read_whole(const std::string &path)
+{
+    bool whole = true;
+    const auto hear = [&](const read_message &message) {
+        say(message, is_loss(*message.row));
+        whole = whole && !is_loss(*message.row);
+    };
+    source_guard source = std::move(read_source(path.c_str(), {0, hear, nullptr}).source);
+    if (!whole)
+        source.reset();
+    return source;
 }
 
 void keep_to_the_end(source_guard source)
@@ -38,8 +60,13 @@ bool write(const destination &to, LangSource *source)
 {
     if (to.dry_run)
         return true;
+    write_how how;
+    how.now = std::time(nullptr);
+    how.keep_mtime = to.merged;
+    how.name = to.name.empty() ? nullptr : to.name.c_str();
+    how.backup = to.backup;
     // The writer says why on standard output, which belongs to results here.
-    if (lang_write_file(to.path.c_str(), source) == 0)
+    if (write_source(to.path.c_str(), source, how).code == 0)
         return true;
     std::fprintf(stderr, "lang-kit: %s: cannot be written\n", to.path.c_str());
     return false;

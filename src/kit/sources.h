@@ -14,6 +14,11 @@ namespace zel::kit {
 // "FILE:LINE:COLUMN: error: MEANING [syntax]". Null when it cannot be read.
 source_guard read(const std::string &path, source_places *places = nullptr);
 
+// Reads a source that will be written again. Null also when a part of the file was not understood,
+// which writing would lose; the line that says so is an error then. Items without a creation time
+// keep none.
+source_guard read_whole(const std::string &path);
+
 // Takes a source over until the process ends: to release millions of strings one by one takes
 // longer than the system needs for all of them.
 void keep_to_the_end(source_guard source);
@@ -22,6 +27,11 @@ void keep_to_the_end(source_guard source);
 struct destination {
     std::string path;     // the file that is replaced
     bool dry_run = false; // nothing is written
+
+    // Of what is made from several sources:
+    bool merged = false; // the source keeps its stamp, so that the same merge gives the same bytes
+    std::string name{};  // in the file's last line, where that is not the path
+    bool backup = true;  // the old file is kept
 };
 
 // Writes a source as the editor does: safely, a file that is there is kept under its date. False

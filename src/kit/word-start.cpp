@@ -1,3 +1,4 @@
+#include "kit/languages.h"
 #include "kit/options.h"
 #include "kit/sources.h"
 #include "kit/word-list.h"
@@ -11,21 +12,11 @@ namespace zel::kit {
 
 namespace {
 
-// The language's definition: its compiled file bears its name.
+// The first two languages are the ones shown.
 void add_language(LangSource *source, const std::string &name)
 {
-    lang_t *lang = alloc_lang();
-    lang->name = zel_strdup(name.c_str());
-    lang->file = zel_strdup((name + ".lang").c_str());
-    lang->edit = source->lang_count < 2 ? 1 : 0; // the first two are the ones shown
-    ++source->lang_count;
-    source->langs = g_list_append(source->langs, lang);
-}
-
-bool is_name(const std::string &name)
-{
-    return !name.empty() && name.find('/') == std::string::npos &&
-           g_utf8_validate(name.data(), static_cast<gssize>(name.size()), nullptr) == TRUE;
+    const bool shown = source->lang_count < 2;
+    add_definition(source, name)->edit = shown ? 1 : 0;
 }
 
 } // namespace
@@ -47,7 +38,7 @@ int run_start(const word &self, int argc, char **argv)
         return line.status;
     languages.insert(languages.begin(), default_language);
     for (auto name = languages.begin(); name != languages.end(); ++name) {
-        if (!is_name(*name))
+        if (!is_language_name(*name))
             return wrong_use(self, "\"" + *name + "\" is no name for a language");
         if (std::find(languages.begin(), name, *name) != name)
             return wrong_use(self, "\"" + *name + "\" is there twice");

@@ -16,12 +16,23 @@ namespace {
 constexpr word table[] = {
     {"start", "[--default NAME] [--language NAME]... FILE",
      "begin an empty language source with its languages", run_start},
-    {"lint", "[--format NAME] [--fail-on LEVEL] SOURCE...",
-     "say what would break the application or its looks", run_lint},
+    {"lint", "[OPTION...] SOURCE...", "say what would break the application or its looks",
+     run_lint},
+    {"stat", "[--format text|json] SOURCE...", "tell how far each language is", run_stat},
+    {"report", "[-o FILE.html] [--screenshots] SOURCE...",
+     "make a web page of all texts, their progress and what lint found", run_report},
     {"export", "--format FORMAT [--language NAME]... [-o DIR] SOURCE",
      "hand the texts out in another format", run_export},
     {"import", "--format FORMAT [--comments] [--dry-run] [-o FILE] SOURCE FILE...",
      "take texts in from files of another format", run_import},
+    {"diff", "[--format text|json] [--places] OLD NEW",
+     "what differs between two sources, by meaning", run_diff},
+    {"show", "SOURCE", "print a source as a text that is good to compare", run_show},
+    {"merge", "[-o FILE] [--ours|--theirs] BASE OURS THEIRS",
+     "merge two sources that come from one", run_merge},
+    {"git", "[--hook]", "set the current repository up for language sources", run_git},
+    {"pseudo", "[--name NAME] [--grow PERCENT] [-o FILE] SOURCE",
+     "make a language that shows what is not translated or does not fit", run_pseudo},
 };
 
 void print_help()

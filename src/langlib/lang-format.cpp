@@ -97,8 +97,8 @@ const char *_lang_get_string_fmt(const char *description, const char *group, con
     min_lex_msg_guard expected;
     if (!expected_conversions(description, expected))
         return item; // an unchecked text could ask for arguments that are not there
-    // The text is the table's, where it changes for all requests to come. Whoever has it already has
-    // it checked.
+    // The text is the table's, where it changes for all requests to come. Whoever has it already
+    // has it checked.
     if (expected != nullptr) {
         pthread_mutex_lock(&checking);
         check_format(const_cast<char *>(text), expected.get());

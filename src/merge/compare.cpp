@@ -64,7 +64,7 @@ void for_pairs(GList *before, GList *after, One one)
         pairs[at].second = static_cast<T *>(after->data);
         after = after->next;
     }
-    for (const std::uint32_t at : weave(new_numbers, old_numbers, numbers.count()))
+    for (const std::uint32_t at : weave(old_numbers, new_numbers, numbers.count()))
         one(pairs[at].first, pairs[at].second);
 }
 

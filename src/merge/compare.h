@@ -28,8 +28,8 @@ struct difference {
 using difference_listener = std::function<void(const difference &)>;
 
 // Tells every difference: first those of the source itself, then of languages, then of groups and
-// their items in the order of the new source, where what was removed stands behind its old
-// neighbour. Of a group that only one source has all items are told, of such an item nothing else.
+// their items in the order of the old source, where what is new stands behind its neighbour. Of a
+// group that only one source has all items are told, of such an item nothing else.
 void compare_sources(LangSource *before, LangSource *after, bool with_places,
                      const difference_listener &tell);
 

@@ -5,22 +5,12 @@
 #include "merge/numbering.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
 #include <span>
 #include <utility>
 
 namespace zel {
 
 namespace {
-
-// What a record is before anything is known of it.
-template <class T>
-T defaults(T *(*make)())
-{
-    const std::unique_ptr<T, release<std::free>> made(make());
-    return made == nullptr ? T{} : *made;
-}
 
 std::optional<std::string> copy_of(const char *name)
 {
@@ -119,9 +109,9 @@ struct merging {
     const char *item = nullptr;
     const char *language = nullptr;
 
-    const item_t new_item = defaults(alloc_item);
-    const edit_t new_group = defaults(lang_alloc_edit);
-    const lang_t new_language = defaults(alloc_lang);
+    const item_t new_item = fresh_record(alloc_item);
+    const edit_t new_group = fresh_record(lang_alloc_edit);
+    const lang_t new_language = fresh_record(alloc_lang);
 
     bool settle(const char *field, field_value ours, field_value theirs);
     bool note_removed(const difference &found, bool by_them);

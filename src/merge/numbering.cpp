@@ -86,8 +86,8 @@ std::vector<std::uint32_t> weave(std::span<const std::uint32_t> first,
     if (std::ranges::equal(first, second))
         return {first.begin(), first.end()};
     constexpr std::uint32_t none = UINT32_MAX;
-    // Where each number stands in the first list, counted from 1: what has no neighbour there
-    // comes at 0, before all.
+    // Where each number stands in the first list, counted from 1; what has no neighbour there is
+    // behind 0.
     std::vector<std::uint32_t> position(count, none);
     for (std::uint32_t at = 0; at < first.size(); ++at)
         position[first[at]] = at + 1;
@@ -96,16 +96,18 @@ std::vector<std::uint32_t> weave(std::span<const std::uint32_t> first,
         in_second[one] = true;
     // Each of the second list's own is behind a position; they keep their order there.
     std::vector<std::pair<std::uint32_t, std::uint32_t>> own;
-    std::uint32_t behind = 0;
+    // What the first list alone has at a position comes before that.
+    const auto past_own = [&](std::uint32_t at) {
+        while (at < first.size() && !in_second[first[at]])
+            ++at;
+        return at;
+    };
+    std::uint32_t behind = past_own(0);
     for (const std::uint32_t one : second) {
-        if (position[one] == none) {
+        if (position[one] == none)
             own.emplace_back(behind, one);
-            continue;
-        }
-        behind = position[one];
-        // What the first list alone has there comes first.
-        while (behind < first.size() && !in_second[first[behind]])
-            ++behind;
+        else
+            behind = past_own(position[one]);
     }
     std::ranges::stable_sort(own, {}, &std::pair<std::uint32_t, std::uint32_t>::first);
     std::vector<std::uint32_t> order;

@@ -1,12 +1,16 @@
 #pragma once
 
-// Lists of records as vectors, with the names by which they are the same.
+// Records as comparing and merging see them: by their names, in lists; and what a record is before
+// anything is known of it.
 
+#include <cstdlib>
+#include <memory>
 #include <string_view>
 #include <vector>
 
 #include "merge/fields.h"
 #include "source/model.h"
+#include "support/guard.h"
 
 namespace zel {
 
@@ -40,6 +44,14 @@ bool same_names(const GList *a, const GList *b)
         if (name_at<T>(a) != name_at<T>(b))
             return false;
     return a == b;
+}
+
+// A record without strings, as it is made by its constructor.
+template <class T>
+T fresh_record(T *(*make)())
+{
+    const std::unique_ptr<T, release<std::free>> made(make());
+    return made == nullptr ? T{} : *made;
 }
 
 } // namespace zel

@@ -31,6 +31,7 @@ char *_zel_strdup(const char *text, const char *, int)
     char *copy = copy_of(text, std::strlen(text));
     if (copy == nullptr) {
         LogPrint(1, "zel_strdup: ERROR not enough memory\n");
+        // Logs have always named this place: scripts that look for it do not follow a line.
         _zel_fatal("zel_malloc", 111, "not enough memory");
     }
     return copy;

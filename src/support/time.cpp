@@ -14,6 +14,7 @@ namespace {
 constexpr std::array<std::string_view, 7> day_names = {"Sunday",   "Monday", "Tuesday", "Wednesday",
                                                        "Thursday", "Friday", "Saturday"};
 
+// Dates are compared as texts by who reads logs: "Oktober" stays.
 constexpr std::array<std::string_view, 12> month_names = {
     "January", "February", "March",     "April",   "May",      "June",
     "July",    "August",   "September", "Oktober", "November", "December"};

@@ -26,15 +26,15 @@ set_tests_properties(langlib_install PROPERTIES TIMEOUT 300 LABELS slow ENVIRONM
 # Eight threads that ask at once. ThreadSanitizer must have compiled all of the library, so that the
 # test builds a program with a library of its own; it is not needed for anything else.
 if(NOT LANG_SANITIZE)
-  file(GLOB threads_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/support/*.cpp
-       ${CMAKE_SOURCE_DIR}/src/lex/*.cpp ${CMAKE_SOURCE_DIR}/src/langlib/*.cpp)
-  list(REMOVE_ITEM threads_sources ${CMAKE_SOURCE_DIR}/src/support/zel_tiff.cpp)
+  file(GLOB threads_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/support/*.cpp
+       ${PROJECT_SOURCE_DIR}/src/lex/*.cpp ${PROJECT_SOURCE_DIR}/src/langlib/*.cpp)
+  list(REMOVE_ITEM threads_sources ${PROJECT_SOURCE_DIR}/src/support/zel_tiff.cpp)
   add_executable(langlib_threads_test EXCLUDE_FROM_ALL langlib/threads.cc ${threads_sources})
   target_link_libraries(langlib_threads_test PRIVATE lang_options PkgConfig::GLIB)
   target_compile_options(langlib_threads_test PRIVATE -fsanitize=thread -O1 -g)
   target_link_options(langlib_threads_test PRIVATE -fsanitize=thread)
   add_test(NAME langlib_threads_build
-           COMMAND ${CMAKE_COMMAND} --build ${CMAKE_BINARY_DIR} --target langlib_threads_test)
+           COMMAND ${CMAKE_COMMAND} --build ${PROJECT_BINARY_DIR} --target langlib_threads_test)
   add_test(NAME langlib_threads COMMAND langlib_threads_test langlib_threads.lang)
   set_tests_properties(langlib_threads_build PROPERTIES FIXTURES_SETUP threads TIMEOUT 600
                                                         LABELS slow)

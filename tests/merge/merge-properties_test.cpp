@@ -21,7 +21,7 @@ using zel_test::counts;
 using zel_test::describe;
 using zel_test::source_maker;
 
-constexpr unsigned seeds = 800;
+constexpr unsigned seeds = 600;
 
 // A base and its two sides, made anew from the seed as often as they are wanted.
 struct family {

@@ -257,6 +257,38 @@ TEST_F(KilledSlow, AtEverySystemCall)
     }
 }
 
+// Without hard links the path is empty for a moment, but never while a text is on its way.
+TEST_F(KilledSlow, AtEverySystemCallWithoutLinks)
+{
+    grow(300000);
+    const zel_test::elsewhere other;
+    const std::string path = other.path() + "/app.lang-src";
+    zel_test::death death = zel_test::death::killed;
+    int stop = 0;
+    int empty = 0;
+    for (; death == zel_test::death::killed; ++stop) {
+        clear(".");
+        clear(other.path());
+        write_file(path, old_text);
+        death = zel_test::kill_at(stop, [&] {
+            armed = {"link", 1, EPERM, true, false, {}};
+            lang_write_file(path.c_str(), source.get());
+        });
+        if (death == zel_test::death::not_allowed)
+            GTEST_SKIP() << "needs the right to trace a process";
+        if (fs::exists(path)) {
+            expect_whole(path);
+            continue;
+        }
+        ++empty;
+        look_beside(path);
+        EXPECT_THAT(backups, ElementsAre(old_text));
+        EXPECT_TRUE(is_new_text("lang.tmp"));
+    }
+    EXPECT_GT(stop, 60);
+    EXPECT_LT(empty, 10);
+}
+
 // --- several at once -----------------------------------------------------------------------------
 
 using TogetherSlow = SaveFaults;

@@ -1,0 +1,26 @@
+#pragma once
+
+// Differences and conflicts as they are printed.
+
+#include <string>
+
+#include "merge/compare.h"
+
+namespace zel::kit {
+
+// Appends what a difference is about: "menu:_Save german", "menu:_Save comment german",
+// "menu:_Save ready", "menu:", "language german", "source app". Names are those of a difference.
+void append_subject(std::string &out, const char *group, const char *item, const char *language,
+                    const char *field);
+
+// A value: a text in quotes, whole, anything else as it is.
+std::string value_text(const field_value &value);
+
+// "+ menu:_Open", "~ menu:_Save german: \"Sichern\" -> \"Speichern\"", with the line's end.
+void append_text_line(std::string &out, const difference &one);
+
+// One object: change, group, item, language, field, old and new; what is not concerned is null, a
+// number is one, all else a string.
+void append_json_object(std::string &out, const difference &one);
+
+} // namespace zel::kit
