@@ -1,7 +1,8 @@
 #pragma once
 
 // A text request read from a token stream, as in a script: the scanner has returned the request's
-// name, its arguments are next.
+// name, its arguments are next. For applications of the family, whose scripts ask for texts; this
+// program does not call it.
 
 #include "lex/lex.h"
 

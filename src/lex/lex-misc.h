@@ -1,7 +1,8 @@
 #pragma once
 
-// Helpers on top of the token scanner: word tables, strings and integers from the token stream,
-// positions, and text written back in the scanner's quoted form.
+// Helpers on top of the token scanner: strings and integers from the token stream, positions, text
+// written back in the scanner's quoted form, and word tables, which are for applications of the
+// family: this program does not call them.
 
 #include <cstddef>
 #include <cstdint>

@@ -2,6 +2,7 @@
 
 // Finding a configuration file that exists in several versions: base/sub/VERSION/a-b-c-name, where
 // VERSION is the first program version ("%03d-%03d" of major and minor) that the files are for.
+// For applications of the family; this program does not call it.
 
 // Looks through the version directories, the newest that is not newer than major and minor first,
 // and in each for the most specific file: "a-b-c-name", then with 0 for c, for b and c, for all

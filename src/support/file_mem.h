@@ -1,7 +1,7 @@
 #pragma once
 
-// Whole files in memory: as a plain buffer, or as a reference-counted record that grows. Failures
-// are logged.
+// Whole files in memory: as a plain buffer, or as a reference-counted record that grows, which is
+// for applications of the family and not called here. Failures are logged.
 
 #include <cstdint>
 #include <memory>

@@ -1,6 +1,6 @@
 #pragma once
 
-// Bytes as hexadecimal text.
+// Bytes as hexadecimal text: for the log's dump, and for applications of the family.
 
 // The digits of a half byte, lower and upper case, and the two upper-case digits of each byte.
 extern const char nibble_hex_tab_lo[17];

@@ -1,6 +1,7 @@
 #pragma once
 
-// Info records: the messages that an activity collects, and the worst of them.
+// Info records: the messages that an activity collects, and the worst of them. For applications of
+// the family: of this program only the runtime library makes some, when it is asked to.
 
 #include <cstdarg>
 #include <cstdint>

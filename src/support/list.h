@@ -2,7 +2,8 @@
 
 // A doubly linked list of untyped pointers. A list is its first node; operations that may change
 // the head return it, and the caller keeps the result. An empty list is null. Data is never owned
-// unless a release with data is used.
+// unless a release with data is used. The list of a family of applications: this program calls a
+// part of it.
 
 #include <cstdint>
 #include <memory>

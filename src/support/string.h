@@ -1,7 +1,8 @@
 #pragma once
 
 // Null-safe strings, fields, trimming, and paths and their extensions. Paths are split at "/" and
-// at "\". Strings returned or stored through a char ** are new and owned by the caller.
+// at "\". Strings returned or stored through a char ** are new and owned by the caller. This is the
+// whole set of a family of applications, of which this program calls a part.
 
 #include "support/list.h"
 

@@ -1,6 +1,7 @@
 #pragma once
 
-// A stopwatch in milliseconds and a date formatter with English names of its own.
+// A stopwatch in milliseconds, for applications of the family and not called here, and a date
+// formatter with English names of its own.
 
 #include <cstdint>
 #include <memory>

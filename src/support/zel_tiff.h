@@ -1,7 +1,7 @@
 #pragma once
 
 // Opening TIFF files. The only file that knows libtiff; it is a library of its own, so that nothing
-// else needs it.
+// else needs it. For applications of the family; this program does not call it.
 
 struct tiff;
 
