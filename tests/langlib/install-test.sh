@@ -22,14 +22,15 @@ export PKG_CONFIG_PATH LD_LIBRARY_PATH
 [ "$(cd "$(pkg-config --variable=libdir lang)" && pwd)" = "$libdir" ] || fail "lang.pc: libdir"
 
 # What it shows is what the header declares, and nothing else of its own is needed.
-sed -n 's/^ *\([A-Za-z_0-9]*\);$/\1/p' "$source/src/langlib/liblang.map" | sort >"$work/map.txt"
-nm -D --defined-only "$libdir/liblang.so" | sed -n 's/.* [TDBW] \([^@]*\)@.*/\1/p' | sort >"$work/so.txt"
+sed -n 's/^ *\([A-Za-z_0-9]*\);$/\1/p' "$source/src/langlib/liblang.map" | LC_ALL=C sort >"$work/map.txt"
+nm -D --defined-only "$libdir/liblang.so" | sed -n 's/.* [TDBW] \([^@]*\)@.*/\1/p' | LC_ALL=C sort >"$work/so.txt"
 cmp "$work/map.txt" "$work/so.txt" || fail "liblang.so does not show what liblang.map lists"
-nm -g --defined-only "$libdir/liblang.a" | sed -n 's/.* [TDBCWV] //p' | sort >"$work/a.txt"
+nm -g --defined-only "$libdir/liblang.a" | sed -n 's/.* [TDBCWV] //p' | LC_ALL=C sort >"$work/a.txt"
 cmp "$work/map.txt" "$work/a.txt" || fail "liblang.a does not show what liblang.map lists"
 ${CC:-cc} -E -P "$prefix/include/lang.h" | tr '\n' ' ' | tr ';' '\n' |
-    sed -n 's/.*[ *]\(_*lang_[a-z_]*\|_*z\{0,1\}e\{0,1\}l\{0,1\}_*min_lex_[a-z_0-9]*\|zel_[a-z_]*\|Log[A-Z][a-z]*\)(.*/\1/p' |
-    sort -u >"$work/header.txt"
+    sed -n 's/.*[ *]\(_*lang_[a-z_]*\|_*z\{0,1\}e\{0,1\}l\{0,1\}_*min_lex_[a-z_0-9]*\|zel_[a-z_]*\|Log[A-Z][a-z]*\)(.*/\1/p
+            s/.*extern int \(__[a-z_]*\) *$/\1/p' |
+    LC_ALL=C sort -u >"$work/header.txt"
 cmp "$work/map.txt" "$work/header.txt" || fail "lang.h and liblang.map differ"
 readelf -d "$libdir/liblang.so" | sed -n 's/.*NEEDED.*\[\(.*\)\]/\1/p' >"$work/needed.txt"
 ! grep -q 'gtk\|gdk\|tiff' "$work/needed.txt" || fail "liblang.so needs the toolkit"
