@@ -3,7 +3,7 @@
 install(TARGETS lang lang-kit RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(TARGETS lang_editor_module LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/lang)
 
-install(FILES data/man/lang.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES data/man/lang.1 data/man/lang-kit.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES data/completion/lang.bash RENAME lang
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
