@@ -33,6 +33,7 @@ std::string counted(std::size_t count, const char *word)
 
 void print_counts(counts found, std::size_t files)
 {
+    std::fflush(stdout); // last, also where both go to one place
     std::fprintf(stderr, "%s, %s, %s in %s\n", counted(found[level::error], "error").c_str(),
                  counted(found[level::warning], "warning").c_str(),
                  counted(found[level::info], "note").c_str(), counted(files, "file").c_str());

@@ -1,11 +1,13 @@
 // The commands of the documents do what the documents say. Lines "$ command" of an indented block
-// are run by a shell, "> more" continues one, and the lines below are its whole output. Each "## "
-// section begins in a folder of its own that holds the example as notes.lang-src.
+// are run by a shell, "> more" continues one, and the lines below, if there are any, are its whole
+// output. Each "## " section begins in a folder of its own that holds the example.
 
 #include "test-support.h"
 
 #include <cstdlib>
+#include <filesystem>
 #include <sstream>
+#include <sys/wait.h>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -61,30 +63,38 @@ TEST_P(Docs, CommandsDoWhatIsSaid)
     const std::string kit = LANG_KIT;
     setenv("PATH", (kit.substr(0, kit.rfind('/')) + ":" + std::getenv("PATH")).c_str(), 1);
     std::size_t count = 0;
-    for (const section &part : sections_of(read_file(std::string(root) + "/docs/" + GetParam()))) {
+    for (const section &part : sections_of(read_file(std::string(root) + "/" + GetParam()))) {
         const zel_test::temp_dir outside;
         const zel_test::temp_dir dir(zel_test::temp_dir::enter::yes);
-        write_file("notes.lang-src", read_file(std::string(root) + "/examples/notes.lang-src"));
+        std::filesystem::create_directories("src");
+        std::filesystem::create_directories("examples");
+        const std::string example = read_file(std::string(root) + "/examples/notes.lang-src");
+        write_file("notes.lang-src", example);
+        write_file("examples/notes.lang-src", example);
         for (const command &one : part.commands) {
             const std::string out = outside / "out";
             write_file(outside / "command", "exec >'" + out + "' 2>&1\n" + one.words);
-            static_cast<void>(std::system(("sh '" + outside / "command" + "'").c_str()));
+            const int status = std::system(("sh '" + outside / "command" + "'").c_str());
+            EXPECT_LT(WEXITSTATUS(status), 2) << GetParam() << ":" << one.line;
             std::string said = read_file(out);
             // A mark for spreadsheets and carriage returns do not show in a document.
             for (const char *hidden : {"\xEF\xBB\xBF", "\r"})
                 for (auto at = said.find(hidden); at != std::string::npos; at = said.find(hidden))
                     said.erase(at, std::string(hidden).size());
-            EXPECT_EQ(said, one.output) << GetParam() << ":" << one.line << ": " << one.words;
+            if (!one.output.empty())
+                EXPECT_EQ(said, one.output) << GetParam() << ":" << one.line << ": " << one.words;
             ++count;
         }
     }
-    EXPECT_GT(count, 5U);
+    EXPECT_GE(count, 2U);
 }
 
-INSTANTIATE_TEST_SUITE_P(Files, Docs, testing::Values("formats.md", "teams.md"),
+INSTANTIATE_TEST_SUITE_P(Files, Docs,
+                         testing::Values("README.md", "docs/formats.md", "docs/teams.md"),
                          [](const auto &param) {
                              const std::string name = param.param;
-                             return name.substr(0, name.find('.'));
+                             const std::size_t start = name.find('/') + 1;
+                             return name.substr(start, name.find('.') - start);
                          });
 
 } // namespace
