@@ -81,8 +81,9 @@ TEST_P(Docs, CommandsDoWhatIsSaid)
             for (const char *hidden : {"\xEF\xBB\xBF", "\r"})
                 for (auto at = said.find(hidden); at != std::string::npos; at = said.find(hidden))
                     said.erase(at, std::string(hidden).size());
-            if (!one.output.empty())
+            if (!one.output.empty()) {
                 EXPECT_EQ(said, one.output) << GetParam() << ":" << one.line << ": " << one.words;
+            }
             ++count;
         }
     }
