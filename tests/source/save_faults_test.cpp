@@ -127,6 +127,29 @@ TEST_F(SaveFaults, WithoutLinksTheOldFileIsMovedAsBefore)
     expect_nothing_lost("app.lang-src");
 }
 
+// What a power cut leaves: the text is on the disk before anything happens to the old file, and the
+// folder is once the new one has its name.
+TEST_F(SaveFaults, TheTextIsSyncedBeforeAndTheFolderAfterIt)
+{
+    for (const int nth : {1, 2}) {
+        clear(".");
+        write_file("app.lang-src", old_text);
+        save(
+            "app.lang-src",
+            [&] {
+                armed = {"fsync", nth, 0, false, false, [&] {
+                             look_beside("app.lang-src");
+                             EXPECT_EQ(is_new_text("lang.tmp"), nth == 1);
+                             EXPECT_EQ(is_new_text("app.lang-src"), nth == 2);
+                             EXPECT_EQ(backups.size(), nth == 1 ? 0U : 1U);
+                         }};
+            },
+            [] { armed.call = ""; });
+        EXPECT_TRUE(armed.struck);
+        EXPECT_EQ(result, 0);
+    }
+}
+
 // --- no room -------------------------------------------------------------------------------------
 
 class size_limit {

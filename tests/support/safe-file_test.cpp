@@ -1,0 +1,84 @@
+#include "support/safe-file.h"
+
+#include "working-dir.h"
+
+#include <cerrno>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+namespace fs = std::filesystem;
+using zel_test::read_file;
+using zel_test::write_file;
+
+namespace {
+
+class safe_files : public zel_test::working_dir {
+protected:
+    static std::ptrdiff_t count()
+    {
+        return std::distance(fs::directory_iterator("."), fs::directory_iterator());
+    }
+};
+
+} // namespace
+
+TEST_F(safe_files, one_call_replaces_or_makes_a_file)
+{
+    EXPECT_EQ(0, zel::replace_file("new", "text"));
+    EXPECT_EQ("text", read_file("new"));
+    chmod("new", 0640);
+    fs::create_symlink("new", "link");
+    EXPECT_EQ(0, zel::replace_file("link", ""));
+    EXPECT_TRUE(fs::is_symlink("link"));
+    EXPECT_EQ("", read_file("new"));
+    EXPECT_EQ(fs::perms(0640), fs::status("new").permissions());
+    fs::create_directory("folder");
+    EXPECT_EQ(EISDIR, zel::replace_file("folder", "text"));
+    EXPECT_EQ(ENOENT, zel::replace_file("no/where", "text"));
+    EXPECT_EQ(3, count());
+}
+
+// One that was taken away while nobody had it open is an error, not another file.
+TEST_F(safe_files, rest_between_two_pieces)
+{
+    for (const bool stolen : {false, true}) {
+        write_file("a", "old");
+        zel::safe_file file;
+        const zel::target_file old = zel::find_target("a", zel::links::replace);
+        ASSERT_EQ(0, file.create_beside(old));
+        EXPECT_EQ(0, file.append("one "));
+        file.rest();
+        if (stolen) {
+            for (const auto &entry : fs::directory_iterator("."))
+                if (entry.path().filename() != "a") {
+                    const std::string name = entry.path();
+                    fs::rename(name, "elsewhere");
+                    write_file(name, "");
+                    break;
+                }
+        }
+        EXPECT_EQ(stolen ? ESTALE : 0, file.append("two"));
+        EXPECT_EQ(stolen ? ESTALE : 0, file.finish(zel::synced::no));
+        if (!stolen) {
+            EXPECT_EQ(0, file.put(old));
+        }
+        EXPECT_EQ(stolen ? "old" : "one two", read_file("a"));
+    }
+}
+
+TEST_F(safe_files, what_is_not_put_in_place_goes_and_what_is_kept_stays)
+{
+    const zel::target_file old = zel::find_target("a", zel::links::replace);
+    {
+        zel::safe_file dropped;
+        ASSERT_EQ(0, dropped.create("temporary", old));
+        dropped.append("text");
+    }
+    EXPECT_EQ(0, count());
+    zel::safe_file kept;
+    ASSERT_EQ(0, kept.create("temporary", old));
+    kept.append("text");
+    kept.keep();
+    EXPECT_EQ("text", read_file("temporary"));
+}
