@@ -14,6 +14,7 @@ int run_show(const word &self, int argc, char **argv);
 int run_merge(const word &self, int argc, char **argv);
 int run_git(const word &self, int argc, char **argv);
 int run_pseudo(const word &self, int argc, char **argv);
+int run_fill(const word &self, int argc, char **argv);
 int run_start(const word &self, int argc, char **argv);
 
 } // namespace zel::kit
