@@ -51,16 +51,11 @@ encoding encoding_of(const LangSource &source)
     return source.format == LANG_SOURCE_UTF8 ? encoding::utf8 : encoding::any;
 }
 
-importer::importer(LangSource *source, const import_request &request)
-    : source_(source), request_(request), items_(source)
-{
-}
-
-// By its name, else by the file's own name, else by its code, which one language must have alone.
-const char *importer::find_language(const said_language &said, std::string_view path) const
+const char *find_language(const LangSource &source, const said_language &said,
+                          std::string_view path)
 {
     for (const std::string_view wanted : {std::string_view(said.name), stem_of(path)})
-        for (const lang_t *lang : each<lang_t>(source_->langs))
+        for (const lang_t *lang : each<lang_t>(source.langs))
             if (!wanted.empty() && same_text(wanted, lang->name))
                 return lang->name;
     const std::string code = said.code.empty() ? code_of(stem_of(path)) : said.code;
@@ -68,7 +63,7 @@ const char *importer::find_language(const said_language &said, std::string_view 
     const char *part = nullptr;
     int wholes = 0;
     int parts = 0;
-    for (const lang_t *lang : each<lang_t>(source_->langs)) {
+    for (const lang_t *lang : each<lang_t>(source.langs)) {
         const std::string own = lang->name == nullptr ? "" : code_of(lang->name);
         if (own.empty() || language_part(own) != language_part(code))
             continue;
@@ -82,6 +77,11 @@ const char *importer::find_language(const said_language &said, std::string_view 
     return wholes == 1 ? whole : wholes == 0 && parts == 1 ? part : nullptr;
 }
 
+importer::importer(LangSource *source, const import_request &request)
+    : source_(source), request_(request), items_(source)
+{
+}
+
 // The unit's language as the source names it; null, said once, for one that it has not.
 const char *importer::language_of(const file_texts &file, const text_unit &unit,
                                   std::string_view path)
@@ -89,7 +89,8 @@ const char *importer::language_of(const file_texts &file, const text_unit &unit,
     while (resolved_.size() <= unit.language) {
         const said_language &said = file.languages[resolved_.size()];
         resolved_.push_back(find_language(
-            request_.language.empty() ? said : said_language{request_.language, {}}, path));
+            *source_, request_.language.empty() ? said : said_language{request_.language, {}},
+            path));
         if (resolved_.back() == nullptr)
             say(import_kind::unknown_language, unit,
                 !said.name.empty()   ? std::string_view(said.name)

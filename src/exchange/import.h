@@ -52,7 +52,6 @@ public:
     std::uint32_t guesses() const { return guesses_; }
 
 private:
-    const char *find_language(const said_language &said, std::string_view path) const;
     const char *language_of(const file_texts &file, const text_unit &unit, std::string_view path);
     void take_unit(const char *language, text_unit &unit);
     void take_text(item_t *item, const char *language, const text_unit &unit);
@@ -67,6 +66,12 @@ private:
     std::uint32_t changed_ = 0;
     std::uint32_t guesses_ = 0;
 };
+
+// The language that a file means, as the source names it: by the name it says, else by the file's
+// own name (an empty path for a file of several languages), else by its code, which one language
+// must have alone. Null when that is none.
+const char *find_language(const LangSource &source, const said_language &said,
+                          std::string_view path);
 
 // The encoding of a source's texts.
 encoding encoding_of(const LangSource &source);

@@ -1,9 +1,8 @@
 #pragma once
 
-// Definitions of languages that words add, and the texts they give them.
+// Definitions of languages that words add.
 
 #include <string>
-#include <string_view>
 
 #include "source/model.h"
 
@@ -21,15 +20,5 @@ lang_t *find_definition(const LangSource *source, const char *name);
 
 // Adds the language's definition; its compiled file bears its name.
 lang_t *add_definition(LangSource *source, const std::string &name);
-
-// The first entry of that language, or null.
-lang_entry_t *find_text(GList *entries, const char *language);
-
-// Makes the text that of the language, in place of what the item has: a string for each of its
-// lines.
-void set_text(item_t *item, const char *language, std::string_view text);
-
-// The text to translate: the default language's, else the item's name.
-std::string reference_text(const item_t *item, const char *default_language);
 
 } // namespace zel::kit

@@ -57,7 +57,7 @@ int run_diff(const word &self, int argc, char **argv)
     bool places = false;
     const parsed line =
         parse(self, argc, argv,
-              {{"format", "text|json", "how differences are printed (text)", nullptr, &format},
+              {{"format", "NAME", "text or json (text)", nullptr, &format},
                {"places", nullptr, "also differences of the places in the code", &places}},
               2, 2);
     if (line.ends)

@@ -1,9 +1,11 @@
+#include "exchange/entries.h"
 #include "kit/languages.h"
 #include "kit/options.h"
 #include "kit/pseudo-text.h"
 #include "kit/sources.h"
 #include "kit/word-list.h"
 #include "merge/fields.h"
+#include "support/text.h"
 
 #include <charconv>
 #include <cstdio>
@@ -23,18 +25,24 @@ int read_percent(const std::string &text)
     return error == std::errc() && behind == end && value >= 0 && value <= most_growth ? value : -1;
 }
 
+// The default language's text, which may be empty to keep the item out, else the item's name.
+std::string text_to_translate(const LangSource &source, const item_t *item)
+{
+    const lang_entry_t *entry = exchange::find_entry(item->langs, source.default_lang);
+    return entry == nullptr ? or_empty(item->name) : value_of(entry).shown;
+}
+
 // Gives every item its text. Returns how many of them are new or others than before.
-std::size_t make_texts(LangSource *source, const std::string &name, const pseudo_how &how)
+std::size_t make_texts(LangSource *source, const char *language, const pseudo_how &how)
 {
     std::size_t changed = 0;
     for (const edit_t *group : each<edit_t>(source->groups))
         for (item_t *item : each<item_t>(group->items)) {
-            const std::string text =
-                pseudo_text(reference_text(item, source->default_lang), item, how);
-            const lang_entry_t *before = find_text(item->langs, name.c_str());
+            const std::string text = pseudo_text(text_to_translate(*source, item), item, how);
+            const lang_entry_t *before = exchange::find_entry(item->langs, language);
             if (before != nullptr && value_of(before).shown == text)
                 continue;
-            set_text(item, name.c_str(), text);
+            exchange::put_text(item->langs, language, text);
             ++changed;
         }
     return changed;

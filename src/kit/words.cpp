@@ -33,6 +33,8 @@ constexpr word table[] = {
     {"git", "[--hook]", "set the current repository up for language sources", run_git},
     {"pseudo", "[--name NAME] [--grow PERCENT] [-o FILE] SOURCE",
      "make a language that shows what is not translated or does not fit", run_pseudo},
+    {"fill", "--from FILE [--from FILE]... [--dry-run] [-o FILE] SOURCE",
+     "take missing texts from other sources and catalogs", run_fill},
 };
 
 void print_help()

@@ -64,9 +64,9 @@ int find_keyword(const zel_lex_t *lex, const char *word, std::size_t length)
 
 namespace {
 
-// Most words of a source are keywords, and a bisection for each makes scanning it 17 percent slower.
-// The hash answers like the bisection as long as no word stands twice; a table that is too full
-// or has a row without a word is bisected.
+// Most words of a source are keywords, and a bisection for each makes scanning it 17 percent
+// slower. The hash answers like the bisection as long as no word stands twice; a table that is too
+// full or has a row without a word is bisected.
 void build_keyword_hash(zel_lex_t *lex)
 {
     lex->hashed = 0;
