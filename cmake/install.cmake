@@ -6,6 +6,8 @@ install(TARGETS lang_editor_module LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/l
 install(FILES data/man/lang.1 data/man/lang-kit.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES data/completion/lang.bash RENAME lang
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+install(FILES data/completion/lang-kit.bash RENAME lang-kit
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs
         FILES_MATCHING PATTERN *.md PATTERN *.png
