@@ -39,7 +39,7 @@ void snap(const char *name)
 }
 
 // A dialog comes up: its picture, then the answer.
-void picture_of_dialog(const char *name, answer_fn then)
+void picture_of_dialog(const char *name, const answer_fn &then)
 {
     answer_next([name, then](GtkWidget *dialog) {
         snap(name);

@@ -29,7 +29,7 @@ std::string data_directory()
 {
     const std::string program = zel::program_directory();
     std::error_code ignored;
-    const std::string built = program + "lang-data";
+    std::string built = program + "lang-data";
     if (std::filesystem::exists(built, ignored))
         return built;
     return std::filesystem::path(program + LANG_DATA_FROM_PROGRAM).lexically_normal();

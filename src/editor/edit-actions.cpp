@@ -84,11 +84,12 @@ class typed_field {
 public:
     typed_field() : field_(gtk_window_get_focus(GTK_WINDOW(mainWin)))
     {
-        if (field_ == nullptr || !gtk_widget_is_ancestor(field_, editBox))
-            field_ = nullptr;
-        else if (GTK_IS_EDITABLE(field_) && gtk_editable_get_editable(GTK_EDITABLE(field_)))
+        const bool is_here = field_ != nullptr && gtk_widget_is_ancestor(field_, editBox);
+        const bool is_entry =
+            is_here && GTK_IS_EDITABLE(field_) && gtk_editable_get_editable(GTK_EDITABLE(field_));
+        if (is_entry)
             gtk_editable_get_selection_bounds(GTK_EDITABLE(field_), &start_, &end_);
-        else if (!GTK_IS_TEXT_VIEW(field_))
+        else if (!is_here || !GTK_IS_TEXT_VIEW(field_))
             field_ = nullptr;
     }
     void go_back() const

@@ -35,6 +35,7 @@ int status_of(int wait_status)
 program_run run_program(const std::vector<std::string> &words, const std::string &folder)
 {
     std::vector<char *> argv;
+    argv.reserve(words.size() + 1);
     for (const std::string &word : words)
         argv.push_back(const_cast<char *>(word.c_str())); // not written to
     argv.push_back(nullptr);

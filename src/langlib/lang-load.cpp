@@ -56,9 +56,10 @@ public:
     // False without memory.
     bool start(const char *name)
     {
+        constexpr char nul = '\0'; // behind the key
         text_.cut(group_end_);
         is_default = 0;
-        if (!text_.append(name) || !text_.append({"", 1})) // the key's NUL
+        if (!text_.append(name) || !text_.append({&nul, 1}))
             return false;
         value_ = text_.length();
         return true;

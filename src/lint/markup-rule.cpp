@@ -115,6 +115,7 @@ entities read_entities(std::string_view text)
 std::vector<std::string> written(const std::vector<tag> &tags)
 {
     std::vector<std::string> out;
+    out.reserve(tags.size());
     for (const tag &one : tags)
         out.push_back((one.kind == tag_kind::close ? "</" : "<") + one.name +
                       (one.kind == tag_kind::whole ? "/>" : ">"));

@@ -171,10 +171,9 @@ void merging::merge_fields(std::span<const field<T>> rows, const T &base, T &our
     for (const field<T> &row : rows) {
         if (agree(row, ours, theirs) || agree(row, theirs, base))
             continue;
-        if (agree(row, ours, base))
-            take(row, ours, theirs);
-        else if (row.from == origin::people &&
-                 settle(row.name, value_of(row, ours), value_of(row, theirs)))
+        if (agree(row, ours, base) ||
+            (row.from == origin::people &&
+             settle(row.name, value_of(row, ours), value_of(row, theirs))))
             take(row, ours, theirs);
     }
 }

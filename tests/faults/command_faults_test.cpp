@@ -92,8 +92,8 @@ protected:
         zel_test::write_file("work/code.c", code);
         fs::remove("untouched");
         std::vector<std::string> environment = {
-            "HOME=" + fs::absolute("home").string(), "LC_ALL=C", "LD_PRELOAD=" LANG_FAILING_MEMORY,
-            "LANG_FAIL_AT=" + std::to_string(n),
+            "HOME=" + fs::absolute("home").string(), "LC_ALL=C",
+            std::string("LD_PRELOAD=") + LANG_FAILING_MEMORY, "LANG_FAIL_AT=" + std::to_string(n),
             "LANG_FAIL_UNTOUCHED=" + fs::absolute("untouched").string()};
         if (forever)
             environment.emplace_back("LANG_FAIL_ON=1");

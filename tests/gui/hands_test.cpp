@@ -65,8 +65,8 @@ protected:
             GdkEvent *event = gdk_event_new(kind);
             event->button.window = GDK_WINDOW(g_object_ref(gtk_tree_view_get_bin_window(view)));
             event->button.send_event = TRUE;
-            event->button.x = cell.x + cell.width / 2;
-            event->button.y = cell.y + cell.height / 2;
+            event->button.x = cell.x + cell.width * 0.5;
+            event->button.y = cell.y + cell.height * 0.5;
             event->button.button = 1;
             event->button.device = gdk_device_get_core_pointer();
             gtk_main_do_event(event);
