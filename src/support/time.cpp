@@ -83,7 +83,7 @@ struct limited_text {
     {
         if (buffer != nullptr) {
             part = part.substr(0, limit - length);
-            std::memcpy(buffer + length, part.data(), part.size());
+            part.copy(buffer + length, part.size());
         }
         length += part.size();
         return part.size();
