@@ -141,8 +141,9 @@ GtkWidget *find_name_taker(GtkWidget *widget)
 gboolean begin_name(GtkWidget *dialog, GdkEventKey *event, gpointer)
 {
     const gunichar letter = gdk_keyval_to_unicode(event->keyval);
-    const bool with_modifier =
-        (event->state & gtk_accelerator_get_default_mod_mask() & ~GDK_SHIFT_MASK) != 0;
+    const guint modifiers =
+        gtk_accelerator_get_default_mod_mask() & ~static_cast<guint>(GDK_SHIFT_MASK);
+    const bool with_modifier = (event->state & modifiers) != 0;
     if (with_modifier || g_unichar_isalnum(letter) == 0 ||
         GTK_IS_ENTRY(gtk_window_get_focus(GTK_WINDOW(dialog))))
         return FALSE;
