@@ -24,7 +24,7 @@ constexpr tab_column_row columns[] = {
     {"Date", tab_cell::date, COL_DATE, COL_TIME, 0, PANGO_ELLIPSIZE_END},
     {"Ready", tab_cell::ready, COL_READY, COL_READY, 0, PANGO_ELLIPSIZE_NONE},
     {"Group", tab_cell::name, COL_GROUP, no_sort, 70, PANGO_ELLIPSIZE_MIDDLE},
-    {"Item", tab_cell::name, COL_ITEM, no_sort, 80, PANGO_ELLIPSIZE_MIDDLE},
+    {"Item", tab_cell::name, COL_ITEM, no_sort, 80, PANGO_ELLIPSIZE_END},
     {"Language 1", tab_cell::text, COL_LANG1, no_sort, 90, PANGO_ELLIPSIZE_END},
     {"Language 2", tab_cell::text, COL_LANG2, no_sort, 90, PANGO_ELLIPSIZE_END},
 };
