@@ -66,5 +66,5 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/lang-config-version.cmake
         DESTINATION ${liblang_cmake_dir} COMPONENT liblang)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/lang.pc
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT liblang)
-install(FILES ${PROJECT_SOURCE_DIR}/src/langlib/lang.h
+install(FILES ${PROJECT_SOURCE_DIR}/src/langlib/lang.h ${PROJECT_SOURCE_DIR}/src/langlib/lang-locale.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT liblang)
