@@ -119,6 +119,7 @@ GtkWidget *make_notebook()
 {
     GtkWidget *notebook = gtk_notebook_new();
     g_object_set(notebook, "homogeneous", TRUE, "tab-hborder", 8, nullptr);
+    zel::soften_edges(notebook);
 
     editBox = gtk_vbox_new(FALSE, 0);
     lang_global.edit_tab_label = gtk_label_new(zel::ui_text("common", "Language Edit"));

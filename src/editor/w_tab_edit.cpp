@@ -9,7 +9,9 @@
 #include "editor/w_tab_icons.h"
 #include "editor/w_tab_list.h"
 #include "editor/w_tab_model.h"
+#include "editor/w_tab_panes.h"
 #include "editor/w_tab_shot.h"
+#include "editor/w_tab_widths.h"
 #include "editor/w_text.h"
 #include "source/misc.h"
 #include "support/string-copy.h"
@@ -22,7 +24,6 @@
 
 namespace {
 
-constexpr int list_width = 400; // where the divider stands at first
 constexpr int list_min_width = 160;
 constexpr int spacing = 6;
 
@@ -418,11 +419,8 @@ void instance_init(GTypeInstance *instance, gpointer)
     gtk_container_set_border_width(GTK_CONTAINER(box), spacing);
     gtk_box_pack_start(GTK_BOX(box), make_search_row(tab), FALSE, FALSE, 0);
     make_models(tab);
-    GtkWidget *panes = gtk_hpaned_new();
-    gtk_paned_set_position(GTK_PANED(panes), list_width);
-    gtk_paned_pack1(GTK_PANED(panes), make_list(tab), TRUE, FALSE);
-    gtk_paned_pack2(GTK_PANED(panes), make_text_side(tab), TRUE, FALSE);
-    gtk_box_pack_start(GTK_BOX(box), panes, TRUE, TRUE, 0);
+    GtkWidget *list = make_list(tab);
+    gtk_box_pack_start(GTK_BOX(box), zel::tab_panes_new(list, make_text_side(tab)), TRUE, TRUE, 0);
     gtk_box_pack_start(GTK_BOX(box), make_info_frame(tab), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(tab), box, TRUE, TRUE, 0);
     gtk_widget_show_all(box);
@@ -529,7 +527,7 @@ void fill(ZelTabEdit *tab, LangSource *source)
     std::iota(all.begin(), all.end(), 0U);
     zel_tab_model_show(ZEL_TAB_MODEL(tab->store), std::move(all));
     refilter(tab);
-    zel::tab_list_autosize(view_of(tab));
+    zel::tab_widths_measure(view_of(tab));
 }
 
 void go_to(ZelTabEdit *tab, int place) { zel::tab_list_go_to(view_of(tab), place); }
@@ -553,10 +551,17 @@ void go_to_last(ZelTabEdit *tab)
     tab->last_path = nullptr;
 }
 
-void refresh(ZelTabEdit *tab)
+// The languages may be others, and have other names.
+void follow_languages(ZelTabEdit *tab)
 {
     select_languages(tab);
+    zel::tab_widths_measure(view_of(tab));
     gtk_widget_queue_draw(tab->view);
+}
+
+void refresh(ZelTabEdit *tab)
+{
+    follow_languages(tab);
     // With one row, which is selected already, the moves select nothing anew.
     const bool stays = zel_tab_model_count(shown_rows(tab)) == 1 && selected_place(tab) == 0;
     go_to_last(tab);
@@ -569,8 +574,7 @@ void refresh(ZelTabEdit *tab)
 
 void reload(ZelTabEdit *tab)
 {
-    select_languages(tab);
-    gtk_widget_queue_draw(tab->view);
+    follow_languages(tab);
     tree_selection_changed_cb(nullptr, tab);
 }
 
