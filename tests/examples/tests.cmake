@@ -5,6 +5,10 @@ if(LANG_SANITIZE OR NOT TARGET lang)
   return()
 endif()
 
+add_test(NAME lang_build COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/examples/lang-build-test
+                                 ${PROJECT_SOURCE_DIR}/data/build/lang-build $<TARGET_FILE:lang>
+                                 $<TARGET_FILE:lang-kit>)
+
 set(prefix ${PROJECT_BINARY_DIR}/examples-prefix)
 add_test(NAME examples_install COMMAND ${CMAKE_COMMAND} --install ${PROJECT_BINARY_DIR} --prefix ${prefix})
 set_tests_properties(examples_install PROPERTIES FIXTURES_SETUP examples LABELS slow)
