@@ -4,10 +4,17 @@ install(TARGETS lang lang-kit RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(TARGETS lang_editor_module LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/lang)
 
 install(FILES data/man/lang.1 data/man/lang-kit.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-install(FILES data/completion/lang.bash RENAME lang
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
-install(FILES data/completion/lang-kit.bash RENAME lang-kit
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+install(FILES data/man/lang-source.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)
+install(FILES data/man/liblang.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3 COMPONENT liblang)
+set(LANG_ZSH_COMPLETION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions
+    CACHE STRING "Folder of zsh's completion functions")
+foreach(program lang lang-kit)
+  install(FILES data/completion/${program}.bash RENAME ${program}
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+  install(FILES data/completion/_${program} DESTINATION ${LANG_ZSH_COMPLETION})
+  install(FILES data/completion/${program}.fish
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+endforeach()
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs
         FILES_MATCHING PATTERN *.md PATTERN *.png
