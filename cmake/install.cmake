@@ -29,12 +29,20 @@ install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
 # What the editor looks for: the manual and the icon; and what makes the desktop find the editor.
 install(FILES data/doc/lang.pdf DESTINATION ${CMAKE_INSTALL_DATADIR}/lang/doc)
 install(FILES data/icons/lang-editor.png DESTINATION ${CMAKE_INSTALL_DATADIR}/lang/icons)
-install(FILES data/icons/lang-editor.png
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/48x48/apps)
-install(FILES data/icons/lang-editor.svg
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
+install(DIRECTORY data/icons/hicolor DESTINATION ${CMAKE_INSTALL_DATADIR}/icons)
 install(FILES data/lang-editor.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES data/lang-source.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages)
+install(FILES data/org.example.lang_editor.metainfo.xml
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
+
+# How other editors show a source.
+install(DIRECTORY data/syntax/vim/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vim/vimfiles)
+foreach(version 3.0 4 5)
+  install(FILES data/syntax/lang-src.lang
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/gtksourceview-${version}/language-specs)
+endforeach()
+install(FILES data/syntax/lang-src.tmLanguage.json
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/lang/syntax)
 
 if(PROJECT_IS_TOP_LEVEL)
   add_custom_target(uninstall COMMAND ${CMAKE_COMMAND} -D MANIFEST=${PROJECT_BINARY_DIR}/install_manifest.txt
