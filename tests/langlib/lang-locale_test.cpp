@@ -169,6 +169,21 @@ TEST_F(Locale, TheNextFileAnswersWhereOneHasOnlyAStandIn)
     EXPECT_STREQ(lang_get_string("g", "a"), "a");
 }
 
+// Three files: the last one's own text is better than the stand-ins before it, and the first
+// stand-in better than a later one.
+TEST_F(Locale, AStandInIsShownWhenNoFileHasATextOfItsOwn)
+{
+    zel_test::write_file("de_AT.lang", "GROUP g b { default \"AT\" }");
+    zel_test::write_file("de.lang", "GROUP g a { default \"DE\" } b { default \"DE\" } "
+                                    "c { default \"DE\" }");
+    zel_test::write_file("fr.lang",
+                         "GROUP g a { default \"FR\" } b { default \"FR\" } c { \"FR\" }");
+    const handle_guard handle(lang_locale_new(".", "de_AT:fr"));
+    EXPECT_STREQ(lang_get_str(handle.get(), "g", "a"), "DE");
+    EXPECT_STREQ(lang_get_str(handle.get(), "g", "b"), "AT");
+    EXPECT_STREQ(lang_get_str(handle.get(), "g", "c"), "FR");
+}
+
 TEST_F(Locale, HandlesOfTheCallersAreChained)
 {
     const handle_guard first = load("GROUP g a { \"1\" }");
