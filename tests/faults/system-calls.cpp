@@ -18,7 +18,15 @@
 #include <vector>
 
 // Without a processor whose registers are known here nothing can fail, and the tests say so.
-#if defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define LANG_SANITIZED
+#endif
+#endif
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define LANG_SANITIZED
+#endif
+#if defined(__x86_64__) && !defined(LANG_SANITIZED)
 #define LANG_SEES_CALLS 1
 #else
 #define LANG_SEES_CALLS 0
