@@ -96,7 +96,7 @@ TEST(Hostile, FaultsNameTheirLineAndCause)
 }
 
 // A text that grows while it is read must not outgrow the bytes that were sent.
-TEST(Hostile, SizesAreBounded)
+TEST(HostileSlow, SizesAreBounded)
 {
     const std::string large(largest_text + 1, 'x');
     EXPECT_THAT(fault_of("po", po_head + ("msgid \"" + large + "\"\nmsgstr \"\"\n")).text,

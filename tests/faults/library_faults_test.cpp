@@ -3,6 +3,7 @@
 
 #include "failing-memory.h"
 #include "langlib/lang-load.h"
+#include "langlib/lang-locale.h"
 #include "langlib/lang-request.h"
 #include "lex/lex-misc.h"
 #include "lex/min_lex.h"
@@ -139,6 +140,23 @@ TEST_F(Faults, LoadingAndAsking)
                "a stand-in is imported");
         if (handle != nullptr)
             lang_free(handle, 1);
+    });
+}
+
+TEST_F(Faults, TheBestOfADirectory)
+{
+    std::filesystem::create_directories("texts/at-edit");
+    zel_test::write_file("texts/at-edit/at.lang", "LANGUAGE \"de_AT\" GROUP g a { default \"A\" }");
+    zel_test::write_file("texts/german.lang", "LANGUAGE \"german\" GROUP g a { \"A-DE\" }");
+    fail_everywhere([] {
+        lang_locale_choose("texts", "de_AT");
+        const char *text = lang_get_string("g", "a");
+        expect(one_of(text, "A-DE", "a") || same(text, "A"), "a request");
+        expect(one_of(lang_plural("one|few|other", 1), "one", "other"), "a form");
+        expect(one_of(lang_plural("one|other", 1), "one", "other"), "a form");
+        const int count = lang_locale_list("texts", nullptr, nullptr);
+        expect(count >= -1 && count <= 2, "a list");
+        lang_de_init();
     });
 }
 

@@ -56,9 +56,9 @@ std::vector<section> sections_of(const std::string &document)
     return sections;
 }
 
-class Docs : public testing::TestWithParam<const char *> {};
+class DocsSlow : public testing::TestWithParam<const char *> {};
 
-TEST_P(Docs, CommandsDoWhatIsSaid)
+TEST_P(DocsSlow, CommandsDoWhatIsSaid)
 {
     const std::string kit = LANG_KIT;
     setenv("PATH", (kit.substr(0, kit.rfind('/')) + ":" + std::getenv("PATH")).c_str(), 1);
@@ -90,7 +90,7 @@ TEST_P(Docs, CommandsDoWhatIsSaid)
     EXPECT_GE(count, 2U);
 }
 
-INSTANTIATE_TEST_SUITE_P(Files, Docs,
+INSTANTIATE_TEST_SUITE_P(Files, DocsSlow,
                          testing::Values("README.md", "docs/formats.md", "docs/teams.md"),
                          [](const auto &param) {
                              const std::string name = param.param;

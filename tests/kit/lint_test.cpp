@@ -110,7 +110,7 @@ TEST_F(Lint, ListsItsRules)
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.out, StartsWith("syntax       error    "));
     EXPECT_THAT(result.out, HasSubstr("\nnot-ready    info     "));
-    EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 23);
+    EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 24);
 }
 
 TEST_F(Lint, WhatTheReaderSaysIsAFinding)
