@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <printf.h>
 
 #include "langlib/lang-load.h"
@@ -26,8 +25,8 @@ void look_at_forms(const char *text)
     for (const std::int64_t number : {INT64_MIN, INT64_C(-1), INT64_C(0), INT64_C(1), INT64_C(2),
                                       INT64_C(5), INT64_C(1000000), INT64_MAX}) {
         const char *form = lang_plural(text, number);
-        fuzz::require(form != nullptr && std::strlen(form) <= std::strlen(text), "a form");
-        fuzz::require(std::strstr(text, form) != nullptr, "a form is a piece of its text");
+        fuzz::require(form != nullptr && std::string_view(text).find(form) != std::string::npos,
+                      "a form is a piece of its text");
     }
 }
 
