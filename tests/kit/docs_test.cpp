@@ -104,8 +104,8 @@ private:
     zel_test::temp_dir prefix_;
 };
 
-// What a shell runs for a command that opens a window: it is waited for, its title is told, and it is
-// closed.
+// What a shell runs for a command that opens a window: it is waited for, its title is told, and it
+// is closed.
 bool opens_window(const std::string &words)
 {
     return words.starts_with("./hello") || words.starts_with("lang edit");
