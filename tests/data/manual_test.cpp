@@ -21,8 +21,8 @@ TEST(Manual, NamesWhatTheMenusHold)
         for (const std::string &text : matches(code, row))
             texts.push_back(std::regex_replace(text, std::regex("_"), ""));
     EXPECT_GE(texts.size(), 30U);
-    const std::string manual =
-        std::regex_replace(text_of("data/doc/manual.md"), std::regex("\\s+"), " ");
+    std::string manual = std::regex_replace(text_of("data/doc/manual.md"), std::regex("\\s+"), " ");
+    std::erase(manual, '\\'); // which keeps an asterisk an asterisk
     for (const std::string &text : texts)
         EXPECT_THAT(manual, HasSubstr(text));
 }
