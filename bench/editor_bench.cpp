@@ -2,9 +2,12 @@
 // painted. Needs a display (tools/with-display); without one nothing is measured.
 
 #include "app/global.h"
+#include "editor/edit-history.h"
 #include "editor/edit-state.h"
+#include "editor/edit-undo.h"
 #include "editor/w_tab_edit.h"
 #include "editor/w_tab_model.h"
+#include "editor/w_text.h"
 #include "source/misc.h"
 #include "source/model.h"
 
@@ -181,6 +184,30 @@ void sort(benchmark::State &state, int id)
     }
 }
 
+// Steps back and forth, each in another item: the first one and the last.
+void undo(benchmark::State &state)
+{
+    window main(static_cast<int>(state.range(0)));
+    ZelTabEdit *table = main.open();
+    editWin = GTK_WIDGET(table);
+    def_group = main.source;
+    zel::undo_watch(editWin);
+    Zeltext *text = ZEL_TEXT(table->text_widget);
+    for (auto *move : {zel_tab_edit_first, zel_tab_edit_last}) {
+        move(editWin);
+        gtk_text_buffer_insert_at_cursor(gtk_text_view_get_buffer(GTK_TEXT_VIEW(text->trans2_view)),
+                                         "typed", -1);
+    }
+    int step = 0;
+    while (state.KeepRunning()) {
+        step++ % 4 < 2 ? zel::edit_undo() : zel::edit_redo();
+        paint();
+    }
+    zel::source_history().clear();
+    editWin = nullptr;
+    def_group = nullptr;
+}
+
 // A text of that many letters without a break: the item before it, then it.
 void unbroken(benchmark::State &state)
 {
@@ -216,6 +243,7 @@ constexpr job jobs[] = {
     {"search_all_hit/ours", [](benchmark::State &state) { search(state, "e"); }},
     {"search_no_hit/ours", [](benchmark::State &state) { search(state, "zzz"); }},
     {"filter_untranslated/ours", untranslated},
+    {"undo/ours", undo},
     {"sort_by_date/ours", [](benchmark::State &state) { sort(state, COL_TIME); }},
     {"sort_by_ready/ours", [](benchmark::State &state) { sort(state, COL_READY); }},
 };

@@ -3,6 +3,7 @@
 #include "support/text.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace {
 
@@ -44,7 +45,7 @@ std::uint32_t entry_table::slot_at(std::size_t position, const char *name)
     if (position == guesses_.size())
         guesses_.push_back({name, slot_of(name)});
     guess &last = guesses_[position];
-    if (last.name != name)
+    if (std::strcmp(last.name.c_str(), name) != 0)
         last = {name, slot_of(name)};
     return last.slot;
 }

@@ -4,7 +4,9 @@
 #include "config/ini.h"
 #include "editor/dir_file_sel.h"
 #include "editor/edit-ask.h"
+#include "editor/edit-history.h"
 #include "editor/edit-state.h"
+#include "editor/edit-undo.h"
 #include "editor/read-report.h"
 #include "editor/recent.h"
 #include "editor/ui-text.h"
@@ -59,6 +61,7 @@ void close_source()
     if (def_group != nullptr)
         lang_free_group(&def_group);
     def_group = nullptr;
+    zel::source_history().clear();
 }
 
 // Takes the file as the current one, with the folder it is in.
@@ -288,6 +291,7 @@ void edit_show_source()
     editWin = edit_ctrl.new_table();
     gtk_widget_set_name(editWin, "item-table");
     g_signal_connect(editWin, "destroy", G_CALLBACK(gtk_widget_destroyed), &editWin);
+    undo_watch(editWin);
     if (edit_ctrl.set != nullptr)
         edit_ctrl.set(editWin, def_group);
     gtk_box_pack_start(GTK_BOX(editBox), editWin, TRUE, TRUE, 0);

@@ -7,6 +7,7 @@
 #include "editor/edit-file.h"
 #include "editor/edit-menus.h"
 #include "editor/edit-state.h"
+#include "editor/edit-undo.h"
 #include "editor/theme.h"
 #include "editor/ui-text.h"
 
@@ -51,6 +52,7 @@ GtkWidget *make_window()
     set_icon();
     accel_group = gtk_accel_group_new();
     gtk_window_add_accel_group(GTK_WINDOW(mainWin), accel_group);
+    zel::undo_add_keys();
     g_signal_connect(mainWin, "key_press_event", G_CALLBACK(lang_key_press_event), &def_group);
     g_signal_connect(mainWin, "key-press-event", G_CALLBACK(accel_first_event), &def_group);
     g_signal_connect(mainWin, "delete_event", G_CALLBACK(delete_event), &def_group);
@@ -119,6 +121,7 @@ GtkWidget *make_notebook()
 {
     GtkWidget *notebook = gtk_notebook_new();
     g_object_set(notebook, "homogeneous", TRUE, "tab-hborder", 8, nullptr);
+    zel::soften_edges(notebook);
 
     editBox = gtk_vbox_new(FALSE, 0);
     lang_global.edit_tab_label = gtk_label_new(zel::ui_text("common", "Language Edit"));

@@ -113,6 +113,21 @@ bool user_has_theme()
     return theme && zel::has_theme(theme.get());
 }
 
+// The toolkit's default draws the outer edges of tabs with the black of the style, which no resource
+// file can change: the widget gets a style of its own with another line colour.
+void give_soft_edges(GtkWidget *widget, gpointer)
+{
+    GtkStyle *own = gtk_style_copy(gtk_widget_get_style(widget));
+    gtk_widget_set_style(widget, own);
+    g_object_unref(own);
+    GtkStyle *style = gtk_widget_get_style(widget);
+    GdkGCValues line{};
+    gdk_color_parse("#a4a4a0", &line.foreground);
+    gdk_colormap_alloc_color(style->colormap, &line.foreground, FALSE, TRUE);
+    gtk_gc_release(style->black_gc);
+    style->black_gc = gtk_gc_get(style->depth, style->colormap, &line, GDK_GC_FOREGROUND);
+}
+
 } // namespace
 
 namespace zel {
@@ -138,6 +153,12 @@ GtkWidget *make_line_frame()
     gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_IN);
     gtk_widget_set_name(frame, "line-frame");
     return frame;
+}
+
+void soften_edges(GtkWidget *widget)
+{
+    if (!user_has_theme())
+        g_signal_connect_after(widget, "realize", G_CALLBACK(give_soft_edges), nullptr);
 }
 
 void apply_theme()

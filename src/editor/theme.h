@@ -17,4 +17,7 @@ bool has_theme(const char *name);
 // theme.
 GtkWidget *make_line_frame();
 
+// Takes the black out of a widget's edges where the user has no theme.
+void soften_edges(GtkWidget *widget);
+
 } // namespace zel

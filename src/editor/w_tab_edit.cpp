@@ -2,6 +2,7 @@
 
 #include "app/global.h"
 #include "editor/accessible.h"
+#include "editor/edit-record.h"
 #include "editor/edit-state.h"
 #include "editor/operation.h"
 #include "editor/ui-text.h"
@@ -9,7 +10,10 @@
 #include "editor/w_tab_icons.h"
 #include "editor/w_tab_list.h"
 #include "editor/w_tab_model.h"
+#include "editor/w_tab_panes.h"
 #include "editor/w_tab_shot.h"
+#include "editor/w_tab_widths.h"
+#include "editor/w_tab_work.h"
 #include "editor/w_text.h"
 #include "source/misc.h"
 #include "support/string-copy.h"
@@ -22,7 +26,6 @@
 
 namespace {
 
-constexpr int list_width = 400; // where the divider stands at first
 constexpr int list_min_width = 160;
 constexpr int spacing = 6;
 
@@ -98,6 +101,7 @@ void change_ready_cb(GtkToggleButton *button, gpointer data)
     const zel::tab_row *row = selected_row(tab, &number);
     if (row == nullptr)
         return;
+    zel::record_ready(row->item, gtk_toggle_button_get_active(button), true);
     zel::edit_set_modified(true);
     row->item->ready = gtk_toggle_button_get_active(button);
     ready_changed(tab, number);
@@ -131,6 +135,7 @@ void ready_toggled_callback(GtkCellRendererToggle *, gchar *path_text, gpointer 
         return;
     }
     item_t *item = rows_of(tab).rows[static_cast<std::size_t>(number)].item;
+    zel::record_ready(item, item->ready == 0, false);
     item->ready = item->ready == 0;
     ready_changed(tab, number);
 }
@@ -169,6 +174,7 @@ void tree_selection_changed_cb(GtkTreeSelection *, gpointer data)
         show_row(tab, *row, number);
     else
         show_ready(tab, nullptr);
+    tab->work->item_shown(number);
     if (field >= 0 && !zel::text_focus_field(ZEL_TEXT(tab->text_widget), field))
         gtk_widget_grab_focus(tab->view);
 }
@@ -201,7 +207,7 @@ void refilter(ZelTabEdit *tab)
     std::vector<std::uint32_t> shown;
     shown.reserve(rows.size());
     for (std::uint32_t row = 0; row < rows.size(); ++row) {
-        if (filter_func(filter, rows[row].item))
+        if (filter_func(filter, rows[row].item) && !tab->work->hides(row))
             shown.push_back(row);
     }
     zel::free_search_words(tab->search_words);
@@ -221,6 +227,7 @@ gboolean tree_filter_changed_cb(GtkWidget *, gpointer data)
         remember_selected(tab, -1);
         empty_text(tab, 1);
         show_ready(tab, nullptr);
+        tab->work->item_shown(-1);
     }
     refilter(tab);
     if (in_text)
@@ -295,6 +302,7 @@ void destroy_cb(GtkObject *, gpointer data)
     if (tab->pix_active == nullptr)
         return;
     tab->busy = 1;
+    tab->work->stop();
     zel::tab_rows_clear(rows_of(tab));
     show_rows(tab, {});
     g_clear_object(&tab->pix_active);
@@ -400,14 +408,24 @@ GtkWidget *make_text_side(ZelTabEdit *tab)
     return box;
 }
 
-GtkWidget *make_info_frame(ZelTabEdit *tab)
+GtkWidget *make_info_row(ZelTabEdit *tab)
 {
     GtkWidget *frame = gtk_frame_new(nullptr);
     gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_NONE);
     tab->info_label = gtk_label_new(nullptr);
     gtk_misc_set_alignment(GTK_MISC(tab->info_label), 0.0F, 0.5F);
     gtk_container_add(GTK_CONTAINER(frame), tab->info_label);
-    return frame;
+    GtkWidget *row = gtk_hbox_new(FALSE, spacing);
+    gtk_box_pack_start(GTK_BOX(row), frame, FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(row), tab->work->progress_label(), TRUE, TRUE, 0);
+    return row;
+}
+
+void make_work(ZelTabEdit *tab)
+{
+    tab->work =
+        new zel::tab_work({view_of(tab), shown_rows(tab), *tab->rows, ZEL_TEXT(tab->text_widget),
+                           tab->ready_button, [tab] { tree_filter_changed_cb(nullptr, tab); }});
 }
 
 void instance_init(GTypeInstance *instance, gpointer)
@@ -416,14 +434,14 @@ void instance_init(GTypeInstance *instance, gpointer)
     tab->last_group = zel_strdup2("");
     GtkWidget *box = gtk_vbox_new(FALSE, spacing);
     gtk_container_set_border_width(GTK_CONTAINER(box), spacing);
-    gtk_box_pack_start(GTK_BOX(box), make_search_row(tab), FALSE, FALSE, 0);
+    GtkWidget *search = make_search_row(tab);
+    gtk_box_pack_start(GTK_BOX(box), search, FALSE, FALSE, 0);
     make_models(tab);
-    GtkWidget *panes = gtk_hpaned_new();
-    gtk_paned_set_position(GTK_PANED(panes), list_width);
-    gtk_paned_pack1(GTK_PANED(panes), make_list(tab), TRUE, FALSE);
-    gtk_paned_pack2(GTK_PANED(panes), make_text_side(tab), TRUE, FALSE);
-    gtk_box_pack_start(GTK_BOX(box), panes, TRUE, TRUE, 0);
-    gtk_box_pack_start(GTK_BOX(box), make_info_frame(tab), FALSE, FALSE, 0);
+    GtkWidget *list = make_list(tab);
+    gtk_box_pack_start(GTK_BOX(box), zel::tab_panes_new(list, make_text_side(tab)), TRUE, TRUE, 0);
+    make_work(tab);
+    gtk_box_pack_start(GTK_BOX(search), tab->work->filter_button(), FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), make_info_row(tab), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(tab), box, TRUE, TRUE, 0);
     gtk_widget_show_all(box);
     empty_text(tab, 0);
@@ -440,6 +458,7 @@ void finalize(GObject *object)
     g_object_unref(tab->filter_model);
     g_object_unref(tab->store);
     zel::replace_string(tab->last_group, nullptr);
+    delete tab->work;
     delete tab->rows;
     G_OBJECT_CLASS(parent_class)->finalize(object);
 }
@@ -528,8 +547,9 @@ void fill(ZelTabEdit *tab, LangSource *source)
     std::vector<std::uint32_t> all(rows_of(tab).rows.size());
     std::iota(all.begin(), all.end(), 0U);
     zel_tab_model_show(ZEL_TAB_MODEL(tab->store), std::move(all));
+    tab->work->rows_changed();
     refilter(tab);
-    zel::tab_list_autosize(view_of(tab));
+    zel::tab_widths_measure(view_of(tab));
 }
 
 void go_to(ZelTabEdit *tab, int place) { zel::tab_list_go_to(view_of(tab), place); }
@@ -553,10 +573,18 @@ void go_to_last(ZelTabEdit *tab)
     tab->last_path = nullptr;
 }
 
-void refresh(ZelTabEdit *tab)
+// The languages may be others, and have other names.
+void follow_languages(ZelTabEdit *tab)
 {
     select_languages(tab);
+    tab->work->rows_changed();
+    zel::tab_widths_measure(view_of(tab));
     gtk_widget_queue_draw(tab->view);
+}
+
+void refresh(ZelTabEdit *tab)
+{
+    follow_languages(tab);
     // With one row, which is selected already, the moves select nothing anew.
     const bool stays = zel_tab_model_count(shown_rows(tab)) == 1 && selected_place(tab) == 0;
     go_to_last(tab);
@@ -569,8 +597,7 @@ void refresh(ZelTabEdit *tab)
 
 void reload(ZelTabEdit *tab)
 {
-    select_languages(tab);
-    gtk_widget_queue_draw(tab->view);
+    follow_languages(tab);
     tree_selection_changed_cb(nullptr, tab);
 }
 

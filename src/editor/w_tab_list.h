@@ -1,6 +1,6 @@
 #pragma once
 
-// The list of the item table: its columns, their renderers and widths.
+// The list of the item table: its columns and their renderers.
 
 #include <gtk/gtk.h>
 
@@ -16,9 +16,6 @@ struct tab_list {
 [[nodiscard]] tab_list tab_list_new(GtkTreeModel *model,
                                     void (*toggled)(GtkCellRendererToggle *, gchar *, gpointer),
                                     gpointer data);
-
-// Gives the columns the widths that their titles and the first rows ask for.
-void tab_list_autosize(GtkTreeView *view);
 
 // Asks the list to select a row; nothing without such a row.
 void tab_list_go_to(GtkTreeView *view, int place);

@@ -52,8 +52,9 @@ protected:
     std::string err;
     int status = 0;
 };
+using SurroundingsSlow = Surroundings;
 
-TEST_F(Surroundings, LittleMemoryIsEnough)
+TEST_F(SurroundingsSlow, LittleMemoryIsEnough)
 {
     if (sanitized)
         GTEST_SKIP();
@@ -70,7 +71,7 @@ TEST_F(Surroundings, LittleMemoryIsEnough)
     }
 }
 
-TEST_F(Surroundings, TooLittleMemoryCostsNothing)
+TEST_F(SurroundingsSlow, TooLittleMemoryCostsNothing)
 {
     if (sanitized)
         GTEST_SKIP();

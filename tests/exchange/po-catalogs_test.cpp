@@ -46,7 +46,7 @@ std::vector<std::string> catalogs()
     return chosen;
 }
 
-TEST(PoCatalogs, AreWrittenAsTheUsualToolWritesThem)
+TEST(PoCatalogsSlow, AreWrittenAsTheUsualToolWritesThem)
 {
     if (std::system("command -v msgunfmt msgcat >/dev/null") != 0)
         GTEST_SKIP() << "gettext is not installed";

@@ -2,6 +2,7 @@
 
 #include "editor-fixture.h"
 #include "editor/theme.h"
+#include "editor/w_tab_widths.h"
 
 #include <gmock/gmock.h>
 
@@ -41,6 +42,43 @@ protected:
         gint y = 0;
         gtk_widget_translate_coordinates(widget, viewport, 0, 0, &x, &y);
         return y >= 0 && y + height_of(widget) <= height_of(viewport);
+    }
+    static GtkTreeView *list() { return GTK_TREE_VIEW(ZEL_TAB_EDIT(editWin)->view); }
+    static GtkWidget *panes() { return gtk_widget_get_ancestor(panel_widget(), GTK_TYPE_PANED); }
+    static GtkWidget *panel_widget() { return ZEL_TAB_EDIT(editWin)->text_widget; }
+    static int divider() { return gtk_paned_get_position(GTK_PANED(panes())); }
+    // The share of the width that the list has.
+    static double list_share()
+    {
+        GtkAllocation place{};
+        gtk_widget_get_allocation(panes(), &place);
+        return static_cast<double>(divider()) / place.width;
+    }
+    // The texts of a row as the list draws them, in the order of the columns.
+    static std::vector<std::string> drawn_row(int row)
+    {
+        std::vector<std::string> texts;
+        GtkTreeModel *model = gtk_tree_view_get_model(list());
+        GtkTreeIter iter;
+        gtk_tree_model_iter_nth_child(model, &iter, nullptr, row);
+        for (int number = 0;; ++number) {
+            GtkTreeViewColumn *column = gtk_tree_view_get_column(list(), number);
+            if (column == nullptr)
+                return texts;
+            gtk_tree_view_column_cell_set_cell_data(column, model, &iter, FALSE, FALSE);
+            GList *cells = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(column));
+            gchar *text = nullptr;
+            if (GTK_IS_CELL_RENDERER_TEXT(cells->data))
+                g_object_get(cells->data, "text", &text, nullptr);
+            texts.emplace_back(text == nullptr ? "" : text);
+            g_free(text);
+            g_list_free(cells);
+        }
+    }
+    static bool scrolls_sideways()
+    {
+        GtkAdjustment *across = gtk_tree_view_get_hadjustment(list());
+        return gtk_adjustment_get_upper(across) > gtk_adjustment_get_page_size(across);
     }
     static void resize(int width, int height)
     {
@@ -104,4 +142,104 @@ TEST_F(Looks, AThemeWithoutAPartForTheToolkitIsNone)
     EXPECT_FALSE(zel::has_theme("nowhere"));
     EXPECT_FALSE(zel::has_theme("Raleigh"));
     EXPECT_FALSE(zel::has_theme(""));
+}
+
+TEST_F(Looks, TheSmallestWindowShowsTheItems)
+{
+    write_file(source(), read_file(LANG_SOURCE_ROOT "/examples/notes.lang-src"));
+    for (const char *font : {"Sans 10", "Sans 9"}) {
+        set_font(font);
+        run_editor(source(), [&] {
+            settle(100);
+            EXPECT_EQ(divider(), 400);
+            EXPECT_FALSE(scrolls_sideways()) << font;
+            const std::vector<std::string> row = drawn_row(0);
+            EXPECT_EQ(row[2].size(), std::strlen("2024-03-04")) << row[2];
+            EXPECT_EQ(row[5], "_File");
+            for (int number = 1; number < 6; ++number) {
+                GtkWidget *title = gtk_tree_view_get_column(list(), number)->button;
+                GtkRequisition wanted{};
+                gtk_widget_size_request(title, &wanted);
+                GtkAllocation place{};
+                gtk_widget_get_allocation(title, &place);
+                EXPECT_GE(place.width, wanted.width) << font << ", title " << number;
+            }
+        });
+    }
+}
+
+TEST_F(Looks, ALargeWindowShowsNamesWholeHoweverItBecameLarge)
+{
+    write_file(path("long.lang-src"), "define file \"e\" lang \"english\" 1 1 1\n"
+                                      "GROUP \"a named group\" { ITEM \"short\" { USED YES }\n"
+                                      "ITEM \"a name of some words\" { USED YES } }\n");
+    const double shares[] = {0.45, 0.55, 0.55};
+    for (const unsigned mode : {0U, 1U, 2U}) {
+        lang_global.editor_mode = mode;
+        run_editor(path("long.lang-src"), [&] {
+            resize(1200, 700);
+            EXPECT_NEAR(list_share(), shares[mode], 0.01);
+            const int enlarged = divider();
+            if (mode == 0) {
+                EXPECT_FALSE(scrolls_sideways());
+                GtkTreeModel *model = gtk_tree_view_get_model(list());
+                GtkTreeIter iter;
+                gtk_tree_model_iter_nth_child(model, &iter, nullptr, 1);
+                for (int number = 4; number < 6; ++number)
+                    EXPECT_EQ(zel::tab_hidden_text(list(), gtk_tree_view_get_column(list(), number),
+                                                   &iter),
+                              "");
+            }
+            answer_next(choose(path("long.lang-src")));
+            choose_entry("Load");
+            settle(100);
+            EXPECT_EQ(divider(), enlarged) << "loaded into the large window";
+        });
+    }
+}
+
+TEST_F(Looks, WhatTheUserHasMovedStays)
+{
+    run_editor(source(), [&] {
+        resize(1200, 700);
+        const std::vector<std::string> row = drawn_row(0);
+        EXPECT_EQ(row[2].size(), std::strlen("2024-03-04 10:11:12")) << "there is room";
+        gboolean moved = FALSE;
+        g_signal_emit_by_name(panes(), "move-handle", GTK_SCROLL_STEP_LEFT, &moved);
+        gtk_paned_set_position(GTK_PANED(panes()), 300);
+        settle(50);
+        resize(1201, 700);
+        EXPECT_NEAR(divider(), 300, 3);
+        GtkTreeViewColumn *dragged = gtk_tree_view_get_column(list(), 4);
+        dragged->use_resized_width = TRUE;
+        dragged->resized_width = 33;
+        gtk_paned_set_position(GTK_PANED(panes()), 500);
+        settle(50);
+        EXPECT_EQ(gtk_tree_view_column_get_width(gtk_tree_view_get_column(list(), 4)), 33);
+    });
+}
+
+TEST_F(Looks, WhatCannotBeSeenInATextHasASign)
+{
+    run_editor(source(), [] {
+        GtkWidget *view = panel()->trans2_view;
+        const auto picture = [view](const char *shown) {
+            gtk_text_buffer_set_text(gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)), shown, -1);
+            settle(50);
+            GdkPixmap *drawn = gtk_widget_get_snapshot(view, nullptr);
+            GdkPixbuf *pixels =
+                gdk_pixbuf_get_from_drawable(nullptr, drawn, nullptr, 0, 0, 0, 0, 100, 20);
+            const std::size_t bytes = std::hash<std::string_view>{}(
+                {reinterpret_cast<const char *>(gdk_pixbuf_get_pixels(pixels)),
+                 static_cast<std::size_t>(gdk_pixbuf_get_rowstride(pixels)) * 19});
+            g_object_unref(pixels);
+            g_object_unref(drawn);
+            return bytes;
+        };
+        EXPECT_EQ(picture("ab cd"), picture("ab cd"));
+        EXPECT_NE(picture("ab"), picture("ab  "));
+        EXPECT_NE(picture("ab cd"), picture("ab\u00a0cd"));
+        EXPECT_NE(picture("ab"), picture("ab\u2028"));
+        gtk_text_buffer_set_text(gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)), "", -1);
+    });
 }

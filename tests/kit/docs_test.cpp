@@ -128,7 +128,7 @@ kill $!
     return read_file(dir / "out");
 }
 
-TEST(DocsSlow, TheFirstWindow)
+TEST(WindowSlow, TheFirstOne)
 {
 #if defined(__SANITIZE_ADDRESS__)
     GTEST_SKIP() << "an application without the sanitizer cannot load the library with it";
@@ -170,9 +170,9 @@ INSTANTIATE_TEST_SUITE_P(ComingOver, Story,
                          testing::Values("docs/from-po.md", "docs/from-ts.md", "docs/from-json.md"),
                          [](const auto &param) { return std::string(param.param).substr(10, 2); });
 
-class Docs : public testing::TestWithParam<const char *> {};
+class DocsSlow : public testing::TestWithParam<const char *> {};
 
-TEST_P(Docs, CommandsDoWhatIsSaid)
+TEST_P(DocsSlow, CommandsDoWhatIsSaid)
 {
     add_programs_to_path();
     std::size_t count = 0;
@@ -191,7 +191,7 @@ TEST_P(Docs, CommandsDoWhatIsSaid)
     EXPECT_GE(count, 2U);
 }
 
-INSTANTIATE_TEST_SUITE_P(Files, Docs,
+INSTANTIATE_TEST_SUITE_P(Files, DocsSlow,
                          testing::Values("README.md", "docs/formats.md", "docs/teams.md"),
                          [](const auto &param) {
                              const std::string name = param.param;

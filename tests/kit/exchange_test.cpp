@@ -45,8 +45,9 @@ protected:
 
     zel_test::temp_dir dir{zel_test::temp_dir::enter::yes};
 };
+using ExchangeSlow = Exchange;
 
-TEST_F(Exchange, AChangedTextComesBackAndNothingElse)
+TEST_F(ExchangeSlow, AChangedTextComesBackAndNothingElse)
 {
     for (const char *format : {"po", "xliff", "xliff2", "csv"}) {
         write_file("app.lang-src", read_file(example));
@@ -90,7 +91,7 @@ TEST_F(Exchange, AChangedTextComesBackAndNothingElse)
     }
 }
 
-TEST_F(Exchange, OnlyWhatIsKnownIsTaken)
+TEST_F(ExchangeSlow, OnlyWhatIsKnownIsTaken)
 {
     write_file("german.po",
                "msgctxt \"menu:_Save\"\nmsgid \"_Save\"\nmsgstr \"Sichern\"\n\n"
@@ -219,7 +220,7 @@ TEST_F(Exchange, WrongUseIsOneLineAndStatusTwo)
 
 // ---- Judges
 
-TEST_F(Exchange, TheUsualToolsTakeTheCatalogs)
+TEST_F(ExchangeSlow, TheUsualToolsTakeTheCatalogs)
 {
     if (!is_there("msgfmt"))
         GTEST_SKIP() << "gettext is not installed";

@@ -127,9 +127,9 @@ std::string code()
     return text + "}\n";
 }
 
-class GitMerge : public Git {
+class GitMergeSlow : public Git {
 protected:
-    GitMerge()
+    GitMergeSlow()
     {
         kit("start --language german --language french app.lang-src");
         write_file("a.c", code());
@@ -156,7 +156,7 @@ protected:
     }
 };
 
-TEST_F(GitMerge, DifferentItemsAfterChecksThatMovedEverything)
+TEST_F(GitMergeSlow, DifferentItemsAfterChecksThatMovedEverything)
 {
     branch("german", "// 3\n", 2, "_Save", "german", "Sichern");
     branch("french", "// 15\n", 3, "_Quit", "french", "Quitter");
@@ -188,7 +188,7 @@ TEST_F(GitMerge, DifferentItemsAfterChecksThatMovedEverything)
                     testing::AnyOf(".git", ".gitattributes", ".gitignore", "a.c", "app.lang-src"));
 }
 
-TEST_F(GitMerge, OneItemOnBothSides)
+TEST_F(GitMergeSlow, OneItemOnBothSides)
 {
     branch("german", "// 3\n", 2, "_Save", "german", "Sichern");
     branch("other", "// 15\n", 3, "_Save", "german", "Speichern");
@@ -203,7 +203,7 @@ TEST_F(GitMerge, OneItemOnBothSides)
     EXPECT_EQ(git("status --porcelain"), "");
 }
 
-TEST_F(GitMerge, DifferencesAreReadable)
+TEST_F(GitMergeSlow, DifferencesAreReadable)
 {
     branch("german", "// 3\n", 2, "_Save", "german", "Sichern");
     const std::string shown = git("diff main german -- app.lang-src");

@@ -55,7 +55,7 @@ std::string on_terminal(Function &&function)
     return text;
 }
 
-TEST(Progress, IsALineOnATerminalThatIsGoneAtTheEnd)
+TEST(ProgressSlow, IsALineOnATerminalThatIsGoneAtTheEnd)
 {
     const std::string text = on_terminal([] {
         progress shown("app.lang-src", 30000);
@@ -67,7 +67,7 @@ TEST(Progress, IsALineOnATerminalThatIsGoneAtTheEnd)
     EXPECT_EQ(text.find('\n'), std::string::npos);
 }
 
-TEST(Progress, SaysNothingInAPipeNorForAShortRun)
+TEST(ProgressSlow, SaysNothingInAPipeNorForAShortRun)
 {
     EXPECT_EQ(on_terminal([] {
                   progress shown("app.lang-src", 30000);

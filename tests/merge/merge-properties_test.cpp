@@ -81,7 +81,7 @@ std::vector<std::string> lines(const std::vector<conflict> &conflicts, bool swap
     return out;
 }
 
-TEST(MergeProperties, OneSideAloneIsTakenWhole)
+TEST(MergePropertiesSlow, OneSideAloneIsTakenWhole)
 {
     for (unsigned seed = 0; seed < seeds; ++seed) {
         const family made{seed};
@@ -93,7 +93,7 @@ TEST(MergeProperties, OneSideAloneIsTakenWhole)
     }
 }
 
-TEST(MergeProperties, TheSidesSeeTheSameConflicts)
+TEST(MergePropertiesSlow, TheSidesSeeTheSameConflicts)
 {
     std::size_t seen = 0;
     for (unsigned seed = 0; seed < seeds; ++seed) {
@@ -113,7 +113,7 @@ TEST(MergeProperties, TheSidesSeeTheSameConflicts)
 }
 
 // Of names that a list has twice the first one may be gone then, and the second one the first.
-TEST(MergeProperties, MergingAgainChangesNothing)
+TEST(MergePropertiesSlow, MergingAgainChangesNothing)
 {
     for (unsigned seed = 0; seed < seeds; ++seed) {
         family made{seed};
@@ -130,7 +130,7 @@ TEST(MergeProperties, MergingAgainChangesNothing)
     }
 }
 
-TEST(MergeProperties, NoNewTextIsLost)
+TEST(MergePropertiesSlow, NoNewTextIsLost)
 {
     for (unsigned seed = 0; seed < seeds; ++seed) {
         const family made{seed};
@@ -157,7 +157,7 @@ TEST(MergeProperties, NoNewTextIsLost)
     }
 }
 
-TEST(MergeProperties, TheResultReadsBack)
+TEST(MergePropertiesSlow, TheResultReadsBack)
 {
     const zel_test::temp_dir dir(zel_test::temp_dir::enter::yes);
     for (unsigned seed = 0; seed < seeds; seed += 25) {
