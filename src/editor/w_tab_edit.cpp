@@ -668,6 +668,13 @@ edit_more_t tab_edit_more()
             return on_table(widget, "tab_edit_bring_back",
                             [](ZelTabEdit *tab) { text_bring_back(ZEL_TEXT(tab->text_widget)); });
         },
+        [](GtkWidget *widget, const lang_entry_t *entry) {
+            bool made = false;
+            on_table(widget, "tab_edit_is_made", [&made, entry](ZelTabEdit *tab) {
+                made = text_is_made(ZEL_TEXT(tab->text_widget), entry);
+            });
+            return made ? 1 : 0;
+        },
     };
 }
 
