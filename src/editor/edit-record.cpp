@@ -170,6 +170,8 @@ void record_ready(item_t *item, std::int32_t ready, bool counts)
 
 void record_definitions(LangSource *source, const definitions &before)
 {
+    if (source == nullptr) // released while the dialog was open
+        return;
     finish_typing();
     definitions after = read_definitions(source);
     if (!(after == before))

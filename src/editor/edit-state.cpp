@@ -52,8 +52,11 @@ void edit_status(const char *text)
         gtk_entry_set_text(GTK_ENTRY(statusWin), utf8_shown(text).c_str());
 }
 
+unsigned edit_changes;
+
 void edit_set_modified(bool modified)
 {
+    edit_changes += modified ? 1 : 0;
     lang_global.modified = modified ? 1 : 0;
     if (!modified)
         source_history().mark_saved();

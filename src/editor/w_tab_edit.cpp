@@ -11,6 +11,7 @@
 #include "editor/w_tab_list.h"
 #include "editor/w_tab_model.h"
 #include "editor/w_tab_panes.h"
+#include "editor/w_tab_search.h"
 #include "editor/w_tab_shot.h"
 #include "editor/w_tab_widths.h"
 #include "editor/w_tab_work.h"
@@ -175,6 +176,7 @@ void tree_selection_changed_cb(GtkTreeSelection *, gpointer data)
     else
         show_ready(tab, nullptr);
     tab->work->item_shown(number);
+    tab->search->mark_hits();
     if (field >= 0 && !zel::text_focus_field(ZEL_TEXT(tab->text_widget), field))
         gtk_widget_grab_focus(tab->view);
 }
@@ -197,18 +199,35 @@ void show_rows(ZelTabEdit *tab, const std::vector<std::uint32_t> &shown)
     gtk_tree_view_set_model(view_of(tab), tab->sort_model);
 }
 
+// The rows that the filters let through and whose item matches.
+template <class Match>
+std::vector<std::uint32_t> matching_rows(ZelTabEdit *tab, Match matches)
+{
+    const std::vector<zel::tab_row> &rows = rows_of(tab).rows;
+    std::vector<std::uint32_t> shown;
+    shown.reserve(rows.size());
+    for (std::uint32_t row = 0; row < rows.size(); ++row) {
+        if (matches(rows[row].item) && !tab->work->hides(row))
+            shown.push_back(row);
+    }
+    return shown;
+}
+
+// When the search by bytes finds nothing, upper and lower case of all scripts count as equal.
 void refilter(ZelTabEdit *tab)
 {
     tab->search_words = zel::tab_search_words(gtk_entry_get_text(GTK_ENTRY(tab->search_entry)));
     zel::tab_filter filter{tab->search_words, nullptr, nullptr, lang_global.only_untranslated != 0,
                            lang_global.whatsnew_since};
     misc_select_edit_lang(tab->lang_source, &filter.lang1, &filter.lang2);
-    const std::vector<zel::tab_row> &rows = rows_of(tab).rows;
-    std::vector<std::uint32_t> shown;
-    shown.reserve(rows.size());
-    for (std::uint32_t row = 0; row < rows.size(); ++row) {
-        if (filter_func(filter, rows[row].item) && !tab->work->hides(row))
-            shown.push_back(row);
+    std::vector<std::uint32_t> shown =
+        matching_rows(tab, [&](item_t *item) { return filter_func(filter, item); });
+    const zel::assist::folded_words &folded = tab->search->words();
+    if (shown.empty() && !folded.empty()) {
+        filter.words = nullptr;
+        shown = matching_rows(tab, [&](item_t *item) {
+            return filter_func(filter, item) && folded.are_in(item, filter.lang1, filter.lang2);
+        });
     }
     zel::free_search_words(tab->search_words);
     tab->search_words = nullptr;
@@ -222,6 +241,7 @@ gboolean tree_filter_changed_cb(GtkWidget *, gpointer data)
         return TRUE;
     const zel::flag_guard busy(tab->busy);
     const bool in_text = zel::text_focused_field(ZEL_TEXT(tab->text_widget)) >= 0;
+    tab->search->begin(rows_of(tab).active);
     if (selected_place(tab) >= 0) {
         mark_row(tab, -1);
         remember_selected(tab, -1);
@@ -235,30 +255,10 @@ gboolean tree_filter_changed_cb(GtkWidget *, gpointer data)
     return TRUE;
 }
 
-void find_clicked_cb(GtkButton *, gpointer data)
-{
-    ZelTabEdit *tab = ZEL_TAB_EDIT(data);
-    GtkWidget *page = GTK_WIDGET(tab);
-    for (GtkWidget *parent = gtk_widget_get_parent(page); parent != nullptr;
-         page = parent, parent = gtk_widget_get_parent(page)) {
-        if (GTK_IS_NOTEBOOK(parent))
-            gtk_notebook_set_current_page(GTK_NOTEBOOK(parent),
-                                          gtk_notebook_page_num(GTK_NOTEBOOK(parent), page));
-    }
-    gtk_widget_grab_focus(tab->search_entry);
-}
-
 // The key works from another page of the notebook, too, where the button is not seen.
 gboolean always_reachable(GtkWidget *widget, guint, gpointer)
 {
     return gtk_widget_is_sensitive(widget);
-}
-
-void clear_clicked_cb(GtkButton *, gpointer data)
-{
-    ZelTabEdit *tab = ZEL_TAB_EDIT(data);
-    gtk_entry_set_text(GTK_ENTRY(tab->search_entry), "");
-    gtk_widget_grab_focus(tab->search_entry);
 }
 
 // The field that is translated into: that of the shown language which is not the source's own.
@@ -273,21 +273,6 @@ void focus_translation(ZelTabEdit *tab)
     Zeltext *text = ZEL_TEXT(tab->text_widget);
     if (!zel::text_focus_field(text, first_is_own ? TEXT_TRANS2 : TEXT_TRANS1))
         zel::text_focus_field(text, first_is_own ? TEXT_TRANS1 : TEXT_TRANS2);
-}
-
-void search_activate_cb(GtkEntry *, gpointer data)
-{
-    ZelTabEdit *tab = ZEL_TAB_EDIT(data);
-    zel_tab_edit_first(GTK_WIDGET(tab));
-    focus_translation(tab);
-}
-
-gboolean search_key_press_event(GtkWidget *entry, GdkEventKey *event, gpointer)
-{
-    if (event->keyval != GDK_KEY_Escape)
-        return FALSE;
-    gtk_entry_set_text(GTK_ENTRY(entry), "");
-    return TRUE;
 }
 
 void row_activated_cb(GtkTreeView *, GtkTreePath *, GtkTreeViewColumn *, gpointer data)
@@ -319,40 +304,6 @@ void add_key(GtkWidget *button, guint key, GdkModifierType modifier)
     if (accel_group != nullptr)
         gtk_widget_add_accelerator(button, "clicked", accel_group, key, modifier,
                                    static_cast<GtkAccelFlags>(0));
-}
-
-GtkWidget *make_icon_button(const char *stock, GtkIconSize size, const char *tooltip)
-{
-    GtkWidget *button = gtk_button_new();
-    gtk_container_add(GTK_CONTAINER(button), gtk_image_new_from_stock(stock, size));
-    gtk_widget_set_tooltip_text(button, tooltip);
-    zel::set_accessible_name(button, tooltip);
-    return button;
-}
-
-GtkWidget *make_search_row(ZelTabEdit *tab)
-{
-    GtkWidget *row = gtk_hbox_new(FALSE, spacing);
-    GtkWidget *find = make_icon_button(GTK_STOCK_FIND, GTK_ICON_SIZE_LARGE_TOOLBAR,
-                                       zel::ui_text("common", "Find (Ctrl+F)"));
-    g_signal_connect(find, "clicked", G_CALLBACK(find_clicked_cb), tab);
-    g_signal_connect(find, "can-activate-accel", G_CALLBACK(always_reachable), nullptr);
-    add_key(find, GDK_KEY_f, GDK_CONTROL_MASK);
-
-    tab->search_entry = gtk_entry_new();
-    zel::set_accessible_name(tab->search_entry, zel::ui_text("common", "Find (Ctrl+F)"));
-    g_signal_connect(tab->search_entry, "changed", G_CALLBACK(tree_filter_changed_cb), tab);
-    g_signal_connect(tab->search_entry, "activate", G_CALLBACK(search_activate_cb), tab);
-    g_signal_connect(tab->search_entry, "key-press-event", G_CALLBACK(search_key_press_event), tab);
-
-    GtkWidget *clear = make_icon_button(GTK_STOCK_CANCEL, GTK_ICON_SIZE_SMALL_TOOLBAR,
-                                        zel::ui_text("common", "Clear search string"));
-    g_signal_connect(clear, "clicked", G_CALLBACK(clear_clicked_cb), tab);
-
-    gtk_box_pack_start(GTK_BOX(row), find, FALSE, FALSE, 0);
-    gtk_box_pack_start(GTK_BOX(row), tab->search_entry, TRUE, TRUE, 0);
-    gtk_box_pack_start(GTK_BOX(row), clear, FALSE, FALSE, 0);
-    return row;
 }
 
 void make_models(ZelTabEdit *tab)
@@ -421,6 +372,22 @@ GtkWidget *make_info_row(ZelTabEdit *tab)
     return row;
 }
 
+void make_search(ZelTabEdit *tab)
+{
+    tab->search = new zel::tab_search(
+        {GTK_WIDGET(tab), tab->view, ZEL_TEXT(tab->text_widget),
+         [tab] { tree_filter_changed_cb(nullptr, tab); },
+         [tab] {
+             zel_tab_edit_first(GTK_WIDGET(tab));
+             focus_translation(tab);
+         },
+         [tab](int row) {
+             zel::tab_list_go_to(view_of(tab), zel_tab_model_place_of(shown_rows(tab), row));
+         },
+         [tab] { return selected_place(tab) >= 0; }});
+    tab->search_entry = tab->search->entry();
+}
+
 void make_work(ZelTabEdit *tab)
 {
     tab->work =
@@ -434,13 +401,14 @@ void instance_init(GTypeInstance *instance, gpointer)
     tab->last_group = zel_strdup2("");
     GtkWidget *box = gtk_vbox_new(FALSE, spacing);
     gtk_container_set_border_width(GTK_CONTAINER(box), spacing);
-    GtkWidget *search = make_search_row(tab);
-    gtk_box_pack_start(GTK_BOX(box), search, FALSE, FALSE, 0);
     make_models(tab);
     GtkWidget *list = make_list(tab);
-    gtk_box_pack_start(GTK_BOX(box), zel::tab_panes_new(list, make_text_side(tab)), TRUE, TRUE, 0);
+    GtkWidget *panes = zel::tab_panes_new(list, make_text_side(tab));
+    make_search(tab);
     make_work(tab);
-    gtk_box_pack_start(GTK_BOX(search), tab->work->filter_button(), FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(tab->search->row()), tab->work->filter_button(), FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), tab->search->row(), FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), panes, TRUE, TRUE, 0);
     gtk_box_pack_start(GTK_BOX(box), make_info_row(tab), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(tab), box, TRUE, TRUE, 0);
     gtk_widget_show_all(box);
@@ -459,6 +427,7 @@ void finalize(GObject *object)
     g_object_unref(tab->store);
     zel::replace_string(tab->last_group, nullptr);
     delete tab->work;
+    delete tab->search;
     delete tab->rows;
     G_OBJECT_CLASS(parent_class)->finalize(object);
 }
@@ -540,6 +509,8 @@ void fill(ZelTabEdit *tab, LangSource *source)
     show_ready(tab, nullptr);
     tab->lang_source = source;
     gtk_entry_set_text(GTK_ENTRY(tab->search_entry), "");
+    tab->search->begin(-1);
+    tab->search->forget();
     zel::edit_select_output_langs(source);
     show_rows(tab, {});
     select_languages(tab);
@@ -696,6 +667,13 @@ edit_more_t tab_edit_more()
         [](GtkWidget *widget) {
             return on_table(widget, "tab_edit_bring_back",
                             [](ZelTabEdit *tab) { text_bring_back(ZEL_TEXT(tab->text_widget)); });
+        },
+        [](GtkWidget *widget, const lang_entry_t *entry) {
+            bool made = false;
+            on_table(widget, "tab_edit_is_made", [&made, entry](ZelTabEdit *tab) {
+                made = text_is_made(ZEL_TEXT(tab->text_widget), entry);
+            });
+            return made ? 1 : 0;
         },
     };
 }

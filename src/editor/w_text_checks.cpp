@@ -2,6 +2,7 @@
 
 #include "assist/pieces.h"
 #include "editor/accessible.h"
+#include "editor/text-places.h"
 #include "editor/ui-text.h"
 
 #include <string>
@@ -10,36 +11,13 @@ namespace {
 
 constexpr const char *piece_tag = "application-piece";
 
-struct place {
-    int start; // in characters
-    int end;
-    bool operator==(const place &) const = default;
-};
-
 GtkTextBuffer *buffer_of(GtkWidget *view) { return gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)); }
-
-std::string text_of(GtkTextBuffer *buffer)
-{
-    GtkTextIter start;
-    GtkTextIter end;
-    gtk_text_buffer_get_bounds(buffer, &start, &end);
-    gchar *text = gtk_text_buffer_get_text(buffer, &start, &end, TRUE);
-    std::string out(text);
-    g_free(text);
-    return out;
-}
 
 // --- Colours -----------------------------------------------------------------------------------
 
-bool is_dark(GtkWidget *view)
-{
-    const GdkColor &base = gtk_widget_get_style(view)->base[GTK_STATE_NORMAL];
-    return base.red + base.green + base.blue < 3 * 0x8000;
-}
-
 void follow_style(GtkWidget *view, GtkStyle *, gpointer tag)
 {
-    g_object_set(tag, "foreground", is_dark(view) ? "#8ab8ff" : "#1448a8", nullptr);
+    g_object_set(tag, "foreground", zel::is_dark(view) ? "#8ab8ff" : "#1448a8", nullptr);
 }
 
 GtkTextTag *tag_of(GtkWidget *view)
@@ -54,57 +32,11 @@ GtkTextTag *tag_of(GtkWidget *view)
     return tag;
 }
 
-std::vector<place> tagged(GtkTextBuffer *buffer, GtkTextTag *tag)
-{
-    std::vector<place> out;
-    GtkTextIter at;
-    gtk_text_buffer_get_start_iter(buffer, &at);
-    if (!gtk_text_iter_begins_tag(&at, tag) && !gtk_text_iter_forward_to_tag_toggle(&at, tag))
-        return out;
-    do {
-        const int offset = gtk_text_iter_get_offset(&at);
-        if (gtk_text_iter_begins_tag(&at, tag))
-            out.push_back({offset, offset});
-        else if (!out.empty())
-            out.back().end = offset;
-    } while (!gtk_text_iter_is_end(&at) && gtk_text_iter_forward_to_tag_toggle(&at, tag));
-    return out;
-}
-
-// Two that follow each other without a gap are one run of the tag.
-std::vector<place> wanted(const std::string &text)
-{
-    std::vector<place> out;
-    const char *at = text.c_str();
-    int offset = 0;
-    for (const auto &[start, length] : zel::assist::pieces_of(text)) {
-        offset += static_cast<int>(g_utf8_pointer_to_offset(at, text.c_str() + start));
-        at = text.c_str() + start;
-        const int chars = static_cast<int>(g_utf8_strlen(at, static_cast<gssize>(length)));
-        if (!out.empty() && out.back().end == offset)
-            out.back().end += chars;
-        else
-            out.push_back({offset, offset + chars});
-    }
-    return out;
-}
-
 void colour(GtkWidget *view)
 {
     GtkTextBuffer *buffer = buffer_of(view);
-    GtkTextTag *tag = tag_of(view);
-    const std::vector<place> places = wanted(text_of(buffer));
-    if (places == tagged(buffer, tag))
-        return;
-    GtkTextIter start;
-    GtkTextIter end;
-    gtk_text_buffer_get_bounds(buffer, &start, &end);
-    gtk_text_buffer_remove_tag(buffer, tag, &start, &end);
-    for (const place &one : places) {
-        gtk_text_buffer_get_iter_at_offset(buffer, &start, one.start);
-        gtk_text_buffer_get_iter_at_offset(buffer, &end, one.end);
-        gtk_text_buffer_apply_tag(buffer, tag, &start, &end);
-    }
+    const std::string text = zel::buffer_text(buffer);
+    zel::tag_places(buffer, tag_of(view), zel::places_of(text, zel::assist::pieces_of(text)));
 }
 
 // --- Remarks -----------------------------------------------------------------------------------
@@ -156,7 +88,7 @@ std::vector<assist::typed_text> text_typed(Zeltext *text)
         const lang_entry_t *entry = text->*fields[number].entry;
         if (entry != nullptr && text->dirty[number] != 0)
             out.push_back({entry->lang, fields[number].entries,
-                           text_of(buffer_of(text->*fields[number].view))});
+                           buffer_text(buffer_of(text->*fields[number].view))});
     }
     return out;
 }

@@ -1,5 +1,6 @@
-// What an item wants, with and without typed texts, and the sums of many.
+// What an item wants, with and without typed texts, the sums of many, and searching in them.
 
+#include "assist/fold.h"
 #include "assist/judge.h"
 #include "assist/pieces.h"
 #include "assist/progress.h"
@@ -128,6 +129,41 @@ TEST(Pieces, AreConversionsSymbolsAndTagsInTheirOrder)
     EXPECT_THAT(found,
                 ElementsAre("%s", "<b>", "%2$d", "</b>", "%NAME%", "%5.2f", "<a href=\"%s\">"));
     EXPECT_THAT(zel::assist::pieces_of(""), IsEmpty());
+}
+
+TEST(Fold, TakesLettersOfAllScriptsAsEqual)
+{
+    for (const auto &[one, other] : {
+             std::pair{"ÄÖÜ abc", "äöü ABC"},
+             std::pair{"ΟΔΟΣ", "οδος"},
+             std::pair{"ЖУРНАЛ", "журнал"},
+             std::pair{"STRASSE", "straße"},
+         })
+        EXPECT_EQ(zel::assist::fold(one), zel::assist::fold(other));
+    EXPECT_NE(zel::assist::fold("a"), zel::assist::fold("ä"));
+    EXPECT_EQ(zel::assist::fold("a\xff"), "a\xef\xbf\xbd");
+}
+
+TEST(Fold, FindsTheBytesOfItsHits)
+{
+    const std::string text = "Ärger mit der STRAßE, ärgerlich";
+    std::vector<std::string> found;
+    for (const auto &[at, length] : zel::assist::folded_words(" ärg \tsse, rger").hits(text))
+        found.push_back(text.substr(at, length));
+    EXPECT_THAT(found, ElementsAre("Ärger", "ßE,", "ärger"));
+}
+
+TEST(Fold, WantsAllWordsInOnePlace)
+{
+    made_source source;
+    item_t *item = source.add("g", "Ö", {{"english", "É Ä"}, {"german", "Ü"}});
+    const auto in = [&](const char *words) {
+        return zel::assist::folded_words(words).are_in(item, "english", "german");
+    };
+    EXPECT_TRUE(in("ö"));
+    EXPECT_TRUE(in("ä é"));
+    EXPECT_FALSE(in("ä ü"));
+    EXPECT_FALSE(zel::assist::folded_words("ü").are_in(item, "english", nullptr));
 }
 
 } // namespace
