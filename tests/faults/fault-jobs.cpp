@@ -4,6 +4,8 @@
 
 #include "config/lang-cfg.h"
 #include "failing-memory.h"
+#include "recovery/recovery-file.h"
+#include "source/lang-read.h"
 #include "system-calls.h"
 
 #include <cstdio>
@@ -176,6 +178,44 @@ std::string settings_stay(const job_outcome &run, const job_outcome &)
                                                           : "";
 }
 
+// ---- A recovery file in the place of an older one
+
+constexpr const char *recovery_name = "recovery/r.lang-src";
+constexpr const char *older_recovery = "group \"older\" { }\n";
+
+void prepare_recovery()
+{
+    prepare_source();
+    fs::create_directory("recovery");
+    write_file(recovery_name, older_recovery);
+}
+
+// The editor says what came of it; here that is this function.
+int save_recovery(void (*begin_failing)())
+{
+    const source_guard source = std::move(zel::read_source(source_name, {1}).source);
+    const zel::file_state loaded; // its time would be another one in every run
+    const std::string absolute = fs::absolute(source_name);
+    begin_failing();
+    zel::recovery_writer writer;
+    writer.begin(recovery_name, absolute, loaded, 1700000000, source.get(), nullptr);
+    writer.step(1); // the rest at once, without a thread
+    const int error = writer.finish(true);
+    if (error != 0)
+        std::printf("%s\n", std::strerror(error));
+    return error == 0 ? 0 : 1;
+}
+
+std::string recovery_stays(const job_outcome &run, const job_outcome &whole)
+{
+    const std::string *now = find(run.left, recovery_name);
+    const bool is_new = now != nullptr && *now == *find(whole.left, recovery_name);
+    if (run.status == 0 && !is_new)
+        return "told as written and is not";
+    return is_new || (now != nullptr && *now == older_recovery) ? source_stays(run, run)
+                                                                : "the recovery file is cut";
+}
+
 #ifdef LANG_PROGRAM
 const fault_job jobs[] = {
     {"convert",
@@ -229,6 +269,7 @@ const fault_job jobs[] = {
      old_text_stays,
      2},
     {"library", nullptr, {}, use_library, prepare_texts, nothing_else},
+    {"recovery file", nullptr, {}, save_recovery, prepare_recovery, recovery_stays},
     {"settings", nullptr, {}, save_settings, prepare_settings, settings_stay},
 };
 #endif

@@ -10,6 +10,7 @@
 
 #include "compiler/split.h"
 #include "config/lang-cfg.h"
+#include "recovery/recovery-file.h"
 #include "source/lang-read.h"
 #include "source/lang-write.h"
 
@@ -142,6 +143,42 @@ std::string look_at_settings(const disk_state &found, const disk_state &before,
     return opens && store->version == (is_new ? 2U : 1U) ? "" : "the settings do not read";
 }
 
+// ---- A recovery file in the place of an older one
+
+constexpr const char *recovery_name = "recovery/r.lang-src";
+
+void prepare_recovery()
+{
+    prepare_source();
+    fs::create_directory("recovery");
+    write_file(recovery_name, zel_test::old_source());
+}
+
+int save_recovery(void (*begin_recording)())
+{
+    const source_guard source = std::move(zel::read_source("other", {1}).source);
+    begin_recording();
+    zel::recovery_writer writer;
+    writer.begin(recovery_name, fs::absolute(source_name), zel::state_of(source_name), 1700000000,
+                 source.get(), nullptr);
+    writer.step(1); // the rest at once, without a thread
+    return writer.finish(true);
+}
+
+std::string look_at_recovery(const disk_state &found, const disk_state &before,
+                             const disk_state &after, bool done)
+{
+    const std::string *now = find(found, recovery_name);
+    const bool is_new = now != nullptr && *now == after.at(recovery_name);
+    if (found.at(source_name) != before.at(source_name))
+        return "the source is not what it was";
+    if (done && !is_new)
+        return "told as written and is not";
+    return now != nullptr && (is_new || *now == before.at(recovery_name)) && reads(*now)
+               ? ""
+               : "the recovery file is cut";
+}
+
 // ---- Compiled files, which can be made again and are not synced
 
 void prepare_compiled()
@@ -188,6 +225,7 @@ const powercut_job jobs[] = {
     {"save without links", prepare_source, save_source, look_at_source, "link", EPERM, true},
     {"save to another disk", prepare_source, save_source, look_at_source, "rename", EXDEV, false},
     {"settings", prepare_settings, save_settings, look_at_settings, nullptr, 0, false},
+    {"recovery file", prepare_recovery, save_recovery, look_at_recovery, nullptr, 0, false},
     {"compiled files", prepare_compiled, compile, look_at_compiled, nullptr, 0, false},
 };
 
