@@ -171,7 +171,8 @@ std::string judge::work::words(const lint::finding &found, item_t *item)
         const lang_entry_t *reference =
             is_default ? nullptr : misc_select_lang_entry(item, source_->default_lang);
         std::string_view expected = lint::name_of(item->name);
-        if (misc_search_empty_in_lang_entry(const_cast<lang_entry_t *>(reference)) == 0)
+        if (reference != nullptr &&
+            misc_search_empty_in_lang_entry(const_cast<lang_entry_t *>(reference)) == 0)
             expected = lint::join(reference->texts, reference_buffer_);
         out = differing_conversions(lint::join(entry->texts, own_buffer_), expected);
     }

@@ -68,15 +68,15 @@ int end_without_display(Display *)
 // ---- Crashes
 
 struct crash {
-    int number;
     struct sigaction before;
+    int number;
     bool is_ours;
 };
-crash crashes[] = {{SIGABRT, {}, false},
-                   {SIGSEGV, {}, false},
-                   {SIGBUS, {}, false},
-                   {SIGFPE, {}, false},
-                   {SIGILL, {}, false}};
+crash crashes[] = {{{}, SIGABRT, false},
+                   {{}, SIGSEGV, false},
+                   {{}, SIGBUS, false},
+                   {{}, SIGFPE, false},
+                   {{}, SIGILL, false}};
 
 void give_back(crash &row)
 {

@@ -356,9 +356,9 @@ namespace zel {
 
 std::vector<int> share_width(const std::vector<column_need> &needs, int room)
 {
-    std::vector<int> widths;
-    for (const column_need &need : needs)
-        widths.push_back(need.least);
+    std::vector<int> widths(needs.size());
+    std::transform(needs.begin(), needs.end(), widths.begin(),
+                   [](const column_need &need) { return need.least; });
     room = std::max(0, room - std::accumulate(widths.begin(), widths.end(), 0));
     grow(widths, needs, tab_cell::name, room);
     grow(widths, needs, tab_cell::ready, room);

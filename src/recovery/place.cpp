@@ -45,7 +45,7 @@ std::string absolute_path(const char *source)
 std::string recovery_folder()
 {
     const std::string home = lang_get_home();
-    const std::string folder = home + "/recovery";
+    std::string folder = home + "/recovery";
     const char *user = std::getenv("HOME");
     if (user == nullptr || *user != '/')
         return refuse(folder, "HOME is no absolute path");
