@@ -2,13 +2,17 @@
 // painted. Needs a display (tools/with-display); without one nothing is measured.
 
 #include "app/global.h"
+#include "editor/edit-history.h"
 #include "editor/edit-state.h"
+#include "editor/edit-undo.h"
 #include "editor/w_tab_edit.h"
 #include "editor/w_tab_model.h"
+#include "editor/w_text.h"
 #include "source/misc.h"
 #include "source/model.h"
 
 #include <benchmark/benchmark.h>
+#include <gdk/gdkkeysyms.h>
 #include <gtk/gtk.h>
 
 #include <cstdio>
@@ -89,6 +93,8 @@ public:
         lang_global.editor_mode = 1;
         source = make_source(items);
         mainWin = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+        accel_group = gtk_accel_group_new();
+        gtk_window_add_accel_group(GTK_WINDOW(mainWin), accel_group);
         gtk_window_set_default_size(GTK_WINDOW(mainWin), 1200, 800);
         gtk_widget_show(mainWin);
         paint();
@@ -97,6 +103,7 @@ public:
     {
         gtk_widget_destroy(mainWin);
         mainWin = nullptr;
+        g_clear_object(&accel_group);
         paint();
         zel::edit_select_output_langs(nullptr);
         lang_free_group(&source);
@@ -181,6 +188,94 @@ void sort(benchmark::State &state, int id)
     }
 }
 
+// Steps back and forth, each in another item: the first one and the last.
+void undo(benchmark::State &state)
+{
+    window main(static_cast<int>(state.range(0)));
+    ZelTabEdit *table = main.open();
+    editWin = GTK_WIDGET(table);
+    def_group = main.source;
+    zel::undo_watch(editWin);
+    Zeltext *text = ZEL_TEXT(table->text_widget);
+    for (auto *move : {zel_tab_edit_first, zel_tab_edit_last}) {
+        move(editWin);
+        gtk_text_buffer_insert_at_cursor(gtk_text_view_get_buffer(GTK_TEXT_VIEW(text->trans2_view)),
+                                         "typed", -1);
+    }
+    int step = 0;
+    while (state.KeepRunning()) {
+        step++ % 4 < 2 ? zel::edit_undo() : zel::edit_redo();
+        paint();
+    }
+    zel::source_history().clear();
+    editWin = nullptr;
+    def_group = nullptr;
+}
+
+// The sums are shown once every item has been judged.
+void wait_until_judged(GtkWidget *table)
+{
+    GtkWidget *row = gtk_widget_get_parent(gtk_widget_get_parent(ZEL_TAB_EDIT(table)->info_label));
+    GList *children = gtk_container_get_children(GTK_CONTAINER(row));
+    GtkLabel *sums = GTK_LABEL(g_list_last(children)->data);
+    g_list_free(children);
+    while (*gtk_label_get_text(sums) == '\0')
+        gtk_main_iteration();
+    paint();
+}
+
+// A letter of a translation with conversions, typed and judged; drawing it is the toolkit's.
+void keystroke_checked(benchmark::State &state)
+{
+    window main(static_cast<int>(state.range(0)));
+    auto *group = static_cast<edit_t *>(main.source->groups->data);
+    auto *item = static_cast<item_t *>(group->items->next->data);
+    for (lang_entry_t *entry : zel::each<lang_entry_t>(item->langs)) {
+        free_lang_entry_text(entry->texts);
+        entry->texts = g_list_append(nullptr, g_strdup("<b>%d</b> of %d files (%s): %NAME%."));
+    }
+    ZelTabEdit *table = main.open();
+    wait_until_judged(GTK_WIDGET(table));
+    zel_tab_edit_next(GTK_WIDGET(table));
+    GtkTextBuffer *buffer =
+        gtk_text_view_get_buffer(GTK_TEXT_VIEW(ZEL_TEXT(table->text_widget)->trans2_view));
+    int letters = 0;
+    while (state.KeepRunning()) {
+        gtk_text_buffer_insert_at_cursor(buffer, ++letters % 2 != 0 ? "%d" : "x", -1);
+        state.PauseTiming();
+        if (letters == 100) {
+            gtk_text_buffer_set_text(buffer, "<b>%d</b> of %d", -1);
+            letters = 0;
+        }
+        paint();
+        state.ResumeTiming();
+    }
+}
+
+// From the first item over all the others, which are done, to the last.
+void next_with_work(benchmark::State &state)
+{
+    window main(static_cast<int>(state.range(0)));
+    for (edit_t *group : zel::each<edit_t>(main.source->groups))
+        for (item_t *item : zel::each<item_t>(group->items)) {
+            item->ready = 1;
+            if (misc_select_lang_entry(item, "german") == nullptr)
+                item->langs = g_list_append(item->langs, make_entry("german", "wort"));
+        }
+    auto *last = static_cast<edit_t *>(g_list_last(main.source->groups)->data);
+    static_cast<item_t *>(g_list_last(last->items)->data)->ready = 0;
+    GtkWidget *table = GTK_WIDGET(main.open());
+    wait_until_judged(table);
+    while (state.KeepRunning()) {
+        gtk_accel_groups_activate(G_OBJECT(mainWin), GDK_KEY_Page_Down, GDK_MOD1_MASK);
+        paint();
+        state.PauseTiming();
+        zel_tab_edit_first(table);
+        paint();
+        state.ResumeTiming();
+    }
+}
+
 // A text of that many letters without a break: the item before it, then it.
 void unbroken(benchmark::State &state)
 {
@@ -215,7 +310,12 @@ constexpr job jobs[] = {
     {"search_some_hits/ours", [](benchmark::State &state) { search(state, "layer"); }},
     {"search_all_hit/ours", [](benchmark::State &state) { search(state, "e"); }},
     {"search_no_hit/ours", [](benchmark::State &state) { search(state, "zzz"); }},
+    {"search_letter/ours", [](benchmark::State &state) { search(state, "x"); }},
+    {"search_letter_second_try/ours", [](benchmark::State &state) { search(state, "\xc3\xa4"); }},
     {"filter_untranslated/ours", untranslated},
+    {"undo/ours", undo},
+    {"keystroke_checked/ours", keystroke_checked},
+    {"next_with_work/ours", next_with_work},
     {"sort_by_date/ours", [](benchmark::State &state) { sort(state, COL_TIME); }},
     {"sort_by_ready/ours", [](benchmark::State &state) { sort(state, COL_READY); }},
 };

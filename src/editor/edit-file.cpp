@@ -4,7 +4,9 @@
 #include "config/ini.h"
 #include "editor/dir_file_sel.h"
 #include "editor/edit-ask.h"
+#include "editor/edit-history.h"
 #include "editor/edit-state.h"
+#include "editor/edit-undo.h"
 #include "editor/read-report.h"
 #include "editor/recent.h"
 #include "editor/recovery.h"
@@ -62,6 +64,7 @@ void release_source()
     if (def_group != nullptr)
         lang_free_group(&def_group);
     def_group = nullptr;
+    zel::source_history().clear();
 }
 
 void close_source()
@@ -210,9 +213,7 @@ std::vector<item_t *> changed_items(const LangSource *source)
 // True when the changes are saved, or the user gives them up.
 bool may_go(GtkWidget *widget)
 {
-    if (lang_global.modified == 0)
-        return true;
-    if (!zel::ask_discard(widget))
+    if (lang_global.modified != 0 && !zel::ask_discard(widget))
         return false;
     zel::recovery_drop();
     return true;
@@ -330,6 +331,7 @@ void edit_show_source()
     editWin = edit_ctrl.new_table();
     gtk_widget_set_name(editWin, "item-table");
     g_signal_connect(editWin, "destroy", G_CALLBACK(gtk_widget_destroyed), &editWin);
+    undo_watch(editWin);
     if (edit_ctrl.set != nullptr)
         edit_ctrl.set(editWin, def_group);
     gtk_box_pack_start(GTK_BOX(editBox), editWin, TRUE, TRUE, 0);

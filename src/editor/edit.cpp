@@ -7,6 +7,7 @@
 #include "editor/edit-file.h"
 #include "editor/edit-menus.h"
 #include "editor/edit-state.h"
+#include "editor/edit-undo.h"
 #include "editor/end-signals.h"
 #include "editor/source-watch.h"
 #include "editor/theme.h"
@@ -53,6 +54,7 @@ GtkWidget *make_window()
     set_icon();
     accel_group = gtk_accel_group_new();
     gtk_window_add_accel_group(GTK_WINDOW(mainWin), accel_group);
+    zel::undo_add_keys();
     g_signal_connect(mainWin, "key_press_event", G_CALLBACK(lang_key_press_event), &def_group);
     g_signal_connect(mainWin, "key-press-event", G_CALLBACK(accel_first_event), &def_group);
     g_signal_connect(mainWin, "delete_event", G_CALLBACK(delete_event), &def_group);

@@ -2,6 +2,7 @@
 
 #include "app/global.h"
 #include "editor/accessible.h"
+#include "editor/edit-record.h"
 #include "editor/edit-state.h"
 #include "editor/operation.h"
 #include "editor/ui-text.h"
@@ -10,8 +11,10 @@
 #include "editor/w_tab_list.h"
 #include "editor/w_tab_model.h"
 #include "editor/w_tab_panes.h"
+#include "editor/w_tab_search.h"
 #include "editor/w_tab_shot.h"
 #include "editor/w_tab_widths.h"
+#include "editor/w_tab_work.h"
 #include "editor/w_text.h"
 #include "source/misc.h"
 #include "support/string-copy.h"
@@ -99,6 +102,7 @@ void change_ready_cb(GtkToggleButton *button, gpointer data)
     const zel::tab_row *row = selected_row(tab, &number);
     if (row == nullptr)
         return;
+    zel::record_ready(row->item, gtk_toggle_button_get_active(button), true);
     zel::edit_set_modified(true);
     row->item->ready = gtk_toggle_button_get_active(button);
     ready_changed(tab, number);
@@ -132,6 +136,7 @@ void ready_toggled_callback(GtkCellRendererToggle *, gchar *path_text, gpointer 
         return;
     }
     item_t *item = rows_of(tab).rows[static_cast<std::size_t>(number)].item;
+    zel::record_ready(item, item->ready == 0, false);
     item->ready = item->ready == 0;
     ready_changed(tab, number);
 }
@@ -170,6 +175,8 @@ void tree_selection_changed_cb(GtkTreeSelection *, gpointer data)
         show_row(tab, *row, number);
     else
         show_ready(tab, nullptr);
+    tab->work->item_shown(number);
+    tab->search->mark_hits();
     if (field >= 0 && !zel::text_focus_field(ZEL_TEXT(tab->text_widget), field))
         gtk_widget_grab_focus(tab->view);
 }
@@ -192,18 +199,35 @@ void show_rows(ZelTabEdit *tab, const std::vector<std::uint32_t> &shown)
     gtk_tree_view_set_model(view_of(tab), tab->sort_model);
 }
 
+// The rows that the filters let through and whose item matches.
+template <class Match>
+std::vector<std::uint32_t> matching_rows(ZelTabEdit *tab, Match matches)
+{
+    const std::vector<zel::tab_row> &rows = rows_of(tab).rows;
+    std::vector<std::uint32_t> shown;
+    shown.reserve(rows.size());
+    for (std::uint32_t row = 0; row < rows.size(); ++row) {
+        if (matches(rows[row].item) && !tab->work->hides(row))
+            shown.push_back(row);
+    }
+    return shown;
+}
+
+// When the search by bytes finds nothing, upper and lower case of all scripts count as equal.
 void refilter(ZelTabEdit *tab)
 {
     tab->search_words = zel::tab_search_words(gtk_entry_get_text(GTK_ENTRY(tab->search_entry)));
     zel::tab_filter filter{tab->search_words, nullptr, nullptr, lang_global.only_untranslated != 0,
                            lang_global.whatsnew_since};
     misc_select_edit_lang(tab->lang_source, &filter.lang1, &filter.lang2);
-    const std::vector<zel::tab_row> &rows = rows_of(tab).rows;
-    std::vector<std::uint32_t> shown;
-    shown.reserve(rows.size());
-    for (std::uint32_t row = 0; row < rows.size(); ++row) {
-        if (filter_func(filter, rows[row].item))
-            shown.push_back(row);
+    std::vector<std::uint32_t> shown =
+        matching_rows(tab, [&](item_t *item) { return filter_func(filter, item); });
+    const zel::assist::folded_words &folded = tab->search->words();
+    if (shown.empty() && !folded.empty()) {
+        filter.words = nullptr;
+        shown = matching_rows(tab, [&](item_t *item) {
+            return filter_func(filter, item) && folded.are_in(item, filter.lang1, filter.lang2);
+        });
     }
     zel::free_search_words(tab->search_words);
     tab->search_words = nullptr;
@@ -217,11 +241,13 @@ gboolean tree_filter_changed_cb(GtkWidget *, gpointer data)
         return TRUE;
     const zel::flag_guard busy(tab->busy);
     const bool in_text = zel::text_focused_field(ZEL_TEXT(tab->text_widget)) >= 0;
+    tab->search->begin(rows_of(tab).active);
     if (selected_place(tab) >= 0) {
         mark_row(tab, -1);
         remember_selected(tab, -1);
         empty_text(tab, 1);
         show_ready(tab, nullptr);
+        tab->work->item_shown(-1);
     }
     refilter(tab);
     if (in_text)
@@ -229,30 +255,10 @@ gboolean tree_filter_changed_cb(GtkWidget *, gpointer data)
     return TRUE;
 }
 
-void find_clicked_cb(GtkButton *, gpointer data)
-{
-    ZelTabEdit *tab = ZEL_TAB_EDIT(data);
-    GtkWidget *page = GTK_WIDGET(tab);
-    for (GtkWidget *parent = gtk_widget_get_parent(page); parent != nullptr;
-         page = parent, parent = gtk_widget_get_parent(page)) {
-        if (GTK_IS_NOTEBOOK(parent))
-            gtk_notebook_set_current_page(GTK_NOTEBOOK(parent),
-                                          gtk_notebook_page_num(GTK_NOTEBOOK(parent), page));
-    }
-    gtk_widget_grab_focus(tab->search_entry);
-}
-
 // The key works from another page of the notebook, too, where the button is not seen.
 gboolean always_reachable(GtkWidget *widget, guint, gpointer)
 {
     return gtk_widget_is_sensitive(widget);
-}
-
-void clear_clicked_cb(GtkButton *, gpointer data)
-{
-    ZelTabEdit *tab = ZEL_TAB_EDIT(data);
-    gtk_entry_set_text(GTK_ENTRY(tab->search_entry), "");
-    gtk_widget_grab_focus(tab->search_entry);
 }
 
 // The field that is translated into: that of the shown language which is not the source's own.
@@ -269,21 +275,6 @@ void focus_translation(ZelTabEdit *tab)
         zel::text_focus_field(text, first_is_own ? TEXT_TRANS1 : TEXT_TRANS2);
 }
 
-void search_activate_cb(GtkEntry *, gpointer data)
-{
-    ZelTabEdit *tab = ZEL_TAB_EDIT(data);
-    zel_tab_edit_first(GTK_WIDGET(tab));
-    focus_translation(tab);
-}
-
-gboolean search_key_press_event(GtkWidget *entry, GdkEventKey *event, gpointer)
-{
-    if (event->keyval != GDK_KEY_Escape)
-        return FALSE;
-    gtk_entry_set_text(GTK_ENTRY(entry), "");
-    return TRUE;
-}
-
 void row_activated_cb(GtkTreeView *, GtkTreePath *, GtkTreeViewColumn *, gpointer data)
 {
     focus_translation(ZEL_TAB_EDIT(data));
@@ -296,6 +287,7 @@ void destroy_cb(GtkObject *, gpointer data)
     if (tab->pix_active == nullptr)
         return;
     tab->busy = 1;
+    tab->work->stop();
     zel::tab_rows_clear(rows_of(tab));
     show_rows(tab, {});
     g_clear_object(&tab->pix_active);
@@ -312,40 +304,6 @@ void add_key(GtkWidget *button, guint key, GdkModifierType modifier)
     if (accel_group != nullptr)
         gtk_widget_add_accelerator(button, "clicked", accel_group, key, modifier,
                                    static_cast<GtkAccelFlags>(0));
-}
-
-GtkWidget *make_icon_button(const char *stock, GtkIconSize size, const char *tooltip)
-{
-    GtkWidget *button = gtk_button_new();
-    gtk_container_add(GTK_CONTAINER(button), gtk_image_new_from_stock(stock, size));
-    gtk_widget_set_tooltip_text(button, tooltip);
-    zel::set_accessible_name(button, tooltip);
-    return button;
-}
-
-GtkWidget *make_search_row(ZelTabEdit *tab)
-{
-    GtkWidget *row = gtk_hbox_new(FALSE, spacing);
-    GtkWidget *find = make_icon_button(GTK_STOCK_FIND, GTK_ICON_SIZE_LARGE_TOOLBAR,
-                                       zel::ui_text("common", "Find (Ctrl+F)"));
-    g_signal_connect(find, "clicked", G_CALLBACK(find_clicked_cb), tab);
-    g_signal_connect(find, "can-activate-accel", G_CALLBACK(always_reachable), nullptr);
-    add_key(find, GDK_KEY_f, GDK_CONTROL_MASK);
-
-    tab->search_entry = gtk_entry_new();
-    zel::set_accessible_name(tab->search_entry, zel::ui_text("common", "Find (Ctrl+F)"));
-    g_signal_connect(tab->search_entry, "changed", G_CALLBACK(tree_filter_changed_cb), tab);
-    g_signal_connect(tab->search_entry, "activate", G_CALLBACK(search_activate_cb), tab);
-    g_signal_connect(tab->search_entry, "key-press-event", G_CALLBACK(search_key_press_event), tab);
-
-    GtkWidget *clear = make_icon_button(GTK_STOCK_CANCEL, GTK_ICON_SIZE_SMALL_TOOLBAR,
-                                        zel::ui_text("common", "Clear search string"));
-    g_signal_connect(clear, "clicked", G_CALLBACK(clear_clicked_cb), tab);
-
-    gtk_box_pack_start(GTK_BOX(row), find, FALSE, FALSE, 0);
-    gtk_box_pack_start(GTK_BOX(row), tab->search_entry, TRUE, TRUE, 0);
-    gtk_box_pack_start(GTK_BOX(row), clear, FALSE, FALSE, 0);
-    return row;
 }
 
 void make_models(ZelTabEdit *tab)
@@ -401,14 +359,40 @@ GtkWidget *make_text_side(ZelTabEdit *tab)
     return box;
 }
 
-GtkWidget *make_info_frame(ZelTabEdit *tab)
+GtkWidget *make_info_row(ZelTabEdit *tab)
 {
     GtkWidget *frame = gtk_frame_new(nullptr);
     gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_NONE);
     tab->info_label = gtk_label_new(nullptr);
     gtk_misc_set_alignment(GTK_MISC(tab->info_label), 0.0F, 0.5F);
     gtk_container_add(GTK_CONTAINER(frame), tab->info_label);
-    return frame;
+    GtkWidget *row = gtk_hbox_new(FALSE, spacing);
+    gtk_box_pack_start(GTK_BOX(row), frame, FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(row), tab->work->progress_label(), TRUE, TRUE, 0);
+    return row;
+}
+
+void make_search(ZelTabEdit *tab)
+{
+    tab->search = new zel::tab_search(
+        {GTK_WIDGET(tab), tab->view, ZEL_TEXT(tab->text_widget),
+         [tab] { tree_filter_changed_cb(nullptr, tab); },
+         [tab] {
+             zel_tab_edit_first(GTK_WIDGET(tab));
+             focus_translation(tab);
+         },
+         [tab](int row) {
+             zel::tab_list_go_to(view_of(tab), zel_tab_model_place_of(shown_rows(tab), row));
+         },
+         [tab] { return selected_place(tab) >= 0; }});
+    tab->search_entry = tab->search->entry();
+}
+
+void make_work(ZelTabEdit *tab)
+{
+    tab->work =
+        new zel::tab_work({view_of(tab), shown_rows(tab), *tab->rows, ZEL_TEXT(tab->text_widget),
+                           tab->ready_button, [tab] { tree_filter_changed_cb(nullptr, tab); }});
 }
 
 void instance_init(GTypeInstance *instance, gpointer)
@@ -417,11 +401,15 @@ void instance_init(GTypeInstance *instance, gpointer)
     tab->last_group = zel_strdup2("");
     GtkWidget *box = gtk_vbox_new(FALSE, spacing);
     gtk_container_set_border_width(GTK_CONTAINER(box), spacing);
-    gtk_box_pack_start(GTK_BOX(box), make_search_row(tab), FALSE, FALSE, 0);
     make_models(tab);
     GtkWidget *list = make_list(tab);
-    gtk_box_pack_start(GTK_BOX(box), zel::tab_panes_new(list, make_text_side(tab)), TRUE, TRUE, 0);
-    gtk_box_pack_start(GTK_BOX(box), make_info_frame(tab), FALSE, FALSE, 0);
+    GtkWidget *panes = zel::tab_panes_new(list, make_text_side(tab));
+    make_search(tab);
+    make_work(tab);
+    gtk_box_pack_start(GTK_BOX(tab->search->row()), tab->work->filter_button(), FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), tab->search->row(), FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), panes, TRUE, TRUE, 0);
+    gtk_box_pack_start(GTK_BOX(box), make_info_row(tab), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(tab), box, TRUE, TRUE, 0);
     gtk_widget_show_all(box);
     empty_text(tab, 0);
@@ -438,6 +426,8 @@ void finalize(GObject *object)
     g_object_unref(tab->filter_model);
     g_object_unref(tab->store);
     zel::replace_string(tab->last_group, nullptr);
+    delete tab->work;
+    delete tab->search;
     delete tab->rows;
     G_OBJECT_CLASS(parent_class)->finalize(object);
 }
@@ -519,6 +509,8 @@ void fill(ZelTabEdit *tab, LangSource *source)
     show_ready(tab, nullptr);
     tab->lang_source = source;
     gtk_entry_set_text(GTK_ENTRY(tab->search_entry), "");
+    tab->search->begin(-1);
+    tab->search->forget();
     zel::edit_select_output_langs(source);
     show_rows(tab, {});
     select_languages(tab);
@@ -526,6 +518,7 @@ void fill(ZelTabEdit *tab, LangSource *source)
     std::vector<std::uint32_t> all(rows_of(tab).rows.size());
     std::iota(all.begin(), all.end(), 0U);
     zel_tab_model_show(ZEL_TAB_MODEL(tab->store), std::move(all));
+    tab->work->rows_changed();
     refilter(tab);
     zel::tab_widths_measure(view_of(tab));
 }
@@ -555,6 +548,7 @@ void go_to_last(ZelTabEdit *tab)
 void follow_languages(ZelTabEdit *tab)
 {
     select_languages(tab);
+    tab->work->rows_changed();
     zel::tab_widths_measure(view_of(tab));
     gtk_widget_queue_draw(tab->view);
 }

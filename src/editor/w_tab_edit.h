@@ -20,7 +20,9 @@
 
 namespace zel {
 struct tab_rows;
-}
+class tab_search;
+class tab_work;
+} // namespace zel
 
 struct ZelTabEdit {
     GtkHBox box;
@@ -43,6 +45,8 @@ struct ZelTabEdit {
     char *last_group;                     // group whose picture is shown; owned, never null
     int busy;                             // a selection or search handler runs
     std::shared_ptr<zel::tab_rows> *rows; // what the three models stand on
+    zel::tab_search *search;              // the row above the list
+    zel::tab_work *work;                  // what is left to do in them
 };
 
 struct ZelTabEditClass {

@@ -6,6 +6,7 @@
 #include "editor/text-signs.h"
 #include "editor/theme.h"
 #include "editor/ui-text.h"
+#include "editor/w_text_checks.h"
 
 #include <algorithm>
 
@@ -128,13 +129,25 @@ gboolean show_whole_field(GtkWidget *view, GdkEventFocus *, gpointer data)
 
 // --- Parts -------------------------------------------------------------------------------------
 
+// A caption, and beside it what is wrong with the text.
+GtkWidget *make_caption_row(Zeltext *text, int number, GtkWidget *caption)
+{
+    GtkWidget *row = gtk_hbox_new(FALSE, margin);
+    gtk_box_pack_start(GTK_BOX(row), caption, TRUE, TRUE, 0);
+    GtkWidget *finding = zel::text_finding_label_new();
+    gtk_box_pack_start(GTK_BOX(row), finding, TRUE, TRUE, 0);
+    (number == TEXT_TRANS1 ? text->finding1_label : text->finding2_label) = finding;
+    return row;
+}
+
 void make_field(Zeltext *text, int number, GtkWidget *box)
 {
     const field_t &field = fields[number];
     const bool is_comment = number == TEXT_COMMENT1 || number == TEXT_COMMENT2;
     GtkWidget *view = make_text_view(field.height);
     GtkWidget *label = make_caption(view);
-    gtk_box_pack_start(GTK_BOX(box), label, FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), is_comment ? label : make_caption_row(text, number, label),
+                       FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(box), make_view_frame(view), is_comment ? FALSE : TRUE, TRUE, 0);
     g_signal_connect(view, "focus-in-event", G_CALLBACK(show_whole_field), label);
     text->*field.view = view;

@@ -41,6 +41,8 @@ struct Zeltext {
     char *group_name;        // owned, or null
     char *item_name;         // owned, or null
     int pos;
+    GtkWidget *finding1_label; // beside the captions of the translations: what is wrong with them
+    GtkWidget *finding2_label;
     int made[TEXT_FIELDS]; // the bound entry came to be by being shown, and is in no file
 };
 

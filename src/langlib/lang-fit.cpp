@@ -21,23 +21,23 @@ constexpr unsigned bit(length one) { return 1U << one; }
 constexpr unsigned whole_lengths =
     bit(plain) | bit(hh) | bit(h) | bit(l) | bit(ll) | bit(j) | bit(z) | bit(t);
 
-// Letters, kind, allowed lengths, allowed flags, whether a precision is.
+// Letters, allowed flags, allowed lengths, kind, whether a precision is.
 struct conversion {
     const char *letters;
-    kind argument;
-    unsigned lengths;
     const char *flags;
+    unsigned lengths;
+    kind argument;
     bool precision;
 };
 constexpr conversion conversions[] = {
-    {"di", whole, whole_lengths, "-+ 0'", true},
-    {"u", natural, whole_lengths, "-0'", true},
-    {"oxX", natural, whole_lengths, "-#0", true},
-    {"fFgG", real, bit(plain) | bit(l) | bit(big_l), "-+ #0'", true},
-    {"eEaA", real, bit(plain) | bit(l) | bit(big_l), "-+ #0", true},
-    {"c", character, bit(plain) | bit(l), "-", false},
-    {"s", string, bit(plain) | bit(l), "-", true},
-    {"p", pointer, bit(plain), "-", false},
+    {"di", "-+ 0'", whole_lengths, whole, true},
+    {"u", "-0'", whole_lengths, natural, true},
+    {"oxX", "-#0", whole_lengths, natural, true},
+    {"fFgG", "-+ #0'", bit(plain) | bit(l) | bit(big_l), real, true},
+    {"eEaA", "-+ #0", bit(plain) | bit(l) | bit(big_l), real, true},
+    {"c", "-", bit(plain) | bit(l), character, false},
+    {"s", "-", bit(plain) | bit(l), string, true},
+    {"p", "-", bit(plain), pointer, false},
 };
 
 // For each character the row of its conversion, counted from 1; 0 for none.

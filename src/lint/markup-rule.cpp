@@ -1,3 +1,5 @@
+#include "lint/markup.h"
+
 #include "lint/rule-list.h"
 
 #include <algorithm>
@@ -151,6 +153,12 @@ std::string find_open(const std::vector<tag> &tags)
 }
 
 } // namespace
+
+std::size_t tag_length(std::string_view text)
+{
+    tag found{};
+    return text.starts_with('<') ? read_tag(text, found) : 0;
+}
 
 bool judge_markup(const text_case &at, std::string &message)
 {

@@ -79,6 +79,8 @@ TEST(FormatOr, TextsThatDoNot)
         {"plain", "%n"},
         {"%d", "%\xFF"},
         {"%n", "%n "},
+        {"%2$s", "%2$s "},
+        {"%c", "%.3c"},
         {"%*d", "%*d "},
         {"%y", "%y "},
         {"%d", nullptr},

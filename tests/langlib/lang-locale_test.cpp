@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <vector>
 
 namespace {
@@ -168,6 +169,21 @@ TEST_F(Locale, TheNextFileAnswersWhereOneHasOnlyAStandIn)
     EXPECT_STREQ(lang_get_string("g", "a"), "a");
 }
 
+// Three files: the last one's own text is better than the stand-ins before it, and the first
+// stand-in better than a later one.
+TEST_F(Locale, AStandInIsShownWhenNoFileHasATextOfItsOwn)
+{
+    zel_test::write_file("de_AT.lang", "GROUP g b { default \"AT\" }");
+    zel_test::write_file("de.lang", "GROUP g a { default \"DE\" } b { default \"DE\" } "
+                                    "c { default \"DE\" }");
+    zel_test::write_file("fr.lang",
+                         "GROUP g a { default \"FR\" } b { default \"FR\" } c { \"FR\" }");
+    const handle_guard handle(lang_locale_new(".", "de_AT:fr"));
+    EXPECT_STREQ(lang_get_str(handle.get(), "g", "a"), "DE");
+    EXPECT_STREQ(lang_get_str(handle.get(), "g", "b"), "AT");
+    EXPECT_STREQ(lang_get_str(handle.get(), "g", "c"), "FR");
+}
+
 TEST_F(Locale, HandlesOfTheCallersAreChained)
 {
     const handle_guard first = load("GROUP g a { \"1\" }");
@@ -196,6 +212,7 @@ TEST_F(Locale, TheListSaysWhatIsThere)
     zel_test::write_file("texts/no-texts.lang", "LANGUAGE french");
     std::filesystem::create_directory("texts/folder.lang");
     std::filesystem::create_directory("texts/empty");
+    ASSERT_EQ(mkfifo("texts/pipe.lang", 0600), 0); // reading it would never end
     std::string lines;
     const auto add = [](const lang_locale_t *file, void *user) {
         const auto text = [](const char *one) { return std::string(one == nullptr ? "-" : one); };

@@ -27,7 +27,7 @@ TEST(PluralForms, AreToldFromOtherBars)
 TEST(PluralForms, EachLanguageHasItsCount)
 {
     made_source source({"Русский", "french", "japanese", "klingonese"});
-    source.add_language("own name")->file = zel_strdup("texts/pl.lang");
+    zel::replace_string(source.add_language("own name")->file, zel_strdup("texts/pl.lang"));
     source.add("list", "%d note|%d notes",
                {{"english", "%d note|%d notes"},
                 {"german", "%d Notiz"},

@@ -1,0 +1,34 @@
+#pragma once
+
+// Places in a text view's buffer, in characters, and tags on them.
+
+#include <gtk/gtk.h>
+
+#include <string>
+#include <vector>
+
+#include "assist/pieces.h"
+
+namespace zel {
+
+struct text_place {
+    int start;
+    int end;
+    bool operator==(const text_place &) const = default;
+};
+
+// The whole text of the buffer.
+[[nodiscard]] std::string buffer_text(GtkTextBuffer *buffer);
+
+// The places of parts of the text, which stand in its order; parts that touch are one place.
+[[nodiscard]] std::vector<text_place> places_of(const std::string &text,
+                                                const std::vector<assist::piece> &parts);
+
+// Whether the view shows light letters on dark ground.
+bool is_dark(GtkWidget *view);
+
+// Tags these places, which stand in their order, and no others. Where the tag is right already,
+// nothing is laid out anew.
+void tag_places(GtkTextBuffer *buffer, GtkTextTag *tag, const std::vector<text_place> &places);
+
+} // namespace zel

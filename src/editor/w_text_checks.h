@@ -1,0 +1,24 @@
+#pragma once
+
+// What the text panel tells of the checks: remarks beside the captions of the translations, the
+// conversions, symbols and tags coloured in the texts.
+
+#include "assist/judge.h"
+#include "editor/w_text_panel.h"
+
+namespace zel {
+
+// A label for the remarks on a translation; hidden while there are none.
+[[nodiscard]] GtkWidget *text_finding_label_new();
+
+// What was typed into the panel's fields since they were filled.
+[[nodiscard]] std::vector<assist::typed_text> text_typed(Zeltext *text);
+
+// Shows the remarks on the two translations, also to assistive technology.
+void text_show_remarks(Zeltext *text, const assist::remarks &told);
+
+// Colours the parts of the translations that belong to the application. Costs nothing but the look
+// at the texts while these parts stay.
+void text_colour_pieces(Zeltext *text);
+
+} // namespace zel

@@ -1,0 +1,125 @@
+// What a search does beside filtering the list.
+
+#include "editor-fixture.h"
+
+#include <gdk/gdkkeysyms.h>
+#include <gmock/gmock.h>
+
+using namespace gui;
+using testing::ElementsAre;
+
+namespace {
+
+constexpr char capitals[] = R"(version 1
+define file "english.lang" lang "english" 200 200 1
+define file "german.lang" lang "german" 200 200 1
+GROUP "g" {
+  ITEM "open" { USED YES LANG "english" { "open" } LANG "german" { "öffnen" } }
+  ITEM "opener" { USED YES LANG "english" { "opener" } LANG "german" { "Dosenöffner" } }
+  ITEM "street" { USED YES LANG "english" { "street" } LANG "german" { "Straße an Straße" } }
+}
+)";
+
+class Search : public Editor {
+protected:
+    Search() { write_file(source(), capitals); }
+
+    static ZelTabEdit *tab() { return ZEL_TAB_EDIT(editWin); }
+    static GtkEntry *entry() { return GTK_ENTRY(tab()->search_entry); }
+    static std::string name() { return panel()->item == nullptr ? "" : panel()->item->name; }
+    static int rows() { return gtk_tree_model_iter_n_children(tab()->sort_model, nullptr); }
+    static bool in_entry()
+    {
+        return gtk_window_get_focus(GTK_WINDOW(mainWin)) == tab()->search_entry;
+    }
+    // Begin and end of each marked hit in the second translation, in characters.
+    static std::vector<std::pair<int, int>> hits()
+    {
+        GtkTextBuffer *buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(panel()->trans2_view));
+        GtkTextTag *tag =
+            gtk_text_tag_table_lookup(gtk_text_buffer_get_tag_table(buffer), "search-hit");
+        std::vector<std::pair<int, int>> out;
+        GtkTextIter at;
+        gtk_text_buffer_get_start_iter(buffer, &at);
+        for (int offset = 0; tag != nullptr; ++offset) {
+            if (gtk_text_iter_begins_tag(&at, tag))
+                out.emplace_back(offset, -1);
+            if (gtk_text_iter_ends_tag(&at, tag))
+                out.back().second = offset;
+            if (!gtk_text_iter_forward_char(&at) && gtk_text_iter_is_end(&at) &&
+                gtk_text_buffer_get_char_count(buffer) <= offset)
+                break;
+        }
+        return out;
+    }
+};
+
+} // namespace
+
+TEST_F(Search, EscapeBringsBackTheItemFromBefore)
+{
+    run_editor(source(), [&] {
+        settle(50);
+        edit_ctrl.next(editWin);
+        key(mainWin, GDK_KEY_f, GDK_CONTROL_MASK);
+        type(mainWin, "stre");
+        EXPECT_EQ(rows(), 1);
+        EXPECT_EQ(name(), "");
+        edit_ctrl.first(editWin);
+        EXPECT_EQ(name(), "street");
+        type(mainWin, "e");
+        key(mainWin, GDK_KEY_Escape);
+        EXPECT_EQ(rows(), 3);
+        EXPECT_EQ(name(), "opener") << "not the one looked at in the search";
+        EXPECT_TRUE(in_entry());
+        type(mainWin, "x");
+        key(mainWin, GDK_KEY_BackSpace);
+        EXPECT_EQ(name(), "");
+        key(mainWin, GDK_KEY_Escape);
+        EXPECT_EQ(name(), "opener");
+    });
+}
+
+TEST_F(Search, LettersTypedInTheListBelongToTheSearch)
+{
+    run_editor(source(), [&] {
+        settle(50);
+        gtk_widget_grab_focus(tab()->view);
+        type(mainWin, "st");
+        EXPECT_STREQ(gtk_entry_get_text(entry()), "st");
+        EXPECT_TRUE(in_entry());
+        EXPECT_EQ(rows(), 1);
+        gtk_widget_grab_focus(tab()->view);
+        type(mainWin, "r");
+        EXPECT_STREQ(gtk_entry_get_text(entry()), "str") << "added, not instead";
+        gtk_widget_grab_focus(tab()->view);
+        key(mainWin, GDK_KEY_Down);
+        key(mainWin, GDK_KEY_space);
+        EXPECT_STREQ(gtk_entry_get_text(entry()), "str") << "the list's own keys";
+        EXPECT_EQ(name(), "street");
+    });
+}
+
+TEST_F(Search, MarksItsHitsAndTakesCapitalsOfAllScriptsAsEqualInASecondTry)
+{
+    run_editor(source(), [&] {
+        settle(50);
+        gtk_entry_set_text(entry(), "ÖFF");
+        EXPECT_EQ(rows(), 2);
+        edit_ctrl.last(editWin);
+        EXPECT_EQ(name(), "opener");
+        EXPECT_THAT(hits(), ElementsAre(std::pair(5, 8)));
+        gtk_entry_set_text(entry(), "öff");
+        EXPECT_EQ(rows(), 2) << "the first try";
+        gtk_entry_set_text(entry(), "STRASSE");
+        EXPECT_EQ(rows(), 1);
+        edit_ctrl.first(editWin);
+        EXPECT_THAT(hits(), ElementsAre(std::pair(0, 6), std::pair(10, 16)));
+        zel::text_focus_field(panel(), TEXT_TRANS2);
+        key(mainWin, GDK_KEY_BackSpace);
+        EXPECT_THAT(hits(), ElementsAre(std::pair(0, 6)));
+        gtk_entry_set_text(entry(), "");
+        edit_ctrl.first(editWin);
+        EXPECT_THAT(hits(), testing::IsEmpty());
+    });
+}
