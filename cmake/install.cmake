@@ -27,7 +27,7 @@ install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
         FILES_MATCHING PATTERN *.sh)
 
 # What the editor looks for: the manual and the icon; and what makes the desktop find the editor.
-install(FILES data/doc/lang.pdf DESTINATION ${CMAKE_INSTALL_DATADIR}/lang/doc)
+install(FILES data/doc/lang.pdf data/doc/lang.html DESTINATION ${CMAKE_INSTALL_DATADIR}/lang/doc)
 install(FILES data/icons/lang-editor.png DESTINATION ${CMAKE_INSTALL_DATADIR}/lang/icons)
 install(DIRECTORY data/icons/hicolor DESTINATION ${CMAKE_INSTALL_DATADIR}/icons)
 install(FILES data/lang-editor.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)

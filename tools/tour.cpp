@@ -165,7 +165,10 @@ void walk()
         snap("empty");
         picture_of_dialog("nothing", press("Ok"));
         activate("Save");
-        return;
+        // As a user does it, so that the rows above the list tell of the file.
+        answer_next(choose(fs::current_path() / "notes.lang-src"));
+        activate("Load");
+        settle(300);
     }
     show_list_and_text();
     show_menus();
@@ -196,7 +199,6 @@ int main(int argc, char **argv)
     start_watching();
     lang_global.editor_mode = static_cast<unsigned>(std::atoi(argv[3]));
     run_editor("", walk);
-    run_editor((work / "notes.lang-src").string(), walk);
     run_editor((work / "notes.lang-src").string(), leave_changes);
     run_editor("", show_questions);
     fs::current_path(folder);

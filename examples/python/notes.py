@@ -1,4 +1,3 @@
-#!/usr/bin/env python3
 """A program in Python with its texts from liblang.
 
 usage: notes.py FOLDER [COUNT...]     the folder of the compiled texts; how many notes there are
