@@ -8,6 +8,7 @@
 #include "editor/w_tab_edit.h"
 #include "editor/w_text.h"
 #include "gui-support.h"
+#include "recovery/place.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -131,6 +132,9 @@ void leave_changes()
     edit_ctrl.next(editWin);
     type_text("Eine zweite");
     zel::recovery_write_now();
+    for (const auto &file : fs::directory_iterator(zel::recovery_folder()))
+        if (file.path().extension() == ".lang-src") // or the end of this editor takes it away
+            fs::rename(file.path(), file.path().string() + ".kept.lang-src");
 }
 
 // The question about them at the next start, and the one about a file that has changed.

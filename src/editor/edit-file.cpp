@@ -213,9 +213,7 @@ std::vector<item_t *> changed_items(const LangSource *source)
 // True when the changes are saved, or the user gives them up.
 bool may_go(GtkWidget *widget)
 {
-    if (lang_global.modified == 0)
-        return true;
-    if (!zel::ask_discard(widget))
+    if (lang_global.modified != 0 && !zel::ask_discard(widget))
         return false;
     zel::recovery_drop();
     return true;

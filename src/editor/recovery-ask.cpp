@@ -135,7 +135,7 @@ void add_list(GtkWidget *dialog, int response, gpointer differences)
     gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
                                    GTK_POLICY_AUTOMATIC);
     gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_IN);
-    gtk_widget_set_size_request(scrolled, 640, 200);
+    gtk_widget_set_size_request(scrolled, 600, 180);
     gtk_container_set_border_width(GTK_CONTAINER(scrolled), 6);
     gtk_container_add(GTK_CONTAINER(scrolled), make_list(all));
     gtk_box_pack_start(GTK_BOX(gtk_dialog_get_content_area(GTK_DIALOG(dialog))), scrolled, TRUE,

@@ -18,7 +18,6 @@ guint zel::recovery_interval = 30 * 1000;
 
 namespace {
 
-constexpr std::size_t items_at_a_time = 300; // a millisecond or so
 constexpr int most_restarts = 3;
 
 struct session {
@@ -89,7 +88,7 @@ gboolean write_piece(gpointer)
         ++now.restarts;
         begin(now.writer, now.path);
     }
-    if (now.writer.step(items_at_a_time))
+    if (now.writer.step(zel::recovery_items_at_a_time))
         return TRUE;
     now.idle = 0;
     now.result_waits = true;
@@ -107,6 +106,8 @@ gboolean look(gpointer)
     if (now.idle != 0 || now.writer.is_busy())
         return TRUE;
     take_result();
+    if (lang_global.modified == 0 && now.written)
+        zel::recovery_drop(); // all of it was undone
     if (!is_changed())
         return TRUE;
     now.restarts = 0;

@@ -12,6 +12,9 @@ namespace zel {
 // How often it is looked whether something has changed; tests shorten it before recovery_begin.
 extern guint recovery_interval; // milliseconds
 
+// How much of the source is written in one piece.
+inline constexpr std::size_t recovery_items_at_a_time = 300;
+
 // The source is shown and watched. Offers the recovery files that fit it: the state that the user
 // takes, for the caller to show in the source's place, or null.
 [[nodiscard]] source_guard recovery_offer(GtkWidget *parent);
