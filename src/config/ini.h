@@ -12,7 +12,7 @@ struct ini_t {
     lang_cfg_t *store;
     char *languageFile;  // [language] carried from the file to the file
     char *dstDir;        // [language] export directory, or null: asked for at the first export
-    std::int32_t main_x; // [mainWin] carried from the file to the file
+    std::int32_t main_x; // [mainWin] where the main window stood last and its size
     std::int32_t main_y;
     std::int32_t main_w;
     std::int32_t main_h;

@@ -10,8 +10,10 @@
 #include "editor/ui-text.h"
 #include "support/log-print.h"
 #include "support/string-copy.h"
+#include "support/time.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -28,6 +30,7 @@ constexpr int check_space = 20;
 constexpr int path_width = 482;
 constexpr int button_width = 100;
 constexpr int caption_gap = 6;
+constexpr const char *date_key = "zel-date";  // the spin button's label of its date
 constexpr double whatsnew_end = 4294967296.0; // the time has 32 bits in the file
 
 // The dialog while it is open.
@@ -98,11 +101,30 @@ void switch_off_the_rest()
     }
 }
 
+constexpr const char *hint_key = "zel-hint"; // the dialog's label that says why
+
+// Between the rows and the buttons; there only when there is something to say.
+void add_hint()
+{
+    const char *why = text("Two languages are edited at most: take the mark off another one first");
+    GtkWidget *hint = gtk_label_new(why);
+    gtk_widget_set_no_show_all(hint, TRUE);
+    GtkWidget *box = ZEL_POPUP(defineWin)->vbox;
+    gtk_box_pack_start(GTK_BOX(box), hint, FALSE, FALSE, caption_gap);
+    gtk_box_reorder_child(GTK_BOX(box), hint, 1);
+    atk_object_set_role(gtk_widget_get_accessible(hint), ATK_ROLE_ALERT);
+    g_object_set_data(G_OBJECT(defineWin), hint_key, hint);
+}
+
 void define_button_toggle(GtkWidget *button, gpointer data)
 {
     auto *row = static_cast<define_row_t *>(data);
-    set_edit(row->lang, gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(button)) != 0);
+    const bool wanted = gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(button)) != 0;
+    set_edit(row->lang, wanted);
     switch_off_the_rest();
+    if (defineWin != nullptr)
+        gtk_widget_set_visible(GTK_WIDGET(g_object_get_data(G_OBJECT(defineWin), hint_key)),
+                               wanted && row->lang->edit == 0);
     edit_refresh();
 }
 
@@ -256,6 +278,17 @@ void add_export_path(dialog_state *dialog)
     gtk_box_pack_start(GTK_BOX(line), browse, FALSE, FALSE, 0);
 }
 
+// The time as people read it, beside the field and for who hears it.
+void show_date(GtkSpinButton *spin, std::int64_t time)
+{
+    std::array<char, 1024> date{};
+    if (time != 0)
+        sprintf_date(date.data(), "%Y-%m-%d %H:%M:%S", time);
+    auto *label = static_cast<GtkWidget *>(g_object_get_data(G_OBJECT(spin), date_key));
+    gtk_label_set_text(GTK_LABEL(label), date.data());
+    zel::set_accessible_description(GTK_WIDGET(spin), date.data());
+}
+
 void whatsnew_changed_cb(GtkSpinButton *spin, gpointer data)
 {
     auto *source = static_cast<LangSource *>(data);
@@ -263,6 +296,7 @@ void whatsnew_changed_cb(GtkSpinButton *spin, gpointer data)
     if (source->whatsnew != value)
         zel::edit_set_modified(true);
     source->whatsnew = value;
+    show_date(spin, value);
 }
 
 void add_whatsnew(dialog_state *dialog)
@@ -280,6 +314,10 @@ void add_whatsnew(dialog_state *dialog)
     gtk_widget_set_name(spin, "whatsnew");
     g_signal_connect(spin, "value-changed", G_CALLBACK(whatsnew_changed_cb), dialog->source);
     gtk_box_pack_start(GTK_BOX(line), spin, FALSE, FALSE, 0);
+    GtkWidget *date = gtk_label_new(nullptr);
+    g_object_set_data(G_OBJECT(spin), date_key, date);
+    gtk_box_pack_start(GTK_BOX(line), date, FALSE, FALSE, caption_gap);
+    show_date(GTK_SPIN_BUTTON(spin), dialog->source->whatsnew);
 }
 
 gboolean define_configure(GtkWidget *window, GdkEvent *, gpointer)
@@ -381,6 +419,7 @@ int define_open(GtkWidget *parent, LangSource *source)
     dialog.rows_box = ZEL_POPUP(defineWin)->content_box;
     dialog.scrolled = scroll_rows(dialog.rows_box);
     zel::set_accessible_name(defineWin, text("language"));
+    add_hint();
     build(&dialog);
     gtk_widget_show_all(ZEL_POPUP(defineWin)->frame);
     fit_to_screen(&dialog);

@@ -37,7 +37,9 @@ bool ask_discard(GtkWidget *widget)
 
 void message(GtkWidget *widget, const char *group, const char *text)
 {
-    lang_msg_box(widget, ui_text(group, text));
+    // All texts of errors begin so, before they are translated.
+    const bool is_error = g_ascii_strncasecmp(text, "error", 5) == 0;
+    (is_error ? error_box : lang_msg_box)(widget, ui_text(group, text));
 }
 
 void status_and_message(GtkWidget *widget, const char *status_group, const char *group,

@@ -7,6 +7,7 @@
 #include "editor/w_tab_edit.h"
 #include "editor/w_tab_list.h"
 #include "editor/w_tab_model.h"
+#include "editor/w_tab_work.h"
 #include "editor/w_text.h"
 
 #include <gdk/gdkkeysyms.h>
@@ -65,6 +66,8 @@ void go_to(const item_t *item)
                                       gtk_notebook_page_num(GTK_NOTEBOOK(notebook), editBox));
     if (place_of(row) < 0)
         gtk_entry_set_text(GTK_ENTRY(table()->search_entry), "");
+    if (place_of(row) < 0)
+        gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(table()->work->filter_button()), FALSE);
     if (place_of(row) < 0)
         gtk_check_menu_item_set_active(GTK_CHECK_MENU_ITEM(empty_menu), FALSE);
     if (panel()->item != item)
@@ -157,6 +160,8 @@ void change_here(const edit_change &change, bool before)
     }
     if (const item_t *item = item_of(change))
         zel_tab_model_row_changed(ZEL_TAB_MODEL(table()->sort_model), row_of(item));
+    if (panel()->item != nullptr)
+        table()->work->item_shown(row_of(panel()->item)); // its texts are judged anew
 }
 
 // Many, or languages: the panel holds nothing meanwhile.

@@ -5,7 +5,9 @@
 #include "editor/accessible.h"
 #include "editor/edit-actions.h"
 #include "editor/edit-file.h"
+#include "editor/edit-keys.h"
 #include "editor/edit-menus.h"
+#include "editor/edit-place.h"
 #include "editor/edit-state.h"
 #include "editor/edit-undo.h"
 #include "editor/end-signals.h"
@@ -55,6 +57,7 @@ GtkWidget *make_window()
     accel_group = gtk_accel_group_new();
     gtk_window_add_accel_group(GTK_WINDOW(mainWin), accel_group);
     zel::undo_add_keys();
+    zel::keys_add_key();
     g_signal_connect(mainWin, "key_press_event", G_CALLBACK(lang_key_press_event), &def_group);
     g_signal_connect(mainWin, "key-press-event", G_CALLBACK(accel_first_event), &def_group);
     g_signal_connect(mainWin, "delete_event", G_CALLBACK(delete_event), &def_group);
@@ -171,6 +174,7 @@ void build_window()
     gtk_box_pack_start(GTK_BOX(box), make_info_frame(), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(box), make_notebook(), TRUE, TRUE, 0);
     gtk_box_pack_start(GTK_BOX(box), make_status_row(), FALSE, FALSE, 0);
+    zel::keep_window_place(mainWin);
     gtk_widget_show_all(mainWin);
 }
 

@@ -35,7 +35,7 @@ constexpr char closed_trace[] = "destroy_event: msg_box: g_main_loop_quit";
 gboolean closed_event(GtkWidget *, GdkEvent *, gpointer data)
 {
     quit(static_cast<box_state *>(data), closed_trace);
-    return TRUE; // lang_msg_box destroys it
+    return TRUE; // show_box destroys it
 }
 
 void destroyed_cb(GtkWidget *, gpointer data)
@@ -51,6 +51,7 @@ constexpr int widest_text = 560;
 GtkWidget *make_text(const std::string &text)
 {
     GtkWidget *label = gtk_label_new(text.c_str());
+    gtk_label_set_justify(GTK_LABEL(label), GTK_JUSTIFY_CENTER);
     GtkRequisition wanted{};
     gtk_widget_size_request(label, &wanted);
     if (wanted.width > widest_text) {
@@ -61,9 +62,7 @@ GtkWidget *make_text(const std::string &text)
     return label;
 }
 
-} // namespace
-
-void lang_msg_box(GtkWidget *parent, const char *text)
+void show_box(GtkWidget *parent, const char *text, const char *icon)
 {
     if (text == nullptr)
         text = "Info";
@@ -76,6 +75,7 @@ void lang_msg_box(GtkWidget *parent, const char *text)
     gtk_window_set_position(GTK_WINDOW(popup), GTK_WIN_POS_CENTER);
     zel::set_accessible_name(popup, shown.c_str());
     atk_object_set_role(gtk_widget_get_accessible(popup), ATK_ROLE_ALERT);
+    zel_popup_set_icon(popup, gtk_image_new_from_stock(icon, GTK_ICON_SIZE_DIALOG));
     gtk_box_pack_start(GTK_BOX(ZEL_POPUP(popup)->content_box), make_text(shown), TRUE, TRUE, 10);
     GtkWidget *ok = zel::popup_add_button(popup, zel::ui_text("common", "Ok"), 60,
                                           zel::POPUP_DEFAULT | zel::POPUP_CLOSES);
@@ -93,3 +93,19 @@ void lang_msg_box(GtkWidget *parent, const char *text)
         gtk_widget_destroy(popup);
     }
 }
+
+} // namespace
+
+void lang_msg_box(GtkWidget *parent, const char *text)
+{
+    show_box(parent, text, GTK_STOCK_DIALOG_INFO);
+}
+
+namespace zel {
+
+void error_box(GtkWidget *parent, const char *text)
+{
+    show_box(parent, text, GTK_STOCK_DIALOG_ERROR);
+}
+
+} // namespace zel

@@ -21,6 +21,7 @@ void popup_init(GTypeInstance *instance, gpointer)
     popup->icon_box = gtk_vbox_new(FALSE, 5);
     gtk_container_set_border_width(GTK_CONTAINER(popup->icon_box), 10);
     gtk_box_pack_start(GTK_BOX(popup->hbox), popup->icon_box, FALSE, FALSE, 0);
+    gtk_widget_set_no_show_all(popup->icon_box, TRUE); // no empty room without an icon
     popup->content_box = gtk_vbox_new(TRUE, 5);
     gtk_container_set_border_width(GTK_CONTAINER(popup->content_box), 10);
     gtk_box_pack_start(GTK_BOX(popup->hbox), popup->content_box, TRUE, TRUE, 0);
@@ -65,6 +66,7 @@ int zel_popup_set_icon(GtkWidget *widget, GtkWidget *icon)
     if (popup->icon != nullptr)
         gtk_widget_destroy(popup->icon);
     popup->icon = icon;
+    gtk_widget_set_visible(popup->icon_box, icon != nullptr);
     if (icon != nullptr) {
         g_signal_connect(icon, "destroy", G_CALLBACK(gtk_widget_destroyed), &popup->icon);
         gtk_box_pack_start(GTK_BOX(popup->icon_box), icon, FALSE, FALSE, 0);
@@ -99,8 +101,6 @@ void popup_run(GtkWidget *popup, GtkWidget *parent, GMainLoop *loop)
     }
     gdk_window_set_decorations(gtk_widget_get_window(popup), GDK_DECOR_TITLE);
     gtk_window_set_modal(GTK_WINDOW(popup), TRUE);
-    if (ZEL_POPUP(popup)->icon == nullptr) // no empty room where the icon would be
-        gtk_widget_set_no_show_all(ZEL_POPUP(popup)->icon_box, TRUE);
     gtk_widget_show_all(popup);
     g_main_loop_run(loop);
     if (above != nullptr) {

@@ -26,6 +26,17 @@ bool managed_area(GdkScreen *screen, GdkRectangle &area)
     return whole;
 }
 
+GdkRectangle area_of(GdkScreen *screen, gint monitor)
+{
+    GdkRectangle area{};
+    gdk_screen_get_monitor_geometry(screen, monitor, &area);
+    GdkRectangle managed{};
+    GdkRectangle both{};
+    if (managed_area(screen, managed) && gdk_rectangle_intersect(&area, &managed, &both) != 0)
+        return both;
+    return area;
+}
+
 } // namespace
 
 namespace zel {
@@ -35,13 +46,13 @@ GdkRectangle work_area(GtkWidget *widget)
     GdkScreen *screen = gtk_widget_get_screen(widget);
     GdkWindow *window = gtk_widget_get_window(widget);
     const gint monitor = window == nullptr ? 0 : gdk_screen_get_monitor_at_window(screen, window);
-    GdkRectangle area{};
-    gdk_screen_get_monitor_geometry(screen, monitor, &area);
-    GdkRectangle managed{};
-    GdkRectangle both{};
-    if (managed_area(screen, managed) && gdk_rectangle_intersect(&area, &managed, &both) != 0)
-        return both;
-    return area;
+    return area_of(screen, monitor);
+}
+
+GdkRectangle work_area_at(GtkWidget *widget, int x, int y)
+{
+    GdkScreen *screen = gtk_widget_get_screen(widget);
+    return area_of(screen, gdk_screen_get_monitor_at_point(screen, x, y));
 }
 
 } // namespace zel

@@ -10,4 +10,7 @@ namespace zel {
 // manager tells.
 GdkRectangle work_area(GtkWidget *widget);
 
+// The same of the screen at that place, or of the one nearest to it.
+GdkRectangle work_area_at(GtkWidget *widget, int x, int y);
+
 } // namespace zel

@@ -7,6 +7,7 @@
 #include "editor/operation.h"
 #include "editor/ui-text.h"
 #include "editor/w_tab_filter.h"
+#include "editor/w_tab_found.h"
 #include "editor/w_tab_icons.h"
 #include "editor/w_tab_list.h"
 #include "editor/w_tab_model.h"
@@ -229,6 +230,9 @@ void refilter(ZelTabEdit *tab)
             return filter_func(filter, item) && folded.are_in(item, filter.lang1, filter.lang2);
         });
     }
+    zel::tab_show_found(tab->found_label,
+                        {shown.size(), rows_of(tab).rows.size(), tab->search_words != nullptr,
+                         filter.only_untranslated, tab->work->filters()});
     zel::free_search_words(tab->search_words);
     tab->search_words = nullptr;
     show_rows(tab, shown);
@@ -368,6 +372,8 @@ GtkWidget *make_info_row(ZelTabEdit *tab)
     gtk_container_add(GTK_CONTAINER(frame), tab->info_label);
     GtkWidget *row = gtk_hbox_new(FALSE, spacing);
     gtk_box_pack_start(GTK_BOX(row), frame, FALSE, FALSE, 0);
+    tab->found_label = zel::tab_found_label_new();
+    gtk_box_pack_start(GTK_BOX(row), tab->found_label, FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(row), tab->work->progress_label(), TRUE, TRUE, 0);
     return row;
 }
@@ -460,41 +466,6 @@ void select_languages(ZelTabEdit *tab)
     set_title(tab->lang2_column, rows.lang2);
 }
 
-const char *first_line(item_t *item, const std::unique_ptr<std::string> &lang)
-{
-    return lang == nullptr ? nullptr : zel_get_first_lang_entry(item->langs, lang->c_str());
-}
-
-void check_texts(const zel::tab_rows &rows, const zel::tab_row &row)
-{
-    const int pos = row.item->posnr;
-    if (rows.with_langs) {
-        lang_check_utf8(nullptr, pos, "lang1", first_line(row.item, rows.lang1));
-        lang_check_utf8(nullptr, pos, "lang2", first_line(row.item, rows.lang2));
-    }
-    lang_check_utf8(nullptr, pos, "group_name", row.group->name);
-    lang_check_utf8(nullptr, pos, "item_name", row.item->name);
-}
-
-void collect_rows(zel::tab_rows &rows, LangSource *source)
-{
-    zel::tab_rows_clear(rows);
-    rows.source = source;
-    if (source == nullptr)
-        return;
-    for (edit_t *group : zel::each<edit_t>(source->groups)) {
-        for (item_t *item : zel::each<item_t>(group->items)) {
-            if (item->used == 0)
-                continue;
-            rows.rows.push_back({group, item});
-            item->changed = 0;
-            item->posnr = static_cast<std::int32_t>(rows.rows.size());
-            check_texts(rows, rows.rows.back());
-        }
-    }
-    rows.rows.shrink_to_fit();
-}
-
 void show_count(ZelTabEdit *tab)
 {
     const std::string count =
@@ -514,7 +485,7 @@ void fill(ZelTabEdit *tab, LangSource *source)
     zel::edit_select_output_langs(source);
     show_rows(tab, {});
     select_languages(tab);
-    collect_rows(rows_of(tab), source);
+    zel::tab_rows_collect(rows_of(tab), source);
     std::vector<std::uint32_t> all(rows_of(tab).rows.size());
     std::iota(all.begin(), all.end(), 0U);
     zel_tab_model_show(ZEL_TAB_MODEL(tab->store), std::move(all));

@@ -33,6 +33,7 @@ struct ZelTabEdit {
     GtkTreeModel *filter_model; // the rows of store that filter_func lets through
     GtkWidget *text_widget;     // Zeltext
     GtkWidget *info_label;      // "%d %s": how many items
+    GtkWidget *found_label;     // beside it, how many are found
     GtkWidget *ready_button;
     LangSource *lang_source;    // not owned
     GtkTreePath *selected_path; // in the list, while a row is selected

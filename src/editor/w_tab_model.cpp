@@ -26,6 +26,26 @@ bool set_iter(ZelTabModel *model, GtkTreeIter *iter, int place)
     return true;
 }
 
+const char *first_line(item_t *item, const std::unique_ptr<std::string> &lang)
+{
+    const lang_entry_t *entry =
+        lang == nullptr ? nullptr : misc_select_lang_entry(item, lang->c_str());
+    return entry == nullptr || entry->texts == nullptr
+               ? nullptr
+               : static_cast<const char *>(entry->texts->data);
+}
+
+void check_texts(const zel::tab_rows &rows, const zel::tab_row &row)
+{
+    const int pos = row.item->posnr;
+    if (rows.with_langs) {
+        lang_check_utf8(nullptr, pos, "lang1", first_line(row.item, rows.lang1));
+        lang_check_utf8(nullptr, pos, "lang2", first_line(row.item, rows.lang2));
+    }
+    lang_check_utf8(nullptr, pos, "group_name", row.group->name);
+    lang_check_utf8(nullptr, pos, "item_name", row.item->name);
+}
+
 GType column_type(GtkTreeModel *, gint column)
 {
     switch (column) {
@@ -289,6 +309,25 @@ void tab_rows_clear(tab_rows &rows)
     rows.source = nullptr;
     rows.rows.clear();
     rows.active = -1;
+}
+
+void tab_rows_collect(tab_rows &rows, LangSource *source)
+{
+    tab_rows_clear(rows);
+    rows.source = source;
+    if (source == nullptr)
+        return;
+    for (edit_t *group : each<edit_t>(source->groups)) {
+        for (item_t *item : each<item_t>(group->items)) {
+            if (item->used == 0)
+                continue;
+            rows.rows.push_back({group, item});
+            item->changed = 0;
+            item->posnr = static_cast<std::int32_t>(rows.rows.size());
+            check_texts(rows, rows.rows.back());
+        }
+    }
+    rows.rows.shrink_to_fit();
 }
 
 std::string tab_lang_text(item_t *item, const std::string *lang)

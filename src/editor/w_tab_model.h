@@ -61,6 +61,10 @@ struct tab_rows {
 // most; a blank when there is none.
 [[nodiscard]] std::string tab_lang_text(item_t *item, const std::string *lang);
 
+// A row for each used item of the source, none for null; the items get their position numbers and
+// lose their marks of change, and texts that are not UTF-8 are told.
+void tab_rows_collect(tab_rows &rows, LangSource *source);
+
 // Drops all rows of the source that is gone; the models stay usable and empty once their own row
 // numbers are set anew.
 void tab_rows_clear(tab_rows &rows);

@@ -224,6 +224,11 @@ void tab_work::show_cell(GtkTreeViewColumn *, GtkCellRenderer *cell, GtkTreeMode
                  nullptr);
 }
 
+bool tab_work::filters() const
+{
+    return gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(filter_)) != 0;
+}
+
 bool tab_work::hides(std::uint32_t row)
 {
     if (!gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(filter_)) || row >= progress_.count())

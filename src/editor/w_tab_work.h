@@ -43,6 +43,9 @@ public:
     // The panel shows the row's item now (-1: none), and has stored the one before.
     void item_shown(int row);
 
+    // Whether the filter of findings is on.
+    bool filters() const;
+
     // Whether the filter of findings hides the row.
     bool hides(std::uint32_t row);
 

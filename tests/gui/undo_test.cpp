@@ -4,6 +4,7 @@
 #include "editor-fixture.h"
 
 #include "editor/define.h"
+#include "editor/w_tab_work.h"
 
 #include <gdk/gdkkeysyms.h>
 #include <gmock/gmock.h>
@@ -110,7 +111,10 @@ TEST_F(Undo, AllUndoneAndSavedTheFileHoldsWhatItHeld)
 TEST_F(Undo, AHiddenItemIsShownAgain)
 {
     run_editor(source(), [&] {
+        ASSERT_TRUE(wait_for([] { return !label(tab()->work->progress_label()).empty(); }));
+        const std::string progress = label(tab()->work->progress_label());
         type_german("auf");
+        EXPECT_NE(label(tab()->work->progress_label()), progress);
         go(1);
         choose_entry("Display not translated items");
         gtk_entry_set_text(GTK_ENTRY(tab()->search_entry), "Close");
@@ -118,6 +122,7 @@ TEST_F(Undo, AHiddenItemIsShownAgain)
         EXPECT_THAT(identity(), HasSubstr("Open"));
         EXPECT_EQ(german(), "");
         EXPECT_STREQ(gtk_entry_get_text(GTK_ENTRY(tab()->search_entry)), "");
+        EXPECT_EQ(label(tab()->work->progress_label()), progress);
         redo();
         go(1);
         edit_ctrl.empty(editWin); // the item has its text now, and goes

@@ -1,0 +1,24 @@
+#pragma once
+
+// The label beside the list's count: how much of it a search or a filter has left.
+
+#include <gtk/gtk.h>
+
+#include <cstddef>
+
+namespace zel {
+
+[[nodiscard]] GtkWidget *tab_found_label_new();
+
+// What the list shows: so many of all rows, with words searched for, or of a filter. Nothing is
+// told while it shows all.
+struct tab_found {
+    std::size_t shown;
+    std::size_t all;
+    bool searched;
+    bool untranslated; // only items that lack a text
+    bool other_filter;
+};
+void tab_show_found(GtkWidget *label, const tab_found &found);
+
+} // namespace zel
