@@ -2,7 +2,9 @@
 // painted. Needs a display (tools/with-display); without one nothing is measured.
 
 #include "app/global.h"
+#include "editor/edit-history.h"
 #include "editor/edit-state.h"
+#include "editor/edit-undo.h"
 #include "editor/w_tab_edit.h"
 #include "editor/w_tab_model.h"
 #include "editor/w_text.h"
@@ -186,6 +188,30 @@ void sort(benchmark::State &state, int id)
     }
 }
 
+// Steps back and forth, each in another item: the first one and the last.
+void undo(benchmark::State &state)
+{
+    window main(static_cast<int>(state.range(0)));
+    ZelTabEdit *table = main.open();
+    editWin = GTK_WIDGET(table);
+    def_group = main.source;
+    zel::undo_watch(editWin);
+    Zeltext *text = ZEL_TEXT(table->text_widget);
+    for (auto *move : {zel_tab_edit_first, zel_tab_edit_last}) {
+        move(editWin);
+        gtk_text_buffer_insert_at_cursor(gtk_text_view_get_buffer(GTK_TEXT_VIEW(text->trans2_view)),
+                                         "typed", -1);
+    }
+    int step = 0;
+    while (state.KeepRunning()) {
+        step++ % 4 < 2 ? zel::edit_undo() : zel::edit_redo();
+        paint();
+    }
+    zel::source_history().clear();
+    editWin = nullptr;
+    def_group = nullptr;
+}
+
 // The sums are shown once every item has been judged.
 void wait_until_judged(GtkWidget *table)
 {
@@ -310,6 +336,7 @@ constexpr job jobs[] = {
     {"search_letter/ours", [](benchmark::State &state) { search(state, "x"); }},
     {"search_letter_second_try/ours", [](benchmark::State &state) { search(state, "\xc3\xa4"); }},
     {"filter_untranslated/ours", untranslated},
+    {"undo/ours", undo},
     {"keystroke_checked/ours", keystroke_checked},
     {"next_with_work/ours", next_with_work},
     {"suggestion/ours", suggestion},

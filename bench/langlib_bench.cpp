@@ -25,7 +25,7 @@
 #include <benchmark/benchmark.h>
 #include <glib.h>
 
-#include "langlib/lang.h"
+#include "langlib/lang-locale.h"
 
 namespace {
 
@@ -377,6 +377,30 @@ void append_info(benchmark::State &state)
     }
 }
 
+// A short text that stands for its item, and the form of one in Russian.
+void format_or(benchmark::State &state)
+{
+    const char *item = "%d of %d notes";
+    const char *text = "%2$d заметок, из них %1$d";
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(text);
+        benchmark::DoNotOptimize(lang_format_or(text, item));
+    }
+}
+
+void plural(benchmark::State &state)
+{
+    const fs::path file = fs::temp_directory_path() / "lang-bench-plural.lang";
+    std::ofstream(file) << "LANGUAGE \"russian\" GROUP g a { \"b\" }";
+    lang_handle_t *handle = lang_new(file.c_str());
+    std::int64_t number = 0;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(
+            lang_plural_of(handle, "%d заметка|%d заметки|%d заметок", ++number));
+    lang_free(handle, 1);
+    fs::remove(file);
+}
+
 void add(const char *job, const char *who, void (*function)(benchmark::State &))
 {
     for (const std::int64_t size : sizes)
@@ -419,6 +443,8 @@ int main(int argc, char **argv)
     add("load", "byte_count", load_byte_count);
     add("load", "ghashtable_insert", load<ghashtable>);
     add("load", "unordered_map_insert", load<unordered_map>);
+    benchmark::RegisterBenchmark("format_or", format_or);
+    benchmark::RegisterBenchmark("plural", plural);
     for (const std::int64_t size : {sizes[1], sizes[2]}) {
         benchmark::RegisterBenchmark("append/symbols", append_symbols)->Arg(size);
         benchmark::RegisterBenchmark("append/messages", append_messages)->Arg(size);

@@ -4,10 +4,17 @@ install(TARGETS lang lang-kit RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(TARGETS lang_editor_module LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/lang)
 
 install(FILES data/man/lang.1 data/man/lang-kit.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-install(FILES data/completion/lang.bash RENAME lang
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
-install(FILES data/completion/lang-kit.bash RENAME lang-kit
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+install(FILES data/man/lang-source.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)
+install(FILES data/man/liblang.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3 COMPONENT liblang)
+set(LANG_ZSH_COMPLETION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions
+    CACHE STRING "Folder of zsh's completion functions")
+foreach(program lang lang-kit)
+  install(FILES data/completion/${program}.bash RENAME ${program}
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+  install(FILES data/completion/_${program} DESTINATION ${LANG_ZSH_COMPLETION})
+  install(FILES data/completion/${program}.fish
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+endforeach()
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs
         FILES_MATCHING PATTERN *.md PATTERN *.png
@@ -20,14 +27,22 @@ install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
         FILES_MATCHING PATTERN *.sh)
 
 # What the editor looks for: the manual and the icon; and what makes the desktop find the editor.
-install(FILES data/doc/lang.pdf DESTINATION ${CMAKE_INSTALL_DATADIR}/lang/doc)
+install(FILES data/doc/lang.pdf data/doc/lang.html DESTINATION ${CMAKE_INSTALL_DATADIR}/lang/doc)
 install(FILES data/icons/lang-editor.png DESTINATION ${CMAKE_INSTALL_DATADIR}/lang/icons)
-install(FILES data/icons/lang-editor.png
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/48x48/apps)
-install(FILES data/icons/lang-editor.svg
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
+install(DIRECTORY data/icons/hicolor DESTINATION ${CMAKE_INSTALL_DATADIR}/icons)
 install(FILES data/lang-editor.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES data/lang-source.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages)
+install(FILES data/org.example.lang_editor.metainfo.xml
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
+
+# How other editors show a source.
+install(DIRECTORY data/syntax/vim/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vim/vimfiles)
+foreach(version 3.0 4 5)
+  install(FILES data/syntax/lang-src.lang
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/gtksourceview-${version}/language-specs)
+endforeach()
+install(FILES data/syntax/lang-src.tmLanguage.json
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/lang/syntax)
 
 if(PROJECT_IS_TOP_LEVEL)
   add_custom_target(uninstall COMMAND ${CMAKE_COMMAND} -D MANIFEST=${PROJECT_BINARY_DIR}/install_manifest.txt

@@ -39,6 +39,10 @@ target_link_libraries(lang_static INTERFACE glib-2.0 stdc++ pthread)
 # Projects that contain this one find the same names as those that found it installed.
 add_library(lang::lang ALIAS lang_shared)
 add_library(lang::lang_static ALIAS lang_static)
+add_executable(lang::program ALIAS lang)
+add_executable(lang::kit ALIAS lang-kit)
+set_property(GLOBAL PROPERTY LANG_BUILD_SCRIPT ${PROJECT_SOURCE_DIR}/data/build/lang-build)
+include(${CMAKE_CURRENT_LIST_DIR}/lang-texts.cmake)
 foreach(library lang_shared lang_static)
   target_include_directories(${library} INTERFACE
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src/langlib>
@@ -60,11 +64,19 @@ write_basic_package_version_file(lang-config-version.cmake COMPATIBILITY SameMaj
 install(TARGETS lang_shared lang_static EXPORT lang
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT liblang
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT liblang)
-install(EXPORT lang NAMESPACE lang:: FILE lang-config.cmake
+file(RELATIVE_PATH liblang_cmake_prefix /prefix/${liblang_cmake_dir} /prefix)
+configure_file(${CMAKE_CURRENT_LIST_DIR}/lang-config.cmake.in lang-config.cmake @ONLY)
+install(EXPORT lang NAMESPACE lang:: FILE lang-targets.cmake
         DESTINATION ${liblang_cmake_dir} COMPONENT liblang)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/lang-config-version.cmake
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/lang-config.cmake
+              ${CMAKE_CURRENT_BINARY_DIR}/lang-config-version.cmake
+              ${CMAKE_CURRENT_LIST_DIR}/lang-texts.cmake
         DESTINATION ${liblang_cmake_dir} COMPONENT liblang)
+install(PROGRAMS ${PROJECT_SOURCE_DIR}/data/build/lang-build
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/lang/build COMPONENT liblang)
+install(FILES ${PROJECT_SOURCE_DIR}/data/build/lang.mk
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/lang/build COMPONENT liblang)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/lang.pc
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT liblang)
-install(FILES ${PROJECT_SOURCE_DIR}/src/langlib/lang.h
+install(FILES ${PROJECT_SOURCE_DIR}/src/langlib/lang.h ${PROJECT_SOURCE_DIR}/src/langlib/lang-locale.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT liblang)

@@ -40,6 +40,7 @@ extern "C" void _Exit(int status) { _exit(status); }
 int main(int argc, char **argv)
 {
     testing::InitGoogleTest(&argc, argv);
+    unsetenv("SOURCE_DATE_EPOCH"); // a package's build sets it, and compiled files would bear it
     tests_run_in = getpid();
     std::atexit(end_early);
     std::at_quick_exit(end_early);

@@ -4,6 +4,7 @@
 
 #include "app/global.h"
 #include "editor/edit-state.h"
+#include "editor/recovery.h"
 #include "editor/w_tab_edit.h"
 #include "editor/w_text.h"
 #include "gui-support.h"
@@ -117,6 +118,40 @@ void show_dialogs()
     }
 }
 
+void type_text(const char *text)
+{
+    GtkWidget *view = ZEL_TEXT(ZEL_TAB_EDIT(editWin)->text_widget)->trans2_view;
+    gtk_text_buffer_set_text(gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)), text, -1);
+}
+
+// An editor that ends with unsaved changes.
+void leave_changes()
+{
+    type_text("Notizen von gestern, noch nicht gespeichert");
+    edit_ctrl.next(editWin);
+    type_text("Eine zweite");
+    zel::recovery_write_now();
+}
+
+// The question about them at the next start, and the one about a file that has changed.
+void show_questions()
+{
+    picture_of_dialog("choose-again", choose(fs::absolute("notes.lang-src")));
+    answer_next([](GtkWidget *dialog) {
+        snap("recovery");
+        press("Show them")(dialog);
+        snap("recovery-texts");
+        gtk_dialog_response(GTK_DIALOG(dialog), GTK_RESPONSE_YES);
+    });
+    activate("Load");
+    snap("recovered");
+    std::FILE *theirs = std::fopen("notes.lang-src", "a");
+    std::fputs("/* theirs */\n", theirs);
+    std::fclose(theirs);
+    picture_of_dialog("changed-by-another", respond(GTK_RESPONSE_NO));
+    activate("Save");
+}
+
 void walk()
 {
     gtk_window_resize(GTK_WINDOW(mainWin), width, height);
@@ -126,7 +161,10 @@ void walk()
         snap("empty");
         picture_of_dialog("nothing", press("Ok"));
         activate("Save");
-        return;
+        // As a user does it, so that the rows above the list tell of the file.
+        answer_next(choose(fs::current_path() / "notes.lang-src"));
+        activate("Load");
+        settle(300);
     }
     show_list_and_text();
     show_menus();
@@ -157,7 +195,8 @@ int main(int argc, char **argv)
     start_watching();
     lang_global.editor_mode = static_cast<unsigned>(std::atoi(argv[3]));
     run_editor("", walk);
-    run_editor((work / "notes.lang-src").string(), walk);
+    run_editor((work / "notes.lang-src").string(), leave_changes);
+    run_editor("", show_questions);
     fs::current_path(folder);
     fs::remove_all(work);
     return 0;

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -444,7 +445,12 @@ int check_file(item_index &index, const char *path, std::int64_t now)
     std::setvbuf(zel_lex_buf_file_get_fp(buffer.get()), area.data(), _IOFBF, area.size());
     zel_lex_set_buf(lex.get(), buffer.get());
     const symtab_guard symbols(symtab_new());
-    return read_tokens({index, symbols.get(), path, 0, now}, lex.get());
+    const int result = read_tokens({index, symbols.get(), path, 0, now}, lex.get());
+    if (zel_lex_buf_read_failed(buffer.get()) == 0)
+        return result;
+    // Its requests are not all found: items would count as not used.
+    std::fprintf(stderr, "check: %s cannot be read to its end: %s\n", shown, std::strerror(errno));
+    return -1;
 }
 
 } // namespace zel

@@ -5,6 +5,7 @@
 #include "support/log-print.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -70,6 +71,10 @@ int search_entry(walk &w, const char *path, const char *name)
     const bool known = zel_stat(path, &status) == 0;
     if (known && S_ISDIR(status.st_mode))
         return step_down(w, path, {status.st_dev, status.st_ino});
+    if (!known && errno != ENOENT && errno != ELOOP && !is_scanned(name)) {
+        w.to.not_opened(path); // it may be a directory
+        return 0;
+    }
     LogPrint(1, "_check_rec: check file >%s<>%s<\n", path, name);
     // Pipes and devices are no sources, and reading one might not end. What has no status (a link
     // that leads nowhere) is left to the scan to complain about.
@@ -88,11 +93,19 @@ int search_directory(walk &w, const char *directory)
         return 0;
     }
     std::string path;
-    while (const char *name = g_dir_read_name(entries.get())) { // never "." and ".."
+    for (;;) {
+        errno = 0;
+        const char *name = g_dir_read_name(entries.get()); // never "." and ".."
+        if (name == nullptr)
+            break;
         path.assign(std::strlen(directory) + std::strlen(name) + 4, '\0');
         gen_path(path.data(), 0, directory, name, nullptr);
         if (const int result = search_entry(w, path.c_str(), name); result != 0)
             return result;
+    }
+    if (errno != 0) { // what is missing would count as not used
+        w.to.not_opened(directory);
+        return -1;
     }
     LogPrint(1, "_check_rec: exit(2)  >%s<\n", directory);
     return 0;

@@ -12,7 +12,8 @@ struct tree_scan {
     std::function<void(const char *directory)> not_opened; // it is logged, and passed over
 };
 
-// A path that is a regular file is scanned whatever its name; any other is searched as a directory.
+// -1 also, after not_opened, for a directory that cannot be read to its end. A path that is a
+// regular file is scanned whatever its name; any other is searched as a directory.
 int scan_path(const char *path, const tree_scan &to);
 int scan_directory(const char *directory, const tree_scan &to);
 

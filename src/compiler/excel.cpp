@@ -63,10 +63,16 @@ int to_excel_unicode_text(LangSource *source, const char *path, const char * /*l
         for (const item_t *item : zel::each<item_t>(group->items))
             write_record(stream, group, item);
 
-    const bool failed = std::ferror(stream) != 0;
+    errno = 0;
+    const bool flushed = std::fflush(stream) == 0;
+    const bool failed = !flushed || std::ferror(stream) != 0;
     const bool lost = std::fclose(stream) != 0;
-    if (failed || lost)
+    if (failed || lost) {
+        const int error = errno;
         _zel_error("excel", __LINE__, "to_excel_unicode_text: the file is not complete");
+        if (error != 0)
+            std::fprintf(stderr, "lang: %s: %s\n", path, std::strerror(error));
+    }
     std::puts("to_excel_unicode_text: exit");
     return failed || lost ? 1 : 0;
 }

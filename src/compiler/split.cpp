@@ -1,6 +1,7 @@
 #include "compiler/split.h"
 
 #include "app/global.h"
+#include "compiler/build-time.h"
 #include "compiler/entry-table.h"
 #include "compiler/language-path.h"
 #include "langlib/compiled-file.h"
@@ -13,7 +14,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <ctime>
 #include <fcntl.h>
 #include <memory>
 #include <string>
@@ -297,7 +297,7 @@ compile_answer compile_source(LangSource *source, const char *destination, const
 
 int split_file(LangSource *source, const char *destination)
 {
-    return zel::compile_source(source, destination, {lang_global.posnr != 0, std::time(nullptr)})
+    return zel::compile_source(source, destination, {lang_global.posnr != 0, zel::build_time()})
         .code;
 }
 

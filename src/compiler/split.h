@@ -33,7 +33,7 @@ compile_answer compile_source(LangSource *source, const char *destination, const
 
 } // namespace zel
 
-// compile_source at the current time, with lang_global's posnr.
+// compile_source at the time of compiler/build-time.h, with lang_global's posnr.
 int split_file(LangSource *source, const char *destination);
 
 // Creates and opens the files of all definitions and writes their first line: 0, or -1 at the

@@ -169,8 +169,11 @@ int open_file(lang_cfg_t *store, bool create)
     return CFG_OK;
 }
 
-void read_file(lang_cfg_t *store)
+// CFG_OK, or CFG_NOT_OPENED where the system does not give all of the file: what it holds would be
+// lost with the next write.
+int read_file(lang_cfg_t *store)
 {
+    errno = 0;
     zel_lex_buf_file_set_fp(store->buf, store->fp_cfg);
     zel_lex_set_buf(store->lex, store->buf);
     store->version_key = store->version;
@@ -180,8 +183,12 @@ void read_file(lang_cfg_t *store)
     if (store->open_end != nullptr)
         std::fprintf(stderr, "lang: %s: the file ends inside %s; it may have been cut\n",
                      store->cfg, store->open_end);
+    const bool failed = zel_lex_buf_read_failed(store->buf) != 0;
+    if (failed)
+        std::fprintf(stderr, "lang: %s cannot be read: %s\n", store->cfg, std::strerror(errno));
     close_stream(store->fp_cfg);
     zel_lex_buf_file_set_fp(store->buf, nullptr);
+    return failed ? CFG_NOT_OPENED : CFG_OK;
 }
 
 // The whole text of the file; false without memory.
@@ -267,10 +274,11 @@ int lang_cfg_open(lang_cfg_t *store, unsigned flags)
     if (const int locked = take_lock(store, (flags & CFG_OPEN_LOCK) != 0))
         return locked;
     close_stream(store->fp_cfg);
-    if (const int failed = open_file(store, (flags & CFG_OPEN_CREATE) != 0))
+    int failed = open_file(store, (flags & CFG_OPEN_CREATE) != 0);
+    if (failed == CFG_OK && store->fp_cfg != nullptr)
+        failed = read_file(store);
+    if (failed != CFG_OK)
         return fail(store, failed);
-    if (store->fp_cfg != nullptr)
-        read_file(store);
     store->status = CFG_OK;
     return CFG_OK;
 }

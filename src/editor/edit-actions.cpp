@@ -3,6 +3,7 @@
 #include "app/global.h"
 #include "editor/define.h"
 #include "editor/edit-ask.h"
+#include "editor/edit-record.h"
 #include "editor/edit-state.h"
 #include "editor/lang-box.h"
 #include "editor/ui-text.h"
@@ -136,7 +137,10 @@ void cb_settings(GtkWidget *widget, gpointer)
         zel::nothing_to_do(widget);
         return;
     }
+    zel::record_begin();
+    const zel::definitions before = zel::read_definitions(def_group);
     define_open(mainWin, def_group);
+    zel::record_definitions(def_group, before);
     zel::edit_select_output_langs(def_group);
 }
 

@@ -5,6 +5,7 @@
 
 struct _GtkWidget;
 struct LangSource;
+struct lang_entry_t;
 
 // Every operation but the first returns 1, or 0 after a GLib warning for a bad widget.
 struct edit_ctrl_t {
@@ -27,6 +28,9 @@ struct edit_more_t {
     int (*reload)(_GtkWidget *table);     // the languages anew, then the selected item's texts
     int (*put_away)(_GtkWidget *table);   // before the source is written: what only showing the
     int (*bring_back)(_GtkWidget *table); // selected item has made goes out of it, and back after
+
+    // 1 for an entry that only showing the selected item has made, 0 for any other.
+    int (*is_made)(_GtkWidget *table, const lang_entry_t *entry);
 };
 
 // The process's tables, filled before the editor's window is built.

@@ -5,6 +5,7 @@
 #include "config/ini.h"
 #include "editor/dir_file_sel.h"
 #include "editor/edit-ask.h"
+#include "editor/edit-record.h"
 #include "editor/edit-state.h"
 #include "editor/lang-box.h"
 #include "editor/ui-text.h"
@@ -57,6 +58,12 @@ void tell_exported(GtkWidget *widget, const char *path)
     lang_msg_box(widget, whole ? whole.get() : text);
 }
 
+zel::import_record look_before(const char *language)
+{
+    const zel::source_to_write whole;
+    return {def_group, language};
+}
+
 // A file that names no language is called after its own name.
 bool name_language(lang_handle_t *handle, const char *path)
 {
@@ -84,10 +91,13 @@ void import_file(GtkWidget *widget, const char *path)
         return;
     }
     std::printf("cb_import: Group %p lang=%s\n", static_cast<void *>(def_group), handle->language);
+    zel::record_begin();
+    const zel::import_record before = look_before(handle->language);
     if (lang_import(def_group, handle.get()) != 0) {
         zel::status_and_message(widget, "common", "status", "ERROR: Import file");
         return;
     }
+    zel::source_history().add(before.changes());
     zel::edit_set_modified(true);
     const zel::flag_guard importing(lang_global.importing);
     edit_refresh();

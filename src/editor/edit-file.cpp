@@ -4,9 +4,13 @@
 #include "config/ini.h"
 #include "editor/dir_file_sel.h"
 #include "editor/edit-ask.h"
+#include "editor/edit-history.h"
 #include "editor/edit-state.h"
+#include "editor/edit-undo.h"
 #include "editor/read-report.h"
 #include "editor/recent.h"
+#include "editor/recovery.h"
+#include "editor/source-watch.h"
 #include "editor/ui-text.h"
 #include "source/lang-read.h"
 #include "source/lang-write.h"
@@ -19,6 +23,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <vector>
 
 namespace {
 
@@ -51,7 +56,7 @@ void clear_source_values()
 }
 
 // The table goes first: it shows what is released next.
-void close_source()
+void release_source()
 {
     if (editWin != nullptr)
         gtk_widget_destroy(editWin);
@@ -59,6 +64,14 @@ void close_source()
     if (def_group != nullptr)
         lang_free_group(&def_group);
     def_group = nullptr;
+    zel::source_history().clear();
+}
+
+void close_source()
+{
+    zel::recovery_end();
+    release_source();
+    zel::watch_end();
 }
 
 // Takes the file as the current one, with the folder it is in.
@@ -95,11 +108,20 @@ bool write_source(const char *path)
     return lang_write_file(path, def_group) == 0;
 }
 
+void save_under_name(GtkWidget *widget);
+
 // Writes the source and says how it went; only then are there no changes left.
 void write_and_tell(GtkWidget *widget, const char *path)
 {
+    const zel::overwrite answer = zel::watch_ask(widget, path);
+    if (answer == zel::overwrite::other_name)
+        save_under_name(widget);
+    if (answer != zel::overwrite::yes)
+        return;
     if (write_source(path)) {
         zel::edit_set_modified(false);
+        zel::recovery_drop();
+        zel::watch_saved(path);
         // The text is also an item of the editor's own texts, which is found by its spelling.
         zel::message(mainWin, "status", "Write file successfull");
     } else {
@@ -178,20 +200,39 @@ void save_selected(GtkWidget *widget)
         save_pairs(widget);
 }
 
-// True when the program may end.
-bool may_exit(GtkWidget *widget) { return lang_global.modified == 0 || zel::ask_discard(widget); }
+std::vector<item_t *> changed_items(const LangSource *source)
+{
+    std::vector<item_t *> changed;
+    for (const edit_t *group : zel::each<edit_t>(source->groups))
+        for (item_t *item : zel::each<item_t>(group->items))
+            if (item->changed != 0)
+                changed.push_back(item);
+    return changed;
+}
+
+// True when the changes are saved, or the user gives them up.
+bool may_go(GtkWidget *widget)
+{
+    if (lang_global.modified == 0)
+        return true;
+    if (!zel::ask_discard(widget))
+        return false;
+    zel::recovery_drop();
+    return true;
+}
 
 } // namespace
 
 void cb_open(GtkWidget *widget, gpointer)
 {
-    if (lang_global.modified != 0 && !zel::ask_discard(widget))
+    if (!may_go(widget))
         return;
     zel::edit_status(nullptr);
     char *chosen = zel::select_source(widget, zel::ui_text("common", "open file"));
     if (chosen == nullptr)
         return;
     set_file(chosen);
+    zel::recovery_drop(); // it may have been written again while the chooser was open
     close_source();
     if (!zel::edit_read_source()) {
         clear_source_values();
@@ -200,6 +241,7 @@ void cb_open(GtkWidget *widget, gpointer)
     zel::edit_show_source();
     show_source_values();
     zel::edit_set_modified(false);
+    zel::edit_guard_source(widget);
 }
 
 void cb_save(GtkWidget *widget, gpointer)
@@ -236,7 +278,7 @@ void cb_save_selected_lang(GtkWidget *widget, gpointer data)
 
 void cb_exit(GtkWidget *widget, gpointer)
 {
-    if (!may_exit(widget))
+    if (!may_go(widget))
         return;
     prg_exit();
     gtk_main_quit();
@@ -244,7 +286,7 @@ void cb_exit(GtkWidget *widget, gpointer)
 
 gboolean delete_event(GtkWidget *widget, GdkEvent *, gpointer)
 {
-    if (!may_exit(widget))
+    if (!may_go(widget))
         return TRUE;
     prg_exit();
     gtk_main_quit();
@@ -266,6 +308,7 @@ namespace zel {
 bool edit_read_source()
 {
     note_source_directory(def_file);
+    watch_note(def_file);
     read_report report(def_file);
     const auto listener = [&report](const read_message &message) {
         print_read_message(message);
@@ -277,6 +320,8 @@ bool edit_read_source()
     edit_status(report.text(answer).c_str());
     if (answer.source)
         remember_source(def_file);
+    else
+        watch_end();
     def_group = answer.source.release();
     return def_group != nullptr;
 }
@@ -288,10 +333,27 @@ void edit_show_source()
     editWin = edit_ctrl.new_table();
     gtk_widget_set_name(editWin, "item-table");
     g_signal_connect(editWin, "destroy", G_CALLBACK(gtk_widget_destroyed), &editWin);
+    undo_watch(editWin);
     if (edit_ctrl.set != nullptr)
         edit_ctrl.set(editWin, def_group);
     gtk_box_pack_start(GTK_BOX(editBox), editWin, TRUE, TRUE, 0);
     gtk_widget_show(editWin); // not what it hides inside
+}
+
+void edit_guard_source(GtkWidget *parent)
+{
+    watch_begin(parent);
+    if (source_guard recovered = recovery_offer(parent)) {
+        release_source();
+        def_group = recovered.release();
+        const std::vector<item_t *> changed = changed_items(def_group);
+        edit_show_source(); // takes the marks of earlier sessions away, and these are of this one
+        for (item_t *item : changed)
+            item->changed = 1;
+        edit_set_modified(true);
+        edit_status(ui_text("recovery", "The changes are here again; Save keeps them."));
+    }
+    recovery_begin();
 }
 
 } // namespace zel

@@ -25,4 +25,8 @@ bool edit_read_source();
 // Makes the table of def_group on the edit page.
 void edit_show_source();
 
+// Guards the shown source from now on: its lock, the offer of what an earlier editor could not save
+// (which takes its place when the user wants it), its recovery file.
+void edit_guard_source(GtkWidget *parent);
+
 } // namespace zel

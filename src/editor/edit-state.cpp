@@ -1,6 +1,7 @@
 #include "editor/edit-state.h"
 
 #include "app/global.h"
+#include "editor/edit-history.h"
 #include "editor/ui-text.h"
 #include "source/misc.h"
 #include "support/string-copy.h"
@@ -51,9 +52,14 @@ void edit_status(const char *text)
         gtk_entry_set_text(GTK_ENTRY(statusWin), utf8_shown(text).c_str());
 }
 
+unsigned edit_changes;
+
 void edit_set_modified(bool modified)
 {
+    edit_changes += modified ? 1 : 0;
     lang_global.modified = modified ? 1 : 0;
+    if (!modified)
+        source_history().mark_saved();
     if (changed_sign != nullptr)
         gtk_widget_set_visible(changed_sign, modified);
 }

@@ -44,6 +44,9 @@ public:
 // The status line; null empties it.
 void edit_status(const char *text);
 
+// Counts the changes, so that it can be told whether there were some since.
+extern unsigned edit_changes;
+
 // Whether the source has changes that were not saved: lang_global's modified, and the sign of it.
 void edit_set_modified(bool modified);
 

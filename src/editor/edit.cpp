@@ -7,6 +7,9 @@
 #include "editor/edit-file.h"
 #include "editor/edit-menus.h"
 #include "editor/edit-state.h"
+#include "editor/edit-undo.h"
+#include "editor/end-signals.h"
+#include "editor/source-watch.h"
 #include "editor/theme.h"
 #include "editor/ui-text.h"
 
@@ -51,9 +54,11 @@ GtkWidget *make_window()
     set_icon();
     accel_group = gtk_accel_group_new();
     gtk_window_add_accel_group(GTK_WINDOW(mainWin), accel_group);
+    zel::undo_add_keys();
     g_signal_connect(mainWin, "key_press_event", G_CALLBACK(lang_key_press_event), &def_group);
     g_signal_connect(mainWin, "key-press-event", G_CALLBACK(accel_first_event), &def_group);
     g_signal_connect(mainWin, "delete_event", G_CALLBACK(delete_event), &def_group);
+    zel::watch_window(mainWin);
     g_signal_connect(mainWin, "destroy", G_CALLBACK(gtk_widget_destroyed), &mainWin);
     return mainWin;
 }
@@ -202,9 +207,13 @@ int edit()
         std::fprintf(stderr, "lang: %s\n", gtk_entry_get_text(GTK_ENTRY(statusWin)));
         close_settings();
     } else {
-        if (def_file != nullptr)
+        zel::end_signals_begin();
+        if (def_file != nullptr) {
             zel::edit_show_source();
+            zel::edit_guard_source(mainWin);
+        }
         gtk_main();
+        zel::end_signals_end();
     }
     take_down_window();
     return 0;

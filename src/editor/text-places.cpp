@@ -4,9 +4,9 @@ namespace zel {
 
 namespace {
 
-std::vector<text_place> tagged(GtkTextBuffer *buffer, GtkTextTag *tag)
+std::vector<char_span> tagged(GtkTextBuffer *buffer, GtkTextTag *tag)
 {
-    std::vector<text_place> out;
+    std::vector<char_span> out;
     GtkTextIter at;
     gtk_text_buffer_get_start_iter(buffer, &at);
     if (!gtk_text_iter_begins_tag(&at, tag) && !gtk_text_iter_forward_to_tag_toggle(&at, tag))
@@ -35,9 +35,9 @@ std::string buffer_text(GtkTextBuffer *buffer)
     return out;
 }
 
-std::vector<text_place> places_of(const std::string &text, const std::vector<assist::piece> &parts)
+std::vector<char_span> places_of(const std::string &text, const std::vector<assist::piece> &parts)
 {
-    std::vector<text_place> out;
+    std::vector<char_span> out;
     const char *at = text.c_str();
     int offset = 0;
     for (const auto &[start, length] : parts) {
@@ -58,7 +58,7 @@ bool is_dark(GtkWidget *view)
     return base.red + base.green + base.blue < 3 * 0x8000;
 }
 
-void tag_places(GtkTextBuffer *buffer, GtkTextTag *tag, const std::vector<text_place> &places)
+void tag_places(GtkTextBuffer *buffer, GtkTextTag *tag, const std::vector<char_span> &places)
 {
     if (places == tagged(buffer, tag))
         return;
@@ -66,7 +66,7 @@ void tag_places(GtkTextBuffer *buffer, GtkTextTag *tag, const std::vector<text_p
     GtkTextIter end;
     gtk_text_buffer_get_bounds(buffer, &start, &end);
     gtk_text_buffer_remove_tag(buffer, tag, &start, &end);
-    for (const text_place &one : places) {
+    for (const char_span &one : places) {
         gtk_text_buffer_get_iter_at_offset(buffer, &start, one.start);
         gtk_text_buffer_get_iter_at_offset(buffer, &end, one.end);
         gtk_text_buffer_apply_tag(buffer, tag, &start, &end);

@@ -11,24 +11,24 @@
 
 namespace zel {
 
-struct text_place {
+struct char_span {
     int start;
     int end;
-    bool operator==(const text_place &) const = default;
+    bool operator==(const char_span &) const = default;
 };
 
 // The whole text of the buffer.
 [[nodiscard]] std::string buffer_text(GtkTextBuffer *buffer);
 
 // The places of parts of the text, which stand in its order; parts that touch are one place.
-[[nodiscard]] std::vector<text_place> places_of(const std::string &text,
-                                                const std::vector<assist::piece> &parts);
+[[nodiscard]] std::vector<char_span> places_of(const std::string &text,
+                                               const std::vector<assist::piece> &parts);
 
 // Whether the view shows light letters on dark ground.
 bool is_dark(GtkWidget *view);
 
 // Tags these places, which stand in their order, and no others. Where the tag is right already,
 // nothing is laid out anew.
-void tag_places(GtkTextBuffer *buffer, GtkTextTag *tag, const std::vector<text_place> &places);
+void tag_places(GtkTextBuffer *buffer, GtkTextTag *tag, const std::vector<char_span> &places);
 
 } // namespace zel

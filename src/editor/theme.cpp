@@ -113,8 +113,8 @@ bool user_has_theme()
     return theme && zel::has_theme(theme.get());
 }
 
-// The toolkit's default draws the outer edges of tabs with the black of the style, which no resource
-// file can change: the widget gets a style of its own with another line colour.
+// The toolkit's default draws the outer edges of tabs with the black of the style, which no
+// resource file can change: the widget gets a style of its own with another line colour.
 void give_soft_edges(GtkWidget *widget, gpointer)
 {
     GtkStyle *own = gtk_style_copy(gtk_widget_get_style(widget));

@@ -2,6 +2,7 @@
 
 #include "app/global.h"
 #include "editor/accessible.h"
+#include "editor/edit-record.h"
 #include "editor/edit-state.h"
 #include "editor/operation.h"
 #include "editor/ui-text.h"
@@ -102,6 +103,7 @@ void change_ready_cb(GtkToggleButton *button, gpointer data)
     const zel::tab_row *row = selected_row(tab, &number);
     if (row == nullptr)
         return;
+    zel::record_ready(row->item, gtk_toggle_button_get_active(button), true);
     zel::edit_set_modified(true);
     row->item->ready = gtk_toggle_button_get_active(button);
     ready_changed(tab, number);
@@ -135,6 +137,7 @@ void ready_toggled_callback(GtkCellRendererToggle *, gchar *path_text, gpointer 
         return;
     }
     item_t *item = rows_of(tab).rows[static_cast<std::size_t>(number)].item;
+    zel::record_ready(item, item->ready == 0, false);
     item->ready = item->ready == 0;
     ready_changed(tab, number);
 }
@@ -672,6 +675,13 @@ edit_more_t tab_edit_more()
         [](GtkWidget *widget) {
             return on_table(widget, "tab_edit_bring_back",
                             [](ZelTabEdit *tab) { text_bring_back(ZEL_TEXT(tab->text_widget)); });
+        },
+        [](GtkWidget *widget, const lang_entry_t *entry) {
+            bool made = false;
+            on_table(widget, "tab_edit_is_made", [&made, entry](ZelTabEdit *tab) {
+                made = text_is_made(ZEL_TEXT(tab->text_widget), entry);
+            });
+            return made ? 1 : 0;
         },
     };
 }

@@ -368,6 +368,14 @@ int text_focused_field(Zeltext *text)
     return -1;
 }
 
+bool text_is_made(const Zeltext *text, const lang_entry_t *entry)
+{
+    for (int number = 0; number < TEXT_FIELDS; ++number)
+        if (text->*fields[number].entry == entry)
+            return text->made[number] != 0 && entry->texts == nullptr;
+    return false;
+}
+
 void text_put_away(Zeltext *text)
 {
     for (int number = 0; number < TEXT_FIELDS; ++number) {

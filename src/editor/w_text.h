@@ -48,6 +48,7 @@ bool text_focus_field(Zeltext *text, int field);
 
 // Around writing the source: takes the empty entries that were made for the shown item out of it,
 // and makes them anew.
+bool text_is_made(const Zeltext *text, const lang_entry_t *entry); // whether it is one of them
 void text_put_away(Zeltext *text);
 void text_bring_back(Zeltext *text);
 

@@ -198,6 +198,7 @@ constexpr std::size_t no_column = static_cast<std::size_t>(-1);
 // Which columns hold what.
 struct columns {
     struct language_column {
+        std::size_t first; // of its columns; ascending
         std::size_t text = no_column;
         std::size_t comment = no_column;
     };
@@ -212,14 +213,15 @@ void take_formula_sign(std::string &cell)
         cell.erase(0, 1);
 }
 
-std::size_t language_at(file_texts &file, columns &found, const std::string &name)
+std::size_t language_at(file_texts &file, columns &found, const std::string &name,
+                        std::size_t column)
 {
     std::size_t at = 0;
     while (at < file.languages.size() && file.languages[at].name != name)
         ++at;
     if (at == file.languages.size()) {
         file.languages.push_back({name, code_of(name)});
-        found.languages.emplace_back();
+        found.languages.push_back({column});
     }
     return at;
 }
@@ -242,10 +244,10 @@ fault read_head(record_reader &reader, file_texts &file, columns &found)
         else if (name == "description" && !described)
             described = true;
         else if (name.starts_with(comment_word))
-            found.languages[language_at(file, found, name.substr(comment_word.size()))].comment =
-                at;
+            found.languages[language_at(file, found, name.substr(comment_word.size()), at)]
+                .comment = at;
         else if (!name.empty())
-            found.languages[language_at(file, found, name)].text = at;
+            found.languages[language_at(file, found, name, at)].text = at;
     }
     if (found.group == no_column || found.item == no_column)
         return {1, "the columns \"group\" and \"item\" are missing"};
@@ -304,7 +306,9 @@ fault read_csv(std::string_view bytes, encoding good, const text_listener &hear)
         unit.line = reader.record_line;
         take_cell(reader, found.group, encoding::any, unit.group);
         take_cell(reader, found.item, encoding::any, unit.item);
-        for (std::uint32_t at = 0; at < found.languages.size(); ++at) {
+        // A short record has nothing to say in the languages behind its end.
+        for (std::uint32_t at = 0;
+             at < found.languages.size() && found.languages[at].first < reader.count; ++at) {
             unit.language = at;
             take_cell(reader, found.languages[at].text, good, unit.text);
             take_cell(reader, found.languages[at].comment, good, unit.note.text);

@@ -17,10 +17,12 @@ struct outliner {
     std::size_t depth = 0;
     std::size_t copied = 0; // up to here the outline has the text
     bool in_item = false;
+    bool has_root = false;
     std::size_t item_begin = 0;
     std::uint32_t item_line = 0;
 
     fault take();
+    bool stands_alone(char c) const;
     fault take_string();
     fault open();
     fault close();
@@ -49,6 +51,7 @@ fault outliner::open()
 {
     if (++depth > most_depth)
         return {line, "brackets deeper than a source has"};
+    has_root = true;
     if (depth == item_depth && bytes[at] == '{') {
         in_item = true;
         item_begin = at;
@@ -74,10 +77,23 @@ fault outliner::close()
     return {};
 }
 
+constexpr std::string_view blanks = " \t\r";
+constexpr std::string_view others = ":,+-.0123456789abcdefghijklmnopqrstuvwxyzE";
+
+// Whether it begins a value outside of the one that a text holds: the parser takes several, and
+// loses the memory of all but the last.
+bool outliner::stands_alone(char c) const
+{
+    if (c == '{' || c == '[')
+        return has_root && depth == 0;
+    return depth == 0 && (c == '"' || others.find(c) != std::string_view::npos);
+}
+
 fault outliner::take()
 {
-    constexpr std::string_view others = " \t\r:,+-.0123456789abcdefghijklmnopqrstuvwxyzE";
     const char c = bytes[at];
+    if (stands_alone(c))
+        return {line, has_root ? "something behind the object" : "no object"};
     switch (c) {
     case '"':
         return take_string();
@@ -92,7 +108,7 @@ fault outliner::take()
         ++at;
         return {};
     default:
-        if (others.find(c) == std::string_view::npos)
+        if (others.find(c) == std::string_view::npos && blanks.find(c) == std::string_view::npos)
             return {line, "a character that JSON has only in strings"};
         ++at;
         return {};

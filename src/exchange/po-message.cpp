@@ -43,6 +43,9 @@ void append_quoted_line(std::string &out, std::string_view text)
     out += "\"\n";
 }
 
+// A backslash at the end of a remark would join the next line to it, so a blank comes behind that.
+void end_remark(std::string &out) { out += out.ends_with('\\') ? " \n" : "\n"; }
+
 void append_flags(std::string &out, const po_message &message)
 {
     if (!message.fuzzy && message.flags.empty())
@@ -53,7 +56,7 @@ void append_flags(std::string &out, const po_message &message)
         out.append(first ? " " : ", ").append(flag);
         first = false;
     }
-    out += '\n';
+    end_remark(out);
 }
 
 void append_id(std::string &out, std::string_view prefix, const po_id &id)
@@ -113,7 +116,6 @@ void append_po_text(std::string &out, std::string_view prefix, std::string_view 
     }
 }
 
-// A backslash at the end would join the next line to it, so a blank comes behind that.
 void append_po_comment(std::string &out, std::string_view sign, std::string_view line)
 {
     if (line.find_first_not_of(' ') == std::string_view::npos)
@@ -121,7 +123,8 @@ void append_po_comment(std::string &out, std::string_view sign, std::string_view
     out.append(sign);
     if (!line.empty() && line.front() != ' ')
         out += ' ';
-    out.append(line).append(line.ends_with('\\') ? " \n" : "\n");
+    out.append(line);
+    end_remark(out);
 }
 
 void append_po_references(std::string &out, const std::vector<std::string> &references)
@@ -130,14 +133,16 @@ void append_po_references(std::string &out, const std::vector<std::string> &refe
     std::size_t column = 0;
     for (const std::string &reference : references) {
         if (column == 0 || column + reference.size() + 1 > width) {
-            out += column == 0 ? "#:" : "\n#:";
+            if (column != 0)
+                end_remark(out);
+            out += "#:";
             column = 2;
         }
         out.append(1, ' ').append(reference);
         column += reference.size() + 1;
     }
     if (column != 0)
-        out += '\n';
+        end_remark(out);
 }
 
 void append_po_message(std::string &out, const po_message &message)

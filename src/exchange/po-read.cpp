@@ -180,10 +180,25 @@ bool is_in_content_type(std::string_view bytes, std::size_t position)
     return quote != std::string_view::npos && before.substr(quote + 1).starts_with("Content-Type:");
 }
 
+// The first place that names an encoding and is no remark.
+std::size_t find_charset(std::string_view bytes)
+{
+    for (std::size_t line = 0; line < bytes.size();) {
+        const std::size_t end = std::min(bytes.find('\n', line), bytes.size());
+        const std::string_view text = bytes.substr(line, end - line);
+        const std::size_t at = text.find(charset_word);
+        const std::size_t begin = text.find_first_not_of(" \t");
+        if (at != std::string_view::npos && text[begin] != '#')
+            return line + at;
+        line = end + 1;
+    }
+    return std::string_view::npos;
+}
+
 // The encoding that the header names, null when the text is UTF-8 or nothing is said.
 std::string charset_of(std::string_view bytes)
 {
-    const std::size_t at = bytes.find(charset_word);
+    const std::size_t at = find_charset(bytes);
     if (at == std::string_view::npos || !is_in_content_type(bytes, at))
         return {};
     constexpr std::string_view letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz"
@@ -306,7 +321,7 @@ bool po_reader::recode(std::string_view bytes, const std::string &charset)
             wrong_ = {line_at(bytes, std::min<std::size_t>(read, bytes.size())),
                       "a byte that is no " + charset};
         else
-            wrong_ = {line_at(bytes, bytes.find(charset_word)),
+            wrong_ = {line_at(bytes, find_charset(bytes)),
                       "the encoding \"" + charset + "\" is not known"};
         g_error_free(error);
         return false;

@@ -60,7 +60,10 @@ void lint_source::take_markers()
 bool lint_source::read(const std::string &path)
 {
     path_ = path;
-    const auto hear = [this](const read_message &message) {
+    std::string why = "the file cannot be read";
+    const auto hear = [&](const read_message &message) {
+        if (const char *failure = read_failure(message))
+            why.append(": ").append(failure);
         if (message.row->number != read_not_opened)
             syntax_.push_back({message.at, lint::rule_id::syntax, nullptr, message.row->meaning});
     };
@@ -69,8 +72,7 @@ bool lint_source::read(const std::string &path)
         return true;
     if (answer_.cause != read_cause::syntax) {
         std::fprintf(stderr, "lang-kit: %s: %s\n", path.c_str(),
-                     answer_.cause == read_cause::memory ? "not enough memory"
-                                                         : "the file cannot be read");
+                     answer_.cause == read_cause::memory ? "not enough memory" : why.c_str());
         return false;
     }
     take_markers();

@@ -20,7 +20,9 @@ void say(const read_message &message, bool loss)
 {
     const read_message_row &row = *message.row;
     const char *level = loss ? "error" : "warning";
-    if (message.at.line == 0)
+    if (const char *why = read_failure(message))
+        std::fprintf(stderr, "%s: %s: %s: %s [syntax]\n", message.path, level, row.meaning, why);
+    else if (message.at.line == 0)
         std::fprintf(stderr, "%s: %s: %s [syntax]\n", message.path, level, row.meaning);
     else
         std::fprintf(stderr, "%s:%u:%u: %s: %s [syntax]\n", message.path, message.at.line,

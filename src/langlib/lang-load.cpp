@@ -1,6 +1,7 @@
 #include "langlib/lang-load.h"
 
 #include "langlib/compiled-file.h"
+#include "langlib/form-store.h"
 #include "langlib/lang-symbols.h"
 #include "langlib/lang-table.h"
 #include "support/dir_list.h"
@@ -333,8 +334,28 @@ bool read_path(reader &in, const char *path)
     return in.entries.head != nullptr;
 }
 
+// The handles that a chain owns are one behind the other, however many.
+void free_chain(lang_index *store)
+{
+    while (store != nullptr && zel::link_of(store).owns_next) {
+        lang_handle_t *handle = zel::link_of(store).next;
+        zel::link_of(store).owns_next = false;
+        lang_index *rest = handle->index;
+        if (rest != nullptr) {
+            zel::link_of(store).next = zel::link_of(rest).next;
+            zel::link_of(store).owns_next = zel::link_of(rest).owns_next;
+            zel::link_of(rest).owns_next = false;
+        }
+        zel_list_free(handle->entries);
+        zel::lang_store_free(rest);
+        std::free(handle->language);
+        std::free(handle);
+    }
+}
+
 void free_table_and_entries(lang_handle_t *handle)
 {
+    free_chain(handle->index);
     zel_list_free(handle->entries);
     zel::lang_store_free(handle->index);
     handle->entries = nullptr;
@@ -428,6 +449,36 @@ lang_handle_t *lang_new(const char *path) { return _lang_new(path, 0); }
 
 lang_handle_t *lang_import_new(const char *path) { return _lang_new(path, 1); }
 
+void zel::lang_empty(lang_handle_t *handle)
+{
+    free_table_and_entries(handle);
+    std::free(handle->language);
+    *handle = {};
+}
+
+void zel::lang_drop_chain(lang_handle_t *handle)
+{
+    free_chain(handle->index);
+    if (handle->index != nullptr)
+        zel::link_of(handle->index).next = nullptr;
+}
+
+void zel::lang_move_in(lang_handle_t *to, lang_handle_t *from)
+{
+    free_table_and_entries(to);
+    std::free(to->language);
+    to->language = from->language;
+    to->entries = from->entries;
+    to->lang = from->lang;
+    to->count = from->count;
+    to->format = from->format;
+    to->posnr = from->posnr;
+    to->ctime = from->ctime;
+    to->index = from->index;
+    std::free(from);
+    __atomic_store_n(&to->loaded, 1, __ATOMIC_RELEASE);
+}
+
 void lang_free(lang_handle_t *handle, int free_handle)
 {
     if (handle != nullptr) {
@@ -446,6 +497,7 @@ void lang_de_init()
     lang_free(&lang, 0);
     std::free(lang.language);
     lang = {};
+    zel::drop_forms();
 }
 
 void lang_ref_inc(lang_handle_t *handle)

@@ -16,3 +16,17 @@ extern lang_handle_t lang;
 // Errors are logged; the entries before them are kept.
 [[nodiscard]] zel_list *_lang_load_parse_file(lang_handle_t *handle, zel_list *list, zel_lex_t *lex,
                                               const char *path);
+
+namespace zel {
+
+// Releases a handle's texts, and its chain where it owns that, but no system symbols.
+void lang_empty(lang_handle_t *handle);
+
+// Ends the chain of a handle, and releases what it owns of it.
+void lang_drop_chain(lang_handle_t *handle);
+
+// Moves what a handle holds into an empty one that other threads may be asking, and releases the
+// first.
+void lang_move_in(lang_handle_t *to, lang_handle_t *from);
+
+} // namespace zel

@@ -29,6 +29,21 @@ const lang_text_t *find_text(const lang_handle_t *handle, const char *group, con
     return text != nullptr && text->value != nullptr ? text : nullptr;
 }
 
+// What the chain of a handle has for a text that the handle lacks, or (the stand-in) has of the
+// default language only. A stand-in is better than none.
+const lang_text_t *ask_chain(const lang_handle_t *handle, const lang_text_t *stand_in,
+                             const char *group, const char *item)
+{
+    while (handle->index != nullptr && (handle = zel::link_of(handle->index).next) != nullptr) {
+        const lang_text_t *text = handle->loaded != 0 ? find_text(handle, group, item) : nullptr;
+        if (text != nullptr && text->is_default == 0)
+            return text;
+        if (stand_in == nullptr)
+            stand_in = text;
+    }
+    return stand_in;
+}
+
 // A request without an item still gets a text.
 const char *untranslated(const char *item) { return item == nullptr ? "" : item; }
 
@@ -39,9 +54,12 @@ const char *__lang_get_str(lang_handle_t *handle, const char *group, const char 
 {
     if (handle == nullptr)
         handle = &lang;
-    if (handle->loaded == 0)
+    // Once this is set, all that the handle holds is complete, whichever thread loaded it.
+    if (__atomic_load_n(&handle->loaded, __ATOMIC_ACQUIRE) == 0)
         return untranslated(item);
     const lang_text_t *text = find_text(handle, group, item);
+    if ((text == nullptr || text->is_default != 0) && handle->import_mode == 0)
+        text = ask_chain(handle, text, group, item);
     if (text == nullptr) {
         log_missing(group, item, file, line);
         if (handle->import_mode != 0)

@@ -35,6 +35,8 @@ struct lang_index {
     char *free_from; // what is left of the chunk in use
     char *free_to;
     std::size_t next_size;
+
+    zel::lang_link link;
 };
 
 namespace {
@@ -299,6 +301,8 @@ void *lang_store_allocate(lang_index *store, std::size_t size)
     store->free_from += size;
     return given;
 }
+
+lang_link &link_of(lang_index *store) { return store->link; }
 
 int lang_table_build(lang_handle_t *handle, lang_store_guard &store, zel_list *entries)
 {

@@ -17,6 +17,8 @@
 #include "langlib/lang.h"
 #include "support/guard.h"
 
+struct lang_locale_t; // lang-locale.h
+
 namespace zel {
 
 // The key of a request, "group:item", cut to its limit and padded with zeros for the hash.
@@ -60,6 +62,15 @@ using lang_store_guard = std::unique_ptr<lang_index, release<lang_store_free>>;
 
 // Memory for any record; null without memory.
 void *lang_store_allocate(lang_index *store, std::size_t size);
+
+// What a handle knows beside its table.
+struct lang_link {
+    lang_handle_t *next;         // asked for what the table lacks, or null
+    bool owns_next;              // it is released with the store's handle
+    const lang_locale_t *locale; // what lang-locale.h loaded, in the store; or null
+    const char *plural;          // the language's rule up to its line end; null: not looked for yet
+};
+lang_link &link_of(lang_index *store);
 
 // An entry of a handle, in its store.
 struct lang_entry {

@@ -4,6 +4,7 @@
 #include "support/log-print.h"
 #include "support/string-copy.h"
 
+#include <cerrno>
 #include <cstdarg>
 #include <cstdlib>
 #include <unistd.h>
@@ -24,6 +25,8 @@ bool load_block(zel_lex_buf_t *buf)
     if (buf->stream != nullptr)
         buf->count =
             static_cast<std::uint32_t>(std::fread(buf->data, 1, buf->capacity, buf->stream));
+    if (buf->count < buf->capacity && buf->read_error == 0 && zel_lex_buf_read_failed(buf) != 0)
+        buf->read_error = errno;
     return buf->count != 0;
 }
 
@@ -191,7 +194,10 @@ zel_lex_buf_t *zel_lex_buf_file_new(const char *path)
         return buf.release();
     buf->stream = zel_fopen(path, "rb");
     if (buf->stream == nullptr || is_directory(buf->stream)) {
+        const int error = buf->stream == nullptr ? errno : EISDIR;
         LogPrint(1, "zel_lex_buf_file_new: ERROR open file >%s<\n", path);
+        buf.reset();
+        errno = error;
         return nullptr;
     }
     return buf.release();

@@ -44,6 +44,7 @@ struct zel_lex_buf_t {
     std::int32_t held;         // the character read ahead, 0 none
     void *read_context;        // second argument of read_char
     std::uint32_t direct;      // 1: read_char is ours, so bytes of data may be taken directly
+    std::int32_t read_error;   // errno of the first reading of the file that failed, or 0
 };
 
 // A bare buffer with an own block and the memory functions; null without memory.
@@ -55,8 +56,8 @@ struct zel_lex_buf_t {
 // Points a buffer at another block: own data and the file name are released, counters start anew.
 void zel_lex_buf_mem_set_buf(zel_lex_buf_t *buf, const void *data, std::uint32_t length);
 
-// A file buffer; with a path it is opened. Null, logged, when the file cannot be opened or without
-// memory. Without a path the buffer has no open file.
+// A file buffer; with a path it is opened. Null, logged, when the file cannot be opened (with
+// errno) or without memory. Without a path the buffer has no open file.
 [[nodiscard]] zel_lex_buf_t *zel_lex_buf_file_new(const char *path);
 
 // Reads from a stream that the caller opened and closes; counters start anew.

@@ -30,6 +30,7 @@ enum class rule_id : std::uint8_t {
     bidi,
     bracket,
     link,
+    plural,
     same,
     length,
     repeated,

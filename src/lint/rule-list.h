@@ -29,6 +29,9 @@ bool judge_bracket(const text_case &at, std::string &message);
 // link-rule.cpp
 bool judge_link(const text_case &at, std::string &message);
 
+// plural.cpp
+void judge_plural(const item_case &at);
+
 // same-rule.cpp
 void judge_same(const item_case &at);
 

@@ -1,3 +1,5 @@
+#include "langlib/plural-rule.h"
+#include "lint/plural.h"
 #include "lint/rule-list.h"
 
 #include <algorithm>
@@ -71,8 +73,12 @@ bool judge_length(const text_case &at, std::string &message)
     if (at.reference.bytes.size() <= short_text ||
         at.own.bytes.size() <= 2 * count_chars(at.reference.bytes))
         return false;
-    const std::size_t reference = count_chars(at.reference.bytes);
-    const std::size_t own = count_chars(at.own.bytes);
+    std::size_t reference = count_chars(at.reference.bytes);
+    std::size_t own = count_chars(at.own.bytes);
+    if (has_plural_forms(at.reference.bytes)) { // one form is shown
+        reference /= count_text_forms(at.reference.bytes);
+        own /= count_text_forms(at.own.bytes);
+    }
     if (reference <= short_text || own <= 2 * reference)
         return false;
     message = std::to_string(own) + " characters, the reference has " + std::to_string(reference);

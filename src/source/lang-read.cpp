@@ -624,7 +624,9 @@ read_answer read_source(const char *path, const read_how &how)
     outcome result = outcome::give_up;
     read_cause cause = read_cause::syntax;
     int number = 0; // of the message about the file itself
+    int error = 0;
     if (buf == nullptr) {
+        error = errno;
         cause = why_not_opened(shown);
         number = read_not_opened;
     } else if (buf->stream == nullptr) {
@@ -634,7 +636,8 @@ read_answer read_source(const char *path, const read_how &how)
         zel_lex_set_buf(lex.get(), buf.get());
         result = reader.read_statements();
         // A file that the system cannot read to its end must not pass for a short one.
-        if (result != outcome::stop && std::ferror(buf->stream) != 0) {
+        if (zel_lex_buf_read_failed(buf.get()) != 0) {
+            error = buf->read_error;
             result = outcome::give_up;
             cause = read_cause::unreadable;
             number = read_not_opened;
@@ -653,7 +656,7 @@ read_answer read_source(const char *path, const read_how &how)
         return {std::move(source), read_result::good, read_cause::none};
     }
     if (number != 0)
-        reader.fail(number, {0, 0});
+        reader.fail(number, {0, 0}, error);
     source.reset();
     lex.reset();
     buf.reset();

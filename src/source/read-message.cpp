@@ -1,7 +1,9 @@
 #include "source/read-message.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 namespace zel {
 
@@ -116,6 +118,12 @@ const read_message_row &read_message_of(int number)
                          [=](const read_message_row &row) { return row.number == number; });
 }
 
+const char *read_failure(const read_message &message)
+{
+    return message.row->number == read_not_opened && message.kind != 0 ? std::strerror(message.kind)
+                                                                       : nullptr;
+}
+
 void print_read_message(const read_message &message)
 {
     const read_message_row &row = *message.row;
@@ -124,6 +132,10 @@ void print_read_message(const read_message &message)
         std::fprintf(stderr, "lang: %s: %s\n", message.path, row.meaning);
         return;
     case read_not_opened:
+        std::printf(row.text, row.number, message.path);
+        if (const char *why = read_failure(message); why != nullptr && message.kind != ENOENT)
+            std::fprintf(stderr, "lang: %s: %s\n", message.path, why);
+        return;
     case read_no_path:
         std::printf(row.text, row.number, message.path);
         return;

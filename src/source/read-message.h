@@ -42,14 +42,18 @@ const read_message_row &read_message_of(int number);
 struct read_message {
     const read_message_row *row;
     place at;
-    int kind;         // of the token, see lex/lex-token.h
+    int kind;         // of the token, see lex/lex-token.h; for read_not_opened errno, or 0
     const char *path; // of the file
 };
 using read_listener = std::function<void(const read_message &)>;
 
 // Prints it as the program does, on standard output; the note that a file may have been cut goes to
-// standard error.
+// standard error, and so does why a file that is there cannot be read.
 void print_read_message(const read_message &message);
+
+// Why the file that the message is about cannot be read, in the system's words; null for any other
+// message.
+const char *read_failure(const read_message &message);
 
 // Numbers that are not the reader's of a token: the file itself.
 enum {

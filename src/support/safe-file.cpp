@@ -34,10 +34,11 @@ enum class taken { gone, held, stays };
 // Whether nobody holds a lock on the file. Where locks are not to be had, nobody does.
 bool lock(int fd) { return flock(fd, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK; }
 
-zel::file_id id_of_open(int fd)
+// Whether it is sure that the name stands for another file, or for none.
+bool is_lost(const char *path, const zel::file_id &id)
 {
     struct stat status {};
-    return fstat(fd, &status) == 0 ? zel::id_of(status) : zel::file_id{};
+    return lstat(path, &status) == 0 ? zel::id_of(status) != id : errno == ENOENT;
 }
 
 taken remove_name(const char *path)
@@ -56,10 +57,26 @@ taken remove_leftover(const char *path)
         return errno == ENOENT ? taken::gone : no_file ? remove_name(path) : taken::stays;
     }
     taken result = taken::held;
-    if (lock(fd))
-        result = zel::is_named(path, id_of_open(fd)) ? remove_name(path) : taken::gone;
+    if (lock(fd)) {
+        struct stat open_one {};
+        struct stat named {};
+        if (fstat(fd, &open_one) != 0 || (lstat(path, &named) != 0 && errno != ENOENT))
+            result = taken::stays; // nobody can tell whose it is
+        else
+            result = zel::id_of(named) == zel::id_of(open_one) ? remove_name(path) : taken::gone;
+    }
     zel::close_quietly(fd);
     return result;
+}
+
+// Gives up a file that was just made. -1 with errno.
+int unmake(int fd, const char *path)
+{
+    const int error = errno;
+    unlink(path);
+    close(fd);
+    errno = error;
+    return -1;
 }
 
 // Makes the file and holds its lock. -1 with errno.
@@ -71,7 +88,10 @@ int create_locked(const char *path, mode_t mode)
     for (;;) {
         const int fd = zel::open_fresh(path, mode);
         if (fd >= 0) {
-            if (lock(fd) && zel::is_named(path, id_of_open(fd)))
+            struct stat status {};
+            if (fstat(fd, &status) != 0)
+                return unmake(fd, path);
+            if (lock(fd) && !is_lost(path, zel::id_of(status)))
                 return fd;
             close(fd); // somebody took it for a leftover
         } else if (errno != EEXIST) {
@@ -88,13 +108,6 @@ int create_locked(const char *path, mode_t mode)
             return -1;
         }
     }
-}
-
-// Whether it is sure that the name stands for another file, or for none.
-bool is_lost(const char *path, const zel::file_id &id)
-{
-    struct stat status {};
-    return lstat(path, &status) == 0 ? zel::id_of(status) != id : errno == ENOENT;
 }
 
 // A name in the folder of the path. It need not be secret, as an exclusive creation follows it.
@@ -125,9 +138,14 @@ int safe_file::take(int fd, std::string path, const target_file &old)
 {
     if (fd < 0)
         return error_ = errno;
+    struct stat status {};
+    if (fstat(fd, &status) != 0) { // without its number nobody could tell later whose file it is
+        unmake(fd, path.c_str());
+        return error_ = errno;
+    }
     fd_ = fd;
     path_ = std::move(path);
-    id_ = id_of_open(fd);
+    id_ = id_of(status);
     take_attributes(fd, old);
     return error_ = 0;
 }
@@ -153,10 +171,13 @@ int safe_file::open_again()
 {
     if (fd_ >= 0)
         return 0;
-    fd_ = open_plain(path_.c_str(), O_WRONLY | O_APPEND);
+    fd_ = open_plain(path_.c_str(), O_RDWR | O_APPEND);
     if (fd_ < 0)
         return errno;
-    return id_of_open(fd_) == id_ ? 0 : ESTALE;
+    struct stat status {};
+    if (fstat(fd_, &status) != 0)
+        return errno;
+    return id_of(status) == id_ ? 0 : ESTALE;
 }
 
 int safe_file::append(std::string_view text)

@@ -75,6 +75,8 @@ TEST(Hostile, FaultsNameTheirLineAndCause)
         {"json", "{\"language_source\": 1, \"ap\": \"x\"}", 0, "ap: not known"},
         {"json", "{}", 0, "\"language_source\" is missing"},
         {"json", "[]", 0, "no object"},
+        {"json", "{}\n{}", 2, "something behind the object"},
+        {"json", "9[]", 1, "no object"},
         {"json", "", 1, ""},
         {"json", deep, 1, "brackets deeper"},
         {"json", "{\"language_source\":1,\n\"groups\":[{\"items\":[\n{\"ready\":true}]}]}", 3,

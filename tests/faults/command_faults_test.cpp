@@ -2,6 +2,7 @@
 // missing, no file is left that lacks something, and the old text stays.
 
 #include "failing-memory.h"
+#include "fault-files.h"
 #include "working-dir.h"
 
 #include <algorithm>
@@ -21,41 +22,9 @@ namespace {
 namespace fs = std::filesystem;
 using zel_test::read_file;
 
-// Every kind of thing, and a text for which the scanner's room must grow.
-const std::string source =
-    "define format utf8\napp \"notes:1\"\nwhatsnew 5\ndefault lang \"english\"\n"
-    "define file \"english.lang\" lang \"english\" 200 200 1\n"
-    "define file \"german.lang\" lang \"german\" 200 200 1\n"
-    "GROUP \"g\" {\n  SCREEN_SHOT \"shot\"\n  ITEM \"Open\" {\n    DESCRIPTION \"note\"\n"
-    "    USED YES { \"00001:old.c\" }\n    LANG \"english\" { \"Open\\n\" \"it\" }\n"
-    "    LANG \"german\" { \"" +
-    std::string(9000, 'o') +
-    "\" }\n    COMMENT \"german\" { \"comment\" }\n  }\n"
-    "  ITEM \"Close\" { USED YES LANG \"english\" { \"Close\" } }\n}\n"
-    "GROUP \"h\" { ITEM \"x\" { USED NO LANG \"german\" { \"ix\" } } }\n";
-const std::string code = "a = lang_get_string(\"g\", \"Open\");\n"
-                         "b = \"" +
-                         std::string(9000, 'l') +
-                         "\";\nc = lang_get(\"a new one\", \"new\", \"Item\" \" in pieces\");\n"
-                         "d = \"lang_get_string(\\\"g\\\", \\\"Close\\\")\";\n";
-
-using files = std::map<std::string, std::string>;
-
-// Every file below a folder. Times of the run read NOW, and so does the stamp of a backup.
-files files_below(const std::string &folder)
-{
-    files all;
-    for (const auto &file : fs::recursive_directory_iterator(folder)) {
-        if (!file.is_regular_file())
-            continue;
-        const std::string name = fs::relative(file.path(), folder);
-        all[zel_test::replace_pattern(name, "-0000-00-00-00-00-00", "-NOW")] =
-            zel_test::replace_pattern(
-                zel_test::replace_pattern(read_file(file.path()), " 0000000000", " NOW"),
-                "0000-00-00 00:00:00", "NOW");
-    }
-    return all;
-}
+using zel_test::files;
+using zel_test::files_below;
+using zel_test::old_source;
 
 struct run {
     int status;       // as wait gives it
@@ -88,8 +57,8 @@ protected:
     {
         fs::remove_all("work");
         fs::create_directories("work/out");
-        zel_test::write_file("work/app.lang-src", source);
-        zel_test::write_file("work/code.c", code);
+        zel_test::write_file("work/app.lang-src", old_source());
+        zel_test::write_file("work/code.c", zel_test::application_code());
         fs::remove("untouched");
         std::vector<std::string> environment = {
             "HOME=" + fs::absolute("home").string(), "LC_ALL=C",
@@ -111,6 +80,7 @@ protected:
     static void fail_everywhere(const std::vector<std::string> &words, Good &&good)
     {
         const files whole = run_program(words, 0, false).left;
+        std::size_t points = 0;
         for (const bool forever : {false, true})
             for (std::size_t n = 1;; ++n) {
                 SCOPED_TRACE("allocation " + std::to_string(n) + (forever ? " and on" : ""));
@@ -119,11 +89,14 @@ protected:
                     EXPECT_GT(n, 50U) << "as if there were nothing to allocate";
                     break;
                 }
+                ++points;
                 EXPECT_TRUE(ended_in_order(result, forever)) << result.status << " " << result.said;
                 good(result, whole);
                 if (HasFailure())
                     return;
             }
+        if (std::getenv("LANG_FAULTS_SHOW") != nullptr)
+            std::printf("%-18s %6zu allocations failed, no losses\n", words[1].c_str(), points);
     }
 
 private:
@@ -167,7 +140,7 @@ TEST_F(CommandFaultsSlow, ConvertWritesAllOrNothing)
 {
     fail_everywhere({"lang", "convert", "app.lang-src", "new.lang-src"},
                     [](const run &result, const files &whole) {
-                        EXPECT_EQ(result.left.at("app.lang-src"), source);
+                        EXPECT_EQ(result.left.at("app.lang-src"), old_source());
                         expect_whole_or_none(result.left, whole, "new.lang-src");
                         if (result.left.count("new.lang-src") == 0) {
                             EXPECT_NE(result.said, "") << "nothing is written, and nothing said";
@@ -183,9 +156,9 @@ TEST_F(CommandFaultsSlow, CheckKeepsTheOldSource)
                         // one.
                         const auto now = result.left.find("app.lang-src");
                         ASSERT_NE(now, result.left.end());
-                        if (now->second != source) {
+                        if (now->second != old_source()) {
                             EXPECT_EQ(now->second, whole.at("app.lang-src")) << result.said;
-                            EXPECT_EQ(result.left.at("app.lang-src-NOW.bak"), source);
+                            EXPECT_EQ(result.left.at("app.lang-src-NOW.bak"), old_source());
                         }
                     });
 }
@@ -202,7 +175,7 @@ TEST_F(CommandFaultsSlow, CompileWritesWholeFiles)
 {
     fail_everywhere({"lang", "compile", "-dst-dir", "out", "app.lang-src"},
                     [](const run &result, const files &whole) {
-                        EXPECT_EQ(result.left.at("app.lang-src"), source);
+                        EXPECT_EQ(result.left.at("app.lang-src"), old_source());
                         expect_whole_or_none(result.left, whole, "out/english-edit/english.lang");
                         expect_whole_or_none(result.left, whole, "out/german-edit/german.lang");
                     });

@@ -170,10 +170,9 @@ TEST_F(Looks, TheSmallestWindowShowsTheItems)
 
 TEST_F(Looks, ALargeWindowShowsNamesWholeHoweverItBecameLarge)
 {
-    write_file(path("long.lang-src"),
-               "define file \"e\" lang \"english\" 1 1 1\n"
-               "GROUP \"a named group\" { ITEM \"short\" { USED YES }\n"
-               "ITEM \"a name of some words\" { USED YES } }\n");
+    write_file(path("long.lang-src"), "define file \"e\" lang \"english\" 1 1 1\n"
+                                      "GROUP \"a named group\" { ITEM \"short\" { USED YES }\n"
+                                      "ITEM \"a name of some words\" { USED YES } }\n");
     const double shares[] = {0.45, 0.55, 0.55};
     for (const unsigned mode : {0U, 1U, 2U}) {
         lang_global.editor_mode = mode;
@@ -217,5 +216,30 @@ TEST_F(Looks, WhatTheUserHasMovedStays)
         gtk_paned_set_position(GTK_PANED(panes()), 500);
         settle(50);
         EXPECT_EQ(gtk_tree_view_column_get_width(gtk_tree_view_get_column(list(), 4)), 33);
+    });
+}
+
+TEST_F(Looks, WhatCannotBeSeenInATextHasASign)
+{
+    run_editor(source(), [] {
+        GtkWidget *view = panel()->trans2_view;
+        const auto picture = [view](const char *shown) {
+            gtk_text_buffer_set_text(gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)), shown, -1);
+            settle(50);
+            GdkPixmap *drawn = gtk_widget_get_snapshot(view, nullptr);
+            GdkPixbuf *pixels =
+                gdk_pixbuf_get_from_drawable(nullptr, drawn, nullptr, 0, 0, 0, 0, 100, 20);
+            const std::size_t bytes = std::hash<std::string_view>{}(
+                {reinterpret_cast<const char *>(gdk_pixbuf_get_pixels(pixels)),
+                 static_cast<std::size_t>(gdk_pixbuf_get_rowstride(pixels)) * 19});
+            g_object_unref(pixels);
+            g_object_unref(drawn);
+            return bytes;
+        };
+        EXPECT_EQ(picture("ab cd"), picture("ab cd"));
+        EXPECT_NE(picture("ab"), picture("ab  "));
+        EXPECT_NE(picture("ab cd"), picture("ab\u00a0cd"));
+        EXPECT_NE(picture("ab"), picture("ab\u2028"));
+        gtk_text_buffer_set_text(gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)), "", -1);
     });
 }

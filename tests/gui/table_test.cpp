@@ -481,6 +481,41 @@ TEST_F(Table, AGroupsPictureIsLoadedOnce)
     EXPECT_EQ(lang_global.shot_image, nullptr);
 }
 
+TEST_F(Table, AGroupsPictureIsReadWhenItsPageIsSeenAndFitsThere)
+{
+    std::filesystem::create_directory("ScreenShots");
+    GdkPixbuf *drawn = gdk_pixbuf_new(GDK_COLORSPACE_RGB, FALSE, 8, 2000, 1000);
+    gdk_pixbuf_fill(drawn, 0x3d6fa8ff);
+    ASSERT_TRUE(gdk_pixbuf_save(drawn, "ScreenShots/menu.jpg", "jpeg", nullptr, nullptr));
+    g_object_unref(drawn);
+    open(example);
+    GtkImage *image = GTK_IMAGE(lang_global.shot_image);
+    EXPECT_EQ(gtk_image_get_storage_type(image), GTK_IMAGE_EMPTY);
+    const auto width = [image] {
+        gui::settle();
+        GdkPixbuf *shown = gtk_image_get_pixbuf(image);
+        return shown == nullptr ? 0 : gdk_pixbuf_get_width(shown);
+    };
+    gtk_notebook_set_current_page(GTK_NOTEBOOK(notebook), 1);
+    const int small = width();
+    EXPECT_GT(small, 600);
+    EXPECT_LT(small, 800);
+    gtk_window_resize(GTK_WINDOW(mainWin), 1000, 700);
+    EXPECT_TRUE(gui::wait_for([&] { return width() > 800; }));
+    GtkWidget *page = gtk_widget_get_parent(GTK_WIDGET(image));
+    for (const int wanted : {2000, width()}) {
+        GdkEvent *click = gdk_event_new(GDK_BUTTON_PRESS);
+        click->button.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(page)));
+        click->button.button = 1;
+        gtk_main_do_event(click);
+        gdk_event_free(click);
+        EXPECT_EQ(width(), wanted);
+    }
+    zel_tab_edit_last(table); // a group without one
+    EXPECT_EQ(gtk_image_get_storage_type(GTK_IMAGE(lang_global.shot_image)), GTK_IMAGE_STOCK)
+        << "the sign for a missing picture";
+}
+
 TEST_F(Table, BytesThatAreNoUtf8AreShownReplacedAndKept)
 {
     const std::string text = "default lang \"english\"\n"

@@ -197,4 +197,19 @@ TEST_F(Text, RefusesWhatIsNoPanel)
     gui::warnings().clear();
 }
 
+TEST_F(Text, PastedLineEndsBecomeThisSystemsAndThoseOfTheSourceStay)
+{
+    make(0);
+    define("english", 1);
+    show(item);
+    GtkTextBuffer *buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(text->trans1_view));
+    GtkClipboard *clipboard = gtk_clipboard_get(GDK_SELECTION_CLIPBOARD);
+    gtk_clipboard_set_text(clipboard, "one\r\ntwo\rthree\n\r\n", -1);
+    gtk_text_buffer_set_text(buffer, "a\r\n", -1);
+    gtk_text_buffer_paste_clipboard(buffer, clipboard, nullptr, TRUE);
+    gui::wait_for([&] { return gtk_text_buffer_get_char_count(buffer) > 10; });
+    EXPECT_EQ(shown_in(text->trans1_view), "a\r\none\ntwo\nthree\n\n");
+    gtk_clipboard_clear(clipboard);
+}
+
 } // namespace

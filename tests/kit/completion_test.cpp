@@ -1,19 +1,16 @@
 // The completion of the shell, asked as the shell asks it.
 
 #include "kit/run-kit.h"
-#include "kit/words.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <regex>
 #include <sstream>
 #include <vector>
 
 namespace {
 
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::IsSupersetOf;
@@ -46,25 +43,6 @@ protected:
     zel_test::temp_dir work;
     zel_test::temp_dir dir{zel_test::temp_dir::enter::yes};
 };
-
-TEST_F(Completion, EveryWordAndEveryOption)
-{
-    std::vector<std::string> names{"--help", "--version"};
-    for (const zel::kit::word &word : zel::kit::words()) {
-        names.push_back(word.name);
-        // All that its help has a line for.
-        const std::string help = kit(std::string(word.name) + " --help").out;
-        std::vector<std::string> options;
-        const std::regex line("\n  (?:-[a-z], )?(--[a-z0-9-]+)[ \n]");
-        for (std::sregex_iterator at(help.begin(), help.end(), line), end; at != end; ++at)
-            options.push_back((*at)[1]);
-        EXPECT_THAT(options, Contains("--help"));
-        EXPECT_THAT(offered({word.name, "-"}), testing::UnorderedElementsAreArray(options))
-            << word.name;
-    }
-    EXPECT_THAT(offered({""}), testing::UnorderedElementsAreArray(names));
-    EXPECT_THAT(offered({"me"}), ElementsAre("merge"));
-}
 
 TEST_F(Completion, ValuesAndFiles)
 {

@@ -1,8 +1,10 @@
 // The commands of the documents do what the documents say. Lines "$ command" of an indented block
 // are run by a shell, "> more" continues one, and the lines below, if there are any, are its whole
-// output. Each "## " section begins in a folder of its own that holds the example.
+// output. Each "## " section begins in a folder of its own that holds the example; a page that
+// tells one story goes on in the folder in which it began, with the programs and the library as
+// they are installed. A command that opens a window must do so, and the window is closed.
 
-#include "test-support.h"
+#include "working-dir.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -56,15 +58,125 @@ std::vector<section> sections_of(const std::string &document)
     return sections;
 }
 
+void add_programs_to_path()
+{
+    const std::string kit = LANG_KIT;
+    setenv("PATH", (kit.substr(0, kit.rfind('/')) + ":" + std::getenv("PATH")).c_str(), 1);
+}
+
+// Runs a command in the current folder and compares what it says.
+void expect_command(const std::string &document, const command &one)
+{
+    const zel_test::temp_dir outside;
+    const std::string out = outside / "out";
+    write_file(outside / "command", "exec >'" + out + "' 2>&1\n" + one.words);
+    const int status = std::system(("sh '" + outside / "command" + "'").c_str());
+    EXPECT_LT(WEXITSTATUS(status), 2) << document << ":" << one.line;
+    std::string said = read_file(out);
+    // A mark for spreadsheets and carriage returns do not show in a document.
+    for (const char *hidden : {"\xEF\xBB\xBF", "\r"})
+        for (auto at = said.find(hidden); at != std::string::npos; at = said.find(hidden))
+            said.erase(at, std::string(hidden).size());
+    if (!one.output.empty()) {
+        EXPECT_EQ(said, one.output) << document << ":" << one.line << ": " << one.words;
+    }
+}
+
+// The programs and the library as they are installed, in front of everything else.
+class installation {
+public:
+    installation()
+    {
+        const std::string kit = LANG_KIT;
+        const std::string build = kit.substr(0, kit.rfind('/'));
+        const std::string command = "cmake --install '" + build + "' --prefix '" + prefix_.path() +
+                                    "' --component Unspecified >/dev/null && cmake --install '" +
+                                    build + "' --prefix '" + prefix_.path() +
+                                    "' --component liblang >/dev/null";
+        zel_test::require(std::system(command.c_str()) == 0, "install");
+        const std::string lib = prefix_ / "lib";
+        setenv("PATH", ((prefix_ / "bin:") + std::getenv("PATH")).c_str(), 1);
+        setenv("PKG_CONFIG_PATH", (lib + "/pkgconfig").c_str(), 1);
+        setenv("LD_LIBRARY_PATH", lib.c_str(), 1);
+    }
+
+private:
+    zel_test::temp_dir prefix_;
+};
+
+// What a shell runs for a command that opens a window: it is waited for, its title is told, and it
+// is closed.
+bool opens_window(const std::string &words)
+{
+    return words.starts_with("./hello") || words.starts_with("lang edit");
+}
+
+std::string title_of_window(const std::string &words)
+{
+    const zel_test::temp_dir dir;
+    write_file(dir / "show", words.substr(0, words.size() - 1) + R"( &
+for try in $(seq 100); do
+    xdotool search --onlyvisible --all --pid $! --name . getwindowname %@ && break
+    sleep 0.1
+done
+kill $!
+)");
+    const std::string tool = std::string(root) + "/tools/with-display";
+    EXPECT_EQ(std::system(
+                  ("'" + tool + "' sh '" + dir / "show" + "' >'" + dir / "out" + "' 2>&1").c_str()),
+              0);
+    return read_file(dir / "out");
+}
+
+TEST(WindowSlow, TheFirstOne)
+{
+#if defined(__SANITIZE_ADDRESS__)
+    GTEST_SKIP() << "an application without the sanitizer cannot load the library with it";
+#endif
+    if (std::system("command -v xdotool Xvfb pkg-config >/dev/null") != 0)
+        return zel_test::missing("xdotool, Xvfb or pkg-config");
+    const installation installed;
+    const zel_test::temp_dir dir(zel_test::temp_dir::enter::yes);
+    std::string titles;
+    for (const section &part : sections_of(read_file(std::string(root) + "/docs/start.md")))
+        for (const command &one : part.commands)
+            if (opens_window(one.words))
+                titles += title_of_window(one.words);
+            else
+                expect_command("docs/start.md", one);
+    EXPECT_EQ(titles, "My notes\nTarvik language editor version 1.4\nMeine Notizen\n");
+}
+
+class Story : public testing::TestWithParam<const char *> {};
+
+TEST_P(Story, CommandsDoWhatIsSaid)
+{
+    add_programs_to_path();
+    const std::string document = read_file(std::string(root) + "/" + GetParam());
+    if (document.find("lconvert") != std::string::npos &&
+        std::system("command -v lconvert >/dev/null") != 0)
+        return zel_test::missing("lconvert");
+    const zel_test::temp_dir dir(zel_test::temp_dir::enter::yes);
+    std::size_t count = 0;
+    for (const section &part : sections_of(document))
+        for (const command &one : part.commands) {
+            expect_command(GetParam(), one);
+            ++count;
+        }
+    EXPECT_GE(count, 4U);
+}
+
+INSTANTIATE_TEST_SUITE_P(ComingOver, Story,
+                         testing::Values("docs/from-po.md", "docs/from-ts.md", "docs/from-json.md"),
+                         [](const auto &param) { return std::string(param.param).substr(10, 2); });
+
 class DocsSlow : public testing::TestWithParam<const char *> {};
 
 TEST_P(DocsSlow, CommandsDoWhatIsSaid)
 {
-    const std::string kit = LANG_KIT;
-    setenv("PATH", (kit.substr(0, kit.rfind('/')) + ":" + std::getenv("PATH")).c_str(), 1);
+    add_programs_to_path();
     std::size_t count = 0;
     for (const section &part : sections_of(read_file(std::string(root) + "/" + GetParam()))) {
-        const zel_test::temp_dir outside;
         const zel_test::temp_dir dir(zel_test::temp_dir::enter::yes);
         std::filesystem::create_directories("src");
         std::filesystem::create_directories("examples");
@@ -72,18 +184,7 @@ TEST_P(DocsSlow, CommandsDoWhatIsSaid)
         write_file("notes.lang-src", example);
         write_file("examples/notes.lang-src", example);
         for (const command &one : part.commands) {
-            const std::string out = outside / "out";
-            write_file(outside / "command", "exec >'" + out + "' 2>&1\n" + one.words);
-            const int status = std::system(("sh '" + outside / "command" + "'").c_str());
-            EXPECT_LT(WEXITSTATUS(status), 2) << GetParam() << ":" << one.line;
-            std::string said = read_file(out);
-            // A mark for spreadsheets and carriage returns do not show in a document.
-            for (const char *hidden : {"\xEF\xBB\xBF", "\r"})
-                for (auto at = said.find(hidden); at != std::string::npos; at = said.find(hidden))
-                    said.erase(at, std::string(hidden).size());
-            if (!one.output.empty()) {
-                EXPECT_EQ(said, one.output) << GetParam() << ":" << one.line << ": " << one.words;
-            }
+            expect_command(GetParam(), one);
             ++count;
         }
     }

@@ -69,8 +69,8 @@ TEST_F(Lint, StatusIsThatOfTheLevelAskedFor)
     EXPECT_EQ(kit("lint --only same,length --fail-on info app.lang-src").status, 0);
     EXPECT_EQ(kit("lint app.lang-src none.lang-src").status, 2);
     EXPECT_THAT(kit("lint none.lang-src").err,
-                StartsWith("lang-kit: none.lang-src: the file cannot "
-                           "be read\n"));
+                StartsWith("lang-kit: none.lang-src: the file cannot be read: "
+                           "No such file or directory\n"));
 }
 
 TEST_F(Lint, LanguagesAskedForAreTheOnlyOnes)
@@ -110,7 +110,7 @@ TEST_F(Lint, ListsItsRules)
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.out, StartsWith("syntax       error    "));
     EXPECT_THAT(result.out, HasSubstr("\nnot-ready    info     "));
-    EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 23);
+    EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 24);
 }
 
 TEST_F(Lint, WhatTheReaderSaysIsAFinding)

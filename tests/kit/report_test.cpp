@@ -68,7 +68,9 @@ TEST_F(Report, GoesWholeToAFileOrNotAtAll)
     const auto bad = kit("report -o page.html bad.lang-src none.lang-src");
     EXPECT_EQ(bad.status, 2);
     EXPECT_THAT(bad.err, HasSubstr("bad.lang-src:1:7: error: GROUP needs a name in quotes"));
-    EXPECT_THAT(bad.err, HasSubstr("lang-kit: none.lang-src: the file cannot be read\n"));
+    EXPECT_THAT(
+        bad.err,
+        HasSubstr("lang-kit: none.lang-src: the file cannot be read: No such file or directory\n"));
     EXPECT_EQ(read_file("page.html"), page);
     EXPECT_EQ(kit("report -o none/page.html app.lang-src").status, 2);
     // What can be read is shown.

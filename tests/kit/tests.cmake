@@ -5,8 +5,3 @@ add_test(NAME report_in_browser
          COMMAND Python3::Interpreter ${CMAKE_CURRENT_SOURCE_DIR}/kit/report-in-browser
                  $<TARGET_FILE:lang-kit>)
 set_tests_properties(report_in_browser PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 300 LABELS slow)
-
-find_program(MANDOC mandoc)
-if(MANDOC)
-  add_test(NAME man_page_kit COMMAND ${MANDOC} -Tlint ${CMAKE_SOURCE_DIR}/data/man/lang-kit.1)
-endif()

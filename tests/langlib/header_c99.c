@@ -1,10 +1,12 @@
-/* A C program that includes the public header alone and uses each of its kinds of things, against
+/* A C program that includes the public headers alone and uses each of its kinds of things, against
  * the shared library. Ends with the line of the first thing that is wrong. */
-#include <lang.h>
+#define _POSIX_C_SOURCE 200809L
+#include <lang-locale.h>
 
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/stat.h>
 
 #define CHECK(condition)                                                                           \
     do {                                                                                           \
@@ -69,6 +71,31 @@ static int check_splitter(void)
     return 0;
 }
 
+#define NOTES "%d note|%d notes"
+
+static void take_code(const lang_locale_t *file, void *user)
+{
+    if (file->code != NULL)
+        strcpy((char *)user, file->code);
+}
+
+/* The directory holds one file, in German. */
+static int check_locale(const char *directory)
+{
+    char code[8] = "";
+    char text[32];
+
+    CHECK(lang_locale_list(directory, take_code, code) == 1 && strcmp(code, "de") == 0);
+    CHECK(lang_locale_choose(directory, "de_AT")->next == NULL);
+    CHECK(strcmp(lang_locale_of(NULL)->english, "German") == 0);
+    CHECK(lang_locale_load(directory) == NULL); /* it is loaded */
+    sprintf(text, lang_format_or(lang_plural(lang_get_string("g", NOTES), 1), "%d note"), 1);
+    CHECK(strcmp(text, "1 Notiz") == 0);
+    CHECK(lang_locale_chain(NULL, NULL) == 0);
+    lang_de_init();
+    return 0;
+}
+
 static int checked;
 
 /* A library that ends the process does not pass. */
@@ -110,6 +137,14 @@ int main(int words, char **word)
     result = result != 0 ? result : check_splitter();
     result = result != 0 ? result : check_debug_print(word[1]);
     remove(word[1]);
+    mkdir("langlib_c99", 0777);
+    file = fopen("langlib_c99/german.lang", "w");
+    CHECK(file != NULL);
+    fputs("GROUP g \"" NOTES "\" { \"%d Notiz|%d Notizen\" }", file);
+    fclose(file);
+    result = result != 0 ? result : check_locale("langlib_c99");
+    remove("langlib_c99/german.lang");
+    remove("langlib_c99");
     checked = 1;
     return result;
 }

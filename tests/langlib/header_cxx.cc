@@ -1,6 +1,6 @@
-// The public header alone, as C++ of an older standard, against the static library, in a program
+// The public headers alone, as C++ of an older standard, against the static library, in a program
 // with names that the library uses inside.
-#include <lang.h>
+#include <lang-locale.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -20,7 +20,8 @@ int main()
                                 "in two "
                                 "parts");
     char *owned = lang_sym(nullptr, "note", "g", "%PERCENT%");
-    const bool good = std::strcmp(text, "in two parts") == 0 &&
+    const char *fitting = lang_format_or(lang_plural("%d|%d.", 1), "%d");
+    const bool good = std::strcmp(fitting, "%d") == 0 && std::strcmp(text, "in two parts") == 0 &&
                       std::strcmp(owned, "%PERCENT%") == 0 && lang == 1 &&
                       std::strcmp(log_init, "mine") == 0;
     std::free(owned);

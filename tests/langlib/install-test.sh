@@ -27,11 +27,11 @@ nm -D --defined-only "$libdir/liblang.so" | sed -n 's/.* [TDBW] \([^@]*\)@.*/\1/
 cmp "$work/map.txt" "$work/so.txt" || fail "liblang.so does not show what liblang.map lists"
 nm -g --defined-only "$libdir/liblang.a" | sed -n 's/.* [TDBCWV] //p' | LC_ALL=C sort >"$work/a.txt"
 cmp "$work/map.txt" "$work/a.txt" || fail "liblang.a does not show what liblang.map lists"
-${CC:-cc} -E -P "$prefix/include/lang.h" | tr '\n' ' ' | tr ';' '\n' |
+${CC:-cc} -E -P "$prefix/include/lang-locale.h" | tr '\n' ' ' | tr ';' '\n' |
     sed -n 's/.*[ *]\(_*lang_[a-z_]*\|_*z\{0,1\}e\{0,1\}l\{0,1\}_*min_lex_[a-z_0-9]*\|zel_[a-z_]*\|Log[A-Z][a-z]*\)(.*/\1/p
             s/.*extern int \(__[a-z_]*\) *$/\1/p' |
     LC_ALL=C sort -u >"$work/header.txt"
-cmp "$work/map.txt" "$work/header.txt" || fail "lang.h and liblang.map differ"
+cmp "$work/map.txt" "$work/header.txt" || fail "the headers and liblang.map differ"
 readelf -d "$libdir/liblang.so" | sed -n 's/.*NEEDED.*\[\(.*\)\]/\1/p' >"$work/needed.txt"
 ! grep -q 'gtk\|gdk\|tiff' "$work/needed.txt" || fail "liblang.so needs the toolkit"
 readelf -d "$libdir/liblang.so" | grep -q 'SONAME.*liblang.so.1' || fail "soname"

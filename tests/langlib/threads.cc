@@ -1,12 +1,15 @@
 // Eight threads that ask at once for all kinds of texts, each with symbols, records and messages of
-// its own, while the log is open. Built with ThreadSanitizer, which ends the program with an error
-// where two of them meet.
+// its own, while the log is open; then threads that ask while a directory is being loaded. Built
+// with ThreadSanitizer, which ends the program with an error where two of them meet.
 
-#include "langlib/lang.h"
+#include "langlib/lang-locale.h"
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
+#include <sys/stat.h>
 #include <thread>
 #include <vector>
 
@@ -36,6 +39,10 @@ bool ask(lang_handle_t *handle, zel_list *symbols, int round)
     good = good && is(lang_get_str(handle, "g", "Open"), "Oeffnen");
     good = good && is(lang_get_fmt("formater=%25s", "g", item), " d  s");
     good = good && is_new(lang_sym(symbols, "note", "g", "%WHO%"), "Ada% eins");
+    const int number = round % 7;
+    good = good && is(lang_plural("one|other", number), number == 1 ? "one" : "other");
+    good = good && is(lang_plural_of(handle, item, number), item);
+    good = good && is(lang_format_or(item, "%s"), item);
     good = good && lang_check_string("g", "Open") == 1 && lang_get_ctime() == 7;
 
     zel_info_t *record = nullptr;
@@ -56,6 +63,58 @@ void ask_often(lang_handle_t *handle, bool &good)
     for (int i = 0; i < rounds && good; ++i)
         good = ask(handle, symbols, i);
     lang_sym_free(symbols);
+}
+
+// Threads that ask for a text of the second file of a chain, and for a form, from before it is
+// loaded until all have it. Two of them load, of which one is refused. Where the first file has a
+// text of its own, a stand-in, or none, the answer is the item or the text, and never anything
+// else.
+std::atomic<int> loads;
+
+void ask_while_loading(const char *folder, bool loader, bool &good)
+{
+    if (loader && lang_locale_choose(folder, "de_AT") != nullptr)
+        ++loads;
+    bool loaded = false;
+    while (!loaded && good) {
+        const char *text = lang_get_string("g", "b");
+        loaded = is(text, "B-DE");
+        good = loaded || is(text, "b");
+        good = good && is(lang_plural("one|other", 1), "one");
+    }
+    good = good && is(lang_get_string("g", "a"), "A-AT") && is(lang_get_string("g", "c"), "c");
+    good = good && lang_locale_of(nullptr) != nullptr;
+}
+
+bool put(const std::string &path, const char *text)
+{
+    std::FILE *file = std::fopen(path.c_str(), "w");
+    return file != nullptr && std::fputs(text, file) >= 0 && std::fclose(file) == 0;
+}
+
+bool load_while_others_ask(const std::string &folder)
+{
+    mkdir(folder.c_str(), 0777);
+    const std::string at = folder + "/de_AT.lang";
+    const std::string de = folder + "/de.lang";
+    if (!put(at, "GROUP g a { \"A-AT\" } b { default \"B\" }") ||
+        !put(de, "GROUP g a { \"A-DE\" } b { \"B-DE\" }"))
+        return false;
+    bool good[6] = {true, true, true, true, true, true};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 6; ++i)
+        threads.emplace_back(ask_while_loading, folder.c_str(), i == 2 || i == 3,
+                             std::ref(good[i]));
+    for (std::thread &one : threads)
+        one.join();
+    lang_de_init();
+    std::remove(at.c_str());
+    std::remove(de.c_str());
+    std::remove(folder.c_str());
+    for (const bool one : good)
+        if (!one)
+            return false;
+    return loads == 1;
 }
 
 } // namespace
@@ -85,8 +144,9 @@ int main(int, char **word)
 
     lang_free(handle, 1);
     lang_de_init();
-    LogClose();
     std::remove(word[1]);
+    good[0] = good[0] && load_while_others_ask(std::string(word[1]) + ".folder");
+    LogClose();
     for (const bool one : good)
         if (!one)
             return 1;

@@ -1,0 +1,1 @@
+autocmd BufRead,BufNewFile *.lang-src setfiletype lang-src

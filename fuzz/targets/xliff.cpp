@@ -1,0 +1,10 @@
+// A file of translators' tools, of both versions: its texts are taken into a source.
+
+#include "exchange.h"
+#include "support.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    fuzz::read_and_import("xliff", fuzz::bytes_of(data, size));
+    return 0;
+}

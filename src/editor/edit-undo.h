@@ -1,0 +1,21 @@
+#pragma once
+
+// Undo and redo in the editor's window: goes to the item that a step changed and takes the step
+// back there, or does it again.
+
+#include <gtk/gtk.h>
+
+namespace zel {
+
+// Ctrl+Z and Shift+Ctrl+Z of the main window, whose keys are there.
+void undo_add_keys();
+
+// Records what is done in the table from now on, with nothing to undo yet, and puts the entries
+// into its fields' menus.
+void undo_watch(GtkWidget *table);
+
+// Takes a step back, or does the next one again; says so in the status line when there is none.
+void edit_undo();
+void edit_redo();
+
+} // namespace zel

@@ -1,0 +1,11 @@
+#pragma once
+
+// What a compiled file says about itself before its texts.
+
+namespace zel {
+
+// The name in the file's LANGUAGE statement as a new string, released with free: null when there is
+// none before the first group, the file cannot be read, or there is no memory.
+[[nodiscard]] char *read_language_name(const char *path);
+
+} // namespace zel

@@ -1,0 +1,374 @@
+// The compiled files of a directory, and which of them the user wants.
+
+#include "langlib/lang-locale.h"
+
+#include "langlib/compiled-file.h"
+#include "langlib/compiled-head.h"
+#include "langlib/lang-load.h"
+#include "langlib/lang-table.h"
+#include "langlib/languages.h"
+#include "support/dir_list.h"
+#include "support/file-call.h"
+#include "support/growing-text.h"
+#include "support/log-print.h"
+#include "support/string-copy.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <pthread.h>
+#include <string_view>
+#include <unistd.h>
+
+namespace {
+
+using zel::language_row;
+using zel::language_tag;
+
+// ---- What is there ------------------------------------------------------------------------------
+
+struct text_file {
+    text_file *next;
+    const char *path;
+    const char *name;
+    std::string_view stem; // of the path
+    language_tag tag;      // empty for no known language
+    language_row row;
+    bool taken; // it is in the chain already
+};
+
+// In the order of their paths.
+struct text_files {
+    zel::lang_store_guard store{zel::lang_store_new()};
+    text_file *first = nullptr;
+    text_file **end = &first;
+    bool complete = store != nullptr; // false without memory
+};
+
+// A copy in a store; null without memory.
+char *keep(lang_index *store, std::string_view text)
+{
+    auto *copy = static_cast<char *>(zel::lang_store_allocate(store, text.size() + 1));
+    if (copy == nullptr)
+        return nullptr;
+    std::memcpy(copy, text.data(), text.size());
+    copy[text.size()] = '\0';
+    return copy;
+}
+
+std::string_view stem_of(std::string_view path)
+{
+    path.remove_prefix(path.rfind('/') + 1);
+    path.remove_suffix(std::strlen(zel::compiled_ending));
+    return path;
+}
+
+void add_file(text_files &files, std::string_view path)
+{
+    void *memory = zel::lang_store_allocate(files.store.get(), sizeof(text_file));
+    const char *kept = keep(files.store.get(), path);
+    if (memory == nullptr || kept == nullptr) {
+        files.complete = false;
+        return;
+    }
+    auto *file = new (memory) text_file{nullptr, kept, nullptr, stem_of(kept), {}, {}, false};
+    const zel::string_guard name(zel::read_language_name(kept));
+    file->name = keep(files.store.get(), name ? std::string_view(name.get()) : file->stem);
+    if (file->name == nullptr) {
+        files.complete = false;
+        return;
+    }
+    if (!zel::read_language(file->name, file->tag, file->row))
+        zel::read_language(file->stem, file->tag, file->row);
+    *files.end = file;
+    files.end = &file->next;
+}
+
+bool is_kind(const char *path, mode_t kind)
+{
+    struct stat status;
+    return zel_stat(path, &status) == 0 && (status.st_mode & S_IFMT) == kind;
+}
+
+bool is_compiled(std::string_view name)
+{
+    return name.size() > std::strlen(zel::compiled_ending) && name.ends_with(zel::compiled_ending);
+}
+
+// The files of a folder and, with below, of the folders in it. False when it cannot be read.
+bool find_files(text_files &files, const char *folder, bool below)
+{
+    const dir_list_guard names(dir_list_sort(dir_list(nullptr, folder, nullptr)));
+    if (!names) // an empty one has none either
+        return access(folder, R_OK | X_OK) == 0 && is_kind(folder, S_IFDIR);
+    zel::growing_text path;
+    for (const zel_list *one = names.get(); one != nullptr; one = one->next) {
+        const std::string_view name = dir_list_file(one);
+        path.cut(0);
+        if (!path.append(folder) || !path.append("/") || !path.append(name))
+            files.complete = false;
+        else if (is_compiled(name) && is_kind(path.data(), S_IFREG))
+            add_file(files, {path.data(), path.length()});
+        else if (below && is_kind(path.data(), S_IFDIR))
+            find_files(files, path.data(), false);
+    }
+    return true;
+}
+
+// ---- What is wanted -----------------------------------------------------------------------------
+
+bool same_letters(std::string_view a, std::string_view b)
+{
+    return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
+}
+
+bool is_no_language(std::string_view name) { return name == "C" || name == "POSIX"; }
+
+const char *setting(const char *name)
+{
+    const char *value = std::getenv(name);
+    return value == nullptr ? "" : value;
+}
+
+// The list of languages that the environment names, as the C library finds it.
+const char *wanted_languages()
+{
+    const char *locale = "";
+    for (const char *name : {"LC_ALL", "LC_MESSAGES", "LANG"})
+        if (locale[0] == '\0')
+            locale = setting(name);
+    if (locale[0] == '\0' || is_no_language(locale))
+        return "";
+    const char *list = setting("LANGUAGE");
+    return list[0] != '\0' ? list : locale;
+}
+
+// The files that are taken, in the order in which they are asked.
+struct chosen {
+    static constexpr std::size_t most = 16;
+    text_file *files[most];
+    std::size_t count = 0;
+
+    void take(text_file *file)
+    {
+        if (count < most && !file->taken) {
+            file->taken = true;
+            files[count++] = file;
+        }
+    }
+};
+
+template <class Fits>
+void take_first(const text_files &files, chosen &taken, Fits fits)
+{
+    for (text_file *file = files.first; file != nullptr; file = file->next)
+        if (fits(*file)) {
+            taken.take(file);
+            return;
+        }
+}
+
+// A language the table does not know is found by its name as it stands.
+void take_language(const text_files &files, std::string_view name, chosen &taken)
+{
+    language_tag wanted;
+    language_row row;
+    if (!zel::read_language(name, wanted, row)) {
+        name = name.substr(0, name.find('.'));
+        take_first(files, taken, [name](const text_file &file) {
+            return file.tag.length == 0 &&
+                   (same_letters(file.name, name) || same_letters(file.stem, name));
+        });
+        return;
+    }
+    language_tag choice;
+    for (unsigned i = 0; zel::next_choice(wanted, i, choice); ++i)
+        take_first(files, taken,
+                   [&choice](const text_file &file) { return file.tag.view() == choice.view(); });
+}
+
+void choose(const text_files &files, const char *languages, chosen &taken)
+{
+    std::string_view rest = languages == nullptr ? wanted_languages() : languages;
+    while (!rest.empty()) {
+        const std::string_view name = rest.substr(0, rest.find(':'));
+        rest.remove_prefix(std::min(rest.size(), name.size() + 1));
+        if (is_no_language(name))
+            break;
+        if (!name.empty())
+            take_language(files, name, taken);
+    }
+    take_first(files, taken, [](const text_file &file) {
+        return same_letters(file.stem, "default") || same_letters(file.name, "default");
+    });
+}
+
+// ---- Loading ------------------------------------------------------------------------------------
+
+const char *keep_or_null(lang_index *store, std::string_view text)
+{
+    return text.empty() ? nullptr : keep(store, text);
+}
+
+// The record of a loaded file, in the store; null without memory.
+lang_locale_t *describe(const text_file &file, const lang_handle_t &handle, lang_index *store)
+{
+    void *memory = zel::lang_store_allocate(store, sizeof(lang_locale_t));
+    if (memory == nullptr)
+        return nullptr;
+    auto *made = new (memory) lang_locale_t{keep(store, file.path),
+                                            keep(store, file.name),
+                                            keep_or_null(store, file.tag.view()),
+                                            keep_or_null(store, file.row.english),
+                                            keep_or_null(store, file.row.own),
+                                            0,
+                                            0,
+                                            nullptr};
+    for (std::int32_t slot = 1; slot < handle.count - 1; ++slot) {
+        made->texts += 1;
+        made->defaults += handle.lang[slot].is_default;
+    }
+    const bool complete = made->path != nullptr && made->name != nullptr;
+    return complete ? made : nullptr;
+}
+
+void release(lang_handle_t *handle)
+{
+    if (handle != nullptr)
+        zel::lang_empty(handle);
+    std::free(handle);
+}
+
+// A handle with the file and its record; null when it cannot be read or there is no memory.
+lang_handle_t *load(const text_file &file)
+{
+    lang_handle_t *handle = lang_new(file.path);
+    if (handle == nullptr || handle->loaded == 0 || handle->index == nullptr) {
+        release(handle);
+        return nullptr;
+    }
+    zel::lang_link &link = zel::link_of(handle->index);
+    link.locale = describe(file, *handle, handle->index);
+    if (!file.row.plural.empty())
+        link.plural = file.row.plural.data();
+    if (link.locale == nullptr) {
+        release(handle);
+        return nullptr;
+    }
+    return handle;
+}
+
+// Loads the files, each chained to the next; null when none can be read.
+lang_handle_t *load_chain(const chosen &taken)
+{
+    lang_handle_t *first = nullptr;
+    lang_handle_t *last = nullptr;
+    for (std::size_t i = 0; i < taken.count; ++i) {
+        lang_handle_t *handle = load(*taken.files[i]);
+        if (handle == nullptr)
+            continue;
+        if (last == nullptr) {
+            first = handle;
+        } else {
+            zel::lang_link &link = zel::link_of(last->index);
+            link.next = handle;
+            link.owns_next = true;
+            const_cast<lang_locale_t *>(link.locale)->next = zel::link_of(handle->index).locale;
+        }
+        last = handle;
+    }
+    return first;
+}
+
+lang_handle_t *load_directory(const char *directory, const char *languages)
+{
+    text_files files;
+    if (directory == nullptr || !files.complete || !find_files(files, directory, true) ||
+        !files.complete) {
+        LogPrint(1, "lang_locale_load: ERROR read directory >%s<\n",
+                 directory == nullptr ? "(null)" : directory);
+        return nullptr;
+    }
+    chosen taken;
+    choose(files, languages, taken);
+    lang_handle_t *handle = load_chain(taken);
+    if (handle == nullptr)
+        LogPrint(1, "lang_locale_load: INFO no file for the language in >%s<\n", directory);
+    return handle;
+}
+
+pthread_mutex_t loading = PTHREAD_MUTEX_INITIALIZER;
+
+} // namespace
+
+lang_handle_t *lang_locale_new(const char *directory, const char *languages)
+{
+    return load_directory(directory, languages);
+}
+
+const lang_locale_t *lang_locale_choose(const char *directory, const char *languages)
+{
+    pthread_mutex_lock(&loading);
+    lang_handle_t *handle = nullptr;
+    if (__atomic_load_n(&lang.loaded, __ATOMIC_ACQUIRE) == 0)
+        handle = load_directory(directory, languages);
+    else
+        LogPrint(1, "lang_locale_load: ERROR the texts are loaded already\n");
+    const lang_locale_t *taken = nullptr;
+    if (handle != nullptr) {
+        taken = zel::link_of(handle->index).locale;
+        zel::lang_move_in(&lang, handle);
+    }
+    pthread_mutex_unlock(&loading);
+    return taken;
+}
+
+const lang_locale_t *lang_locale_load(const char *directory)
+{
+    return lang_locale_choose(directory, nullptr);
+}
+
+const lang_locale_t *lang_locale_of(const lang_handle_t *handle)
+{
+    if (handle == nullptr)
+        handle = &lang;
+    const bool loaded = __atomic_load_n(&handle->loaded, __ATOMIC_ACQUIRE) != 0;
+    return loaded && handle->index != nullptr ? zel::link_of(handle->index).locale : nullptr;
+}
+
+int lang_locale_list(const char *directory, void (*function)(const lang_locale_t *file, void *user),
+                     void *user)
+{
+    text_files files;
+    if (directory == nullptr || !files.complete || !find_files(files, directory, true) ||
+        !files.complete)
+        return -1;
+    int count = 0;
+    for (const text_file *file = files.first; file != nullptr; file = file->next) {
+        lang_handle_t *handle = load(*file);
+        if (handle == nullptr)
+            continue;
+        ++count;
+        if (function != nullptr)
+            function(zel::link_of(handle->index).locale, user);
+        release(handle);
+    }
+    return count;
+}
+
+int lang_locale_chain(lang_handle_t *first, lang_handle_t *second)
+{
+    if (first == nullptr)
+        first = &lang;
+    if (first->loaded == 0 || first->index == nullptr || first->import_mode != 0 ||
+        (second != nullptr && second->import_mode != 0))
+        return 1;
+    for (const lang_handle_t *one = second; one != nullptr;
+         one = one->index == nullptr ? nullptr : zel::link_of(one->index).next)
+        if (one == first)
+            return 2;
+    zel::lang_drop_chain(first);
+    zel::link_of(first->index).next = second;
+    return 0;
+}

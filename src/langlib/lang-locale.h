@@ -1,0 +1,145 @@
+#ifndef LANG_LOCALE_H
+#define LANG_LOCALE_H
+
+/*
+ * The user's language, plural forms, and formats that no translation can break. Stands beside
+ * lang.h, whose rules 1 to 5 hold here too.
+ *
+ *     #define NOTES "%d note|%d notes"
+ *
+ *     lang_locale_load("/usr/share/viewer/texts");
+ *     printf(lang_format_or(lang_plural(lang_get_string("list", NOTES), n), lang_plural(NOTES, n)),
+ * n); lang_de_init();
+ *
+ * All texts are UTF-8. What comes back as const belongs to the library; each function says how long
+ * it lives.
+ *
+ * Threads: once a file is loaded, any number of threads may call lang_plural, lang_plural_of,
+ * lang_format_or and lang_locale_of at once, beside all that lang.h lets them call.
+ * lang_locale_load and lang_locale_choose are safe while other threads ask for texts (the request
+ * words of lang.h but for lang_sym, and the four above): until the load is complete they get items.
+ * Both are refused while the process-wide handle is loaded, so nothing is ever taken from under a
+ * thread; to load again, call lang_de_init first, at a time when no other thread is in the library.
+ * lang_locale_list and lang_locale_new may be called from any thread as long as no log is being
+ * opened or closed and none changes the environment; lang_locale_chain is for a time when nobody
+ * asks the two handles.
+ */
+
+#include "lang.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- Which file ------------------------------------------------------------------------------
+ *
+ * A directory of compiled files is one with files NAME.lang, or with folders that hold them, as
+ * `lang compile -dst-dir` makes them. A file is in the language that its LANGUAGE statement names
+ * or else its own name: by a code of ISO 639 ("de", "deu"), by the language's name in English or in
+ * itself ("german", "Deutsch"), with a territory, script or modifier where it matters ("de_AT",
+ * "German (AT)", "zh-Hant", "sr@latin"). The case of letters means nothing. A file "default.lang"
+ * is asked last, whatever the user's language.
+ */
+
+/* One compiled file of a directory. */
+typedef struct lang_locale_t {
+    const char *path;
+    const char *name;    /* as its LANGUAGE statement says, else the file's name without ".lang" */
+    const char *code;    /* "de", "de_AT", "zh_Hant", "sr@latin"; null for no known language */
+    const char *english; /* the language's name in English; null when it is not known */
+    const char *own;     /* and in itself; null when it is not known */
+    int32_t texts;       /* in the file */
+    int32_t defaults;    /* of these, texts of the default language that stand in */
+    const struct lang_locale_t *next; /* the file that is asked for what this one lacks, or null */
+} lang_locale_t;
+
+/* Loads the best of the directory's files into the process-wide handle, for the languages that the
+ * environment names: the list in LANGUAGE, else the first of LC_ALL, LC_MESSAGES and LANG that is
+ * not empty; when these say "C" or "POSIX", or nothing, LANGUAGE does not count and there is no
+ * language. The program need not call setlocale, and the locale need not be installed.
+ *
+ * For de_AT the files are de_AT, de, those of the other languages in LANGUAGE, and default.lang.
+ * The first that is there is taken and the others are its chain: a text that it lacks, or for which
+ * only the default language stands in, is asked of the next; where none has it, the stand-in is
+ * shown and then the item.
+ *
+ * What was taken; it lives until lang_de_init or the next load. Null, and the cause in the log,
+ * when no file fits or can be read, when there is no memory, and when the handle is loaded already:
+ * requests answer as before, with items where nothing was loaded. */
+const lang_locale_t *lang_locale_load(const char *directory);
+
+/* The same for languages of the application's choice: "de_AT", or a list as in LANGUAGE,
+ * "de_AT:fr". Null stands for the environment. */
+const lang_locale_t *lang_locale_choose(const char *directory, const char *languages);
+
+/* The same as a new handle, released with lang_free(handle, 1), which releases its chain. Null when
+ * there is nothing to load. */
+lang_handle_t *lang_locale_new(const char *directory, const char *languages);
+
+/* What one of these three took for the handle (null: the process-wide one); null when it was loaded
+ * otherwise. It lives as long as the handle's texts. */
+const lang_locale_t *lang_locale_of(const lang_handle_t *handle);
+
+/* Calls the function with each compiled file of the directory, in the order of their paths, and the
+ * user value. The record lives for the length of the call, its next is null. Files that cannot be
+ * read are passed over. The number of calls; -1 when the directory cannot be read or there is no
+ * memory. */
+int lang_locale_list(const char *directory, void (*function)(const lang_locale_t *file, void *user),
+                     void *user);
+
+/* From now on a text that the first handle (null: the process-wide one) lacks, or for which only
+ * the default language stands in, is asked of the second, and of what that is chained to. A null
+ * second ends the chain. The second stays the caller's and must live until the first is loaded
+ * again, released, or chained otherwise. 0; 1 when the first is not loaded or one is in import
+ * mode; 2, and nothing is changed, when the chain would lead back to its beginning. */
+int lang_locale_chain(lang_handle_t *first, lang_handle_t *second);
+
+/* ---- Plural forms ----------------------------------------------------------------------------
+ *
+ * A text with a number holds its forms in the order zero, one, two, few, many, other, as many of
+ * them as whole numbers have in its language by the Unicode consortium's rules, separated by "|":
+ *
+ *     "%d note|%d notes"                        English: one, other
+ *     "%d заметка|%d заметки|%d заметок"        Russian: one, few, many
+ *     "ノート%d件"                              Japanese: other
+ *
+ * In some languages a form begins at a million (French: one, many, other); their texts may leave it
+ * out.
+ */
+
+/* The form for the number in the language of the process-wide handle. A text with another count of
+ * forms, as one of the default language that stands in, is read as in English, with two forms, and
+ * else its last form is taken. For numbers below zero the sign does not count. The form lives until
+ * lang_de_init; the last form, and a text without "|", is the end of the text itself. A null text
+ * gives an empty one; without memory the last form comes back. Pass texts that stay, not ever new
+ * ones: each form is kept. */
+const char *lang_plural(const char *text, int64_t number);
+
+/* The same in the language of a handle; null stands for the process-wide one. */
+const char *lang_plural_of(lang_handle_t *handle, const char *text, int64_t number);
+
+/* ---- Formats ---------------------------------------------------------------------------------
+ *
+ * lang_get_fmt (lang.h) knows %d and %s alone: "%n added" passes it for "%d" and ends the
+ * application. This one lets nothing pass that it does not know.
+ */
+
+/* The text, when printf may be called with it in place of the item: both hold nothing but
+ * conversions of standard C, each of the item's arguments is used, with the same kind (d i, o u x
+ * X, the ones for floating point, c, s, p), length (hh h l ll j z t L) and count, and no width or
+ * precision has more than three digits. The text may take the arguments in another order with
+ * positions ("%2$s"), and may choose flags, width and precision. With "%n", "*" or anything unknown
+ * it does not fit, not even where the item has the same. Else the item: an item that breaks these
+ * rules is always given back itself. A null text gives the item, a null item an empty text. Nothing
+ * is copied: the result is one of the two pointers. */
+#ifdef __GNUC__
+__attribute__((format_arg(2))) /* the compiler compares printf's arguments with the item */
+#endif
+const char *
+lang_format_or(const char *text, const char *item);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,58 @@
+// The form of a text that a number takes.
+
+#include "langlib/lang-locale.h"
+
+#include "langlib/form-store.h"
+#include "langlib/lang-load.h"
+#include "langlib/lang-table.h"
+#include "langlib/languages.h"
+#include "langlib/plural-rule.h"
+
+#include <cstring>
+
+namespace {
+
+// The rule of a handle's language, up to the end of its line in the table. Several threads may come
+// here at once: they find the same.
+std::string_view rule_of(lang_handle_t *handle)
+{
+    if (__atomic_load_n(&handle->loaded, __ATOMIC_ACQUIRE) == 0 || handle->index == nullptr)
+        return {};
+    const char *&known = zel::link_of(handle->index).plural;
+    const char *rule = __atomic_load_n(&known, __ATOMIC_RELAXED);
+    if (rule == nullptr) {
+        zel::language_tag tag;
+        zel::language_row row;
+        const bool found = handle->language != nullptr &&
+                           zel::read_language(handle->language, tag, row) && !row.plural.empty();
+        rule = found ? row.plural.data() : "\n";
+        __atomic_store_n(&known, rule, __ATOMIC_RELAXED);
+    }
+    return {rule, std::strcspn(rule, "\n")};
+}
+
+} // namespace
+
+const char *lang_plural_of(lang_handle_t *handle, const char *text, std::int64_t number)
+{
+    if (text == nullptr)
+        return "";
+    const std::string_view all(text);
+    const std::size_t count = zel::count_text_forms(all);
+    if (count == 1)
+        return text;
+    const auto bits = static_cast<std::uint64_t>(number);
+    const std::size_t position =
+        zel::plural_form(rule_of(handle == nullptr ? &lang : handle), count,
+                         number < 0 ? std::uint64_t{0} - bits : bits);
+    const std::string_view last = zel::text_form(all, count - 1);
+    if (position + 1 == count)
+        return last.data();
+    const char *form = zel::kept_form(zel::text_form(all, position));
+    return form == nullptr ? last.data() : form;
+}
+
+const char *lang_plural(const char *text, std::int64_t number)
+{
+    return lang_plural_of(nullptr, text, number);
+}

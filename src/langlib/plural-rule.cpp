@@ -1,0 +1,134 @@
+#include "langlib/plural-rule.h"
+
+#include <algorithm>
+
+namespace zel {
+
+namespace {
+
+// Takes the text up to the sign off the rest.
+std::string_view cut_at(std::string_view &rest, char sign)
+{
+    const std::size_t end = std::min(rest.find(sign), rest.size());
+    const std::string_view part = rest.substr(0, end);
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+    return part;
+}
+
+std::uint64_t take_number(std::string_view &rest)
+{
+    std::uint64_t number = 0;
+    for (; !rest.empty() && rest[0] >= '0' && rest[0] <= '9'; rest.remove_prefix(1))
+        number = number * 10 + static_cast<std::uint64_t>(rest[0] - '0');
+    return number;
+}
+
+// "2..4,9"
+bool is_among(std::string_view numbers, std::uint64_t n)
+{
+    while (!numbers.empty()) {
+        std::string_view ends = cut_at(numbers, ',');
+        const std::uint64_t first = take_number(ends);
+        ends.remove_prefix(std::min<std::size_t>(ends.size(), 2));
+        const std::uint64_t last = ends.empty() ? first : take_number(ends);
+        if (first <= n && n <= last)
+            return true;
+    }
+    return false;
+}
+
+// "n%10!=2..4,9"
+bool relation_holds(std::string_view relation, std::uint64_t n)
+{
+    relation.remove_prefix(std::min<std::size_t>(relation.size(), 1));
+    if (relation.starts_with('%')) {
+        relation.remove_prefix(1);
+        const std::uint64_t divisor = take_number(relation);
+        n = divisor == 0 ? n : n % divisor;
+    }
+    const bool negated = relation.starts_with('!');
+    relation.remove_prefix(std::min<std::size_t>(relation.size(), negated ? 2 : 1));
+    return is_among(relation, n) != negated;
+}
+
+// "n%10=1&n%100!=11|n=0"; an empty one holds.
+bool condition_holds(std::string_view condition, std::uint64_t n)
+{
+    bool holds = condition.empty();
+    while (!holds && !condition.empty()) {
+        std::string_view all = cut_at(condition, '|');
+        holds = true;
+        while (holds && !all.empty())
+            holds = relation_holds(cut_at(all, '&'), n);
+    }
+    return holds;
+}
+
+struct form {
+    std::string_view name;
+    std::string_view condition;
+    bool is_rare; // begins at a million
+};
+
+form take_form(std::string_view &rule)
+{
+    form taken{{}, cut_at(rule, ';'), false};
+    taken.name = cut_at(taken.condition, ':');
+    taken.is_rare = taken.name.ends_with('~');
+    taken.name.remove_suffix(taken.is_rare ? 1 : 0);
+    return taken;
+}
+
+} // namespace
+
+plural_forms count_plural_forms(std::string_view rule)
+{
+    plural_forms counted;
+    while (!rule.empty()) {
+        ++counted.all;
+        counted.everyday += take_form(rule).is_rare ? 0 : 1;
+    }
+    return counted;
+}
+
+std::string_view plural_form_name(std::string_view rule, std::size_t form)
+{
+    for (; form > 0 && !rule.empty(); --form)
+        take_form(rule);
+    return rule.empty() ? rule : take_form(rule).name;
+}
+
+std::size_t plural_form(std::string_view rule, std::size_t count, std::uint64_t number)
+{
+    plural_forms needed = count_plural_forms(rule);
+    if (count != needed.all && count != needed.everyday) {
+        rule = rule_of_two;
+        needed = {2, 2};
+    }
+    if (count != needed.all && count != needed.everyday)
+        return count == 0 ? 0 : count - 1;
+    std::size_t position = 0;
+    while (!rule.empty()) {
+        const form one = take_form(rule);
+        if (one.is_rare && count != needed.all)
+            continue;
+        if (condition_holds(one.condition, number))
+            break;
+        ++position;
+    }
+    return std::min(position, count - 1);
+}
+
+std::size_t count_text_forms(std::string_view text)
+{
+    return 1 + static_cast<std::size_t>(std::count(text.begin(), text.end(), plural_sign));
+}
+
+std::string_view text_form(std::string_view text, std::size_t form)
+{
+    for (std::size_t sign; form > 0 && (sign = text.find(plural_sign)) != text.npos; --form)
+        text.remove_prefix(sign + 1);
+    return text.substr(0, text.find(plural_sign));
+}
+
+} // namespace zel

@@ -1,0 +1,93 @@
+#include "lint/plural.h"
+
+#include "langlib/languages.h"
+#include "langlib/plural-rule.h"
+#include "lint/conversions.h"
+#include "lint/item-case.h"
+#include "lint/rule-list.h"
+
+#include <algorithm>
+#include <string>
+
+namespace zel::lint {
+
+namespace {
+
+bool stands_alone(std::string_view text, std::size_t sign)
+{
+    return sign > 0 && sign + 1 < text.size() && !is_blank(text[sign - 1]) &&
+           !is_blank(text[sign + 1]);
+}
+
+bool takes_a_number(const percents &form)
+{
+    return std::any_of(form.arguments.begin(), form.arguments.end(), [](const taken &one) {
+        return one.kind == argument::whole || one.kind == argument::whole_unsigned;
+    });
+}
+
+// The published rule of a language; empty when it is not known or has none.
+std::string_view rule_of_language(const lang_t &language)
+{
+    language_tag tag;
+    language_row row;
+    std::string_view file = name_of(language.file);
+    file.remove_prefix(file.rfind('/') + 1);
+    if (!read_language(name_of(language.name), tag, row))
+        read_language(file.substr(0, file.rfind(".lang")), tag, row);
+    return row.plural;
+}
+
+// "2 plural forms (one, other)"
+std::string described_forms(std::string_view rule, const plural_forms &needed)
+{
+    std::string out = std::to_string(needed.all);
+    if (needed.everyday != needed.all)
+        out = std::to_string(needed.everyday) + " or " + out;
+    out += needed.all == 1 ? " plural form (" : " plural forms (";
+    for (std::size_t i = 0; i < needed.all; ++i)
+        out.append(i == 0 ? "" : ", ").append(plural_form_name(rule, i));
+    return out + ")";
+}
+
+} // namespace
+
+bool has_plural_forms(std::string_view text)
+{
+    std::size_t sign = text.find(plural_sign);
+    if (sign == text.npos)
+        return false;
+    for (; sign != text.npos; sign = text.find(plural_sign, sign + 1))
+        if (!stands_alone(text, sign))
+            return false;
+    const std::size_t count = count_text_forms(text);
+    const percents last = read_percents(text_form(text, count - 1));
+    if (!last.is_format() || !takes_a_number(last))
+        return false;
+    for (std::size_t i = 0; i + 1 < count; ++i) {
+        const percents form = read_percents(text_form(text, i));
+        if (!form.arguments.empty() && form.arguments != last.arguments)
+            return false;
+    }
+    return true;
+}
+
+void judge_plural(const item_case &at)
+{
+    if (!at.reference.has(has_percent) || !has_plural_forms(at.reference.bytes))
+        return;
+    for (std::size_t i = 0; i < at.slots.size(); ++i) {
+        const slot &one = at.slots[i];
+        if (one.entry == nullptr || one.own.is_blank())
+            continue;
+        const std::string_view rule = rule_of_language(*at.languages[i].definition);
+        const plural_forms needed = count_plural_forms(rule);
+        const std::size_t count = count_text_forms(one.own.bytes);
+        if (needed.all != 0 && count != needed.all && count != needed.everyday)
+            at.found.say(rule_id::plural, at.languages[i].name, one.entry,
+                         "the language has " + described_forms(rule, needed) + ", the text has " +
+                             std::to_string(count));
+    }
+}
+
+} // namespace zel::lint

@@ -1,0 +1,15 @@
+#pragma once
+
+// Texts that hold their forms for a number, "%d note|%d notes", as lang_plural of liblang reads
+// them.
+
+#include <string_view>
+
+namespace zel::lint {
+
+// Whether a reference text has plural forms: signs "|" without blanks beside them, a conversion for
+// a whole number in the last form, and in each other form the same conversions or none. So a menu
+// path, "File|Open", and a row of a table, "%s | %d", are none.
+bool has_plural_forms(std::string_view text);
+
+} // namespace zel::lint

@@ -1,0 +1,36 @@
+#pragma once
+
+// Which text a file held when it was looked at, to tell later whether somebody else has changed it.
+
+#include <cstdint>
+#include <string>
+
+namespace zel {
+
+struct file_state {
+    bool is_there = false; // a regular file that can be read; else the rest says nothing
+    std::int64_t size = 0;
+    std::int64_t seconds = 0; // of its last change, since the epoch
+    std::int64_t nanoseconds = 0;
+    std::string hash; // of its bytes, in hexadecimal digits
+
+    // The same text; a new time alone is no other text.
+    bool same_text(const file_state &other) const
+    {
+        return is_there == other.is_there && size == other.size && hash == other.hash;
+    }
+};
+
+// Looks at the file and reads it through.
+file_state state_of(const char *path);
+
+enum class file_news { same, changed, gone };
+
+// Looks again. The file is read only where its size or time is another one; when it holds the old
+// text all the same, the known state takes the new time.
+file_news news_of(const char *path, file_state &known);
+
+// "2,345 bytes of 2024-05-01 12:00:00", for a person.
+std::string describe(const file_state &state);
+
+} // namespace zel

@@ -1,0 +1,196 @@
+#include "source/write-text.h"
+
+#include "source/last-line.h"
+#include "source/misc.h"
+#include "source/quote.h"
+
+#include <cstdint>
+#include <cstring>
+#include <utility>
+
+namespace {
+
+// A text between two literals, escaped like every quoted string.
+void append_statement(std::string &out, const char *before, const char *text, const char *after)
+{
+    out += before;
+    zel::append_escaped(out, text);
+    out += after;
+}
+
+void append_strings(std::string &out, GList *strings)
+{
+    for (const char *text : zel::each<char>(strings)) {
+        zel::append_quoted(out, 6, text);
+        out += '\n';
+    }
+}
+
+void append_group_head(std::string &out, const edit_t *group)
+{
+    append_statement(out, "\n\nGROUP \"", group->name, "\" {\n");
+    zel::append_format(out, "  VISIBLE      %d\n  SCREEN_SHOT", group->visible);
+    zel::append_quoted(out, 0, group->screen_shot);
+    out += '\n';
+}
+
+void append_group_end(std::string &out, const edit_t *group)
+{
+    out += "}  /* end GROUP \"";
+    std::string name;
+    zel::append_escaped(name, group->name);
+    zel::append_comment(out, name);
+    out += "\" */\n";
+}
+
+bool is_written(const item_t *item)
+{
+    const bool only_used = item->source != nullptr && item->source->only_used != 0;
+    return !only_used || item->used != 0;
+}
+
+} // namespace
+
+namespace zel {
+
+source_text::source_text(const LangSource *source, text_how how)
+    : source_(source), how_(std::move(how)),
+      selected_only_(how_.only_lang_1 != nullptr && how_.only_lang_2 != nullptr)
+{
+}
+
+bool source_text::is_selected(const char *lang) const
+{
+    return !selected_only_ || (lang != nullptr && (std::strcmp(lang, how_.only_lang_1) == 0 ||
+                                                   std::strcmp(lang, how_.only_lang_2) == 0));
+}
+
+void source_text::append_head(std::string &out) const
+{
+    out += "/* !!!! DO NOT EDIT !!!!! */\n\nversion 1\n";
+    if (source_->create_date != nullptr)
+        append_statement(out, "create_date \"", source_->create_date, "\"\n");
+    append_format(out, "whatsnew %u\nctime %u\nmtime %u\n",
+                  static_cast<unsigned>(source_->whatsnew), static_cast<unsigned>(source_->ctime),
+                  static_cast<unsigned>(source_->mtime));
+    out += "define format ";
+    out += source_->format == LANG_SOURCE_UTF8 ? "utf8\n" : "ascii\n";
+    append_statement(out, "app \"", source_->app == nullptr ? "unknown" : source_->app, "\"\n");
+    append_statement(out, "default lang \"",
+                     source_->default_lang == nullptr ? "english" : source_->default_lang, "\"\n");
+    out += "\n\n";
+}
+
+void source_text::append_languages(std::string &out) const
+{
+    for (const lang_t *lang : each<lang_t>(source_->langs)) {
+        if (!is_selected(lang->name))
+            continue;
+        append_statement(out, "define file \"", lang->file, "\" lang \"");
+        append_statement(out, "", lang->name, "\"");
+        append_format(out, " %d %d %d\n", lang->value_1, lang->value_2,
+                      selected_only_ ? 1 : lang->edit);
+    }
+    append_format(out, "\n\ncolwidth group %d\ncolwidth item  %d\ncolwidth ctrl  %d\n\n\n",
+                  source_->colwidth_group, source_->colwidth_item, source_->colwidth_ctrl);
+}
+
+void source_text::append_entries(std::string &out, const char *keyword, GList *entries) const
+{
+    for (lang_entry_t *entry : each<lang_entry_t>(entries)) {
+        if (!is_selected(entry->lang))
+            continue;
+        if (entry->texts == nullptr && how_.leaves_out && how_.leaves_out(entry))
+            continue;
+        if (how_.trim)
+            misc_remove_empty_lines(entry);
+        out.append("    ").append(keyword) += ' ';
+        append_quoted(out, 0, entry->lang);
+        out += " {\n";
+        append_strings(out, entry->texts);
+        out += "    }\n";
+    }
+}
+
+void source_text::append_attributes(std::string &out, const item_t *item) const
+{
+    append_statement(out, "    DESCRIPTION  \"",
+                     item->description == nullptr ? "none" : item->description, "\"\n");
+    append_format(out,
+                  "    TYP       %d\n"
+                  "    ROWHEIGHT %d\n"
+                  "    CTIME     %d\n"
+                  "    VISIBLE   %d\n"
+                  "    READY     %d\n",
+                  item->typ, item->rowheight, static_cast<std::int32_t>(item->ctime), item->visible,
+                  item->ready);
+    if (item->changed != 0)
+        out += "    CHANGED\n";
+    if (item->used == 0) {
+        out += "    USED NO\n";
+        return;
+    }
+    out += "    USED YES {\n";
+    append_strings(out, item->used_in);
+    out += "    }\n";
+}
+
+void source_text::append_item(std::string &out, const edit_t *group, const item_t *item) const
+{
+    out += "\n  ITEM ";
+    append_quoted(out, 0, item->name);
+    out += "  { /* group  =";
+    std::string quoted;
+    append_quoted(quoted, 0, group->name);
+    append_comment(out, quoted);
+    out += " */\n";
+    append_attributes(out, item);
+    append_entries(out, "LANG", item->langs);
+    append_entries(out, "COMMENT", item->comments);
+    out += "  }\n";
+}
+
+// An item, or the end of its group. The end of the lists is looked for only once it is reached:
+// they may have grown.
+bool source_text::append_next(std::string &out, std::size_t &items)
+{
+    const auto *group = static_cast<const edit_t *>(group_->data);
+    if (!inside_) {
+        append_group_head(out, group);
+        inside_ = true;
+        last_item_ = nullptr;
+    }
+    GList *next = last_item_ == nullptr ? group->items : last_item_->next;
+    if (next != nullptr) {
+        last_item_ = next;
+        const auto *item = static_cast<const item_t *>(next->data);
+        if (is_written(item))
+            append_item(out, group, item);
+        --items;
+        return true;
+    }
+    append_group_end(out, group);
+    inside_ = false;
+    group_ = group_->next;
+    return group_ != nullptr;
+}
+
+bool source_text::append(std::string &out, std::size_t items)
+{
+    if (!begun_) {
+        append_head(out);
+        append_languages(out);
+        group_ = source_->groups;
+        begun_ = true;
+    }
+    bool more = group_ != nullptr;
+    while (more && items > 0)
+        more = append_next(out, items);
+    if (more)
+        return true;
+    out += '\n';
+    append_last_line(out, how_.name);
+    return false;
+}
+
+} // namespace zel

@@ -1,0 +1,33 @@
+# The examples as projects of their own, built and run with what this build folder installs. A library
+# with sanitizers cannot be loaded into their programs.
+
+if(LANG_SANITIZE OR NOT TARGET lang)
+  return()
+endif()
+
+add_test(NAME lang_build COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/examples/lang-build-test
+                                 ${PROJECT_SOURCE_DIR}/data/build/lang-build $<TARGET_FILE:lang>
+                                 $<TARGET_FILE:lang-kit>)
+
+set(prefix ${PROJECT_BINARY_DIR}/examples-prefix)
+add_test(NAME examples_install COMMAND ${CMAKE_COMMAND} --install ${PROJECT_BINARY_DIR} --prefix ${prefix})
+set_tests_properties(examples_install PROPERTIES FIXTURES_SETUP examples LABELS slow)
+
+# A test of the example, with the tools that it needs.
+function(lang_example name)
+  set(display)
+  if(name STREQUAL gtk)
+    set(display ${PROJECT_SOURCE_DIR}/tools/with-display)
+  endif()
+  add_test(NAME example_${name}
+           COMMAND ${display} ${CMAKE_CURRENT_SOURCE_DIR}/examples/run-example ${prefix} ${PROJECT_SOURCE_DIR}
+                   ${name} ${ARGN})
+  set_tests_properties(example_${name} PROPERTIES FIXTURES_REQUIRED examples SKIP_RETURN_CODE 77
+    TIMEOUT 300 LABELS slow
+    ENVIRONMENT "CC=${CMAKE_C_COMPILER};CXX=${CMAKE_CXX_COMPILER};CMAKE=${CMAKE_COMMAND}")
+endfunction()
+
+lang_example(cxx)
+lang_example(make make pkg-config)
+lang_example(gtk meson ninja pkg-config)
+lang_example(python python3)

@@ -1,0 +1,246 @@
+// Jobs in a process in which one system call after the other fails, with every error that it can
+// have: once, and with all that follow. Whatever fails, the job ends by itself, says why, and no
+// text is lost. The quick form takes the first error of each call; LANG_FAULTS_SHOW prints figures.
+
+#include "fault-jobs.h"
+#include "system-calls.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <set>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+using zel_test::call_fault;
+using zel_test::call_report;
+using zel_test::call_row;
+using zel_test::fault_job;
+using zel_test::job_outcome;
+
+// In memory where there is such a place: every run makes its folder anew and syncs it.
+[[maybe_unused]] const bool in_memory =
+    access("/dev/shm", W_OK) == 0 && setenv("TMPDIR", "/dev/shm", 0) == 0;
+
+call_report *report; // shared with the children
+call_fault wanted;
+
+void begin_failing() { zel_test::fail_system_calls(wanted, report); }
+
+std::string words_of(const call_fault &fault)
+{
+    return std::string(fault.row->name) + " " + std::to_string(fault.n) +
+           (fault.lasting ? " and on: " : ": ") +
+           (fault.error == zel_test::half_done ? "half done" : std::strerror(fault.error));
+}
+
+// Whether the job said what failed, in words or by its number, or what stands for it.
+bool names_the_cause(const job_outcome &run, const call_fault &fault)
+{
+    std::vector<std::string> causes = {std::strerror(fault.error),
+                                       "(" + std::to_string(fault.error),
+                                       "errno " + std::to_string(fault.error)};
+    for (const char *prescribed :
+         {"ERROR(1) open >", "ERROR(146) open ->", "ERROR(4): unable", "ERROR(3): unable",
+          "ERROR open ", "ERROR: read ", "cfg_write: ERROR", "lang_write_cfg: error ",
+          "the file is not complete"})
+        causes.emplace_back(prescribed);
+    return std::any_of(causes.begin(), causes.end(), [&](const std::string &cause) {
+        return run.said.find(cause) != run.said.npos;
+    });
+}
+
+class CallFaults : public zel_test::working_dir, public testing::WithParamInterface<int> {
+protected:
+    CallFaults() : job_(zel_test::fault_jobs()[static_cast<std::size_t>(GetParam())])
+    {
+        zel_test::write_file("report", std::string(sizeof(call_report), '\0'));
+        report_file_ = fs::absolute("report");
+        const int file = open("report", O_RDWR | O_CLOEXEC);
+        report = static_cast<call_report *>(
+            mmap(nullptr, sizeof *report, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0));
+        close(file);
+    }
+    ~CallFaults() override { munmap(report, sizeof *report); }
+
+    void SetUp() override
+    {
+        if (!zel_test::system_calls_can_fail())
+            GTEST_SKIP() << "no process may look at its own system calls here";
+    }
+
+    void run_program() const
+    {
+        const std::string row = std::to_string(wanted.row - zel_test::system_calls().data());
+        setenv("HOME", fs::current_path().c_str(), 1);
+        setenv("LC_ALL", "C", 1);
+        setenv("LD_PRELOAD", LANG_FAILING_MEMORY, 1);
+        setenv("LANG_FAIL_REPORT", report_file_.c_str(), 1);
+        setenv("LANG_FAIL_CALL", (row + ":" + std::to_string(wanted.error)).c_str(), 1);
+        setenv("LANG_FAIL_AT", std::to_string(wanted.n).c_str(), 1);
+        if (wanted.lasting)
+            setenv("LANG_FAIL_ON", "1", 1);
+        std::vector<char *> words;
+        for (const char *word : job_.words)
+            words.push_back(const_cast<char *>(word));
+        words.push_back(nullptr);
+        execv(job_.program, words.data());
+        _exit(99);
+    }
+
+    // In a child: the job in its folder, with both streams in a file.
+    void run_child() const
+    {
+        const int said = open("said", O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+        dup2(said, 1);
+        dup2(said, 2);
+        alarm(60); // whoever needs that long goes in a circle
+        if (chdir("work") != 0)
+            _exit(99);
+        if (job_.program != nullptr)
+            run_program();
+        const int status = job_.function(begin_failing);
+        zel_test::stop_failing();
+        std::fflush(nullptr);
+        _exit(status);
+    }
+
+    job_outcome run(const call_fault &fault)
+    {
+        fs::remove_all("work");
+        fs::create_directory("work");
+        fs::current_path("work");
+        job_.prepare();
+        fs::current_path("..");
+        *report = {};
+        wanted = fault;
+        std::fflush(nullptr);
+        const auto start = std::chrono::steady_clock::now();
+        const pid_t child = fork();
+        if (child == 0)
+            run_child();
+        job_outcome out{};
+        waitpid(child, &out.status, 0);
+        took_ = std::chrono::steady_clock::now() - start;
+        out.said = zel_test::read_file("said");
+        out.muted = report->muted != 0;
+        out.left = zel_test::files_below("work");
+        std::erase_if(out.left, [](const auto &file) { return file.first.ends_with(".log"); });
+        if (WIFEXITED(out.status))
+            out.status = WEXITSTATUS(out.status);
+        EXPECT_EQ(report->begun, 1U) << "the calls were not looked at";
+        return out;
+    }
+
+    // Whether the files are there that a run leaves when nothing fails.
+    bool holds_all(const zel_test::files &left) const
+    {
+        return std::all_of(whole_.left.begin(), whole_.left.end(), [&](const auto &file) {
+            const auto found = left.find(file.first);
+            return found != left.end() && found->second == file.second;
+        });
+    }
+
+    // What is wrong with a run, or nothing.
+    std::string wrong_with(const job_outcome &run, const call_fault &fault) const
+    {
+        if (took_ > std::chrono::seconds(5))
+            return "it waits for long";
+        const int worst = job_.program == nullptr ? 1 : job_.worst_status;
+        if (run.status > worst)
+            return "status " + std::to_string(run.status);
+        std::string loss = job_.look(run, whole_);
+        if (!loss.empty())
+            return loss;
+        const bool is_done = run.status == whole_.status && holds_all(run.left);
+        if (!is_done && !run.muted && !names_the_cause(run, fault))
+            return "the cause is not named";
+        return {};
+    }
+
+    // The files by name, and which are not as when nothing fails.
+    std::string list(const job_outcome &run) const
+    {
+        std::string out;
+        for (const auto &[name, text] : run.left) {
+            const auto good = whole_.left.find(name);
+            const bool same = good != whole_.left.end() && good->second == text;
+            out += name + (same ? " " : " (" + std::to_string(text.size()) + " bytes, differs) ");
+        }
+        return out;
+    }
+
+    // One call after the other, until a run comes to its end without.
+    void fail_each(const call_row &row, int error, bool lasting)
+    {
+        for (std::uint32_t n = 1;; ++n) {
+            const call_fault fault{&row, n, error, lasting};
+            const job_outcome out = run(fault);
+            if (report->struck == 0)
+                return;
+            ++points_;
+            const std::string wrong = wrong_with(out, fault);
+            if (wrong.empty())
+                continue;
+            ++losses_;
+            ADD_FAILURE() << job_.name << ", " << words_of(fault) << ": " << wrong << "\n"
+                          << list(out) << "\n"
+                          << out.said;
+            if (losses_ > 20)
+                return;
+        }
+    }
+
+    void fail_everywhere(bool all)
+    {
+        whole_ = run({&zel_test::system_calls().front(), 0, 0, false});
+        ASSERT_EQ(whole_.status, 0) << whole_.said;
+        for (const call_row &row : zel_test::system_calls())
+            for (const int error : row.errors) {
+                fail_each(row, error, false);
+                if (all && error != EINTR) // no signal comes for ever
+                    fail_each(row, error, true);
+                if (losses_ > 20 || !all)
+                    break;
+            }
+        EXPECT_GT(points_, 20U) << "as if it made no calls";
+        if (std::getenv("LANG_FAULTS_SHOW") != nullptr)
+            std::printf("%-18s %6u system calls failed, %u losses\n", job_.name, points_, losses_);
+    }
+
+private:
+    const fault_job &job_;
+    std::string report_file_;
+    job_outcome whole_{};
+    std::chrono::steady_clock::duration took_{};
+    unsigned points_ = 0;
+    unsigned losses_ = 0;
+};
+
+std::string name_of(const testing::TestParamInfo<int> &param)
+{
+    std::string name = zel_test::fault_jobs()[static_cast<std::size_t>(param.param)].name;
+    for (char &letter : name)
+        letter = letter == ' ' ? '_' : letter;
+    return name;
+}
+
+const auto all_jobs = testing::Range(0, static_cast<int>(zel_test::fault_jobs().size()));
+
+TEST_P(CallFaults, LoseNothing) { fail_everywhere(false); }
+INSTANTIATE_TEST_SUITE_P(Jobs, CallFaults, all_jobs, name_of);
+
+using EveryCallFaultSlow = CallFaults;
+TEST_P(EveryCallFaultSlow, LosesNothing) { fail_everywhere(true); }
+INSTANTIATE_TEST_SUITE_P(Jobs, EveryCallFaultSlow, all_jobs, name_of);
+
+} // namespace

@@ -1,0 +1,240 @@
+#include "langlib/lang-load.h" // first: it gives a name of the log its linkage
+
+#include "fault-jobs.h"
+
+#include "config/lang-cfg.h"
+#include "failing-memory.h"
+#include "system-calls.h"
+
+#include <cstdio>
+#include <cstring>
+
+namespace zel_test {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char *source_name = "app.lang-src";
+
+void prepare_source()
+{
+    write_file(source_name, old_source());
+    write_file("code.c", application_code());
+    fs::create_directory("out");
+    fs::create_directories("Morvalix 6.00/log");
+}
+
+void prepare_second_source()
+{
+    prepare_source();
+    write_file("base.lang-src", old_source());
+    std::string theirs = old_source();
+    theirs.replace(theirs.find("\"Close\" }"), 7, "\"Shut\"");
+    write_file("theirs.lang-src", theirs);
+}
+
+const std::string *find(const files &all, const std::string &name)
+{
+    const auto found = all.find(name);
+    return found == all.end() ? nullptr : &found->second;
+}
+
+// Every file is an old one, or one as it is when nothing fails. A text that is not whole is only
+// where it is of no harm: under a name that no reader of it knows.
+std::string all_whole(const job_outcome &run, const job_outcome &whole)
+{
+    for (const auto &[name, text] : run.left) {
+        const std::string *good = find(whole.left, name);
+        const bool is_known = good != nullptr || name == "new.lang-src" || name == "keys.slk" ||
+                              name.ends_with(".lang") || name.ends_with(".bak");
+        if (is_known && text != old_source() && text != application_code() &&
+            (good == nullptr || text != *good))
+            return name + " is cut";
+    }
+    return {};
+}
+
+// The source is untouched.
+std::string source_stays(const job_outcome &run, const job_outcome &whole)
+{
+    const std::string *now = find(run.left, source_name);
+    return now == nullptr || *now != old_source() ? "the source is not what it was"
+                                                  : all_whole(run, whole);
+}
+
+// A spreadsheet's text may be cut, for it can be made again; it is said.
+std::string source_stays_and_table_is_told(const job_outcome &run, const job_outcome &whole)
+{
+    const std::string *table = find(run.left, "keys.slk");
+    job_outcome others = run;
+    others.left.erase("keys.slk");
+    const bool is_told = run.muted || run.said.find("the file is not complete") != run.said.npos;
+    return table != nullptr && *table != *find(whole.left, "keys.slk") && !is_told
+               ? "the table is cut"
+               : source_stays(others, whole);
+}
+
+// The source is the old one, or the new one with the old one beside it.
+std::string old_text_stays(const job_outcome &run, const job_outcome &whole)
+{
+    const std::string *now = find(run.left, source_name);
+    if (now == nullptr)
+        return "the source is gone";
+    if (*now == old_source())
+        return all_whole(run, whole);
+    for (const auto &[name, text] : run.left)
+        if (name.ends_with(".bak") && text == old_source())
+            return all_whole(run, whole);
+    return "the old text is gone";
+}
+
+// What is said to be passed over is missing in the new source, and in the old one beside it it is
+// not.
+std::string old_text_stays_or_folder_is_told(const job_outcome &run, const job_outcome &whole)
+{
+    if (!run.muted && run.said.find("_check_rec: ERROR(1) open >") == run.said.npos)
+        return old_text_stays(run, whole);
+    return old_text_stays(run, run);
+}
+
+// ---- The library
+
+void prepare_texts()
+{
+    fs::create_directory("texts");
+    write_file("texts/a.lang", "FORMAT UTF8 LANGUAGE \"german\" GROUP \"g\" \"Open\" { \"Oeffnen\" "
+                               "} \"%s\" { \"%d %s\" } \"long\" { \"" +
+                                   std::string(20000, 'l') + "\" }\n");
+    write_file("texts/b.lang", "GROUP h x { \"1\" }");
+}
+
+bool is_one_of(const char *text, const char *a, const char *b)
+{
+    return text != nullptr && (std::strcmp(text, a) == 0 || std::strcmp(text, b) == 0);
+}
+
+// All requests answer with a text; false where one does not.
+bool load_and_ask()
+{
+    lang_load_file("texts");
+    bool good = is_one_of(lang_get_string("g", "Open"), "Oeffnen", "Open") &&
+                is_one_of(lang_get_string("h", "x"), "1", "x") &&
+                is_one_of(lang_get_string("g", "none"), "none", "none");
+    lang_handle_t *handle = lang_new("texts/b.lang");
+    good = good && is_one_of(_lang_get_str(handle, "h", "x", "f", 1), "1", "x");
+    if (handle != nullptr)
+        lang_free(handle, 1);
+    lang_de_init();
+    return good;
+}
+
+int use_library(void (*begin_failing)())
+{
+    load_and_ask();
+    const std::size_t before = blocks_in_use();
+    begin_failing();
+    const bool good = load_and_ask();
+    stop_failing();
+    lang_load_file("texts");
+    const bool well_again = is_one_of(lang_get_string("g", "Open"), "Oeffnen", "Oeffnen");
+    lang_de_init();
+    if (!good || !well_again || blocks_in_use() != before) {
+        std::printf("answers %d, again %d, blocks %zu before, %zu after\n", good, well_again,
+                    before, blocks_in_use());
+        return 2;
+    }
+    return 0;
+}
+
+std::string nothing_else(const job_outcome &, const job_outcome &) { return {}; }
+
+// ---- The settings
+
+constexpr const char *old_settings = "version=1\n\n[s]\nkey=old\n";
+constexpr const char *new_settings = "version=2\n\n[s]\nkey=old\n";
+
+void prepare_settings() { write_file("a.ini", old_settings); }
+
+int save_settings(void (*begin_failing)())
+{
+    begin_failing();
+    const lang_cfg_guard store(lang_cfg_new("a.ini"));
+    lang_cfg_open(store.get(), 0);
+    store->version = 2;
+    const int written = lang_cfg_write(store.get());
+    lang_cfg_close(store.get());
+    return written == CFG_OK ? 0 : 1;
+}
+
+std::string settings_stay(const job_outcome &run, const job_outcome &)
+{
+    const std::string *now = find(run.left, "a.ini");
+    return now == nullptr                                 ? "the settings are gone"
+           : *now != old_settings && *now != new_settings ? "the settings are cut"
+           : run.status == 0 && *now != new_settings      ? "told as written and is not"
+                                                          : "";
+}
+
+#ifdef LANG_PROGRAM
+const fault_job jobs[] = {
+    {"convert",
+     LANG_PROGRAM,
+     {"lang", "convert", source_name, "new.lang-src"},
+     nullptr,
+     prepare_source,
+     source_stays},
+    {"convert in place",
+     LANG_PROGRAM,
+     {"lang", "convert", source_name, source_name},
+     nullptr,
+     prepare_source,
+     old_text_stays},
+    {"check",
+     LANG_PROGRAM,
+     {"lang", "check", source_name, "code.c"},
+     nullptr,
+     prepare_source,
+     old_text_stays_or_folder_is_told},
+    {"check a folder",
+     LANG_PROGRAM,
+     {"lang", "check", source_name, "."},
+     nullptr,
+     prepare_source,
+     old_text_stays_or_folder_is_told},
+    {"compile",
+     LANG_PROGRAM,
+     {"lang", "compile", "-dst-dir", "out", source_name},
+     nullptr,
+     prepare_source,
+     source_stays},
+    {"excel",
+     LANG_PROGRAM,
+     {"lang", "excel", "unicode", source_name, "keys.slk"},
+     nullptr,
+     prepare_source,
+     source_stays_and_table_is_told},
+    {"export",
+     LANG_KIT,
+     {"lang-kit", "export", "--format", "po", "-o", "out", source_name},
+     nullptr,
+     prepare_source,
+     source_stays,
+     2},
+    {"merge",
+     LANG_KIT,
+     {"lang-kit", "merge", "base.lang-src", source_name, "theirs.lang-src"},
+     nullptr,
+     prepare_second_source,
+     old_text_stays,
+     2},
+    {"library", nullptr, {}, use_library, prepare_texts, nothing_else},
+    {"settings", nullptr, {}, save_settings, prepare_settings, settings_stay},
+};
+#endif
+
+} // namespace
+
+std::span<const fault_job> fault_jobs() { return jobs; }
+
+} // namespace zel_test

@@ -1,0 +1,238 @@
+// Which of a directory's compiled files the user gets, what is there, and chains of handles.
+
+#include "langlib/lang-locale.h"
+
+#include "handles.h"
+#include "langlib/languages.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <vector>
+
+namespace {
+
+using namespace langlib_test;
+
+// What the environment says of languages, for the length of a test.
+constexpr const char *settings[] = {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"};
+
+class Locale : public loading {
+protected:
+    Locale()
+    {
+        for (const char *name : settings) {
+            const char *value = std::getenv(name);
+            before_.push_back(value == nullptr ? "" : value);
+            unsetenv(name);
+        }
+    }
+    ~Locale() override
+    {
+        for (std::size_t i = 0; i < std::size(settings); ++i)
+            setenv(settings[i], before_[i].c_str(), 1);
+    }
+
+    // A file of the directory "texts" in which "who" is the file's path and "all" is everywhere the
+    // default's.
+    static void put(const std::string &path, const std::string &language)
+    {
+        const std::filesystem::path file = "texts/" + path;
+        std::filesystem::create_directories(file.parent_path());
+        zel_test::write_file(file.string(), "FORMAT UTF8 LANGUAGE \"" + language +
+                                                "\" GROUP g who { \"" + path +
+                                                "\" } all { default \"stand-in\" }");
+    }
+
+    // The files of the chain that the settings lead to, "a.lang b.lang"; empty for none.
+    static std::string taken(const std::vector<std::string> &values)
+    {
+        for (std::size_t i = 0; i < std::size(settings); ++i)
+            setenv(settings[i], i < values.size() ? values[i].c_str() : "", 1);
+        lang_de_init();
+        std::string files;
+        for (const lang_locale_t *one = lang_locale_load("texts"); one != nullptr; one = one->next)
+            files += (files.empty() ? "" : " ") + std::string(one->path + std::strlen("texts/"));
+        return files;
+    }
+
+private:
+    std::vector<std::string> before_;
+};
+
+TEST_F(Locale, SettingsCountInTheOrderOfTheCLibrary)
+{
+    put("german.lang", "german");
+    put("at.lang", "German (AT)");
+    put("french-edit/french.lang", "Français");
+    put("sr.lang", "sr@latin");
+    put("zh_Hant.lang", "x");
+    const struct {
+        std::vector<std::string> values; // of LANGUAGE, LC_ALL, LC_MESSAGES, LANG
+        const char *files;
+    } rows[] = {
+        {{"", "", "", "de_DE.UTF-8"}, "german.lang"},
+        {{"", "", "de_AT.UTF-8@euro", "fr_FR"}, "at.lang german.lang"},
+        {{"", "fr_CA", "de_AT", "de_DE"}, "french-edit/french.lang"},
+        {{"fr:de_AT", "de_DE", "", ""}, "french-edit/french.lang at.lang german.lang"},
+        {{"fr", "C", "", "de_DE"}, ""},
+        {{"fr", "POSIX", "", ""}, ""},
+        {{"fr", "", "", ""}, ""},
+        {{"fr", "C.UTF-8", "", ""}, "french-edit/french.lang"},
+        {{"xx:C:fr", "de_DE", "", ""}, ""},
+        {{"", "GERMAN", "", ""}, "german.lang"},
+        {{"", "", "", "sr_RS@latin"}, "sr.lang"},
+        {{"", "", "", "sr_RS"}, ""},
+        {{"", "", "", "zh_TW.UTF-8"}, "zh_Hant.lang"},
+        {{"", "", "", "zh_CN"}, ""},
+        {{"", "", "", "../../../etc"}, ""},
+    };
+    for (const auto &row : rows)
+        EXPECT_EQ(taken(row.values), row.files) << testing::PrintToString(row.values);
+    put("default.lang", "english");
+    EXPECT_EQ(taken({"", "C", "", ""}), "default.lang");
+    EXPECT_EQ(taken({"", "de_DE", "", ""}), "german.lang default.lang");
+    EXPECT_EQ(taken({"", "en_GB", "", ""}), "default.lang");
+}
+
+TEST_F(Locale, LanguagesAreKnownByCodesAndNames)
+{
+    const struct {
+        const char *name;
+        const char *tag;
+    } rows[] = {
+        {"deu", "de"},
+        {"ger", "de"},
+        {"DEUTSCH", "de"},
+        {"РУССКИЙ", "ru"},
+        {"日本語", "ja"},
+        {"norwegian bokmål", "nb"},
+        {"pt-br", "pt_BR"},
+        {"zh-hant-HK", "zh_Hant_HK"},
+        {"brazilian Portuguese", "pt_BR"},
+        {"sr_Latn_RS", "sr_RS@latin"},
+        {"es-419", "es_419"},
+        {"German_at", "de_AT"},
+        {"de_AT.ISO-8859-1", "de_AT"},
+        {"german texts", ""},
+        {"x", ""},
+        {"", ""},
+        {"de_AT_CH", ""},
+        {"\xFF\xFE", ""},
+        {"_", ""},
+        {"de@", "de"},
+    };
+    for (const auto &row : rows) {
+        zel::language_tag tag;
+        zel::language_row found;
+        EXPECT_EQ(zel::read_language(row.name, tag, found), row.tag[0] != '\0') << row.name;
+        EXPECT_EQ(tag.view(), row.tag) << row.name;
+    }
+    zel::language_tag tag;
+    zel::language_row row;
+    EXPECT_FALSE(zel::read_language(std::string(100000, '_'), tag, row));
+    zel::read_language("pt-BR", tag, row);
+    EXPECT_EQ(row.english, "Brazilian Portuguese");
+}
+
+TEST_F(Locale, TheNextFileAnswersWhereOneHasOnlyAStandIn)
+{
+    zel_test::write_file("de_AT.lang", "LANGUAGE de_AT GROUP g a { \"A-AT\" } b { default \"B\" } "
+                                       "c { default \"C\" } e { }");
+    zel_test::write_file("de.lang", "GROUP g a { \"A-DE\" } b { \"B-DE\" } c { default \"C\" } "
+                                    "d { \"D-DE\" } e { \"E-DE\" }");
+    setenv("LANG", "de_AT", 1);
+    const lang_locale_t *taken = lang_locale_load(".");
+    ASSERT_NE(taken, nullptr);
+    EXPECT_STREQ(taken->code, "de_AT");
+    EXPECT_STREQ(taken->own, "Österreichisches Deutsch");
+    EXPECT_EQ(taken, lang_locale_of(nullptr));
+    EXPECT_STREQ(lang_get_string("g", "a"), "A-AT");
+    EXPECT_STREQ(lang_get_string("g", "b"), "B-DE");
+    EXPECT_STREQ(lang_get_string("g", "c"), "C");
+    EXPECT_STREQ(lang_get_string("g", "d"), "D-DE");
+    EXPECT_STREQ(lang_get_string("g", "e"), "E-DE");
+    EXPECT_STREQ(lang_get_string("g", "f"), "f");
+    EXPECT_EQ(lang_check_string("g", "d"), 1);
+
+    EXPECT_EQ(lang_locale_load("."), nullptr) << "a second load is refused";
+    EXPECT_STREQ(lang_get_string("g", "a"), "A-AT");
+    ASSERT_EQ(lang_load_file("de.lang"), 0);
+    EXPECT_EQ(lang_locale_of(nullptr), nullptr);
+    EXPECT_STREQ(lang_get_string("g", "c"), "C");
+    lang_de_init();
+    EXPECT_EQ(lang_locale_load("no such folder"), nullptr);
+    EXPECT_EQ(lang_locale_load(nullptr), nullptr);
+    EXPECT_STREQ(lang_get_string("g", "a"), "a");
+}
+
+// Three files: the last one's own text is better than the stand-ins before it, and the first
+// stand-in better than a later one.
+TEST_F(Locale, AStandInIsShownWhenNoFileHasATextOfItsOwn)
+{
+    zel_test::write_file("de_AT.lang", "GROUP g b { default \"AT\" }");
+    zel_test::write_file("de.lang", "GROUP g a { default \"DE\" } b { default \"DE\" } "
+                                    "c { default \"DE\" }");
+    zel_test::write_file("fr.lang",
+                         "GROUP g a { default \"FR\" } b { default \"FR\" } c { \"FR\" }");
+    const handle_guard handle(lang_locale_new(".", "de_AT:fr"));
+    EXPECT_STREQ(lang_get_str(handle.get(), "g", "a"), "DE");
+    EXPECT_STREQ(lang_get_str(handle.get(), "g", "b"), "AT");
+    EXPECT_STREQ(lang_get_str(handle.get(), "g", "c"), "FR");
+}
+
+TEST_F(Locale, HandlesOfTheCallersAreChained)
+{
+    const handle_guard first = load("GROUP g a { \"1\" }");
+    const handle_guard second = load("GROUP g a { \"2\" } b { \"2\" }");
+    const handle_guard third = load("GROUP g b { \"3\" } c { \"3\" }");
+    const handle_guard import = load("GROUP g c { \"4\" }", 1);
+    EXPECT_EQ(lang_locale_chain(first.get(), second.get()), 0);
+    EXPECT_EQ(lang_locale_chain(second.get(), third.get()), 0);
+    EXPECT_STREQ(lang_get_str(first.get(), "g", "a"), "1");
+    EXPECT_STREQ(lang_get_str(first.get(), "g", "b"), "2");
+    EXPECT_STREQ(lang_get_str(first.get(), "g", "c"), "3");
+    EXPECT_EQ(lang_locale_chain(third.get(), first.get()), 2);
+    EXPECT_EQ(lang_locale_chain(first.get(), first.get()), 2);
+    EXPECT_EQ(lang_locale_chain(first.get(), import.get()), 1);
+    EXPECT_EQ(lang_locale_chain(import.get(), first.get()), 1);
+    EXPECT_EQ(lang_locale_chain(nullptr, first.get()), 1) << "nothing is loaded";
+    EXPECT_EQ(lang_locale_chain(first.get(), nullptr), 0);
+    EXPECT_STREQ(lang_get_str(first.get(), "g", "c"), "c");
+}
+
+TEST_F(Locale, TheListSaysWhatIsThere)
+{
+    put("b.lang", "german");
+    put("a/x.lang", "my own language");
+    put("no-texts.lang", "french");
+    zel_test::write_file("texts/no-texts.lang", "LANGUAGE french");
+    std::filesystem::create_directory("texts/folder.lang");
+    std::filesystem::create_directory("texts/empty");
+    ASSERT_EQ(mkfifo("texts/pipe.lang", 0600), 0); // reading it would never end
+    std::string lines;
+    const auto add = [](const lang_locale_t *file, void *user) {
+        const auto text = [](const char *one) { return std::string(one == nullptr ? "-" : one); };
+        *static_cast<std::string *>(user) += text(file->path) + " " + text(file->name) + " " +
+                                             text(file->code) + " " + text(file->english) + " " +
+                                             text(file->own) + " " + std::to_string(file->texts) +
+                                             " " + std::to_string(file->defaults) + "\n";
+    };
+    lang_sym_system_set("KEPT", "yes");
+    EXPECT_EQ(lang_locale_list("texts", add, &lines), 2);
+    EXPECT_EQ(lines, "texts/a/x.lang my own language - - - 2 1\n"
+                     "texts/b.lang german de German Deutsch 2 1\n");
+    EXPECT_STREQ(lang_sym_get(nullptr, "KEPT"), "yes");
+    EXPECT_EQ(lang_locale_list("texts/empty", add, &lines), 0);
+    EXPECT_EQ(lang_locale_list("texts/none", add, &lines), -1);
+    EXPECT_EQ(taken({"", "My Own Language.UTF-8", "", ""}), "a/x.lang");
+    handle_guard handle(lang_locale_new("texts", "tlh:de"));
+    EXPECT_STREQ(lang_get_str(handle.get(), "g", "who"), "b.lang");
+    EXPECT_STREQ(lang_locale_of(handle.get())->code, "de");
+    EXPECT_EQ(lang_locale_new("texts", "tlh"), nullptr);
+}
+
+} // namespace

@@ -1,0 +1,98 @@
+// The form of a text for a number, in every language that has a rule.
+
+#include "langlib/lang-locale.h"
+
+#include "handles.h"
+#include "langlib/languages.h"
+#include "langlib/plural-rule.h"
+
+#include <climits>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <set>
+#include <sstream>
+
+namespace {
+
+using namespace langlib_test;
+
+class Plural : public loading {};
+
+// The sample numbers that the rules are published with: "de other 0 2-16 100".
+TEST_F(Plural, SampleNumbersOfEveryLanguage)
+{
+    std::ifstream file(LANG_SOURCE_ROOT "/tests/langlib/plural-samples.txt");
+    std::set<std::string> languages;
+    std::size_t numbers = 0;
+    for (std::string line; std::getline(file, line);) {
+        std::istringstream words(line);
+        std::string code;
+        std::string form;
+        words >> code >> form;
+        zel::language_row row;
+        ASSERT_TRUE(zel::find_language(code, row)) << line;
+        languages.insert(code);
+        const zel::plural_forms forms = zel::count_plural_forms(row.plural);
+        for (std::string range; words >> range;) {
+            char *end = nullptr;
+            const unsigned long first = std::strtoul(range.c_str(), &end, 10);
+            const unsigned long last = *end == '-' ? std::strtoul(end + 1, nullptr, 10) : first;
+            for (unsigned long n = first; n <= last; ++n, ++numbers)
+                EXPECT_EQ(
+                    zel::plural_form_name(row.plural, zel::plural_form(row.plural, forms.all, n)),
+                    form)
+                    << code << " " << n;
+        }
+    }
+    EXPECT_GT(languages.size(), 200U);
+    EXPECT_GT(numbers, 5000U);
+}
+
+// The text's form for each of some numbers, where the language is loaded.
+std::string forms(const std::string &language, const char *text,
+                  std::initializer_list<std::int64_t> numbers)
+{
+    const handle_guard handle = load("LANGUAGE \"" + language + "\" GROUP g a { \"b\" }");
+    std::string all;
+    for (const std::int64_t n : numbers)
+        all += (all.empty() ? "" : " ") + std::string(lang_plural_of(handle.get(), text, n));
+    return all;
+}
+
+TEST_F(Plural, FormsOfALoadedLanguage)
+{
+    EXPECT_EQ(forms("english", "one|other", {0, 1, 2, -1}), "other one other one");
+    EXPECT_EQ(forms("Русский", "one|few|many", {1, 22, 5, 111}), "one few many many");
+    EXPECT_EQ(forms("japanese", "all", {0, 1}), "all all");
+    // A form that begins at a million may be left out.
+    EXPECT_EQ(forms("french", "one|other", {0, 1, 2, 1000000}), "one one other other");
+    EXPECT_EQ(forms("french", "one|many|other", {0, 2, 1000000}), "one other many");
+    // Another count than the language's: a stand-in, read as in English, or its last form.
+    EXPECT_EQ(forms("russian", "one|other", {1, 21, 0}), "one other other");
+    EXPECT_EQ(forms("japanese", "one|other", {1, 0}), "one other");
+    EXPECT_EQ(forms("russian", "a|b|c|d", {1, 2}), "d d");
+    EXPECT_EQ(forms("unheard of", "one|other", {1, 2}), "one other");
+    EXPECT_EQ(forms("german", "|other", {2, 1}), "other ");
+    EXPECT_EQ(forms("german", "only", {1, 2}), "only only");
+    EXPECT_EQ(forms("polish", "one|few|many", {INT64_MIN, INT64_MAX}), "many many");
+}
+
+TEST_F(Plural, TheProcessWideLanguageDecides)
+{
+    const char *text = "one|few|many";
+    EXPECT_STREQ(lang_plural(text, 1), "many") << "nothing is loaded";
+    EXPECT_STREQ(lang_plural("one|other", 1), "one");
+    load_process_wide("LANGUAGE czech GROUP g a { \"b\" }");
+    const char *form = lang_plural(text, 3);
+    EXPECT_STREQ(form, "few");
+    EXPECT_EQ(lang_plural("x|few|y", 2), form) << "a form is kept once";
+    EXPECT_EQ(lang_plural(text, 9), text + 8) << "the last form is not copied";
+    EXPECT_STREQ(lang_plural(nullptr, 1), "");
+    for (int i = 0; i < 1000; ++i) {
+        const std::string name = "form " + std::to_string(i);
+        EXPECT_EQ(lang_plural((name + "|b|c").c_str(), 1), name);
+    }
+    EXPECT_STREQ(form, "few");
+}
+
+} // namespace
