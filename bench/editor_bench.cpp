@@ -276,6 +276,29 @@ void next_with_work(benchmark::State &state)
     }
 }
 
+// Another item, with the search for what is most like its text; the index is built.
+void suggestion(benchmark::State &state)
+{
+    window main(static_cast<int>(state.range(0)));
+    GtkWidget *table = GTK_WIDGET(main.open());
+    wait_until_judged(table);
+    const gint64 built = g_get_monotonic_time() + 3 * G_USEC_PER_SEC;
+    while (g_get_monotonic_time() < built)
+        gtk_main_iteration_do(FALSE);
+    auto *group = static_cast<edit_t *>(main.source->groups->data);
+    auto *item = static_cast<item_t *>(group->items->next->data);
+    lang_entry_t *english = misc_select_lang_entry(item, "english");
+    free_lang_entry_text(english->texts);
+    english->texts = g_list_append(nullptr, g_strdup("select the size of the page image to print"));
+    while (state.KeepRunning()) {
+        zel_tab_edit_next(table);
+        state.PauseTiming();
+        zel_tab_edit_first(table);
+        paint();
+        state.ResumeTiming();
+    }
+}
+
 // A text of that many letters without a break: the item before it, then it.
 void unbroken(benchmark::State &state)
 {
@@ -316,6 +339,7 @@ constexpr job jobs[] = {
     {"undo/ours", undo},
     {"keystroke_checked/ours", keystroke_checked},
     {"next_with_work/ours", next_with_work},
+    {"suggestion/ours", suggestion},
     {"sort_by_date/ours", [](benchmark::State &state) { sort(state, COL_TIME); }},
     {"sort_by_ready/ours", [](benchmark::State &state) { sort(state, COL_READY); }},
 };

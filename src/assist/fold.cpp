@@ -29,8 +29,17 @@ void append_folded(std::string &out, char32_t c)
     out.append(bytes, static_cast<std::size_t>(length));
 }
 
-bool is_in(const std::vector<std::string> &words, std::string_view text)
+bool is_ascii(std::string_view text)
 {
+    return std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; });
+}
+
+bool is_in(const std::vector<std::string> &words, bool ascii, std::string_view text)
+{
+    // The letters of ASCII are nobody else's small or capital ones, so that most texts need no
+    // copy.
+    if (!ascii && is_ascii(text))
+        return false;
     const std::string folded = fold(text);
     return std::all_of(words.begin(), words.end(), [&](const std::string &word) {
         return folded.find(word) != std::string::npos;
@@ -56,13 +65,14 @@ folded_words::folded_words(std::string_view text)
             words_.push_back(fold(text.substr(at, end - at)));
         at = end + 1;
     }
+    ascii_ = std::all_of(words_.begin(), words_.end(), is_ascii);
 }
 
 // Each word in one of the strings, which are lines of a text.
 bool folded_words::are_in_strings(GList *strings) const
 {
     if (strings != nullptr && strings->next == nullptr)
-        return is_in(words_, zel::or_empty(static_cast<const char *>(strings->data)));
+        return is_in(words_, ascii_, zel::or_empty(static_cast<const char *>(strings->data)));
     std::vector<std::string> lines;
     for (const char *line : each<char>(strings))
         lines.push_back(fold(zel::or_empty(line)));
@@ -75,7 +85,7 @@ bool folded_words::are_in_strings(GList *strings) const
 
 bool folded_words::are_in(const item_t *item, const char *lang1, const char *lang2) const
 {
-    if (is_in(words_, zel::or_empty(item->name)))
+    if (is_in(words_, ascii_, zel::or_empty(item->name)))
         return true;
     for (const char *lang : {lang1, lang2}) {
         const lang_entry_t *entry = misc_select_lang_entry(const_cast<item_t *>(item), lang);

@@ -35,6 +35,7 @@ private:
     bool are_in_strings(GList *strings) const;
 
     std::vector<std::string> words_; // folded; none is empty
+    bool ascii_ = true;              // all of them
 };
 
 } // namespace zel::assist

@@ -14,6 +14,7 @@
 #include "editor/w_tab_panes.h"
 #include "editor/w_tab_search.h"
 #include "editor/w_tab_shot.h"
+#include "editor/w_tab_suggest.h"
 #include "editor/w_tab_widths.h"
 #include "editor/w_tab_work.h"
 #include "editor/w_text.h"
@@ -177,6 +178,7 @@ void tree_selection_changed_cb(GtkTreeSelection *, gpointer data)
     else
         show_ready(tab, nullptr);
     tab->work->item_shown(number);
+    tab->suggest->item_shown(number);
     tab->search->mark_hits();
     if (field >= 0 && !zel::text_focus_field(ZEL_TEXT(tab->text_widget), field))
         gtk_widget_grab_focus(tab->view);
@@ -252,6 +254,7 @@ gboolean tree_filter_changed_cb(GtkWidget *, gpointer data)
         empty_text(tab, 1);
         show_ready(tab, nullptr);
         tab->work->item_shown(-1);
+        tab->suggest->item_shown(-1);
     }
     refilter(tab);
     if (in_text)
@@ -292,6 +295,7 @@ void destroy_cb(GtkObject *, gpointer data)
         return;
     tab->busy = 1;
     tab->work->stop();
+    tab->suggest->stop();
     zel::tab_rows_clear(rows_of(tab));
     show_rows(tab, {});
     g_clear_object(&tab->pix_active);
@@ -394,11 +398,12 @@ void make_search(ZelTabEdit *tab)
     tab->search_entry = tab->search->entry();
 }
 
-void make_work(ZelTabEdit *tab)
+void make_work_and_help(ZelTabEdit *tab)
 {
     tab->work =
         new zel::tab_work({view_of(tab), shown_rows(tab), *tab->rows, ZEL_TEXT(tab->text_widget),
                            tab->ready_button, [tab] { tree_filter_changed_cb(nullptr, tab); }});
+    tab->suggest = new zel::tab_suggest(*tab->rows, ZEL_TEXT(tab->text_widget));
 }
 
 void instance_init(GTypeInstance *instance, gpointer)
@@ -411,7 +416,7 @@ void instance_init(GTypeInstance *instance, gpointer)
     GtkWidget *list = make_list(tab);
     GtkWidget *panes = zel::tab_panes_new(list, make_text_side(tab));
     make_search(tab);
-    make_work(tab);
+    make_work_and_help(tab);
     gtk_box_pack_start(GTK_BOX(tab->search->row()), tab->work->filter_button(), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(box), tab->search->row(), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(box), panes, TRUE, TRUE, 0);
@@ -433,6 +438,7 @@ void finalize(GObject *object)
     g_object_unref(tab->store);
     zel::replace_string(tab->last_group, nullptr);
     delete tab->work;
+    delete tab->suggest;
     delete tab->search;
     delete tab->rows;
     G_OBJECT_CLASS(parent_class)->finalize(object);
@@ -490,6 +496,7 @@ void fill(ZelTabEdit *tab, LangSource *source)
     std::iota(all.begin(), all.end(), 0U);
     zel_tab_model_show(ZEL_TAB_MODEL(tab->store), std::move(all));
     tab->work->rows_changed();
+    tab->suggest->rows_changed();
     refilter(tab);
     zel::tab_widths_measure(view_of(tab));
 }
@@ -520,6 +527,7 @@ void follow_languages(ZelTabEdit *tab)
 {
     select_languages(tab);
     tab->work->rows_changed();
+    tab->suggest->rows_changed();
     zel::tab_widths_measure(view_of(tab));
     gtk_widget_queue_draw(tab->view);
 }

@@ -21,6 +21,7 @@
 namespace zel {
 struct tab_rows;
 class tab_search;
+class tab_suggest;
 class tab_work;
 } // namespace zel
 
@@ -47,6 +48,7 @@ struct ZelTabEdit {
     int busy;                             // a selection or search handler runs
     std::shared_ptr<zel::tab_rows> *rows; // what the three models stand on
     zel::tab_search *search;              // the row above the list
+    zel::tab_suggest *suggest;            // help with its translations
     zel::tab_work *work;                  // what is left to do in them
 };
 

@@ -49,12 +49,6 @@ GtkWidget *make_progress_label()
 
 } // namespace
 
-struct tab_work::key {
-    tab_work *self;
-    void (*act)(tab_work *work);
-    GClosure *closure;
-};
-
 tab_work::tab_work(tab_work_parts parts)
     : parts_(std::move(parts)), filter_(make_filter_button()),
       progress_label_(make_progress_label())
@@ -75,10 +69,7 @@ void tab_work::stop()
     if (timer_ != 0)
         g_source_remove(timer_);
     timer_ = 0;
-    for (const auto &bound : closures_)
-        gtk_accel_group_disconnect(keys_, bound->closure);
-    closures_.clear();
-    g_clear_object(&keys_);
+    keys_.clear();
     progress_.reset(0);
     item_row_ = -1;
 }
@@ -311,14 +302,12 @@ void tab_work::done_and_next()
 
 // --- Keys --------------------------------------------------------------------------------------
 
-gboolean tab_work::key_pressed(GtkAccelGroup *, GObject *, guint, GdkModifierType, gpointer data)
+void tab_work::key_pressed(void (*act)(tab_work *work))
 {
-    const key *pressed = static_cast<key *>(data);
-    if (pressed->self->progress_.count() == 0)
-        return TRUE;
+    if (progress_.count() == 0)
+        return;
     edit_status(nullptr);
-    pressed->act(pressed->self);
-    return TRUE;
+    act(this);
 }
 
 void tab_work::add_keys()
@@ -336,16 +325,8 @@ void tab_work::add_keys()
         {GDK_KEY_Return, GDK_CONTROL_MASK, [](tab_work *work) { work->done_and_next(); }},
         {GDK_KEY_KP_Enter, GDK_CONTROL_MASK, [](tab_work *work) { work->done_and_next(); }},
     };
-    if (accel_group == nullptr)
-        return;
-    keys_ = GTK_ACCEL_GROUP(g_object_ref(accel_group));
-    for (const key_row &row : rows) {
-        closures_.push_back(std::make_unique<key>(key{this, row.act, nullptr}));
-        key *made = closures_.back().get();
-        made->closure = g_cclosure_new(G_CALLBACK(key_pressed), made, nullptr);
-        gtk_accel_group_connect(keys_, row.keyval, row.modifier, static_cast<GtkAccelFlags>(0),
-                                made->closure);
-    }
+    for (const key_row &row : rows)
+        keys_.add(row.keyval, row.modifier, [this, act = row.act] { key_pressed(act); });
 }
 
 } // namespace zel

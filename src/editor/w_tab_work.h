@@ -12,6 +12,7 @@
 #include <memory>
 
 #include "assist/progress.h"
+#include "editor/key-set.h"
 #include "editor/w_tab_model.h"
 #include "editor/w_text_panel.h"
 
@@ -53,8 +54,6 @@ public:
     void stop();
 
 private:
-    struct key;
-    static gboolean key_pressed(GtkAccelGroup *, GObject *, guint, GdkModifierType, gpointer data);
     static void typed(GtkTextBuffer *, gpointer self);
     static gboolean slice(gpointer self);
     static void show_cell(GtkTreeViewColumn *, GtkCellRenderer *cell, GtkTreeModel *,
@@ -63,6 +62,7 @@ private:
     void watch_panel();
     void mark_cells();
     void add_keys();
+    void key_pressed(void (*act)(tab_work *work));
     assist::judge make_judge() const;
     const assist::item_state &state_of(std::uint32_t row);
     void judge_row(assist::judge &judge, std::uint32_t row);
@@ -81,8 +81,7 @@ private:
     std::uint32_t next_row_ = 0; // that the slices come to
     int item_row_ = -1;          // whose item is shown
     guint timer_ = 0;
-    GtkAccelGroup *keys_ = nullptr;
-    std::vector<std::unique_ptr<key>> closures_;
+    key_set keys_;
 };
 
 } // namespace zel

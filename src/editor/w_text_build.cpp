@@ -140,6 +140,16 @@ GtkWidget *make_caption_row(Zeltext *text, int number, GtkWidget *caption)
     return row;
 }
 
+GtkWidget *make_suggestion(Zeltext *text, int number)
+{
+    GtkWidget *label = gtk_label_new(nullptr);
+    gtk_misc_set_alignment(GTK_MISC(label), 0.0F, 0.5F);
+    gtk_label_set_ellipsize(GTK_LABEL(label), PANGO_ELLIPSIZE_END);
+    gtk_widget_set_no_show_all(label, TRUE);
+    (number == TEXT_TRANS1 ? text->suggestion1_label : text->suggestion2_label) = label;
+    return label;
+}
+
 void make_field(Zeltext *text, int number, GtkWidget *box)
 {
     const field_t &field = fields[number];
@@ -149,6 +159,8 @@ void make_field(Zeltext *text, int number, GtkWidget *box)
     gtk_box_pack_start(GTK_BOX(box), is_comment ? label : make_caption_row(text, number, label),
                        FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(box), make_view_frame(view), is_comment ? FALSE : TRUE, TRUE, 0);
+    if (!is_comment)
+        gtk_box_pack_start(GTK_BOX(box), make_suggestion(text, number), FALSE, FALSE, 0);
     g_signal_connect(view, "focus-in-event", G_CALLBACK(show_whole_field), label);
     text->*field.view = view;
     text->*field.label = label;

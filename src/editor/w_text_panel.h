@@ -43,6 +43,8 @@ struct Zeltext {
     int pos;
     GtkWidget *finding1_label; // beside the captions of the translations: what is wrong with them
     GtkWidget *finding2_label;
+    GtkWidget *suggestion1_label; // under the translations: how a similar text is translated
+    GtkWidget *suggestion2_label;
     int made[TEXT_FIELDS]; // the bound entry came to be by being shown, and is in no file
 };
 

@@ -1,0 +1,133 @@
+#include "assist/similar.h"
+
+#include "assist/fold.h"
+
+#include <algorithm>
+
+namespace zel::assist {
+
+namespace {
+
+constexpr double least_likeness = 0.6;
+constexpr std::size_t longest = 400; // bytes; a longer text is compared as a whole only
+constexpr std::size_t most_compared = 500; // texts
+
+// The different ones, in order. The ends of a text count, so that short ones have some.
+std::vector<std::uint32_t> trigrams(std::string_view text)
+{
+    std::vector<std::uint32_t> out;
+    if (text.size() > longest)
+        return out;
+    std::uint32_t last = ' ' << 8 | ' ';
+    const auto take = [&](char c) {
+        last = (last << 8 | static_cast<unsigned char>(c)) & 0xffffffU;
+        out.push_back(last);
+    };
+    for (const char c : fold(text))
+        take(c);
+    take(' ');
+    std::sort(out.begin(), out.end());
+    out.erase(std::unique(out.begin(), out.end()), out.end());
+    return out;
+}
+
+std::size_t common(const std::vector<std::uint32_t> &a, const std::vector<std::uint32_t> &b)
+{
+    std::size_t found = 0;
+    for (auto i = a.begin(), j = b.begin(); i != a.end() && j != b.end();) {
+        if (*i == *j)
+            ++found;
+        const bool step_a = *i <= *j;
+        j += *j <= *i ? 1 : 0;
+        i += step_a ? 1 : 0;
+    }
+    return found;
+}
+
+double likeness(const std::vector<std::uint32_t> &a, const std::vector<std::uint32_t> &b)
+{
+    const std::size_t all = a.size() + b.size();
+    return all == 0 ? 0 : 2.0 * static_cast<double>(common(a, b)) / static_cast<double>(all);
+}
+
+std::size_t hash_of(std::string_view text)
+{
+    return std::max<std::size_t>(std::hash<std::string_view>()(text), 1);
+}
+
+} // namespace
+
+void similar_texts::reset(std::size_t items)
+{
+    hashes_.assign(items, 0);
+    by_hash_.clear();
+    by_trigram_.clear();
+}
+
+void similar_texts::add(std::uint32_t item)
+{
+    const std::string text = text_(item);
+    const std::size_t hash = hash_of(text);
+    if (hashes_[item] == hash)
+        return;
+    hashes_[item] = hash;
+    by_hash_.emplace(hash, item);
+    for (const std::uint32_t trigram : trigrams(text))
+        by_trigram_[trigram].push_back(item);
+}
+
+std::optional<similar_texts::match>
+similar_texts::same(std::uint32_t item, const std::string &text,
+                    const std::function<bool(std::uint32_t)> &wanted) const
+{
+    std::optional<match> found;
+    const auto [begin, end] = by_hash_.equal_range(hash_of(text));
+    for (auto at = begin; at != end; ++at) {
+        const std::uint32_t other = at->second;
+        if (other != item && (!found || other < found->item) && text_(other) == text &&
+            wanted(other))
+            found = {other, 1};
+    }
+    return found;
+}
+
+std::optional<similar_texts::match>
+similar_texts::best(std::uint32_t item, const std::function<bool(std::uint32_t)> &wanted) const
+{
+    const std::string text = text_(item);
+    std::optional<match> found = same(item, text, wanted);
+    const std::vector<std::uint32_t> own = trigrams(text);
+    if (found || own.empty())
+        return found;
+
+    std::vector<std::uint16_t> shared(hashes_.size());
+    for (const std::uint32_t trigram : own) {
+        const auto items = by_trigram_.find(trigram);
+        if (items == by_trigram_.end())
+            continue;
+        for (const std::uint32_t other : items->second)
+            ++shared[other];
+    }
+    // Sharing n of its own, the other one is at best made of just these. The likeliest first, so
+    // that few texts are compared.
+    const auto limit = [&](std::uint32_t other) {
+        return 2.0 * shared[other] / static_cast<double>(own.size() + shared[other]);
+    };
+    std::vector<std::uint32_t> others;
+    for (std::uint32_t other = 0; other < shared.size(); ++other)
+        if (other != item && limit(other) >= least_likeness)
+            others.push_back(other);
+    std::stable_sort(others.begin(), others.end(),
+                     [&](std::uint32_t a, std::uint32_t b) { return shared[a] > shared[b]; });
+    others.resize(std::min(others.size(), most_compared));
+    for (const std::uint32_t other : others) {
+        if (found && limit(other) <= found->likeness)
+            break;
+        const double like = likeness(own, trigrams(text_(other)));
+        if (like >= least_likeness && (!found || like > found->likeness) && wanted(other))
+            found = {other, like};
+    }
+    return found;
+}
+
+} // namespace zel::assist

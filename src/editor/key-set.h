@@ -1,0 +1,37 @@
+#pragma once
+
+// Keys of the main window that belong to something that goes before the window does.
+
+#include <gtk/gtk.h>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace zel {
+
+class key_set {
+public:
+    // Without a main window there are no keys.
+    key_set();
+    ~key_set() { clear(); }
+    key_set(const key_set &) = delete;
+    key_set &operator=(const key_set &) = delete;
+
+    void add(guint keyval, GdkModifierType modifiers, std::function<void()> act);
+
+    // Gives the keys back.
+    void clear();
+
+private:
+    struct bound {
+        std::function<void()> act;
+        GClosure *closure;
+    };
+    static gboolean pressed(GtkAccelGroup *, GObject *, guint, GdkModifierType, gpointer key);
+
+    GtkAccelGroup *group_;
+    std::vector<std::unique_ptr<bound>> keys_;
+};
+
+} // namespace zel

@@ -1,0 +1,256 @@
+#include "editor/w_tab_suggest.h"
+
+#include "assist/pieces.h"
+#include "editor/edit-state.h"
+#include "editor/text-places.h"
+#include "editor/ui-text.h"
+#include "editor/w_text.h"
+#include "source/misc.h"
+
+#include <gdk/gdkkeysyms.h>
+
+#include <string>
+
+namespace zel {
+
+namespace {
+
+// Behind the judging of the rows, which is seen at once.
+constexpr guint before_first_slice = 300; // milliseconds
+constexpr guint between_slices = 8;
+constexpr gint64 slice_length = 4000; // microseconds
+constexpr std::uint32_t rows_between_looks = 16;
+
+GtkTextBuffer *buffer_of(GtkWidget *view) { return gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)); }
+
+GtkWidget *label_of(Zeltext *panel, int field)
+{
+    return field == TEXT_TRANS1 ? panel->suggestion1_label : panel->suggestion2_label;
+}
+
+std::string text_of(const lang_entry_t *entry)
+{
+    std::string out;
+    for (const char *line : each<char>(entry == nullptr ? nullptr : entry->texts))
+        out += line == nullptr ? "" : line;
+    return out;
+}
+
+// In one line.
+std::string flat(const std::string &text)
+{
+    std::string out = utf8_shown(text.c_str());
+    for (char &c : out)
+        c = c == '\n' || c == '\r' ? ' ' : c;
+    return out;
+}
+
+// As if it was typed, so that it counts as an edit and can be undone as one.
+void put(GtkWidget *view, const std::string &text, bool instead)
+{
+    GtkTextBuffer *buffer = buffer_of(view);
+    GtkTextIter start;
+    GtkTextIter end;
+    gtk_text_buffer_begin_user_action(buffer);
+    if (instead) {
+        gtk_text_buffer_get_bounds(buffer, &start, &end);
+        gtk_text_buffer_delete_interactive(buffer, &start, &end, TRUE);
+    } else {
+        gtk_text_buffer_delete_selection(buffer, TRUE, TRUE);
+    }
+    gtk_text_buffer_insert_interactive_at_cursor(buffer, text.c_str(), -1, TRUE);
+    gtk_text_buffer_end_user_action(buffer);
+    gtk_text_view_scroll_mark_onscreen(GTK_TEXT_VIEW(view), gtk_text_buffer_get_insert(buffer));
+    gtk_widget_grab_focus(view);
+}
+
+} // namespace
+
+tab_suggest::tab_suggest(std::shared_ptr<tab_rows> rows, Zeltext *panel)
+    : rows_(std::move(rows)), panel_(panel),
+      index_([this](std::uint32_t row) { return reference_of(row); })
+{
+    add_keys();
+}
+
+void tab_suggest::stop()
+{
+    if (timer_ != 0)
+        g_source_remove(timer_);
+    timer_ = 0;
+    keys_.clear();
+    index_.reset(0);
+    row_ = -1;
+}
+
+// --- Texts -------------------------------------------------------------------------------------
+
+// Into the shown languages but the source's own one.
+bool tab_suggest::is_translated_into(int field) const
+{
+    const auto &lang = field == TEXT_TRANS1 ? rows_->lang1 : rows_->lang2;
+    return lang != nullptr && rows_->source != nullptr &&
+           g_strcmp0(lang->c_str(), rows_->source->default_lang) != 0;
+}
+
+// The translation that is typed in, else the one that is translated into; -1 for none.
+int tab_suggest::field_to_fill() const
+{
+    const int focused = text_focused_field(panel_);
+    if (row_ < 0 || focused == TEXT_TRANS1 || focused == TEXT_TRANS2)
+        return row_ < 0 ? -1 : focused;
+    if (is_translated_into(TEXT_TRANS2) || rows_->lang1 == nullptr)
+        return rows_->lang2 == nullptr ? -1 : TEXT_TRANS2;
+    return TEXT_TRANS1;
+}
+
+std::string tab_suggest::reference_of(std::uint32_t row) const
+{
+    item_t *item = rows_->rows[row].item;
+    lang_entry_t *entry = misc_select_lang_entry(item, rows_->source->default_lang);
+    if (misc_search_empty_in_lang_entry(entry) != 0)
+        return item->name == nullptr ? "" : item->name;
+    return text_of(entry);
+}
+
+lang_entry_t *tab_suggest::translation(std::uint32_t row, int field) const
+{
+    const auto &lang = field == TEXT_TRANS1 ? rows_->lang1 : rows_->lang2;
+    return lang == nullptr ? nullptr : misc_select_lang_entry(rows_->rows[row].item, lang->c_str());
+}
+
+// --- Index -------------------------------------------------------------------------------------
+
+void tab_suggest::rows_changed()
+{
+    if (timer_ != 0)
+        g_source_remove(timer_);
+    index_.reset(rows_->rows.size());
+    next_row_ = 0;
+    item_shown(-1);
+    timer_ = g_timeout_add_full(G_PRIORITY_LOW, before_first_slice, slice, this, nullptr);
+}
+
+gboolean tab_suggest::slice(gpointer data)
+{
+    auto *self = static_cast<tab_suggest *>(data);
+    const gint64 end = g_get_monotonic_time() + slice_length;
+    std::uint32_t looks = 0;
+    do {
+        if (self->next_row_ >= self->index_.count()) {
+            self->timer_ = 0;
+            self->suggest_all();
+            return FALSE;
+        }
+        self->index_.add(self->next_row_++);
+    } while (++looks % rows_between_looks != 0 || g_get_monotonic_time() < end);
+    self->timer_ = g_timeout_add_full(G_PRIORITY_LOW, between_slices, slice, self, nullptr);
+    return FALSE;
+}
+
+// --- The line under a translation --------------------------------------------------------------
+
+void tab_suggest::suggest(int field)
+{
+    int &found = found_[field == TEXT_TRANS1 ? 0 : 1];
+    GtkWidget *label = label_of(panel_, field);
+    found = -1;
+    gtk_widget_set_visible(label, row_ >= 0 && is_translated_into(field));
+    std::string text;
+    std::string tooltip;
+    if (row_ >= 0 && is_translated_into(field)) {
+        const auto best = index_.best(static_cast<std::uint32_t>(row_), [&](std::uint32_t row) {
+            return misc_search_empty_in_lang_entry(translation(row, field)) == 0;
+        });
+        if (best) {
+            found = static_cast<int>(best->item);
+            const tab_row &row = rows_->rows[best->item];
+            text = flat(text_of(translation(best->item, field))) + " (" +
+                   utf8_shown(row.group->name) + ")";
+            if (best->likeness < 1)
+                text += " ~ " + flat(reference_of(best->item));
+            tooltip = text + "\n" + ui_text("tab-edit", "Take it (Ctrl+Space)");
+        }
+    }
+    if (text != gtk_label_get_text(GTK_LABEL(label)))
+        gtk_label_set_text(GTK_LABEL(label), text.c_str());
+    gtk_widget_set_tooltip_text(label, tooltip.empty() ? nullptr : tooltip.c_str());
+}
+
+void tab_suggest::suggest_all()
+{
+    suggest(TEXT_TRANS1);
+    suggest(TEXT_TRANS2);
+}
+
+void tab_suggest::item_shown(int row)
+{
+    if (row_ >= 0 && static_cast<std::size_t>(row_) < index_.count() && row != row_ &&
+        static_cast<std::uint32_t>(row_) < next_row_)
+        index_.add(static_cast<std::uint32_t>(row_)); // its text may be another now
+    row_ = row >= 0 && static_cast<std::size_t>(row) < index_.count() ? row : -1;
+    suggest_all();
+}
+
+// --- Keys --------------------------------------------------------------------------------------
+
+void tab_suggest::take_suggestion()
+{
+    int field = field_to_fill();
+    if (field >= 0 && !is_translated_into(field))
+        field = field == TEXT_TRANS1 ? TEXT_TRANS2 : TEXT_TRANS1;
+    const int row = field < 0 ? -1 : found_[field == TEXT_TRANS1 ? 0 : 1];
+    if (row < 0) {
+        edit_status(ui_text("tab-edit", "No suggestion"));
+        return;
+    }
+    const lang_entry_t *entry = translation(static_cast<std::uint32_t>(row), field);
+    put(panel_->*fields[field].view, utf8_shown(text_of(entry).c_str()), true);
+}
+
+void tab_suggest::copy_other()
+{
+    const int field = field_to_fill();
+    if (field < 0)
+        return;
+    const int other = field == TEXT_TRANS1 ? TEXT_TRANS2 : TEXT_TRANS1;
+    const std::string text = buffer_text(buffer_of(panel_->*fields[other].view));
+    if (text.empty())
+        edit_status(ui_text("tab-edit", "The other text is empty"));
+    else
+        put(panel_->*fields[field].view, text, true);
+}
+
+void tab_suggest::insert_piece(std::size_t number)
+{
+    const int field = field_to_fill();
+    if (field < 0)
+        return;
+    const int other = field == TEXT_TRANS1 ? TEXT_TRANS2 : TEXT_TRANS1;
+    const std::string text = buffer_text(buffer_of(panel_->*fields[other].view));
+    const std::vector<assist::piece> pieces = assist::pieces_of(text);
+    if (number > pieces.size()) {
+        edit_status(ui_text("tab-edit", "The other text has fewer conversions, symbols and tags"));
+        return;
+    }
+    const auto &[at, length] = pieces[number - 1];
+    put(panel_->*fields[field].view, text.substr(at, length), false);
+}
+
+void tab_suggest::add_keys()
+{
+    constexpr std::size_t digits = 9;
+    const auto add = [this](guint keyval, std::function<void()> act) {
+        keys_.add(keyval, GDK_CONTROL_MASK, [act = std::move(act)] {
+            edit_status(nullptr);
+            act();
+        });
+    };
+    add(GDK_KEY_space, [this] { take_suggestion(); });
+    add(GDK_KEY_b, [this] { copy_other(); });
+    for (std::size_t digit = 1; digit <= digits; ++digit)
+        for (const guint first : {GDK_KEY_0, GDK_KEY_KP_0})
+            add(first + static_cast<guint>(digit), [this, digit] { insert_piece(digit); });
+}
+
+} // namespace zel

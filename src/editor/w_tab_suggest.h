@@ -1,0 +1,61 @@
+#pragma once
+
+// Help with a translation: under its field what the same or the most similar text is translated as
+// elsewhere in the source, and keys that take it, the other language's text, or parts of that.
+//
+// The index of the texts is built in slices while nothing else happens; what it holds so far is
+// used.
+
+#include <gtk/gtk.h>
+
+#include <array>
+#include <memory>
+
+#include "assist/similar.h"
+#include "editor/key-set.h"
+#include "editor/w_tab_model.h"
+#include "editor/w_text_panel.h"
+
+namespace zel {
+
+class tab_suggest {
+public:
+    // Both outlive it.
+    tab_suggest(std::shared_ptr<tab_rows> rows, Zeltext *panel);
+    ~tab_suggest() { stop(); }
+    tab_suggest(const tab_suggest &) = delete;
+    tab_suggest &operator=(const tab_suggest &) = delete;
+
+    // The rows, their languages or many of their texts are others.
+    void rows_changed();
+
+    // The panel shows the row's item now (-1: none), and has stored the one before.
+    void item_shown(int row);
+
+    // The table goes: nothing is looked at or listened to any more.
+    void stop();
+
+private:
+    static gboolean slice(gpointer self);
+    void add_keys();
+    bool is_translated_into(int field) const;
+    int field_to_fill() const;
+    std::string reference_of(std::uint32_t row) const;
+    lang_entry_t *translation(std::uint32_t row, int field) const;
+    void suggest(int field);
+    void suggest_all();
+    void take_suggestion();
+    void copy_other();
+    void insert_piece(std::size_t number);
+
+    std::shared_ptr<tab_rows> rows_;
+    Zeltext *panel_;
+    assist::similar_texts index_;
+    std::uint32_t next_row_ = 0;          // that the slices come to
+    int row_ = -1;                        // whose item is shown
+    std::array<int, 2> found_ = {-1, -1}; // the row whose text is suggested, of each translation
+    guint timer_ = 0;
+    key_set keys_;
+};
+
+} // namespace zel
