@@ -9,7 +9,7 @@ namespace zel::assist {
 namespace {
 
 constexpr double least_likeness = 0.6;
-constexpr std::size_t longest = 400; // bytes; a longer text is compared as a whole only
+constexpr std::size_t longest = 400;       // bytes; a longer text is compared as a whole only
 constexpr std::size_t most_compared = 500; // texts
 
 // The different ones, in order. The ends of a text count, so that short ones have some.

@@ -45,8 +45,6 @@ void append(name_buffer &buffer, const char *text)
     buffer[length + added] = '\0';
 }
 
-// ---- Pieces of a request
-
 // The text of a string or the value of a name; null after a message.
 const char *text_of(const symtab_t *symbols, const zel_token_t *token, const char *path, int error)
 {
@@ -71,8 +69,6 @@ bool read_comma(const scan &s, zel_lex_t *lex, int error)
     std::printf("ERROR(%d): syntax %s line %d expected ','\n", error, s.path, line_of(token));
     return false;
 }
-
-// ---- What a request does
 
 struct request {
     name_buffer group;
@@ -220,8 +216,6 @@ int read_described_entry(const scan &s, zel_lex_t *lex, bool with_symbol)
     print_request(place, wanted.group, name);
     return 0;
 }
-
-// ---- The scanning loop
 
 int read_tokens(const scan &s, zel_lex_t *lex);
 

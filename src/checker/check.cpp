@@ -43,8 +43,6 @@ int check_path(zel::item_index &index, const char *path, std::int64_t now)
     return result;
 }
 
-// ---- The command
-
 // The source at the path, or an empty one where there is none or its text is none. A source that
 // is there and cannot be read through is left alone: what it holds would be lost.
 check_result read_or_begin(const char *path, std::int64_t now, source_guard &source, bool &begun)

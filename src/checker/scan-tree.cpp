@@ -32,8 +32,6 @@ bool is_scanned(std::string_view name)
                std::end(scanned_names);
 }
 
-// ---- Directory trees
-
 struct file_id {
     dev_t device;
     ino_t number;

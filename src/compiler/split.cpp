@@ -22,8 +22,6 @@
 
 namespace {
 
-// ---- The files
-
 // One language's file under construction. It holds no handle between two writes, so that there may
 // be more languages than handles.
 struct language_file {
@@ -91,8 +89,6 @@ language_file_ptr open_language(const lang_t *lang, const char *destination,
     zel::append_format(opened->text, zel::compiled_first_line, name.c_str());
     return opened;
 }
-
-// ---- The text
 
 bool has_text(const lang_entry_t *entry)
 {
@@ -236,8 +232,6 @@ void log_directory(const char *destination)
         LogPrint(1, "split_file: >%s<\n", static_cast<const char *>(node->data));
     dir_list_free(names);
 }
-
-// ---- A language's file as a stream
 
 ssize_t write_to_language(void *cookie, const char *data, std::size_t size)
 {

@@ -80,8 +80,6 @@ char *select_file(const chooser &choose, char *folder, char *name, bool writes)
     return choose.run();
 }
 
-// --- Filters by ending, typed names, recent files ------------------------------------------------
-
 // What the first filter lets through.
 struct shown_files {
     std::string ending;

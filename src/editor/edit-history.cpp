@@ -116,8 +116,6 @@ std::optional<std::string> name_of(const char *name)
 
 namespace zel {
 
-// --- The steps ---------------------------------------------------------------------------------
-
 void edit_history::clear()
 {
     steps_.clear();
@@ -228,8 +226,6 @@ edit_history &source_history()
     static edit_history history;
     return history;
 }
-
-// --- The model ---------------------------------------------------------------------------------
 
 lang_entry_t *find_entry(const text_place &place)
 {

@@ -140,8 +140,6 @@ private:
 // The history of the editor's current source.
 edit_history &source_history();
 
-// --- The model ---------------------------------------------------------------------------------
-
 lang_entry_t *find_entry(const text_place &place); // the first of the language, or null
 entry_text read_text(const text_place &place);
 void set_lines(lang_entry_t *entry, const entry_text &text); // as they are stored

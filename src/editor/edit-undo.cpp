@@ -22,8 +22,6 @@ using namespace zel;
 ZelTabEdit *table() { return ZEL_TAB_EDIT(editWin); }
 Zeltext *panel() { return ZEL_TEXT(table()->text_widget); }
 
-// --- Going there -------------------------------------------------------------------------------
-
 item_t *item_of(const edit_change &change)
 {
     if (const auto *text = std::get_if<text_change>(&change))
@@ -73,8 +71,6 @@ void go_to(const item_t *item)
     if (panel()->item != item)
         tab_list_go_to(GTK_TREE_VIEW(table()->view), place_of(row));
 }
-
-// --- Changing there ----------------------------------------------------------------------------
 
 std::string shown(const entry_text &text)
 {
@@ -198,8 +194,6 @@ void take(bool back)
         change_source(*step, back);
     edit_set_modified(source_history().modified());
 }
-
-// --- Keys and menus ----------------------------------------------------------------------------
 
 struct command {
     const char *text;

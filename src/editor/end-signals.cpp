@@ -18,8 +18,6 @@
 
 namespace {
 
-// ---- Signals that ask for the end
-
 struct asked_end {
     int number;
     guint source;
@@ -43,8 +41,6 @@ bool is_ignored(int number)
            now.sa_handler == SIG_IGN;
 }
 
-// ---- The display
-
 XIOErrorHandler handler_before;
 
 // The widgets are left alone: every call to the display would end here again.
@@ -64,8 +60,6 @@ int end_without_display(Display *)
     LogClose();
     _exit(1);
 }
-
-// ---- Crashes
 
 struct crash {
     struct sigaction before;

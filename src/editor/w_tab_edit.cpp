@@ -95,8 +95,6 @@ void tell_missing_text(ZelTabEdit *tab)
     zel::edit_status(text.c_str());
 }
 
-// --- Handlers ----------------------------------------------------------------------------------
-
 void change_ready_cb(GtkToggleButton *button, gpointer data)
 {
     ZelTabEdit *tab = ZEL_TAB_EDIT(data);
@@ -304,8 +302,6 @@ void destroy_cb(GtkObject *, gpointer data)
     zel::tab_drop_shot();
 }
 
-// --- Construction ------------------------------------------------------------------------------
-
 // A key of the main window; it acts at once, where "activate" would first draw the button pressed.
 void add_key(GtkWidget *button, guint key, GdkModifierType modifier)
 {
@@ -449,8 +445,6 @@ void class_init(gpointer klass, gpointer)
     parent_class = g_type_class_peek_parent(klass);
     G_OBJECT_CLASS(klass)->finalize = finalize;
 }
-
-// --- Filling -----------------------------------------------------------------------------------
 
 void set_title(GtkTreeViewColumn *column, const std::unique_ptr<std::string> &lang)
 {

@@ -121,8 +121,6 @@ void set_cell(const zel::tab_rows &rows, int number, int column, GValue *value)
     }
 }
 
-// --- GtkTreeModel ------------------------------------------------------------------------------
-
 GtkTreeModelFlags get_flags(GtkTreeModel *) { return GTK_TREE_MODEL_LIST_ONLY; }
 
 gint get_n_columns(GtkTreeModel *) { return COL_COUNT; }
@@ -193,8 +191,6 @@ void tree_model_init(gpointer iface, gpointer)
     tree_model->iter_parent = iter_parent;
 }
 
-// --- GtkTreeSortable ---------------------------------------------------------------------------
-
 // Rows that compare equal stand in file order, whichever way the list is sorted.
 void sort_rows(ZelTabModel *model, std::vector<std::uint32_t> &shown)
 {
@@ -263,8 +259,6 @@ void sortable_init(gpointer iface, gpointer)
     sortable->set_sort_column_id = set_sort_column_id;
     sortable->has_default_sort_func = has_default_sort_func;
 }
-
-// --- GObject -----------------------------------------------------------------------------------
 
 gpointer parent_class;
 

@@ -116,8 +116,6 @@ void tab_search::clear_clicked(GtkButton *, gpointer data)
     gtk_widget_grab_focus(self->entry_);
 }
 
-// --- The item from before ----------------------------------------------------------------------
-
 void tab_search::begin(int selected)
 {
     const char *text = gtk_entry_get_text(GTK_ENTRY(entry_));
@@ -142,8 +140,6 @@ gboolean tab_search::entry_key(GtkWidget *, GdkEventKey *event, gpointer self)
     return TRUE;
 }
 
-// --- Letters typed in the list -----------------------------------------------------------------
-
 gboolean tab_search::list_key(GtkWidget *, GdkEventKey *event, gpointer data)
 {
     constexpr guint others =
@@ -157,8 +153,6 @@ gboolean tab_search::list_key(GtkWidget *, GdkEventKey *event, gpointer data)
     gtk_editable_set_position(GTK_EDITABLE(self->entry_), -1);
     return gtk_widget_event(self->entry_, reinterpret_cast<GdkEvent *>(event));
 }
-
-// --- Hits --------------------------------------------------------------------------------------
 
 void tab_search::typed(GtkTextBuffer *, gpointer self)
 {

@@ -83,8 +83,6 @@ void tab_suggest::stop()
     row_ = -1;
 }
 
-// --- Texts -------------------------------------------------------------------------------------
-
 // Into the shown languages but the source's own one.
 bool tab_suggest::is_translated_into(int field) const
 {
@@ -119,8 +117,6 @@ lang_entry_t *tab_suggest::translation(std::uint32_t row, int field) const
     return lang == nullptr ? nullptr : misc_select_lang_entry(rows_->rows[row].item, lang->c_str());
 }
 
-// --- Index -------------------------------------------------------------------------------------
-
 void tab_suggest::rows_changed()
 {
     if (timer_ != 0)
@@ -147,8 +143,6 @@ gboolean tab_suggest::slice(gpointer data)
     self->timer_ = g_timeout_add_full(G_PRIORITY_LOW, between_slices, slice, self, nullptr);
     return FALSE;
 }
-
-// --- The line under a translation --------------------------------------------------------------
 
 void tab_suggest::suggest(int field)
 {
@@ -191,8 +185,6 @@ void tab_suggest::item_shown(int row)
     row_ = row >= 0 && static_cast<std::size_t>(row) < index_.count() ? row : -1;
     suggest_all();
 }
-
-// --- Keys --------------------------------------------------------------------------------------
 
 void tab_suggest::take_suggestion()
 {

@@ -19,8 +19,6 @@ constexpr const char *row_key = "zel-column";  // where a view column keeps its 
 constexpr const char *whole_key = "zel-whole"; // and the pixels with which all of it is seen
 constexpr const char *texts_key = "zel-texts"; // where a view keeps what it measured
 
-// ---- Sharing the room
-
 // Gives each of these columns what it lacks to be whole; of too little, all get equal parts, except
 // that a part of the time is of no use.
 void grow(std::vector<int> &widths, const std::vector<column_need> &needs, tab_cell kind, int &room)
@@ -56,8 +54,6 @@ void spread(std::vector<int> &widths, const std::vector<column_need> &needs, int
         if (needs[i].kind == tab_cell::text)
             widths[i] += room / static_cast<int>(texts);
 }
-
-// ---- Measuring
 
 // Widths of many texts without a layout for each: by their characters, close enough to tell which
 // few are worth a layout.
@@ -230,8 +226,6 @@ struct measures {
         }
     }
 };
-
-// ---- The view
 
 // The texts of the columns; none before something was measured.
 std::vector<text_need> &texts_of(GtkTreeView *view)

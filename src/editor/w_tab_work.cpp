@@ -74,8 +74,6 @@ void tab_work::stop()
     item_row_ = -1;
 }
 
-// --- Judging -----------------------------------------------------------------------------------
-
 assist::judge tab_work::make_judge() const
 {
     return {parts_.rows->source, name_of(parts_.rows->lang1), name_of(parts_.rows->lang2)};
@@ -137,8 +135,6 @@ void tab_work::rows_changed()
     timer_ = g_timeout_add_full(G_PRIORITY_LOW, before_first_slice, slice, this, nullptr);
 }
 
-// --- The item that is shown --------------------------------------------------------------------
-
 void tab_work::watch_panel()
 {
     for (const field_t &field : fields)
@@ -183,8 +179,6 @@ void tab_work::item_shown(int row)
     else
         judge_shown();
 }
-
-// --- The list ----------------------------------------------------------------------------------
 
 void tab_work::mark_cells()
 {
@@ -253,8 +247,6 @@ void tab_work::show_progress()
         gtk_label_set_text(GTK_LABEL(progress_label_), text.c_str());
 }
 
-// --- From item to item -------------------------------------------------------------------------
-
 bool tab_work::has_work(std::uint32_t row)
 {
     if (parts_.rows->rows[row].item->ready == 0)
@@ -299,8 +291,6 @@ void tab_work::done_and_next()
         gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(parts_.ready_button), TRUE);
     go_to_work(1);
 }
-
-// --- Keys --------------------------------------------------------------------------------------
 
 void tab_work::key_pressed(void (*act)(tab_work *work))
 {

@@ -46,8 +46,6 @@ void zel_text_changed(GtkTextBuffer *, gpointer dirty)
     zel::edit_set_modified(true);
 }
 
-// --- The widget ----------------------------------------------------------------------------------
-
 void instance_init(GTypeInstance *instance, gpointer)
 {
     Zeltext *text = ZEL_TEXT(instance);
@@ -72,8 +70,6 @@ void class_init(gpointer klass, gpointer)
     parent_class = g_type_class_peek_parent(klass);
     G_OBJECT_CLASS(klass)->finalize = finalize;
 }
-
-// --- Showing -----------------------------------------------------------------------------------
 
 // text_lock stays set while the panel is empty: what happens to the hidden views is no edit.
 void show_nothing(Zeltext *text)
@@ -194,8 +190,6 @@ void show_item(Zeltext *text)
     show_language(text, text->lang2_frame, TEXT_COMMENT2, TEXT_TRANS2, lang2);
     show_identity(text);
 }
-
-// --- Reading back ------------------------------------------------------------------------------
 
 // Drops blank lines at the end of the text and the line end of the line that is last then.
 GList *trim_lines(GList *lines)

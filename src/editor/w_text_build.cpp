@@ -57,8 +57,6 @@ GtkWidget *make_view_frame(GtkWidget *view)
     return frame;
 }
 
-// --- Heights -----------------------------------------------------------------------------------
-
 int line_height(GtkWidget *view)
 {
     PangoFontMetrics *metrics = pango_context_get_metrics(
@@ -126,8 +124,6 @@ gboolean show_whole_field(GtkWidget *view, GdkEventFocus *, gpointer data)
                               bottom + place.height + margin);
     return FALSE;
 }
-
-// --- Parts -------------------------------------------------------------------------------------
 
 // A caption, and beside it what is wrong with the text.
 GtkWidget *make_caption_row(Zeltext *text, int number, GtkWidget *caption)

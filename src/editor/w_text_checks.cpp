@@ -13,8 +13,6 @@ constexpr const char *piece_tag = "application-piece";
 
 GtkTextBuffer *buffer_of(GtkWidget *view) { return gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)); }
 
-// --- Colours -----------------------------------------------------------------------------------
-
 void follow_style(GtkWidget *view, GtkStyle *, gpointer tag)
 {
     g_object_set(tag, "foreground", zel::is_dark(view) ? "#8ab8ff" : "#1448a8", nullptr);
@@ -38,8 +36,6 @@ void colour(GtkWidget *view)
     const std::string text = zel::buffer_text(buffer);
     zel::tag_places(buffer, tag_of(view), zel::places_of(text, zel::assist::pieces_of(text)));
 }
-
-// --- Remarks -----------------------------------------------------------------------------------
 
 std::string joined(const std::vector<zel::assist::remark> &told, const char *between)
 {

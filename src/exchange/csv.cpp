@@ -33,8 +33,6 @@ bool begins_formula(std::string_view text)
 
 bool is_blank(char c) { return c == ' ' || c == '\t'; }
 
-// ---- Writing
-
 void append_cell(std::string &out, std::string_view text)
 {
     const bool quoted = text.find_first_of(",;\"\r\n\t") != std::string_view::npos ||
@@ -92,8 +90,6 @@ void append_row(std::string &out, const exporter &from, const outgoing_item &ite
         }
     out += "\r\n";
 }
-
-// ---- Reading
 
 constexpr std::size_t most_columns = 2000;
 

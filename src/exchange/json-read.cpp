@@ -253,8 +253,6 @@ bool model_reader::read_flag(JsonNode *node, std::uint32_t &flag)
     return true;
 }
 
-// ---- Entries and items
-
 char *copy_line(const char *text) { return zel_strdup2(text); }
 char *copy_name(const char *text) { return zel_strdup(text); }
 
@@ -323,8 +321,6 @@ bool model_reader::read_item(JsonNode *node, list_tail &items)
     line_ = outer;
     return true;
 }
-
-// ---- Groups and the source
 
 bool model_reader::items_of(JsonNode *node, edit_t *group)
 {

@@ -31,8 +31,6 @@ constexpr Keytab keywords[] = {
     {nullptr, 0},
 };
 
-// ---- Tokens: catalogs have comments and escapes of their own
-
 int finish(zel_token_t *token, int id)
 {
     token->lexeme[token->length] = '\0';
@@ -166,8 +164,6 @@ int get_token(zel_lex_t *lex)
     next_char(buf);
     return c == '"' ? scan_string(buf, lex->work) : scan_comment(buf, lex->work);
 }
-
-// ---- The encoding
 
 constexpr std::string_view charset_word = "charset=";
 

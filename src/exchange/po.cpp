@@ -15,8 +15,6 @@ namespace {
 
 constexpr std::string_view name_field = "X-Language-Name";
 
-// ---- Writing
-
 // A value of the header on one line.
 std::string one_line(std::string_view text)
 {
@@ -158,8 +156,6 @@ void append_message(std::string &out, const exporter &from, const outgoing_item 
         append_po_text(out, {}, "msgstr", one.text);
     }
 }
-
-// ---- Reading
 
 // The remarks of a translator as one text.
 std::string joined(const std::vector<std::string> &lines)

@@ -8,8 +8,6 @@ namespace zel::exchange {
 
 namespace {
 
-// ---- XML text
-
 // How a character must be written, empty for as it is.
 std::string_view entity_of(char c, bool in_attribute)
 {
@@ -66,8 +64,6 @@ void append_element(std::string &out, std::string_view start, std::string_view n
     out.append("</").append(name).append(">\n");
 }
 
-// ---- What both versions say
-
 struct head {
     std::string app;
     std::string source_code;
@@ -123,8 +119,6 @@ void append_notes(std::string &out, const exporter &from, const outgoing_item &i
                        item.texts[at].comment);
 }
 
-// ---- 1.2
-
 constexpr std::string_view note_1 = "<note from=";
 
 void append_head_1(std::string &out, const head &one)
@@ -155,8 +149,6 @@ void append_unit_1(std::string &out, const exporter &from, const outgoing_item &
     append_notes(out, from, item, parts, at, note_1);
     out += "</trans-unit>\n";
 }
-
-// ---- 2.1
 
 constexpr std::string_view note_2 = "<note category=";
 

@@ -37,8 +37,6 @@ std::string with_accent(std::string_view character)
     return small ? row.small : row.capital;
 }
 
-// ---- What stays
-
 // Which bytes of a text stay as they are.
 class kept_bytes {
 public:
@@ -152,8 +150,6 @@ void kept_bytes::keep_addresses()
     }
 }
 
-// ---- The text without brackets
-
 struct character {
     std::string_view bytes;
     bool kept;
@@ -200,8 +196,6 @@ std::string grown_text(const std::vector<character> &characters, const pseudo_ho
     }
     return out;
 }
-
-// ---- Brackets
 
 bool is_in(std::string_view set, char c) { return set.find(c) != std::string_view::npos; }
 

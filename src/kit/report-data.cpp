@@ -21,8 +21,6 @@ namespace {
 constexpr lint::rule_id shown_as_state[] = {lint::rule_id::missing, lint::rule_id::empty,
                                             lint::rule_id::unused, lint::rule_id::not_ready};
 
-// ---- JSON that may stand in a script element
-
 class writer {
 public:
     explicit writer(const report_sink &out) : out_(out) {}
@@ -69,8 +67,6 @@ private:
 
 std::string_view or_empty(const char *text) { return text == nullptr ? "" : text; }
 
-// ---- Screenshots
-
 // A picture that is no JPEG, or larger than a page should be, is left out.
 std::string screenshot(const std::string &folder, const edit_t *group)
 {
@@ -98,8 +94,6 @@ std::string screenshot(const std::string &folder, const edit_t *group)
     std::free(data);
     return out;
 }
-
-// ---- One source
 
 struct item_finding {
     const item_t *item; // null: of the file

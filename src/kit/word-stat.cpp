@@ -19,8 +19,6 @@ std::string name_of(const language_counts &language)
     return language.language->name == nullptr ? "" : language.language->name;
 }
 
-// ---- The table
-
 constexpr std::size_t bar_columns = 20;
 
 // Tenths of a percent, so that only what is complete is 100.0.
@@ -107,8 +105,6 @@ void print_table(const std::string &path, const LangSource *source, const source
         rows.push_back(row_of(one, counts.used));
     print_rows(rows);
 }
-
-// ---- JSON
 
 void append_language(std::string &out, const std::string &path, const language_counts &one,
                      std::size_t used)

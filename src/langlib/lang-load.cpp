@@ -34,8 +34,6 @@ void say_text(const char *format, const char *text)
     LogPrint(1, format, text);
 }
 
-// ---- Entries ------------------------------------------------------------------------------------
-
 // Key and value of the entry that is being read, one behind the other. The key's group stays from
 // entry to entry, the room from file to file.
 class entry_text {
@@ -94,8 +92,6 @@ private:
     std::size_t group_end_ = 0; // behind the colon; 0 for no group
     std::size_t value_ = 0;     // where it starts
 };
-
-// ---- One file -----------------------------------------------------------------------------------
 
 // What reading needs and what it leaves: statements change the handle, entries go to the list.
 struct reader {
@@ -290,8 +286,6 @@ void read_file(reader &in, const char *path)
         log_end(in, path);
     zel_lex_free_buf(in.lex);
 }
-
-// ---- Files and directories ----------------------------------------------------------------------
 
 bool is_directory(const char *path)
 {

@@ -26,8 +26,6 @@ namespace {
 using zel::language_row;
 using zel::language_tag;
 
-// ---- What is there ------------------------------------------------------------------------------
-
 struct text_file {
     text_file *next;
     const char *path;
@@ -116,8 +114,6 @@ bool find_files(text_files &files, const char *folder, bool below)
     return true;
 }
 
-// ---- What is wanted -----------------------------------------------------------------------------
-
 bool same_letters(std::string_view a, std::string_view b)
 {
     return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
@@ -203,8 +199,6 @@ void choose(const text_files &files, const char *languages, chosen &taken)
         return same_letters(file.stem, "default") || same_letters(file.name, "default");
     });
 }
-
-// ---- Loading ------------------------------------------------------------------------------------
 
 const char *keep_or_null(lang_index *store, std::string_view text)
 {

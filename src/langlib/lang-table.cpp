@@ -43,8 +43,6 @@ namespace {
 
 using zel::lang_store_allocate;
 
-// ---- Memory -------------------------------------------------------------------------------------
-
 // Large pieces ask for large pages: touching each small page of a file's texts for the first time
 // costs more than reading them.
 char *add_chunk(lang_index *store, std::size_t size)
@@ -63,8 +61,6 @@ char *add_chunk(lang_index *store, std::size_t size)
     store->chunks = added;
     return reinterpret_cast<char *>(added + 1);
 }
-
-// ---- Sorting ------------------------------------------------------------------------------------
 
 // Keys of one group begin alike, which a comparison of whole keys runs through again and again:
 // with the standard library's stable sort a file takes 14 to 19 percent longer to load.
@@ -168,8 +164,6 @@ void sort_by_bytes(sort_rows rows, sort_rows spare, std::size_t depth)
         rows = largest;
     }
 }
-
-// ---- Index --------------------------------------------------------------------------------------
 
 // So many rows in a row are no accident: such a file is searched without an index.
 constexpr std::uint32_t longest_walk = 128;

@@ -93,8 +93,6 @@ void append(language_tag &tag, std::string_view text)
     tag.text[tag.length] = '\0';
 }
 
-// ---- Parts of a tag
-
 constexpr std::string_view separators = "_- (";
 constexpr std::size_t longest_part = 16;
 

@@ -124,8 +124,6 @@ bool add_run(zel_lex_buf_t *buf, zel_token_t *token, FindEnd &&find_end)
 
 void end_text(zel_token_t *token) { token->lexeme[token->length] = '\0'; }
 
-// ---- Comments, strings, characters, markers
-
 int finish(zel_token_t *token, int id)
 {
     token->id = static_cast<std::int16_t>(id);

@@ -36,8 +36,6 @@ std::int32_t decimal(const char *text)
 
 void out_of_memory(int line) { _zel_fatal("min_lex", line, "Not enough memory"); }
 
-// ---- Splitting ----------------------------------------------------------------------------------
-
 constexpr unsigned not_hex = 255; // what the splitter takes a character for that is no digit
 
 // An element as it is kept: the first one of a list remembers where the list ended, so that a list
@@ -118,8 +116,6 @@ const char *split_element(zel::list_end &list, const char *text, char separator,
     return *text == '\0' ? text : text + 1;
 }
 
-// ---- Accessors ----------------------------------------------------------------------------------
-
 zel_list *find(zel_list *list, const char *id)
 {
     if (id == nullptr)
@@ -147,8 +143,6 @@ zel_list *remove_element(zel_list *list, zel_list *node)
         last_of(list) = last;
     return list;
 }
-
-// ---- Filling outputs ----------------------------------------------------------------------------
 
 // The arguments of min_lex_split_msg_get_ext, which are walked twice.
 struct output_args {
@@ -230,8 +224,6 @@ std::int32_t store_values(output_args &args, const char *id, zel_list *&list, in
     }
     return 0;
 }
-
-// ---- Cursor helpers -----------------------------------------------------------------------------
 
 bool no_text(const char **cursor) { return cursor == nullptr || *cursor == nullptr; }
 

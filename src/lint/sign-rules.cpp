@@ -8,8 +8,6 @@ namespace zel::lint {
 
 namespace {
 
-// ---- Both ends
-
 struct ends {
     std::string_view before; // blanks and line ends
     std::string_view after;
@@ -63,8 +61,6 @@ bool stands_for_blank(std::string_view own, std::string_view reference, std::str
     return own.empty() && is_only_blanks(reference) &&
            (is_fixed_blank(beside) || is_wide(next_char(beside, at)));
 }
-
-// ---- The sign at the end
 
 enum class sign { none, period, question, exclamation, colon, semicolon, comma, ellipsis };
 
@@ -209,8 +205,6 @@ const char *name_of_sign(sign means)
         "a colon", "a semicolon", "a comma",         "an ellipsis"};
     return names[static_cast<std::size_t>(means)];
 }
-
-// ---- Brackets
 
 // Wide forms count as the others: texts mix them.
 char bracket_of(char32_t c)

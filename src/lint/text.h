@@ -43,8 +43,6 @@ text look_at(std::string_view bytes);
 // copied, more are put together in the buffer.
 std::string_view join(GList *strings, std::string &buffer);
 
-// ---- Characters
-
 // The character at the position, which moves behind it; U+FFFD, one byte on, for bytes that are no
 // UTF-8.
 char32_t next_char(std::string_view bytes, std::size_t &at);

@@ -114,8 +114,6 @@ field_value value_of(const field<T> &row, const T &record)
     return {field_value::text, std::string(text_of(row, record))};
 }
 
-// ---- Texts: the strings of an entry, one behind the other, are what the application gets
-
 // Appends all strings of a list.
 void append_texts(std::string &out, GList *texts);
 

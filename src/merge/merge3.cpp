@@ -97,8 +97,6 @@ void release_groups(GList *groups)
     g_list_free(groups);
 }
 
-// ---- The merge, every function for one kind of record
-
 struct merging {
     side prefer = side::neither;
     std::vector<conflict> conflicts;
@@ -178,8 +176,6 @@ void merging::merge_fields(std::span<const field<T>> rows, const T &base, T &our
     }
 }
 
-// ---- Texts
-
 lang_entry_t *merging::merge_entry(const char *field, lang_entry_t *base, lang_entry_t *ours,
                                    lang_entry_t *theirs)
 {
@@ -210,8 +206,6 @@ void merging::merge_entries(const char *field, GList *base, GList *&ours, GList 
                                   return merge_entry(field, b, o, t);
                               });
 }
-
-// ---- Items
 
 void merging::merge_use(const item_t &base, item_t &ours, item_t &theirs)
 {
@@ -273,8 +267,6 @@ void merging::merge_items(GList *base, GList *&ours, GList *&theirs)
                         [&](item_t *b, item_t *o, item_t *t) { return merge_item(b, o, t); });
 }
 
-// ---- Groups and languages
-
 // One side removed the group. It stays as far as the other one has something new in it.
 edit_t *merging::merge_removed_group(edit_t *base, edit_t *ours, edit_t *theirs)
 {
@@ -328,8 +320,6 @@ lang_t *merging::merge_language(lang_t *base, lang_t *ours, lang_t *theirs)
     });
     return stays(ours != nullptr, conflicting) ? left : nullptr;
 }
-
-// ---- The root
 
 void merge_stamps(const LangSource &base, LangSource &ours, LangSource &theirs)
 {

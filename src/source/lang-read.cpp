@@ -228,8 +228,6 @@ bool source_reader::read_optional_number(std::int32_t &number)
     return true;
 }
 
-// ---- Entries: STRING "{" STRING ... "}"
-
 outcome source_reader::read_entry(zel::list_tail &entries, place start)
 {
     const zel_token_t *token = next();
@@ -248,8 +246,6 @@ outcome source_reader::read_entry(zel::list_tail &entries, place start)
         texts.append(zel_strdup2(token->lexeme));
     return token->id == '}' ? outcome::go_on : fail(969, token);
 }
-
-// ---- Items
 
 // "{" STRING ... "}" behind USED YES or USED NO; may be missing.
 outcome source_reader::read_used_in(item_t *item)
@@ -375,8 +371,6 @@ outcome source_reader::read_item(item_t *item, place start)
     token = next();
     return token->id == '}' ? outcome::go_on : fail(701, token);
 }
-
-// ---- Groups and the rest of the file
 
 outcome statement_reader::add_item(edit_t *group, zel::list_tail &items, place start)
 {
@@ -559,8 +553,6 @@ outcome statement_reader::read_statements()
         result = read_statement(next());
     return result;
 }
-
-// ---- The file
 
 void log_exit(int line) { LogPrint(1, "lang_read_file: ERROR(exit) %s:%d\n", "lang-read", line); }
 
