@@ -5,9 +5,11 @@
 #include "editor/edit-history.h"
 #include "editor/edit-state.h"
 #include "editor/edit-undo.h"
+#include "editor/recovery.h"
 #include "editor/w_tab_edit.h"
 #include "editor/w_tab_model.h"
 #include "editor/w_text.h"
+#include "recovery/recovery-file.h"
 #include "source/misc.h"
 #include "source/model.h"
 
@@ -15,7 +17,10 @@
 #include <gdk/gdkkeysyms.h>
 #include <gtk/gtk.h>
 
+#include <algorithm>
+#include <chrono>
 #include <cstdio>
+#include <glib/gstdio.h>
 #include <string>
 
 namespace {
@@ -322,6 +327,36 @@ void unbroken(benchmark::State &state)
     }
 }
 
+// The recovery file of the whole source: what the loop spends on it, and the longest it is held up
+// by one piece. The syncing is a thread's.
+void recovery(benchmark::State &state, bool longest)
+{
+    window main(static_cast<int>(state.range(0)));
+    main.open();
+    gchar *folder = g_dir_make_tmp("lang-bench-XXXXXX", nullptr);
+    const std::string path = std::string(folder) + "/notes.lang-src";
+    using clock = std::chrono::steady_clock;
+    while (state.KeepRunning()) {
+        zel::recovery_writer writer;
+        std::chrono::duration<double> all{};
+        std::chrono::duration<double> most{};
+        bool more = true;
+        for (auto start = clock::now(); more; start = clock::now()) {
+            if (!writer.is_writing())
+                writer.begin(path, "/home/me/notes.lang-src", {}, 0, main.source, nullptr);
+            more = writer.step(zel::recovery_items_at_a_time);
+            const std::chrono::duration<double> taken = clock::now() - start;
+            all += taken;
+            most = std::max(most, taken);
+        }
+        writer.finish();
+        state.SetIterationTime(longest ? most.count() : all.count());
+    }
+    g_unlink(path.c_str());
+    g_rmdir(folder);
+    g_free(folder);
+}
+
 struct job {
     const char *name;
     void (*run)(benchmark::State &state);
@@ -359,6 +394,13 @@ int main(int argc, char **argv)
                 ->Arg(items)
                 ->Unit(benchmark::kMillisecond);
     }
+    for (const bool longest : {false, true})
+        benchmark::RegisterBenchmark(
+            longest ? "recovery_longest_piece/ours" : "recovery/ours",
+            [longest](benchmark::State &state) { recovery(state, longest); })
+            ->Arg(30000)
+            ->UseManualTime()
+            ->Unit(benchmark::kMillisecond);
     for (const int letters : {10000, 100000})
         benchmark::RegisterBenchmark("show_unbroken_letters/ours", unbroken)
             ->Arg(letters)

@@ -153,7 +153,7 @@ protected:
     // What is wrong with a run, or nothing.
     std::string wrong_with(const job_outcome &run, const call_fault &fault) const
     {
-        if (took_ > std::chrono::seconds(5))
+        if (took_ > std::chrono::seconds(20)) // a save waits for free names, a second each
             return "it waits for long";
         const int worst = job_.program == nullptr ? 1 : job_.worst_status;
         if (run.status > worst)

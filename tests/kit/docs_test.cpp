@@ -114,17 +114,19 @@ bool opens_window(const std::string &words)
 std::string title_of_window(const std::string &words)
 {
     const zel_test::temp_dir dir;
-    write_file(dir / "show", words.substr(0, words.size() - 1) + R"( &
+    write_file(dir / "show", words.substr(0, words.size() - 1) + R"( >/dev/null &
 for try in $(seq 100); do
     xdotool search --onlyvisible --all --pid $! --name . getwindowname %@ && break
     sleep 0.1
 done
 kill $!
+wait $! || : # it ends in order, and wants its display for that
 )");
     const std::string tool = std::string(root) + "/tools/with-display";
-    EXPECT_EQ(std::system(
-                  ("'" + tool + "' sh '" + dir / "show" + "' >'" + dir / "out" + "' 2>&1").c_str()),
-              0);
+    EXPECT_EQ(
+        std::system(("'" + tool + "' sh '" + dir / "show" + "' >'" + dir / "out" + "' 2>/dev/null")
+                        .c_str()),
+        0);
     return read_file(dir / "out");
 }
 
