@@ -374,12 +374,13 @@ answer_fn see(std::string *seen, answer_fn then)
 
 void key(GtkWidget *window, guint keyval, int modifiers)
 {
+    g_object_ref(window); // the press may close it
     GdkKeymapKey *keys = nullptr;
     gint count = 0;
     gdk_keymap_get_entries_for_keyval(gdk_keymap_get_default(), keyval, &keys, &count);
     for (const GdkEventType kind : {GDK_KEY_PRESS, GDK_KEY_RELEASE}) {
-        if (!GTK_IS_WIDGET(window) || gtk_widget_get_window(window) == nullptr)
-            break; // the press closed the window
+        if (gtk_widget_get_window(window) == nullptr)
+            break;
         GdkEvent *event = gdk_event_new(kind);
         event->key.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(window)));
         event->key.send_event = TRUE;
@@ -392,6 +393,7 @@ void key(GtkWidget *window, guint keyval, int modifiers)
         gdk_event_free(event);
     }
     g_free(keys);
+    g_object_unref(window);
 }
 
 void type(GtkWidget *window, const char *ascii)
