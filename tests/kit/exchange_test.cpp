@@ -124,7 +124,7 @@ TEST_F(ExchangeSlow, OnlyWhatIsKnownIsTaken)
     EXPECT_EQ(read_file("app.lang-src"), before);
 }
 
-TEST_F(Exchange, ReadyStaysOnlyForAFinalText)
+TEST_F(ExchangeSlow, ReadyStaysOnlyForAFinalText)
 {
     const auto ready_after = [](const std::string &attributes) {
         write_file("app.lang-src", read_file(example));
@@ -141,7 +141,7 @@ TEST_F(Exchange, ReadyStaysOnlyForAFinalText)
     EXPECT_EQ(ready_after("approved='no'>"), "READY     0");
 }
 
-TEST_F(Exchange, CommentsComeOnlyWhenWanted)
+TEST_F(ExchangeSlow, CommentsComeOnlyWhenWanted)
 {
     write_file("german.po", "# Zu lang!\nmsgctxt \"menu:_Save\"\nmsgid \"_Save\"\n"
                             "msgstr \"_Speichern\"\n");

@@ -87,7 +87,8 @@ std::string written_by(const char *to, LangSource *source)
 
 } // namespace
 
-TEST_F(Recovery, IsASourceThatAnybodyCanReadBelowACommentAndPrivate)
+using RecoverySlow = Recovery;
+TEST_F(RecoverySlow, IsASourceThatAnybodyCanReadBelowACommentAndPrivate)
 {
     ASSERT_EQ(folder, dir / "Morvalix 6.00/recovery");
     const source_guard state = read();
