@@ -241,7 +241,7 @@ void tab_suggest::add_keys()
     add(GDK_KEY_space, [this] { take_suggestion(); });
     add(GDK_KEY_b, [this] { copy_other(); });
     for (std::size_t digit = 1; digit <= digits; ++digit)
-        for (const guint first : {GDK_KEY_0, GDK_KEY_KP_0})
+        for (const guint first : {guint{GDK_KEY_0}, guint{GDK_KEY_KP_0}})
             add(first + static_cast<guint>(digit), [this, digit] { insert_piece(digit); });
 }
 
