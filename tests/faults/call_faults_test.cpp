@@ -59,9 +59,9 @@ bool names_the_cause(const job_outcome &run, const call_fault &fault)
     });
 }
 
-class CallFaults : public zel_test::working_dir, public testing::WithParamInterface<int> {
+class CallFaultsSlow : public zel_test::working_dir, public testing::WithParamInterface<int> {
 protected:
-    CallFaults() : job_(zel_test::fault_jobs()[static_cast<std::size_t>(GetParam())])
+    CallFaultsSlow() : job_(zel_test::fault_jobs()[static_cast<std::size_t>(GetParam())])
     {
         zel_test::write_file("report", std::string(sizeof(call_report), '\0'));
         report_file_ = fs::absolute("report");
@@ -70,7 +70,7 @@ protected:
             mmap(nullptr, sizeof *report, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0));
         close(file);
     }
-    ~CallFaults() override { munmap(report, sizeof *report); }
+    ~CallFaultsSlow() override { munmap(report, sizeof *report); }
 
     void SetUp() override
     {
@@ -236,10 +236,10 @@ std::string name_of(const testing::TestParamInfo<int> &param)
 
 const auto all_jobs = testing::Range(0, static_cast<int>(zel_test::fault_jobs().size()));
 
-TEST_P(CallFaults, LoseNothing) { fail_everywhere(false); }
-INSTANTIATE_TEST_SUITE_P(Jobs, CallFaults, all_jobs, name_of);
+TEST_P(CallFaultsSlow, LoseNothing) { fail_everywhere(false); }
+INSTANTIATE_TEST_SUITE_P(Jobs, CallFaultsSlow, all_jobs, name_of);
 
-using EveryCallFaultSlow = CallFaults;
+using EveryCallFaultSlow = CallFaultsSlow;
 TEST_P(EveryCallFaultSlow, LosesNothing) { fail_everywhere(true); }
 INSTANTIATE_TEST_SUITE_P(Jobs, EveryCallFaultSlow, all_jobs, name_of);
 
