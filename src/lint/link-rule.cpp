@@ -58,13 +58,17 @@ bool is_mail(std::string_view piece)
 // A path of the file system: menus have paths too, which are translated.
 bool is_path(std::string_view piece)
 {
-    constexpr std::string_view roots[] = {"/bin/",  "/boot/",  "/dev/",  "/etc/", "/home/",
-                                          "/lib/",  "/media/", "/mnt/",  "/opt/", "/proc/",
-                                          "/root/", "/run/",   "/sbin/", "/srv/", "/sys/",
-                                          "/tmp/",  "/usr/",   "/var/",  "~/"};
-    return piece.find('%') == std::string_view::npos &&
-           std::any_of(std::begin(roots), std::end(roots),
-                       [&](std::string_view root) { return piece.starts_with(root); });
+    constexpr std::string_view folders[] = {"bin",   "boot", "dev", "etc",  "home", "lib",
+                                            "media", "mnt",  "opt", "proc", "root", "run",
+                                            "sbin",  "srv",  "sys", "tmp",  "usr",  "var"};
+    if (piece.find('%') != std::string_view::npos)
+        return false;
+    if (piece.starts_with("~/"))
+        return true;
+    const std::size_t end = piece.find('/', 1);
+    return piece.starts_with('/') && end != std::string_view::npos &&
+           std::find(std::begin(folders), std::end(folders), piece.substr(1, end - 1)) !=
+               std::end(folders);
 }
 
 // A number with its separators, in the digits of any script.
