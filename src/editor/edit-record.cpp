@@ -1,6 +1,7 @@
 #include "editor/edit-record.h"
 
 #include "app/global.h"
+#include "editor/text-places.h"
 
 #include <algorithm>
 
@@ -29,23 +30,6 @@ GtkTextBuffer *buffer_of(const watched &field)
     return gtk_text_view_get_buffer(GTK_TEXT_VIEW(field.text->*fields[field.number].view));
 }
 
-std::vector<std::string> typed_lines(const watched &field)
-{
-    std::vector<std::string> lines;
-    GtkTextBuffer *buffer = buffer_of(field);
-    GtkTextIter start;
-    gtk_text_buffer_get_start_iter(buffer, &start);
-    while (!gtk_text_iter_is_end(&start)) {
-        GtkTextIter end = start;
-        gtk_text_iter_forward_line(&end);
-        gchar *line = gtk_text_buffer_get_text(buffer, &start, &end, TRUE);
-        lines.emplace_back(line);
-        g_free(line);
-        start = end;
-    }
-    return lines;
-}
-
 zel::text_place place_of(const watched &field)
 {
     const lang_entry_t *entry = field.text->*fields[field.number].entry;
@@ -57,8 +41,8 @@ entry_text text_before(const watched &field)
 {
     const int *dirty = field.text->dirty;
     const bool is_typed = dirty[field.number] != 0;
-    entry_text text =
-        is_typed ? entry_text{true, true, 0, typed_lines(field)} : zel::read_text(place_of(field));
+    entry_text text = is_typed ? entry_text{true, true, 0, zel::buffer_lines(buffer_of(field))}
+                               : zel::read_text(place_of(field));
     text.there = is_typed || field.text->made[field.number] == 0;
     const bool touched = std::any_of(dirty, dirty + TEXT_FIELDS, [](int is) { return is != 0; });
     text.changed = touched ? 1 : field.text->item->changed;
@@ -71,7 +55,7 @@ void finish_typing()
     if (!history.is_open())
         return;
     if (typed_in.text != nullptr)
-        history.finish({true, true, 1, typed_lines(typed_in)});
+        history.finish({true, true, 1, zel::buffer_lines(buffer_of(typed_in))});
     else
         history.finish(zel::read_text(history.open_place()));
 }

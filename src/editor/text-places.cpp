@@ -4,6 +4,14 @@ namespace zel {
 
 namespace {
 
+std::string text_between(GtkTextBuffer *buffer, const GtkTextIter &start, const GtkTextIter &end)
+{
+    gchar *text = gtk_text_buffer_get_text(buffer, &start, &end, TRUE);
+    std::string out(text);
+    g_free(text);
+    return out;
+}
+
 std::vector<char_span> tagged(GtkTextBuffer *buffer, GtkTextTag *tag)
 {
     std::vector<char_span> out;
@@ -29,10 +37,21 @@ std::string buffer_text(GtkTextBuffer *buffer)
     GtkTextIter start;
     GtkTextIter end;
     gtk_text_buffer_get_bounds(buffer, &start, &end);
-    gchar *text = gtk_text_buffer_get_text(buffer, &start, &end, TRUE);
-    std::string out(text);
-    g_free(text);
-    return out;
+    return text_between(buffer, start, end);
+}
+
+std::vector<std::string> buffer_lines(GtkTextBuffer *buffer)
+{
+    std::vector<std::string> lines;
+    GtkTextIter start;
+    gtk_text_buffer_get_start_iter(buffer, &start);
+    while (!gtk_text_iter_is_end(&start)) {
+        GtkTextIter end = start;
+        gtk_text_iter_forward_line(&end);
+        lines.push_back(text_between(buffer, start, end));
+        start = end;
+    }
+    return lines;
 }
 
 std::vector<char_span> places_of(const std::string &text, const std::vector<assist::piece> &parts)

@@ -20,6 +20,9 @@ struct char_span {
 // The whole text of the buffer.
 [[nodiscard]] std::string buffer_text(GtkTextBuffer *buffer);
 
+// The same in lines, each with its end.
+[[nodiscard]] std::vector<std::string> buffer_lines(GtkTextBuffer *buffer);
+
 // The places of parts of the text, which stand in its order; parts that touch are one place.
 [[nodiscard]] std::vector<char_span> places_of(const std::string &text,
                                                const std::vector<assist::piece> &parts);

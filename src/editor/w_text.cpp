@@ -4,6 +4,7 @@
 #include "editor/accessible.h"
 #include "editor/edit-state.h"
 #include "editor/operation.h"
+#include "editor/text-places.h"
 #include "editor/ui-text.h"
 #include "editor/w_text_build.h"
 #include "source/misc.h"
@@ -307,17 +308,8 @@ void zel_get_text(GtkWidget *view, lang_entry_t *entry)
     free_lang_entry_text(entry->texts);
     entry->texts = nullptr;
     zel::list_tail tail(entry->texts);
-    GtkTextBuffer *buffer = buffer_of(view);
-    GtkTextIter start;
-    gtk_text_buffer_get_start_iter(buffer, &start);
-    while (!gtk_text_iter_is_end(&start)) {
-        GtkTextIter end = start;
-        gtk_text_iter_forward_line(&end);
-        gchar *line = gtk_text_buffer_get_text(buffer, &start, &end, TRUE);
-        tail.append(zel_strdup2(line));
-        g_free(line);
-        start = end;
-    }
+    for (const std::string &line : zel::buffer_lines(buffer_of(view)))
+        tail.append(zel_strdup2(line.c_str()));
     entry->texts = trim_lines(entry->texts);
 }
 

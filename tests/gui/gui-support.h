@@ -4,6 +4,8 @@
 // that will appear, keys, and a record of the toolkit's warnings. The tests fail when
 // there is no display.
 
+#include "editor/text-places.h"
+
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
 
@@ -95,6 +97,10 @@ protected:
 
     std::string folder; // without a separator at the end
     std::string path(const std::string &name) const { return folder + "/" + name; }
+    static std::string text_of(GtkWidget *view)
+    {
+        return zel::buffer_text(gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)));
+    }
 
 private:
     std::string old_folder;

@@ -36,14 +36,6 @@ protected:
         return gtk_window_get_focus(GTK_WINDOW(mainWin)) == widget;
     }
     static std::string search_text() { return gtk_entry_get_text(GTK_ENTRY(tab()->search_entry)); }
-    static std::string text_of(GtkWidget *view)
-    {
-        GtkTextIter start;
-        GtkTextIter end;
-        GtkTextBuffer *buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(view));
-        gtk_text_buffer_get_bounds(buffer, &start, &end);
-        return zel_test::take(gtk_text_buffer_get_text(buffer, &start, &end, TRUE));
-    }
     static bool a_menu_is_open()
     {
         for (GtkWidget *item : find_all(mainWin, GTK_TYPE_MENU_ITEM)) {

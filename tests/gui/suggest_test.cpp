@@ -32,14 +32,6 @@ protected:
         return gtk_widget_get_visible(line) != 0 ? label(line) : "hidden";
     }
     static std::string german() { return text_of(panel()->trans2_view); }
-    static std::string text_of(GtkWidget *view)
-    {
-        GtkTextIter start;
-        GtkTextIter end;
-        GtkTextBuffer *buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(view));
-        gtk_text_buffer_get_bounds(buffer, &start, &end);
-        return zel_test::take(gtk_text_buffer_get_text(buffer, &start, &end, TRUE));
-    }
     static void go_to(int row)
     {
         edit_ctrl.first(editWin);

@@ -121,15 +121,6 @@ protected:
 
     void search(const char *text) const { gtk_entry_set_text(GTK_ENTRY(tab->search_entry), text); }
 
-    static std::string text_of(GtkWidget *view)
-    {
-        GtkTextIter start;
-        GtkTextIter end;
-        GtkTextBuffer *buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(view));
-        gtk_text_buffer_get_bounds(buffer, &start, &end);
-        return zel_test::take(gtk_text_buffer_get_text(buffer, &start, &end, TRUE));
-    }
-
     static void set_text(GtkWidget *view, const char *text)
     {
         gtk_text_buffer_set_text(gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)), text, -1);

@@ -51,18 +51,6 @@ protected:
         gtk_text_buffer_set_text(gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)), typed, -1);
     }
 
-    static std::string shown_in(GtkWidget *view)
-    {
-        GtkTextIter start;
-        GtkTextIter end;
-        GtkTextBuffer *buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(view));
-        gtk_text_buffer_get_bounds(buffer, &start, &end);
-        gchar *all = gtk_text_buffer_get_text(buffer, &start, &end, TRUE);
-        std::string result = all;
-        g_free(all);
-        return result;
-    }
-
     static std::vector<std::string> lines(GList *entries, const char *lang)
     {
         std::vector<std::string> result;
@@ -106,8 +94,8 @@ TEST_F(Text, ShowsTheItemAndMakesMissingEntries)
     EXPECT_STREQ(gtk_entry_get_text(GTK_ENTRY(text->name_edit_entry)), "Open");
     EXPECT_EQ(caption(text->trans1_label), "Translation \"english\"");
     EXPECT_EQ(caption(text->comment2_label), "Comment \"german\"");
-    EXPECT_EQ(shown_in(text->trans1_view), "Open");
-    EXPECT_EQ(shown_in(text->used_in_view), "00001:a.c\n\n");
+    EXPECT_EQ(text_of(text->trans1_view), "Open");
+    EXPECT_EQ(text_of(text->used_in_view), "00001:a.c\n\n");
     EXPECT_EQ(zel_get_lang_entry(item->comments, "english"), text->comment1_entry);
     EXPECT_EQ(zel_get_lang_entry(item->langs, "german"), text->trans2_entry);
     EXPECT_EQ(g_list_length(item->langs), 2U);
@@ -124,7 +112,7 @@ TEST_F(Text, ShowsTheItemAndMakesMissingEntries)
     zel_text_set(widget, nullptr, nullptr, 1);
     EXPECT_FALSE(gtk_widget_get_visible(text->trans1_view));
     EXPECT_FALSE(gtk_widget_get_visible(text->used_in_view));
-    EXPECT_EQ(shown_in(text->used_in_view), "");
+    EXPECT_EQ(text_of(text->used_in_view), "");
     show(item);
     EXPECT_TRUE(gtk_widget_get_visible(text->trans1_view));
 }
@@ -158,7 +146,7 @@ TEST_F(Text, StoresLinesWithTheirEndsAndDropsBlankOnesAtTheEnd)
     EXPECT_THAT(stored(""), IsEmpty());
     EXPECT_THAT(stored("x\r\ny\r\n"), ElementsAre("x\r\n", "y"));
     show(item);
-    EXPECT_EQ(shown_in(text->trans1_view), "x\r\ny") << "lines are joined as they are stored";
+    EXPECT_EQ(text_of(text->trans1_view), "x\r\ny") << "lines are joined as they are stored";
     EXPECT_EQ(lang_global.modified, 1);
 }
 
@@ -208,7 +196,7 @@ TEST_F(Text, PastedLineEndsBecomeThisSystemsAndThoseOfTheSourceStay)
     gtk_text_buffer_set_text(buffer, "a\r\n", -1);
     gtk_text_buffer_paste_clipboard(buffer, clipboard, nullptr, TRUE);
     gui::wait_for([&] { return gtk_text_buffer_get_char_count(buffer) > 10; });
-    EXPECT_EQ(shown_in(text->trans1_view), "a\r\none\ntwo\nthree\n\n");
+    EXPECT_EQ(text_of(text->trans1_view), "a\r\none\ntwo\nthree\n\n");
     gtk_clipboard_clear(clipboard);
 }
 

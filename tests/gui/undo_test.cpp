@@ -19,14 +19,6 @@ namespace {
 class Undo : public Editor {
 protected:
     static ZelTabEdit *tab() { return ZEL_TAB_EDIT(editWin); }
-    static std::string text_of(GtkWidget *view)
-    {
-        GtkTextIter start;
-        GtkTextIter end;
-        GtkTextBuffer *buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(view));
-        gtk_text_buffer_get_bounds(buffer, &start, &end);
-        return zel_test::take(gtk_text_buffer_get_text(buffer, &start, &end, TRUE));
-    }
     static std::string german() { return text_of(panel()->trans2_view); }
     static int caret()
     {
