@@ -19,6 +19,8 @@ struct ini_t {
     std::int32_t define_x; // [defineWin] where the language dialog stood last
     std::int32_t define_y;
     std::array<std::int64_t, 6> numbers; // what the keys of the six fields are bound to
+    std::array<char *, 2>
+        below; // [editor] languages shown below the translations, or null; see below
 };
 
 // The process's settings, null while there are none.
@@ -32,6 +34,11 @@ extern ini_t *ini;
 // default_dst_dir; when the file cannot be read the first values stay and ini_write writes
 // nothing. 0; 1 for null.
 int ini_read(ini_t *settings);
+
+// The language whose text is shown below the first (0) or second (1) translation; null for none and
+// without settings. Setting takes a copy; the key is in the file once it has been set.
+const char *ini_below(const ini_t *settings, std::size_t which);
+void ini_set_below(ini_t *settings, std::size_t which, const char *lang);
 
 // Writes the file. 0, also when that fails; 1 for null.
 int ini_write(ini_t *settings);

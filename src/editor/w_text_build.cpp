@@ -6,9 +6,12 @@
 #include "editor/text-signs.h"
 #include "editor/theme.h"
 #include "editor/ui-text.h"
+#include "editor/w_text_below.h"
 #include "editor/w_text_checks.h"
 
 #include <algorithm>
+#include <array>
+#include <utility>
 
 namespace {
 
@@ -79,6 +82,28 @@ int requested_height(GtkWidget *widget)
     return std::max(height, 0);
 }
 
+// Shares out what is left above a line of each among the texts below the translations; what the
+// shorter one does not need is the other's.
+void share_below(Zeltext *text, int line, int left, int count)
+{
+    std::array<int, 2> order{TEXT_TRANS1, TEXT_TRANS2};
+    std::array<int, 2> wanted{};
+    for (const int number : order)
+        wanted[static_cast<std::size_t>(number)] = zel::text_below_height(text, number, line);
+    if (wanted[0] > wanted[1])
+        std::swap(order[0], order[1]);
+    for (const int number : order) {
+        const int most = wanted[static_cast<std::size_t>(number)];
+        if (most == 0)
+            continue;
+        const int more = std::clamp(left / count--, 0, most - line);
+        left -= more;
+        GtkWidget *scrolled = zel::text_below_scrolled(text, number);
+        if (requested_height(scrolled) != line + more)
+            gtk_widget_set_size_request(scrolled, -1, line + more);
+    }
+}
+
 // Shares the panel's height out among the fields.
 void share_height(GtkWidget *viewport, GtkAllocation *place, gpointer data)
 {
@@ -93,7 +118,16 @@ void share_height(GtkWidget *viewport, GtkAllocation *place, gpointer data)
     // What the fields of one language have; the rest of what is wanted is for other things.
     const int comment_now = requested_height(scrolled_of(text, TEXT_COMMENT1));
     const int trans_now = requested_height(scrolled_of(text, TEXT_TRANS1));
-    const int others = wanted.height - languages * (comment_now + trans_now);
+    int below_now = 0;
+    int below_count = 0;
+    for (const int number : {TEXT_TRANS1, TEXT_TRANS2}) {
+        if (gtk_widget_get_visible(text->below[number].row) == 0)
+            continue;
+        below_now += requested_height(zel::text_below_scrolled(text, number));
+        ++below_count;
+    }
+    const int others =
+        wanted.height - languages * (comment_now + trans_now) - below_now + below_count * line;
     const field_t &comment = fields[TEXT_COMMENT1];
     const field_t &trans = fields[TEXT_TRANS1];
     const int room = (place->height - others) / languages - trans.height;
@@ -106,6 +140,8 @@ void share_height(GtkWidget *viewport, GtkAllocation *place, gpointer data)
         if (requested_height(scrolled) != height)
             gtk_widget_set_size_request(scrolled, -1, height);
     }
+    share_below(text, line, place->height - others - languages * (comment_height + trans.height),
+                below_count);
 }
 
 // The field that gets the keyboard is scrolled to, with its caption.
@@ -133,7 +169,10 @@ GtkWidget *make_caption_row(Zeltext *text, int number, GtkWidget *caption)
     GtkWidget *finding = zel::text_finding_label_new();
     gtk_box_pack_start(GTK_BOX(row), finding, TRUE, TRUE, 0);
     (number == TEXT_TRANS1 ? text->finding1_label : text->finding2_label) = finding;
-    return row;
+    GtkWidget *box = gtk_event_box_new(); // labels get no clicks
+    gtk_event_box_set_visible_window(GTK_EVENT_BOX(box), FALSE);
+    gtk_container_add(GTK_CONTAINER(box), row);
+    return box;
 }
 
 GtkWidget *make_suggestion(Zeltext *text, int number)
@@ -152,14 +191,18 @@ void make_field(Zeltext *text, int number, GtkWidget *box)
     const bool is_comment = number == TEXT_COMMENT1 || number == TEXT_COMMENT2;
     GtkWidget *view = make_text_view(field.height);
     GtkWidget *label = make_caption(view);
-    gtk_box_pack_start(GTK_BOX(box), is_comment ? label : make_caption_row(text, number, label),
-                       FALSE, FALSE, 0);
-    gtk_box_pack_start(GTK_BOX(box), make_view_frame(view), is_comment ? FALSE : TRUE, TRUE, 0);
-    if (!is_comment)
-        gtk_box_pack_start(GTK_BOX(box), make_suggestion(text, number), FALSE, FALSE, 0);
-    g_signal_connect(view, "focus-in-event", G_CALLBACK(show_whole_field), label);
     text->*field.view = view;
     text->*field.label = label;
+    g_signal_connect(view, "focus-in-event", G_CALLBACK(show_whole_field), label);
+    GtkWidget *caption = is_comment ? label : make_caption_row(text, number, label);
+    gtk_box_pack_start(GTK_BOX(box), caption, FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), make_view_frame(view), is_comment ? FALSE : TRUE, TRUE, 0);
+    if (is_comment)
+        return;
+    gtk_box_pack_start(GTK_BOX(box), make_suggestion(text, number), FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), zel::text_below_new(text, number, make_text_view(-1)), FALSE,
+                       FALSE, 0);
+    zel::text_below_offer(text, number, caption);
 }
 
 GtkWidget *make_language_frame(Zeltext *text, int comment, int trans)
