@@ -15,8 +15,8 @@ namespace zel {
 namespace {
 
 constexpr int gap = 6;
-constexpr int longest_name = 14;            // letters; a longer one has dots
-constexpr std::size_t most_measured = 2000; // bytes, more than so many lines hold
+constexpr int longest_name = 14;    // letters; a longer one has dots
+constexpr int most_measured = 2000; // letters, more than so many lines hold
 
 static_assert(TEXT_TRANS1 == 0 && TEXT_TRANS2 == 1, "both number the choices");
 
@@ -231,6 +231,7 @@ GtkWidget *text_below_new(Zeltext *text, int field, GtkWidget *view)
     gtk_text_view_set_editable(GTK_TEXT_VIEW(view), FALSE);
     gtk_text_view_set_cursor_visible(GTK_TEXT_VIEW(view), FALSE);
     g_signal_connect(view, "focus", G_CALLBACK(pass_by), nullptr);
+    set_accessible_name(view, ui_text("text", "Translation"));
     GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
     gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER,
                                    GTK_POLICY_AUTOMATIC);
@@ -270,11 +271,12 @@ GtkWidget *text_below_scrolled(Zeltext *text, int field)
     return gtk_widget_get_parent(below_of(text, field).view);
 }
 
-int text_below_height(Zeltext *text, int field, int line)
+// Letters of other scripts may come from a font with higher lines, so the text itself is measured.
+below_height text_below_height(Zeltext *text, int field)
 {
     const text_below &below = below_of(text, field);
     if (gtk_widget_get_visible(below.row) == 0)
-        return 0;
+        return {0, 0};
     GtkTextView *view = GTK_TEXT_VIEW(below.view);
     GtkTextBuffer *buffer = gtk_text_view_get_buffer(view);
     GtkTextIter start;
@@ -290,9 +292,17 @@ int text_below_height(Zeltext *text, int field, int line)
     pango_layout_set_width(layout, std::max(width, 1) * PANGO_SCALE);
     pango_layout_set_wrap(layout, PANGO_WRAP_WORD_CHAR);
     const int lines = place.width <= 1 ? 1 : pango_layout_get_line_count(layout);
+    below_height height{0, 0};
+    for (int line = 0; line < std::min(lines, below_lines); ++line) {
+        PangoRectangle extents{};
+        pango_layout_line_get_pixel_extents(pango_layout_get_line_readonly(layout, line), nullptr,
+                                            &extents);
+        height.most += extents.height + gtk_text_view_get_pixels_above_lines(view);
+        height.least = line == 0 ? height.most : height.least;
+    }
     g_object_unref(layout);
     g_free(measured);
-    return std::clamp(lines, 1, below_lines) * line;
+    return height;
 }
 
 } // namespace zel

@@ -21,8 +21,12 @@ void text_below_offer(Zeltext *text, int field, GtkWidget *caption_row);
 // Shows the texts of the panel's item; without an item nothing.
 void text_below_show(Zeltext *text);
 
-// The height that the text would take, from one line to below_lines of them; 0 while it is hidden.
-int text_below_height(Zeltext *text, int field, int line);
+// The heights of the text's first line and of as many as it may take; 0 while it is hidden.
+struct below_height {
+    int least;
+    int most;
+};
+below_height text_below_height(Zeltext *text, int field);
 
 // What scrolls the text.
 GtkWidget *text_below_scrolled(Zeltext *text, int field);
