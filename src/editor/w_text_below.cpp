@@ -15,7 +15,8 @@ namespace zel {
 namespace {
 
 constexpr int gap = 6;
-constexpr int longest_name = 14;    // letters; a longer one has dots
+constexpr int least_width = 40;
+constexpr int longest_name = 10;    // letters; a longer one has dots
 constexpr int most_measured = 2000; // letters, more than so many lines hold
 
 static_assert(TEXT_TRANS1 == 0 && TEXT_TRANS2 == 1, "both number the choices");
@@ -230,6 +231,7 @@ GtkWidget *text_below_new(Zeltext *text, int field, GtkWidget *view)
     below.view = view;
     gtk_text_view_set_editable(GTK_TEXT_VIEW(view), FALSE);
     gtk_text_view_set_cursor_visible(GTK_TEXT_VIEW(view), FALSE);
+    gtk_widget_set_size_request(view, least_width, -1); // not its text's, which wraps
     g_signal_connect(view, "focus", G_CALLBACK(pass_by), nullptr);
     set_accessible_name(view, ui_text("text", "Translation"));
     GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
