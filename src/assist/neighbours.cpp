@@ -15,9 +15,9 @@ namespace zel::assist {
 namespace {
 
 constexpr std::string_view ending = ".lang-src";
-constexpr std::size_t most_names = 1000;    // in a folder of more, the first ones of the listing
-constexpr std::size_t listed_at_once = 500; // entries
-constexpr std::uint32_t rows_between_looks = 16;
+constexpr std::size_t most_names = 1000;     // in a folder of more, the first ones of the listing
+constexpr std::size_t listed_at_once = 500;  // entries
+constexpr std::uint32_t pieces_at_once = 32; // items, between two looks at the clock
 
 // With the separator at its end; empty for the current folder.
 std::string folder_of(const std::string &path)
@@ -63,16 +63,40 @@ bool read_whole(int fd, std::string &text)
     return true;
 }
 
+read_how how_to_read(std::string_view text)
+{
+    read_how how;
+    how.text = text;
+    return how;
+}
+
 } // namespace
+
+struct neighbour_texts::file {
+    std::string name;
+    std::string text;
+    source_reading reading;
+    source_guard source;    // once it is read
+    GList *group = nullptr; // whose items are kept next
+    GList *item = nullptr;
+
+    file(std::string given, std::string whole)
+        : name(std::move(given)), text(std::move(whole)), reading(name.c_str(), how_to_read(text))
+    {
+    }
+};
 
 neighbour_texts::neighbour_texts(neighbour_limits limits)
     : limits_(limits), index_([this](std::uint32_t number) { return rows_[number].reference; })
 {
 }
 
+neighbour_texts::~neighbour_texts() = default;
+
 void neighbour_texts::forget()
 {
     query_ = {};
+    file_.reset();
     folder_.reset();
     names_.clear();
     seen_.clear();
@@ -99,18 +123,18 @@ void neighbour_texts::begin(const query &wanted)
     folder_.reset(opendir(folder.empty() ? "." : folder.c_str()));
 }
 
-// Some entries of the folder; false at its end.
-bool neighbour_texts::list_some()
+void neighbour_texts::list_some()
 {
     for (std::size_t count = 0; count < listed_at_once; ++count) {
         const dirent *entry = readdir(folder_.get());
-        if (entry == nullptr || names_.size() >= most_names)
-            return false;
+        if (entry == nullptr || names_.size() >= most_names) {
+            folder_.reset();
+            return;
+        }
         const std::string_view name = entry->d_name;
         if (name.size() > ending.size() && name.ends_with(ending))
             names_.emplace(name);
     }
-    return true;
 }
 
 void neighbour_texts::keep(const LangSource &source, item_t *item)
@@ -138,17 +162,42 @@ void neighbour_texts::keep(const LangSource &source, item_t *item)
         rows_.push_back(std::move(found));
 }
 
-void neighbour_texts::keep(const LangSource &source, const std::string &name)
+void neighbour_texts::read_some()
 {
-    for (const edit_t *group : each<edit_t>(source.groups)) {
-        origins_.push_back(std::string(group->name == nullptr ? "" : group->name) + ", " + name);
-        for (item_t *item : each<item_t>(group->items))
-            if (item->used != 0)
-                keep(source, item);
-    }
+    if (file_->reading.step(pieces_at_once))
+        return;
+    read_answer answer = file_->reading.answer();
+    file_->source = std::move(answer.source);
+    if (file_->source)
+        file_->group = file_->source->groups;
+    else
+        file_.reset();
 }
 
-void neighbour_texts::read_next()
+// Some items of the file that was read, of one group.
+void neighbour_texts::keep_some()
+{
+    if (file_->group == nullptr) {
+        file_.reset();
+        return;
+    }
+    const auto *group = static_cast<const edit_t *>(file_->group->data);
+    if (file_->item == nullptr) {
+        file_->item = group->items;
+        origins_.push_back(std::string(group->name == nullptr ? "" : group->name) + ", " +
+                           file_->name);
+    }
+    for (unsigned count = 0; count < pieces_at_once && file_->item != nullptr; ++count) {
+        auto *item = static_cast<item_t *>(file_->item->data);
+        if (item->used != 0)
+            keep(*file_->source, item);
+        file_->item = file_->item->next;
+    }
+    if (file_->item == nullptr)
+        file_->group = file_->group->next;
+}
+
+void neighbour_texts::open_next()
 {
     const std::string name = names_.extract(names_.begin()).value();
     if (files_ >= limits_.files || rows_.size() >= limits_.texts) {
@@ -172,31 +221,30 @@ void neighbour_texts::read_next()
     ++files_;
     bytes_ += size;
     seen_.push_back(id_of(status));
-    read_how how;
-    how.text = text;
-    const read_answer answer = read_source(path.c_str(), how);
-    if (answer.source)
-        keep(*answer.source, name);
+    file_ = std::make_unique<file>(name, std::move(text));
+}
+
+void neighbour_texts::do_piece()
+{
+    if (folder_ != nullptr)
+        list_some();
+    else if (next_row_ < rows_.size())
+        index_.add(next_row_++);
+    else if (file_ == nullptr)
+        open_next();
+    else if (file_->source == nullptr)
+        read_some();
+    else
+        keep_some();
 }
 
 bool neighbour_texts::step(std::chrono::steady_clock::time_point until)
 {
-    if (folder_ != nullptr) {
-        if (!list_some())
-            folder_.reset();
-        return true;
-    }
-    if (next_row_ >= rows_.size()) {
-        if (names_.empty())
+    do {
+        if (folder_ == nullptr && file_ == nullptr && names_.empty() && next_row_ >= rows_.size())
             return false;
-        read_next();
-        return true;
-    }
-    std::uint32_t looks = 0;
-    do
-        index_.add(next_row_++);
-    while (next_row_ < rows_.size() &&
-           (++looks % rows_between_looks != 0 || std::chrono::steady_clock::now() < until));
+        do_piece();
+    } while (std::chrono::steady_clock::now() < until);
     return true;
 }
 

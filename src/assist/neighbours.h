@@ -2,9 +2,9 @@
 
 // What the other sources in the folder of a source have the same and similar texts translated as.
 //
-// They are only read, in pieces from whoever has time: a listing, then a file at a time, then its
-// texts. Files that are no sources or cannot be read are passed over, without a word and without
-// waiting for them; nothing is locked or written. Equal texts are kept once.
+// They are only read, in pieces by whoever has time. Files that are no sources or cannot be read
+// are passed over, without a word and without waiting for them; nothing is locked or written. Equal
+// texts are kept once.
 
 #include <array>
 #include <chrono>
@@ -43,6 +43,9 @@ struct neighbour_limits {
 class neighbour_texts {
 public:
     explicit neighbour_texts(neighbour_limits limits = {});
+    ~neighbour_texts();
+    neighbour_texts(const neighbour_texts &) = delete;
+    neighbour_texts &operator=(const neighbour_texts &) = delete;
 
     // What to look for. Languages are names; an empty one is none.
     struct query {
@@ -58,8 +61,8 @@ public:
     // Drops everything.
     void forget();
 
-    // Does a piece of the work: reads one file whole, or goes on until then with what is quick.
-    // False when there is none left.
+    // Does a piece of the work and goes on until then; a little longer where a file is opened or
+    // released. False when there is none left.
     bool step(std::chrono::steady_clock::time_point until);
 
     // The best translation of the text into a language of the query, of what has been read so far;
@@ -73,9 +76,13 @@ private:
         std::uint32_t origin;
     };
 
-    bool list_some();
-    void read_next();
-    void keep(const LangSource &source, const std::string &name);
+    struct file; // that is being read
+
+    void do_piece();
+    void list_some();
+    void open_next();
+    void read_some();
+    void keep_some();
     void keep(const LangSource &source, item_t *item);
 
     struct folder_release {
@@ -86,6 +93,7 @@ private:
     query query_;
     std::unique_ptr<DIR, folder_release> folder_; // while it is listed
     std::set<std::string> names_;                 // of files that are still to be read
+    std::unique_ptr<file> file_;                  // null between two
     std::vector<file_id> seen_;                   // files that are not to be read again
     std::size_t files_ = 0;                       // read
     std::size_t bytes_ = 0;

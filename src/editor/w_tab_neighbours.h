@@ -1,7 +1,7 @@
 #pragma once
 
-// The other sources of the folder, read while the translator does nothing: a file or a slice of its
-// texts at a time, and no file within half a second of a key.
+// The other sources of the folder, read while the translator does nothing: in slices of some
+// milliseconds, and none within half a second of a key.
 
 #include <gtk/gtk.h>
 

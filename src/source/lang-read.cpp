@@ -10,6 +10,8 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
+#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
@@ -151,13 +153,16 @@ struct statement_reader : source_reader {
     LangSource *source;
     zel::list_tail langs;
     zel::list_tail groups;
+    edit_t *group = nullptr; // that is being read
+    std::optional<zel::list_tail> items;
 
     statement_reader(source_reader reader, LangSource *root)
         : source_reader(reader), source(root), langs(root->langs), groups(root->groups)
     {
     }
 
-    outcome read_statements();
+    bool is_done() { return group == nullptr && look() == TOKEN_EOF; }
+    outcome read_piece();
     outcome read_statement(const zel_token_t *token);
     outcome read_version();
     outcome read_default();
@@ -165,9 +170,9 @@ struct statement_reader : source_reader {
     outcome read_define();
     outcome read_define_file(bool &more, place start);
     void read_define_format(place at);
-    outcome read_group(place start);
-    outcome read_group_element(edit_t *group, zel::list_tail &items);
-    outcome add_item(edit_t *group, zel::list_tail &items, place start);
+    outcome begin_group(place start);
+    outcome read_group_element();
+    outcome add_item(place start);
 };
 
 outcome source_reader::fail(int number, place at, int kind)
@@ -372,7 +377,7 @@ outcome source_reader::read_item(item_t *item, place start)
     return token->id == '}' ? outcome::go_on : fail(701, token);
 }
 
-outcome statement_reader::add_item(edit_t *group, zel::list_tail &items, place start)
+outcome statement_reader::add_item(place start)
 {
     item_guard item(alloc_item());
     if (!item)
@@ -384,16 +389,16 @@ outcome statement_reader::add_item(edit_t *group, zel::list_tail &items, place s
         ++group->used;
     item->source = source;
     ++source->item_count;
-    items.append(item.release());
+    items->append(item.release());
     return outcome::go_on;
 }
 
-outcome statement_reader::read_group_element(edit_t *group, zel::list_tail &items)
+outcome statement_reader::read_group_element()
 {
     const zel_token_t *token = next();
     switch (token->id) {
     case key_item:
-        return add_item(group, items, place_of(token));
+        return add_item(place_of(token));
     case key_used:
         return read_yes_no(group->used, 418);
     case key_visible:
@@ -407,10 +412,11 @@ outcome statement_reader::read_group_element(edit_t *group, zel::list_tail &item
     }
 }
 
-// GROUP STRING "{" element ... "}". A name or brace that is none is said and taken for it.
-outcome statement_reader::read_group(place start)
+// GROUP STRING "{", and pieces follow: element ... "}". A name or brace that is none is said and
+// taken for it.
+outcome statement_reader::begin_group(place start)
 {
-    edit_t *group = lang_alloc_edit();
+    group = lang_alloc_edit();
     if (group == nullptr)
         return fail(351, {0, 0});
     groups.append(group);
@@ -422,13 +428,8 @@ outcome statement_reader::read_group(place start)
     token = next();
     if (token->id != '{')
         fail(372, token);
-    zel::list_tail items(group->items);
-    outcome result = outcome::go_on;
-    while (result == outcome::go_on && look() != '}')
-        result = read_group_element(group, items);
-    if (result == outcome::go_on)
-        next();
-    return result;
+    items.emplace(group->items);
+    return outcome::go_on;
 }
 
 // FILE STRING LANG STRING [NUMBER [NUMBER [NUMBER]]]. Only with two numbers or more is the
@@ -540,18 +541,22 @@ outcome statement_reader::read_statement(const zel_token_t *token)
     case key_define:
         return read_define();
     case key_group:
-        return read_group(place_of(token));
+        return begin_group(place_of(token));
     default:
         return fail(318, token);
     }
 }
 
-outcome statement_reader::read_statements()
+// A statement, or one element or the end of the group that is being read.
+outcome statement_reader::read_piece()
 {
-    outcome result = outcome::go_on;
-    while (result == outcome::go_on && look() != TOKEN_EOF)
-        result = read_statement(next());
-    return result;
+    if (group == nullptr)
+        return read_statement(next());
+    if (look() != '}')
+        return read_group_element();
+    next();
+    group = nullptr;
+    return outcome::go_on;
 }
 
 void log_exit(int line) { LogPrint(1, "lang_read_file: ERROR(exit) %s:%d\n", "lang-read", line); }
@@ -577,6 +582,107 @@ read_cause why_not_opened(const char *path)
     struct stat status;
     const bool there = stat(path, &status) == 0 || (errno != ENOENT && errno != ENOTDIR);
     return there ? read_cause::unreadable : read_cause::absent;
+}
+
+// One run over one file, in pieces.
+class reading {
+public:
+    reading(const char *path, const read_how &how);
+    bool step(std::uint32_t pieces);
+    zel::read_answer answer();
+
+private:
+    void not_read(int number, int error, read_cause cause)
+    {
+        result_ = outcome::give_up;
+        number_ = number;
+        error_ = error;
+        cause_ = cause;
+    }
+    void end();
+
+    const char *shown_; // the path
+    source_guard source_;
+    zel_lex_guard lex_;
+    unsigned failed_before_ = 0;
+    zel_lex_buf_guard buf_;
+    std::optional<statement_reader> reader_;
+    outcome result_ = outcome::go_on;
+    read_cause cause_ = read_cause::syntax; // if it is not read
+    int number_ = 0;                        // of the message about the file itself
+    int error_ = 0;
+    bool is_done_ = false;
+};
+
+reading::reading(const char *path, const read_how &how) : shown_(path == nullptr ? "" : path)
+{
+    LogPrint(1, "lang_read_file: entry\n");
+    source_.reset(lang_alloc_group());
+    lex_.reset(zel_lex_new(keywords, source_flags));
+    if (!source_ || !lex_) {
+        log_exit(128);
+        return;
+    }
+    failed_before_ = zel::failed_copies();
+    reader_.emplace(source_reader{lex_.get(), shown_, how}, source_.get());
+    buf_.reset(open_input(path, how.text));
+    if (buf_ == nullptr) {
+        const int error = errno;
+        not_read(zel::read_not_opened, error, why_not_opened(shown_));
+    } else if (buf_->kind == ZEL_LEX_BUF_FILE && buf_->stream == nullptr) {
+        not_read(zel::read_no_path, 0, read_cause::absent);
+    } else {
+        zel_lex_set_buf(lex_.get(), buf_.get());
+    }
+}
+
+bool reading::step(std::uint32_t pieces)
+{
+    if (is_done_ || !reader_)
+        return false;
+    for (; result_ == outcome::go_on && !reader_->is_done(); --pieces) {
+        if (pieces == 0)
+            return true;
+        result_ = reader_->read_piece();
+    }
+    is_done_ = true;
+    if (number_ == 0)
+        end();
+    return false;
+}
+
+void reading::end()
+{
+    // A file that the system cannot read to its end must not pass for a short one.
+    if (zel_lex_buf_read_failed(buf_.get()) != 0) {
+        not_read(zel::read_not_opened, buf_->read_error, read_cause::unreadable);
+    } else if (zel::failed_copies() != failed_before_ || zel_lex_out_of_memory(lex_.get()) != 0) {
+        cause_ = read_cause::memory;
+        if (result_ == outcome::go_on)
+            not_read(zel::read_not_opened, 0, read_cause::memory);
+    }
+}
+
+zel::read_answer reading::answer()
+{
+    if (!reader_)
+        return {nullptr, zel::read_result::unreadable, read_cause::memory};
+    if (result_ == outcome::go_on) {
+        if ((buf_->stream != nullptr && zel::lacks_last_line(fileno(buf_->stream))) ||
+            zel_lex_open_comment(lex_.get()) != 0)
+            reader_->fail(zel::read_maybe_cut, {0, 0});
+        LogPrint(1, "lang_read_file: exit\n");
+        return {std::move(source_), zel::read_result::good, read_cause::none};
+    }
+    if (number_ != 0)
+        reader_->fail(number_, {0, 0}, error_);
+    source_.reset();
+    lex_.reset();
+    buf_.reset();
+    log_failure(number_, reader_->log_line, shown_);
+    return {nullptr,
+            result_ == outcome::stop ? zel::read_result::stopped : zel::read_result::unreadable,
+            cause_};
 }
 
 } // namespace
@@ -609,61 +715,28 @@ void say_stopped()
 
 read_answer read_source(const char *path, const read_how &how)
 {
-    LogPrint(1, "lang_read_file: entry\n");
-    source_guard source(lang_alloc_group());
-    zel_lex_guard lex(zel_lex_new(keywords, source_flags));
-    if (!source || !lex) {
-        log_exit(128);
-        return {nullptr, read_result::unreadable, read_cause::memory};
+    reading run(path, how);
+    while (run.step(UINT32_MAX)) {
     }
-    const char *shown = path == nullptr ? "" : path;
-    statement_reader reader({lex.get(), shown, how}, source.get());
-    const unsigned failed_before = failed_copies();
-    zel_lex_buf_guard buf(open_input(path, how.text));
-    outcome result = outcome::give_up;
-    read_cause cause = read_cause::syntax;
-    int number = 0; // of the message about the file itself
-    int error = 0;
-    if (buf == nullptr) {
-        error = errno;
-        cause = why_not_opened(shown);
-        number = read_not_opened;
-    } else if (buf->kind == ZEL_LEX_BUF_FILE && buf->stream == nullptr) {
-        cause = read_cause::absent;
-        number = read_no_path;
-    } else {
-        zel_lex_set_buf(lex.get(), buf.get());
-        result = reader.read_statements();
-        // A file that the system cannot read to its end must not pass for a short one.
-        if (zel_lex_buf_read_failed(buf.get()) != 0) {
-            error = buf->read_error;
-            result = outcome::give_up;
-            cause = read_cause::unreadable;
-            number = read_not_opened;
-        } else if (failed_copies() != failed_before || zel_lex_out_of_memory(lex.get()) != 0) {
-            cause = read_cause::memory;
-            if (result == outcome::go_on) {
-                result = outcome::give_up;
-                number = read_not_opened;
-            }
-        }
-    }
-    if (result == outcome::go_on) {
-        if ((buf->stream != nullptr && lacks_last_line(fileno(buf->stream))) ||
-            zel_lex_open_comment(lex.get()) != 0)
-            reader.fail(read_maybe_cut, {0, 0});
-        LogPrint(1, "lang_read_file: exit\n");
-        return {std::move(source), read_result::good, read_cause::none};
-    }
-    if (number != 0)
-        reader.fail(number, {0, 0}, error);
-    source.reset();
-    lex.reset();
-    buf.reset();
-    log_failure(number, reader.log_line, shown);
-    return {nullptr, result == outcome::stop ? read_result::stopped : read_result::unreadable,
-            cause};
+    return run.answer();
 }
+
+struct source_reading::state {
+    std::string path;
+    read_how how;
+    reading run;
+
+    state(const char *given, const read_how &as) : path(given), how(as), run(path.c_str(), how) {}
+};
+
+source_reading::source_reading(const char *path, const read_how &how)
+    : state_(std::make_unique<state>(path, how))
+{
+}
+source_reading::~source_reading() = default;
+
+bool source_reading::step(std::uint32_t pieces) { return state_->run.step(pieces); }
+read_answer source_reading::answer() { return state_->run.answer(); }
 
 } // namespace zel
 

@@ -16,6 +16,7 @@
 // Keywords in any case; /* */ and // comments.
 
 #include <cstdint>
+#include <memory>
 #include <string_view>
 
 #include "lex/lex.h"
@@ -54,6 +55,26 @@ struct read_how {
 
 // Reads a file into a new source. Logs, prints nothing, never ends the process.
 read_answer read_source(const char *path, const read_how &how);
+
+// The same in pieces, for who must not be held up. What how points to, text and places, is there
+// until the end.
+class source_reading {
+public:
+    source_reading(const char *path, const read_how &how);
+    ~source_reading();
+    source_reading(const source_reading &) = delete;
+    source_reading &operator=(const source_reading &) = delete;
+
+    // Reads so many items and statements at most; false once there are no more.
+    bool step(std::uint32_t pieces);
+
+    // What came of it, once; after the last step.
+    read_answer answer();
+
+private:
+    struct state;
+    std::unique_ptr<state> state_;
+};
 
 // Files beside the source are found through lang_global's src_dir: set to the path's directory.
 void note_source_directory(const char *path);
