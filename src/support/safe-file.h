@@ -65,6 +65,7 @@ private:
     int fd_ = -1;
     file_id id_{};
     int error_ = 0;
+    bool is_own_name_ = false; // nobody else uses it
     synced how_ = synced::yes;
     std::unique_ptr<safe_file> near_; // the copy on the place's file system
 };
