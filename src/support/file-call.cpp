@@ -43,6 +43,17 @@ int _zel_unlink(const char *file, int line, const char *path)
 
 namespace zel {
 
+file_stamp stamp_of(const struct stat &status)
+{
+    return {id_of(status), status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
+}
+
+file_stamp stamp_of(const char *path)
+{
+    struct stat status {};
+    return stat(path, &status) == 0 ? stamp_of(status) : file_stamp{};
+}
+
 bool is_named(const char *path, const file_id &id)
 {
     struct stat status {};

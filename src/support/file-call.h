@@ -34,6 +34,17 @@ struct file_id {
 };
 inline file_id id_of(const struct stat &status) { return {status.st_dev, status.st_ino}; }
 
+// What tells one text of a file from another without reading it. All zero where there is none.
+struct file_stamp {
+    file_id id;
+    off_t size;
+    time_t seconds; // of its last change
+    long nanoseconds;
+    bool operator==(const file_stamp &) const = default;
+};
+file_stamp stamp_of(const struct stat &status);
+file_stamp stamp_of(const char *path); // of the file that the path leads to
+
 // Whether the path, not what it links to, names that file.
 bool is_named(const char *path, const file_id &id);
 

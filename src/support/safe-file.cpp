@@ -301,8 +301,11 @@ int safe_file::put(const target_file &old)
             return error;
     }
     const int error = near_->put(old);
-    if (error == 0)
+    if (error == 0) {
+        const file_id id = near_->id_;
         drop();
+        id_ = id;
+    }
     return error;
 }
 

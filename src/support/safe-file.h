@@ -50,6 +50,9 @@ public:
     // Puts the finished text in its place: this file, whatever its name stands for by now.
     int put(const target_file &old);
 
+    // The file that was put in its place.
+    const file_id &id() const { return id_; }
+
     // Leaves the file where it is, under its first name.
     void keep();
 
