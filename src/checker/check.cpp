@@ -124,7 +124,7 @@ check_result check_once(const char *path, int count, char **words, std::int64_t 
     LogPrint(1, "check: write file\n");
     write_how how;
     how.now = std::time(nullptr);
-    how.may_replace = [&] { return !(is_changed = stamp_of(path) != stamp_before); };
+    how.may_replace = [&] { return !(is_changed = has_changed(path, stamp_before)); };
     const write_answer written = write_source(path, source.get(), how);
     if (begun && !is_changed)
         say_begun(path, written);

@@ -197,7 +197,7 @@ void convert(const char *from, const char *to, std::uint32_t only_used)
         zel::write_how how;
         how.now = std::time(nullptr);
         if (in_place)
-            how.may_replace = [&] { return zel::stamp_of(to) == before; };
+            how.may_replace = [&] { return !zel::has_changed(to, before); };
         if (to != nullptr)
             written = zel::write_source(to, def_group.get(), how);
         if (written.code != 2)

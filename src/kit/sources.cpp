@@ -41,7 +41,7 @@ std::vector<seen_file> seen_files;
 bool is_as_read(const std::string &path)
 {
     return std::none_of(seen_files.begin(), seen_files.end(), [&](const seen_file &seen) {
-        return seen.path == path && seen.stamp != stamp_of(path.c_str());
+        return seen.path == path && has_changed(path.c_str(), seen.stamp);
     });
 }
 
