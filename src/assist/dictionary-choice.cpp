@@ -36,21 +36,25 @@ std::string named(std::string_view code, std::span<const std::string> there)
     return best;
 }
 
-// A language with a territory and nothing else.
+// A language with a territory, two capitals or three digits, and nothing else.
 bool is_of_territory(std::string_view name, std::string_view code)
 {
-    return name.size() > code.size() + 2 && name.size() <= code.size() + 4 &&
-           is_same(name.substr(0, code.size()), code) &&
-           (name[code.size()] == '_' || name[code.size()] == '-') &&
-           std::all_of(name.begin() + static_cast<long>(code.size()) + 1, name.end(),
-                       [](char c) { return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'); });
+    const auto is_capital = [](char c) { return c >= 'A' && c <= 'Z'; };
+    const auto is_digit = [](char c) { return c >= '0' && c <= '9'; };
+    if (name.size() < code.size() + 3 || !is_same(name.substr(0, code.size()), code) ||
+        !is_same(name.substr(code.size(), 1), "_"))
+        return false;
+    name.remove_prefix(code.size() + 1);
+    return (name.size() == 2 && std::all_of(name.begin(), name.end(), is_capital)) ||
+           (name.size() == 3 && std::all_of(name.begin(), name.end(), is_digit));
 }
 
 std::string of_any_territory(std::string_view code, std::span<const std::string> there)
 {
     std::string home(code);
-    for (char &c : home)
-        c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    std::transform(home.begin(), home.end(), home.begin(), [](char c) {
+        return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    });
     for (const auto &row : homes)
         if (row.code == code)
             home = row.territory;

@@ -191,7 +191,8 @@ gboolean speller::slice(gpointer data)
 void on_change(GtkTextBuffer *, gpointer data)
 {
     auto *field = static_cast<spelled_field *>(data);
-    field->typed_at = lang_global.text_lock == 0 ? field->caret() : -1;
+    const bool typed = lang_global.text_lock == 0 && gtk_widget_is_focus(GTK_WIDGET(field->view));
+    field->typed_at = typed ? field->caret() : -1;
     field->owner->look_again(*field);
 }
 
