@@ -242,6 +242,15 @@ gboolean on_menu_key(GtkWidget *, gpointer data)
     return FALSE;
 }
 
+// By its name a view gets the colour of the line (editor/theme). A name is set once: that sets the
+// style anew.
+void follow_style(GtkWidget *view, GtkStyle *, gpointer)
+{
+    const char *name = zel::is_dark(view) ? "dark-text" : "light-text";
+    if (g_strcmp0(gtk_widget_get_name(view), name) != 0)
+        gtk_widget_set_name(view, name);
+}
+
 // What stands there in the field.
 std::string text_at(const chosen_word &word)
 {
@@ -395,6 +404,7 @@ void speller::watch(spelled_field &field, int number)
     g_signal_connect(field.view, "focus-out-event", G_CALLBACK(on_focus_out), &field);
     g_signal_connect(field.view, "button-press-event", G_CALLBACK(on_button), &field);
     g_signal_connect(field.view, "popup-menu", G_CALLBACK(on_menu_key), &field);
+    g_signal_connect(field.view, "style-set", G_CALLBACK(follow_style), &field);
     // Behind the others, so that the words stand on top.
     g_signal_connect_after(field.view, "populate-popup", G_CALLBACK(fill_menu), &field);
 }
