@@ -333,4 +333,8 @@ TEST_F(Spelling, ABrokenDictionaryDoesNoHarm)
             EXPECT_EQ(lang_global.modified, 0);
         });
     }
+    ASSERT_TRUE(zel::is_dictionary_there("Afar"));
+    std::filesystem::remove_all("words/hunspell");
+    EXPECT_EQ(zel::find_dictionary("Afar"), nullptr) << "gone since it was listed";
+    EXPECT_FALSE(zel::is_dictionary_there("Afar"));
 }
