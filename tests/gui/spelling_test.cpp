@@ -305,9 +305,11 @@ TEST_F(Spelling, WithoutADictionaryThereIsNothingOfIt)
             EXPECT_THAT(menu_at(in_word), ElementsAre("Undo", "Redo", "-"));
             EXPECT_EQ(status().find("pell"), std::string::npos);
         });
-        EXPECT_THAT(read_file("lang.lang-ini"), Not(HasSubstr("spelling")));
     };
     write_file(source(), source_for("Klingon dialect"));
+    expect_nothing();
+    EXPECT_THAT(read_file("lang.lang-ini"), Not(HasSubstr("spelling")));
+    write_file("lang.lang-ini", "[editor]\nspelling=0\n");
     expect_nothing();
     write_file(source(), source_for("Afar"));
     if (!zel::has_dictionaries())
