@@ -19,6 +19,7 @@ struct ini_t {
     std::int32_t define_x; // [defineWin] where the language dialog stood last
     std::int32_t define_y;
     std::array<std::int64_t, 6> numbers; // what the keys of the six fields are bound to
+    std::int64_t spelling;               // [editor] whether spelling is checked; see below
 };
 
 // The process's settings, null while there are none.
@@ -32,6 +33,10 @@ extern ini_t *ini;
 // default_dst_dir; when the file cannot be read the first values stay and ini_write writes
 // nothing. 0; 1 for null.
 int ini_read(ini_t *settings);
+
+// Whether spelling is checked; yes without settings. The key is in the file once it has been set.
+bool ini_spelling(const ini_t *settings);
+void ini_set_spelling(ini_t *settings, bool on);
 
 // Writes the file. 0, also when that fails; 1 for null.
 int ini_write(ini_t *settings);
