@@ -3,6 +3,7 @@
 // The pictures are FOLDER/mMODE-WIDTH-NAME.png; the source is copied before it is touched.
 
 #include "app/global.h"
+#include "config/ini.h"
 #include "editor/edit-state.h"
 #include "editor/recovery.h"
 #include "editor/w_tab_edit.h"
@@ -68,6 +69,19 @@ void show_menus()
     }
 }
 
+void show_third_languages()
+{
+    ini_set_below(ini, 0, "japanese");
+    ini_set_below(ini, 1, "arabic");
+    zel::edit_reload();
+    snap("below");
+    ini_set_below(ini, 0, nullptr);
+    zel::edit_reload();
+    snap("below-one");
+    ini_set_below(ini, 1, nullptr);
+    zel::edit_reload();
+}
+
 void show_list_and_text()
 {
     ZelTabEdit *table = ZEL_TAB_EDIT(editWin);
@@ -75,6 +89,7 @@ void show_list_and_text()
     edit_ctrl.next(editWin);
     zel::text_focus_field(ZEL_TEXT(table->text_widget), TEXT_TRANS2);
     snap("typing");
+    show_third_languages();
     gtk_entry_set_text(GTK_ENTRY(table->search_entry), "not");
     gtk_widget_grab_focus(table->search_entry);
     gtk_editable_set_position(GTK_EDITABLE(table->search_entry), -1);

@@ -34,6 +34,25 @@ constexpr number_row numbers[] = {
 };
 static_assert(std::size(numbers) == std::tuple_size_v<decltype(ini_t::numbers)>);
 
+// Bound only when they are in the file or get a value: who never uses them keeps the file as it is.
+constexpr const char *below_section = "editor";
+constexpr const char *below_keys[] = {"below1", "below2"};
+static_assert(std::size(below_keys) == std::tuple_size_v<decltype(ini_t::below)>);
+
+void bind_below(ini_t *settings, std::size_t which)
+{
+    lang_cfg_add_entry(settings->store, below_section, below_keys[which], CFG_STR,
+                       &settings->below[which]);
+}
+
+void take_below(ini_t *settings)
+{
+    const cfg_entry_t *section = zel::cfg_find_section(settings->store, below_section);
+    for (std::size_t which = 0; section != nullptr && which < std::size(below_keys); ++which)
+        if (zel::cfg_find_key(settings->store, section, below_keys[which]) != nullptr)
+            bind_below(settings, which);
+}
+
 // The store's numbers have 64 bits, the fields 32: each key has a variable of its own.
 void fields_to_keys(ini_t *settings)
 {
@@ -84,6 +103,7 @@ int ini_read(ini_t *settings)
     keys_to_fields(settings);
     lang_cfg_get_long(settings->store, &settings->spelling, settings->spelling, editor_section,
                       spelling_key);
+    take_below(settings);
     lang_cfg_print_all(settings->store);
     zel::replace_string(settings->dstDir, zel_strdup(lang_global.default_dst_dir));
     return 0;
@@ -99,6 +119,20 @@ void ini_set_spelling(ini_t *settings, bool on)
     lang_cfg_add_entry(settings->store, editor_section, spelling_key, CFG_LONG,
                        &settings->spelling);
     settings->spelling = on ? 1 : 0;
+}
+
+const char *ini_below(const ini_t *settings, std::size_t which)
+{
+    const char *lang = settings == nullptr ? nullptr : settings->below[which];
+    return lang == nullptr || *lang == '\0' ? nullptr : lang;
+}
+
+void ini_set_below(ini_t *settings, std::size_t which, const char *lang)
+{
+    if (settings == nullptr)
+        return;
+    bind_below(settings, which);
+    zel::replace_string(settings->below[which], zel_strdup(lang));
 }
 
 int ini_write(ini_t *settings)

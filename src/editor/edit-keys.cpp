@@ -86,6 +86,7 @@ const std::vector<key_row> &editor_keys()
          "next, previous item that lacks a text, is not ready or has a finding"},
         {"Alt+M", "ready or not"},
         {"Ctrl+Return", "ready, and to the next such item in the same field"},
+        {"Shift+F10, Menu", "the menu of a field, also for another language below it"},
         {"F10", "the menus"},
         {"Ctrl+?", "these keys"},
     };
