@@ -13,6 +13,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <unistd.h>
 
 using namespace zel;
 using testing::EndsWith;
@@ -146,6 +147,20 @@ TEST_F(Recovery, ThatIsCutOrOfSomethingElseIsNotOffered)
     }
     zel_test::write_file(path, whole);
     EXPECT_EQ(find_recovery_files(folder, source).size(), 1U);
+}
+
+TEST_F(Recovery, AHomeThatMayNotBeWrittenHasNone)
+{
+    const bool is_root = geteuid() == 0; // whom no mode stops
+    const std::string home = dir / "sealed";
+    fs::permissions(dir.path(), fs::perms(0755));
+    fs::create_directory(home);
+    fs::permissions(home, fs::perms(0500));
+    ASSERT_TRUE(!is_root || (chown(home.c_str(), 65534, 65534) == 0 && seteuid(65534) == 0));
+    set_home(home);
+    EXPECT_EQ(recovery_folder(), "");
+    EXPECT_TRUE(fs::is_empty(home));
+    ASSERT_TRUE(!is_root || seteuid(0) == 0);
 }
 
 TEST_F(Recovery, NoKeepsItOnceAndThenItGoes)
