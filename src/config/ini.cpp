@@ -60,6 +60,9 @@ void fields_to_keys(ini_t *settings)
         settings->numbers[row] = settings->*numbers[row].field;
 }
 
+constexpr const char *editor_section = "editor";
+constexpr const char *spelling_key = "spelling";
+
 void keys_to_fields(ini_t *settings)
 {
     for (std::size_t row = 0; row < std::size(numbers); ++row)
@@ -86,6 +89,7 @@ ini_t *ini_new(const char *file)
     }
     settings->languageFile = zel_strdup("english.lang");
     settings->dstDir = zel_strdup(lang_global.default_dst_dir);
+    settings->spelling = 1;
     fields_to_keys(settings.get());
     return settings.release();
 }
@@ -97,10 +101,24 @@ int ini_read(ini_t *settings)
     fields_to_keys(settings);
     lang_cfg_open(settings->store, 0);
     keys_to_fields(settings);
+    lang_cfg_get_long(settings->store, &settings->spelling, settings->spelling, editor_section,
+                      spelling_key);
     take_below(settings);
     lang_cfg_print_all(settings->store);
     zel::replace_string(settings->dstDir, zel_strdup(lang_global.default_dst_dir));
     return 0;
+}
+
+bool ini_spelling(const ini_t *settings) { return settings == nullptr || settings->spelling != 0; }
+
+// Nobody who never switches it off gets another file for it.
+void ini_set_spelling(ini_t *settings, bool on)
+{
+    if (settings == nullptr)
+        return;
+    lang_cfg_add_entry(settings->store, editor_section, spelling_key, CFG_LONG,
+                       &settings->spelling);
+    settings->spelling = on ? 1 : 0;
 }
 
 const char *ini_below(const ini_t *settings, std::size_t which)

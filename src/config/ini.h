@@ -19,6 +19,7 @@ struct ini_t {
     std::int32_t define_x; // [defineWin] where the language dialog stood last
     std::int32_t define_y;
     std::array<std::int64_t, 6> numbers; // what the keys of the six fields are bound to
+    std::int64_t spelling;               // [editor] whether spelling is checked; see below
     std::array<char *, 2>
         below; // [editor] languages shown below the translations, or null; see below
 };
@@ -35,6 +36,9 @@ extern ini_t *ini;
 // nothing. 0; 1 for null.
 int ini_read(ini_t *settings);
 
+// Whether spelling is checked; yes without settings. The key is in the file once it has been set.
+bool ini_spelling(const ini_t *settings);
+void ini_set_spelling(ini_t *settings, bool on);
 // The language whose text is shown below the first (0) or second (1) translation; null for none and
 // without settings. Setting takes a copy; the key is in the file once it has been set.
 const char *ini_below(const ini_t *settings, std::size_t which);

@@ -75,6 +75,7 @@ const std::vector<key_row> &editor_keys()
         {"Alt+S", "Save as"},
         {"Alt+X", "Exit"},
         {"Ctrl+Z, Shift+Ctrl+Z", "undo, redo"},
+        {"Shift+F10", "the field's menu: undo, other words for a misspelt one"},
         {"Ctrl+F", "search"},
         {"Return, Escape in the search field",
          "to the first item found, back to the item before the search"},
