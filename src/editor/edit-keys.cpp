@@ -75,6 +75,7 @@ const std::vector<key_row> &editor_keys()
         {"Alt+S", "Save as"},
         {"Alt+X", "Exit"},
         {"Ctrl+Z, Shift+Ctrl+Z", "undo, redo"},
+        {"Shift+F10", "the field's menu: undo, other words for a misspelt one"},
         {"Ctrl+F", "search"},
         {"Return, Escape in the search field",
          "to the first item found, back to the item before the search"},
@@ -85,6 +86,7 @@ const std::vector<key_row> &editor_keys()
          "next, previous item that lacks a text, is not ready or has a finding"},
         {"Alt+M", "ready or not"},
         {"Ctrl+Return", "ready, and to the next such item in the same field"},
+        {"Shift+F10, Menu", "the menu of a field, also for another language below it"},
         {"F10", "the menus"},
         {"Ctrl+?", "these keys"},
     };

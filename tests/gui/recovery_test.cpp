@@ -218,6 +218,15 @@ TEST_F(RecoveryWindow, AnotherProgramsTextIsNotWrittenOverUnasked)
         EXPECT_EQ(read_file(source()), theirs);
         EXPECT_THAT(texts_of("mine.lang-src"), HasSubstr("menu:Open german=auf|\n"));
 
+        // They save once more while the question is there: yes was about the text before.
+        answer_next([&](GtkWidget *dialog) {
+            write_file(source(), theirs + "/* again */\n");
+            respond(GTK_RESPONSE_YES)(dialog);
+        });
+        answer_next(respond(GTK_RESPONSE_NO));
+        choose_entry("Save");
+        EXPECT_EQ(read_file(source()), theirs + "/* again */\n");
+
         answer_next(respond(GTK_RESPONSE_YES));
         box_of([] { choose_entry("Save"); });
         EXPECT_THAT(texts_of(source()), HasSubstr("menu:Open german=auf|\n"));

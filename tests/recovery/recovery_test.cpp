@@ -126,7 +126,9 @@ TEST_F(Recovery, BelongsToOneSource)
         const std::string other = dir / name;
         recovery_writer writer;
         const std::string path = recovery_path(folder, other, 1);
-        writer.begin(path, other, state_of(source.c_str()), 1, state.get(), nullptr);
+        // Also where it is not known what the source held.
+        writer.begin(path, other, name[0] == 'a' ? state_of(source.c_str()) : file_state(), 1,
+                     state.get(), nullptr);
         ASSERT_EQ(writer.finish(), 0) << name;
         EXPECT_EQ(find_recovery_files(folder, other).size(), 1U) << name;
         EXPECT_TRUE(read_source(path.c_str(), {}).source) << name;
