@@ -45,6 +45,11 @@ void put_text(GList *&entries, const char *language, std::string_view text)
         entry = alloc_lang_entry(language);
         entries = g_list_append(entries, entry);
     }
+    set_text(entry, text);
+}
+
+void set_text(lang_entry_t *entry, std::string_view text)
+{
     free_lang_entry_text(entry->texts);
     entry->texts = nullptr;
     list_tail lines(entry->texts);

@@ -23,8 +23,10 @@ void append_lines(std::string &out, GList *lines);
 // The default language's text, else the item's name.
 std::string reference_text(const LangSource &source, const item_t *item);
 
-// Makes the text the language's, in an entry that is made where there is none: a string for each
-// line, as the editor has them.
+// Gives the entry that text: a string for each line, as the editor has them.
+void set_text(lang_entry_t *entry, std::string_view text);
+
+// Makes the text the language's, in an entry that is made where there is none.
 void put_text(GList *&entries, const char *language, std::string_view text);
 
 } // namespace zel::exchange

@@ -70,10 +70,12 @@ void outgoing_file::flush_large()
 exporter::exporter(const export_request &request) : request_(request)
 {
     for (const lang_t *lang : each<lang_t>(request.source->langs)) {
-        const auto same = [&](const lang_t *other) { return same_name(other->name, lang->name); };
-        if (lang->name != nullptr && is_wanted(request, lang->name) &&
-            std::none_of(languages_.begin(), languages_.end(), same))
-            languages_.push_back(lang);
+        const auto count = static_cast<std::uint32_t>(languages_.size());
+        if (lang->name == nullptr || !is_wanted(request, lang->name) ||
+            language_at(lang->name, count) != count)
+            continue;
+        names_.add(hash_of(lang->name), count);
+        languages_.push_back(lang);
     }
     for (const std::string &name : request.languages)
         if (language_at(name.c_str(), 0) == languages_.size())
@@ -87,10 +89,10 @@ std::uint32_t exporter::language_at(const char *name, std::uint32_t guess) const
 {
     if (guess < languages_.size() && same_name(languages_[guess]->name, name))
         return guess;
-    std::uint32_t at = 0;
-    while (at < languages_.size() && !same_name(languages_[at]->name, name))
-        ++at;
-    return at;
+    const std::uint32_t at = names_.find(hash_of(or_empty(name)), [&](std::uint32_t i) {
+        return same_name(languages_[i]->name, name);
+    });
+    return at == hash_index::none ? static_cast<std::uint32_t>(languages_.size()) : at;
 }
 
 void exporter::fill(outgoing_item &out, const edit_t *group, item_t *item) const

@@ -12,6 +12,7 @@
 #include "exchange/entries.h"
 #include "exchange/input.h"
 #include "source/model.h"
+#include "support/hash-index.h"
 
 namespace zel::exchange {
 
@@ -71,6 +72,7 @@ private:
 
     export_request request_;
     std::vector<const lang_t *> languages_;
+    hash_index names_; // of them
     fault wrong_;
     std::uint32_t repeated_ = 0;
 };

@@ -48,9 +48,11 @@ bool donor::read(const std::string &path, const LangSource &source)
     const char *format = format_of(path);
     if (format == nullptr) {
         source_ = kit::read(path);
-        if (source_)
-            same_encoding_ = exchange::encoding_of(*source_) == exchange::encoding_of(source);
-        return source_ != nullptr;
+        if (!source_)
+            return false;
+        same_encoding_ = exchange::encoding_of(*source_) == exchange::encoding_of(source);
+        entries_.emplace(source_.get());
+        return true;
     }
     exchange::read_answer answer =
         exchange::read_file_texts(format, path, exchange::encoding_of(source));
@@ -87,11 +89,10 @@ void donor::offer_source(const char *language)
 {
     for (const edit_t *group : each<edit_t>(source_->groups))
         for (const item_t *item : each<item_t>(group->items)) {
-            const lang_entry_t *entry = exchange::find_entry(item->langs, language);
+            const lang_entry_t *entry = entries_->find(item, language);
             if (entry == nullptr)
                 continue;
-            const lang_entry_t *reference =
-                exchange::find_entry(item->langs, source_->default_lang);
+            const lang_entry_t *reference = entries_->find(item, source_->default_lang);
             const std::string_view name = exchange::or_empty(item->name);
             add({true, exchange::or_empty(group->name), name,
                  reference == nullptr ? name : joined(reference->texts), joined(entry->texts)});

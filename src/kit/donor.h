@@ -4,11 +4,13 @@
 
 #include <cstdint>
 #include <deque>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "exchange/formats.h"
+#include "kit/entry-index.h"
 #include "source/model.h"
 #include "support/hash-index.h"
 
@@ -51,6 +53,7 @@ private:
     std::string path_;
     const LangSource *to_fill_ = nullptr;
     source_guard source_;
+    std::optional<entry_index> entries_; // of it
     exchange::file_texts file_;
     bool same_encoding_ = true;
 

@@ -5,6 +5,7 @@
 #include "lint/text.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <vector>
 
 namespace zel::kit {
@@ -150,8 +151,8 @@ void kept_bytes::keep_addresses()
     }
 }
 
-struct character {
-    std::string_view bytes;
+struct character { // of a text, the next one behind the one before
+    std::uint8_t bytes;
     bool kept;
     bool vowel;
 };
@@ -165,16 +166,17 @@ std::vector<character> characters_of(std::string_view text)
         const char32_t c = lint::next_char(text, at);
         const std::string_view bytes = text.substr(start, at - start);
         const bool stays = kept.has(start) || !lint::is_letter(c);
-        out.push_back(
-            {bytes, stays, !stays && vowels.find(bytes.front()) != std::string_view::npos});
+        out.push_back({static_cast<std::uint8_t>(bytes.size()), stays,
+                       !stays && vowels.find(bytes.front()) != std::string_view::npos});
     }
     return out;
 }
 
 // Text with accents and doubled letters; vowels are doubled where there are any. What the text
 // grows by is shared out evenly.
-std::string grown_text(const std::vector<character> &characters, const pseudo_how &how)
+std::string grown_text(std::string_view text, const pseudo_how &how)
 {
+    const std::vector<character> characters = characters_of(text);
     const auto count = [&](auto is) {
         return static_cast<std::size_t>(std::count_if(characters.begin(), characters.end(), is));
     };
@@ -185,8 +187,10 @@ std::string grown_text(const std::vector<character> &characters, const pseudo_ho
     std::string out;
     std::size_t done = 0;
     for (const character &c : characters) {
+        const std::string_view bytes = text.substr(0, c.bytes);
+        text.remove_prefix(c.bytes);
         const std::string written =
-            how.accents && !c.kept ? with_accent(c.bytes) : std::string(c.bytes);
+            how.accents && !c.kept ? with_accent(bytes) : std::string(bytes);
         out += written;
         if (!doubles(c))
             continue;
@@ -284,7 +288,7 @@ std::string pseudo_text(std::string_view reference, const item_t *item, const ps
 {
     if (lint::look_at(reference).is_blank())
         return std::string(reference);
-    const std::string grown = grown_text(characters_of(reference), how);
+    const std::string grown = grown_text(reference, how);
     const inside whole = without_blanks(grown);
     for (const inside part : {whole, without_signs(grown, whole), inside_of_pair(grown, whole)})
         if (std::string text = with_brackets(grown, part); is_clean(text, reference, item))

@@ -38,12 +38,16 @@ public:
     writer &number(std::size_t value) { return raw(std::to_string(value)); }
     writer &string(std::string_view text)
     {
-        const std::size_t start = text_.size();
-        append_json(text_, text);
+        quoted_.clear();
+        append_json(quoted_, text);
         // "</script" and "<!--" would end or change the element.
-        for (std::size_t at = text_.find('<', start); at != std::string::npos;
-             at = text_.find('<', at))
-            text_.replace(at, 1, "\\u003c");
+        std::size_t start = 0;
+        for (std::size_t at = quoted_.find('<'); at != std::string::npos;
+             at = quoted_.find('<', start)) {
+            text_.append(quoted_, start, at - start).append("\\u003c");
+            start = at + 1;
+        }
+        text_.append(quoted_, start);
         return raw({});
     }
     // Before each element of a list but the first.
@@ -63,6 +67,7 @@ public:
 private:
     const report_sink &out_;
     std::string text_;
+    std::string quoted_; // of the string that is added
 };
 
 std::string_view or_empty(const char *text) { return text == nullptr ? "" : text; }

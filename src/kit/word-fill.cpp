@@ -1,5 +1,6 @@
 #include "exchange/entries.h"
 #include "kit/donor.h"
+#include "kit/entry-index.h"
 #include "kit/options.h"
 #include "kit/sources.h"
 #include "kit/word-list.h"
@@ -20,17 +21,17 @@ struct fill_count {
 };
 
 // A language without a text. In the default language an empty one is a wish: it keeps the item out.
-bool is_missing(const item_t *item, const char *language, bool is_default)
+bool is_missing(lang_entry_t *entry, bool is_default)
 {
-    lang_entry_t *entry = exchange::find_entry(item->langs, language);
     return entry == nullptr || (!is_default && misc_search_empty_in_lang_entry(entry) != 0);
 }
 
 // Fills one language of the source.
 class language_filler {
 public:
-    language_filler(LangSource *source, const char *language, std::deque<donor> &donors)
-        : source_(source), language_(language), donors_(donors),
+    language_filler(LangSource *source, entry_index &entries, const char *language,
+                    std::deque<donor> &donors)
+        : source_(source), entries_(entries), language_(language), donors_(donors),
           is_default_(exchange::or_empty(source->default_lang) == language)
     {
         for (donor &one : donors_)
@@ -41,7 +42,7 @@ public:
     {
         for (const edit_t *group : each<edit_t>(source_->groups))
             for (item_t *item : each<item_t>(group->items))
-                if (is_missing(item, language_, is_default_))
+                if (is_missing(entries_.find(item, language_), is_default_))
                     fill_item(group, item);
         return count_;
     }
@@ -57,13 +58,21 @@ private:
             return;
         }
         // The default language's text is the reference itself.
-        const std::string reference = is_default_ ? "" : exchange::reference_text(*source_, item);
+        const std::string reference = is_default_ ? "" : reference_text(item);
         const std::string_view by_reference =
             first([&](const donor &one) { return one.by_reference(reference); });
         if (by_reference.empty())
             ++count_.still_missing;
         else
             put(item, by_reference, count_.by_reference);
+    }
+
+    std::string reference_text(const item_t *item) const
+    {
+        std::string text;
+        if (const lang_entry_t *entry = entries_.find(item, source_->default_lang))
+            exchange::append_lines(text, entry->texts);
+        return text.empty() ? std::string(exchange::or_empty(item->name)) : text;
     }
 
     template <class Ask>
@@ -77,13 +86,15 @@ private:
 
     void put(item_t *item, std::string_view text, std::size_t &count)
     {
-        exchange::put_text(item->langs, language_, text);
+        lang_entry_t *entry = entries_.find(item, language_);
+        exchange::set_text(entry == nullptr ? entries_.append(item, language_) : entry, text);
         item->changed = 1;
         item->ready = 0;
         ++count;
     }
 
     LangSource *source_;
+    entry_index &entries_;
     const char *language_;
     std::deque<donor> &donors_;
     bool is_default_;
@@ -94,10 +105,11 @@ private:
 std::size_t fill_source(LangSource *source, std::deque<donor> &donors)
 {
     std::size_t filled = 0;
+    entry_index entries(source);
     for (const lang_t *lang : each<lang_t>(source->langs)) {
         if (lang->name == nullptr)
             continue;
-        const fill_count count = language_filler(source, lang->name, donors).fill();
+        const fill_count count = language_filler(source, entries, lang->name, donors).fill();
         std::printf("%s: %zu by key, %zu by reference text, %zu still missing\n", lang->name,
                     count.by_key, count.by_reference, count.still_missing);
         filled += count.filled();

@@ -214,9 +214,9 @@ bool differ(const std::vector<std::string> &own, const std::vector<std::string> 
 
 std::vector<std::string_view> names_of(const std::vector<number> &numbers)
 {
-    std::vector<std::string_view> out;
-    for (const number &one : numbers)
-        out.push_back(one.digits);
+    std::vector<std::string_view> out(numbers.size());
+    std::transform(numbers.begin(), numbers.end(), out.begin(),
+                   [](const number &one) -> std::string_view { return one.digits; });
     return out;
 }
 
