@@ -163,7 +163,7 @@ TEST_F(SuggestNeighbour, IsReadWhenNobodyTypes)
         go_to(4);
         zel::text_focus_field(panel(), TEXT_TRANS2);
         // On a machine that is held up this long, the editor may read between two keys.
-        constexpr gint64 pause = 400000;
+        constexpr gint64 pause = 200000; // twice that is less than the editor waits
         key(mainWin, GDK_KEY_Left);
         gint64 last = g_get_monotonic_time();
         bool is_quick = suggestion() != found;
