@@ -11,11 +11,11 @@ void render_text(GtkCellRenderer *cell, GdkDrawable *window, GtkWidget *widget,
 {
     gint padding = 0;
     gtk_cell_renderer_get_padding(cell, &padding, nullptr);
-    const gint room = MAX(area->width - 2 * padding, 0);
     gint before = 0;
     PangoEllipsizeMode shortened = PANGO_ELLIPSIZE_NONE;
     g_object_get(cell, "wrap-width", &before, "ellipsize", &shortened, nullptr);
-    if (shortened != PANGO_ELLIPSIZE_NONE && room != before)
+    const gint room = shortened == PANGO_ELLIPSIZE_NONE ? -1 : MAX(area->width - 2 * padding, 0);
+    if (room != before)
         g_object_set(cell, "wrap-width", room, nullptr);
     text_class->render(cell, window, widget, background, area, expose, flags);
 }

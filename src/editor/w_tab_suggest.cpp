@@ -3,6 +3,7 @@
 #include "assist/pieces.h"
 #include "editor/edit-state.h"
 #include "editor/text-places.h"
+#include "editor/text-runs.h"
 #include "editor/ui-text.h"
 #include "editor/w_text.h"
 #include "source/misc.h"
@@ -159,10 +160,10 @@ void tab_suggest::suggest(int field)
         if (best) {
             found = static_cast<int>(best->item);
             const tab_row &row = rows_->rows[best->item];
-            text = flat(text_of(translation(best->item, field))) + " (" +
+            text = shown_in_runs(flat(text_of(translation(best->item, field)))) + " (" +
                    utf8_shown(row.group->name) + ")";
             if (best->likeness < 1)
-                text += " ~ " + flat(reference_of(best->item));
+                text += " ~ " + shown_in_runs(flat(reference_of(best->item)));
             tooltip = text + "\n" + ui_text("tab-edit", "Take it (Ctrl+Space)");
         }
     }

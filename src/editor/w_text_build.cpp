@@ -3,6 +3,7 @@
 #include "app/global.h"
 #include "editor/accessible.h"
 #include "editor/text-pieces.h"
+#include "editor/text-runs.h"
 #include "editor/text-signs.h"
 #include "editor/theme.h"
 #include "editor/ui-text.h"
@@ -39,6 +40,7 @@ GtkWidget *make_text_view(int height)
     gtk_text_view_set_accepts_tab(text_view, FALSE);
     zel::keep_in_pieces(gtk_text_view_get_buffer(text_view));
     zel::take_plain_line_ends(gtk_text_view_get_buffer(text_view));
+    zel::keep_runs_whole(text_view, zel::text_piece_tag);
     zel::show_signs(text_view);
     gtk_widget_set_size_request(view, -1, height);
     return view;
