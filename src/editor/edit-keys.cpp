@@ -85,6 +85,9 @@ const std::vector<key_row> &editor_keys()
          "next, previous item that lacks a text, is not ready or has a finding"},
         {"Alt+M", "ready or not"},
         {"Ctrl+Return", "ready, and to the next such item in the same field"},
+        {"Ctrl+Space", "take the suggestion"},
+        {"Ctrl+B", "copy the text of the other language"},
+        {"Ctrl+1 to Ctrl+9", "insert a conversion, symbol or tag of the other text"},
         {"F10", "the menus"},
         {"Ctrl+?", "these keys"},
     };
