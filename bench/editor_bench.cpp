@@ -2,6 +2,7 @@
 // painted. Needs a display (tools/with-display); without one nothing is measured.
 
 #include "app/global.h"
+#include "assist/neighbours.h"
 #include "editor/edit-history.h"
 #include "editor/edit-state.h"
 #include "editor/edit-undo.h"
@@ -206,10 +207,10 @@ void wait_until_judged(GtkWidget *table)
 }
 
 // The index of the texts begins after the rows are judged and tells nobody when it is whole.
-void wait_until_indexed(GtkWidget *table)
+void wait_until_indexed(GtkWidget *table, int seconds = 3)
 {
     wait_until_judged(table);
-    const gint64 built = g_get_monotonic_time() + 3 * G_USEC_PER_SEC;
+    const gint64 built = g_get_monotonic_time() + seconds * G_USEC_PER_SEC;
     while (g_get_monotonic_time() < built)
         gtk_main_iteration_do(FALSE);
 }
@@ -291,12 +292,49 @@ void next_with_work(benchmark::State &state)
     }
 }
 
+// The source's own file, and beside it another source of as many items.
+class neighbourhood {
+public:
+    explicit neighbourhood(int items) : folder_(g_dir_make_tmp("lang-bench-XXXXXX", nullptr))
+    {
+        def_file = g_build_filename(folder_, "own.lang-src", nullptr);
+        other_ = g_build_filename(folder_, "other.lang-src", nullptr);
+        g_file_set_contents(def_file, "", 0, nullptr);
+        std::string text = "GROUP \"other\" {\n";
+        for (int number = 0; number < items; ++number) {
+            const std::string count = std::to_string(number);
+            text += "ITEM \"" + count + "\" { USED YES LANG \"english\" { \"";
+            for (int word = 0; word < 4; ++word)
+                text += std::string(words[(number * 3 + word * number) % 10]) + " ";
+            text += count + "\" } LANG \"german\" { \"Wort " + count + "\" } }\n";
+        }
+        text += "}\n";
+        g_file_set_contents(other_, text.c_str(), static_cast<gssize>(text.size()), nullptr);
+    }
+    ~neighbourhood()
+    {
+        for (char *file : {def_file, other_}) {
+            g_unlink(file);
+            g_free(file);
+        }
+        g_rmdir(folder_);
+        g_free(folder_);
+        def_file = nullptr;
+    }
+    neighbourhood(const neighbourhood &) = delete;
+    neighbourhood &operator=(const neighbourhood &) = delete;
+
+private:
+    gchar *folder_;
+    gchar *other_;
+};
+
 // Another item, with the search for what is most like its text; the index is built.
-void suggestion(benchmark::State &state)
+void suggestion(benchmark::State &state, int seconds_to_build)
 {
     window main(static_cast<int>(state.range(0)));
     GtkWidget *table = GTK_WIDGET(main.open());
-    wait_until_indexed(table);
+    wait_until_indexed(table, seconds_to_build);
     auto *group = static_cast<edit_t *>(main.source->groups->data);
     auto *item = static_cast<item_t *>(group->items->next->data);
     lang_entry_t *english = misc_select_lang_entry(item, "english");
@@ -308,6 +346,30 @@ void suggestion(benchmark::State &state)
         zel_tab_edit_first(table);
         paint();
         state.ResumeTiming();
+    }
+}
+
+void suggestion_of_two(benchmark::State &state)
+{
+    const neighbourhood other(static_cast<int>(state.range(0)));
+    suggestion(state, 8);
+}
+
+// The longest that the window is held up while a neighbour of that many items is read.
+void neighbour_turn(benchmark::State &state)
+{
+    using clock = std::chrono::steady_clock;
+    const neighbourhood other(static_cast<int>(state.range(0)));
+    while (state.KeepRunning()) {
+        zel::assist::neighbour_texts texts;
+        texts.begin({def_file, "english", {"german", ""}});
+        std::chrono::duration<double> most{};
+        for (bool more = true; more;) {
+            const auto start = clock::now();
+            more = texts.step(start + std::chrono::milliseconds(4));
+            most = std::max<std::chrono::duration<double>>(most, clock::now() - start);
+        }
+        state.SetIterationTime(most.count());
     }
 }
 
@@ -381,7 +443,8 @@ constexpr job jobs[] = {
     {"undo/ours", undo},
     {"keystroke_checked/ours", keystroke_checked},
     {"next_with_work/ours", next_with_work},
-    {"suggestion/ours", suggestion},
+    {"suggestion/ours", [](benchmark::State &state) { suggestion(state, 3); }},
+    {"suggestion_of_two/ours", suggestion_of_two},
     {"sort_by_date/ours", [](benchmark::State &state) { sort(state, COL_TIME); }},
     {"sort_by_ready/ours", [](benchmark::State &state) { sort(state, COL_READY); }},
 };
@@ -408,6 +471,10 @@ int main(int argc, char **argv)
             ->Arg(30000)
             ->UseManualTime()
             ->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark("neighbour_longest_turn/ours", neighbour_turn)
+        ->Arg(30000)
+        ->UseManualTime()
+        ->Unit(benchmark::kMillisecond);
     for (const int letters : {10000, 100000})
         benchmark::RegisterBenchmark("show_unbroken_letters/ours", unbroken)
             ->Arg(letters)

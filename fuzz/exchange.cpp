@@ -1,6 +1,7 @@
 #include "exchange.h"
 
 #include "exchange/import.h"
+#include "source/lang-read.h"
 #include "support.h"
 
 namespace fuzz {
@@ -29,6 +30,7 @@ void read_and_import(const char *format, std::string_view bytes)
     if (exchange::importer(source.get(), request).take(*row, "german.x", bytes))
         return;
     written(source.get());
+    require(zel::read_source("written", {1}).source != nullptr, "what was taken in reads");
 }
 
 } // namespace fuzz

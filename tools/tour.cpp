@@ -3,6 +3,7 @@
 // The pictures are FOLDER/mMODE-WIDTH-NAME.png; the source is copied before it is touched.
 
 #include "app/global.h"
+#include "config/ini.h"
 #include "editor/edit-keys.h"
 #include "editor/edit-state.h"
 #include "editor/edit-undo.h"
@@ -12,6 +13,8 @@
 #include "editor/w_text.h"
 #include "gui-support.h"
 #include "recovery/place.h"
+
+#include <gdk/gdkkeysyms.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -69,6 +72,19 @@ void show_menus()
     }
 }
 
+void show_third_languages()
+{
+    ini_set_below(ini, 0, "japanese");
+    ini_set_below(ini, 1, "arabic");
+    zel::edit_reload();
+    snap("below");
+    ini_set_below(ini, 0, nullptr);
+    zel::edit_reload();
+    snap("below-one");
+    ini_set_below(ini, 1, nullptr);
+    zel::edit_reload();
+}
+
 void show_list_and_text()
 {
     ZelTabEdit *table = ZEL_TAB_EDIT(editWin);
@@ -76,6 +92,7 @@ void show_list_and_text()
     edit_ctrl.next(editWin);
     zel::text_focus_field(ZEL_TEXT(table->text_widget), TEXT_TRANS2);
     snap("typing");
+    show_third_languages();
     gtk_entry_set_text(GTK_ENTRY(table->search_entry), "not");
     gtk_widget_grab_focus(table->search_entry);
     gtk_editable_set_position(GTK_EDITABLE(table->search_entry), -1);
@@ -201,6 +218,34 @@ void show_questions()
     activate("Save");
 }
 
+// A misspelt word and its menu, with a dictionary of a few words.
+void show_spelling()
+{
+    gtk_window_resize(GTK_WINDOW(mainWin), width, height);
+    gtk_window_move(GTK_WINDOW(mainWin), 10, 10);
+    zel::text_focus_field(ZEL_TEXT(ZEL_TAB_EDIT(editWin)->text_widget), TEXT_TRANS2);
+    type_text("Notizen von gestren, %d noch nicht gespeichert");
+    GtkWidget *view = ZEL_TEXT(ZEL_TAB_EDIT(editWin)->text_widget)->trans2_view;
+    GtkTextIter at;
+    gtk_text_buffer_get_iter_at_offset(gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)), &at, 15);
+    gtk_text_buffer_place_cursor(gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)), &at);
+    settle(1000);
+    snap("misspelt");
+    key(mainWin, GDK_KEY_Menu);
+    snap("misspelt-menu");
+    for (GList *menu = gtk_menu_get_for_attach_widget(view); menu != nullptr; menu = menu->next)
+        gtk_menu_popdown(GTK_MENU(menu->data));
+}
+
+void make_dictionary(const fs::path &folder)
+{
+    fs::create_directories(folder / "hunspell");
+    write_file(folder / "hunspell/de_DE.aff", "SET UTF-8\nTRY esianrtolcdug\n");
+    write_file(folder / "hunspell/de_DE.dic",
+               "9\nNotizen\nvon\ngestern\nnoch\nnicht\ngespeichert\ngestreng\n");
+    g_setenv("ENCHANT_CONFIG_DIR", folder.c_str(), TRUE);
+}
+
 void walk()
 {
     gtk_window_resize(GTK_WINDOW(mainWin), width, height);
@@ -247,6 +292,8 @@ int main(int argc, char **argv)
     run_editor("", walk);
     run_editor((work / "notes.lang-src").string(), leave_changes);
     run_editor("", show_questions);
+    make_dictionary(work / "words");
+    run_editor((work / "notes.lang-src").string(), show_spelling);
     fs::current_path(folder);
     fs::remove_all(work);
     return 0;

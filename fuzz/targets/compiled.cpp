@@ -9,6 +9,7 @@
 #include "langlib/lang-load.h"
 #include "langlib/lang-table.h"
 #include "source/lang-import.h"
+#include "source/lang-read.h"
 
 namespace {
 
@@ -54,6 +55,7 @@ void import(const char *path)
     lang_import(source.get(), handle);
     lang_free(handle, 1);
     fuzz::written(source.get());
+    fuzz::require(zel::read_source("written", {1}).source != nullptr, "what was imported reads");
 }
 
 } // namespace

@@ -68,6 +68,8 @@ void similar_texts::add(std::uint32_t item)
 {
     const std::string text = text_(item);
     const std::size_t hash = hash_of(text);
+    if (item >= hashes_.size())
+        hashes_.resize(item + 1);
     if (hashes_[item] == hash)
         return;
     hashes_[item] = hash;
@@ -77,15 +79,13 @@ void similar_texts::add(std::uint32_t item)
 }
 
 std::optional<similar_texts::match>
-similar_texts::same(std::uint32_t item, const std::string &text,
-                    const std::function<bool(std::uint32_t)> &wanted) const
+similar_texts::same(const std::string &text, const std::function<bool(std::uint32_t)> &wanted) const
 {
     // The first one in the source; a short text may stand there a thousand times.
     std::vector<std::uint32_t> others;
     const auto [begin, end] = by_hash_.equal_range(hash_of(text));
     for (auto at = begin; at != end; ++at)
-        if (at->second != item)
-            others.push_back(at->second);
+        others.push_back(at->second);
     std::sort(others.begin(), others.end());
     for (const std::uint32_t other : others)
         if (wanted(other) && text_(other) == text)
@@ -96,8 +96,13 @@ similar_texts::same(std::uint32_t item, const std::string &text,
 std::optional<similar_texts::match>
 similar_texts::best(std::uint32_t item, const std::function<bool(std::uint32_t)> &wanted) const
 {
-    const std::string text = text_(item);
-    std::optional<match> found = same(item, text, wanted);
+    return best(text_(item), [&](std::uint32_t other) { return other != item && wanted(other); });
+}
+
+std::optional<similar_texts::match>
+similar_texts::best(const std::string &text, const std::function<bool(std::uint32_t)> &wanted) const
+{
+    std::optional<match> found = same(text, wanted);
     const std::vector<std::uint32_t> own = trigrams(text);
     if (found || own.empty())
         return found;
@@ -117,7 +122,7 @@ similar_texts::best(std::uint32_t item, const std::function<bool(std::uint32_t)>
     };
     std::vector<std::uint32_t> others;
     for (std::uint32_t other = 0; other < shared.size(); ++other)
-        if (other != item && limit(other) >= least_likeness)
+        if (limit(other) >= least_likeness)
             others.push_back(other);
     std::stable_sort(others.begin(), others.end(),
                      [&](std::uint32_t a, std::uint32_t b) { return shared[a] > shared[b]; });

@@ -30,7 +30,7 @@ public:
     void reset(std::size_t items);
     std::size_t count() const { return hashes_.size(); }
 
-    // Adds an item or, when its text has changed, adds it again.
+    // Adds an item, which may be one more, or, when its text has changed, adds it again.
     void add(std::uint32_t item);
 
     // The item that is most like this one among those for which wanted says true, the first of
@@ -38,8 +38,12 @@ public:
     std::optional<match> best(std::uint32_t item,
                               const std::function<bool(std::uint32_t)> &wanted) const;
 
+    // The same for a text that is no item's.
+    std::optional<match> best(const std::string &text,
+                              const std::function<bool(std::uint32_t)> &wanted) const;
+
 private:
-    std::optional<match> same(std::uint32_t item, const std::string &text,
+    std::optional<match> same(const std::string &text,
                               const std::function<bool(std::uint32_t)> &wanted) const;
 
     text_of text_;

@@ -8,6 +8,7 @@
 #include "source/item-index.h"
 #include "source/lang-read.h"
 #include "source/lang-write.h"
+#include "support/file-call.h"
 #include "support/log-print.h"
 #include "support/string-copy.h"
 #include "support/time.h"
@@ -100,6 +101,39 @@ bool scan_paths(LangSource *source, int count, char **paths, std::int64_t now)
     return true;
 }
 
+// Reads the source, checks it and writes it, unless another program has changed it meanwhile.
+check_result check_once(const char *path, int count, char **words, std::int64_t now,
+                        bool &is_changed)
+{
+    const unsigned failed_before = failed_copies();
+    const file_stamp stamp_before = stamp_of(path);
+    source_guard source;
+    bool begun = false;
+    const check_result result = read_or_begin(path, now, source, begun);
+    if (result != check_result::done)
+        return result;
+    stamp(source.get());
+    clear_all_file_list(source.get());
+    clear_all_used(source.get());
+    if (!scan_paths(source.get(), count, words, now))
+        return check_result::ended;
+    if (failed_copies() != failed_before) {
+        std::fprintf(stderr, "check: not enough memory, %s is as it was\n", path);
+        return check_result::failed;
+    }
+    LogPrint(1, "check: write file\n");
+    write_how how;
+    how.now = std::time(nullptr);
+    how.may_replace = [&] { return !(is_changed = has_changed(path, stamp_before)); };
+    const write_answer written = write_source(path, source.get(), how);
+    if (begun && !is_changed)
+        say_begun(path, written);
+    LogPrint(1, "check: free group\n");
+    source.reset();
+    LogPrint(1, "check: exit\n");
+    return check_result::done;
+}
+
 } // namespace
 
 void check_usage()
@@ -135,6 +169,7 @@ namespace zel {
 
 check_result run_check(int count, char **words, std::int64_t now)
 {
+    constexpr int most_rounds = 3;
     LogPrint(1, "check: entry\n");
     argv_prep(&count, &words);
     const bool help = check_argv(&count, &words, check_options) == OPTION_HELP;
@@ -146,32 +181,15 @@ check_result run_check(int count, char **words, std::int64_t now)
         check_usage();
         return check_result::ended;
     }
-
-    const unsigned failed_before = failed_copies();
-    source_guard source;
-    bool begun = false;
-    const check_result result = read_or_begin(path.get(), now, source, begun);
-    if (result != check_result::done)
-        return result;
-    stamp(source.get());
-    clear_all_file_list(source.get());
-    clear_all_used(source.get());
-    if (!scan_paths(source.get(), count, words, now))
-        return check_result::ended;
-    if (failed_copies() != failed_before) {
-        std::fprintf(stderr, "check: not enough memory, %s is as it was\n", path.get());
-        return check_result::failed;
+    for (int round = 1; round <= most_rounds; ++round) {
+        bool is_changed = false;
+        const check_result result = check_once(path.get(), count, words, now, is_changed);
+        if (!is_changed)
+            return result;
+        std::fprintf(stderr, "check: %s was changed by another program meanwhile; %s\n", path.get(),
+                     round < most_rounds ? "it is checked again" : "it stays as that left it");
     }
-    LogPrint(1, "check: write file\n");
-    write_how how;
-    how.now = std::time(nullptr);
-    const write_answer written = write_source(path.get(), source.get(), how);
-    if (begun)
-        say_begun(path.get(), written);
-    LogPrint(1, "check: free group\n");
-    source.reset();
-    LogPrint(1, "check: exit\n");
-    return check_result::done;
+    return check_result::failed;
 }
 
 } // namespace zel

@@ -12,7 +12,8 @@ namespace zel {
 
 enum class check_result {
     done,
-    failed, // the source is there and cannot be read, or there is no memory; it stays as it was
+    failed, // the source is there and cannot be read, there is no memory, or other programs change
+            // it all the time; it stays as it was
     ended   // the usage was shown, the source is malformed inside a group, or a file cannot be
             // opened: the command ends the process, and the source stays as it was
 };
@@ -20,7 +21,8 @@ enum class check_result {
 // Runs the command. The first word is the command's own name; then at most one option, the language
 // source, and the files and directories to scan. A path that is a regular file is scanned whatever
 // its name. A source that is not there, or malformed outside its groups, begins anew; the second is
-// told on standard error with the name of the backup. Items without a creation time, and those that
+// told on standard error with the name of the backup. When another program changes the source
+// meanwhile, standard error tells, and all of it begins again. Items without a creation time, and those that
 // are inserted, were made at the time given.
 check_result run_check(int count, char **words, std::int64_t now);
 

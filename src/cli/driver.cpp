@@ -8,13 +8,16 @@
 #include "compiler/split.h"
 #include "source/lang-read.h"
 #include "source/lang-write.h"
+#include "support/file-call.h"
 #include "support/log-print.h"
 #include "support/log.h"
 #include "support/string-copy.h"
 #include "support/string.h"
+#include "support/text.h"
 
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 
 namespace {
 
@@ -176,6 +179,35 @@ walk say_missing(const char *message)
     return show_usage();
 }
 
+// Where a source is written over itself and another program has changed it meanwhile, that text is
+// taken.
+void convert(const char *from, const char *to, std::uint32_t only_used)
+{
+    constexpr int most_rounds = 3;
+    zel::write_answer written{-1, {}};
+    for (int round = 1; round <= most_rounds; ++round) {
+        const zel::file_stamp before = zel::stamp_of(zel::or_empty(from));
+        const bool in_place = zel::stamp_of(zel::or_empty(to)) == before;
+        source_guard def_group(lang_read_file(from));
+        if (!def_group) {
+            std::printf("ERROR: read %s\n", zel::or_empty(from));
+            return;
+        }
+        def_group->only_used = only_used;
+        zel::write_how how;
+        how.now = std::time(nullptr);
+        if (in_place)
+            how.may_replace = [&] { return !zel::has_changed(to, before); };
+        if (to != nullptr)
+            written = zel::write_source(to, def_group.get(), how);
+        if (written.code != 2)
+            break;
+        std::fprintf(stderr, "convert: %s was changed by another program meanwhile\n", to);
+    }
+    if (written.code != 0)
+        std::printf("ERROR: write %s\n", zel::or_empty(to));
+}
+
 walk run_convert(words &left)
 {
     std::uint32_t only_used = 0;
@@ -190,14 +222,7 @@ walk run_convert(words &left)
     if (!left.take(text))
         return say_missing("ERROR: missing dst file");
     const zel::string_guard to(text);
-    source_guard def_group(lang_read_file(from.get()));
-    if (!def_group) {
-        std::printf("ERROR: read %s\n", from ? from.get() : "");
-        return walk::ends;
-    }
-    def_group->only_used = only_used;
-    if (!to || lang_write_file(to.get(), def_group.get()) != 0)
-        std::printf("ERROR: write %s\n", to ? to.get() : "");
+    convert(from.get(), to.get(), only_used);
     return walk::ends;
 }
 

@@ -34,12 +34,34 @@ constexpr number_row numbers[] = {
 };
 static_assert(std::size(numbers) == std::tuple_size_v<decltype(ini_t::numbers)>);
 
+// Bound only when they are in the file or get a value: who never uses them keeps the file as it is.
+constexpr const char *below_section = "editor";
+constexpr const char *below_keys[] = {"below1", "below2"};
+static_assert(std::size(below_keys) == std::tuple_size_v<decltype(ini_t::below)>);
+
+void bind_below(ini_t *settings, std::size_t which)
+{
+    lang_cfg_add_entry(settings->store, below_section, below_keys[which], CFG_STR,
+                       &settings->below[which]);
+}
+
+void take_below(ini_t *settings)
+{
+    const cfg_entry_t *section = zel::cfg_find_section(settings->store, below_section);
+    for (std::size_t which = 0; section != nullptr && which < std::size(below_keys); ++which)
+        if (zel::cfg_find_key(settings->store, section, below_keys[which]) != nullptr)
+            bind_below(settings, which);
+}
+
 // The store's numbers have 64 bits, the fields 32: each key has a variable of its own.
 void fields_to_keys(ini_t *settings)
 {
     for (std::size_t row = 0; row < std::size(numbers); ++row)
         settings->numbers[row] = settings->*numbers[row].field;
 }
+
+constexpr const char *editor_section = "editor";
+constexpr const char *spelling_key = "spelling";
 
 void keys_to_fields(ini_t *settings)
 {
@@ -67,6 +89,7 @@ ini_t *ini_new(const char *file)
     }
     settings->languageFile = zel_strdup("english.lang");
     settings->dstDir = zel_strdup(lang_global.default_dst_dir);
+    settings->spelling = 1;
     fields_to_keys(settings.get());
     return settings.release();
 }
@@ -78,9 +101,38 @@ int ini_read(ini_t *settings)
     fields_to_keys(settings);
     lang_cfg_open(settings->store, 0);
     keys_to_fields(settings);
+    lang_cfg_get_long(settings->store, &settings->spelling, settings->spelling, editor_section,
+                      spelling_key);
+    take_below(settings);
     lang_cfg_print_all(settings->store);
     zel::replace_string(settings->dstDir, zel_strdup(lang_global.default_dst_dir));
     return 0;
+}
+
+bool ini_spelling(const ini_t *settings) { return settings == nullptr || settings->spelling != 0; }
+
+// Nobody who never switches it off gets another file for it.
+void ini_set_spelling(ini_t *settings, bool on)
+{
+    if (settings == nullptr)
+        return;
+    lang_cfg_add_entry(settings->store, editor_section, spelling_key, CFG_LONG,
+                       &settings->spelling);
+    settings->spelling = on ? 1 : 0;
+}
+
+const char *ini_below(const ini_t *settings, std::size_t which)
+{
+    const char *lang = settings == nullptr ? nullptr : settings->below[which];
+    return lang == nullptr || *lang == '\0' ? nullptr : lang;
+}
+
+void ini_set_below(ini_t *settings, std::size_t which, const char *lang)
+{
+    if (settings == nullptr)
+        return;
+    bind_below(settings, which);
+    zel::replace_string(settings->below[which], zel_strdup(lang));
 }
 
 int ini_write(ini_t *settings)

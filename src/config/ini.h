@@ -19,6 +19,9 @@ struct ini_t {
     std::int32_t define_x; // [defineWin] where the language dialog stood last
     std::int32_t define_y;
     std::array<std::int64_t, 6> numbers; // what the keys of the six fields are bound to
+    std::int64_t spelling;               // [editor] whether spelling is checked; see below
+    std::array<char *, 2>
+        below; // [editor] languages shown below the translations, or null; see below
 };
 
 // The process's settings, null while there are none.
@@ -32,6 +35,14 @@ extern ini_t *ini;
 // default_dst_dir; when the file cannot be read the first values stay and ini_write writes
 // nothing. 0; 1 for null.
 int ini_read(ini_t *settings);
+
+// Whether spelling is checked; yes without settings. The key is in the file once it has been set.
+bool ini_spelling(const ini_t *settings);
+void ini_set_spelling(ini_t *settings, bool on);
+// The language whose text is shown below the first (0) or second (1) translation; null for none and
+// without settings. Setting takes a copy; the key is in the file once it has been set.
+const char *ini_below(const ini_t *settings, std::size_t which);
+void ini_set_below(ini_t *settings, std::size_t which, const char *lang);
 
 // Writes the file. 0, also when that fails; 1 for null.
 int ini_write(ini_t *settings);

@@ -29,6 +29,7 @@ namespace {
 
 constexpr std::size_t path_size = 2048;
 constexpr std::size_t date_size = 1024;
+constexpr int changed_meanwhile = 2; // of a write_answer
 
 void show_value(GtkWidget *label, const char *text)
 {
@@ -108,20 +109,34 @@ bool write_source(const char *path)
     return lang_write_file(path, def_group) == 0;
 }
 
+// The same, while the file is the one that the user has agreed to write over.
+zel::write_answer write_if_allowed(const char *path)
+{
+    const zel::source_to_write whole;
+    zel::write_how how;
+    how.now = std::time(nullptr);
+    how.may_replace = [path] { return zel::watch_allows(path); };
+    return zel::write_source(path, def_group, how);
+}
+
 void save_under_name(GtkWidget *widget);
 
 // Writes the source and says how it went; only then are there no changes left.
 void write_and_tell(GtkWidget *widget, const char *path)
 {
-    const zel::overwrite answer = zel::watch_ask(widget, path);
-    if (answer == zel::overwrite::other_name)
-        save_under_name(widget);
-    if (answer != zel::overwrite::yes)
-        return;
-    if (write_source(path)) {
+    zel::write_answer written{changed_meanwhile, {}};
+    while (written.code == changed_meanwhile) {
+        const zel::overwrite answer = zel::watch_ask(widget, path);
+        if (answer == zel::overwrite::other_name)
+            save_under_name(widget);
+        if (answer != zel::overwrite::yes)
+            return;
+        written = write_if_allowed(path);
+    }
+    if (written.code == 0) {
         zel::edit_set_modified(false);
         zel::recovery_drop();
-        zel::watch_saved(path);
+        zel::watch_saved(path, written.file);
         // The text is also an item of the editor's own texts, which is found by its spelling.
         zel::message(mainWin, "status", "Write file successfull");
     } else {

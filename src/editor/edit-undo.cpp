@@ -9,6 +9,7 @@
 #include "editor/w_tab_model.h"
 #include "editor/w_tab_work.h"
 #include "editor/w_text.h"
+#include "editor/w_text_below.h"
 
 #include <gdk/gdkkeysyms.h>
 
@@ -156,6 +157,7 @@ void change_here(const edit_change &change, bool before)
     }
     if (const item_t *item = item_of(change))
         zel_tab_model_row_changed(ZEL_TAB_MODEL(table()->sort_model), row_of(item));
+    text_below_show(panel());
     if (panel()->item != nullptr)
         table()->work->item_shown(row_of(panel()->item)); // its texts are judged anew
 }

@@ -3,6 +3,7 @@
 #include "app/global.h"
 #include "config/ini.h"
 #include "editor/accessible.h"
+#include "editor/dictionary.h"
 #include "editor/edit-actions.h"
 #include "editor/edit-file.h"
 #include "editor/edit-keys.h"
@@ -189,6 +190,7 @@ void take_down_window()
     lang_global.info_box = lang_global.shot_window = lang_global.shot_image = nullptr;
     lang_global.edit_tab_label = lang_global.shot_tab_label = nullptr;
     g_clear_object(&accel_group);
+    zel::release_dictionaries();
 }
 
 // The settings are let go of, unwritten.

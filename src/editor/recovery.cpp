@@ -4,6 +4,7 @@
 #include "editor/edit-state.h"
 #include "editor/recovery-ask.h"
 #include "editor/source-watch.h"
+#include "editor/ui-text.h"
 #include "recovery/place.h"
 #include "recovery/recovery-file.h"
 #include "source/lang-read.h"
@@ -12,6 +13,7 @@
 #include <cstring>
 #include <ctime>
 #include <optional>
+#include <string>
 #include <unistd.h>
 
 guint zel::recovery_interval = 30 * 1000;
@@ -19,6 +21,7 @@ guint zel::recovery_interval = 30 * 1000;
 namespace {
 
 constexpr int most_restarts = 3;
+constexpr int no_folder = -1;
 
 struct session {
     zel::recovery_writer writer;
@@ -27,7 +30,7 @@ struct session {
     std::optional<unsigned> written; // zel::edit_changes that the file holds, if there is one
     unsigned started = 0;            // those of what is being written
     int restarts = 0;
-    int said = 0; // the last error that the log was told
+    int said = 0; // the last error that was told; no_folder counts as one
     bool result_waits = false;
     guint timer = 0;
     guint idle = 0;
@@ -47,6 +50,18 @@ void begin(zel::recovery_writer &writer, const std::string &path)
     now.started = zel::edit_changes;
     writer.begin(path, zel::watched_path(), zel::watched_state(), std::time(nullptr), def_group,
                  is_made_by_looking);
+}
+
+// In the status line too: where there can be no recovery file, there may be no log.
+void say_unkept(int error)
+{
+    if (error == now.said)
+        return;
+    now.said = error;
+    std::string text = zel::ui_text("recovery", "No recovery file can be written, save often");
+    if (error != no_folder)
+        text.append(": ").append(std::strerror(error));
+    zel::edit_status(text.c_str());
 }
 
 void remove_taken()
@@ -72,12 +87,14 @@ void take_result()
     const int error = now.writer.error();
     if (error == 0) {
         now.written = now.started;
+        now.said = 0;
         remove_taken();
-    } else if (error != now.said) {
+        return;
+    }
+    if (error != now.said)
         LogPrint(1, "recovery: ERROR(%d) %s write %s\n", error, std::strerror(error),
                  now.path.c_str());
-    }
-    now.said = error;
+    say_unkept(error);
 }
 
 // Begins again where somebody has typed meanwhile, but not for ever: who types without a pause has
@@ -108,6 +125,8 @@ gboolean look(gpointer)
     take_result();
     if (lang_global.modified == 0 && now.written)
         zel::recovery_drop(); // all of it was undone
+    if (def_group != nullptr && lang_global.modified != 0 && now.path.empty())
+        say_unkept(no_folder);
     if (!is_changed())
         return TRUE;
     now.restarts = 0;
@@ -169,6 +188,7 @@ void recovery_begin()
     const std::string folder = recovery_folder();
     now.path = folder.empty() ? folder : recovery_path(folder, watched_path(), std::time(nullptr));
     now.written.reset();
+    now.said = 0;
     if (now.timer == 0)
         now.timer = g_timeout_add(recovery_interval, look, nullptr);
 }

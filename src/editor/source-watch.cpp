@@ -17,6 +17,7 @@ namespace {
 struct watch {
     std::string path; // empty while nothing is watched
     zel::file_state known;
+    zel::file_state agreed; // may be written over
     zel::source_lock lock;
     bool alone = false;
     zel::file_news told = zel::file_news::same; // in the status line
@@ -46,7 +47,7 @@ GtkWidget *make_question(GtkWidget *parent)
         zel::window_of(parent), GTK_DIALOG_MODAL, GTK_MESSAGE_WARNING, GTK_BUTTONS_NONE, "%s",
         zel::ui_text("status", "The file was changed by another program since it was loaded.\n"
                                "Write over it?"));
-    const std::string now = zel::describe(zel::state_of(current.path.c_str()));
+    const std::string now = zel::describe(current.agreed);
     gtk_message_dialog_format_secondary_text(
         GTK_MESSAGE_DIALOG(dialog), "%s\n%s: %s\n%s: %s\n\n%s",
         zel::utf8_shown(current.path.c_str()).c_str(), zel::ui_text("status", "Loaded"),
@@ -111,17 +112,27 @@ bool watch_is_alone() { return current.alone; }
 const std::string &watched_path() { return current.path; }
 const file_state &watched_state() { return current.known; }
 
-void watch_saved(const char *path)
+void watch_saved(const char *path, const file_id &written)
 {
     if (!is_watched(path))
         return;
     current.known = state_of(current.path.c_str());
     current.told = file_news::same;
+    if (current.known.number != written.number)
+        current.known = file_state(); // another program has saved since: no text is known
+}
+
+bool watch_allows(const char *path)
+{
+    return !is_watched(path) || news_of(current.path.c_str(), current.agreed) != file_news::changed;
 }
 
 overwrite watch_ask(GtkWidget *parent, const char *path)
 {
-    if (!is_watched(path) || news_of(current.path.c_str(), current.known) != file_news::changed)
+    const bool is_changed =
+        is_watched(path) && news_of(current.path.c_str(), current.known) == file_news::changed;
+    current.agreed = is_changed ? state_of(current.path.c_str()) : current.known;
+    if (!is_changed)
         return overwrite::yes;
     GtkWidget *dialog = make_question(parent);
     const int answer = gtk_dialog_run(GTK_DIALOG(dialog));

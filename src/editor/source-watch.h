@@ -8,6 +8,7 @@
 #include <string>
 
 #include "recovery/file-state.h"
+#include "support/file-call.h"
 
 namespace zel {
 
@@ -28,13 +29,16 @@ bool watch_is_alone();
 const std::string &watched_path();
 const file_state &watched_state();
 
-// The watched file was written by us.
-void watch_saved(const char *path);
+// The watched file was written by us, as that file.
+void watch_saved(const char *path, const file_id &written);
 
 // Before the file at the path is written over. When that is the source's, and another program has
 // changed it, the user decides; no is the default.
 enum class overwrite { yes, no, other_name };
 overwrite watch_ask(GtkWidget *parent, const char *path);
+
+// Whether the file at the path still is as it was when that was asked or answered.
+bool watch_allows(const char *path);
 
 // The main window tells in the status line, when it gets the keyboard back, what has become of the
 // file meanwhile.

@@ -5,6 +5,7 @@
 #include "editor/edit-record.h"
 #include "editor/edit-state.h"
 #include "editor/operation.h"
+#include "editor/spelling.h"
 #include "editor/ui-text.h"
 #include "editor/w_tab_filter.h"
 #include "editor/w_tab_found.h"
@@ -400,6 +401,7 @@ void make_work_and_help(ZelTabEdit *tab)
         new zel::tab_work({view_of(tab), shown_rows(tab), *tab->rows, ZEL_TEXT(tab->text_widget),
                            tab->ready_button, [tab] { tree_filter_changed_cb(nullptr, tab); }});
     tab->suggest = new zel::tab_suggest(*tab->rows, ZEL_TEXT(tab->text_widget));
+    zel::watch_spelling(ZEL_TEXT(tab->text_widget));
 }
 
 void instance_init(GTypeInstance *instance, gpointer)

@@ -21,6 +21,7 @@ constexpr guint before_first_slice = 300; // milliseconds
 constexpr guint between_slices = 8;
 constexpr gint64 slice_length = 4000; // microseconds
 constexpr std::uint32_t rows_between_looks = 16;
+static_assert(TEXT_TRANS1 == 0 && TEXT_TRANS2 == 1, "arrays have a place for each of them");
 
 GtkTextBuffer *buffer_of(GtkWidget *view) { return gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)); }
 
@@ -69,7 +70,8 @@ void put(GtkWidget *view, const std::string &text, bool instead)
 
 tab_suggest::tab_suggest(std::shared_ptr<tab_rows> rows, Zeltext *panel)
     : rows_(std::move(rows)), panel_(panel),
-      index_([this](std::uint32_t row) { return reference_of(row); })
+      index_([this](std::uint32_t row) { return reference_of(row); }),
+      neighbours_([this] { suggest_all(); })
 {
     add_keys();
 }
@@ -80,14 +82,20 @@ void tab_suggest::stop()
         g_source_remove(timer_);
     timer_ = 0;
     keys_.clear();
+    neighbours_.stop();
     index_.reset(0);
     row_ = -1;
+}
+
+const std::string *tab_suggest::lang_of(int field) const
+{
+    return (field == TEXT_TRANS1 ? rows_->lang1 : rows_->lang2).get();
 }
 
 // Into the shown languages but the source's own one.
 bool tab_suggest::is_translated_into(int field) const
 {
-    const auto &lang = field == TEXT_TRANS1 ? rows_->lang1 : rows_->lang2;
+    const std::string *lang = lang_of(field);
     return lang != nullptr && rows_->source != nullptr &&
            g_strcmp0(lang->c_str(), rows_->source->default_lang) != 0;
 }
@@ -114,7 +122,7 @@ std::string tab_suggest::reference_of(std::uint32_t row) const
 
 lang_entry_t *tab_suggest::translation(std::uint32_t row, int field) const
 {
-    const auto &lang = field == TEXT_TRANS1 ? rows_->lang1 : rows_->lang2;
+    const std::string *lang = lang_of(field);
     return lang == nullptr ? nullptr : misc_select_lang_entry(rows_->rows[row].item, lang->c_str());
 }
 
@@ -137,6 +145,7 @@ gboolean tab_suggest::slice(gpointer data)
         if (self->next_row_ >= self->index_.count()) {
             self->timer_ = 0;
             self->suggest_all();
+            self->read_neighbours();
             return FALSE;
         }
         self->index_.add(self->next_row_++);
@@ -145,25 +154,54 @@ gboolean tab_suggest::slice(gpointer data)
     return FALSE;
 }
 
+void tab_suggest::read_neighbours()
+{
+    if (rows_->source == nullptr || def_file == nullptr || rows_->source->default_lang == nullptr)
+        return;
+    assist::neighbour_texts::query wanted{def_file, rows_->source->default_lang, {}};
+    for (const int field : {TEXT_TRANS1, TEXT_TRANS2})
+        if (is_translated_into(field))
+            wanted.langs[static_cast<std::size_t>(field)] = *lang_of(field);
+    neighbours_.begin(wanted);
+}
+
+std::optional<assist::suggestion> tab_suggest::own_suggestion(std::uint32_t row, int field) const
+{
+    const auto best = index_.best(row, [&](std::uint32_t other) {
+        return misc_search_empty_in_lang_entry(translation(other, field)) == 0;
+    });
+    if (!best)
+        return std::nullopt;
+    const char *group = rows_->rows[best->item].group->name;
+    return assist::suggestion{text_of(translation(best->item, field)),
+                              group == nullptr ? "" : group, reference_of(best->item),
+                              best->likeness};
+}
+
+// The source's own comes first where both are equally alike.
+std::optional<assist::suggestion> tab_suggest::suggestion(std::uint32_t row, int field) const
+{
+    auto own = own_suggestion(row, field);
+    if (own && own->likeness >= 1)
+        return own;
+    auto other = neighbours_.best(reference_of(row), static_cast<std::size_t>(field));
+    return other && (!own || other->likeness > own->likeness) ? other : own;
+}
+
 void tab_suggest::suggest(int field)
 {
-    int &found = found_[field == TEXT_TRANS1 ? 0 : 1];
+    std::string &take = take_[static_cast<std::size_t>(field)];
     GtkWidget *label = label_of(panel_, field);
-    found = -1;
+    take.clear();
     gtk_widget_set_visible(label, row_ >= 0 && is_translated_into(field));
     std::string text;
     std::string tooltip;
     if (row_ >= 0 && is_translated_into(field)) {
-        const auto best = index_.best(static_cast<std::uint32_t>(row_), [&](std::uint32_t row) {
-            return misc_search_empty_in_lang_entry(translation(row, field)) == 0;
-        });
-        if (best) {
-            found = static_cast<int>(best->item);
-            const tab_row &row = rows_->rows[best->item];
-            text = shown_in_runs(flat(text_of(translation(best->item, field)))) + " (" +
-                   utf8_shown(row.group->name) + ")";
+        if (const auto best = suggestion(static_cast<std::uint32_t>(row_), field)) {
+            take = best->text;
+            text = shown_in_runs(flat(best->text)) + " (" + utf8_shown(best->origin.c_str()) + ")";
             if (best->likeness < 1)
-                text += " ~ " + shown_in_runs(flat(reference_of(best->item)));
+                text += " ~ " + shown_in_runs(flat(best->reference));
             tooltip = text + "\n" + ui_text("tab-edit", "Take it (Ctrl+Space)");
         }
     }
@@ -192,13 +230,12 @@ void tab_suggest::take_suggestion()
     int field = field_to_fill();
     if (field >= 0 && !is_translated_into(field))
         field = field == TEXT_TRANS1 ? TEXT_TRANS2 : TEXT_TRANS1;
-    const int row = field < 0 ? -1 : found_[field == TEXT_TRANS1 ? 0 : 1];
-    if (row < 0) {
+    const std::string text = field < 0 ? "" : take_[static_cast<std::size_t>(field)];
+    if (text.empty()) {
         edit_status(ui_text("tab-edit", "No suggestion"));
         return;
     }
-    const lang_entry_t *entry = translation(static_cast<std::uint32_t>(row), field);
-    put(panel_->*fields[field].view, utf8_shown(text_of(entry).c_str()), true);
+    put(panel_->*fields[field].view, utf8_shown(text.c_str()), true);
 }
 
 void tab_suggest::copy_other()

@@ -1,7 +1,8 @@
 #pragma once
 
 // Help with a translation: under its field what the same or the most similar text is translated as
-// elsewhere in the source, and keys that take it, the other language's text, or parts of that.
+// elsewhere in the source, or else in the folder's other sources, and keys that take it, the other
+// language's text, or parts of that.
 //
 // The index of the texts is built in slices while nothing else happens; what it holds so far is
 // used.
@@ -10,10 +11,14 @@
 
 #include <array>
 #include <memory>
+#include <optional>
+#include <string>
 
+#include "assist/neighbours.h"
 #include "assist/similar.h"
 #include "editor/key-set.h"
 #include "editor/w_tab_model.h"
+#include "editor/w_tab_neighbours.h"
 #include "editor/w_text_panel.h"
 
 namespace zel {
@@ -38,10 +43,14 @@ public:
 private:
     static gboolean slice(gpointer self);
     void add_keys();
+    const std::string *lang_of(int field) const;
     bool is_translated_into(int field) const;
     int field_to_fill() const;
     std::string reference_of(std::uint32_t row) const;
     lang_entry_t *translation(std::uint32_t row, int field) const;
+    std::optional<assist::suggestion> own_suggestion(std::uint32_t row, int field) const;
+    std::optional<assist::suggestion> suggestion(std::uint32_t row, int field) const;
+    void read_neighbours();
     void suggest(int field);
     void suggest_all();
     void take_suggestion();
@@ -51,9 +60,10 @@ private:
     std::shared_ptr<tab_rows> rows_;
     Zeltext *panel_;
     assist::similar_texts index_;
-    std::uint32_t next_row_ = 0;          // that the slices come to
-    int row_ = -1;                        // whose item is shown
-    std::array<int, 2> found_ = {-1, -1}; // the row whose text is suggested, of each translation
+    tab_neighbours neighbours_;
+    std::uint32_t next_row_ = 0;      // that the slices come to
+    int row_ = -1;                    // whose item is shown
+    std::array<std::string, 2> take_; // what is suggested for each translation, empty for nothing
     guint timer_ = 0;
     key_set keys_;
 };

@@ -7,6 +7,7 @@
 #include "editor/text-places.h"
 #include "editor/theme.h"
 #include "editor/ui-text.h"
+#include "editor/w_text_below.h"
 #include "editor/w_text_build.h"
 #include "source/misc.h"
 #include "support/log-print.h"
@@ -86,6 +87,7 @@ void show_nothing(Zeltext *text)
         gtk_widget_hide(text->*field.view);
         clear_text_view_buffer(text->*field.view);
     }
+    zel::text_below_show(text);
     gtk_label_set_text(GTK_LABEL(text->description_label), "");
     gtk_entry_set_text(GTK_ENTRY(text->name_entry), "");
     if (text->name_edit_entry != nullptr)
@@ -190,6 +192,7 @@ void show_item(Zeltext *text)
     }
     show_language(text, text->lang1_frame, TEXT_COMMENT1, TEXT_TRANS1, lang1);
     show_language(text, text->lang2_frame, TEXT_COMMENT2, TEXT_TRANS2, lang2);
+    zel::text_below_show(text);
     show_identity(text);
 }
 

@@ -7,9 +7,12 @@
 #include "editor/text-signs.h"
 #include "editor/theme.h"
 #include "editor/ui-text.h"
+#include "editor/w_text_below.h"
 #include "editor/w_text_checks.h"
 
 #include <algorithm>
+#include <array>
+#include <utility>
 
 namespace {
 
@@ -82,6 +85,28 @@ int requested_height(GtkWidget *widget)
     return std::max(height, 0);
 }
 
+using below_heights = std::array<zel::below_height, 2>;
+
+// Shares out what is left above a line of each among the texts below the translations; what the
+// shorter one does not need is the other's.
+void share_below(Zeltext *text, const below_heights &heights, int left)
+{
+    std::array<std::size_t, 2> order{0, 1};
+    if (heights[0].most > heights[1].most)
+        std::swap(order[0], order[1]);
+    int count = (heights[0].most != 0 ? 1 : 0) + (heights[1].most != 0 ? 1 : 0);
+    for (const std::size_t number : order) {
+        const auto [least, most] = heights[number];
+        if (most == 0)
+            continue;
+        const int more = std::clamp(left / count--, 0, most - least);
+        left -= more;
+        GtkWidget *scrolled = zel::text_below_scrolled(text, static_cast<int>(number));
+        if (requested_height(scrolled) != least + more)
+            gtk_widget_set_size_request(scrolled, -1, least + more);
+    }
+}
+
 // Shares the panel's height out among the fields.
 void share_height(GtkWidget *viewport, GtkAllocation *place, gpointer data)
 {
@@ -96,7 +121,13 @@ void share_height(GtkWidget *viewport, GtkAllocation *place, gpointer data)
     // What the fields of one language have; the rest of what is wanted is for other things.
     const int comment_now = requested_height(scrolled_of(text, TEXT_COMMENT1));
     const int trans_now = requested_height(scrolled_of(text, TEXT_TRANS1));
-    const int others = wanted.height - languages * (comment_now + trans_now);
+    const below_heights below{zel::text_below_height(text, TEXT_TRANS1),
+                              zel::text_below_height(text, TEXT_TRANS2)};
+    int below_more = below[0].least + below[1].least; // than they have now
+    for (const int number : {TEXT_TRANS1, TEXT_TRANS2})
+        if (below[static_cast<std::size_t>(number)].most != 0)
+            below_more -= requested_height(zel::text_below_scrolled(text, number));
+    const int others = wanted.height - languages * (comment_now + trans_now) + below_more;
     const field_t &comment = fields[TEXT_COMMENT1];
     const field_t &trans = fields[TEXT_TRANS1];
     const int room = (place->height - others) / languages - trans.height;
@@ -109,22 +140,39 @@ void share_height(GtkWidget *viewport, GtkAllocation *place, gpointer data)
         if (requested_height(scrolled) != height)
             gtk_widget_set_size_request(scrolled, -1, height);
     }
+    share_below(text, below, place->height - others - languages * (comment_height + trans.height));
 }
 
-// The field that gets the keyboard is scrolled to, with its caption.
+GtkWidget *label_of(Zeltext *text, GtkWidget *view)
+{
+    const auto *field = std::find_if(std::begin(fields), std::end(fields),
+                                     [&](const field_t &one) { return text->*one.view == view; });
+    return text->*field->label;
+}
+
+// The field that gets the keyboard is scrolled to, with its caption and what is below it.
 gboolean show_whole_field(GtkWidget *view, GdkEventFocus *, gpointer data)
 {
+    Zeltext *text = ZEL_TEXT(data);
     GtkWidget *box = gtk_widget_get_ancestor(view, GTK_TYPE_VIEWPORT);
     GtkWidget *content = gtk_bin_get_child(GTK_BIN(box));
-    gint x = 0;
-    gint top = 0;
-    gint bottom = 0;
-    gtk_widget_translate_coordinates(GTK_WIDGET(data), content, 0, 0, &x, &top);
-    gtk_widget_translate_coordinates(view, content, 0, 0, &x, &bottom);
-    GtkAllocation place{};
-    gtk_widget_get_allocation(view, &place);
-    gtk_adjustment_clamp_page(gtk_viewport_get_vadjustment(GTK_VIEWPORT(box)), top,
-                              bottom + place.height + margin);
+    GtkAdjustment *seen = gtk_viewport_get_vadjustment(GTK_VIEWPORT(box));
+    const auto place_of = [content](GtkWidget *widget) {
+        GtkAllocation place{};
+        gtk_widget_get_allocation(widget, &place);
+        gtk_widget_translate_coordinates(widget, content, 0, 0, &place.x, &place.y);
+        return place;
+    };
+    const GtkAllocation field = place_of(view);
+    GtkAllocation last = field;
+    for (const int number : {TEXT_TRANS1, TEXT_TRANS2}) {
+        GtkWidget *below = text->below[number].row;
+        if (text->*fields[number].view == view && gtk_widget_get_visible(below) != 0)
+            last = place_of(below);
+    }
+    const int top = place_of(label_of(text, view)).y;
+    gtk_adjustment_clamp_page(seen, top, last.y + last.height);
+    gtk_adjustment_clamp_page(seen, top, field.y + field.height + margin); // where both do not fit
     return FALSE;
 }
 
@@ -159,7 +207,10 @@ GtkWidget *make_caption_row(Zeltext *text, int number, GtkWidget *caption)
     (number == TEXT_TRANS1 ? text->finding1_label : text->finding2_label) = finding;
     g_object_set_data(G_OBJECT(row), caption_key, caption);
     g_signal_connect(row, "size-allocate", G_CALLBACK(share_caption_row), finding);
-    return row;
+    GtkWidget *box = gtk_event_box_new(); // labels get no clicks
+    gtk_event_box_set_visible_window(GTK_EVENT_BOX(box), FALSE);
+    gtk_container_add(GTK_CONTAINER(box), row);
+    return box;
 }
 
 GtkWidget *make_suggestion(Zeltext *text, int number)
@@ -178,14 +229,18 @@ void make_field(Zeltext *text, int number, GtkWidget *box)
     const bool is_comment = number == TEXT_COMMENT1 || number == TEXT_COMMENT2;
     GtkWidget *view = make_text_view(field.height);
     GtkWidget *label = make_caption(view);
-    gtk_box_pack_start(GTK_BOX(box), is_comment ? label : make_caption_row(text, number, label),
-                       FALSE, FALSE, 0);
-    gtk_box_pack_start(GTK_BOX(box), make_view_frame(view), is_comment ? FALSE : TRUE, TRUE, 0);
-    if (!is_comment)
-        gtk_box_pack_start(GTK_BOX(box), make_suggestion(text, number), FALSE, FALSE, 0);
-    g_signal_connect(view, "focus-in-event", G_CALLBACK(show_whole_field), label);
     text->*field.view = view;
     text->*field.label = label;
+    g_signal_connect(view, "focus-in-event", G_CALLBACK(show_whole_field), text);
+    GtkWidget *caption = is_comment ? label : make_caption_row(text, number, label);
+    gtk_box_pack_start(GTK_BOX(box), caption, FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), make_view_frame(view), is_comment ? FALSE : TRUE, TRUE, 0);
+    if (is_comment)
+        return;
+    gtk_box_pack_start(GTK_BOX(box), make_suggestion(text, number), FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), zel::text_below_new(text, number, make_text_view(-1)), FALSE,
+                       FALSE, 0);
+    zel::text_below_offer(text, number, caption);
 }
 
 GtkWidget *make_language_frame(Zeltext *text, int comment, int trans)

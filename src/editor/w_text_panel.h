@@ -15,6 +15,17 @@
 // Places in Zeltext::dirty, and numbers of the fields.
 enum text_field { TEXT_TRANS1, TEXT_TRANS2, TEXT_COMMENT1, TEXT_COMMENT2, TEXT_FIELDS };
 
+namespace zel {
+
+// Below a translation: the item's text in another language, to be read only.
+struct text_below {
+    GtkWidget *row;   // hidden while there is none
+    GtkWidget *label; // the language
+    GtkWidget *view;
+};
+
+} // namespace zel
+
 struct Zeltext {
     GtkFrame frame;
     GtkWidget *description_label; // the item's description
@@ -45,7 +56,8 @@ struct Zeltext {
     GtkWidget *finding2_label;
     GtkWidget *suggestion1_label; // under the translations: how a similar text is translated
     GtkWidget *suggestion2_label;
-    int made[TEXT_FIELDS]; // the bound entry came to be by being shown, and is in no file
+    zel::text_below below[2]; // of the two translations
+    int made[TEXT_FIELDS];    // the bound entry came to be by being shown, and is in no file
 };
 
 struct ZeltextClass {

@@ -126,10 +126,7 @@ private:
     void write_comments(const item_t *item);
     void write_item(const item_t *item);
     void write_groups();
-    std::size_t language_at(const char *name) const
-    {
-        return lint::find_language(languages_, name, 0);
-    }
+    std::size_t language_at(const char *name) const { return languages_.find(name, 0); }
 
     const lint_source &from_;
     const LangSource *source_;
@@ -138,7 +135,7 @@ private:
     lint::source_counts counts_;
     progress shown_;
     std::string folder_;
-    std::vector<lint::language> languages_;
+    lint::language_list languages_;
     std::vector<const lang_entry_t *> entries_; // of the item, by language
     std::vector<std::string> buffers_;
     std::vector<item_finding> findings_; // in the order of the items
@@ -206,7 +203,7 @@ void source_writer::write_texts(const item_t *item)
     std::fill(entries_.begin(), entries_.end(), nullptr);
     std::size_t guess = 0;
     for (const lang_entry_t *entry : each<lang_entry_t>(item->langs)) {
-        const std::size_t i = lint::find_language(languages_, entry->lang, guess);
+        const std::size_t i = languages_.find(entry->lang, guess);
         guess = i + 1;
         if (i < entries_.size() && entries_[i] == nullptr)
             entries_[i] = entry;

@@ -1,7 +1,9 @@
 #include "kit/sources.h"
 
 #include "source/lang-write.h"
+#include "support/file-call.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <ctime>
 #include <vector>
@@ -29,6 +31,20 @@ void say(const read_message &message, bool loss)
                      message.at.column + 1, level, row.meaning);
 }
 
+// What was read to be written again, as it was before that.
+struct seen_file {
+    std::string path;
+    file_stamp stamp;
+};
+std::vector<seen_file> seen_files;
+
+bool is_as_read(const std::string &path)
+{
+    return std::none_of(seen_files.begin(), seen_files.end(), [&](const seen_file &seen) {
+        return seen.path == path && has_changed(path.c_str(), seen.stamp);
+    });
+}
+
 } // namespace
 
 source_guard read(const std::string &path, source_places *places)
@@ -46,6 +62,7 @@ source_guard read_whole(const std::string &path)
         say(message, is_loss(*message.row));
         whole = whole && !is_loss(*message.row);
     };
+    seen_files.push_back({path, stamp_of(path.c_str())});
     source_guard source = std::move(read_source(path.c_str(), {0, hear, nullptr}).source);
     if (!whole)
         source.reset();
@@ -68,9 +85,13 @@ bool write(const destination &to, LangSource *source)
     how.name = to.name.empty() ? nullptr : to.name.c_str();
     how.backup = to.backup;
     how.messages = stderr; // standard output belongs to results
-    if (write_source(to.path.c_str(), source, how).code == 0)
+    how.may_replace = [&to] { return is_as_read(to.path); };
+    const int code = write_source(to.path.c_str(), source, how).code;
+    if (code == 0)
         return true;
-    std::fprintf(stderr, "lang-kit: %s: cannot be written\n", to.path.c_str());
+    std::fprintf(stderr, "lang-kit: %s: %s\n", to.path.c_str(),
+                 code == 2 ? "changed by another program meanwhile; it is as that left it"
+                           : "cannot be written");
     return false;
 }
 

@@ -34,8 +34,9 @@ struct destination {
     bool backup = true;  // the old file is kept
 };
 
-// Writes a source as the editor does: safely, a file that is there is kept under its date. False
-// after a line on standard error.
+// Writes a source as the editor does: safely, a file that is there is kept under its date. A file
+// that read_whole has read by the same path, and that another program has changed since, is left
+// alone. False after a line on standard error.
 bool write(const destination &to, LangSource *source);
 
 } // namespace zel::kit

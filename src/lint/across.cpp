@@ -21,6 +21,14 @@ std::string_view file_name(const lang_t *lang)
     return name;
 }
 
+// As same_language compares names.
+std::string folded(std::string_view name)
+{
+    std::string out(name);
+    std::transform(out.begin(), out.end(), out.begin(), g_ascii_tolower);
+    return out;
+}
+
 std::string key_of(const edit_t *group, const item_t *item)
 {
     std::string key(name_of(group->name));
@@ -94,21 +102,19 @@ across::~across() = default;
 
 void across::judge_languages(const LangSource *source, item_case::sink &found)
 {
-    std::vector<const lang_t *> before;
+    std::vector<const lang_t *> all;
+    std::unordered_map<std::string, std::size_t> names; // the first definition with that one
+    std::unordered_map<std::string, std::size_t> files;
     for (const lang_t *lang : each<lang_t>(source->langs)) {
-        for (const lang_t *other : before) {
-            if (same_language(lang->name, other->name))
-                found.say(rule_id::duplicate, lang->name, lang,
-                          "a second definition of the language");
-            else if (file_name(lang) == file_name(other))
-                found.say(rule_id::duplicate, lang->name, lang,
-                          "the file " + quoted(name_of(lang->file)) + " is that of " +
-                              std::string(name_of(other->name)) + " already");
-            else
-                continue;
-            break;
-        }
-        before.push_back(lang);
+        const auto [name, new_name] = names.try_emplace(folded(name_of(lang->name)), all.size());
+        const auto [file, new_file] = files.try_emplace(std::string(file_name(lang)), all.size());
+        all.push_back(lang);
+        if (!new_name && name->second <= file->second)
+            found.say(rule_id::duplicate, lang->name, lang, "a second definition of the language");
+        else if (!new_file)
+            found.say(rule_id::duplicate, lang->name, lang,
+                      "the file " + quoted(name_of(lang->file)) + " is that of " +
+                          std::string(name_of(all[file->second]->name)) + " already");
     }
 }
 

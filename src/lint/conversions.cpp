@@ -2,6 +2,7 @@
 
 #include "langlib/lang.h"
 #include "lex/min_lex.h"
+#include "lint/name-set.h"
 #include "lint/text.h"
 
 #include <algorithm>
@@ -149,10 +150,9 @@ bool is_capital(std::string_view name)
 
 // Whether what could be a symbol is one and not "%dx%d" or "%ld%%": names that begin like no
 // conversion are, and those in capitals; others when nothing like a conversion follows.
-bool is_symbol(std::string_view text, std::string_view name, const percents *known)
+bool is_symbol(std::string_view text, std::string_view name, const name_set &known)
 {
-    if (known != nullptr &&
-        std::find(known->symbols.begin(), known->symbols.end(), name) != known->symbols.end())
+    if (known.has(name))
         return true;
     const auto begun = read_conversion(text);
     if (!begun)
@@ -202,6 +202,7 @@ percents read_percents(std::string_view text, const percents *known)
 {
     percents found;
     counter count;
+    const name_set symbols(known == nullptr ? std::vector<std::string_view>() : known->symbols);
     for (std::size_t at = text.find('%'); at < text.size(); at = text.find('%', at)) {
         const std::string_view rest = text.substr(at);
         if (rest.starts_with("%%")) {
@@ -209,7 +210,7 @@ percents read_percents(std::string_view text, const percents *known)
             continue;
         }
         const std::string_view name = read_name(rest);
-        if (!name.empty() && is_symbol(rest, name, known)) {
+        if (!name.empty() && is_symbol(rest, name, symbols)) {
             found.symbols.push_back(name);
             at += name.size() + 2;
             continue;

@@ -62,7 +62,7 @@ private:
     void take_reference(const item_t *item);
     void count(std::size_t i, std::string_view own, const item_t *item);
 
-    std::vector<language> languages_;
+    language_list languages_;
     std::vector<std::size_t> seen_in_; // of each language the last item that had it, from 1
     const char *default_lang_;
     std::string reference_buffer_;
@@ -130,7 +130,7 @@ void counter::add(const item_t *item)
     take_reference(item);
     std::size_t guess = 0;
     for (const lang_entry_t *entry : each<lang_entry_t>(item->langs)) {
-        const std::size_t i = find_language(languages_, entry->lang, guess);
+        const std::size_t i = languages_.find(entry->lang, guess);
         guess = i + 1;
         if (i == languages_.size() || seen_in_[i] == counts.used)
             continue;

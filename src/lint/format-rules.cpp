@@ -1,5 +1,5 @@
-#include "langlib/plural-rule.h"
 #include "lint/conversions.h"
+#include "lint/name-set.h"
 #include "lint/plural.h"
 #include "lint/rule-list.h"
 
@@ -19,9 +19,14 @@ percents expected_by(const text_case &at)
     return reference;
 }
 
-bool has_name(const std::vector<std::string_view> &names, std::string_view name)
+// The first name that the others lack; empty when there is none.
+std::string_view first_other(const std::vector<std::string_view> &names,
+                             const std::vector<std::string_view> &others)
 {
-    return std::find(names.begin(), names.end(), name) != names.end();
+    const name_set known(others);
+    const auto found = std::find_if(names.begin(), names.end(),
+                                    [&](std::string_view name) { return !known.has(name); });
+    return found == names.end() ? std::string_view() : *found;
 }
 
 bool judge_conversions(const percents &own, const percents &expected, std::string &message)
@@ -42,14 +47,13 @@ bool judge_conversions(const percents &own, const percents &expected, std::strin
 // may stand beside "%d notes".
 bool judge_forms(const text_case &at, std::string &message)
 {
-    const std::string_view own = at.own.bytes;
-    const std::string_view reference = at.reference.bytes;
-    const percents last = read_percents(text_form(reference, count_text_forms(reference) - 1));
-    bool may_have_none = false;
-    for (std::size_t i = count_text_forms(reference); i-- > 0;)
-        may_have_none = may_have_none || read_percents(text_form(reference, i)).arguments.empty();
-    for (std::size_t i = 0; i < count_text_forms(own); ++i) {
-        const percents form = read_percents(text_form(own, i), &last);
+    const std::vector<std::string_view> reference = read_forms(at.reference.bytes);
+    const percents last = read_percents(reference.back());
+    const bool may_have_none =
+        std::any_of(reference.begin(), reference.end(),
+                    [](std::string_view form) { return read_percents(form).arguments.empty(); });
+    for (const std::string_view one : read_forms(at.own.bytes)) {
+        const percents form = read_percents(one, &last);
         if (may_have_none && form.arguments.empty() && !form.stray && !form.writes)
             continue;
         if (judge_conversions(form, last, message))
@@ -80,17 +84,13 @@ bool judge_symbol(const text_case &at, std::string &message)
         return false;
     const percents expected = read_percents(at.reference.bytes);
     const percents own = read_percents(at.own.bytes, &expected);
-    for (const std::string_view name : own.symbols)
-        if (!has_name(expected.symbols, name)) {
-            message.append("the item has no symbol \"%").append(name).append("%\"");
-            return true;
-        }
-    for (const std::string_view name : expected.symbols)
-        if (!has_name(own.symbols, name)) {
-            message.append("the symbol \"%").append(name).append("%\" of the item is missing");
-            return true;
-        }
-    return false;
+    const std::string_view added = first_other(own.symbols, expected.symbols);
+    const std::string_view gone = first_other(expected.symbols, own.symbols);
+    if (!added.empty())
+        message.append("the item has no symbol \"%").append(added).append("%\"");
+    else if (!gone.empty())
+        message.append("the symbol \"%").append(gone).append("%\" of the item is missing");
+    return !message.empty();
 }
 
 } // namespace zel::lint

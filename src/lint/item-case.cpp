@@ -5,6 +5,18 @@
 
 namespace zel::lint {
 
+namespace {
+
+std::uint32_t hash_in_any_case(const char *name)
+{
+    std::uint32_t hash = 0;
+    for (const char c : name_of(name))
+        hash = hash * 31 + static_cast<unsigned char>(g_ascii_tolower(c));
+    return hash;
+}
+
+} // namespace
+
 bool same_language(const char *a, const char *b)
 {
     a = a == nullptr ? "" : a;
@@ -12,14 +24,21 @@ bool same_language(const char *a, const char *b)
     return std::strcmp(a, b) == 0 || strcasecmp(a, b) == 0;
 }
 
-std::size_t find_language(std::span<const language> languages, const char *name, std::size_t guess)
+void language_list::push_back(const language &one)
 {
-    if (guess < languages.size() && same_language(languages[guess].name, name))
+    // Of two definitions of a language the first one counts.
+    if (find(one.name, size()) == size())
+        names_.add(hash_in_any_case(one.name), static_cast<std::uint32_t>(size()));
+    all_.push_back(one);
+}
+
+std::size_t language_list::find(const char *name, std::size_t guess) const
+{
+    if (guess < size() && same_language(all_[guess].name, name))
         return guess;
-    std::size_t i = 0;
-    while (i < languages.size() && !same_language(languages[i].name, name))
-        ++i;
-    return i;
+    const std::uint32_t found = names_.find(
+        hash_in_any_case(name), [&](std::uint32_t i) { return same_language(all_[i].name, name); });
+    return found == hash_index::none ? size() : found;
 }
 
 } // namespace zel::lint

@@ -4,9 +4,11 @@
 
 #include <span>
 #include <string_view>
+#include <vector>
 
 #include "lint/finding.h"
 #include "lint/text.h"
+#include "support/hash-index.h"
 
 namespace zel::lint {
 
@@ -15,6 +17,23 @@ struct language {
     const char *name; // empty when it has none
     bool is_default;
     bool wanted; // findings about it are wanted
+};
+
+// The defined languages, in their order.
+class language_list {
+public:
+    void push_back(const language &one);
+    std::size_t size() const { return all_.size(); }
+    const language &operator[](std::size_t i) const { return all_[i]; }
+    std::span<const language> all() const { return all_; }
+
+    // The position of the language, or size() when it is none of them. The guess is looked at
+    // first.
+    std::size_t find(const char *name, std::size_t guess) const;
+
+private:
+    std::vector<language> all_;
+    hash_index names_;
 };
 
 // What an item has in one language.
@@ -28,7 +47,7 @@ struct item_case {
     const LangSource *source;
     const edit_t *group;
     const item_t *item;
-    std::span<const language> languages;
+    const language_list &languages;
     std::span<const slot> slots; // of each language
     const text &reference;       // the default language's text, else the item's name
 
@@ -48,10 +67,6 @@ struct item_case {
 // Whether both name the same language: compiled files are found by their language whatever the
 // case of its ASCII letters.
 bool same_language(const char *a, const char *b);
-
-// The position of the language among the defined ones, or that many when it is none of them. The
-// guess is looked at first.
-std::size_t find_language(std::span<const language> languages, const char *name, std::size_t guess);
 
 inline std::string_view name_of(const char *text) { return text == nullptr ? "" : text; }
 

@@ -1,4 +1,5 @@
 #include "lint/conversions.h"
+#include "lint/name-set.h"
 #include "lint/rule-list.h"
 
 #include <algorithm>
@@ -43,33 +44,66 @@ std::string_view read_piece(std::string_view bytes, std::size_t at)
     return bytes.substr(at, end - at);
 }
 
-bool is_web(std::string_view piece)
-{
-    return piece.find("://") != std::string_view::npos || piece.starts_with("www.");
-}
-
-bool is_mail(std::string_view piece)
-{
-    const std::size_t sign = piece.find('@');
-    return sign != std::string_view::npos && sign > 0 &&
-           piece.find('.', sign) != std::string_view::npos && is_word_byte(piece[sign - 1]);
-}
-
 // A path of the file system: menus have paths too, which are translated.
-bool is_path(std::string_view piece)
+bool begins_path(std::string_view piece)
 {
     constexpr std::string_view folders[] = {"bin",   "boot", "dev", "etc",  "home", "lib",
                                             "media", "mnt",  "opt", "proc", "root", "run",
                                             "sbin",  "srv",  "sys", "tmp",  "usr",  "var"};
-    if (piece.find('%') != std::string_view::npos)
-        return false;
+    constexpr std::size_t longest = 5; // of the names
     if (piece.starts_with("~/"))
         return true;
-    const std::size_t end = piece.find('/', 1);
+    const std::size_t end = piece.substr(0, longest + 2).find('/', 1);
     return piece.starts_with('/') && end != std::string_view::npos &&
            std::find(std::begin(folders), std::end(folders), piece.substr(1, end - 1)) !=
                std::end(folders);
 }
+
+// A run of address characters. An address or a path begins somewhere in it and goes to its end, so
+// that what is asked of every beginning is found out once.
+class address_run {
+public:
+    address_run() = default;
+    address_run(std::string_view bytes, std::size_t at) : bytes_(bytes), start_(at)
+    {
+        const std::string_view piece = read_piece(bytes, at);
+        end_ = at + piece.size();
+        stop_ = at + without_stop(piece).size();
+        scheme_ = last_of("://");
+        dot_ = last_of(".");
+        percent_ = last_of("%");
+        sign_ = at;
+    }
+
+    // From the position on; it only grows.
+    bool holds(std::size_t at) const { return at < end_; }
+    std::string_view piece(std::size_t at) const
+    {
+        return bytes_.substr(at, std::max(at, stop_) - at);
+    }
+    bool is_web(std::size_t at) const { return scheme_ > at || piece(at).starts_with("www."); }
+    bool is_mail(std::size_t at)
+    {
+        sign_ = std::min(bytes_.substr(0, stop_).find('@', std::max(sign_, at)), stop_);
+        return sign_ < stop_ && sign_ > at && dot_ > sign_ && is_word_byte(bytes_[sign_ - 1]);
+    }
+    bool is_path(std::size_t at) const { return percent_ <= at && begins_path(piece(at)); }
+
+private:
+    // Behind the beginning of the last one in the run, 0 when there is none.
+    std::size_t last_of(std::string_view sought) const
+    {
+        const std::size_t at = bytes_.substr(start_, stop_ - start_).rfind(sought);
+        return at == std::string_view::npos ? 0 : start_ + at + 1;
+    }
+
+    std::string_view bytes_;
+    std::size_t start_ = 0;
+    std::size_t end_ = 0;
+    std::size_t stop_ = 0; // the end without a full stop and the like
+    std::size_t scheme_ = 0, dot_ = 0, percent_ = 0;
+    std::size_t sign_ = 0; // no "@" lies between the position asked for last and here
+};
 
 // A number with its separators, in the digits of any script.
 number read_number(std::string_view bytes, std::size_t at)
@@ -107,17 +141,20 @@ std::size_t skip_conversion(std::string_view bytes, std::size_t at)
 links read_links(std::string_view bytes)
 {
     links found;
+    address_run run;
     char32_t before = ' ';
     for (std::size_t at = 0; at < bytes.size();) {
         std::size_t next = at;
         const char32_t c = next_char(bytes, next);
         const bool starts = !is_letter(before) && !is_digit(before);
         if (starts && is_address_byte(bytes[at])) {
-            const std::string_view piece = without_stop(read_piece(bytes, at));
-            std::vector<std::string> *kind = is_web(piece) || is_mail(piece) ? &found.addresses
-                                             : is_path(piece)                ? &found.paths
-                                                                             : nullptr;
+            if (!run.holds(at))
+                run = address_run(bytes, at);
+            std::vector<std::string> *kind = run.is_web(at) || run.is_mail(at) ? &found.addresses
+                                             : run.is_path(at)                 ? &found.paths
+                                                                               : nullptr;
             if (kind != nullptr) {
+                const std::string_view piece = run.piece(at);
                 kind->emplace_back(piece);
                 at += piece.size();
                 before = 'x';
@@ -162,8 +199,8 @@ bool differ(const std::vector<std::string> &own, const std::vector<std::string> 
     const auto added = lacking(own, reference);
     // A page of the language below the one that the reference names is as good.
     std::erase_if(gone, [&](const std::string &one) {
-        return std::any_of(added.begin(), added.end(),
-                           [&](const std::string &other) { return other.starts_with(one + "/"); });
+        const auto next = std::lower_bound(added.begin(), added.end(), one + "/");
+        return next != added.end() && next->starts_with(one + "/");
     });
     if (gone.empty())
         return false;
@@ -173,6 +210,14 @@ bool differ(const std::vector<std::string> &own, const std::vector<std::string> 
     else
         message.append(" is ").append(added.front());
     return true;
+}
+
+std::vector<std::string_view> names_of(const std::vector<number> &numbers)
+{
+    std::vector<std::string_view> out;
+    for (const number &one : numbers)
+        out.push_back(one.digits);
+    return out;
 }
 
 std::string all_digits(const std::vector<number> &numbers)
@@ -189,13 +234,19 @@ bool is_small(const std::string &digits)
     return digits.size() == 1 || digits == "10" || digits == "11" || digits == "12";
 }
 
-// The first number whose digits do not follow each other in the other text, however that groups
-// them; empty when there is none.
-std::string find_other(const std::vector<number> &numbers, const std::string &digits,
+// The first number whose digits do not follow each other in the others, however those are grouped;
+// empty when there is none. So many that are grouped in other ways are a table, which is not looked
+// through.
+std::string find_other(const std::vector<number> &numbers, const std::vector<number> &others,
                        bool with_small)
 {
+    constexpr int most_searches = 50;
+    const std::string digits = all_digits(others);
+    const name_set known(names_of(others));
+    int searches = 0;
     const auto is_there = [&](const std::string &one) {
-        return (!with_small && is_small(one)) || digits.find(one) != std::string::npos;
+        return (!with_small && is_small(one)) || known.has(one) || ++searches > most_searches ||
+               digits.find(one) != std::string::npos;
     };
     for (const number &one : numbers)
         if (!is_there(one.digits) &&
@@ -206,9 +257,8 @@ std::string find_other(const std::vector<number> &numbers, const std::string &di
 
 bool numbers_differ(const links &own, const links &reference, std::string &message)
 {
-    const std::string own_digits = all_digits(own.numbers);
-    const std::string added = find_other(own.numbers, all_digits(reference.numbers), true);
-    const std::string gone = find_other(reference.numbers, own_digits, !added.empty());
+    const std::string added = find_other(own.numbers, reference.numbers, true);
+    const std::string gone = find_other(reference.numbers, own.numbers, !added.empty());
     if (gone.empty())
         return false;
     message = "the number " + gone;

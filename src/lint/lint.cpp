@@ -19,9 +19,9 @@ struct said {
     std::size_t length;
 };
 
-std::vector<language> languages_of(const LangSource *source, const choice &wanted)
+language_list languages_of(const LangSource *source, const choice &wanted)
 {
-    std::vector<language> out;
+    language_list out;
     for (const lang_t *lang : each<lang_t>(source->langs)) {
         const char *name = lang->name == nullptr ? "" : lang->name;
         const bool is_wanted =
@@ -65,12 +65,13 @@ private:
     void judge_across(const item_case &at, across &others);
     void judge_group(const edit_t *group);
     bool is_silent(rule_id rule, const char *name) const;
+    void rank_records();
     std::size_t rank_of(const void *record) const;
     void tell(const listener &to);
 
     const LangSource *source_;
     choice wanted_;
-    std::vector<language> languages_;
+    language_list languages_;
     std::vector<const rule *> text_rules_;
     std::vector<const rule *> item_rules_;
 
@@ -83,6 +84,7 @@ private:
     text reference_;
     rule_set item_off_;
     std::vector<said> said_;
+    std::vector<std::pair<const void *, std::size_t>> ranks_; // of its records, by their addresses
     std::string messages_;
     std::string message_;
 };
@@ -94,7 +96,7 @@ void linter::work::take_entries(const item_t *item)
         one = {};
     std::size_t guess = 0;
     for (const lang_entry_t *entry : each<lang_entry_t>(item->langs)) {
-        const std::size_t i = find_language(languages_, entry->lang, guess);
+        const std::size_t i = languages_.find(entry->lang, guess);
         guess = i + 1;
         if (i == languages_.size())
             continue;
@@ -115,7 +117,7 @@ void linter::work::take_switches(const item_t *item)
             continue;
         if (same_language(comment->lang, source_->default_lang))
             item_off_ = off;
-        const std::size_t i = find_language(languages_, comment->lang, 0);
+        const std::size_t i = languages_.find(comment->lang, 0);
         if (i < slots_.size())
             slots_[i].off = off;
     }
@@ -159,24 +161,28 @@ bool linter::work::is_silent(rule_id rule, const char *name) const
 {
     if (name == nullptr)
         return item_off_.has(rule);
-    const std::size_t i = find_language(languages_, name, 0);
+    const std::size_t i = languages_.find(name, 0);
     if (i < languages_.size())
         return !languages_[i].wanted || slots_[i].off.has(rule);
     return !wanted_.languages.empty();
 }
 
+void linter::work::rank_records()
+{
+    ranks_.clear();
+    if (item_ == nullptr)
+        return;
+    for (GList *list : {item_->langs, item_->comments})
+        for (const lang_entry_t *entry : each<lang_entry_t>(list))
+            ranks_.emplace_back(entry, ranks_.size() + 1);
+    std::sort(ranks_.begin(), ranks_.end());
+}
+
 std::size_t linter::work::rank_of(const void *record) const
 {
-    std::size_t rank = 0;
-    if (item_ == nullptr || record == item_)
-        return rank;
-    for (GList *list : {item_->langs, item_->comments})
-        for (const lang_entry_t *entry : each<lang_entry_t>(list)) {
-            ++rank;
-            if (entry == record)
-                return rank;
-        }
-    return 0;
+    const auto found =
+        std::lower_bound(ranks_.begin(), ranks_.end(), std::pair(record, std::size_t{0}));
+    return found == ranks_.end() || found->first != record ? 0 : found->second;
 }
 
 void linter::work::say(rule_id rule, const char *name, const void *record, std::string_view message)
@@ -191,6 +197,8 @@ void linter::work::tell(const listener &to)
         return;
     std::erase_if(said_,
                   [this](const said &one) { return is_silent(one.what.rule, one.what.language); });
+    if (!said_.empty())
+        rank_records();
     for (said &one : said_)
         one.rank = rank_of(one.what.record);
     std::stable_sort(said_.begin(), said_.end(), [](const said &a, const said &b) {
@@ -242,7 +250,7 @@ void linter::work::check(const listener &to, const std::function<void(const item
     if (wanted_.rules.has(rule_id::duplicate))
         across::judge_languages(source_, *this);
     tell(to);
-    across others(languages_);
+    across others(languages_.all());
     for (const edit_t *group : each<edit_t>(source_->groups)) {
         others.begin_group(group);
         for (const item_t *item : each<item_t>(group->items)) {

@@ -1,5 +1,6 @@
 #include "lint/markup.h"
 
+#include "lint/name-set.h"
 #include "lint/rule-list.h"
 
 #include <algorithm>
@@ -78,20 +79,24 @@ std::vector<tag> read_tags(std::string_view text)
     return out;
 }
 
-bool is_closed(const std::vector<tag> &tags, std::string_view name)
+name_set closed_names(const std::vector<tag> &tags)
 {
-    return std::any_of(tags.begin(), tags.end(), [&](const tag &one) {
-        return one.kind == tag_kind::close && one.name == name;
-    });
+    std::vector<std::string_view> names;
+    for (const tag &one : tags)
+        if (one.kind == tag_kind::close)
+            names.push_back(one.name);
+    return name_set(std::move(names));
 }
 
 // Leaves the tags of the text, and no words between angle brackets.
 void drop_words(std::vector<tag> &tags, const std::vector<tag> &reference)
 {
+    const name_set closed = closed_names(tags);
+    const name_set closed_there = closed_names(reference);
     for (tag &one : tags)
         one.counts = one.kind == tag_kind::whole || is_in(known_tags, one.name) ||
-                     is_in(open_tags, one.name) || is_closed(tags, one.name) ||
-                     is_closed(reference, one.name);
+                     is_in(open_tags, one.name) || closed.has(one.name) ||
+                     closed_there.has(one.name);
     std::erase_if(tags, [](const tag &one) { return !one.counts; });
 }
 

@@ -18,8 +18,8 @@ bool is_letter_behind(std::string_view text, std::size_t &at)
     return at < text.size() && is_letter(next_char(text, at));
 }
 
-// Inside a long word of a sentence. "Re_center" and "Brows_e" are marks.
-bool is_in_name(std::string_view text, std::size_t underscore)
+// Inside a long word; of a sentence, such a one is a name. "Re_center" and "Brows_e" are marks.
+bool is_in_long_word(std::string_view text, std::size_t underscore)
 {
     constexpr int letters = 3; // on both sides
     std::size_t before = underscore;
@@ -27,7 +27,7 @@ bool is_in_name(std::string_view text, std::size_t underscore)
     for (int i = 0; i < letters; ++i)
         if (!is_letter_before(text, before) || !is_letter_behind(text, behind))
             return false;
-    return std::count(text.begin(), text.end(), ' ') >= 3;
+    return true;
 }
 
 } // namespace
@@ -35,8 +35,9 @@ bool is_in_name(std::string_view text, std::size_t underscore)
 mnemonics read_mnemonics(std::string_view text)
 {
     mnemonics found;
+    const bool sentence = std::count(text.begin(), text.end(), ' ') >= 3;
     for (std::size_t at = text.find('_'); at != std::string_view::npos; at = text.find('_', at)) {
-        const bool name = is_in_name(text, at);
+        const bool name = sentence && is_in_long_word(text, at);
         if (++at == text.size())
             break;
         const bool pair = text[at] == '_';

@@ -60,16 +60,26 @@ bool has_plural_forms(std::string_view text)
     for (; sign != text.npos; sign = text.find(plural_sign, sign + 1))
         if (!stands_alone(text, sign))
             return false;
-    const std::size_t count = count_text_forms(text);
-    const percents last = read_percents(text_form(text, count - 1));
+    const percents last = read_percents(text.substr(text.rfind(plural_sign) + 1));
     if (!last.is_format() || !takes_a_number(last))
         return false;
-    for (std::size_t i = 0; i + 1 < count; ++i) {
-        const percents form = read_percents(text_form(text, i));
-        if (!form.arguments.empty() && form.arguments != last.arguments)
-            return false;
+    const std::vector<std::string_view> forms = read_forms(text);
+    return std::all_of(forms.begin(), forms.end(), [&](std::string_view one) {
+        const percents form = read_percents(one);
+        return form.arguments.empty() || form.arguments == last.arguments;
+    });
+}
+
+std::vector<std::string_view> read_forms(std::string_view text)
+{
+    std::vector<std::string_view> forms;
+    for (;;) {
+        const std::size_t sign = text.find(plural_sign);
+        forms.push_back(text.substr(0, sign));
+        if (sign == text.npos)
+            return forms;
+        text.remove_prefix(sign + 1);
     }
-    return true;
 }
 
 void judge_plural(const item_case &at)

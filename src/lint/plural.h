@@ -4,6 +4,7 @@
 // them.
 
 #include <string_view>
+#include <vector>
 
 namespace zel::lint {
 
@@ -11,5 +12,8 @@ namespace zel::lint {
 // a whole number in the last form, and in each other form the same conversions or none. So a menu
 // path, "File|Open", and a row of a table, "%s | %d", are none.
 bool has_plural_forms(std::string_view text);
+
+// The forms of a text, at least one.
+std::vector<std::string_view> read_forms(std::string_view text);
 
 } // namespace zel::lint

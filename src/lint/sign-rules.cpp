@@ -133,9 +133,9 @@ struct text_end {
 
 bool is_statement(sign means) { return means == sign::period || means == sign::exclamation; }
 
-text_end end_of(std::string_view bytes)
+// Of a text without a tail, which ends with no bracket.
+text_end end_of_sentence(std::string_view bytes)
 {
-    bytes = without_tail(bytes);
     if (bytes.empty())
         return {sign::none, 0};
     std::size_t at = bytes.size();
@@ -144,12 +144,6 @@ text_end end_of(std::string_view bytes)
     const bool dots = bytes.ends_with("...") || bytes.ends_with("..") || bytes.ends_with("。。");
     if (dots)
         means = sign::ellipsis;
-    // A whole sentence may stand in brackets.
-    if ((last == ')' || last == U'）') && at > 0) {
-        const text_end inside = end_of(bytes.substr(0, at));
-        return is_statement(inside.means) || is_wide(inside.before) ? inside
-                                                                    : text_end{means, last};
-    }
     if (means == sign::none)
         return {means, last};
     while (at > 0) {
@@ -158,6 +152,25 @@ text_end end_of(std::string_view bytes)
             return {means, c};
     }
     return {means, 0};
+}
+
+// A whole sentence may stand in brackets, of which there may be any number.
+text_end end_of(std::string_view bytes)
+{
+    text_end bracket{sign::none, 0}; // the outermost one, or the innermost wide one
+    for (;;) {
+        bytes = without_tail(bytes);
+        std::size_t at = bytes.size();
+        const char32_t last = bytes.empty() ? 0 : last_char(bytes, at);
+        if ((last != ')' && last != U'）') || at == 0)
+            break;
+        if (bracket.before == 0 || is_wide(last))
+            bracket.before = last;
+        bytes = bytes.substr(0, at);
+    }
+    const text_end inside = end_of_sentence(bytes);
+    const bool counts = bracket.before == 0 || is_statement(inside.means) || is_wide(inside.before);
+    return counts ? inside : bracket;
 }
 
 bool is_greek(char32_t c) { return (c >= 0x370 && c < 0x400) || (c >= 0x1F00 && c < 0x2000); }

@@ -7,7 +7,7 @@ void judge_undefined(const item_case &at)
 {
     std::size_t guess = 0;
     for (const lang_entry_t *entry : each<lang_entry_t>(at.item->langs)) {
-        const std::size_t found = find_language(at.languages, entry->lang, guess);
+        const std::size_t found = at.languages.find(entry->lang, guess);
         guess = found + 1;
         if (found == at.languages.size())
             at.found.say(rule_id::undefined, entry->lang, entry,

@@ -39,12 +39,13 @@ void take_stamps(zel::file_state &state, const struct stat &status)
     state.size = status.st_size;
     state.seconds = status.st_mtim.tv_sec;
     state.nanoseconds = status.st_mtim.tv_nsec;
+    state.number = status.st_ino;
 }
 
 bool same_stamps(const zel::file_state &state, const struct stat &status)
 {
     return state.size == status.st_size && state.seconds == status.st_mtim.tv_sec &&
-           state.nanoseconds == status.st_mtim.tv_nsec;
+           state.nanoseconds == status.st_mtim.tv_nsec && state.number == status.st_ino;
 }
 
 } // namespace

@@ -12,7 +12,8 @@ struct file_state {
     std::int64_t size = 0;
     std::int64_t seconds = 0; // of its last change, since the epoch
     std::int64_t nanoseconds = 0;
-    std::string hash; // of its bytes, in hexadecimal digits
+    std::uint64_t number = 0; // of the file itself; 0 where that is not known
+    std::string hash;         // of its bytes, in hexadecimal digits
 
     // The same text; a new time alone is no other text.
     bool same_text(const file_state &other) const

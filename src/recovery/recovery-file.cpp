@@ -39,10 +39,11 @@ std::string source_line(const std::string &absolute)
 
 std::string head_of(const std::string &absolute, const zel::file_state &loaded, std::int64_t now)
 {
+    const char *hash = loaded.hash.empty() ? "0" : loaded.hash.c_str(); // no text is known
     std::string head = first_line + source_line(absolute);
     zel::append_format(head, "size    %lld\ntime    %lld.%09lld\nhash    %s\nwritten %lld\n*/\n",
                        static_cast<long long>(loaded.size), static_cast<long long>(loaded.seconds),
-                       static_cast<long long>(loaded.nanoseconds), loaded.hash.c_str(),
+                       static_cast<long long>(loaded.nanoseconds), hash,
                        static_cast<long long>(now));
     return head;
 }
@@ -74,7 +75,7 @@ bool read_head(const std::string &absolute, zel::recovery_file &file)
                     "size %lld time %lld.%9lld hash %64[0-9a-f] written %lld", &size, &seconds,
                     &nanoseconds, hash.data(), &written) != 5)
         return false;
-    file.source = {true, size, seconds, nanoseconds, hash.data()};
+    file.source = {true, size, seconds, nanoseconds, 0, hash.data()};
     file.written = written;
     return true;
 }

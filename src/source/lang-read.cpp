@@ -564,6 +564,13 @@ void log_failure(int number, int line, const char *path)
         log_exit(line);
 }
 
+zel_lex_buf_t *open_input(const char *path, std::string_view text)
+{
+    return text.data() == nullptr
+               ? zel_lex_buf_file_new(path)
+               : zel_lex_buf_mem_new(text.data(), static_cast<std::uint32_t>(text.size()));
+}
+
 // Why a file that could not be opened could not be.
 read_cause why_not_opened(const char *path)
 {
@@ -612,7 +619,7 @@ read_answer read_source(const char *path, const read_how &how)
     const char *shown = path == nullptr ? "" : path;
     statement_reader reader({lex.get(), shown, how}, source.get());
     const unsigned failed_before = failed_copies();
-    zel_lex_buf_guard buf(zel_lex_buf_file_new(path));
+    zel_lex_buf_guard buf(open_input(path, how.text));
     outcome result = outcome::give_up;
     read_cause cause = read_cause::syntax;
     int number = 0; // of the message about the file itself
@@ -621,7 +628,7 @@ read_answer read_source(const char *path, const read_how &how)
         error = errno;
         cause = why_not_opened(shown);
         number = read_not_opened;
-    } else if (buf->stream == nullptr) {
+    } else if (buf->kind == ZEL_LEX_BUF_FILE && buf->stream == nullptr) {
         cause = read_cause::absent;
         number = read_no_path;
     } else {
@@ -642,7 +649,8 @@ read_answer read_source(const char *path, const read_how &how)
         }
     }
     if (result == outcome::go_on) {
-        if (lacks_last_line(fileno(buf->stream)) || zel_lex_open_comment(lex.get()) != 0)
+        if ((buf->stream != nullptr && lacks_last_line(fileno(buf->stream))) ||
+            zel_lex_open_comment(lex.get()) != 0)
             reader.fail(read_maybe_cut, {0, 0});
         LogPrint(1, "lang_read_file: exit\n");
         return {std::move(source), read_result::good, read_cause::none};

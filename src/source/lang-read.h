@@ -16,6 +16,7 @@
 // Keywords in any case; /* */ and // comments.
 
 #include <cstdint>
+#include <string_view>
 
 #include "lex/lex.h"
 #include "source/model.h"
@@ -48,6 +49,7 @@ struct read_how {
     std::int64_t now = 0;             // the creation time of items that have none in the file
     read_listener listener = nullptr; // hears every message; none: they are lost
     source_places *places = nullptr;  // filled when given
+    std::string_view text = {};       // read in place of the file, unless its data is null
 };
 
 // Reads a file into a new source. Logs, prints nothing, never ends the process.

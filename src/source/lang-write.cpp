@@ -85,6 +85,8 @@ zel::write_answer replace(zel::safe_file &file, const char *path, const zel::wri
         file.keep();
         return {say_not_renamed(to, path, error), {}};
     }
+    if (how.may_replace && !how.may_replace())
+        return {2, {}};
     zel::backup_file kept;
     if (how.backup)
         kept = zel::make_backup(old, how.now);
@@ -96,7 +98,7 @@ zel::write_answer replace(zel::safe_file &file, const char *path, const zel::wri
         file.keep();
         return {say_not_renamed(to, path, error), {}};
     }
-    return {0, std::move(kept.path)};
+    return {0, std::move(kept.path), file.id()};
 }
 
 } // namespace

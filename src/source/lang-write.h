@@ -4,9 +4,11 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <string>
 
 #include "source/model.h"
+#include "support/file-call.h"
 
 namespace zel {
 
@@ -21,11 +23,16 @@ struct write_how {
     bool keep_mtime = false;    // the source has its own
     const char *name = nullptr; // in the file's last line, where that is not the path
     bool backup = true;         // the old file is kept
+
+    // Asked once the new text is whole and no other program that writes a source from this folder
+    // can come between: false where the old file is not the one that the source was made from.
+    std::function<bool()> may_replace = nullptr;
 };
 
 struct write_answer {
-    int code = 0;       // as lang_write_file returns it
+    int code = 0;       // 0: success, else as below
     std::string backup; // what the old file is called now; empty when there was none
+    file_id file{};     // what was put in its place
 };
 
 // Replaces the file at the path, or the one that its links lead to, by the source. With only_used,
@@ -37,8 +44,9 @@ struct write_answer {
 // Codes, each but 0 with a message: 0 success (also for a null source); 1 the old file cannot be
 // kept under its dated name or is no regular file, or lang.tmp cannot take its place (it stays
 // then); -1 lang.tmp cannot be made, is held by another program for some seconds, or there is no
-// room for the text. Unless the code is 0 the old file is where it was. Standard error tells of a
-// path that is no regular file, and of further names (hard links) that keep the old text.
+// room for the text. 2, without a message: may_replace has said no. Unless the code is 0 the old
+// file is where it was. Standard error tells of a path that is no regular file, and of further
+// names (hard links) that keep the old text.
 write_answer write_source(const char *path, LangSource *source, const write_how &how);
 
 } // namespace zel

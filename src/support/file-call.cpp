@@ -43,6 +43,20 @@ int _zel_unlink(const char *file, int line, const char *path)
 
 namespace zel {
 
+file_stamp stamp_of(const char *path)
+{
+    struct stat status {};
+    if (stat(path, &status) != 0)
+        return {errno == ENOENT, {}, 0, 0, 0};
+    return {true, id_of(status), status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
+}
+
+bool has_changed(const char *path, const file_stamp &before)
+{
+    const file_stamp now = stamp_of(path);
+    return before.is_known && now.is_known && now.id != file_id{} && now != before;
+}
+
 bool is_named(const char *path, const file_id &id)
 {
     struct stat status {};

@@ -34,6 +34,20 @@ struct file_id {
 };
 inline file_id id_of(const struct stat &status) { return {status.st_dev, status.st_ino}; }
 
+// What tells one text of a file from another without reading it.
+struct file_stamp {
+    bool is_known; // false where it could not be found out; all zero where there is no file
+    file_id id;
+    off_t size;
+    time_t seconds; // of its last change
+    long nanoseconds;
+    bool operator==(const file_stamp &) const = default;
+};
+file_stamp stamp_of(const char *path); // of the file that the path leads to
+
+// Whether another text has come to the path since; not where that cannot be found out.
+bool has_changed(const char *path, const file_stamp &before);
+
 // Whether the path, not what it links to, names that file.
 bool is_named(const char *path, const file_id &id);
 

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdio>
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/file.h>
 #include <sys/random.h>
 #include <unistd.h>
@@ -110,6 +111,20 @@ int create_locked(const char *path, mode_t mode)
     }
 }
 
+// Whether the open file stood at the place until another one took it: the system still knows by
+// which name it was reached last.
+bool was_at(int fd, const char *place)
+{
+    std::error_code error;
+    const std::filesystem::path path(place);
+    const auto folder = std::filesystem::canonical(
+        path.has_parent_path() ? path.parent_path() : std::filesystem::path("."), error);
+    if (error)
+        return false;
+    const auto name = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(fd), error);
+    return !error && name.native() == (folder / path.filename()).native() + " (deleted)";
+}
+
 // A name in the folder of the path. It need not be secret, as an exclusive creation follows it.
 std::string name_beside(const std::string &path)
 {
@@ -164,6 +179,7 @@ int safe_file::create_beside(const target_file &old)
         path = name_beside(old.path);
         fd = open_fresh(path.c_str(), mode_at_first(old));
     }
+    is_own_name_ = true;
     return take(fd, std::move(path), old);
 }
 
@@ -261,8 +277,9 @@ int safe_file::rename_to(const char *place)
         const int error = errno;
         return is_lost(path_.c_str(), id_) ? ESTALE : error;
     }
-    // Between the look and the renaming another file may have got the name.
-    return is_lost(place, id_) ? ESTALE : 0;
+    // Between the look and the renaming another file may have got a name that others use; and
+    // between the renaming and now another save may have followed this one.
+    return is_own_name_ || !is_lost(place, id_) || was_at(fd_, place) ? 0 : ESTALE;
 }
 
 int safe_file::put(const target_file &old)
@@ -284,8 +301,11 @@ int safe_file::put(const target_file &old)
             return error;
     }
     const int error = near_->put(old);
-    if (error == 0)
+    if (error == 0) {
+        const file_id id = near_->id_;
         drop();
+        id_ = id;
+    }
     return error;
 }
 

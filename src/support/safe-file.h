@@ -50,6 +50,9 @@ public:
     // Puts the finished text in its place: this file, whatever its name stands for by now.
     int put(const target_file &old);
 
+    // The file that was put in its place.
+    const file_id &id() const { return id_; }
+
     // Leaves the file where it is, under its first name.
     void keep();
 
@@ -65,6 +68,7 @@ private:
     int fd_ = -1;
     file_id id_{};
     int error_ = 0;
+    bool is_own_name_ = false; // nobody else uses it
     synced how_ = synced::yes;
     std::unique_ptr<safe_file> near_; // the copy on the place's file system
 };

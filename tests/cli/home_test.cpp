@@ -7,6 +7,8 @@
 #include <string>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <unistd.h>
+#include <utility>
 
 #include "working-dir.h"
 
@@ -62,6 +64,38 @@ TEST_F(Home, WhateverItIsCommandsWork)
         EXPECT_EQ(zel_test::read_file("file"), "precious");
         EXPECT_FALSE(fs::exists("nowhere"));
     }
+}
+
+// As somebody whom the modes of files bind.
+TEST_F(Home, WhereNothingMayBeWrittenCommandsWork)
+{
+    const bool is_root = getuid() == 0;
+    const std::string anybody =
+        is_root ? "setpriv --reuid=65534 --regid=65534 --clear-groups " : "";
+    fs::permissions(".", fs::perms::all);
+    for (const char *home : {"sealed", "unreadable", "inside-sealed/Morvalix 6.00"})
+        fs::create_directories(home);
+    for (const auto &[folder, mode] : {std::pair{"sealed", 0500}, std::pair{"unreadable", 0},
+                                       std::pair{"inside-sealed/Morvalix 6.00", 0500}}) {
+        ASSERT_TRUE(!is_root || chown(folder, 65534, 65534) == 0);
+        fs::permissions(folder, fs::perms(mode));
+    }
+    for (const char *home : {"sealed", "unreadable", "inside-sealed"}) {
+        SCOPED_TRACE(home);
+        const std::size_t before = is_root ? count_paths() : 0;
+        const std::string command = "HOME=\"$PWD/" + std::string(home) + "\" timeout 20 " +
+                                    anybody +
+                                    "'" LANG_PROGRAM "' convert app.lang-src new >/dev/null 2>err";
+        const int status = std::system(command.c_str());
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+        EXPECT_EQ(zel_test::read_file("err"), "");
+        EXPECT_TRUE(zel_test::read_file("new").ends_with("/* EOF new */\n"));
+        fs::remove("new");
+        fs::remove("err");
+        EXPECT_EQ(is_root ? count_paths() : 0, before);
+    }
+    for (const char *home : {"sealed", "unreadable", "inside-sealed/Morvalix 6.00"})
+        fs::permissions(home, fs::perms::all); // so that they can be removed
 }
 
 } // namespace

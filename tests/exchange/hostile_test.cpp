@@ -27,6 +27,15 @@ fault fault_of(const std::string &format, const std::string &bytes)
     return wrong;
 }
 
+// In UTF-16.
+std::string wide(std::string_view text)
+{
+    std::string out;
+    for (const char c : text)
+        out.append(1, c).append(1, '\0');
+    return out;
+}
+
 TEST(Hostile, FaultsNameTheirLineAndCause)
 {
     const std::string po = po_head;
@@ -62,6 +71,9 @@ TEST(Hostile, FaultsNameTheirLineAndCause)
          "a document type"},
         {"xliff", "<?xml version=\"1.0\"?><!-- > --> <!DOCTYPE x SYSTEM \"/etc/passwd\"><x/>", 1,
          "a document type"},
+        {"xliff", "\xFF\xFE" + wide("<!DOCTYPE x [<!ENTITY a \"b\">]><x>&a;</x>"), 1,
+         "a byte that is no UTF-8"}, // a document type in another encoding
+        {"xliff", wide("<!DOCTYPE x SYSTEM \"/etc/passwd\"><x/>"), 1, ""},
         {"xliff", open + "<target>&a;</target>" + xliff_tail, 2, "a"},
         {"xliff", open + "<target>\n<x id=\"1\"/></target>" + xliff_tail, 3, "a placeholder"},
         {"xliff", open + "<target>a", 2, "a"},

@@ -5,9 +5,11 @@
 #include <csignal>
 #include <cstddef>
 #include <cstring>
+#include <ctime>
 #include <fcntl.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
+#include <sys/file.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -56,6 +58,7 @@ constexpr long of_attributes[] = {SYS_fchmod,     SYS_fchown,    SYS_flistxattr,
                                   SYS_fsetxattr,  SYS_listxattr, SYS_getxattr};
 constexpr long of_truncate[] = {SYS_ftruncate, SYS_truncate};
 constexpr long of_path[] = {SYS_readlink, SYS_readlinkat, SYS_getcwd};
+constexpr long of_sleep[] = {SYS_clock_nanosleep, SYS_nanosleep};
 #else
 constexpr long of_open[] = {-1};
 constexpr auto &of_read = of_open, &of_write = of_open, &of_sync = of_open, &of_close = of_open,
@@ -296,6 +299,55 @@ long run_recorded(const call &made)
     return result;
 }
 
+// ---- One after the other
+
+int turn_numbers = -1; // none: the process runs as it likes
+int turn_pauses = -1;
+std::uint32_t turn_left = 0;
+shared_clock *turn_clock = nullptr;
+
+void wait_for_turn()
+{
+    while (turn_left == 0) {
+        const char pause = '.';
+        raw(SYS_write, turn_pauses, reinterpret_cast<long>(&pause), 1);
+        if (raw(SYS_read, turn_numbers, reinterpret_cast<long>(&turn_left), sizeof turn_left) !=
+            sizeof turn_left)
+            raw(SYS_exit_group, 99);
+    }
+    --turn_left;
+}
+
+void sleep_for(std::int64_t nanoseconds)
+{
+    turn_clock->real += nanoseconds;
+    turn_clock->steady += nanoseconds;
+    turn_left = 0;
+}
+
+long run_in_turn(call made)
+{
+    constexpr std::int64_t moment = 1000 * 1000;
+    constexpr std::int64_t second = 1000 * moment;
+    wait_for_turn();
+    if (made.number == SYS_clock_nanosleep || made.number == SYS_nanosleep) {
+        const auto *time = reinterpret_cast<const timespec *>(
+            made.arguments[made.number == SYS_nanosleep ? 0 : 2]);
+        sleep_for(time->tv_sec * second + time->tv_nsec);
+        return 0;
+    }
+    const bool waits = made.number == SYS_flock && (made.arguments[1] & LOCK_NB) == 0;
+    if (waits)
+        made.arguments[1] |= LOCK_NB; // who holds it could not let it go
+    long result = made.run();
+    while (waits && result == -EWOULDBLOCK) {
+        sleep_for(moment);
+        wait_for_turn();
+        result = made.run();
+    }
+    return result;
+}
+
 // ---- The system's part
 
 void handle_call(int, siginfo_t *info, void *context)
@@ -305,13 +357,14 @@ void handle_call(int, siginfo_t *info, void *context)
                        {registers[REG_RDI], registers[REG_RSI], registers[REG_RDX],
                         registers[REG_R10], registers[REG_R8], registers[REG_R9]}};
     const int before = errno;
-    registers[REG_RAX] = must_fail(made)  ? fail(made)
-                         : record_fd >= 0 ? run_recorded(made)
-                                          : made.run();
+    registers[REG_RAX] = must_fail(made)     ? fail(made)
+                         : record_fd >= 0    ? run_recorded(made)
+                         : turn_numbers >= 0 ? run_in_turn(made)
+                                             : made.run();
     errno = before;
 }
 
-bool look_at_calls()
+bool look_at_calls(bool sleeps_too = false)
 {
     struct sigaction action {};
     action.sa_sigaction = handle_call;
@@ -331,12 +384,17 @@ bool look_at_calls()
         BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
         BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
     };
-    for (const call_row &row : rows)
-        for (const long number : row.numbers) {
+    const auto look_at = [&filter](std::span<const long> numbers) {
+        for (const long number : numbers) {
             filter.push_back(
                 BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, static_cast<std::uint32_t>(number), 0, 1));
             filter.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_TRAP));
         }
+    };
+    for (const call_row &row : rows)
+        look_at(row.numbers);
+    if (sleeps_too)
+        look_at(of_sleep);
     filter.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW));
     const sock_fprog program = {static_cast<unsigned short>(filter.size()), filter.data()};
     return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
@@ -369,12 +427,20 @@ void stop_failing() { wanted.row = nullptr; }
 
 void record_system_calls(int fd) { record_fd = look_at_calls() ? fd : -1; }
 
+void take_turns(int numbers, int pauses, shared_clock *clock)
+{
+    turn_clock = clock;
+    turn_pauses = pauses;
+    turn_numbers = look_at_calls(true) ? numbers : -1;
+}
+
 #else
 
 bool system_calls_can_fail() { return false; }
 void fail_system_calls(const call_fault &, call_report *) {}
 void stop_failing() {}
 void record_system_calls(int) {}
+void take_turns(int, int, shared_clock *) {}
 
 #endif
 

@@ -57,4 +57,16 @@ struct call_record {
 };
 void record_system_calls(int fd);
 
+// A clock that only moves when it is looked at or slept by, for all processes that map it.
+struct shared_clock {
+    std::int64_t real; // nanoseconds since the epoch
+    std::int64_t steady;
+};
+
+// From now on the process runs by turns: it reads the number of calls that it may make from the one
+// descriptor, and having made them it writes a byte to the other and waits for the next number.
+// Whoever gives one turn at a time decides in which order things happen. A sleep, and the wait for
+// a lock, ends the turn and moves the clock.
+void take_turns(int numbers, int pauses, shared_clock *clock);
+
 } // namespace zel_test

@@ -11,6 +11,7 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <unistd.h>
 
 using namespace gui;
 using testing::HasSubstr;
@@ -64,6 +65,11 @@ protected:
         choose_entry("Load");
         EXPECT_EQ(answers_left(), 0U);
         return seen;
+    }
+
+    static bool says_that_nothing_is_kept(const char *why = "")
+    {
+        return status() == std::string("No recovery file can be written, save often") + why;
     }
 
     static void come_back()
@@ -167,11 +173,26 @@ TEST_F(RecoveryWindow, AHomeThatCannotBeWrittenHurtsNothing)
     write_file(home, "a file in its place");
     run_editor(source(), [&] {
         translate(panel()->trans2_view, "auf");
-        settle(100);
+        EXPECT_TRUE(wait_for([] { return says_that_nothing_is_kept(); }));
         box_of([] { choose_entry("Save"); });
     });
     fs::remove(home);
     EXPECT_THAT(texts_of(source()), HasSubstr("menu:Open german=auf|\n"));
+}
+
+TEST_F(RecoveryWindow, AFolderThatMayNotBeWrittenIsTold)
+{
+    const bool is_root = geteuid() == 0; // whom no mode stops
+    run_editor(source(), [&] {
+        fs::permissions(zel::recovery_folder(), fs::perms(0500));
+        ASSERT_TRUE(!is_root || seteuid(65534) == 0);
+        translate(panel()->trans2_view, "auf");
+        EXPECT_TRUE(wait_for([] { return says_that_nothing_is_kept(": Permission denied"); }));
+        ASSERT_TRUE(!is_root || seteuid(0) == 0);
+        fs::permissions(zel::recovery_folder(), fs::perms(0700));
+        type_and_wait("aufs"); // as soon as it can be
+        EXPECT_EQ(files().size(), 1U);
+    });
 }
 
 TEST_F(RecoveryWindow, AnotherProgramsTextIsNotWrittenOverUnasked)
@@ -196,6 +217,15 @@ TEST_F(RecoveryWindow, AnotherProgramsTextIsNotWrittenOverUnasked)
         choose_entry("Save");
         EXPECT_EQ(read_file(source()), theirs);
         EXPECT_THAT(texts_of("mine.lang-src"), HasSubstr("menu:Open german=auf|\n"));
+
+        // They save once more while the question is there: yes was about the text before.
+        answer_next([&](GtkWidget *dialog) {
+            write_file(source(), theirs + "/* again */\n");
+            respond(GTK_RESPONSE_YES)(dialog);
+        });
+        answer_next(respond(GTK_RESPONSE_NO));
+        choose_entry("Save");
+        EXPECT_EQ(read_file(source()), theirs + "/* again */\n");
 
         answer_next(respond(GTK_RESPONSE_YES));
         box_of([] { choose_entry("Save"); });

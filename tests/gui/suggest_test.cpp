@@ -4,6 +4,8 @@
 
 #include <gdk/gdkkeysyms.h>
 
+#include <filesystem>
+
 using namespace gui;
 
 namespace {
@@ -108,5 +110,63 @@ TEST_F(Suggest, TheOtherLanguagesTextAndItsPartsAreCopied)
     run_editor("", [&] {
         for (const guint pressed : {GDK_KEY_b, GDK_KEY_1, GDK_KEY_space})
             key(mainWin, pressed, GDK_CONTROL_MASK);
+    });
+}
+
+namespace {
+
+class SuggestNeighbour : public Suggest {
+protected:
+    SuggestNeighbour()
+    {
+        write_file(path("other.lang-src"),
+                   "GROUP \"tools\" {\n"
+                   "  ITEM \"1\" { USED YES LANG \"english\" { \"Save\" }"
+                   " LANG \"german\" { \"Sichern\" } }\n"
+                   "  ITEM \"2\" { USED YES LANG \"english\" { \"Zoom\" }"
+                   " LANG \"german\" { \"Gr\xc3\xb6\xc3\x9f"
+                   "er\" } }\n"
+                   "  ITEM \"3\" { USED YES LANG \"english\" { \"Save all files\" }"
+                   " LANG \"german\" { \"Andere\" } }\n"
+                   "}\n");
+    }
+    static constexpr const char *found = "Gr\xc3\xb6\xc3\x9f"
+                                         "er (tools, other.lang-src)";
+};
+
+} // namespace
+
+TEST_F(SuggestNeighbour, HelpsWhereTheSourceHasNothingAsGood)
+{
+    const std::string printed = run_editor(source(), [&] {
+        go_to(4);
+        EXPECT_TRUE(wait_for([] { return suggestion() == found; })) << suggestion();
+        EXPECT_EQ(lang_global.modified, 0);
+        const LangSource *shown = def_group;
+        EXPECT_EQ(g_list_length(shown->groups), 2U);
+        EXPECT_EQ(std::string(lang_global.src_dir), folder);
+        key(mainWin, GDK_KEY_space, GDK_CONTROL_MASK);
+        EXPECT_EQ(german(), "Gr\xc3\xb6\xc3\x9f"
+                            "er");
+        go_to(2);
+        EXPECT_EQ(suggestion(), "Speichern (file-action)") << "the source's own comes first";
+        edit_ctrl.next(editWin);
+        EXPECT_EQ(suggestion(), "Alle sichern (file-action) ~ Save all files");
+    });
+    EXPECT_EQ(printed.find("other"), std::string::npos) << printed;
+    EXPECT_FALSE(std::filesystem::exists(path("other.lang-src.lock")));
+}
+
+TEST_F(SuggestNeighbour, IsReadWhenNobodyTypes)
+{
+    run_editor(source(), [&] {
+        go_to(4);
+        zel::text_focus_field(panel(), TEXT_TRANS2);
+        for (int pressed = 0; pressed < 10; ++pressed) {
+            key(mainWin, GDK_KEY_Left);
+            settle(100);
+            EXPECT_EQ(suggestion(), "");
+        }
+        EXPECT_TRUE(wait_for([] { return suggestion() == found; })) << suggestion();
     });
 }

@@ -13,6 +13,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <unistd.h>
 
 using namespace zel;
 using testing::EndsWith;
@@ -125,7 +126,9 @@ TEST_F(Recovery, BelongsToOneSource)
         const std::string other = dir / name;
         recovery_writer writer;
         const std::string path = recovery_path(folder, other, 1);
-        writer.begin(path, other, state_of(source.c_str()), 1, state.get(), nullptr);
+        // Also where it is not known what the source held.
+        writer.begin(path, other, name[0] == 'a' ? state_of(source.c_str()) : file_state(), 1,
+                     state.get(), nullptr);
         ASSERT_EQ(writer.finish(), 0) << name;
         EXPECT_EQ(find_recovery_files(folder, other).size(), 1U) << name;
         EXPECT_TRUE(read_source(path.c_str(), {}).source) << name;
@@ -144,6 +147,20 @@ TEST_F(Recovery, ThatIsCutOrOfSomethingElseIsNotOffered)
     }
     zel_test::write_file(path, whole);
     EXPECT_EQ(find_recovery_files(folder, source).size(), 1U);
+}
+
+TEST_F(Recovery, AHomeThatMayNotBeWrittenHasNone)
+{
+    const bool is_root = geteuid() == 0; // whom no mode stops
+    const std::string home = dir / "sealed";
+    fs::permissions(dir.path(), fs::perms(0755));
+    fs::create_directory(home);
+    fs::permissions(home, fs::perms(0500));
+    ASSERT_TRUE(!is_root || (chown(home.c_str(), 65534, 65534) == 0 && seteuid(65534) == 0));
+    set_home(home);
+    EXPECT_EQ(recovery_folder(), "");
+    EXPECT_TRUE(fs::is_empty(home));
+    ASSERT_TRUE(!is_root || seteuid(0) == 0);
 }
 
 TEST_F(Recovery, NoKeepsItOnceAndThenItGoes)

@@ -389,4 +389,33 @@ TEST_F(SaveFaults, WhatIsPutInPlaceIsTheFileThatWasWritten)
     }
 }
 
+// Another program, which held the lock next, has saved before this one has looked whether its text
+// is in place: it is the later one.
+TEST_F(SaveFaults, ASaveThatFollowsAtOnceStays)
+{
+    const std::string later = "/* saved by another program */\n";
+    const auto follow = [&] {
+        write_file("other.tmp", later);
+        fs::rename("other.tmp", "app.lang-src");
+    };
+    bool has_followed = false;
+    for (int look = 1; !has_followed; ++look) {
+        clear(".");
+        write_file("app.lang-src", old_text);
+        const auto follow_once_saved = [&] {
+            has_followed = read_file("app.lang-src") != old_text;
+            if (has_followed)
+                follow();
+        };
+        save(
+            "app.lang-src", [&] { armed = {"lstat", look, 0, false, false, follow_once_saved}; },
+            [] { armed.call = ""; });
+        ASSERT_TRUE(armed.struck);
+        EXPECT_EQ(result, 0);
+    }
+    EXPECT_EQ(read_file("app.lang-src"), later);
+    look_beside("app.lang-src");
+    EXPECT_THAT(backups, testing::ElementsAre(old_text));
+}
+
 } // namespace

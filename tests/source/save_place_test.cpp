@@ -281,4 +281,21 @@ TEST_F(SavePlace, ASourceMayBearTheTemporaryName)
     EXPECT_THAT(backups, ElementsAre(old_text));
 }
 
+TEST_F(SavePlace, NothingIsWrittenOverATextThatMayNotBeReplaced)
+{
+    write_file("app.lang-src", old_text);
+    zel::write_how how;
+    how.now = std::time(nullptr);
+    how.may_replace = [] { return false; };
+    EXPECT_EQ(zel::write_source("app.lang-src", source.get(), how).code, 2);
+    EXPECT_EQ(read_file("app.lang-src"), old_text);
+    how.may_replace = [] { return true; };
+    const zel::write_answer written = zel::write_source("app.lang-src", source.get(), how);
+    EXPECT_EQ(written.code, 0);
+    EXPECT_TRUE(zel::is_named("app.lang-src", written.file));
+    EXPECT_EQ(read_file(written.backup), old_text);
+    look_beside("app.lang-src"); // and nothing else lies here
+    EXPECT_THAT(backups, ElementsAre(old_text));
+}
+
 } // namespace

@@ -1,0 +1,214 @@
+#include "assist/neighbours.h"
+
+#include "source/lang-read.h"
+#include "source/misc.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <string_view>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zel::assist {
+
+namespace {
+
+constexpr std::string_view ending = ".lang-src";
+constexpr std::size_t most_names = 1000;    // in a folder of more, the first ones of the listing
+constexpr std::size_t listed_at_once = 500; // entries
+constexpr std::uint32_t rows_between_looks = 16;
+
+// With the separator at its end; empty for the current folder.
+std::string folder_of(const std::string &path)
+{
+    const std::size_t end = path.rfind('/');
+    return end == std::string::npos ? std::string() : path.substr(0, end + 1);
+}
+
+std::string text_of(const lang_entry_t *entry)
+{
+    std::string out;
+    for (const char *line : each<char>(entry == nullptr ? nullptr : entry->texts))
+        out += line == nullptr ? "" : line;
+    return out;
+}
+
+// Nothing but a regular file is opened, so that neither a pipe waits nor a device does something;
+// it may have been exchanged between the two looks, which is why there are two.
+int open_regular(const std::string &path, struct stat &status)
+{
+    if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
+        return -1;
+    const int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (fd >= 0 && (fstat(fd, &status) != 0 || !S_ISREG(status.st_mode))) {
+        close(fd);
+        return -1;
+    }
+    return fd;
+}
+
+// As many bytes as the file had when it was opened: one that grows meanwhile does not keep us.
+bool read_whole(int fd, std::string &text)
+{
+    std::size_t done = 0;
+    while (done < text.size()) {
+        const ssize_t got = read(fd, text.data() + done, text.size() - done);
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got <= 0)
+            return false;
+        done += static_cast<std::size_t>(got);
+    }
+    return true;
+}
+
+} // namespace
+
+neighbour_texts::neighbour_texts(neighbour_limits limits)
+    : limits_(limits), index_([this](std::uint32_t number) { return rows_[number].reference; })
+{
+}
+
+void neighbour_texts::forget()
+{
+    query_ = {};
+    folder_.reset();
+    names_.clear();
+    seen_.clear();
+    files_ = 0;
+    bytes_ = 0;
+    std::vector<row>().swap(rows_);
+    origins_.clear();
+    kept_.clear();
+    next_row_ = 0;
+    index_.reset(0);
+}
+
+void neighbour_texts::begin(const query &wanted)
+{
+    if (wanted == query_)
+        return;
+    forget();
+    query_ = wanted;
+    struct stat own {};
+    if (wanted.path.empty() || stat(wanted.path.c_str(), &own) != 0)
+        return;
+    seen_.push_back(id_of(own));
+    const std::string folder = folder_of(wanted.path);
+    folder_.reset(opendir(folder.empty() ? "." : folder.c_str()));
+}
+
+// Some entries of the folder; false at its end.
+bool neighbour_texts::list_some()
+{
+    for (std::size_t count = 0; count < listed_at_once; ++count) {
+        const dirent *entry = readdir(folder_.get());
+        if (entry == nullptr || names_.size() >= most_names)
+            return false;
+        const std::string_view name = entry->d_name;
+        if (name.size() > ending.size() && name.ends_with(ending))
+            names_.emplace(name);
+    }
+    return true;
+}
+
+void neighbour_texts::keep(const LangSource &source, item_t *item)
+{
+    row found{text_of(misc_select_lang_entry(item, query_.reference.c_str())),
+              {},
+              static_cast<std::uint32_t>(origins_.size() - 1)};
+    // As in the editor's own source the item is the text where there is none.
+    if (found.reference.empty() && item->name != nullptr && source.default_lang != nullptr &&
+        query_.reference == source.default_lang)
+        found.reference = item->name;
+    bool any = false;
+    std::string all = found.reference;
+    for (std::size_t lang = 0; lang < query_.langs.size(); ++lang) {
+        if (!query_.langs[lang].empty()) {
+            lang_entry_t *entry = misc_select_lang_entry(item, query_.langs[lang].c_str());
+            if (misc_search_empty_in_lang_entry(entry) == 0)
+                found.texts[lang] = text_of(entry);
+        }
+        any = any || !found.texts[lang].empty();
+        all.append(1, '\0').append(found.texts[lang]);
+    }
+    if (any && !found.reference.empty() && rows_.size() < limits_.texts &&
+        kept_.insert(std::hash<std::string>()(all)).second)
+        rows_.push_back(std::move(found));
+}
+
+void neighbour_texts::keep(const LangSource &source, const std::string &name)
+{
+    for (const edit_t *group : each<edit_t>(source.groups)) {
+        origins_.push_back(std::string(group->name == nullptr ? "" : group->name) + ", " + name);
+        for (item_t *item : each<item_t>(group->items))
+            if (item->used != 0)
+                keep(source, item);
+    }
+}
+
+void neighbour_texts::read_next()
+{
+    const std::string name = names_.extract(names_.begin()).value();
+    if (files_ >= limits_.files || rows_.size() >= limits_.texts) {
+        names_.clear();
+        return;
+    }
+    struct stat status {};
+    const std::string path = folder_of(query_.path) + name;
+    const int fd = open_regular(path, status);
+    if (fd < 0)
+        return;
+    const auto size = static_cast<std::size_t>(status.st_size);
+    const bool is_new = std::find(seen_.begin(), seen_.end(), id_of(status)) == seen_.end();
+    const bool is_wanted =
+        is_new && size != 0 && size <= limits_.bytes_of_one && bytes_ + size <= limits_.bytes;
+    std::string text(is_wanted ? size : 0, '\0');
+    const bool is_read = is_wanted && read_whole(fd, text);
+    close(fd);
+    if (!is_read)
+        return;
+    ++files_;
+    bytes_ += size;
+    seen_.push_back(id_of(status));
+    read_how how;
+    how.text = text;
+    const read_answer answer = read_source(path.c_str(), how);
+    if (answer.source)
+        keep(*answer.source, name);
+}
+
+bool neighbour_texts::step(std::chrono::steady_clock::time_point until)
+{
+    if (folder_ != nullptr) {
+        if (!list_some())
+            folder_.reset();
+        return true;
+    }
+    if (next_row_ >= rows_.size()) {
+        if (names_.empty())
+            return false;
+        read_next();
+        return true;
+    }
+    std::uint32_t looks = 0;
+    do
+        index_.add(next_row_++);
+    while (next_row_ < rows_.size() &&
+           (++looks % rows_between_looks != 0 || std::chrono::steady_clock::now() < until));
+    return true;
+}
+
+std::optional<suggestion> neighbour_texts::best(const std::string &reference,
+                                                std::size_t lang) const
+{
+    const auto found = index_.best(
+        reference, [&](std::uint32_t other) { return !rows_[other].texts[lang].empty(); });
+    if (!found)
+        return std::nullopt;
+    const row &at = rows_[found->item];
+    return suggestion{at.texts[lang], origins_[at.origin], at.reference, found->likeness};
+}
+
+} // namespace zel::assist

@@ -1,0 +1,46 @@
+#pragma once
+
+// The other sources of the folder, read while the translator does nothing: a file or a slice of its
+// texts at a time, and no file within half a second of a key.
+
+#include <gtk/gtk.h>
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "assist/neighbours.h"
+
+namespace zel {
+
+class tab_neighbours {
+public:
+    // more: called when everything has been read.
+    explicit tab_neighbours(std::function<void()> more);
+    ~tab_neighbours() { stop(); }
+    tab_neighbours(const tab_neighbours &) = delete;
+    tab_neighbours &operator=(const tab_neighbours &) = delete;
+
+    // Reads, unless the same was read before.
+    void begin(const assist::neighbour_texts::query &wanted);
+
+    // Nothing is read any more, and what was is dropped.
+    void stop();
+
+    std::optional<assist::suggestion> best(const std::string &reference, std::size_t lang) const
+    {
+        return texts_.best(reference, lang);
+    }
+
+private:
+    static gint key_pressed(GtkWidget *, GdkEventKey *, gpointer self);
+    static gboolean turn(gpointer self);
+
+    std::function<void()> more_;
+    assist::neighbour_texts texts_;
+    gint64 last_key_ = 0;
+    guint timer_ = 0;
+    guint snooper_ = 0;
+};
+
+} // namespace zel
