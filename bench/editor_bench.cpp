@@ -194,6 +194,27 @@ void sort(benchmark::State &state, int id)
     }
 }
 
+// The sums are shown once every item has been judged.
+void wait_until_judged(GtkWidget *table)
+{
+    GtkWidget *row = gtk_widget_get_parent(gtk_widget_get_parent(ZEL_TAB_EDIT(table)->info_label));
+    GList *children = gtk_container_get_children(GTK_CONTAINER(row));
+    GtkLabel *sums = GTK_LABEL(g_list_last(children)->data);
+    g_list_free(children);
+    while (*gtk_label_get_text(sums) == '\0')
+        gtk_main_iteration();
+    paint();
+}
+
+// The index of the texts begins after the rows are judged and tells nobody when it is whole.
+void wait_until_indexed(GtkWidget *table, int seconds = 3)
+{
+    wait_until_judged(table);
+    const gint64 built = g_get_monotonic_time() + seconds * G_USEC_PER_SEC;
+    while (g_get_monotonic_time() < built)
+        gtk_main_iteration_do(FALSE);
+}
+
 // Steps back and forth, each in another item: the first one and the last.
 void undo(benchmark::State &state)
 {
@@ -202,6 +223,7 @@ void undo(benchmark::State &state)
     editWin = GTK_WIDGET(table);
     def_group = main.source;
     zel::undo_watch(editWin);
+    wait_until_indexed(editWin);
     Zeltext *text = ZEL_TEXT(table->text_widget);
     for (auto *move : {zel_tab_edit_first, zel_tab_edit_last}) {
         move(editWin);
@@ -216,18 +238,6 @@ void undo(benchmark::State &state)
     zel::source_history().clear();
     editWin = nullptr;
     def_group = nullptr;
-}
-
-// The sums are shown once every item has been judged.
-void wait_until_judged(GtkWidget *table)
-{
-    GtkWidget *row = gtk_widget_get_parent(gtk_widget_get_parent(ZEL_TAB_EDIT(table)->info_label));
-    GList *children = gtk_container_get_children(GTK_CONTAINER(row));
-    GtkLabel *sums = GTK_LABEL(g_list_last(children)->data);
-    g_list_free(children);
-    while (*gtk_label_get_text(sums) == '\0')
-        gtk_main_iteration();
-    paint();
 }
 
 // A letter of a translation with conversions, typed and judged; drawing it is the toolkit's.
@@ -271,7 +281,7 @@ void next_with_work(benchmark::State &state)
     auto *last = static_cast<edit_t *>(g_list_last(main.source->groups)->data);
     static_cast<item_t *>(g_list_last(last->items)->data)->ready = 0;
     GtkWidget *table = GTK_WIDGET(main.open());
-    wait_until_judged(table);
+    wait_until_indexed(table);
     while (state.KeepRunning()) {
         gtk_accel_groups_activate(G_OBJECT(mainWin), GDK_KEY_Page_Down, GDK_MOD1_MASK);
         paint();
@@ -324,10 +334,7 @@ void suggestion(benchmark::State &state, int seconds_to_build)
 {
     window main(static_cast<int>(state.range(0)));
     GtkWidget *table = GTK_WIDGET(main.open());
-    wait_until_judged(table);
-    const gint64 built = g_get_monotonic_time() + seconds_to_build * G_USEC_PER_SEC;
-    while (g_get_monotonic_time() < built)
-        gtk_main_iteration_do(FALSE);
+    wait_until_indexed(table, seconds_to_build);
     auto *group = static_cast<edit_t *>(main.source->groups->data);
     auto *item = static_cast<item_t *>(group->items->next->data);
     lang_entry_t *english = misc_select_lang_entry(item, "english");

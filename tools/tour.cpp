@@ -4,9 +4,12 @@
 
 #include "app/global.h"
 #include "config/ini.h"
+#include "editor/edit-keys.h"
 #include "editor/edit-state.h"
+#include "editor/edit-undo.h"
 #include "editor/recovery.h"
 #include "editor/w_tab_edit.h"
+#include "editor/w_tab_work.h"
 #include "editor/w_text.h"
 #include "gui-support.h"
 #include "recovery/place.h"
@@ -94,11 +97,59 @@ void show_list_and_text()
     gtk_widget_grab_focus(table->search_entry);
     gtk_editable_set_position(GTK_EDITABLE(table->search_entry), -1);
     snap("search");
+    edit_ctrl.first(editWin);
+    snap("search-hits");
     gtk_entry_set_text(GTK_ENTRY(table->search_entry), "");
     activate("Display not translated items");
     snap("untranslated");
     activate("Display not translated items");
     edit_ctrl.first(editWin);
+}
+
+GtkWidget *translation() { return ZEL_TEXT(ZEL_TAB_EDIT(editWin)->text_widget)->trans2_view; }
+
+void type_text(const char *text)
+{
+    gtk_text_buffer_set_text(gtk_text_view_get_buffer(GTK_TEXT_VIEW(translation())), text, -1);
+}
+
+// The menu of the field that is typed in, once it is up.
+void show_field_menu()
+{
+    gboolean shown = FALSE;
+    g_signal_connect_after(translation(), "populate-popup",
+                           G_CALLBACK(+[](GtkTextView *, GtkMenu *menu, gpointer) {
+                               g_object_set_data(G_OBJECT(mainWin), "field-menu", menu);
+                           }),
+                           nullptr);
+    gtk_widget_grab_focus(translation());
+    g_signal_emit_by_name(translation(), "popup-menu", &shown);
+    snap("field-menu");
+    if (gpointer menu = g_object_get_data(G_OBJECT(mainWin), "field-menu"))
+        gtk_menu_shell_deactivate(GTK_MENU_SHELL(menu));
+    settle();
+}
+
+// What is told while one translates: findings, suggestions, the keys.
+void show_work()
+{
+    GtkWidget *filter = ZEL_TAB_EDIT(editWin)->work->filter_button();
+    edit_ctrl.first(editWin);
+    settle(1500); // until what is alike is known
+    snap("suggestion");
+    type_text("Notiz %d <b> in %s, \nzwei Zeilen:");
+    snap("findings");
+    show_field_menu();
+    gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(filter), TRUE);
+    edit_ctrl.first(editWin);
+    snap("filter-of-findings");
+    gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(filter), FALSE);
+    zel::edit_undo();
+    snap("undone");
+    zel::show_keys();
+    snap("keys");
+    gtk_dialog_response(GTK_DIALOG(window_titled("Keys")), GTK_RESPONSE_CLOSE);
+    settle();
 }
 
 void show_screen_shot()
@@ -134,12 +185,6 @@ void show_dialogs()
         picture_of_dialog("choose-import", respond(GTK_RESPONSE_CANCEL));
         activate("Import language file (*.lang)");
     }
-}
-
-void type_text(const char *text)
-{
-    GtkWidget *view = ZEL_TEXT(ZEL_TAB_EDIT(editWin)->text_widget)->trans2_view;
-    gtk_text_buffer_set_text(gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)), text, -1);
 }
 
 // An editor that ends with unsaved changes.
@@ -216,6 +261,7 @@ void walk()
         settle(300);
     }
     show_list_and_text();
+    show_work();
     show_menus();
     show_screen_shot();
     show_dialogs();

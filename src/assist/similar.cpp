@@ -81,14 +81,16 @@ void similar_texts::add(std::uint32_t item)
 std::optional<similar_texts::match>
 similar_texts::same(const std::string &text, const std::function<bool(std::uint32_t)> &wanted) const
 {
-    std::optional<match> found;
+    // The first one in the source; a short text may stand there a thousand times.
+    std::vector<std::uint32_t> others;
     const auto [begin, end] = by_hash_.equal_range(hash_of(text));
-    for (auto at = begin; at != end; ++at) {
-        const std::uint32_t other = at->second;
-        if ((!found || other < found->item) && text_(other) == text && wanted(other))
-            found = {other, 1};
-    }
-    return found;
+    for (auto at = begin; at != end; ++at)
+        others.push_back(at->second);
+    std::sort(others.begin(), others.end());
+    for (const std::uint32_t other : others)
+        if (wanted(other) && text_(other) == text)
+            return match{other, 1};
+    return std::nullopt;
 }
 
 std::optional<similar_texts::match>

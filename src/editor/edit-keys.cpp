@@ -2,11 +2,14 @@
 
 #include "editor/accessible.h"
 #include "editor/edit-state.h"
+#include "editor/screen.h"
 #include "editor/ui-text.h"
 
 #include <gdk/gdkkeysyms.h>
 
+#include <algorithm>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -14,6 +17,7 @@ using zel::ui_text;
 
 constexpr int gap = 12;
 constexpr int row_gap = 3;
+constexpr int title_bar = 30;
 
 GtkWidget *keys_window;
 
@@ -30,7 +34,14 @@ GtkWidget *make_label(const char *text, bool is_bold)
     return label;
 }
 
-GtkWidget *make_table()
+GtkRequisition request_of(GtkWidget *widget)
+{
+    GtkRequisition request{};
+    gtk_widget_size_request(widget, &request);
+    return request;
+}
+
+GtkWidget *make_table(std::vector<GtkWidget *> &texts)
 {
     GtkWidget *table = gtk_table_new(1, 2, FALSE);
     gtk_table_set_col_spacings(GTK_TABLE(table), 2 * gap);
@@ -40,11 +51,52 @@ GtkWidget *make_table()
     for (const zel::key_row &row : zel::editor_keys()) {
         GtkWidget *keys = make_label(row.keys, true);
         GtkWidget *text = make_label(row.text, false);
+        texts.push_back(text);
         gtk_table_attach(GTK_TABLE(table), keys, 0, 1, place, place + 1, GTK_FILL, GTK_FILL, 0, 0);
         gtk_table_attach(GTK_TABLE(table), text, 1, 2, place, place + 1, GTK_FILL, GTK_FILL, 0, 0);
         ++place;
     }
     return table;
+}
+
+// Texts are wrapped where the screen is narrower.
+void wrap_texts(GtkWidget *table, const std::vector<GtkWidget *> &texts, int room)
+{
+    const int excess = request_of(table).width - room;
+    int widest = 0;
+    for (GtkWidget *text : texts)
+        widest = std::max(widest, request_of(text).width);
+    for (GtkWidget *text : texts) {
+        if (excess <= 0 || request_of(text).width <= widest - excess)
+            continue;
+        gtk_label_set_line_wrap(GTK_LABEL(text), TRUE);
+        gtk_widget_set_size_request(text, std::max(widest - excess, 1), -1);
+    }
+}
+
+// The table in a window that is no larger than the screen, where it scrolls.
+void add_table(GtkDialog *dialog)
+{
+    std::vector<GtkWidget *> texts;
+    GtkWidget *table = make_table(texts);
+    GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
+    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER,
+                                   GTK_POLICY_AUTOMATIC);
+    gtk_scrolled_window_add_with_viewport(GTK_SCROLLED_WINDOW(scrolled), table);
+    GtkWidget *viewport = gtk_bin_get_child(GTK_BIN(scrolled));
+    gtk_viewport_set_shadow_type(GTK_VIEWPORT(viewport), GTK_SHADOW_NONE);
+    gtk_widget_show_all(scrolled);
+    gtk_container_add(GTK_CONTAINER(gtk_dialog_get_content_area(dialog)), scrolled);
+
+    const GdkRectangle screen = zel::work_area(mainWin);
+    const int bar =
+        request_of(gtk_scrolled_window_get_vscrollbar(GTK_SCROLLED_WINDOW(scrolled))).width;
+    wrap_texts(table, texts, screen.width - bar - 3 * gap);
+    const int below = request_of(gtk_dialog_get_action_area(dialog)).height + 2 * gap;
+    const int room = screen.height - title_bar - below;
+    const GtkRequisition whole = request_of(table);
+    gtk_widget_set_size_request(scrolled, whole.width + (whole.height > room ? bar + gap : 0),
+                                std::min(whole.height, room));
 }
 
 // What a screen reader says when the window comes up: labels have no keyboard to reach them by.
@@ -86,6 +138,9 @@ const std::vector<key_row> &editor_keys()
          "next, previous item that lacks a text, is not ready or has a finding"},
         {"Alt+M", "ready or not"},
         {"Ctrl+Return", "ready, and to the next such item in the same field"},
+        {"Ctrl+Space", "take the suggestion"},
+        {"Ctrl+B", "copy the text of the other language"},
+        {"Ctrl+1 to Ctrl+9", "insert a conversion, symbol or tag of the other text"},
         {"Shift+F10, Menu", "the menu of a field, also for another language below it"},
         {"F10", "the menus"},
         {"Ctrl+?", "these keys"},
@@ -112,8 +167,7 @@ void show_keys()
     gtk_window_set_resizable(GTK_WINDOW(keys_window), FALSE);
     gtk_dialog_set_default_response(GTK_DIALOG(keys_window), GTK_RESPONSE_CLOSE);
     describe(keys_window);
-    gtk_container_add(GTK_CONTAINER(gtk_dialog_get_content_area(GTK_DIALOG(keys_window))),
-                      make_table());
+    add_table(GTK_DIALOG(keys_window));
     g_signal_connect(keys_window, "response", G_CALLBACK(gtk_widget_destroy), nullptr);
     g_signal_connect(keys_window, "destroy", G_CALLBACK(gtk_widget_destroyed), &keys_window);
     gtk_widget_show_all(keys_window);

@@ -1,5 +1,6 @@
 #include "editor/theme.h"
 
+#include "editor/text-places.h"
 #include "support/guard.h"
 
 #include <gtk/gtk.h>
@@ -139,6 +140,34 @@ void give_soft_edges(GtkWidget *widget, gpointer)
     style->black_gc = gtk_gc_get(style->depth, style->colormap, &line, GDK_GC_FOREGROUND);
 }
 
+GdkColor between(const GdkColor &one, const GdkColor &other, int percent_of_other)
+{
+    const auto mixed = [percent_of_other](int a, int b) {
+        return static_cast<guint16>(a + (b - a) * percent_of_other / 100);
+    };
+    return {0, mixed(one.red, other.red), mixed(one.green, other.green),
+            mixed(one.blue, other.blue)};
+}
+
+gboolean draw_line_when_dark(GtkWidget *frame, GdkEventExpose *event, gpointer)
+{
+    if (!zel::is_dark(frame))
+        return FALSE;
+    const GtkStyle *style = gtk_widget_get_style(frame);
+    const GdkColor line = between(style->base[GTK_STATE_NORMAL], style->text[GTK_STATE_NORMAL], 30);
+    GtkAllocation place{};
+    gtk_widget_get_allocation(frame, &place);
+    cairo_t *cairo = gdk_cairo_create(event->window);
+    gdk_cairo_region(cairo, event->region);
+    cairo_clip(cairo);
+    gdk_cairo_set_source_color(cairo, &line);
+    cairo_set_line_width(cairo, 1);
+    cairo_rectangle(cairo, place.x + 0.5, place.y + 0.5, place.width - 1, place.height - 1);
+    cairo_stroke(cairo);
+    cairo_destroy(cairo);
+    return FALSE;
+}
+
 } // namespace
 
 namespace zel {
@@ -163,7 +192,19 @@ GtkWidget *make_line_frame()
     GtkWidget *frame = gtk_frame_new(nullptr);
     gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_IN);
     gtk_widget_set_name(frame, "line-frame");
+    g_signal_connect_after(frame, "expose-event", G_CALLBACK(draw_line_when_dark), nullptr);
     return frame;
+}
+
+void show_faint(GtkWidget *label, bool is_faint)
+{
+    gtk_widget_modify_fg(label, GTK_STATE_NORMAL, nullptr);
+    if (!is_faint)
+        return;
+    gtk_widget_ensure_style(label);
+    const GtkStyle *style = gtk_widget_get_style(label);
+    const GdkColor colour = between(style->fg[GTK_STATE_NORMAL], style->bg[GTK_STATE_NORMAL], 40);
+    gtk_widget_modify_fg(label, GTK_STATE_NORMAL, &colour);
 }
 
 void soften_edges(GtkWidget *widget)

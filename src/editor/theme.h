@@ -14,8 +14,12 @@ void apply_theme();
 bool has_theme(const char *name);
 
 // A frame around something that one types or reads in: a line on all four sides, also without a
-// theme.
+// theme, and one that is seen also where a dark theme draws it in the colour of the ground.
 GtkWidget *make_line_frame();
+
+// A label in a colour half way to its ground, or in its own again. An insensitive one would be
+// engraved by some themes, and stand out.
+void show_faint(GtkWidget *label, bool is_faint);
 
 // Takes the black out of a widget's edges where the user has no theme.
 void soften_edges(GtkWidget *widget);

@@ -2,6 +2,7 @@
 
 #include "app/global.h"
 #include "editor/accessible.h"
+#include "editor/list-cells.h"
 #include "editor/ui-text.h"
 #include "editor/w_tab_model.h"
 #include "editor/w_tab_widths.h"
@@ -43,7 +44,7 @@ void show_date(GtkTreeViewColumn *column, GtkCellRenderer *renderer, GtkTreeMode
 
 GtkCellRenderer *make_text_cell(const tab_column_row &row)
 {
-    GtkCellRenderer *renderer = gtk_cell_renderer_text_new();
+    GtkCellRenderer *renderer = zel::text_cell_new();
     g_object_set(renderer, "single-paragraph-mode", TRUE, "ellipsize", row.ellipsize, nullptr);
     if (row.kind == tab_cell::number)
         g_object_set(renderer, "xalign", 1.0F, nullptr);
@@ -60,7 +61,7 @@ GtkTreeViewColumn *make_column(const tab_column_row &row,
         renderer = gtk_cell_renderer_pixbuf_new();
         attribute = "pixbuf";
     } else if (row.kind == tab_cell::ready) {
-        renderer = gtk_cell_renderer_toggle_new();
+        renderer = zel::ready_cell_new();
         attribute = "radio"; // a ready item is round, one that is not is square
         g_object_set(renderer, "activatable", TRUE, nullptr);
         g_signal_connect(renderer, "toggled", G_CALLBACK(toggled), data);

@@ -3,6 +3,7 @@
 #include "assist/pieces.h"
 #include "editor/edit-state.h"
 #include "editor/text-places.h"
+#include "editor/text-runs.h"
 #include "editor/ui-text.h"
 #include "editor/w_text.h"
 #include "source/misc.h"
@@ -198,9 +199,9 @@ void tab_suggest::suggest(int field)
     if (row_ >= 0 && is_translated_into(field)) {
         if (const auto best = suggestion(static_cast<std::uint32_t>(row_), field)) {
             take = best->text;
-            text = flat(best->text) + " (" + utf8_shown(best->origin.c_str()) + ")";
+            text = shown_in_runs(flat(best->text)) + " (" + utf8_shown(best->origin.c_str()) + ")";
             if (best->likeness < 1)
-                text += " ~ " + flat(best->reference);
+                text += " ~ " + shown_in_runs(flat(best->reference));
             tooltip = text + "\n" + ui_text("tab-edit", "Take it (Ctrl+Space)");
         }
     }

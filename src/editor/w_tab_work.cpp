@@ -273,6 +273,10 @@ bool tab_work::go_to_work(int direction)
     const int selected = selected_place();
     int place = selected < 0 && direction < 0 ? count : selected;
     for (place += direction; place >= 0 && place < count; place += direction) {
+        // The items lie anywhere in memory: without this each look would wait for its own.
+        const int ahead = zel_tab_model_row_at(parts_.shown, place + 16 * direction);
+        if (ahead >= 0)
+            __builtin_prefetch(&parts_.rows->rows[static_cast<std::size_t>(ahead)].item->ready);
         const int row = zel_tab_model_row_at(parts_.shown, place);
         if (row < 0 || static_cast<std::size_t>(row) >= progress_.count() ||
             !has_work(static_cast<std::uint32_t>(row)))

@@ -5,6 +5,7 @@
 #include "editor/edit-state.h"
 #include "editor/operation.h"
 #include "editor/text-places.h"
+#include "editor/theme.h"
 #include "editor/ui-text.h"
 #include "editor/w_text_below.h"
 #include "editor/w_text_build.h"
@@ -162,7 +163,7 @@ void show_identity(Zeltext *text)
 {
     const std::string description = zel::utf8_shown(text->item->description);
     gtk_label_set_text(GTK_LABEL(text->description_label), description.c_str());
-    gtk_widget_set_sensitive(text->description_label, description != "none");
+    zel::show_faint(text->description_label, description == "none");
     gtk_widget_set_tooltip_text(text->description_label,
                                 description.empty() ? nullptr : description.c_str());
 

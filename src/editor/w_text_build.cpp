@@ -3,6 +3,7 @@
 #include "app/global.h"
 #include "editor/accessible.h"
 #include "editor/text-pieces.h"
+#include "editor/text-runs.h"
 #include "editor/text-signs.h"
 #include "editor/theme.h"
 #include "editor/ui-text.h"
@@ -21,6 +22,7 @@ using zel::fields;
 constexpr int used_in_width = 220;
 constexpr int margin = 6;
 constexpr int above_lines = 2;
+constexpr const char *caption_key = "zel-caption"; // where a row keeps its caption
 
 GtkWidget *make_caption(GtkWidget *view)
 {
@@ -42,6 +44,7 @@ GtkWidget *make_text_view(int height)
     gtk_text_view_set_accepts_tab(text_view, FALSE);
     zel::keep_in_pieces(gtk_text_view_get_buffer(text_view));
     zel::take_plain_line_ends(gtk_text_view_get_buffer(text_view));
+    zel::keep_runs_whole(text_view, zel::text_piece_tag);
     zel::show_signs(text_view);
     gtk_widget_set_size_request(view, -1, height);
     return view;
@@ -173,6 +176,27 @@ gboolean show_whole_field(GtkWidget *view, GdkEventFocus *, gpointer data)
     return FALSE;
 }
 
+// What is wrong with a text gets the room that its caption leaves, and half of the row at least.
+void share_caption_row(GtkWidget *row, GtkAllocation *place, gpointer finding)
+{
+    GtkWidget *caption = GTK_WIDGET(g_object_get_data(G_OBJECT(row), caption_key));
+    const bool alone = gtk_widget_get_visible(GTK_WIDGET(finding)) == 0;
+    gboolean expands = FALSE;
+    gtk_box_query_child_packing(GTK_BOX(row), caption, &expands, nullptr, nullptr, nullptr);
+    if ((expands != 0) != alone)
+        gtk_box_set_child_packing(GTK_BOX(row), caption, alone, TRUE, 0, GTK_PACK_START);
+    PangoLayout *layout =
+        gtk_widget_create_pango_layout(caption, gtk_label_get_text(GTK_LABEL(caption)));
+    int whole = 0;
+    pango_layout_get_pixel_size(layout, &whole, nullptr);
+    g_object_unref(layout);
+    const int wanted = alone ? -1 : std::min(whole, place->width / 2);
+    int before = 0;
+    gtk_widget_get_size_request(caption, &before, nullptr);
+    if (before != wanted)
+        gtk_widget_set_size_request(caption, wanted, -1);
+}
+
 // A caption, and beside it what is wrong with the text.
 GtkWidget *make_caption_row(Zeltext *text, int number, GtkWidget *caption)
 {
@@ -181,6 +205,8 @@ GtkWidget *make_caption_row(Zeltext *text, int number, GtkWidget *caption)
     GtkWidget *finding = zel::text_finding_label_new();
     gtk_box_pack_start(GTK_BOX(row), finding, TRUE, TRUE, 0);
     (number == TEXT_TRANS1 ? text->finding1_label : text->finding2_label) = finding;
+    g_object_set_data(G_OBJECT(row), caption_key, caption);
+    g_signal_connect(row, "size-allocate", G_CALLBACK(share_caption_row), finding);
     GtkWidget *box = gtk_event_box_new(); // labels get no clicks
     gtk_event_box_set_visible_window(GTK_EVENT_BOX(box), FALSE);
     gtk_container_add(GTK_CONTAINER(box), row);

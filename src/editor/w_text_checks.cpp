@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr const char *piece_tag = "application-piece";
-
 GtkTextBuffer *buffer_of(GtkWidget *view) { return gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)); }
 
 void follow_style(GtkWidget *view, GtkStyle *, gpointer tag)
@@ -21,10 +19,11 @@ void follow_style(GtkWidget *view, GtkStyle *, gpointer tag)
 GtkTextTag *tag_of(GtkWidget *view)
 {
     GtkTextBuffer *buffer = buffer_of(view);
-    GtkTextTag *tag = gtk_text_tag_table_lookup(gtk_text_buffer_get_tag_table(buffer), piece_tag);
+    GtkTextTag *tag =
+        gtk_text_tag_table_lookup(gtk_text_buffer_get_tag_table(buffer), zel::text_piece_tag);
     if (tag != nullptr)
         return tag;
-    tag = gtk_text_buffer_create_tag(buffer, piece_tag, nullptr);
+    tag = gtk_text_buffer_create_tag(buffer, zel::text_piece_tag, nullptr);
     follow_style(view, nullptr, tag);
     g_signal_connect(view, "style-set", G_CALLBACK(follow_style), tag);
     return tag;

@@ -8,6 +8,9 @@
 
 namespace zel {
 
+// Of the tag on these parts in a field's buffer.
+constexpr const char *text_piece_tag = "application-piece";
+
 // A label for the remarks on a translation; hidden while there are none.
 [[nodiscard]] GtkWidget *text_finding_label_new();
 

@@ -1,0 +1,17 @@
+#pragma once
+
+// Renderers of the list that draw a screenful in half the time of the toolkit's own.
+
+#include <gtk/gtk.h>
+
+namespace zel {
+
+// A text cell that is laid out once, for the width it has; the toolkit's own lays out every
+// shortened text a second time. Its "wrap-width" is what it was drawn with last.
+[[nodiscard]] GtkCellRenderer *text_cell_new();
+
+// A toggle cell that draws its own marks, in the colour of the row's text, so that they can be told
+// apart in every theme: round and filled for "radio", else an empty square.
+[[nodiscard]] GtkCellRenderer *ready_cell_new();
+
+} // namespace zel

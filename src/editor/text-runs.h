@@ -1,0 +1,23 @@
+#pragma once
+
+// Conversions, symbols and tags in texts that are written from right to left. What a text view lays
+// out follows the order of its letters' scripts, which takes a piece like "%d" apart: its sign goes
+// to the other side of its letter. Here such a piece is seen as one run from left to right all the
+// same. The text stays as it is, and nothing is put into it.
+
+#include <gtk/gtk.h>
+
+#include <string>
+
+namespace zel {
+
+// Draws the places that the tag of this name marks as runs from left to right, wherever the view
+// has them otherwise: the letters, their colours, selection and caret. A piece that is broken over
+// two lines stays as it is laid out.
+void keep_runs_whole(GtkTextView *view, const char *tag_name);
+
+// The text with marks that keep its direction and its pieces whole where it is only shown; without
+// right-to-left letters the text itself. For labels and lists, never for what is stored.
+[[nodiscard]] std::string shown_in_runs(const std::string &text);
+
+} // namespace zel

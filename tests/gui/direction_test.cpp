@@ -1,0 +1,80 @@
+#include "editor-fixture.h"
+
+#include "editor/text-runs.h"
+
+#include <algorithm>
+
+namespace {
+
+class Direction : public gui::Editor {
+protected:
+    // What the view shows where these letters of its text stand.
+    static std::string picture_of(GtkWidget *widget, const std::string &letters)
+    {
+        GtkTextView *view = GTK_TEXT_VIEW(widget);
+        const std::string text = text_of(widget);
+        const auto first = g_utf8_strlen(text.c_str(), static_cast<long>(text.find(letters)));
+        int left = G_MAXINT;
+        int right = 0;
+        GdkRectangle place{};
+        for (long at = first; at < first + g_utf8_strlen(letters.c_str(), -1); ++at) {
+            GtkTextIter iter;
+            gtk_text_buffer_get_iter_at_offset(gtk_text_view_get_buffer(view), &iter,
+                                               static_cast<int>(at));
+            gtk_text_view_get_iter_location(view, &iter, &place);
+            left = std::min({left, place.x, place.x + place.width});
+            right = std::max({right, place.x, place.x + place.width});
+        }
+        gint x = 0;
+        gint y = 0;
+        gtk_text_view_buffer_to_window_coords(view, GTK_TEXT_WINDOW_TEXT, left, place.y, &x, &y);
+        GdkPixbuf *pixels = gdk_pixbuf_get_from_drawable(
+            nullptr, gtk_text_view_get_window(view, GTK_TEXT_WINDOW_TEXT), nullptr, x, y, 0, 0,
+            right - left, place.height);
+        std::string out;
+        for (int row = 0; row < gdk_pixbuf_get_height(pixels); ++row)
+            out.append(reinterpret_cast<const char *>(gdk_pixbuf_get_pixels(pixels)) +
+                           row * gdk_pixbuf_get_rowstride(pixels),
+                       static_cast<std::size_t>(3 * gdk_pixbuf_get_width(pixels)));
+        g_object_unref(pixels);
+        return out;
+    }
+};
+
+// A text from right to left, and what must look in it as it does alone.
+constexpr struct {
+    const char *text;
+    const char *run;
+} texts[] = {
+    {"שלום %d עולם", "%d"},    {"נשמרו %-5d קבצים", "%-5d"}, {"تم حفظ %5d ملف", "%5d"},
+    {"סוף </i> רגיל", "</i>"}, {"גודל %d KB בלבד", "%d KB"},
+};
+
+TEST_F(Direction, PiecesOfRightToLeftTextsAreSeenAsTheyAreWritten)
+{
+    gui::run_editor(source(), [&] {
+        for (const auto &[text, run] : texts) {
+            translate(panel()->trans1_view, run);
+            translate(panel()->trans2_view, text);
+            gui::settle(50);
+            EXPECT_TRUE(picture_of(panel()->trans1_view, run) ==
+                        picture_of(panel()->trans2_view, run))
+                << text;
+            EXPECT_EQ(text_of(panel()->trans2_view), text);
+        }
+        gui::answer_next(gui::press("Ok"));
+        choose_entry("Save");
+        lang_global.modified = 0;
+    });
+    EXPECT_NE(gui::read_file(source()).find("\"" + std::string(texts[4].text) + "\""),
+              std::string::npos);
+}
+
+TEST(ShownInRuns, MarksStandAroundPiecesOfRightToLeftTextsOnly)
+{
+    EXPECT_EQ(zel::shown_in_runs("Über %d <b>"), "Über %d <b>");
+    EXPECT_EQ(zel::shown_in_runs("%d קבצים</b>"), "\u200f\u200e%d\u200e קבצים\u200e</b>\u200e");
+    EXPECT_EQ(zel::shown_in_runs("KB שלום %s"), "KB שלום \u200e%s\u200e");
+}
+
+} // namespace

@@ -1,0 +1,64 @@
+# What the scripts that work in the editor through real keys share; they set $work, $program and
+# $name. With SHOT=FILE a picture is taken where one fails.
+
+main="Tarvik language editor version 1.4"
+box=" "
+editor=
+
+# The choosers begin with the name, in the current folder.
+type_names() {
+    mkdir -p "$XDG_CONFIG_HOME/gtk-2.0"
+    printf '%s\n' '[Filechooser Settings]' LocationMode=filename-entry StartupMode=cwd \
+        >"$XDG_CONFIG_HOME/gtk-2.0/gtkfilechooser.ini"
+}
+fail() {
+    echo "$name: $* (line ${BASH_LINENO[*]})" >&2
+    [ -z "${SHOT:-}" ] || import -window root "$SHOT"
+    cat "$work/stderr" >&2
+    exit 1
+}
+# A window of that title (a regular expression) is up and has the keyboard.
+window() {
+    for _ in $(seq 200); do
+        if xdotool getactivewindow getwindowname 2>/dev/null | grep -qx -- "$1"; then
+            sleep 0.2
+            return
+        fi
+        sleep 0.05
+    done
+    fail "no window \"$1\"; there is: $(xdotool getactivewindow getwindowname 2>&1)"
+}
+keys() { xdotool key --delay 40 "$@"; sleep 0.15; }
+text() { xdotool type --delay 15 -- "$1"; sleep 0.2; }
+# A message box: it is closed and the main window is back.
+ok() { window "$box"; keys Return; window "$main"; }
+# A chooser of that title: the name is typed, slowly, since it completes it in its own time.
+choose() {
+    window "$1"
+    sleep 0.5
+    keys ctrl+a
+    xdotool type --delay 60 -- "$2"
+    sleep 0.5
+    keys Delete Return
+}
+# Starts the editor and waits for its window.
+start() {
+    "$program" -zel >stdout 2>stderr &
+    editor=$!
+    window "$main"
+}
+# Leaves it; it ends with success, without a word, and without its lock.
+leave() {
+    keys alt+x
+    for _ in $(seq 100); do
+        kill -0 "$editor" 2>/dev/null || break
+        sleep 0.05
+    done
+    if kill -0 "$editor" 2>/dev/null; then
+        fail "the editor does not end"
+    fi
+    wait "$editor" || fail "the editor ended with status $?"
+    editor=
+    [ ! -s stderr ] || fail "something was printed on standard error"
+    [ ! -e lang.lang-ini.lock ] || fail "the lock file is still there"
+}
