@@ -4,7 +4,6 @@
 
 #include "exchange/carry.h"
 #include "exchange/json-outline.h"
-#include "source/entry-name.h"
 #include "support/guard.h"
 #include "support/string-copy.h"
 
@@ -259,12 +258,7 @@ char *copy_name(const char *text) { return zel_strdup(text); }
 
 bool model_reader::language_of(JsonNode *node, lang_entry_t *entry)
 {
-    char *name = nullptr;
-    const bool is_read = read_name(node, name);
-    drop_entry_name(entry->lang);
-    entry->lang = take_entry_name(name);
-    free_string(name);
-    return is_read;
+    return read_name(node, entry->lang);
 }
 
 bool model_reader::lines_of(JsonNode *node, lang_entry_t *entry)

@@ -1,6 +1,5 @@
 #include "source/model.h"
 
-#include "source/entry-name.h"
 #include "support/log-print.h"
 #include "support/string-copy.h"
 
@@ -21,7 +20,7 @@ T *alloc_zeroed()
 void free_lang_entry(void *data)
 {
     auto *entry = static_cast<lang_entry_t *>(data);
-    zel::drop_entry_name(entry->lang);
+    std::free(entry->lang);
     free_lang_entry_text(entry->texts);
     g_slice_free(lang_entry_t, entry);
 }
@@ -81,7 +80,7 @@ lang_t *alloc_lang()
 
 lang_entry_t *alloc_lang_entry(const char *lang)
 {
-    char *name = zel::take_entry_name(lang);
+    char *name = zel_strdup2(lang);
     if (name == nullptr && lang != nullptr)
         return nullptr;
     // Entries outnumber every other record and are two pointers each: a slice holds just that.

@@ -27,7 +27,7 @@ struct lang_t {
 
 // One language's text of an item. A text of several lines is several strings.
 struct lang_entry_t {
-    char *lang;   // language name or null; shared, so another one comes by take_entry_name
+    char *lang;   // language name or null
     GList *texts; // of char *
 };
 
