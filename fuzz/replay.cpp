@@ -1,7 +1,7 @@
 // Runs a target over files, and over every file of folders: replay [--broken] TARGET PATH...
 // With --broken over each file cut at every byte, and with each byte changed: one of its bits, all
-// of them cleared, all of them set. Status 0 when it came through all of them; what does not hold
-// ends the process.
+// of them cleared, all of them turned. Status 0 when it came through all of them; what does not
+// hold ends the process.
 
 #include <algorithm>
 #include <csignal>

@@ -58,6 +58,44 @@ bool has_document_type(std::string_view bytes)
     }
 }
 
+// Goes on to the next sign, from that many bytes on; to the end when there is none.
+void skip_to(std::string_view &bytes, std::string_view sign, std::size_t from)
+{
+    bytes.remove_prefix(std::min(bytes.find(sign, from), bytes.size()));
+}
+
+// The values that an element has between its name and its end; bytes is left there.
+std::size_t count_values(std::string_view &bytes)
+{
+    for (std::size_t count = 0;; ++count) {
+        bytes.remove_prefix(std::min(bytes.find_first_of("\"'>"), bytes.size()));
+        if (bytes.empty() || bytes[0] == '>')
+            return count;
+        skip_to(bytes, bytes.substr(0, 1), 1);
+        bytes.remove_prefix(std::min<std::size_t>(1, bytes.size()));
+    }
+}
+
+// An element with more attributes than any tool writes: the library compares each with each.
+fault find_crowded_element(std::string_view bytes)
+{
+    constexpr std::size_t most_attributes = 1000;
+    const char *const whole = bytes.data();
+    for (skip_to(bytes, "<", 0); !bytes.empty(); skip_to(bytes, "<", 1)) {
+        const char *start = bytes.data();
+        if (bytes.starts_with("<!--"))
+            skip_to(bytes, "-->", 4);
+        else if (bytes.starts_with("<![CDATA["))
+            skip_to(bytes, "]]>", 9);
+        else if (bytes.starts_with("<?"))
+            skip_to(bytes, "?>", 2);
+        else if (count_values(bytes) > most_attributes)
+            return {1 + static_cast<std::uint32_t>(std::count(whole, start, '\n')),
+                    "an element with more than 1,000 attributes"};
+    }
+    return {};
+}
+
 struct xliff_reader {
     xmlTextReaderPtr xml;
     encoding good;
@@ -351,6 +389,8 @@ fault read_xliff(std::string_view bytes, encoding good, const text_listener &hea
     drop_mark(bytes);
     if (has_document_type(bytes))
         return {1, "a document type, which may bring texts from elsewhere"};
+    if (fault wrong = find_crowded_element(bytes))
+        return wrong;
     // No entity is expanded, nothing is loaded, and the limits of the library hold.
     const xml_guard xml(xmlReaderForMemory(bytes.data(), static_cast<int>(bytes.size()), nullptr,
                                            "UTF-8", XML_PARSE_NONET | XML_PARSE_IGNORE_ENC));

@@ -41,6 +41,9 @@ TEST(Hostile, FaultsNameTheirLineAndCause)
     const std::string po = po_head;
     const std::string open = xliff_head;
     const std::string deep(100000, '[');
+    std::string crowd;
+    for (int i = 0; i < 1000; ++i)
+        crowd += " a" + std::to_string(i) + "=\"b\"";
     const struct {
         const char *format;
         std::string bytes;
@@ -78,6 +81,7 @@ TEST(Hostile, FaultsNameTheirLineAndCause)
         {"xliff", open + "<target>\n<x id=\"1\"/></target>" + xliff_tail, 3, "a placeholder"},
         {"xliff", open + "<target>a", 2, "a"},
         {"xliff", open + "<target>\xC3</target>" + xliff_tail, 2, "a byte that is no UTF-8"},
+        {"xliff", "<!-- < -->\n<xliff version='>'" + crowd + "/>", 2, "more than 1,000 attributes"},
         {"xliff", "<html/>", 1, "no XLIFF"},
         {"xliff", "<xliff version=\"3.0\"/>", 1, "no XLIFF of version 1 or 2"},
         {"json", "{\"language_source\": 1,\n \"app\": \"\xFF\"}", 2, "a byte that is no UTF-8"},
