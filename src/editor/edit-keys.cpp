@@ -127,7 +127,6 @@ const std::vector<key_row> &editor_keys()
         {"Alt+S", "Save as"},
         {"Alt+X", "Exit"},
         {"Ctrl+Z, Shift+Ctrl+Z", "undo, redo"},
-        {"Shift+F10", "the field's menu: undo, other words for a misspelt one"},
         {"Ctrl+F", "search"},
         {"Return, Escape in the search field",
          "to the first item found, back to the item before the search"},
@@ -141,7 +140,7 @@ const std::vector<key_row> &editor_keys()
         {"Ctrl+Space", "take the suggestion"},
         {"Ctrl+B", "copy the text of the other language"},
         {"Ctrl+1 to Ctrl+9", "insert a conversion, symbol or tag of the other text"},
-        {"Shift+F10, Menu", "the menu of a field, also for another language below it"},
+        {"Shift+F10, Menu", "a field's menu: undo, spelling, another language below it"},
         {"F10", "the menus"},
         {"Ctrl+?", "these keys"},
     };
