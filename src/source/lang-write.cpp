@@ -85,6 +85,9 @@ zel::write_answer replace(zel::safe_file &file, const char *path, const zel::wri
         file.keep();
         return {say_not_renamed(to, path, error), {}};
     }
+    const zel::folder_turn turn(old.path);
+    if (!turn.is_mine())
+        return {say_no_temporary_file(to, path), {}};
     if (how.may_replace && !how.may_replace())
         return {2, {}};
     zel::backup_file kept;

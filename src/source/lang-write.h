@@ -24,8 +24,8 @@ struct write_how {
     const char *name = nullptr; // in the file's last line, where that is not the path
     bool backup = true;         // the old file is kept
 
-    // Asked once the new text is whole and no other program that writes a source from this folder
-    // can come between: false where the old file is not the one that the source was made from.
+    // Asked once the new text is whole and no other program that writes a source there can come
+    // between: false where the old file is not the one that the source was made from.
     std::function<bool()> may_replace = nullptr;
 };
 
@@ -43,10 +43,10 @@ struct write_answer {
 // old file, and at every moment the path names the old text or the new one.
 // Codes, each but 0 with a message: 0 success (also for a null source); 1 the old file cannot be
 // kept under its dated name or is no regular file, or lang.tmp cannot take its place (it stays
-// then); -1 lang.tmp cannot be made, is held by another program for some seconds, or there is no
-// room for the text. 2, without a message: may_replace has said no. Unless the code is 0 the old
-// file is where it was. Standard error tells of a path that is no regular file, and of further
-// names (hard links) that keep the old text.
+// then); -1 lang.tmp cannot be made, it or the folder is held by another program for some seconds,
+// or there is no room for the text. 2, without a message: may_replace has said no. Unless the code
+// is 0 the old file is where it was. Standard error tells of a path that is no regular file, and of
+// further names (hard links) that keep the old text.
 write_answer write_source(const char *path, LangSource *source, const write_how &how);
 
 } // namespace zel

@@ -158,19 +158,26 @@ int sync_file(int fd)
     return 0;
 }
 
-int sync_folder_of(const char *path)
+int open_folder_of(const char *path)
 {
     const char *end = std::strrchr(path, '/');
     std::array<char, PATH_MAX> folder{"."};
     if (end != nullptr) {
         // The root has no name without its separator.
         const std::size_t length = end == path ? 1 : static_cast<std::size_t>(end - path);
-        if (length >= folder.size())
-            return ENAMETOOLONG;
+        if (length >= folder.size()) {
+            errno = ENAMETOOLONG;
+            return -1;
+        }
         std::memcpy(folder.data(), path, length);
         folder[length] = '\0';
     }
-    const int fd = open(folder.data(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    return open(folder.data(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+}
+
+int sync_folder_of(const char *path)
+{
+    const int fd = open_folder_of(path);
     if (fd < 0)
         return errno;
     const int error = sync_file(fd);

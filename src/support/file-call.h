@@ -77,7 +77,10 @@ int write_all(int fd, std::string_view data);
 // Makes sure that what was written is on the disk, where there is one. 0 or errno.
 int sync_file(int fd);
 
-// The same for the names in the folder that holds the path.
+// Opens the folder that holds the path, for reading. -1 with errno.
+int open_folder_of(const char *path);
+
+// The same as sync_file for the names in the folder that holds the path.
 int sync_folder_of(const char *path);
 
 // Closes, and leaves errno as it was.

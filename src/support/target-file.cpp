@@ -5,12 +5,14 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <climits>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
 #include <string_view>
+#include <sys/file.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 #include <vector>
@@ -137,6 +139,27 @@ void take_attributes(int fd, const target_file &old)
         static_cast<void>(fchown(fd, old.status.st_uid, static_cast<gid_t>(-1)) == 0);
     copy_attributes(fd, old.path.c_str());
     static_cast<void>(fchmod(fd, mode) == 0);
+}
+
+folder_turn::folder_turn(const std::string &path) : fd_(open_folder_of(path.c_str()))
+{
+    constexpr auto patience = std::chrono::seconds(8);
+    constexpr useconds_t pause = 2000;
+    const auto end = std::chrono::steady_clock::now() + patience;
+    while (fd_ >= 0 && is_mine_ && flock(fd_, LOCK_EX | LOCK_NB) != 0) {
+        if (errno == EWOULDBLOCK) {
+            is_mine_ = std::chrono::steady_clock::now() < end;
+            usleep(pause);
+        } else if (errno != EINTR) {
+            break;
+        }
+    }
+}
+
+folder_turn::~folder_turn()
+{
+    if (fd_ >= 0)
+        close_quietly(fd_);
 }
 
 std::string backup_name(const target_file &old, std::int64_t time)
