@@ -287,6 +287,7 @@ int main(int argc, char **argv)
     fs::create_directories(work);
     fs::current_path(work);
     fs::copy_file(source, "notes.lang-src");
+    fs::copy_file(source, "older.lang-src"); // whose texts are suggested
     start_watching();
     lang_global.editor_mode = static_cast<unsigned>(std::atoi(argv[3]));
     run_editor("", walk);
