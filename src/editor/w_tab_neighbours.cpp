@@ -16,8 +16,10 @@ void tab_neighbours::begin(const assist::neighbour_texts::query &wanted)
 {
     texts_.begin(wanted);
     // A key counts in whatever window it is pressed.
-    if (snooper_ == 0)
+    if (snooper_ == 0) {
         snooper_ = gtk_key_snooper_install(key_pressed, this);
+        last_key_ = g_get_monotonic_time(); // one may have been pressed just now
+    }
     if (timer_ == 0)
         timer_ = g_timeout_add_full(G_PRIORITY_LOW, between_turns, turn, this, nullptr);
 }
