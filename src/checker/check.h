@@ -22,8 +22,8 @@ enum class check_result {
 // source, and the files and directories to scan. A path that is a regular file is scanned whatever
 // its name. A source that is not there, or malformed outside its groups, begins anew; the second is
 // told on standard error with the name of the backup. When another program changes the source
-// meanwhile, standard error tells, and all of it begins again. Items without a creation time, and those that
-// are inserted, were made at the time given.
+// meanwhile, standard error tells, and all of it begins again. Items without a creation time, and
+// those that are inserted, were made at the time given.
 check_result run_check(int count, char **words, std::int64_t now);
 
 } // namespace zel

@@ -232,7 +232,7 @@ GtkWidget *text_below_new(Zeltext *text, int field, GtkWidget *view)
     gtk_text_view_set_editable(GTK_TEXT_VIEW(view), FALSE);
     gtk_text_view_set_cursor_visible(GTK_TEXT_VIEW(view), FALSE);
     gtk_text_view_set_pixels_above_lines(GTK_TEXT_VIEW(view), 0); // level with the label
-    gtk_widget_set_size_request(view, least_width, -1); // not its text's, which wraps
+    gtk_widget_set_size_request(view, least_width, -1);           // not its text's, which wraps
     g_signal_connect(view, "focus", G_CALLBACK(pass_by), nullptr);
     set_accessible_name(view, ui_text("text", "Translation"));
     GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
