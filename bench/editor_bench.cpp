@@ -305,7 +305,7 @@ public:
             const std::string count = std::to_string(number);
             text += "ITEM \"" + count + "\" { USED YES LANG \"english\" { \"";
             for (int word = 0; word < 4; ++word)
-                text += std::string(words[(number * 3 + word * number) % 10]) + " ";
+                text.append(words[(number * 3 + word * number) % 10]).append(" ");
             text += count + "\" } LANG \"german\" { \"Wort " + count + "\" } }\n";
         }
         text += "}\n";

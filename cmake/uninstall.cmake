@@ -8,10 +8,11 @@ foreach(file IN LISTS files)
   message(STATUS "Removing $ENV{DESTDIR}${file}")
   file(REMOVE $ENV{DESTDIR}${file})
   cmake_path(GET file PARENT_PATH folder)
-  # Upwards as long as nothing is left in them: bin, lib and share of a prefix stay while in use.
+  # Upwards as long as nothing is left in them. bin, lib and share of a prefix stay, also of one that
+  # lies below a folder of this name.
   while(NOT folder STREQUAL "/")
     file(GLOB left $ENV{DESTDIR}${folder}/* $ENV{DESTDIR}${folder}/.*)
-    if(left OR NOT folder MATCHES "/lang($|/)")
+    if(left OR NOT folder MATCHES "/(share|doc|cmake|include|lib|lib64|[^/]+-linux-[^/]+)/lang($|/)")
       break()
     endif()
     file(REMOVE_RECURSE $ENV{DESTDIR}${folder})

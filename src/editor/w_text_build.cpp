@@ -99,7 +99,8 @@ void share_below(Zeltext *text, const below_heights &heights, int left)
         const auto [least, most] = heights[number];
         if (most == 0)
             continue;
-        const int more = std::clamp(left / count--, 0, most - least);
+        const int more = std::clamp(count > 1 ? left / 2 : left, 0, most - least);
+        --count;
         left -= more;
         GtkWidget *scrolled = zel::text_below_scrolled(text, static_cast<int>(number));
         if (requested_height(scrolled) != least + more)
