@@ -306,7 +306,8 @@ public:
             text += "ITEM \"" + count + "\" { USED YES LANG \"english\" { \"";
             for (int word = 0; word < 4; ++word)
                 text.append(words[(number * 3 + word * number) % 10]).append(" ");
-            text += count + "\" } LANG \"german\" { \"Wort " + count + "\" } }\n";
+            text.append(count).append("\" } LANG \"german\" { \"Wort ");
+            text.append(count).append("\" } }\n");
         }
         text += "}\n";
         g_file_set_contents(other_, text.c_str(), static_cast<gssize>(text.size()), nullptr);
