@@ -200,7 +200,7 @@ void convert(const char *from, const char *to, std::uint32_t only_used)
             how.may_replace = [&] { return !zel::has_changed(to, before); };
         if (to != nullptr)
             written = zel::write_source(to, def_group.get(), how);
-        if (written.code != 2)
+        if (written.code != zel::write_not_allowed)
             break;
         std::fprintf(stderr, "convert: %s was changed by another program meanwhile\n", to);
     }

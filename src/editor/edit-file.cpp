@@ -29,7 +29,6 @@ namespace {
 
 constexpr std::size_t path_size = 2048;
 constexpr std::size_t date_size = 1024;
-constexpr int changed_meanwhile = 2; // of a write_answer
 
 void show_value(GtkWidget *label, const char *text)
 {
@@ -124,8 +123,8 @@ void save_under_name(GtkWidget *widget);
 // Writes the source and says how it went; only then are there no changes left.
 void write_and_tell(GtkWidget *widget, const char *path)
 {
-    zel::write_answer written{changed_meanwhile, {}};
-    while (written.code == changed_meanwhile) {
+    zel::write_answer written{zel::write_not_allowed, {}};
+    while (written.code == zel::write_not_allowed) {
         const zel::overwrite answer = zel::watch_ask(widget, path);
         if (answer == zel::overwrite::other_name)
             save_under_name(widget);

@@ -90,8 +90,9 @@ bool write(const destination &to, LangSource *source)
     if (code == 0)
         return true;
     std::fprintf(stderr, "lang-kit: %s: %s\n", to.path.c_str(),
-                 code == 2 ? "changed by another program meanwhile; it is as that left it"
-                           : "cannot be written");
+                 code == write_not_allowed
+                     ? "changed by another program meanwhile; it is as that left it"
+                     : "cannot be written");
     return false;
 }
 

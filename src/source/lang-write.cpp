@@ -89,7 +89,7 @@ zel::write_answer replace(zel::safe_file &file, const char *path, const zel::wri
     if (!turn.is_mine())
         return {say_no_temporary_file(to, path), {}};
     if (how.may_replace && !how.may_replace())
-        return {2, {}};
+        return {zel::write_not_allowed, {}};
     zel::backup_file kept;
     if (how.backup)
         kept = zel::make_backup(old, how.now);

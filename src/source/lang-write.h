@@ -29,6 +29,8 @@ struct write_how {
     std::function<bool()> may_replace = nullptr;
 };
 
+inline constexpr int write_not_allowed = 2; // a code of write_answer
+
 struct write_answer {
     int code = 0;       // 0: success, else as below
     std::string backup; // what the old file is called now; empty when there was none
@@ -44,9 +46,9 @@ struct write_answer {
 // Codes, each but 0 with a message: 0 success (also for a null source); 1 the old file cannot be
 // kept under its dated name or is no regular file, or lang.tmp cannot take its place (it stays
 // then); -1 lang.tmp cannot be made, it or the folder is held by another program for some seconds,
-// or there is no room for the text. 2, without a message: may_replace has said no. Unless the code
-// is 0 the old file is where it was. Standard error tells of a path that is no regular file, and of
-// further names (hard links) that keep the old text.
+// or there is no room for the text. write_not_allowed, without a message: may_replace has said no.
+// Unless the code is 0 the old file is where it was. Standard error tells of a path that is no
+// regular file, and of further names (hard links) that keep the old text.
 write_answer write_source(const char *path, LangSource *source, const write_how &how);
 
 } // namespace zel

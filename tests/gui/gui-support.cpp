@@ -406,6 +406,22 @@ void type(GtkWidget *window, const char *ascii)
 
 std::vector<std::string> &warnings() { return warning_log; }
 
+int height_of(GtkWidget *widget)
+{
+    GtkAllocation place{};
+    gtk_widget_get_allocation(widget, &place);
+    return place.height;
+}
+
+bool in_sight(GtkWidget *widget)
+{
+    GtkWidget *viewport = gtk_widget_get_ancestor(widget, GTK_TYPE_VIEWPORT);
+    gint x = 0;
+    gint y = 0;
+    gtk_widget_translate_coordinates(widget, viewport, 0, 0, &x, &y);
+    return y >= 0 && y + height_of(widget) <= height_of(viewport);
+}
+
 std::string read_file(const std::string &path)
 {
     std::ifstream in(path, std::ios::binary);

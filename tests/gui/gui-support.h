@@ -84,6 +84,11 @@ std::vector<std::string> &warnings();
 // its main loop. Returns what the editor printed.
 std::string run_editor(const std::string &file, const std::function<void()> &scenario);
 
+int height_of(GtkWidget *widget);
+
+// Whether all of the widget is seen in what scrolls around it.
+bool in_sight(GtkWidget *widget);
+
 // --- Files -------------------------------------------------------------------------------------
 std::string read_file(const std::string &path);
 void write_file(const std::string &path, const std::string &text);

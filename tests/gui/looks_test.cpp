@@ -20,12 +20,6 @@ protected:
     {
         gtk_settings_set_string_property(gtk_settings_get_default(), "gtk-font-name", font, "test");
     }
-    static int height_of(GtkWidget *widget)
-    {
-        GtkAllocation place{};
-        gtk_widget_get_allocation(widget, &place);
-        return place.height;
-    }
     static int lines_in(GtkWidget *view)
     {
         PangoLayout *layout = gtk_widget_create_pango_layout(view, "Ag");
@@ -33,15 +27,6 @@ protected:
         pango_layout_get_pixel_size(layout, nullptr, &line);
         g_object_unref(layout);
         return height_of(view) / line;
-    }
-    // Whether all of the widget is seen in what scrolls around it.
-    static bool in_sight(GtkWidget *widget)
-    {
-        GtkWidget *viewport = gtk_widget_get_ancestor(widget, GTK_TYPE_VIEWPORT);
-        gint x = 0;
-        gint y = 0;
-        gtk_widget_translate_coordinates(widget, viewport, 0, 0, &x, &y);
-        return y >= 0 && y + height_of(widget) <= height_of(viewport);
     }
     static GtkTreeView *list() { return GTK_TREE_VIEW(ZEL_TAB_EDIT(editWin)->view); }
     static GtkWidget *panes() { return gtk_widget_get_ancestor(panel_widget(), GTK_TYPE_PANED); }

@@ -85,21 +85,6 @@ protected:
         gtk_widget_destroy(menu);
         return offered;
     }
-    static int height_of(GtkWidget *widget)
-    {
-        GtkAllocation place{};
-        gtk_widget_get_allocation(widget, &place);
-        return place.height;
-    }
-    // Whether all of the widget is seen in what scrolls around it.
-    static bool in_sight(GtkWidget *widget)
-    {
-        GtkWidget *viewport = gtk_widget_get_ancestor(widget, GTK_TYPE_VIEWPORT);
-        gint x = 0;
-        gint y = 0;
-        gtk_widget_translate_coordinates(widget, viewport, 0, 0, &x, &y);
-        return y >= 0 && y + height_of(widget) <= height_of(viewport);
-    }
     static int line_of(GtkWidget *view)
     {
         PangoLayout *layout = gtk_widget_create_pango_layout(view, "Ag");

@@ -216,7 +216,7 @@ private:
             const zel::write_answer written = zel::write_source(path_, source_.get(), how);
             if (written.code != 0) {
                 tell("not saved");
-                if (written.code == 2)
+                if (written.code == zel::write_not_allowed)
                     continue;
                 return true;
             }

@@ -287,7 +287,7 @@ TEST_F(SavePlace, NothingIsWrittenOverATextThatMayNotBeReplaced)
     zel::write_how how;
     how.now = std::time(nullptr);
     how.may_replace = [] { return false; };
-    EXPECT_EQ(zel::write_source("app.lang-src", source.get(), how).code, 2);
+    EXPECT_EQ(zel::write_source("app.lang-src", source.get(), how).code, zel::write_not_allowed);
     EXPECT_EQ(read_file("app.lang-src"), old_text);
     how.may_replace = [] { return true; };
     const zel::write_answer written = zel::write_source("app.lang-src", source.get(), how);
