@@ -31,14 +31,7 @@ protected:
         GdkRectangle area{0, 0, width, height};
         gtk_cell_renderer_render(cell, pixmap, window, &area, &area, &area,
                                  static_cast<GtkCellRendererState>(flags));
-        GdkPixbuf *pixels =
-            gdk_pixbuf_get_from_drawable(nullptr, pixmap, nullptr, 0, 0, 0, 0, width, height);
-        std::string out;
-        for (int row = 0; row < height; ++row)
-            out.append(reinterpret_cast<const char *>(gdk_pixbuf_get_pixels(pixels)) +
-                           row * gdk_pixbuf_get_rowstride(pixels),
-                       static_cast<std::size_t>(3 * width));
-        g_object_unref(pixels);
+        const std::string out = gui::pixels_of(pixmap, area);
         g_object_unref(pixmap);
         return out;
     }

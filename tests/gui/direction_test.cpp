@@ -28,16 +28,8 @@ protected:
         gint x = 0;
         gint y = 0;
         gtk_text_view_buffer_to_window_coords(view, GTK_TEXT_WINDOW_TEXT, left, place.y, &x, &y);
-        GdkPixbuf *pixels = gdk_pixbuf_get_from_drawable(
-            nullptr, gtk_text_view_get_window(view, GTK_TEXT_WINDOW_TEXT), nullptr, x, y, 0, 0,
-            right - left, place.height);
-        std::string out;
-        for (int row = 0; row < gdk_pixbuf_get_height(pixels); ++row)
-            out.append(reinterpret_cast<const char *>(gdk_pixbuf_get_pixels(pixels)) +
-                           row * gdk_pixbuf_get_rowstride(pixels),
-                       static_cast<std::size_t>(3 * gdk_pixbuf_get_width(pixels)));
-        g_object_unref(pixels);
-        return out;
+        return gui::pixels_of(gtk_text_view_get_window(view, GTK_TEXT_WINDOW_TEXT),
+                              {x, y, right - left, place.height});
     }
 };
 

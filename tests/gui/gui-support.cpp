@@ -406,6 +406,20 @@ void type(GtkWidget *window, const char *ascii)
 
 std::vector<std::string> &warnings() { return warning_log; }
 
+std::string pixels_of(GdkDrawable *drawn, const GdkRectangle &part)
+{
+    GdkPixbuf *copy = gdk_pixbuf_get_from_drawable(nullptr, drawn, nullptr, part.x, part.y, 0, 0,
+                                                   part.width, part.height);
+    const std::size_t row_size = 3 * static_cast<std::size_t>(part.width);
+    std::string out;
+    for (int row = 0; row < part.height; ++row)
+        out.append(reinterpret_cast<const char *>(gdk_pixbuf_get_pixels(copy)) +
+                       row * gdk_pixbuf_get_rowstride(copy),
+                   row_size);
+    g_object_unref(copy);
+    return out;
+}
+
 int height_of(GtkWidget *widget)
 {
     GtkAllocation place{};

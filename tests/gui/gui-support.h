@@ -86,6 +86,9 @@ std::string run_editor(const std::string &file, const std::function<void()> &sce
 
 int height_of(GtkWidget *widget);
 
+// The red, green and blue of each pixel of that part of a drawn window or pixmap, row by row.
+std::string pixels_of(GdkDrawable *drawn, const GdkRectangle &part);
+
 // Whether all of the widget is seen in what scrolls around it.
 bool in_sight(GtkWidget *widget);
 
