@@ -130,6 +130,7 @@ struct compiler {
     void write_group(const edit_t *group);
     void append_item(language_file &out, const item_t *item) const;
     bool put(zel::compile_answer &answer);
+    void leave_begun();
 };
 
 bool compiler::open(const char *destination, zel::compile_answer &answer)
@@ -222,6 +223,15 @@ bool compiler::put(zel::compile_answer &answer)
     return true;
 }
 
+// Once a file cannot be opened: those made before it stay with their first line, but none takes the
+// place of an older one, whose texts are better than none.
+void compiler::leave_begun()
+{
+    for (const language_file_ptr &out : files)
+        if (!out->place.is_there && out->finish() == 0)
+            out->file.put(out->place);
+}
+
 void log_directory(const char *destination)
 {
     LogPrint(1, "split_file: language directory >%s<\n", zel::or_empty(destination));
@@ -277,6 +287,8 @@ compile_answer compile_source(LangSource *source, const char *destination, const
     if (work.open(destination, answer)) {
         work.write();
         work.put(answer);
+    } else {
+        work.leave_begun();
     }
     if (answer.code != 0) {
         LogPrint(1, "split_file: ERROR write languages files\n");

@@ -294,15 +294,18 @@ TEST_F(Split, TheFirstFileThatCannotBeCreatedEndsIt)
     std::filesystem::create_directory("second.lang");
     write_file("first.lang", "of an earlier run");
     const source_guard source =
-        read("define file \"first\" lang \"a\" 1 2 file \"second\" lang \"b\" "
-             "1 2 file \"third\" lang \"c\" 1 2 group \"g\" { }");
+        read("define file \"first\" lang \"a\" 1 2 file \"new\" lang \"n\" 1 2 file \"second\" "
+             "lang \"b\" 1 2 file \"third\" lang \"c\" 1 2 group \"g\" { }");
     split(source.get(), nullptr);
     EXPECT_EQ(result, 1);
-    EXPECT_EQ(printed, "READY open lang file ->first<-\nERROR open lang file ->second<-\n");
+    EXPECT_EQ(printed, "READY open lang file ->first<-\nREADY open lang file ->new<-\n"
+                       "ERROR open lang file ->second<-\n");
     EXPECT_EQ(logged, "split_file: entry\nopen_lang_files: READY open lang file ->first.lang<-\n"
+                      "open_lang_files: READY open lang file ->new.lang<-\n"
                       "open_lang_files: ERROR open lang file ->second.lang<-\n"
                       "split_file: ERROR write languages files\n");
     EXPECT_EQ(read_file("first.lang"), "of an earlier run");
+    EXPECT_EQ(read_file("new.lang"), "/* automatically generated file, do not edit new */\n");
     EXPECT_FALSE(std::filesystem::exists("third.lang"));
     for (const lang_t *lang : zel::each<lang_t>(source->langs))
         EXPECT_EQ(lang->stream, nullptr);
