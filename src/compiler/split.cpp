@@ -139,7 +139,7 @@ bool compiler::open(const char *destination, zel::compile_answer &answer)
         language_file_ptr opened = open_language(lang, destination, answer);
         if (opened == nullptr)
             return false;
-        opened->slot = entries.add_language(lang->name);
+        opened->slot = entries.add_language(zel::or_empty(lang->name));
         files.push_back(std::move(opened));
     }
     default_slot = entries.add_language(source->default_lang);
@@ -336,7 +336,7 @@ void close_lang_files(GList *langs)
 int write_lang_entry_by_name(std::FILE *stream, const char *lang, item_t *item, int is_default)
 {
     zel::entry_table entries;
-    const std::uint32_t slot = entries.add_language(lang);
+    const std::uint32_t slot = entries.add_language(zel::or_empty(lang));
     entries.load(item);
     const lang_entry_t *entry = entries.find(slot);
     if (entry == nullptr)

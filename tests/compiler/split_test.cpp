@@ -276,7 +276,7 @@ TEST_F(Split, NoSourceAndNoLanguages)
     EXPECT_EQ(printed, "");
 }
 
-TEST_F(Split, NamelessLanguagesDoNoHarm)
+TEST_F(Split, AnEmptyNameIsALanguageToo)
 {
     std::filesystem::create_directory("out");
     const source_guard source = read("define file \"\" lang \"\" 1 2 file \"f\" lang \"\" 1 2 "
@@ -284,6 +284,7 @@ TEST_F(Split, NamelessLanguagesDoNoHarm)
     split(source.get(), "out");
     split(source.get(), nullptr);
     EXPECT_EQ(result, 0);
+    EXPECT_THAT(compiled("f.lang"), HasSubstr("GROUP \"\"\n  \"\" {\n    \"x\"    }\n"));
 }
 
 // --- failures
