@@ -17,6 +17,7 @@
 #include <fcntl.h>
 #include <memory>
 #include <string>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -58,9 +59,12 @@ int find_obstacle(const zel::target_file &place)
 {
     if (place.refusal != 0)
         return place.refusal;
-    const bool writable =
-        !place.is_file() || faccessat(AT_FDCWD, place.path.c_str(), W_OK, AT_EACCESS) == 0;
-    return writable ? 0 : errno;
+    struct stat status {};
+    // The name beside the place fits where this one may be too long.
+    const bool possible = place.is_file()
+                              ? faccessat(AT_FDCWD, place.path.c_str(), W_OK, AT_EACCESS) == 0
+                              : lstat(place.path.c_str(), &status) == 0 || errno == ENOENT;
+    return possible ? 0 : errno;
 }
 
 // Null, after the messages, when the file cannot be made; then the answer says why.

@@ -323,17 +323,20 @@ TEST_F(Split, TheDestinationMustExist)
     EXPECT_FALSE(std::filesystem::exists("no"));
 }
 
-TEST_F(Split, EndlessNamesDoNoHarm)
+TEST_F(Split, NamesThatAreTooLongCannotBeOpened)
 {
     std::filesystem::create_directory("out");
     const std::string name(5000, 'n');
+    const std::string by_five(251, 'n'); // without the ending it fits
     for (const std::string &text : {"define file \"f\" lang \"" + name + "\" 1 2",
-                                    "define file \"" + name + "\" lang \"e\" 1 2"}) {
+                                    "define file \"" + name + "\" lang \"e\" 1 2",
+                                    "define file \"" + by_five + "\" lang \"e\" 1 2"}) {
         const source_guard source = read(text);
-        split(source.get(), "out");
-        EXPECT_EQ(result, 1);
-        split(source.get(), std::string(5000, 'd').c_str());
-        EXPECT_EQ(result, 1);
+        for (const std::string &destination : {std::string("out"), std::string(5000, 'd')}) {
+            split(source.get(), destination.c_str());
+            EXPECT_EQ(result, 1);
+            EXPECT_THAT(printed, StartsWith("ERROR open lang file ->"));
+        }
     }
 }
 
