@@ -224,7 +224,7 @@ outcome source_reader::read_size()
 outcome source_reader::read_item_ctime(item_t *item)
 {
     const zel_token_t *token = next();
-    const bool negative = token->id == '-';
+    const bool negative = token->id == '-' && look() == TOKEN_DEC;
     if (negative)
         token = next();
     if (token->id != TOKEN_DEC)
