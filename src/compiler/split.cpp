@@ -17,7 +17,6 @@
 #include <fcntl.h>
 #include <memory>
 #include <string>
-#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -54,19 +53,6 @@ struct language_file {
 };
 using language_file_ptr = std::unique_ptr<language_file>;
 
-// Why the file may not be written though one could be put in its place.
-int find_obstacle(const zel::target_file &place)
-{
-    if (place.refusal != 0)
-        return place.refusal;
-    struct stat status {};
-    // The name beside the place fits where this one may be too long.
-    const bool possible = place.is_file()
-                              ? faccessat(AT_FDCWD, place.path.c_str(), W_OK, AT_EACCESS) == 0
-                              : lstat(place.path.c_str(), &status) == 0 || errno == ENOENT;
-    return possible ? 0 : errno;
-}
-
 // Null, after the messages, when the file cannot be made; then the answer says why.
 language_file_ptr open_language(const lang_t *lang, const char *destination,
                                 zel::compile_answer &answer)
@@ -76,7 +62,9 @@ language_file_ptr open_language(const lang_t *lang, const char *destination,
         lang, zel::find_target(path.path.c_str(),
                                destination == nullptr ? zel::links::follow : zel::links::replace));
     const char *file = zel::or_empty(lang->file);
-    int error = path.is_allowed ? find_obstacle(opened->place) : EACCES;
+    int error = path.is_allowed ? opened->place.refusal : EACCES;
+    if (error == 0)
+        error = zel::write_obstacle(opened->place);
     if (error == 0)
         error = opened->file.create_beside(opened->place);
     if (error != 0) {

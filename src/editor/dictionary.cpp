@@ -3,10 +3,13 @@
 #ifdef LANG_HAVE_ENCHANT
 
 #include "assist/dictionary-choice.h"
+#include "support/file-call.h"
 
 #include <enchant.h>
+#include <glib.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <memory>
 #include <unordered_map>
 
@@ -70,10 +73,23 @@ private:
     std::unordered_map<std::string, bool> answers_;
 };
 
+// enchant makes the user's own lists of words without looking where it does. Over somebody else's
+// link, and in the working folder, there are none: nothing can be made below that name.
+EnchantBroker *init_broker()
+{
+    constexpr const char *variable = "ENCHANT_CONFIG_DIR";
+    const char *chosen = std::getenv(variable);
+    const std::string folder =
+        chosen != nullptr ? std::string(chosen) : std::string(g_get_user_config_dir()) + "/enchant";
+    if (!g_path_is_absolute(folder.c_str()) || crosses_foreign_link(folder.c_str()))
+        setenv(variable, "/dev/null", 1);
+    return enchant_broker_init();
+}
+
 // Everything that was asked of enchant.
 class library {
 public:
-    library() : broker_(enchant_broker_init())
+    library() : broker_(init_broker())
     {
         enchant_broker_list_dicts(
             broker_,

@@ -1,5 +1,6 @@
 #include "kit/new-from-catalogs.h"
 
+#include "kit/output.h"
 #include "kit/word.h"
 
 #include <cstdio>
@@ -11,15 +12,15 @@ namespace {
 void print_summary(const exchange::new_source &made, const std::string &path)
 {
     const LangSource *source = made.source();
-    std::printf("%s: %u items in %u groups\n", path.c_str(), source->item_count,
-                g_list_length(source->groups));
+    std::printf("%s: %s in %s\n", path.c_str(), counted(source->item_count, "item").c_str(),
+                counted(g_list_length(source->groups), "group").c_str());
     for (const auto &[language, texts] : made.texts())
         std::printf("%s: %u\n", language.c_str(), texts);
     if (made.guesses() != 0)
-        std::fprintf(stderr, "left out %u fuzzy texts\n", made.guesses());
+        std::fprintf(stderr, "left out %s\n", counted(made.guesses(), "fuzzy text").c_str());
     if (made.forms() != 0)
-        std::fprintf(stderr, "left out %u plural forms between the first and the last\n",
-                     made.forms());
+        std::fprintf(stderr, "left out %s between the first and the last\n",
+                     counted(made.forms(), "plural form").c_str());
 }
 
 } // namespace

@@ -69,6 +69,11 @@ void append_json(std::string &out, const char *text)
         append_json(out, std::string_view(text));
 }
 
+std::string counted(std::size_t count, const std::string &one)
+{
+    return std::to_string(count) + " " + one + (count == 1 ? "" : "s");
+}
+
 std::string with_commas(std::size_t number)
 {
     std::string out = std::to_string(number);

@@ -11,6 +11,9 @@ namespace zel::kit {
 void append_json(std::string &out, std::string_view text);
 void append_json(std::string &out, const char *text);
 
+// A count and what is counted, in the right number: "1 item", "2 items".
+std::string counted(std::size_t count, const std::string &one);
+
 // A number with a comma between its thousands.
 std::string with_commas(std::size_t number);
 

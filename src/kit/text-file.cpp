@@ -6,18 +6,20 @@
 
 namespace zel::kit {
 
-bool text_file::say(int error) const
+bool text_file::say(const char *cause) const
 {
-    std::fprintf(stderr, "lang-kit: %s: %s\n", path_.c_str(), std::strerror(error));
+    std::fprintf(stderr, "lang-kit: %s: %s\n", path_.c_str(), cause);
     return false;
 }
+
+bool text_file::say(int error) const { return say(std::strerror(error)); }
 
 bool text_file::create(const std::string &path)
 {
     path_ = path;
     old_ = find_target(path.c_str(), links::follow);
     if (old_.refusal != 0)
-        return say(old_.refusal);
+        return say(refusal_text(old_.refusal));
     if (old_.is_file())
         same_.reset(std::fopen(old_.path.c_str(), "rbe"));
     const int error = file_.create_beside(old_);

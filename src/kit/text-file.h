@@ -24,6 +24,7 @@ public:
     const std::string &path() const { return path_; }
 
 private:
+    bool say(const char *cause) const;
     bool say(int error) const;
     void compare(std::string_view text);
 

@@ -1,5 +1,6 @@
 #include "exchange/formats.h"
 #include "kit/options.h"
+#include "kit/output.h"
 #include "kit/sources.h"
 #include "kit/text-file.h"
 #include "kit/word-list.h"
@@ -109,9 +110,8 @@ int run_export(const word &self, int argc, char **argv)
     }
     if (from.repeated() != 0)
         std::fprintf(stderr,
-                     "lang-kit: %s: left out %u items that stand behind another of their "
-                     "group and name\n",
-                     line.files.front().c_str(), from.repeated());
+                     "lang-kit: %s: left out %s behind another of the same group and name\n",
+                     line.files.front().c_str(), counted(from.repeated(), "item").c_str());
     return status_fine;
 }
 

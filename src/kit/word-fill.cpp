@@ -2,6 +2,7 @@
 #include "kit/donor.h"
 #include "kit/entry-index.h"
 #include "kit/options.h"
+#include "kit/output.h"
 #include "kit/sources.h"
 #include "kit/word-list.h"
 #include "source/misc.h"
@@ -145,8 +146,8 @@ int run_fill(const word &self, int argc, char **argv)
     const std::size_t filled = fill_source(source.get(), donors);
     for (std::size_t at = 0; at < donors.size(); ++at)
         if (donors[at].foreign() != 0)
-            std::fprintf(stderr, "%s: left out %zu texts in another encoding\n", from[at].c_str(),
-                         donors[at].foreign());
+            std::fprintf(stderr, "%s: left out %s in another encoding\n", from[at].c_str(),
+                         counted(donors[at].foreign(), "text").c_str());
     const bool written =
         (filled == 0 && output.empty()) ||
         write({output.empty() ? line.files.front() : output, dry_run}, source.get());

@@ -67,6 +67,7 @@ std::string with_own_command(std::string text, bool percents = false)
 class repository {
 public:
     bool find();
+    bool may_write_files() const;
     bool configure();
     bool set_attributes();
     bool ignore_files();
@@ -87,6 +88,7 @@ private:
         std::fprintf(stderr, "lang-kit git: %s\n", text.c_str());
         return false;
     }
+    bool may_write(const std::string &name, const std::string &path) const;
     void report(const std::string &where, const std::string &what)
     {
         std::printf("%s: %s\n", where.c_str(), what.c_str());
@@ -147,6 +149,19 @@ bool repository::is_ignored(const char *name) const
     // Only by rules that others have too.
     return git({"-c", "core.excludesFile=", "check-ignore", "-q", "--no-index", "--", name})
                .status == 0;
+}
+
+bool repository::may_write(const std::string &name, const std::string &path) const
+{
+    const int refusal = find_target(path.c_str(), links::follow).refusal;
+    return refusal == 0 || say(name + ": " + refusal_text(refusal));
+}
+
+// git itself would wait for a pipe of that name.
+bool repository::may_write_files() const
+{
+    return may_write(".gitattributes", top_ + "/.gitattributes") &&
+           may_write(".gitignore", top_ + "/.gitignore");
 }
 
 // Appends a line to a file at the top of the working tree.
@@ -219,8 +234,9 @@ bool repository::set_hook()
     if (run.status != 0 || name.empty())
         return say(first_line(run.err));
     const std::string path = name.front() == '/' ? name : top_ + "/" + name;
-    struct stat status {};
-    if (lstat(path.c_str(), &status) == 0) {
+    if (!may_write(name, path))
+        return false;
+    if (is_there(path.c_str())) {
         char *data = nullptr;
         const std::int64_t size = zel_read_file_to_mem(path.c_str(), &data);
         const std::string text(data == nullptr ? "" : data, size < 0 ? 0 : std::size_t(size));
@@ -251,8 +267,8 @@ int run_git(const word &self, int argc, char **argv)
     if (line.ends)
         return line.status;
     repository here;
-    if (!here.find() || !here.configure() || !here.set_attributes() || !here.ignore_files() ||
-        (hook && !here.set_hook()))
+    if (!here.find() || !here.may_write_files() || !here.configure() || !here.set_attributes() ||
+        !here.ignore_files() || (hook && !here.set_hook()))
         return status_fault;
     if (!here.has_changed())
         std::puts("nothing to do");

@@ -123,8 +123,8 @@ int take_files(const exchange::format &row, import_options &options,
         if (!take_file(row, files[at], into))
             return status_fault;
         if (into.guesses() != guesses)
-            std::fprintf(stderr, "%s: left out %u fuzzy texts\n", files[at].c_str(),
-                         into.guesses() - guesses);
+            std::fprintf(stderr, "%s: left out %s\n", files[at].c_str(),
+                         counted(into.guesses() - guesses, "fuzzy text").c_str());
     }
     const std::string &to = options.output.empty() ? files.front() : options.output;
     // What has not changed is not written: no backup, no new time.

@@ -1,5 +1,6 @@
 #include "kit/lint-run.h"
 #include "kit/options.h"
+#include "kit/output.h"
 #include "kit/word-list.h"
 #include "lint/rules.h"
 
@@ -25,11 +26,6 @@ struct counts {
                            [](std::size_t count) { return count != 0; });
     }
 };
-
-std::string counted(std::size_t count, const char *word)
-{
-    return std::to_string(count) + " " + word + (count == 1 ? "" : "s");
-}
 
 void print_counts(counts found, std::size_t files)
 {

@@ -1,6 +1,7 @@
 #include "exchange/entries.h"
 #include "kit/languages.h"
 #include "kit/options.h"
+#include "kit/output.h"
 #include "kit/pseudo-text.h"
 #include "kit/sources.h"
 #include "kit/word-list.h"
@@ -81,7 +82,7 @@ int run_pseudo(const word &self, int argc, char **argv)
     if (is_new)
         known = add_definition(source.get(), name);
     const std::size_t changed = make_texts(source.get(), known->name, how);
-    std::printf("%s: %zu new texts\n", known->name, changed);
+    std::printf("%s: %s\n", known->name, counted(changed, "new text").c_str());
     const bool written = (changed == 0 && !is_new && output.empty()) ||
                          write({output.empty() ? line.files.front() : output}, source.get());
     keep_to_the_end(std::move(source));

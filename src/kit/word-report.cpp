@@ -27,7 +27,9 @@ public:
         if (path.empty())
             return true;
         target_ = find_target(path.c_str(), links::follow);
-        return say(target_.refusal) && say(file_.create_beside(target_));
+        if (target_.refusal != 0)
+            return say(refusal_text(target_.refusal));
+        return say(file_.create_beside(target_));
     }
     void append(std::string_view text)
     {
@@ -42,12 +44,12 @@ public:
     }
 
 private:
-    bool say(int error) const
+    bool say(const char *cause) const
     {
-        if (error != 0)
-            std::fprintf(stderr, "lang-kit: %s: %s\n", path_.c_str(), std::strerror(error));
-        return error == 0;
+        std::fprintf(stderr, "lang-kit: %s: %s\n", path_.c_str(), cause);
+        return false;
     }
+    bool say(int error) const { return error == 0 || say(std::strerror(error)); }
 
     std::string path_;
     target_file target_;

@@ -116,7 +116,12 @@ write_answer write_source(const char *given, LangSource *source, const write_how
     std::FILE *to = messages_of(how);
     const target_file old = find_target(path, links::follow);
     if (old.refusal != 0) {
-        std::fprintf(stderr, "lang: %s is no regular file: nothing is written there\n", path);
+        if (old.refusal == EACCES)
+            std::fprintf(stderr,
+                         "lang: %s is behind somebody else's link: nothing is written there\n",
+                         path);
+        else
+            std::fprintf(stderr, "lang: %s is no regular file: nothing is written there\n", path);
         return {say_not_backed_up(to, path, backup_name(old, how.now), old.refusal), {}};
     }
     const std::int64_t mtime = source->mtime;

@@ -31,8 +31,23 @@ std::string target_of_link(const std::string &link)
     return target.front() == '/' ? std::string(target) : link.substr(0, name).append(target);
 }
 
+// Whether a link's maker could write where it leads without the help of whoever follows it.
+bool may_lead_to(const std::string &path, uid_t maker)
+{
+    struct stat status {};
+    if (maker == 0 || maker == geteuid())
+        return true;
+    if (lstat(path.c_str(), &status) == 0 && status.st_uid == maker)
+        return true;
+    const int folder = zel::open_folder_of(path.c_str());
+    const bool is_his = folder >= 0 && fstat(folder, &status) == 0 && status.st_uid == maker;
+    if (folder >= 0)
+        close(folder);
+    return is_his;
+}
+
 // A chain without an end stays a link, which is refused.
-std::string follow_links(std::string path)
+std::string follow_links(std::string path, int &refusal)
 {
     constexpr int most_links = 40; // as many as the system follows
     struct stat status {};
@@ -42,6 +57,8 @@ std::string follow_links(std::string path)
         std::string next = target_of_link(path);
         if (next.empty())
             return path;
+        if (!may_lead_to(next, status.st_uid))
+            refusal = EACCES;
         path = std::move(next);
     }
     return path;
@@ -114,7 +131,7 @@ namespace zel {
 target_file find_target(const char *path, links how)
 {
     target_file found;
-    found.path = how == links::follow ? follow_links(path) : path;
+    found.path = how == links::follow ? follow_links(path, found.refusal) : path;
     found.is_there = is_there(found.path.c_str());
     struct stat status {};
     if (!found.is_there || lstat(found.path.c_str(), &status) != 0)
@@ -124,6 +141,23 @@ target_file find_target(const char *path, links how)
     else if (how == links::follow || !S_ISLNK(status.st_mode))
         found.refusal = refusal_of(status);
     return found;
+}
+
+const char *refusal_text(int refusal)
+{
+    return refusal == EACCES   ? "somebody else's link leads there"
+           : refusal == EINVAL ? "it is no regular file"
+                               : std::strerror(refusal);
+}
+
+int write_obstacle(const target_file &old)
+{
+    struct stat status {};
+    // The name beside the place fits where this one may be too long.
+    const bool possible = old.is_file()
+                              ? faccessat(AT_FDCWD, old.path.c_str(), W_OK, AT_EACCESS) == 0
+                              : lstat(old.path.c_str(), &status) == 0 || errno == ENOENT;
+    return possible ? 0 : errno;
 }
 
 void take_attributes(int fd, const target_file &old)

@@ -12,7 +12,7 @@ namespace zel {
 struct target_file {
     std::string path;      // where the text belongs
     bool is_there = false; // something stands there; also when that cannot be found out
-    int refusal = 0;       // errno why nothing may take its place: no regular file. 0: it may
+    int refusal = 0;       // errno why nothing may take its place. 0: it may
     struct stat status {}; // of the regular file that stands there; without one, all zero
 
     bool is_file() const { return status.st_nlink != 0; }
@@ -21,8 +21,17 @@ struct target_file {
 enum class links { follow, replace };
 
 // Looks at the path. Links are followed to the file they lead to, which need not be there yet, or
-// are themselves what a new file replaces.
+// are themselves what a new file replaces. A link of somebody who is neither this user nor the
+// administrator is followed only to what its maker may replace anyway: what is his, or lies in a
+// folder of his. Otherwise it is refused with EACCES; what is no regular file, as by refusal_of.
 target_file find_target(const char *path, links how);
+
+// Why it is refused, in words.
+const char *refusal_text(int refusal);
+
+// Why the file may not be written although another could be put in its place, or cannot be there at
+// all: errno. 0: it may.
+int write_obstacle(const target_file &old);
 
 // Gives an open file the mode of the old one, its group and owner where the system lets it, its
 // access list and the user's extended attributes. A group that cannot be kept gets no more than

@@ -139,7 +139,7 @@ TEST_F(KnownFaultsSlow, NestingUsesNoStack)
         {texts(many("(")), lint, "[bracket]"},
         {texts(many(")")), lint, "[bracket]"},
         {texts(many("<b>")), lint, "[markup]"},
-        {texts(many("%(")), "kit pseudo -o p a", "1 new texts"},
+        {texts(many("%(")), "kit pseudo -o p a", "1 new text"},
         {"x = " + many("{"), check, ""},
         {"x = " + many("(") + "lang_get_string(\"g\", \"i\")" + many(")"), check, "->g<->i<-"},
         {many("lang_get_string(\"g\", "), check, ""},

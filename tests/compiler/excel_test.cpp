@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <sys/resource.h>
 
 namespace {
 
@@ -59,15 +60,20 @@ TEST_F(Excel, NothingToWriteAndNowhereToWriteIt)
     EXPECT_EQ(result, 1);
 }
 
-TEST_F(Excel, AFullDiskIsSeen)
+TEST_F(Excel, AFullDiskIsToldAndTheOldTableStays)
 {
-    insert_group_item(source.get(), "main", "ok");
-    const std::string report = zel_test::capture_stderr([&] {
-        zel_test::capture_stdout(
-            [&] { result = to_excel_unicode_text(source.get(), "/dev/full", nullptr, nullptr); });
-    });
-    EXPECT_NE(report, "");
+    for (int i = 0; i < 1000; i++)
+        insert_group_item(source.get(), "main", ("item " + std::to_string(i)).c_str());
+    zel_test::write_file("out.slk", "old");
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit full{8192, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &full);
+    const std::string report = zel_test::capture_stderr([&] { write(); });
+    setrlimit(RLIMIT_FSIZE, &before);
+    EXPECT_NE(report.find("lang: out.slk: File too large\n"), report.npos) << report;
     EXPECT_EQ(result, 1);
+    EXPECT_EQ(zel_test::read_file("out.slk"), "old");
 }
 
 } // namespace

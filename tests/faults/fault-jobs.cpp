@@ -65,18 +65,6 @@ std::string source_stays(const job_outcome &run, const job_outcome &whole)
                                                   : all_whole(run, whole);
 }
 
-// A spreadsheet's text may be cut, for it can be made again; it is said.
-std::string source_stays_and_table_is_told(const job_outcome &run, const job_outcome &whole)
-{
-    const std::string *table = find(run.left, "keys.slk");
-    job_outcome others = run;
-    others.left.erase("keys.slk");
-    const bool is_told = run.muted || run.said.find("the file is not complete") != run.said.npos;
-    return table != nullptr && *table != *find(whole.left, "keys.slk") && !is_told
-               ? "the table is cut"
-               : source_stays(others, whole);
-}
-
 // The source is the old one, or the new one with the old one beside it.
 std::string old_text_stays(const job_outcome &run, const job_outcome &whole)
 {
@@ -253,7 +241,7 @@ const fault_job jobs[] = {
      {"lang", "excel", "unicode", source_name, "keys.slk"},
      nullptr,
      prepare_source,
-     source_stays_and_table_is_told},
+     source_stays},
     {"export",
      LANG_KIT,
      {"lang-kit", "export", "--format", "po", "-o", "out", source_name},

@@ -108,7 +108,7 @@ TEST_F(ExchangeSlow, OnlyWhatIsKnownIsTaken)
                          "german.po:9: unknown item \"loose\"\n"
                          "german.po:17: menu:_Edit german: translates \"_Edit it\", now it is "
                          "\"_Edit\"\n"
-                         "german.po: left out 1 fuzzy texts\n"
+                         "german.po: left out 1 fuzzy text\n"
                          "klingon.po:1: unknown language \"klingon\"\n");
     EXPECT_EQ(kit("import --fuzzy --format po app.lang-src german.po").out,
               "~ menu:_Quit german: \"_Beenden\" -> \"Raten\"\n");

@@ -131,7 +131,7 @@ TEST_F(Fill, AnotherEncodingAndFaults)
                                   "utf8", "ascii"));
     const auto run = kit("fill --from a.lang-src app.lang-src");
     EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.err, "a.lang-src: left out 1 texts in another encoding\n");
+    EXPECT_EQ(run.err, "a.lang-src: left out 1 text in another encoding\n");
     EXPECT_THAT(run.out, HasSubstr("german: 1 by key, 0 by reference text, 2 still missing\n"));
     EXPECT_EQ(kit("fill app.lang-src").err,
               "lang-kit fill: --from is missing: where are the texts?\n");

@@ -102,6 +102,17 @@ TEST_F(Git, OnlyInARepositoryAndOnlyWithGit)
     EXPECT_EQ(kit("git here").status, 2);
 }
 
+TEST_F(Git, WaitsForNoPipe)
+{
+    for (const std::string name : {".gitattributes", ".gitignore", ".git/hooks/pre-commit"}) {
+        ASSERT_EQ(mkfifo(name.c_str(), 0666), 0);
+        const auto run = kit("--version >/dev/null; timeout 20 " + kit_command + "git --hook");
+        EXPECT_EQ(run.status, 2);
+        EXPECT_EQ(run.err, "lang-kit git: " + name + ": it is no regular file\n");
+        fs::remove(name);
+    }
+}
+
 TEST_F(Git, LeavesWhatOthersSetUp)
 {
     write_file(".gitattributes", "*.lang-src merge=union\n");

@@ -58,8 +58,8 @@ TEST_F(ImportNew, MakesASourceFromCatalogs)
     EXPECT_EQ(made.status, 0);
     EXPECT_EQ(made.out, "app.lang-src: 5 items in 4 groups\n"
                         "german: 4\njapanese: 2\nrussian: 3\n");
-    EXPECT_EQ(made.err, "left out 1 fuzzy texts\n"
-                        "left out 1 plural forms between the first and the last\n");
+    EXPECT_EQ(made.err, "left out 1 fuzzy text\n"
+                        "left out 1 plural form between the first and the last\n");
     const std::string file = read_file("app.lang-src");
     EXPECT_THAT(file, HasSubstr("app \"notes\"\n"));
     EXPECT_THAT(file, HasSubstr("lang \"english\" 200 200 1\ndefine file \"german.lang\" lang "

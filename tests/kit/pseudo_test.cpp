@@ -89,7 +89,7 @@ TEST_F(Pseudo, AddsALanguageAndRenewsIt)
     EXPECT_EQ(kit("pseudo --grow 0 new.lang-src").out, "pseudo: 0 new texts\n");
     write_file("new.lang-src",
                with(read_file("new.lang-src"), "\"_Save\"\n    }", "\"S_tore\"\n    }"));
-    EXPECT_EQ(kit("pseudo --grow 0 new.lang-src").out, "pseudo: 1 new texts\n");
+    EXPECT_EQ(kit("pseudo --grow 0 new.lang-src").out, "pseudo: 1 new text\n");
     EXPECT_THAT(kit("show new.lang-src").out, HasSubstr("pseudo \"[Š_töŕé]\"\n"));
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator("."), {}), 3); // with the backup
 }
