@@ -73,6 +73,24 @@ TEST_F(Suggest, TheSameOrASimilarTextIsTakenByKey)
     });
 }
 
+TEST_F(Suggest, WhatStandsInTheFieldAlreadyIsNot)
+{
+    with_index([&] {
+        key(mainWin, GDK_KEY_space, GDK_CONTROL_MASK);
+        EXPECT_EQ(german(), "Speichern");
+        EXPECT_EQ(suggestion(), "");
+        zel::text_focus_field(panel(), TEXT_TRANS2);
+        type(mainWin, "!");
+        EXPECT_EQ(suggestion(), "Speichern (file-action)") << german();
+        key(mainWin, GDK_KEY_BackSpace);
+        EXPECT_EQ(suggestion(), "");
+        key(mainWin, GDK_KEY_space, GDK_CONTROL_MASK);
+        EXPECT_EQ(status(), "No suggestion");
+        edit_ctrl.first(editWin);
+        EXPECT_EQ(suggestion(), "") << "the other item has the same text now";
+    });
+}
+
 TEST_F(Suggest, WhatIsTypedIsSuggestedAtOnce)
 {
     with_index([&] {
