@@ -6,6 +6,7 @@
 #include "editor/edit-state.h"
 #include "editor/operation.h"
 #include "editor/spelling.h"
+#include "editor/theme.h"
 #include "editor/ui-text.h"
 #include "editor/w_tab_filter.h"
 #include "editor/w_tab_found.h"
@@ -367,7 +368,7 @@ GtkWidget *make_text_side(ZelTabEdit *tab)
 GtkWidget *make_info_row(ZelTabEdit *tab)
 {
     GtkWidget *frame = gtk_frame_new(nullptr);
-    gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_NONE);
+    zel::make_bare(frame);
     tab->info_label = gtk_label_new(nullptr);
     gtk_misc_set_alignment(GTK_MISC(tab->info_label), 0.0F, 0.5F);
     gtk_container_add(GTK_CONTAINER(frame), tab->info_label);

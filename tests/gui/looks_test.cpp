@@ -129,6 +129,24 @@ TEST_F(Looks, AThemeWithoutAPartForTheToolkitIsNone)
     EXPECT_FALSE(zel::has_theme(""));
 }
 
+TEST_F(Looks, AFaintLabelFollowsTheThemeOfItsWindow)
+{
+    gtk_rc_parse_string("style \"red\" { fg[NORMAL] = \"#ff0000\" bg[NORMAL] = \"#000000\" }\n"
+                        "widget \"red-window*\" style \"red\"");
+    GtkWidget *faint = gtk_label_new("none");
+    zel::show_faint(faint, true);
+    GtkWidget *window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    gtk_widget_set_name(window, "red-window");
+    gtk_container_add(GTK_CONTAINER(window), faint);
+    gtk_widget_show_all(window);
+    const auto red = [faint] { return gtk_widget_get_style(faint)->fg[GTK_STATE_NORMAL].red; };
+    EXPECT_NEAR(red(), 0xffff * 6 / 10, 0x400);
+    EXPECT_EQ(gtk_widget_get_style(faint)->fg[GTK_STATE_NORMAL].green, 0);
+    zel::show_faint(faint, false);
+    EXPECT_EQ(red(), 0xffff);
+    gtk_widget_destroy(window);
+}
+
 TEST_F(Looks, TheSmallestWindowShowsTheItems)
 {
     write_file(source(), read_file(LANG_SOURCE_ROOT "/examples/notes.lang-src"));
