@@ -196,7 +196,7 @@ int usual_text(PangoLayout *layout, const zel::tab_rows &rows, const std::string
 // What the view and the renderer leave free beside a text.
 int cell_margin(GtkTreeView *view)
 {
-    constexpr int renderer_padding = 8; // and some air
+    constexpr int renderer_padding = 5; // and some air
     gint separator = 0;
     gint line = 0;
     gtk_widget_ensure_style(GTK_WIDGET(view));

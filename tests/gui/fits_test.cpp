@@ -101,25 +101,6 @@ TEST_F(Fits, ItemsAreInSightAlsoInAListThatIsScrolled)
     set_font("Sans 10");
 }
 
-TEST_F(Fits, AnEmptySuggestionTakesNoRoomThatFieldsLack)
-{
-    gui::run_editor(source(), [&] {
-        gtk_window_resize(GTK_WINDOW(mainWin), 800, 900);
-        gui::settle(100);
-        GtkWidget *line = panel()->suggestion2_label;
-        ASSERT_NE(gtk_widget_get_visible(line), 0);
-        EXPECT_GT(place_of(line).height, 10) << "fields stay in their places";
-        gtk_window_resize(GTK_WINDOW(mainWin), 800, 600);
-        set_font("Sans 14");
-        gui::settle(100);
-        EXPECT_LE(place_of(line).height, 1);
-        gtk_label_set_text(GTK_LABEL(line), "Speichern (menu)");
-        gui::settle(100);
-        EXPECT_GT(place_of(line).height, 10);
-        set_font("Sans 10");
-    });
-}
-
 // Widths of a day, a group and an item, in a list of so many pixels.
 constexpr struct {
     int room;

@@ -87,6 +87,9 @@ TEST_F(Looks, EveryFieldHasItsLinesInTheSmallestWindow)
             lang_global.editor_mode = mode;
             run_editor(source(), [&] {
                 settle(200);
+                for (GtkWidget *frame :
+                     {panel()->lang1_frame, panel()->lang2_frame, panel_widget()})
+                    EXPECT_EQ(gtk_widget_get_style(frame)->ythickness, 0) << "room for no line";
                 for (GtkWidget *view : {panel()->comment1_view, panel()->comment2_view})
                     EXPECT_GE(lines_in(view), 1) << font << ", mode " << mode;
                 for (GtkWidget *view : {panel()->trans1_view, panel()->trans2_view})
