@@ -176,12 +176,15 @@ void make_faint(GtkWidget *label, GtkStyle *, gpointer)
 
 gboolean draw_line_when_dark(GtkWidget *frame, GdkEventExpose *event, gpointer)
 {
-    if (!zel::is_dark(frame))
+    if (!zel::is_dark(frame) || event->window != gtk_widget_get_window(frame) ||
+        gtk_widget_has_focus(frame))
         return FALSE;
     const GtkStyle *style = gtk_widget_get_style(frame);
     const GdkColor line = between(style->base[GTK_STATE_NORMAL], style->text[GTK_STATE_NORMAL], 30);
     GtkAllocation place{};
     gtk_widget_get_allocation(frame, &place);
+    if (gtk_widget_get_has_window(frame) != 0)
+        place.x = place.y = 0;
     cairo_t *cairo = gdk_cairo_create(event->window);
     gdk_cairo_region(cairo, event->region);
     cairo_clip(cairo);
@@ -212,12 +215,17 @@ bool has_theme(const char *name)
     return false;
 }
 
+void draw_line_in_dark(GtkWidget *field)
+{
+    g_signal_connect_after(field, "expose-event", G_CALLBACK(draw_line_when_dark), nullptr);
+}
+
 GtkWidget *make_line_frame()
 {
     GtkWidget *frame = gtk_frame_new(nullptr);
     gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_IN);
     gtk_widget_set_name(frame, "line-frame");
-    g_signal_connect_after(frame, "expose-event", G_CALLBACK(draw_line_when_dark), nullptr);
+    draw_line_in_dark(frame);
     return frame;
 }
 

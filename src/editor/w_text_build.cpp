@@ -301,12 +301,14 @@ void make_identity(Zeltext *text, GtkWidget *box)
     text->name_entry = gtk_entry_new();
     gtk_editable_set_editable(GTK_EDITABLE(text->name_entry), FALSE);
     zel::set_accessible_name(text->name_entry, zel::ui_text("tab-edit", "Item"));
+    zel::draw_line_in_dark(text->name_entry);
     gtk_box_pack_start(GTK_BOX(box), text->name_entry, FALSE, FALSE, 0);
 
     if (lang_global.editor_mode != 2)
         return;
     text->name_edit_entry = gtk_entry_new();
     zel::set_accessible_name(text->name_edit_entry, zel::ui_text("tab-edit", "Item"));
+    zel::draw_line_in_dark(text->name_edit_entry);
     gtk_box_pack_start(GTK_BOX(box), text->name_edit_entry, FALSE, FALSE, 0);
 }
 

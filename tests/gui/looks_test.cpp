@@ -150,6 +150,33 @@ TEST_F(Looks, AFaintLabelFollowsTheThemeOfItsWindow)
     gtk_widget_destroy(window);
 }
 
+TEST_F(Looks, AnEntryOnDarkGroundHasALine)
+{
+    const GdkColor dark{0, 0x2000, 0x2000, 0x2000};
+    const GdkColor light{0, 0xffff, 0xffff, 0xffff};
+    GtkWidget *entry = gtk_entry_new();
+    zel::draw_line_in_dark(entry);
+    GtkWidget *button = gtk_button_new(); // has the keyboard
+    GtkWidget *box = gtk_hbox_new(FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), button, FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), entry, TRUE, TRUE, 0);
+    GtkWidget *window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    gtk_container_add(GTK_CONTAINER(window), box);
+    gtk_widget_modify_text(entry, GTK_STATE_NORMAL, &light);
+    gtk_widget_show_all(window);
+    const auto edge = [entry] {
+        settle(50);
+        const std::string pixel =
+            pixels_of(gtk_widget_get_window(entry), {0, height_of(entry) / 2, 1, 1});
+        return std::vector<int>{pixel.begin(), pixel.begin() + 3};
+    };
+    const std::vector<int> line{0x63, 0x63, 0x63};
+    EXPECT_NE(edge(), line);
+    gtk_widget_modify_base(entry, GTK_STATE_NORMAL, &dark);
+    EXPECT_EQ(edge(), line);
+    gtk_widget_destroy(window);
+}
+
 TEST_F(Looks, TheSmallestWindowShowsTheItems)
 {
     write_file(source(), read_file(LANG_SOURCE_ROOT "/examples/notes.lang-src"));
