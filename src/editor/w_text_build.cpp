@@ -23,6 +23,7 @@ using zel::fields;
 constexpr int used_in_width = 220;
 constexpr int margin = 6;
 constexpr int above_lines = 2;
+constexpr int least_width = 40; // of a field, whose text wraps; its own would move the divider
 constexpr const char *caption_key = "zel-caption"; // where a row keeps its caption
 
 GtkWidget *make_caption(GtkWidget *view)
@@ -264,6 +265,7 @@ void make_field(Zeltext *text, int number, GtkWidget *box)
     const field_t &field = fields[number];
     const bool is_comment = number == TEXT_COMMENT1 || number == TEXT_COMMENT2;
     GtkWidget *view = make_text_view(field.height);
+    gtk_widget_set_size_request(view, least_width, field.height);
     GtkWidget *label = make_caption(view);
     text->*field.view = view;
     text->*field.label = label;

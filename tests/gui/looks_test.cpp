@@ -201,6 +201,21 @@ TEST_F(Looks, TheSmallestWindowShowsTheItems)
     }
 }
 
+TEST_F(Looks, ALongTextLeavesTheDividerWhereItIs)
+{
+    std::string text = notes;
+    text.replace(text.find("{ \"Open\" }"), 10, "{ \"" + std::string(200, 'o') + " o\" }");
+    write_file(source(), text);
+    for (const int width : {800, 1280})
+        run_editor("", [&] {
+            resize(width, 800);
+            answer_next(choose(source()));
+            choose_entry("Load");
+            settle(100);
+            EXPECT_NEAR(list_share(), width == 800 ? 400 / 800.0 : 0.45, 0.02) << width;
+        });
+}
+
 TEST_F(Looks, ALargeWindowShowsNamesWholeHoweverItBecameLarge)
 {
     write_file(path("long.lang-src"), "define file \"e\" lang \"english\" 1 1 1\n"
