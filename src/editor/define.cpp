@@ -7,6 +7,7 @@
 #include "editor/edit-state.h"
 #include "editor/popup.h"
 #include "editor/screen.h"
+#include "editor/scrolled-box.h"
 #include "editor/ui-text.h"
 #include "support/log-print.h"
 #include "support/string-copy.h"
@@ -202,18 +203,9 @@ void rows_placed(GtkWidget *rows_box, GtkAllocation *, gpointer adjustment)
 GtkWidget *scroll_rows(GtkWidget *rows_box)
 {
     GtkWidget *parent = gtk_widget_get_parent(rows_box);
-    GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
-    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER,
-                                   GTK_POLICY_AUTOMATIC);
-    g_object_ref(rows_box);
-    gtk_container_remove(GTK_CONTAINER(parent), rows_box);
-    gtk_scrolled_window_add_with_viewport(GTK_SCROLLED_WINDOW(scrolled), rows_box);
-    g_object_unref(rows_box);
-    gtk_viewport_set_shadow_type(GTK_VIEWPORT(gtk_bin_get_child(GTK_BIN(scrolled))),
-                                 GTK_SHADOW_NONE);
-    GtkAdjustment *vertical = gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scrolled));
-    gtk_container_set_focus_vadjustment(GTK_CONTAINER(rows_box), vertical);
-    g_signal_connect_after(rows_box, "size-allocate", G_CALLBACK(rows_placed), vertical);
+    GtkWidget *scrolled = zel::scrolled_box_new(rows_box);
+    g_signal_connect_after(rows_box, "size-allocate", G_CALLBACK(rows_placed),
+                           gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scrolled)));
     gtk_box_pack_start(GTK_BOX(parent), scrolled, TRUE, TRUE, 0);
     return scrolled;
 }

@@ -3,6 +3,7 @@
 #include "editor/accessible.h"
 #include "editor/edit-state.h"
 #include "editor/screen.h"
+#include "editor/scrolled-box.h"
 #include "editor/ui-text.h"
 
 #include <gdk/gdkkeysyms.h>
@@ -79,12 +80,7 @@ void add_table(GtkDialog *dialog)
 {
     std::vector<GtkWidget *> texts;
     GtkWidget *table = make_table(texts);
-    GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
-    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER,
-                                   GTK_POLICY_AUTOMATIC);
-    gtk_scrolled_window_add_with_viewport(GTK_SCROLLED_WINDOW(scrolled), table);
-    GtkWidget *viewport = gtk_bin_get_child(GTK_BIN(scrolled));
-    gtk_viewport_set_shadow_type(GTK_VIEWPORT(viewport), GTK_SHADOW_NONE);
+    GtkWidget *scrolled = zel::scrolled_box_new(table);
     gtk_widget_show_all(scrolled);
     gtk_container_add(GTK_CONTAINER(gtk_dialog_get_content_area(dialog)), scrolled);
 

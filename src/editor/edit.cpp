@@ -112,7 +112,7 @@ GtkWidget *make_info_row(const info_row &row, int width)
 GtkWidget *make_info_frame()
 {
     GtkWidget *frame = gtk_frame_new(nullptr);
-    gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_NONE);
+    zel::make_bare(frame);
     lang_global.info_box = gtk_vbox_new(FALSE, 1);
     gtk_container_set_border_width(GTK_CONTAINER(lang_global.info_box), around_pane);
     const int width = width_of_captions();
@@ -147,7 +147,7 @@ GtkWidget *make_notebook()
 GtkWidget *make_status_frame()
 {
     GtkWidget *frame = gtk_frame_new(nullptr);
-    gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_NONE);
+    zel::make_bare(frame);
     gtk_container_set_border_width(GTK_CONTAINER(frame), 2);
     GtkWidget *row = gtk_hbox_new(FALSE, around_pane);
     gtk_container_add(GTK_CONTAINER(frame), row);

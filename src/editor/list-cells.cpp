@@ -5,6 +5,7 @@
 namespace {
 
 GtkCellRendererClass *text_class; // the toolkit's
+GtkCellRendererClass *pixbuf_class;
 
 // What is drawn has the marks that keep a right-to-left text whole; the list's own text has none.
 void mark_runs(GtkCellRenderer *cell)
@@ -35,10 +36,28 @@ void render_text(GtkCellRenderer *cell, GdkDrawable *window, GtkWidget *widget,
     text_class->render(cell, window, widget, background, area, expose, flags);
 }
 
+// Letters of other scripts may be higher, and so may an underline be: all rows are alike.
+void size_text(GtkCellRenderer *cell, GtkWidget *widget, GdkRectangle *area, gint *x, gint *y,
+               gint *width, gint *height)
+{
+    text_class->get_size(cell, widget, area, x, y, width, height);
+    if (height == nullptr)
+        return;
+    PangoFontMetrics *font = pango_context_get_metrics(
+        gtk_widget_get_pango_context(widget), gtk_widget_get_style(widget)->font_desc, nullptr);
+    gint padding = 0;
+    gtk_cell_renderer_get_padding(cell, nullptr, &padding);
+    *height = PANGO_PIXELS_CEIL(pango_font_metrics_get_ascent(font) +
+                                pango_font_metrics_get_descent(font)) +
+              2 * padding;
+    pango_font_metrics_unref(font);
+}
+
 void text_class_init(gpointer klass, gpointer)
 {
     text_class = GTK_CELL_RENDERER_CLASS(g_type_class_peek_parent(klass));
     GTK_CELL_RENDERER_CLASS(klass)->render = render_text;
+    GTK_CELL_RENDERER_CLASS(klass)->get_size = size_text;
 }
 
 constexpr double round_line = 1.5;
@@ -115,6 +134,38 @@ void ready_class_init(gpointer klass, gpointer)
     GTK_CELL_RENDERER_CLASS(klass)->render = render_ready;
 }
 
+// The selected row may have the colour of its mark: a line in that of its letters is around it.
+void render_mark(GtkCellRenderer *cell, GdkDrawable *window, GtkWidget *widget,
+                 GdkRectangle *background, GdkRectangle *area, GdkRectangle *expose,
+                 GtkCellRendererState flags)
+{
+    pixbuf_class->render(cell, window, widget, background, area, expose, flags);
+    if ((flags & GTK_CELL_RENDERER_SELECTED) == 0)
+        return;
+    GdkRectangle mark{};
+    gint x_pad = 0;
+    gint y_pad = 0;
+    gtk_cell_renderer_get_padding(cell, &x_pad, &y_pad);
+    gtk_cell_renderer_get_size(cell, widget, area, &mark.x, &mark.y, &mark.width, &mark.height);
+    cairo_t *cairo = gdk_cairo_create(window);
+    if (expose != nullptr) {
+        gdk_cairo_rectangle(cairo, expose);
+        cairo_clip(cairo);
+    }
+    gdk_cairo_set_source_color(cairo, &gtk_widget_get_style(widget)->text[state_of(widget, flags)]);
+    cairo_set_line_width(cairo, 1);
+    cairo_rectangle(cairo, area->x + mark.x + x_pad - 0.5, area->y + mark.y + y_pad - 0.5,
+                    mark.width - 2 * x_pad + 1, mark.height - 2 * y_pad + 1);
+    cairo_stroke(cairo);
+    cairo_destroy(cairo);
+}
+
+void mark_class_init(gpointer klass, gpointer)
+{
+    pixbuf_class = GTK_CELL_RENDERER_CLASS(g_type_class_peek_parent(klass));
+    GTK_CELL_RENDERER_CLASS(klass)->render = render_mark;
+}
+
 // A class of the parent's size that only draws otherwise.
 GType class_of(GType parent, const char *name, GClassInitFunc init)
 {
@@ -141,6 +192,13 @@ GtkCellRenderer *ready_cell_new()
 {
     static const GType type =
         class_of(GTK_TYPE_CELL_RENDERER_TOGGLE, "ZelReadyCell", ready_class_init);
+    return GTK_CELL_RENDERER(g_object_new(type, nullptr));
+}
+
+GtkCellRenderer *mark_cell_new()
+{
+    static const GType type =
+        class_of(GTK_TYPE_CELL_RENDERER_PIXBUF, "ZelMarkCell", mark_class_init);
     return GTK_CELL_RENDERER(g_object_new(type, nullptr));
 }
 

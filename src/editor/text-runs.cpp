@@ -47,6 +47,7 @@ struct run {
     int height = 0;
     int used = 0; // of the width, by these letters
     bool in_order = true;
+    bool goes_on = false; // on the next line
 };
 
 GdkRectangle place_of(GtkTextView *view, const GtkTextIter &at)
@@ -194,7 +195,10 @@ void draw_caret(cairo_t *cairo, GtkTextView *view, const run &of, PangoLayout *l
     int at = x;
     if (gtk_text_iter_equal(&caret, &of.start)) {
         at = x + of.right - of.left;
-    } else if (!gtk_text_iter_equal(&caret, &of.end)) {
+    } else if (gtk_text_iter_equal(&caret, &of.end)) {
+        if (of.goes_on)
+            return; // it is drawn there
+    } else {
         gchar *before = gtk_text_iter_get_slice(&of.start, &caret);
         PangoRectangle place{};
         pango_layout_index_to_pos(layout, static_cast<int>(std::string(before).size()), &place);
@@ -223,6 +227,24 @@ void draw(GtkTextView *view, GdkWindow *window, const run &of)
     draw_caret(cairo, view, of, layout, x, y);
     g_object_unref(layout);
     cairo_destroy(cairo);
+}
+
+// The parts of a piece that stand on lines of their own.
+std::vector<run> parts_of(GtkTextView *view, const GtkTextIter &start, const GtkTextIter &end)
+{
+    std::vector<run> parts{{start, end}};
+    int y = place_of(view, start).y;
+    GtkTextIter at = start;
+    while (gtk_text_iter_forward_char(&at) && gtk_text_iter_compare(&at, &end) < 0) {
+        const int before = y;
+        y = place_of(view, at).y;
+        if (y == before)
+            continue;
+        parts.back().end = at;
+        parts.back().goes_on = true;
+        parts.push_back({at, end});
+    }
+    return parts;
 }
 
 bool has_rtl(GtkTextIter at, const GtkTextIter &end)
@@ -254,11 +276,13 @@ gboolean exposed(GtkWidget *widget, GdkEventExpose *event, gpointer tag_name)
     do {
         if (!gtk_text_iter_begins_tag(&at, tag))
             continue;
-        run piece{at, at};
-        gtk_text_iter_forward_to_tag_toggle(&piece.end, tag);
-        if (gtk_text_iter_get_offset(&piece.end) - gtk_text_iter_get_offset(&at) < longest_run &&
-            grow(view, piece) && !piece.in_order)
-            draw(view, event->window, piece);
+        GtkTextIter piece_end = at;
+        gtk_text_iter_forward_to_tag_toggle(&piece_end, tag);
+        if (gtk_text_iter_get_offset(&piece_end) - gtk_text_iter_get_offset(&at) >= longest_run)
+            continue;
+        for (run &part : parts_of(view, at, piece_end))
+            if (grow(view, part) && !part.in_order)
+                draw(view, event->window, part);
     } while (gtk_text_iter_forward_to_tag_toggle(&at, tag) != 0 &&
              gtk_text_iter_compare(&at, &end) < 0);
     return FALSE;

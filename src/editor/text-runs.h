@@ -12,8 +12,9 @@
 namespace zel {
 
 // Draws the places that the tag of this name marks as runs from left to right, wherever the view
-// has them otherwise: the letters, their colours, selection and caret. A piece that is broken over
-// two lines stays as it is laid out.
+// has them otherwise: the letters, their colours, selection and caret. Where the view breaks a
+// piece over two lines, each part is such a run: nothing but a letter in the text could keep it
+// together.
 void keep_runs_whole(GtkTextView *view, const char *tag_name);
 
 // The text with marks that keep its direction and its pieces whole where it is only shown; without

@@ -9,14 +9,20 @@
 
 namespace {
 
-// What holds in every theme: the toolbar fits into 800 pixels, and the thin line under a misspelt
-// word is seen on its ground.
+// What holds in every theme: the toolbar fits into 800 pixels, a frame without a line takes no
+// room, and the thin line under a misspelt word is seen on its ground.
 constexpr char common_rc[] = R"(
 style "lang-toolbar" {
   GtkToolbar::space-size = 7
   GtkToolbar::internal-padding = 1
 }
 widget "*.main-toolbar" style "lang-toolbar"
+
+style "lang-bare" {
+  xthickness = 0
+  ythickness = 0
+}
+widget "*.bare-frame" style "lang-bare"
 
 style "lang-light-text" {
   GtkTextView::error-underline-color = "#c00000"
@@ -149,14 +155,36 @@ GdkColor between(const GdkColor &one, const GdkColor &other, int percent_of_othe
             mixed(one.blue, other.blue)};
 }
 
+constexpr const char *faint_key = "zel-faint"; // where a label keeps how it is shown
+enum faintness { plain = 1, faint, changing };
+
+// A label gets the theme's colours when it gets into its window, and other ones with another theme.
+void make_faint(GtkWidget *label, GtkStyle *, gpointer)
+{
+    const int wanted = GPOINTER_TO_INT(g_object_get_data(G_OBJECT(label), faint_key));
+    if (wanted == changing)
+        return;
+    g_object_set_data(G_OBJECT(label), faint_key, GINT_TO_POINTER(changing));
+    gtk_widget_modify_fg(label, GTK_STATE_NORMAL, nullptr);
+    gtk_widget_ensure_style(label);
+    const GtkStyle *style = gtk_widget_get_style(label);
+    const GdkColor colour = between(style->fg[GTK_STATE_NORMAL], style->bg[GTK_STATE_NORMAL], 40);
+    if (wanted == faint)
+        gtk_widget_modify_fg(label, GTK_STATE_NORMAL, &colour);
+    g_object_set_data(G_OBJECT(label), faint_key, GINT_TO_POINTER(wanted));
+}
+
 gboolean draw_line_when_dark(GtkWidget *frame, GdkEventExpose *event, gpointer)
 {
-    if (!zel::is_dark(frame))
+    if (!zel::is_dark(frame) || event->window != gtk_widget_get_window(frame) ||
+        gtk_widget_has_focus(frame))
         return FALSE;
     const GtkStyle *style = gtk_widget_get_style(frame);
     const GdkColor line = between(style->base[GTK_STATE_NORMAL], style->text[GTK_STATE_NORMAL], 30);
     GtkAllocation place{};
     gtk_widget_get_allocation(frame, &place);
+    if (gtk_widget_get_has_window(frame) != 0)
+        place.x = place.y = 0;
     cairo_t *cairo = gdk_cairo_create(event->window);
     gdk_cairo_region(cairo, event->region);
     cairo_clip(cairo);
@@ -187,24 +215,32 @@ bool has_theme(const char *name)
     return false;
 }
 
+void draw_line_in_dark(GtkWidget *field)
+{
+    g_signal_connect_after(field, "expose-event", G_CALLBACK(draw_line_when_dark), nullptr);
+}
+
 GtkWidget *make_line_frame()
 {
     GtkWidget *frame = gtk_frame_new(nullptr);
     gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_IN);
     gtk_widget_set_name(frame, "line-frame");
-    g_signal_connect_after(frame, "expose-event", G_CALLBACK(draw_line_when_dark), nullptr);
+    draw_line_in_dark(frame);
     return frame;
+}
+
+void make_bare(GtkWidget *frame)
+{
+    gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_NONE);
+    gtk_widget_set_name(frame, "bare-frame");
 }
 
 void show_faint(GtkWidget *label, bool is_faint)
 {
-    gtk_widget_modify_fg(label, GTK_STATE_NORMAL, nullptr);
-    if (!is_faint)
-        return;
-    gtk_widget_ensure_style(label);
-    const GtkStyle *style = gtk_widget_get_style(label);
-    const GdkColor colour = between(style->fg[GTK_STATE_NORMAL], style->bg[GTK_STATE_NORMAL], 40);
-    gtk_widget_modify_fg(label, GTK_STATE_NORMAL, &colour);
+    if (g_object_get_data(G_OBJECT(label), faint_key) == nullptr)
+        g_signal_connect(label, "style-set", G_CALLBACK(make_faint), nullptr);
+    g_object_set_data(G_OBJECT(label), faint_key, GINT_TO_POINTER(is_faint ? faint : plain));
+    make_faint(label, nullptr, nullptr);
 }
 
 void soften_edges(GtkWidget *widget)

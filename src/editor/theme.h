@@ -17,6 +17,13 @@ bool has_theme(const char *name);
 // theme, and one that is seen also where a dark theme draws it in the colour of the ground.
 GtkWidget *make_line_frame();
 
+// Draws that line around a frame or an entry, which a dark theme may leave without one; one with the
+// keyboard has the theme's own.
+void draw_line_in_dark(GtkWidget *field);
+
+// A frame that only holds something together: no line, and no room for one.
+void make_bare(GtkWidget *frame);
+
 // A label in a colour half way to its ground, or in its own again. An insensitive one would be
 // engraved by some themes, and stand out.
 void show_faint(GtkWidget *label, bool is_faint);

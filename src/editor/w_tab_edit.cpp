@@ -6,6 +6,7 @@
 #include "editor/edit-state.h"
 #include "editor/operation.h"
 #include "editor/spelling.h"
+#include "editor/theme.h"
 #include "editor/ui-text.h"
 #include "editor/w_tab_filter.h"
 #include "editor/w_tab_found.h"
@@ -367,7 +368,7 @@ GtkWidget *make_text_side(ZelTabEdit *tab)
 GtkWidget *make_info_frame(ZelTabEdit *tab)
 {
     GtkWidget *frame = gtk_frame_new(nullptr);
-    gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_NONE);
+    zel::make_bare(frame);
     GtkWidget *row = gtk_hbox_new(FALSE, spacing);
     gtk_container_add(GTK_CONTAINER(frame), row);
     tab->info_label = gtk_label_new(nullptr);

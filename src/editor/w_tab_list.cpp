@@ -18,6 +18,7 @@ using zel::tab_column_row;
 constexpr int no_sort = -1;
 constexpr int icon_width = 20;
 constexpr std::size_t day_length = 10; // of "2024-03-04 10:11:12"
+constexpr std::size_t year_length = 5;
 
 constexpr tab_column_row columns[] = {
     {nullptr, tab_cell::icon, COL_ICON, no_sort, icon_width, PANGO_ELLIPSIZE_NONE},
@@ -30,15 +31,19 @@ constexpr tab_column_row columns[] = {
     {"Language 2", tab_cell::text, COL_LANG2, no_sort, 90, PANGO_ELLIPSIZE_END},
 };
 
-// The time is shown only where all of it is seen.
+// No part is shown that is not all seen.
 void show_date(GtkTreeViewColumn *column, GtkCellRenderer *renderer, GtkTreeModel *model,
                GtkTreeIter *iter, gpointer)
 {
     gchar *date = nullptr;
     gtk_tree_model_get(model, iter, COL_DATE, &date, -1);
-    if (date != nullptr && std::strlen(date) > day_length && !zel::tab_shows_time(column))
+    const zel::tab_date_part part = zel::tab_shown_part(column);
+    const bool is_whole = date != nullptr && std::strlen(date) > day_length;
+    if (is_whole && part != zel::tab_date_part::time)
         date[day_length] = '\0';
-    g_object_set(renderer, "text", date, nullptr);
+    const std::size_t from =
+        is_whole && part == zel::tab_date_part::month_and_day ? year_length : 0;
+    g_object_set(renderer, "text", date == nullptr ? nullptr : date + from, nullptr);
     g_free(date);
 }
 
@@ -58,7 +63,7 @@ GtkTreeViewColumn *make_column(const tab_column_row &row,
     GtkCellRenderer *renderer = nullptr;
     const char *attribute = "text";
     if (row.kind == tab_cell::icon) {
-        renderer = gtk_cell_renderer_pixbuf_new();
+        renderer = zel::mark_cell_new();
         attribute = "pixbuf";
     } else if (row.kind == tab_cell::ready) {
         renderer = zel::ready_cell_new();

@@ -4,6 +4,7 @@
 #include "editor/accessible.h"
 #include "editor/edit-state.h"
 #include "editor/text-places.h"
+#include "editor/theme.h"
 #include "editor/ui-text.h"
 
 #include <gdk/gdkkeysyms.h>
@@ -76,6 +77,7 @@ void tab_search::make_row()
                                    static_cast<GtkAccelFlags>(0));
 
     entry_ = gtk_entry_new();
+    draw_line_in_dark(entry_);
     set_accessible_name(entry_, ui_text("common", "Find (Ctrl+F)"));
     g_signal_connect(entry_, "changed", G_CALLBACK(+[](GtkEditable *, gpointer self) {
                          static_cast<tab_search *>(self)->parts_.changed();

@@ -74,6 +74,9 @@ tab_suggest::tab_suggest(std::shared_ptr<tab_rows> rows, Zeltext *panel)
       neighbours_([this] { suggest_all(); })
 {
     add_keys();
+    for (const int field : {TEXT_TRANS1, TEXT_TRANS2})
+        g_signal_connect(buffer_of(panel_->*fields[field].view), "changed", G_CALLBACK(typed),
+                         this);
 }
 
 void tab_suggest::stop()
@@ -190,24 +193,50 @@ std::optional<assist::suggestion> tab_suggest::suggestion(std::uint32_t row, int
 
 void tab_suggest::suggest(int field)
 {
-    std::string &take = take_[static_cast<std::size_t>(field)];
-    GtkWidget *label = label_of(panel_, field);
-    take.clear();
-    gtk_widget_set_visible(label, row_ >= 0 && is_translated_into(field));
-    std::string text;
-    std::string tooltip;
-    if (row_ >= 0 && is_translated_into(field)) {
+    offer &made = offers_[static_cast<std::size_t>(field)];
+    made = {};
+    const bool is_filled = row_ >= 0 && is_translated_into(field);
+    gtk_widget_set_visible(label_of(panel_, field), is_filled);
+    if (is_filled) {
         if (const auto best = suggestion(static_cast<std::uint32_t>(row_), field)) {
-            take = best->text;
-            text = shown_in_runs(flat(best->text)) + " (" + utf8_shown(best->origin.c_str()) + ")";
+            made.text = utf8_shown(best->text.c_str());
+            made.line =
+                shown_in_runs(flat(best->text)) + " (" + utf8_shown(best->origin.c_str()) + ")";
             if (best->likeness < 1)
-                text += " ~ " + shown_in_runs(flat(best->reference));
-            tooltip = text + "\n" + ui_text("tab-edit", "Take it (Ctrl+Space)");
+                made.line += " ~ " + shown_in_runs(flat(best->reference));
         }
     }
-    if (text != gtk_label_get_text(GTK_LABEL(label)))
-        gtk_label_set_text(GTK_LABEL(label), text.c_str());
-    gtk_widget_set_tooltip_text(label, tooltip.empty() ? nullptr : tooltip.c_str());
+    show(field);
+}
+
+// Looked at with each letter that is typed, so most are told apart by their lengths.
+bool tab_suggest::is_there_already(int field) const
+{
+    const std::string &text = offers_[static_cast<std::size_t>(field)].text;
+    GtkTextBuffer *buffer = buffer_of(panel_->*fields[field].view);
+    const auto most = static_cast<std::size_t>(gtk_text_buffer_get_char_count(buffer));
+    return most <= text.size() && g_utf8_strlen(text.c_str(), -1) == static_cast<glong>(most) &&
+           buffer_text(buffer) == text;
+}
+
+void tab_suggest::show(int field)
+{
+    const offer &made = offers_[static_cast<std::size_t>(field)];
+    GtkWidget *label = label_of(panel_, field);
+    const std::string line = is_there_already(field) ? "" : made.line;
+    if (line == gtk_label_get_text(GTK_LABEL(label)))
+        return;
+    const std::string tooltip = line + "\n" + ui_text("tab-edit", "Take it (Ctrl+Space)");
+    gtk_label_set_text(GTK_LABEL(label), line.c_str());
+    gtk_widget_set_tooltip_text(label, line.empty() ? nullptr : tooltip.c_str());
+}
+
+void tab_suggest::typed(GtkTextBuffer *buffer, gpointer data)
+{
+    auto *self = static_cast<tab_suggest *>(data);
+    for (const int field : {TEXT_TRANS1, TEXT_TRANS2})
+        if (self->row_ >= 0 && buffer_of(self->panel_->*fields[field].view) == buffer)
+            self->show(field);
 }
 
 void tab_suggest::suggest_all()
@@ -230,12 +259,12 @@ void tab_suggest::take_suggestion()
     int field = field_to_fill();
     if (field >= 0 && !is_translated_into(field))
         field = field == TEXT_TRANS1 ? TEXT_TRANS2 : TEXT_TRANS1;
-    const std::string text = field < 0 ? "" : take_[static_cast<std::size_t>(field)];
-    if (text.empty()) {
+    const std::string text = field < 0 ? "" : offers_[static_cast<std::size_t>(field)].text;
+    if (text.empty() || is_there_already(field)) {
         edit_status(ui_text("tab-edit", "No suggestion"));
         return;
     }
-    put(panel_->*fields[field].view, utf8_shown(text.c_str()), true);
+    put(panel_->*fields[field].view, text, true);
 }
 
 void tab_suggest::copy_other()

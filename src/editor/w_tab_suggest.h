@@ -2,7 +2,7 @@
 
 // Help with a translation: under its field what the same or the most similar text is translated as
 // elsewhere in the source, or else in the folder's other sources, and keys that take it, the other
-// language's text, or parts of that.
+// language's text, or parts of that. What stands in the field already is not suggested.
 //
 // The index of the texts is built in slices while nothing else happens; what it holds so far is
 // used.
@@ -51,7 +51,10 @@ private:
     std::optional<assist::suggestion> own_suggestion(std::uint32_t row, int field) const;
     std::optional<assist::suggestion> suggestion(std::uint32_t row, int field) const;
     void read_neighbours();
+    static void typed(GtkTextBuffer *buffer, gpointer self);
+    bool is_there_already(int field) const;
     void suggest(int field);
+    void show(int field);
     void suggest_all();
     void take_suggestion();
     void copy_other();
@@ -61,9 +64,13 @@ private:
     Zeltext *panel_;
     assist::similar_texts index_;
     tab_neighbours neighbours_;
-    std::uint32_t next_row_ = 0;      // that the slices come to
-    int row_ = -1;                    // whose item is shown
-    std::array<std::string, 2> take_; // what is suggested for each translation, empty for nothing
+    std::uint32_t next_row_ = 0; // that the slices come to
+    int row_ = -1;               // whose item is shown
+    struct offer {
+        std::string text; // of the translation, as the field would show it; empty for nothing
+        std::string line; // and as it is shown under the field
+    };
+    std::array<offer, 2> offers_;
     guint timer_ = 0;
     key_set keys_;
 };

@@ -18,6 +18,7 @@ using zel::tab_column_row;
 
 constexpr const char *row_key = "zel-column";  // where a view column keeps its row of the table
 constexpr const char *whole_key = "zel-whole"; // and the pixels with which all of it is seen
+constexpr const char *least_key = "zel-least"; // and without which it is shortened
 constexpr const char *texts_key = "zel-texts"; // where a view keeps what it measured
 
 // Gives each of these columns what it lacks to be whole; of too little, all get equal parts, except
@@ -38,6 +39,36 @@ void grow(std::vector<int> &widths, const std::vector<column_need> &needs, tab_c
             given = 0;
         widths[i] += given;
         room -= given;
+    }
+}
+
+// Shortens what can be shortened where the last name would be out of sight otherwise.
+void shorten(std::vector<int> &widths, const std::vector<column_need> &needs, int room)
+{
+    constexpr int in_sight = 50;
+    std::size_t last = 0;
+    for (std::size_t i = 0; i < needs.size(); ++i)
+        if (needs[i].kind == tab_cell::name)
+            last = i;
+    const auto before = widths.begin() + static_cast<std::ptrdiff_t>(last);
+    if (std::accumulate(widths.begin(), before, std::min(in_sight, widths[last])) <= room)
+        return;
+    for (std::size_t i = 0; i < needs.size(); ++i)
+        if (needs[i].shortest > 0)
+            widths[i] = needs[i].shortest;
+}
+
+// No name is cut for a few pixels, if there are these or the list has to be scrolled anyway.
+void complete(std::vector<int> &widths, const std::vector<column_need> &needs, int &room)
+{
+    constexpr int few = 10;
+    for (std::size_t i = 0; i < needs.size(); ++i) {
+        const int lacks = needs[i].whole - widths[i];
+        if (needs[i].kind != tab_cell::name || lacks <= 0 || lacks > few ||
+            (room >= 0 && lacks > room))
+            continue;
+        widths[i] += lacks;
+        room -= lacks;
     }
 }
 
@@ -166,7 +197,7 @@ int usual_text(PangoLayout *layout, const zel::tab_rows &rows, const std::string
 // What the view and the renderer leave free beside a text.
 int cell_margin(GtkTreeView *view)
 {
-    constexpr int renderer_padding = 8; // and some air
+    constexpr int renderer_padding = 5; // and some air
     gint separator = 0;
     gint line = 0;
     gtk_widget_ensure_style(GTK_WIDGET(view));
@@ -179,6 +210,7 @@ int cell_margin(GtkTreeView *view)
 struct text_need {
     int least = 0;
     int whole = 0;
+    int shortest = 0; // 0: the same as least
 };
 
 // What is measured once for all columns.
@@ -216,7 +248,8 @@ struct measures {
         case tab_cell::number:
             return {text_width(layout, std::to_string(rows.rows.size()).c_str()), 0};
         case tab_cell::date:
-            return {text_width(layout, "0000-00-00"), text_width(layout, "0000-00-00 00:00:00")};
+            return {text_width(layout, "0000-00-00"), text_width(layout, "0000-00-00 00:00:00"),
+                    text_width(layout, "00-00")};
         case tab_cell::name:
             return {0, row.column == COL_GROUP ? widest_group : widest_item};
         case tab_cell::text:
@@ -269,7 +302,8 @@ column_need need_of(GtkTreeViewColumn *column, const text_need &text, int margin
     const tab_column_row &row = zel::tab_row_of(column);
     const text_need title = title_need(column);
     const int least = std::max({row.least, title.least, text.least > 0 ? text.least + margin : 0});
-    return {row.kind, least, std::max({least, title.whole, text.whole + margin})};
+    const int shortest = text.shortest > 0 ? std::max(title.least, text.shortest + margin) : 0;
+    return {row.kind, least, std::max({least, title.whole, text.whole + margin}), shortest};
 }
 
 // Gives the columns their widths; false when they have them already.
@@ -284,6 +318,7 @@ bool lay_out(GtkTreeView *view, int room)
     for (GtkTreeViewColumn *column : zel::each<GtkTreeViewColumn>(list)) {
         needs.push_back(need_of(column, texts[needs.size()], margin));
         g_object_set_data(G_OBJECT(column), whole_key, GINT_TO_POINTER(needs.back().whole));
+        g_object_set_data(G_OBJECT(column), least_key, GINT_TO_POINTER(needs.back().least));
     }
     bool changed = false;
     std::size_t next = 0;
@@ -354,7 +389,10 @@ std::vector<int> share_width(const std::vector<column_need> &needs, int room)
     std::vector<int> widths(needs.size());
     std::transform(needs.begin(), needs.end(), widths.begin(),
                    [](const column_need &need) { return need.least; });
-    room = std::max(0, room - std::accumulate(widths.begin(), widths.end(), 0));
+    shorten(widths, needs, room);
+    room -= std::accumulate(widths.begin(), widths.end(), 0);
+    complete(widths, needs, room);
+    room = std::max(0, room);
     grow(widths, needs, tab_cell::name, room);
     grow(widths, needs, tab_cell::ready, room);
     grow(widths, needs, tab_cell::date, room);
@@ -399,10 +437,15 @@ void tab_widths_measure(GtkTreeView *view)
     lay_out_now(view);
 }
 
-bool tab_shows_time(GtkTreeViewColumn *column)
+tab_date_part tab_shown_part(GtkTreeViewColumn *column)
 {
-    return gtk_tree_view_column_get_width(column) >=
-           GPOINTER_TO_INT(g_object_get_data(G_OBJECT(column), whole_key));
+    const auto kept = [column](const char *key) {
+        return GPOINTER_TO_INT(g_object_get_data(G_OBJECT(column), key));
+    };
+    const int width = gtk_tree_view_column_get_width(column);
+    if (width >= kept(whole_key))
+        return tab_date_part::time;
+    return width >= kept(least_key) ? tab_date_part::day : tab_date_part::month_and_day;
 }
 
 std::string tab_hidden_text(GtkTreeView *view, GtkTreeViewColumn *column, GtkTreeIter *iter)

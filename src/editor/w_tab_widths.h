@@ -1,8 +1,9 @@
 #pragma once
 
 // How wide the columns of the list are: as wide as what they show, as far as the list has room.
-// Titles are always whole. Then groups and items get room, then the time beside the day, then the
-// texts. A column that the user has dragged keeps its width.
+// Titles are always whole, and the items are in sight: where they would not be, the day is shown
+// without its year. Then groups and items get room, then the time beside the day, then the texts. A
+// column that the user has dragged keeps its width.
 
 #include <gtk/gtk.h>
 
@@ -30,6 +31,7 @@ struct column_need {
     tab_cell kind;
     int least;
     int whole;
+    int shortest = 0; // where the items would be out of sight otherwise; 0: the same
 };
 
 // The columns' widths in a list of so many pixels.
@@ -45,8 +47,9 @@ const tab_column_row &tab_row_of(GtkTreeViewColumn *column);
 // The rows or the titles are others. The view shows a ZelTabModel.
 void tab_widths_measure(GtkTreeView *view);
 
-// Whether the column of the dates has room for the time.
-bool tab_shows_time(GtkTreeViewColumn *column);
+// What the column of the dates has room for.
+enum class tab_date_part { month_and_day, day, time };
+tab_date_part tab_shown_part(GtkTreeViewColumn *column);
 
 // The text of a cell when not all of it is seen, else empty.
 [[nodiscard]] std::string tab_hidden_text(GtkTreeView *view, GtkTreeViewColumn *column,

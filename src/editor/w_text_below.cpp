@@ -2,7 +2,9 @@
 
 #include "config/ini.h"
 #include "editor/accessible.h"
+#include "editor/theme.h"
 #include "editor/ui-text.h"
+#include "editor/w_text_checks.h"
 #include "source/misc.h"
 
 #include <algorithm>
@@ -77,9 +79,9 @@ GdkColor mixed(const GdkColor &a, const GdkColor &b, unsigned parts_of_a, unsign
 }
 
 // The view lies on the panel's ground, so that nobody takes it for a field.
-void follow_style(GtkWidget *label, GtkStyle *, gpointer view)
+void follow_style(GtkWidget *row, GtkStyle *, gpointer view)
 {
-    const GtkStyle *style = gtk_widget_get_style(label);
+    const GtkStyle *style = gtk_widget_get_style(row);
     const GdkColor &ground = style->bg[GTK_STATE_NORMAL];
     const GdkColor letters = mixed(style->fg[GTK_STATE_NORMAL], ground, 3, 4);
     for (const GtkStateType state : {GTK_STATE_NORMAL, GTK_STATE_INSENSITIVE})
@@ -115,6 +117,8 @@ void show_text(text_below &below, lang_entry_t *entry)
     for (const char *line : each<char>(is_missing ? nullptr : entry->texts))
         all += utf8_shown(line);
     gtk_text_buffer_set_text(buffer, is_missing ? ui_text("text", "none") : all.c_str(), -1);
+    text_colour_pieces_of(below.view);
+    gtk_widget_set_tooltip_text(below.view, all.c_str());
     gtk_widget_set_sensitive(below.view, is_missing ? FALSE : TRUE);
     GtkTextIter start;
     gtk_text_buffer_get_start_iter(buffer, &start);
@@ -242,9 +246,9 @@ GtkWidget *text_below_new(Zeltext *text, int field, GtkWidget *view)
     gtk_container_add(GTK_CONTAINER(scrolled), view);
     below.label = gtk_label_new(nullptr);
     gtk_misc_set_alignment(GTK_MISC(below.label), 0.0F, 0.0F);
-    gtk_widget_set_sensitive(below.label, FALSE);
-    g_signal_connect(below.label, "style-set", G_CALLBACK(follow_style), view);
+    show_faint(below.label, true);
     below.row = gtk_hbox_new(FALSE, gap);
+    g_signal_connect(below.row, "style-set", G_CALLBACK(follow_style), view);
     gtk_box_pack_start(GTK_BOX(below.row), below.label, FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(below.row), scrolled, TRUE, TRUE, 0);
     gtk_widget_show_all(below.row);

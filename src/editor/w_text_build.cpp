@@ -2,6 +2,7 @@
 
 #include "app/global.h"
 #include "editor/accessible.h"
+#include "editor/scrolled-box.h"
 #include "editor/text-pieces.h"
 #include "editor/text-runs.h"
 #include "editor/text-signs.h"
@@ -22,6 +23,7 @@ using zel::fields;
 constexpr int used_in_width = 220;
 constexpr int margin = 6;
 constexpr int above_lines = 2;
+constexpr int least_width = 40; // of a field, whose text wraps; its own would move the divider
 constexpr const char *caption_key = "zel-caption"; // where a row keeps its caption
 
 GtkWidget *make_caption(GtkWidget *view)
@@ -105,7 +107,39 @@ void share_below(Zeltext *text, const below_heights &heights, int left)
         GtkWidget *scrolled = zel::text_below_scrolled(text, static_cast<int>(number));
         if (requested_height(scrolled) != least + more)
             gtk_widget_set_size_request(scrolled, -1, least + more);
+        // A bar of one line's height is of no use.
+        gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER,
+                                       more < least ? GTK_POLICY_NEVER : GTK_POLICY_AUTOMATIC);
+        gtk_widget_set_has_tooltip(text->below[number].view, least + more < most);
     }
+}
+
+// A suggestion's line without one keeps the fields in their places from item to item, unless they
+// lack its room. Gives what the other things than the fields ask for.
+int fold_empty_lines(Zeltext *text, int others, int room)
+{
+    int saved = 0;
+    const std::array<GtkWidget *, 2> labels{text->suggestion1_label, text->suggestion2_label};
+    const auto is_empty = [](GtkWidget *label) {
+        return gtk_widget_get_visible(label) != 0 && *gtk_label_get_text(GTK_LABEL(label)) == '\0';
+    };
+    for (GtkWidget *label : labels) {
+        if (!is_empty(label))
+            continue;
+        int height = 0;
+        pango_layout_get_pixel_size(gtk_label_get_layout(GTK_LABEL(label)), nullptr, &height);
+        GtkRequisition now{};
+        gtk_widget_get_child_requisition(label, &now);
+        others += height - now.height;
+        saved += height - 1;
+    }
+    const bool folds = others > room;
+    for (GtkWidget *label : labels) {
+        const int wanted = folds && is_empty(label) ? 1 : 0;
+        if (requested_height(label) != wanted)
+            gtk_widget_set_size_request(label, -1, wanted == 0 ? -1 : wanted);
+    }
+    return folds ? others - saved : others;
 }
 
 // Shares the panel's height out among the fields.
@@ -128,9 +162,11 @@ void share_height(GtkWidget *viewport, GtkAllocation *place, gpointer data)
     for (const int number : {TEXT_TRANS1, TEXT_TRANS2})
         if (below[static_cast<std::size_t>(number)].most != 0)
             below_more -= requested_height(zel::text_below_scrolled(text, number));
-    const int others = wanted.height - languages * (comment_now + trans_now) + below_more;
     const field_t &comment = fields[TEXT_COMMENT1];
     const field_t &trans = fields[TEXT_TRANS1];
+    const int others =
+        fold_empty_lines(text, wanted.height - languages * (comment_now + trans_now) + below_more,
+                         place->height - languages * (comment.lines + trans.lines) * line);
     const int room = (place->height - others) / languages - trans.height;
     const int comment_height =
         std::clamp(room, comment.lines * line, std::max(comment.height, comment.lines * line));
@@ -229,6 +265,7 @@ void make_field(Zeltext *text, int number, GtkWidget *box)
     const field_t &field = fields[number];
     const bool is_comment = number == TEXT_COMMENT1 || number == TEXT_COMMENT2;
     GtkWidget *view = make_text_view(field.height);
+    gtk_widget_set_size_request(view, least_width, field.height);
     GtkWidget *label = make_caption(view);
     text->*field.view = view;
     text->*field.label = label;
@@ -250,7 +287,7 @@ GtkWidget *make_language_frame(Zeltext *text, int comment, int trans)
     make_field(text, comment, box);
     make_field(text, trans, box);
     GtkWidget *frame = gtk_frame_new(nullptr);
-    gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_NONE);
+    zel::make_bare(frame);
     gtk_container_add(GTK_CONTAINER(frame), box);
     return frame;
 }
@@ -261,6 +298,7 @@ GtkWidget *make_name_entry()
     GtkWidget *entry = gtk_entry_new();
     gtk_entry_set_width_chars(GTK_ENTRY(entry), 8);
     zel::set_accessible_name(entry, zel::ui_text("tab-edit", "Item"));
+    zel::draw_line_in_dark(entry);
     return entry;
 }
 
@@ -288,12 +326,9 @@ GtkWidget *make_used_in(Zeltext *text)
     text->used_in_view = make_text_view(-1);
     gtk_widget_set_sensitive(text->used_in_view, FALSE);
     zel::set_accessible_name(text->used_in_view, title);
-    GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
+    GtkWidget *scrolled = zel::scrolled_box_new(text->used_in_view);
     gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
                                    GTK_POLICY_AUTOMATIC);
-    gtk_scrolled_window_add_with_viewport(GTK_SCROLLED_WINDOW(scrolled), text->used_in_view);
-    GtkWidget *viewport = gtk_bin_get_child(GTK_BIN(scrolled));
-    gtk_viewport_set_shadow_type(GTK_VIEWPORT(viewport), GTK_SHADOW_NONE);
     GtkWidget *frame = zel::make_line_frame();
     gtk_widget_set_size_request(frame, used_in_width, -1);
     gtk_container_add(GTK_CONTAINER(frame), scrolled);
@@ -302,21 +337,10 @@ GtkWidget *make_used_in(Zeltext *text)
     GtkWidget *box = gtk_vbox_new(FALSE, 2);
     gtk_box_pack_start(GTK_BOX(box), label, FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(box), frame, TRUE, TRUE, 0);
+    const int scroll_bar = 20;
+    gtk_box_pack_start(GTK_BOX(box), zel::text_all_findings_new(text, used_in_width - scroll_bar),
+                       FALSE, FALSE, 0);
     return box;
-}
-
-GtkWidget *make_scrolled_box(Zeltext *text, GtkWidget *box)
-{
-    GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
-    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER,
-                                   GTK_POLICY_AUTOMATIC);
-    gtk_scrolled_window_add_with_viewport(GTK_SCROLLED_WINDOW(scrolled), box);
-    GtkWidget *viewport = gtk_bin_get_child(GTK_BIN(scrolled));
-    gtk_viewport_set_shadow_type(GTK_VIEWPORT(viewport), GTK_SHADOW_NONE);
-    gtk_container_set_focus_vadjustment(
-        GTK_CONTAINER(box), gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(scrolled)));
-    g_signal_connect(viewport, "size-allocate", G_CALLBACK(share_height), text);
-    return scrolled;
 }
 
 } // namespace
@@ -325,7 +349,7 @@ namespace zel {
 
 void build_text_panel(Zeltext *text)
 {
-    gtk_frame_set_shadow_type(GTK_FRAME(text), GTK_SHADOW_NONE);
+    make_bare(GTK_WIDGET(text));
     GtkWidget *panes = gtk_hbox_new(FALSE, 2);
     gtk_container_set_border_width(GTK_CONTAINER(panes), 2);
     GtkWidget *box = gtk_vbox_new(FALSE, 2);
@@ -334,7 +358,10 @@ void build_text_panel(Zeltext *text)
     text->lang2_frame = make_language_frame(text, TEXT_COMMENT2, TEXT_TRANS2);
     gtk_box_pack_start(GTK_BOX(box), text->lang1_frame, TRUE, TRUE, 0);
     gtk_box_pack_start(GTK_BOX(box), text->lang2_frame, TRUE, TRUE, 0);
-    gtk_box_pack_start(GTK_BOX(panes), make_scrolled_box(text, box), TRUE, TRUE, 0);
+    GtkWidget *scrolled = zel::scrolled_box_new(box);
+    g_signal_connect(gtk_bin_get_child(GTK_BIN(scrolled)), "size-allocate",
+                     G_CALLBACK(share_height), text);
+    gtk_box_pack_start(GTK_BOX(panes), scrolled, TRUE, TRUE, 0);
     if (lang_global.editor_mode != 0)
         gtk_box_pack_start(GTK_BOX(panes), make_used_in(text), FALSE, FALSE, 0);
     gtk_container_add(GTK_CONTAINER(text), panes);

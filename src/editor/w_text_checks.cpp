@@ -2,9 +2,11 @@
 
 #include "assist/pieces.h"
 #include "editor/accessible.h"
+#include "editor/scrolled-box.h"
 #include "editor/text-places.h"
 #include "editor/ui-text.h"
 
+#include <algorithm>
 #include <string>
 
 namespace {
@@ -27,13 +29,6 @@ GtkTextTag *tag_of(GtkWidget *view)
     follow_style(view, nullptr, tag);
     g_signal_connect(view, "style-set", G_CALLBACK(follow_style), tag);
     return tag;
-}
-
-void colour(GtkWidget *view)
-{
-    GtkTextBuffer *buffer = buffer_of(view);
-    const std::string text = zel::buffer_text(buffer);
-    zel::tag_places(buffer, tag_of(view), zel::places_of(text, zel::assist::pieces_of(text)));
 }
 
 std::string joined(const std::vector<zel::assist::remark> &told, const char *between)
@@ -61,6 +56,45 @@ void show_remarks(GtkWidget *label, GtkWidget *view, const std::vector<zel::assi
     gtk_widget_set_tooltip_text(label, text.empty() ? nullptr : joined(told, "\n").c_str());
     gtk_widget_set_visible(label, !text.empty());
     zel::set_accessible_description(view, text.c_str());
+}
+
+// The findings are read to their ends: below each other where a label cuts them.
+void findings_placed(GtkWidget *, GtkAllocation *, gpointer data)
+{
+    Zeltext *text = ZEL_TEXT(data);
+    bool is_cut = false;
+    for (GtkWidget *label : {text->finding1_label, text->finding2_label})
+        is_cut = is_cut || (gtk_widget_get_visible(label) != 0 &&
+                            pango_layout_is_ellipsized(gtk_label_get_layout(GTK_LABEL(label))));
+    gtk_widget_set_visible(text->all_findings, is_cut);
+}
+
+void show_all_findings(Zeltext *text, const zel::assist::remarks &told)
+{
+    constexpr int most_lines = 6; // the rest is scrolled to
+    GtkWidget *label = gtk_bin_get_child(GTK_BIN(gtk_bin_get_child(GTK_BIN(text->all_findings))));
+    std::string all;
+    for (const int number : {TEXT_TRANS1, TEXT_TRANS2}) {
+        const auto &of_field = told[static_cast<std::size_t>(number)];
+        const lang_entry_t *entry = text->*zel::fields[number].entry;
+        if (of_field.empty() || entry == nullptr)
+            continue;
+        all += (all.empty() ? "" : "\n") + zel::utf8_shown(entry->lang) + ": " +
+               joined(of_field, "; ");
+    }
+    if (all.empty())
+        gtk_widget_hide(text->all_findings);
+    if (all == gtk_label_get_text(GTK_LABEL(label)))
+        return;
+    gtk_label_set_text(GTK_LABEL(label), all.c_str());
+    PangoLayout *line = gtk_widget_create_pango_layout(label, "x");
+    int height = 0;
+    pango_layout_get_pixel_size(line, nullptr, &height);
+    g_object_unref(line);
+    GtkRequisition whole{};
+    gtk_widget_size_request(label, &whole);
+    gtk_widget_set_size_request(text->all_findings, -1,
+                                std::min(whole.height, most_lines * height));
 }
 
 } // namespace
@@ -92,12 +126,39 @@ void text_show_remarks(Zeltext *text, const assist::remarks &told)
 {
     show_remarks(text->finding1_label, text->trans1_view, told[0]);
     show_remarks(text->finding2_label, text->trans2_view, told[1]);
+    if (text->all_findings != nullptr)
+        show_all_findings(text, told);
+}
+
+GtkWidget *text_all_findings_new(Zeltext *text, int width)
+{
+    GtkWidget *label = gtk_label_new(nullptr);
+    gtk_misc_set_alignment(GTK_MISC(label), 0.0F, 0.0F);
+    gtk_misc_set_padding(GTK_MISC(label), 4, 2);
+    gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
+    gtk_label_set_line_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);
+    gtk_widget_set_size_request(label, width, -1);
+    gtk_widget_show(label);
+    text->all_findings = scrolled_box_new(label);
+    gtk_widget_show_all(text->all_findings);
+    gtk_widget_set_no_show_all(text->all_findings, TRUE);
+    gtk_widget_hide(text->all_findings);
+    for (GtkWidget *finding : {text->finding1_label, text->finding2_label})
+        g_signal_connect(finding, "size-allocate", G_CALLBACK(findings_placed), text);
+    return text->all_findings;
+}
+
+void text_colour_pieces_of(GtkWidget *view)
+{
+    GtkTextBuffer *buffer = buffer_of(view);
+    const std::string text = buffer_text(buffer);
+    tag_places(buffer, tag_of(view), places_of(text, assist::pieces_of(text)));
 }
 
 void text_colour_pieces(Zeltext *text)
 {
-    colour(text->trans1_view);
-    colour(text->trans2_view);
+    for (const field_t &field : fields)
+        text_colour_pieces_of(text->*field.view);
 }
 
 } // namespace zel

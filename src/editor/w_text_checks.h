@@ -20,8 +20,15 @@ constexpr const char *text_piece_tag = "application-piece";
 // Shows the remarks on the two translations, also to assistive technology.
 void text_show_remarks(Zeltext *text, const assist::remarks &told);
 
-// Colours the parts of the translations that belong to the application. Costs nothing but the look
-// at the texts while these parts stay.
+// Where the remarks stand in full when they have no room beside the captions; hidden while they
+// have.
+[[nodiscard]] GtkWidget *text_all_findings_new(Zeltext *text, int width);
+
+// Colours the parts of a view's text that belong to the application. Costs nothing but the look at
+// the text while these parts stay.
+void text_colour_pieces_of(GtkWidget *view);
+
+// The same in all fields of the panel.
 void text_colour_pieces(Zeltext *text);
 
 } // namespace zel

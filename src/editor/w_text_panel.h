@@ -57,6 +57,7 @@ struct Zeltext {
     GtkWidget *suggestion1_label; // under the translations: how a similar text is translated
     GtkWidget *suggestion2_label;
     zel::text_below below[2]; // of the two translations
+    GtkWidget *all_findings;  // modes 1 and 2: what is wrong, where the labels cannot hold it
     int made[TEXT_FIELDS];    // the bound entry came to be by being shown, and is in no file
 };
 

@@ -59,6 +59,37 @@ TEST_F(Cells, ATextIsDrawnAsByTheToolkit)
     g_object_unref(theirs);
 }
 
+TEST_F(Cells, RowsOfAllTextsAreAlike)
+{
+    GtkCellRenderer *cell = GTK_CELL_RENDERER(g_object_ref_sink(zel::text_cell_new()));
+    std::vector<gint> heights;
+    for (const char *text : {"plain", "\u0e17\u0e35\u0e48", "\u65b0\u3057\u3044", "\u2026"}) {
+        g_object_set(cell, "text", text, "underline", PANGO_UNDERLINE_ERROR, nullptr);
+        gtk_cell_renderer_get_size(cell, window, nullptr, nullptr, nullptr, nullptr,
+                                   &heights.emplace_back());
+    }
+    g_object_unref(cell);
+    EXPECT_EQ(std::count(heights.begin(), heights.end(), heights[0]), 4) << heights[1];
+}
+
+TEST_F(Cells, TheMarkOfARowIsSeenOnItsOwnColour)
+{
+    const GdkColor blue{0, 0, 0, 0xffff};
+    gtk_widget_modify_base(window, GTK_STATE_NORMAL, &blue);
+    GdkPixbuf *mark = gdk_pixbuf_new(GDK_COLORSPACE_RGB, FALSE, 8, 12, 12);
+    gdk_pixbuf_fill(mark, 0x0000ff00);
+    GtkCellRenderer *cell = GTK_CELL_RENDERER(g_object_ref_sink(zel::mark_cell_new()));
+    const std::string ground = picture_of(cell, 20);
+    g_object_set(cell, "pixbuf", mark, nullptr);
+    EXPECT_TRUE(picture_of(cell, 20) == ground) << "this is what the line is for";
+    const std::string seen = picture_of(cell, 20, GTK_CELL_RENDERER_SELECTED);
+    const auto bright = std::count(seen.begin(), seen.end(), '\xff') -
+                        std::count(ground.begin(), ground.end(), '\xff');
+    EXPECT_EQ(bright, 2 * 4 * 13) << "red and green of the line around";
+    g_object_unref(cell);
+    g_object_unref(mark);
+}
+
 TEST_F(Cells, ReadyMarksDifferAndAreSeenOnDarkGround)
 {
     GtkCellRenderer *cell = GTK_CELL_RENDERER(g_object_ref_sink(zel::ready_cell_new()));

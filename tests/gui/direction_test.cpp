@@ -1,3 +1,4 @@
+#include "config/ini.h"
 #include "editor-fixture.h"
 
 #include "editor/text-runs.h"
@@ -8,6 +9,19 @@ namespace {
 
 class Direction : public gui::Editor {
 protected:
+    // The y at which the first of these letters stands.
+    static int line_of(GtkWidget *widget, const std::string &letters)
+    {
+        GtkTextView *view = GTK_TEXT_VIEW(widget);
+        const std::string text = text_of(widget);
+        GtkTextIter iter;
+        GdkRectangle place{};
+        gtk_text_buffer_get_iter_at_offset(
+            gtk_text_view_get_buffer(view), &iter,
+            static_cast<int>(g_utf8_strlen(text.c_str(), static_cast<long>(text.find(letters)))));
+        gtk_text_view_get_iter_location(view, &iter, &place);
+        return place.y;
+    }
     // What the view shows where these letters of its text stand.
     static std::string picture_of(GtkWidget *widget, const std::string &letters)
     {
@@ -85,6 +99,57 @@ TEST_F(Direction, TheListsModelHoldsTextsAsTheyAre)
         EXPECT_EQ(text.compare(0, std::strlen(first), first), 0) << first;
         g_free(item);
         g_free(first);
+    });
+}
+
+constexpr char hebrew[] = R"(version 1
+define file "e" lang "english" 200 200 1
+define file "g" lang "german" 200 200 1
+define file "h" lang "hebrew" 200 200 0
+GROUP "menu" {
+  ITEM "alone" { USED YES LANG "hebrew" { "%-5d" } COMMENT "german" { "%-5d" } }
+  ITEM "within" { USED YES LANG "hebrew" { "נשמרו %-5d קבצים" } COMMENT "german" { "נשמרו %-5d קבצים" } }
+}
+)";
+
+TEST_F(Direction, SoAreThoseOfCommentsAndOfAThirdLanguage)
+{
+    gui::write_file(source(), hebrew);
+    gui::run_editor(source(), [&] {
+        ini_set_below(ini, 0, "hebrew");
+        zel::edit_reload();
+        std::vector<GtkWidget *> views{panel()->comment2_view, panel()->below[0].view};
+        std::vector<std::string> alone;
+        for (GtkWidget *view : views) {
+            gui::settle(50);
+            alone.push_back(picture_of(view, "%-5d"));
+        }
+        edit_ctrl.next(editWin);
+        gui::settle(50);
+        for (std::size_t i = 0; i < views.size(); ++i)
+            EXPECT_TRUE(picture_of(views[i], "%-5d") == alone[i]) << text_of(views[i]);
+    });
+}
+
+TEST_F(Direction, APieceOnTwoLinesIsARunOnEach)
+{
+    gui::run_editor(source(), [&] {
+        const auto break_piece = [](GtkWidget *view, const char *letter) {
+            std::string text = " <span class=\"abc\">";
+            do { // until the blank in the tag is where the line ends
+                text = letter + text;
+                translate(view, text.c_str());
+                gui::settle(20);
+            } while (text.size() < 1000 && line_of(view, "<span") == line_of(view, "class"));
+            EXPECT_LT(line_of(view, "<span"), line_of(view, "class"));
+        };
+        break_piece(panel()->trans1_view, "x");
+        break_piece(panel()->trans2_view, "ש");
+        for (const char *part : {"<span", "class=\"abc\">"})
+            EXPECT_TRUE(picture_of(panel()->trans1_view, part) ==
+                        picture_of(panel()->trans2_view, part))
+                << part;
+        lang_global.modified = 0;
     });
 }
 

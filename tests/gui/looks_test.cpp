@@ -87,6 +87,9 @@ TEST_F(Looks, EveryFieldHasItsLinesInTheSmallestWindow)
             lang_global.editor_mode = mode;
             run_editor(source(), [&] {
                 settle(200);
+                for (GtkWidget *frame :
+                     {panel()->lang1_frame, panel()->lang2_frame, panel_widget()})
+                    EXPECT_EQ(gtk_widget_get_style(frame)->ythickness, 0) << "room for no line";
                 for (GtkWidget *view : {panel()->comment1_view, panel()->comment2_view})
                     EXPECT_GE(lines_in(view), 1) << font << ", mode " << mode;
                 for (GtkWidget *view : {panel()->trans1_view, panel()->trans2_view})
@@ -129,6 +132,51 @@ TEST_F(Looks, AThemeWithoutAPartForTheToolkitIsNone)
     EXPECT_FALSE(zel::has_theme(""));
 }
 
+TEST_F(Looks, AFaintLabelFollowsTheThemeOfItsWindow)
+{
+    gtk_rc_parse_string("style \"red\" { fg[NORMAL] = \"#ff0000\" bg[NORMAL] = \"#000000\" }\n"
+                        "widget \"red-window*\" style \"red\"");
+    GtkWidget *faint = gtk_label_new("none");
+    zel::show_faint(faint, true);
+    GtkWidget *window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    gtk_widget_set_name(window, "red-window");
+    gtk_container_add(GTK_CONTAINER(window), faint);
+    gtk_widget_show_all(window);
+    const auto red = [faint] { return gtk_widget_get_style(faint)->fg[GTK_STATE_NORMAL].red; };
+    EXPECT_NEAR(red(), 0xffff * 6 / 10, 0x400);
+    EXPECT_EQ(gtk_widget_get_style(faint)->fg[GTK_STATE_NORMAL].green, 0);
+    zel::show_faint(faint, false);
+    EXPECT_EQ(red(), 0xffff);
+    gtk_widget_destroy(window);
+}
+
+TEST_F(Looks, AnEntryOnDarkGroundHasALine)
+{
+    const GdkColor dark{0, 0x2000, 0x2000, 0x2000};
+    const GdkColor light{0, 0xffff, 0xffff, 0xffff};
+    GtkWidget *entry = gtk_entry_new();
+    zel::draw_line_in_dark(entry);
+    GtkWidget *button = gtk_button_new(); // has the keyboard
+    GtkWidget *box = gtk_hbox_new(FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), button, FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), entry, TRUE, TRUE, 0);
+    GtkWidget *window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    gtk_container_add(GTK_CONTAINER(window), box);
+    gtk_widget_modify_text(entry, GTK_STATE_NORMAL, &light);
+    gtk_widget_show_all(window);
+    const auto edge = [entry] {
+        settle(50);
+        const std::string pixel =
+            pixels_of(gtk_widget_get_window(entry), {0, height_of(entry) / 2, 1, 1});
+        return std::vector<int>{pixel.begin(), pixel.begin() + 3};
+    };
+    const std::vector<int> line{0x63, 0x63, 0x63};
+    EXPECT_NE(edge(), line);
+    gtk_widget_modify_base(entry, GTK_STATE_NORMAL, &dark);
+    EXPECT_EQ(edge(), line);
+    gtk_widget_destroy(window);
+}
+
 TEST_F(Looks, TheSmallestWindowShowsTheItems)
 {
     write_file(source(), read_file(LANG_SOURCE_ROOT "/examples/notes.lang-src"));
@@ -162,6 +210,21 @@ TEST_F(Looks, TheDividerOfTheSmallestWindowStandsAlikeInAllModes)
             EXPECT_EQ(divider(), 400) << mode;
         });
     }
+}
+
+TEST_F(Looks, ALongTextLeavesTheDividerWhereItIs)
+{
+    std::string text = notes;
+    text.replace(text.find("{ \"Open\" }"), 10, "{ \"" + std::string(200, 'o') + " o\" }");
+    write_file(source(), text);
+    for (const int width : {800, 1280})
+        run_editor("", [&] {
+            resize(width, 800);
+            answer_next(choose(source()));
+            choose_entry("Load");
+            settle(100);
+            EXPECT_NEAR(list_share(), width == 800 ? 400 / 800.0 : 0.45, 0.02) << width;
+        });
 }
 
 TEST_F(Looks, ALargeWindowShowsNamesWholeHoweverItBecameLarge)

@@ -73,6 +73,47 @@ TEST_F(Suggest, TheSameOrASimilarTextIsTakenByKey)
     });
 }
 
+TEST_F(Suggest, WhatStandsInTheFieldAlreadyIsNot)
+{
+    with_index([&] {
+        key(mainWin, GDK_KEY_space, GDK_CONTROL_MASK);
+        EXPECT_EQ(german(), "Speichern");
+        EXPECT_EQ(suggestion(), "");
+        zel::text_focus_field(panel(), TEXT_TRANS2);
+        type(mainWin, "!");
+        EXPECT_EQ(suggestion(), "Speichern (file-action)") << german();
+        key(mainWin, GDK_KEY_BackSpace);
+        EXPECT_EQ(suggestion(), "");
+        key(mainWin, GDK_KEY_space, GDK_CONTROL_MASK);
+        EXPECT_EQ(status(), "No suggestion");
+        edit_ctrl.first(editWin);
+        EXPECT_EQ(suggestion(), "") << "the other item has the same text now";
+    });
+}
+
+TEST_F(Suggest, AnEmptyLineTakesNoRoomThatTheFieldsLack)
+{
+    const auto set_font = [](const char *name) {
+        gtk_settings_set_string_property(gtk_settings_get_default(), "gtk-font-name", name, "test");
+        settle(100);
+    };
+    with_index([&] {
+        GtkWidget *line = panel()->suggestion2_label;
+        go_to(4);
+        gtk_window_resize(GTK_WINDOW(mainWin), 800, 900);
+        settle(100);
+        EXPECT_EQ(suggestion(), "");
+        EXPECT_GT(height_of(line), 10) << "the fields keep their places from item to item";
+        gtk_window_resize(GTK_WINDOW(mainWin), 800, 600);
+        set_font("Sans 14");
+        EXPECT_LE(height_of(line), 1);
+        go_to(2);
+        settle(100);
+        EXPECT_GT(height_of(line), 10);
+        set_font("Sans 10");
+    });
+}
+
 TEST_F(Suggest, WhatIsTypedIsSuggestedAtOnce)
 {
     with_index([&] {

@@ -255,6 +255,10 @@ TEST_F(Below, FieldsKeepTheirLinesAndTheHelpTakesWhatIsLeft)
                 EXPECT_GE(height_of(panel()->*zel::fields[field].view), 2 * line) << mode;
                 EXPECT_GE(height_of(below(field).view), line) << mode;
                 EXPECT_LT(height_of(below(field).view), 5 * line) << mode;
+                GtkWidget *bar = gtk_scrolled_window_get_vscrollbar(
+                    GTK_SCROLLED_WINDOW(gtk_widget_get_parent(below(field).view)));
+                EXPECT_FALSE(gtk_widget_get_visible(bar) && height_of(below(field).view) < 2 * line)
+                    << "a bar of a line's height, " << mode;
             }
             EXPECT_GE(height_of(panel()->comment1_view), line) << mode;
             for (const int field : {TEXT_COMMENT1, TEXT_TRANS1, TEXT_COMMENT2, TEXT_TRANS2}) {
