@@ -241,8 +241,10 @@ void cb_open(GtkWidget *widget, gpointer)
         return;
     zel::edit_status(nullptr);
     char *chosen = zel::select_source(widget, zel::ui_text("common", "open file"));
-    if (chosen == nullptr)
+    if (chosen == nullptr) {
+        zel::recovery_write_soon(); // what was given up is still there
         return;
+    }
     set_file(chosen);
     zel::recovery_drop(); // it may have been written again while the chooser was open
     close_source();

@@ -216,6 +216,8 @@ void recovery_drop()
         unlink(now.path.c_str());
 }
 
+void recovery_write_soon() { look(nullptr); }
+
 void recovery_write_now(bool alone)
 {
     if (!is_changed())

@@ -29,6 +29,9 @@ void recovery_end();
 // The changes are saved, or given up: there is nothing to recover.
 void recovery_drop();
 
+// Does not wait for the next half minute with unsaved changes.
+void recovery_write_soon();
+
 // Writes the state at once, and is done when it returns, if there are unsaved changes. With alone
 // set in a process that has no other thread and is about to die: the file gets a name of its own,
 // and the one before stays.

@@ -38,34 +38,25 @@ void out_of_memory(int line) { _zel_fatal("min_lex", line, "Not enough memory");
 
 constexpr unsigned not_hex = 255; // what the splitter takes a character for that is no digit
 
-// An element as it is kept: the first one of a list remembers where the list ended, so that a list
-// of many messages grows in linear time.
-struct element_record {
-    min_lex_elem_t element;
-    zel_list *last; // of the list's nodes; null for the other elements
-};
-
-zel_list *&last_of(const zel_list *list) { return static_cast<element_record *>(list->data)->last; }
-
 void free_element(void *data)
 {
-    auto *record = static_cast<element_record *>(data);
-    std::free(record->element.id);
-    std::free(record->element.val);
-    std::free(record);
+    auto *element = static_cast<min_lex_elem_t *>(data);
+    std::free(element->id);
+    std::free(element->val);
+    std::free(element);
 }
 
 // val is null for an element without one.
 bool append_element(zel::list_end &list, const char *id, const char *val)
 {
-    auto *record = static_cast<element_record *>(std::calloc(1, sizeof(element_record)));
-    if (record == nullptr)
+    auto *element = static_cast<min_lex_elem_t *>(std::calloc(1, sizeof(min_lex_elem_t)));
+    if (element == nullptr)
         return false;
-    record->element = {zel_strdup2(id), zel_strdup2(val)};
-    if (record->element.id != nullptr && (val == nullptr || record->element.val != nullptr) &&
-        list.append(record))
+    *element = {zel_strdup2(id), zel_strdup2(val)};
+    if (element->id != nullptr && (val == nullptr || element->val != nullptr) &&
+        list.append(element))
         return true;
-    free_element(record);
+    free_element(element);
     return false;
 }
 
@@ -136,11 +127,13 @@ zel_list *remove_element(zel_list *list, zel_list *node)
     if (node == nullptr)
         return list;
     void *element = node->data;
-    zel_list *last = last_of(list) == node ? node->prev : last_of(list);
+    zel_list *last = zel::remembered_end(list);
+    if (last == node)
+        last = node->prev;
     list = zel_list_remove_link(list, node);
     free_element(element);
-    if (list != nullptr)
-        last_of(list) = last;
+    if (list != nullptr && last != nullptr)
+        zel::remember_end(list, last);
     return list;
 }
 
@@ -293,14 +286,14 @@ bool split_msg(zel_list *&list, const char *text, char separator, char assignmen
     const std::size_t size = std::strlen(text) + 2;
     const string_guard id(static_cast<char *>(std::malloc(size)));
     const string_guard val(static_cast<char *>(std::malloc(size)));
-    list_end end(list, list == nullptr ? nullptr : last_of(list));
+    list_end end(list, remembered_end(list));
     if (!id || !val)
         text = nullptr;
     while (text != nullptr && *text != '\0')
         text = split_element(end, text, separator, assignment, id.get(), val.get());
     list = end.head;
     if (list != nullptr)
-        last_of(list) = end.last;
+        remember_end(list, end.last);
     if (text == nullptr)
         out_of_memory(__LINE__);
     return text != nullptr;

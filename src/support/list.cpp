@@ -5,6 +5,7 @@
 #include "support/string-copy.h"
 #include "support/text.h"
 
+#include <array>
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
@@ -21,8 +22,25 @@ void count_one(std::uint32_t &counter)
     shared.store(shared.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
 }
 
+// How often nodes were released. The counter above is the caller's to set, and may miss some.
+std::atomic<std::uint64_t> releases;
+
+struct known_list {
+    const zel_list *head;
+    zel_list *last;
+    std::uint64_t releases; // when it was remembered
+};
+
+known_list &slot_of(const zel_list *list)
+{
+    constexpr std::size_t few = 8;
+    thread_local std::array<known_list, few> known;
+    return known[reinterpret_cast<std::uintptr_t>(list) / sizeof(zel_list) % few];
+}
+
 void release_node(zel_list *node)
 {
+    releases.fetch_add(1, std::memory_order_relaxed);
     std::free(node);
     count_one(zel_list_free_count);
 }
@@ -283,3 +301,20 @@ int key_val_sort_func_val(const void *a, const void *b)
     return compare_strings(static_cast<const key_val *>(a)->val,
                            static_cast<const key_val *>(b)->val);
 }
+
+namespace zel {
+
+zel_list *remembered_end(const zel_list *list)
+{
+    const known_list &slot = slot_of(list);
+    const bool holds = list != nullptr && slot.head == list &&
+                       slot.releases == releases.load(std::memory_order_relaxed);
+    return holds ? slot.last : nullptr;
+}
+
+void remember_end(const zel_list *list, zel_list *last)
+{
+    slot_of(list) = {list, last, releases.load(std::memory_order_relaxed)};
+}
+
+} // namespace zel

@@ -84,6 +84,11 @@ int key_val_sort_func_val(const void *a, const void *b);
 
 namespace zel {
 
+// The last node that a list is remembered to have, or null. A few lists of each thread are
+// remembered, until a node is released anywhere: what was appended behind it stands after it.
+zel_list *remembered_end(const zel_list *list);
+void remember_end(const zel_list *list, zel_list *last);
+
 // Appends to a list in constant time by remembering its last node.
 struct list_end {
     zel_list *head;

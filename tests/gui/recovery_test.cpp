@@ -166,6 +166,18 @@ TEST_F(RecoveryWindow, GoesWithDiscardedChangesAndIsMadeAgainForLaterOnes)
     });
 }
 
+TEST_F(RecoveryWindow, IsThereAtOnceWhereGivenUpChangesStay)
+{
+    zel::recovery_interval = 60 * 1000;
+    run_editor(source(), [&] {
+        translate(panel()->trans2_view, "auf");
+        answer_next(respond(GTK_RESPONSE_YES));
+        answer_next(respond(GTK_RESPONSE_CANCEL));
+        choose_entry("Load");
+        EXPECT_TRUE(wait_for([&] { return !files().empty(); }));
+    });
+}
+
 TEST_F(RecoveryWindow, AHomeThatCannotBeWrittenHurtsNothing)
 {
     const std::string home = zel::recovery_folder();

@@ -1,11 +1,14 @@
 #include "lex/min_lex.h"
 
 #include <cstdarg>
+#include <cstdlib>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
 
+#include "support/list.h"
 #include "support/log-print.h"
+#include "support/string-copy.h"
 #include "test-support.h"
 
 using zel_test::capture_stdout;
@@ -82,6 +85,31 @@ TEST(MinLexSplit, AppendsToAList)
               " min_lex_split_msg_print\n---------------------\nID:  a\nVAL: 1\n"
               "---------------------\nID:  b\n---------------------\nID:  c\nVAL: 2\n"
               "---------------------\n");
+}
+
+// Lists of a caller's own making, and ends that other functions take away.
+TEST(MinLexSplit, AppendsBehindWhateverIsTheEnd)
+{
+    auto *element = static_cast<min_lex_elem_t *>(std::malloc(sizeof(min_lex_elem_t)));
+    *element = {zel_strdup2("own"), nullptr};
+    zel_list *list = zel_list_append(nullptr, element);
+    list = min_lex_split_msg(list, "a=1;b", ';', '=');
+    for (const char *text : {"c", "d;e"}) {
+        zel_list *last = zel_list_last(list);
+        auto *gone = static_cast<min_lex_elem_t *>(last->data);
+        for (void *part : {static_cast<void *>(gone->id), static_cast<void *>(gone->val),
+                           static_cast<void *>(gone)})
+            std::free(part);
+        list = zel_list_remove_link(list, last);
+        list = min_lex_split_msg(list, text, ';', '=');
+    }
+    list = zel_list_concat(list, min_lex_split_msg(nullptr, "f;g", ';', '='));
+    list = min_lex_split_msg(list, "h", ';', '=');
+    EXPECT_EQ(elements(list), "own a=<1> d e f g h");
+    std::int32_t number = 0;
+    list = min_lex_split_msg_get_int_free2(list, "own", &number);
+    const min_lex_msg_guard guard(min_lex_split_msg(list, "i", ';', '='));
+    EXPECT_EQ(elements(guard.get()), "a=<1> d e f g h i");
 }
 
 TEST(MinLexSplit, AppendsBehindWhateverWasTakenOut)
