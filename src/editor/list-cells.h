@@ -8,8 +8,9 @@
 namespace zel {
 
 // A text cell that is laid out once, for the width it has; the toolkit's own lays out every
-// shortened text a second time. Its "wrap-width" is what it was drawn with last, and its height is
-// that of a line of the font, whatever the text is.
+// shortened text a second time. Its "wrap-width" is what it was drawn with last, and so is its
+// "text": a right-to-left one has the marks that keep it whole. Its height is that of a line of the
+// font, whatever the text is.
 [[nodiscard]] GtkCellRenderer *text_cell_new();
 
 // A toggle cell that draws its own marks, in the colour of the row's text, so that they can be told
