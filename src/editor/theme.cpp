@@ -183,8 +183,10 @@ gboolean draw_line_when_dark(GtkWidget *frame, GdkEventExpose *event, gpointer)
     const GdkColor line = between(style->base[GTK_STATE_NORMAL], style->text[GTK_STATE_NORMAL], 30);
     GtkAllocation place{};
     gtk_widget_get_allocation(frame, &place);
-    if (gtk_widget_get_has_window(frame) != 0)
+    if (gtk_widget_get_has_window(frame) != 0) { // an entry's is no higher than it asks for
         place.x = place.y = 0;
+        gdk_drawable_get_size(event->window, &place.width, &place.height);
+    }
     cairo_t *cairo = gdk_cairo_create(event->window);
     gdk_cairo_region(cairo, event->region);
     cairo_clip(cairo);

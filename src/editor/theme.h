@@ -17,8 +17,8 @@ bool has_theme(const char *name);
 // theme, and one that is seen also where a dark theme draws it in the colour of the ground.
 GtkWidget *make_line_frame();
 
-// Draws that line around a frame or an entry, which a dark theme may leave without one; one with the
-// keyboard has the theme's own.
+// Draws that line around a frame or an entry, which a dark theme may leave without one; one with
+// the keyboard has the theme's own.
 void draw_line_in_dark(GtkWidget *field);
 
 // A frame that only holds something together: no line, and no room for one.

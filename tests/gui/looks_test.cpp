@@ -163,11 +163,14 @@ TEST_F(Looks, AnEntryOnDarkGroundHasALine)
     GtkWidget *window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
     gtk_container_add(GTK_CONTAINER(window), box);
     gtk_widget_modify_text(entry, GTK_STATE_NORMAL, &light);
+    gtk_widget_set_size_request(button, 30, 80); // the entry's window is lower
     gtk_widget_show_all(window);
     const auto edge = [entry] {
         settle(50);
-        const std::string pixel =
-            pixels_of(gtk_widget_get_window(entry), {0, height_of(entry) / 2, 1, 1});
+        GdkWindow *own = gtk_widget_get_window(entry);
+        gint height = 0;
+        gdk_drawable_get_size(own, nullptr, &height);
+        const std::string pixel = pixels_of(own, {9, height - 1, 1, 1});
         return std::vector<int>{pixel.begin(), pixel.begin() + 3};
     };
     const std::vector<int> line{0x63, 0x63, 0x63};
