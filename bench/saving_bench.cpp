@@ -1,43 +1,21 @@
 // What saving costs per key and per language, for few and for many: it grows with their number and
 // nothing else.
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <system_error>
 
 #include <benchmark/benchmark.h>
 
 #include "compiler/split.h"
 #include "config/lang-cfg.h"
+#include "scratch.h"
 #include "source/model.h"
 #include "support/string-copy.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-
-// A folder of its own, which is the current one while it lives.
-struct scratch {
-    scratch() : before(fs::current_path())
-    {
-        std::string name = (fs::temp_directory_path() / "lang-bench-XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr)
-            std::abort();
-        folder = name;
-        fs::current_path(folder);
-    }
-    ~scratch()
-    {
-        std::error_code ignored;
-        fs::current_path(before, ignored);
-        fs::remove_all(folder, ignored);
-    }
-    scratch(const scratch &) = delete;
-    scratch &operator=(const scratch &) = delete;
-    fs::path before, folder;
-};
 
 // Reads a file of so many keys that nobody bound, and writes it again.
 void settings_keys(benchmark::State &state)

@@ -14,6 +14,7 @@
 
 #include "compiler/split.h"
 #include "lex/lex.h"
+#include "scratch.h"
 #include "source/lang-read.h"
 #include "source/lang-write.h"
 #include "source/model.h"
@@ -119,26 +120,6 @@ void read_and_release(benchmark::State &state)
         source_guard source(lang_read_file(path.c_str()));
     count_bytes(state);
 }
-
-// A folder of its own, which is the current one while it lives.
-struct scratch {
-    scratch() : before(fs::current_path())
-    {
-        std::string name = (fs::temp_directory_path() / "lang-bench-XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr)
-            std::abort();
-        folder = name;
-        fs::current_path(folder);
-    }
-    ~scratch()
-    {
-        fs::current_path(before);
-        fs::remove_all(folder);
-    }
-    scratch(const scratch &) = delete;
-    scratch &operator=(const scratch &) = delete;
-    fs::path before, folder;
-};
 
 void write_source(benchmark::State &state)
 {

@@ -221,9 +221,7 @@ int read_tokens(const scan &s, zel_lex_t *lex);
 
 void read_request(const scan &s, zel_lex_t *lex, const request_form &form)
 {
-    const zel_token_t *token = zel_next_token(lex);
-    while (form.skip_argument && token->id != ',' && token->id != TOKEN_EOF)
-        token = zel_next_token(lex);
+    skip_to_arguments(lex, form);
     if (form.description)
         read_described_entry(s, lex, form.symbol);
     else

@@ -13,7 +13,9 @@
 #include "support/string-copy.h"
 #include "support/time.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 #include <string>
 
@@ -34,12 +36,17 @@ void say_not_opened(const char *directory)
     std::printf("_check_rec: ERROR(1) open >%s<\n", directory);
 }
 
+void say_not_seen(const char *path)
+{
+    std::fprintf(stderr, "check: %s cannot be looked at: %s\n", path, std::strerror(errno));
+}
+
 int check_path(zel::item_index &index, const char *path, std::int64_t now)
 {
     LogPrint(1, "check: check directory >%s<\n", path);
     std::printf("check: check directory >%s<\n", path);
-    const int result = scan_path(
-        path, {[&](const char *file) { return check_file(index, file, now); }, say_not_opened});
+    const auto scan = [&](const char *file) { return check_file(index, file, now); };
+    const int result = scan_path(path, {scan, say_not_opened, say_not_seen});
     LogPrint(1, "check: free\n");
     return result;
 }
@@ -160,7 +167,7 @@ int _check_rec(LangSource *root, const char *directory)
     const auto check = [&](const char *file) {
         return zel::check_file(index, file, lang_global.start_time);
     };
-    if (zel::scan_directory(directory, {check, say_not_opened}) != 0)
+    if (zel::scan_directory(directory, {check, say_not_opened, say_not_seen}) != 0)
         lang_exit(0);
     return 0;
 }

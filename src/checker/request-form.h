@@ -59,4 +59,12 @@ inline constexpr request_form request_forms[] = {
     {WORD_SYM, 0, false, true, true},
 };
 
+// Takes what stands before the arguments that are read.
+inline void skip_to_arguments(zel_lex_t *lex, const request_form &form)
+{
+    const zel_token_t *token = zel_next_token(lex);
+    while (form.skip_argument && token->id != ',' && token->id != TOKEN_EOF)
+        token = zel_next_token(lex);
+}
+
 } // namespace zel

@@ -69,10 +69,8 @@ int search_entry(walk &w, const char *path, const char *name)
     const bool known = zel_stat(path, &status) == 0;
     if (known && S_ISDIR(status.st_mode))
         return step_down(w, path, {status.st_dev, status.st_ino});
-    if (!known && errno != ENOENT && errno != ELOOP && !is_scanned(name)) {
-        w.to.not_opened(path); // it may be a directory
-        return 0;
-    }
+    if (!known && errno != ENOENT && errno != ELOOP && !is_scanned(name))
+        w.to.not_seen(path);
     LogPrint(1, "_check_rec: check file >%s<>%s<\n", path, name);
     // Pipes and devices are no sources, and reading one might not end. What has no status (a link
     // that leads nowhere) is left to the scan to complain about.

@@ -55,9 +55,7 @@ void entry_table::load(const item_t *item)
     std::fill(found_.begin(), found_.end(), nullptr);
     std::size_t position = 0;
     for (const lang_entry_t *entry : each<lang_entry_t>(item->langs)) {
-        if (entry->lang == nullptr)
-            continue;
-        const std::uint32_t slot = slot_at(position++, entry->lang);
+        const std::uint32_t slot = slot_at(position++, or_empty(entry->lang));
         if (slot != no_slot && found_[slot] == nullptr)
             found_[slot] = entry;
     }

@@ -14,10 +14,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <fcntl.h>
 #include <memory>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -122,6 +120,7 @@ struct compiler {
     void write_group(const edit_t *group);
     void append_item(language_file &out, const item_t *item) const;
     bool put(zel::compile_answer &answer);
+    void leave_begun();
 };
 
 bool compiler::open(const char *destination, zel::compile_answer &answer)
@@ -130,7 +129,7 @@ bool compiler::open(const char *destination, zel::compile_answer &answer)
         language_file_ptr opened = open_language(lang, destination, answer);
         if (opened == nullptr)
             return false;
-        opened->slot = entries.add_language(lang->name);
+        opened->slot = entries.add_language(zel::or_empty(lang->name));
         files.push_back(std::move(opened));
     }
     default_slot = entries.add_language(source->default_lang);
@@ -214,6 +213,15 @@ bool compiler::put(zel::compile_answer &answer)
     return true;
 }
 
+// Once a file cannot be opened: those made before it stay with their first line, but none takes the
+// place of an older one, whose texts are better than none.
+void compiler::leave_begun()
+{
+    for (const language_file_ptr &out : files)
+        if (!out->place.is_there && out->finish() == 0)
+            out->file.put(out->place);
+}
+
 void log_directory(const char *destination)
 {
     LogPrint(1, "split_file: language directory >%s<\n", zel::or_empty(destination));
@@ -269,6 +277,8 @@ compile_answer compile_source(LangSource *source, const char *destination, const
     if (work.open(destination, answer)) {
         work.write();
         work.put(answer);
+    } else {
+        work.leave_begun();
     }
     if (answer.code != 0) {
         LogPrint(1, "split_file: ERROR write languages files\n");
@@ -316,7 +326,7 @@ void close_lang_files(GList *langs)
 int write_lang_entry_by_name(std::FILE *stream, const char *lang, item_t *item, int is_default)
 {
     zel::entry_table entries;
-    const std::uint32_t slot = entries.add_language(lang);
+    const std::uint32_t slot = entries.add_language(zel::or_empty(lang));
     entries.load(item);
     const lang_entry_t *entry = entries.find(slot);
     if (entry == nullptr)

@@ -50,13 +50,15 @@ struct chooser {
         if (folder != nullptr && folder[0] != '\0')
             gtk_file_chooser_set_current_folder(files(), folder);
     }
-    // An existing file is selected where it is; only a chooser to write can hold another name.
-    void preset(const char *name, bool writes) const
+    // A name that is no whole path is one of the folder. An existing file is selected where it is;
+    // only a chooser to write can hold another name.
+    void preset(const char *folder, const char *name, bool writes) const
     {
         if (name == nullptr || name[0] == '\0')
             return;
         std::error_code error;
-        const std::filesystem::path whole = std::filesystem::absolute(name, error);
+        const std::filesystem::path start = folder == nullptr ? "" : folder;
+        const std::filesystem::path whole = std::filesystem::absolute(start / name, error);
         if (error)
             return;
         if (std::filesystem::exists(whole, error)) {
@@ -76,7 +78,7 @@ char *select_file(const chooser &choose, char *folder, char *name, bool writes)
     zel_path_to_os(folder);
     zel_path_to_os(name);
     choose.start_in(folder);
-    choose.preset(name, writes);
+    choose.preset(folder, name, writes);
     return choose.run();
 }
 

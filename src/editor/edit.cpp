@@ -144,23 +144,23 @@ GtkWidget *make_notebook()
     return notebook;
 }
 
-GtkWidget *make_status_row()
+GtkWidget *make_status_frame()
 {
-    GtkWidget *row = gtk_hbox_new(FALSE, around_pane);
     GtkWidget *frame = gtk_frame_new(nullptr);
     gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_NONE);
-    statusWin = gtk_entry_new();
     gtk_container_set_border_width(GTK_CONTAINER(frame), 2);
+    GtkWidget *row = gtk_hbox_new(FALSE, around_pane);
+    gtk_container_add(GTK_CONTAINER(frame), row);
+    statusWin = gtk_entry_new();
     gtk_editable_set_editable(GTK_EDITABLE(statusWin), FALSE);
     gtk_widget_set_name(statusWin, "status");
     zel::set_accessible_name(statusWin, "Status");
-    gtk_container_add(GTK_CONTAINER(frame), statusWin);
-    gtk_box_pack_start(GTK_BOX(row), frame, TRUE, TRUE, 0);
+    gtk_box_pack_start(GTK_BOX(row), statusWin, TRUE, TRUE, 0);
     changed_sign = gtk_label_new(zel::ui_text("common", "changed"));
     gtk_widget_set_no_show_all(changed_sign, TRUE);
     gtk_misc_set_padding(GTK_MISC(changed_sign), around_pane, 0);
     gtk_box_pack_start(GTK_BOX(row), changed_sign, FALSE, FALSE, 0);
-    return row;
+    return frame;
 }
 
 void build_window()
@@ -174,7 +174,7 @@ void build_window()
     gtk_box_pack_start(GTK_BOX(box), zel::make_toolbar(), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(box), make_info_frame(), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(box), make_notebook(), TRUE, TRUE, 0);
-    gtk_box_pack_start(GTK_BOX(box), make_status_row(), FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), make_status_frame(), FALSE, FALSE, 0);
     zel::keep_window_place(mainWin);
     gtk_widget_show_all(mainWin);
 }

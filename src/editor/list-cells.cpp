@@ -1,14 +1,29 @@
 #include "editor/list-cells.h"
 
+#include "editor/text-runs.h"
+
 namespace {
 
 GtkCellRendererClass *text_class; // the toolkit's
+
+// What is drawn has the marks that keep a right-to-left text whole; the list's own text has none.
+void mark_runs(GtkCellRenderer *cell)
+{
+    gchar *text = nullptr;
+    g_object_get(cell, "text", &text, nullptr);
+    const std::string plain = text == nullptr ? "" : text;
+    g_free(text);
+    const std::string marked = zel::shown_in_runs(plain);
+    if (marked != plain)
+        g_object_set(cell, "text", marked.c_str(), nullptr);
+}
 
 // For a text in one paragraph the width to wrap at is the width to shorten to.
 void render_text(GtkCellRenderer *cell, GdkDrawable *window, GtkWidget *widget,
                  GdkRectangle *background, GdkRectangle *area, GdkRectangle *expose,
                  GtkCellRendererState flags)
 {
+    mark_runs(cell);
     gint padding = 0;
     gtk_cell_renderer_get_padding(cell, &padding, nullptr);
     gint before = 0;

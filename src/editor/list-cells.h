@@ -7,7 +7,8 @@
 namespace zel {
 
 // A text cell that is laid out once, for the width it has; the toolkit's own lays out every
-// shortened text a second time. Its "wrap-width" is what it was drawn with last.
+// shortened text a second time. Its "wrap-width" is what it was drawn with last, and so is its
+// "text": a right-to-left one has the marks that keep it whole.
 [[nodiscard]] GtkCellRenderer *text_cell_new();
 
 // A toggle cell that draws its own marks, in the colour of the row's text, so that they can be told

@@ -364,19 +364,19 @@ GtkWidget *make_text_side(ZelTabEdit *tab)
     return box;
 }
 
-GtkWidget *make_info_row(ZelTabEdit *tab)
+GtkWidget *make_info_frame(ZelTabEdit *tab)
 {
     GtkWidget *frame = gtk_frame_new(nullptr);
     gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_NONE);
+    GtkWidget *row = gtk_hbox_new(FALSE, spacing);
+    gtk_container_add(GTK_CONTAINER(frame), row);
     tab->info_label = gtk_label_new(nullptr);
     gtk_misc_set_alignment(GTK_MISC(tab->info_label), 0.0F, 0.5F);
-    gtk_container_add(GTK_CONTAINER(frame), tab->info_label);
-    GtkWidget *row = gtk_hbox_new(FALSE, spacing);
-    gtk_box_pack_start(GTK_BOX(row), frame, FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(row), tab->info_label, FALSE, FALSE, 0);
     tab->found_label = zel::tab_found_label_new();
     gtk_box_pack_start(GTK_BOX(row), tab->found_label, FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(row), tab->work->progress_label(), TRUE, TRUE, 0);
-    return row;
+    return frame;
 }
 
 void make_search(ZelTabEdit *tab)
@@ -418,7 +418,7 @@ void instance_init(GTypeInstance *instance, gpointer)
     gtk_box_pack_start(GTK_BOX(tab->search->row()), tab->work->filter_button(), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(box), tab->search->row(), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(box), panes, TRUE, TRUE, 0);
-    gtk_box_pack_start(GTK_BOX(box), make_info_row(tab), FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), make_info_frame(tab), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(tab), box, TRUE, TRUE, 0);
     gtk_widget_show_all(box);
     empty_text(tab, 0);

@@ -34,7 +34,6 @@ struct ZelTabEdit {
     GtkTreeModel *filter_model; // the rows of store that filter_func lets through
     GtkWidget *text_widget;     // Zeltext
     GtkWidget *info_label;      // "%d %s": how many items
-    GtkWidget *found_label;     // beside it, how many are found
     GtkWidget *ready_button;
     LangSource *lang_source;    // not owned
     GtkTreePath *selected_path; // in the list, while a row is selected
@@ -46,6 +45,7 @@ struct ZelTabEdit {
     GList *search_words;                  // of char *, only during a re-filter
     char *last_group;                     // group whose picture is shown; owned, never null
     int busy;                             // a selection or search handler runs
+    GtkWidget *found_label;               // beside info_label, how many are found
     std::shared_ptr<zel::tab_rows> *rows; // what the three models stand on
     zel::tab_search *search;              // the row above the list
     zel::tab_suggest *suggest;            // help with its translations

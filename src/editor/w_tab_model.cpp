@@ -1,6 +1,5 @@
 #include "editor/w_tab_model.h"
 
-#include "editor/text-runs.h"
 #include "editor/ui-text.h"
 #include "source/misc.h"
 #include "support/time.h"
@@ -102,13 +101,13 @@ void set_cell(const zel::tab_rows &rows, int number, int column, GValue *value)
         set_string(value, zel::utf8_shown(row.group->name));
         break;
     case COL_ITEM:
-        set_string(value, zel::shown_in_runs(zel::utf8_shown(row.item->name)));
+        set_string(value, zel::utf8_shown(row.item->name));
         break;
     case COL_LANG1:
     case COL_LANG2: {
         const auto &lang = column == COL_LANG1 ? rows.lang1 : rows.lang2;
         if (rows.with_langs)
-            set_string(value, zel::shown_in_runs(zel::tab_lang_text(row.item, lang.get())));
+            set_string(value, zel::tab_lang_text(row.item, lang.get()));
         break;
     }
     case COL_SOURCE:

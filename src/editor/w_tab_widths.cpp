@@ -1,5 +1,6 @@
 #include "editor/w_tab_widths.h"
 
+#include "editor/text-runs.h"
 #include "editor/ui-text.h"
 #include "source/misc.h"
 
@@ -411,7 +412,7 @@ std::string tab_hidden_text(GtkTreeView *view, GtkTreeViewColumn *column, GtkTre
         return {};
     gchar *shown = nullptr;
     gtk_tree_model_get(gtk_tree_view_get_model(view), iter, row.column, &shown, -1);
-    const std::string text = shown == nullptr ? "" : shown;
+    const std::string text = shown == nullptr ? "" : zel::shown_in_runs(shown);
     g_free(shown);
     PangoLayout *layout = gtk_widget_create_pango_layout(GTK_WIDGET(view), nullptr);
     const int width = text_width(layout, text.c_str()) + cell_margin(view);

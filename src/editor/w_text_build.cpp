@@ -28,7 +28,7 @@ GtkWidget *make_caption(GtkWidget *view)
 {
     GtkWidget *label = gtk_label_new(nullptr);
     gtk_misc_set_alignment(GTK_MISC(label), 0.0F, 0.5F);
-    gtk_label_set_ellipsize(GTK_LABEL(label), PANGO_ELLIPSIZE_END);
+    gtk_label_set_ellipsize(GTK_LABEL(label), PANGO_ELLIPSIZE_START); // the language is its end
     gtk_label_set_mnemonic_widget(GTK_LABEL(label), view);
     return label;
 }
@@ -255,6 +255,15 @@ GtkWidget *make_language_frame(Zeltext *text, int comment, int trans)
     return frame;
 }
 
+// As wide as the panel is, and in no way of the divider's place.
+GtkWidget *make_name_entry()
+{
+    GtkWidget *entry = gtk_entry_new();
+    gtk_entry_set_width_chars(GTK_ENTRY(entry), 8);
+    zel::set_accessible_name(entry, zel::ui_text("tab-edit", "Item"));
+    return entry;
+}
+
 void make_identity(Zeltext *text, GtkWidget *box)
 {
     text->description_label = gtk_label_new(nullptr);
@@ -263,15 +272,13 @@ void make_identity(Zeltext *text, GtkWidget *box)
     gtk_label_set_ellipsize(GTK_LABEL(text->description_label), PANGO_ELLIPSIZE_END);
     gtk_box_pack_start(GTK_BOX(box), text->description_label, FALSE, FALSE, 0);
 
-    text->name_entry = gtk_entry_new();
+    text->name_entry = make_name_entry();
     gtk_editable_set_editable(GTK_EDITABLE(text->name_entry), FALSE);
-    zel::set_accessible_name(text->name_entry, zel::ui_text("tab-edit", "Item"));
     gtk_box_pack_start(GTK_BOX(box), text->name_entry, FALSE, FALSE, 0);
 
     if (lang_global.editor_mode != 2)
         return;
-    text->name_edit_entry = gtk_entry_new();
-    zel::set_accessible_name(text->name_edit_entry, zel::ui_text("tab-edit", "Item"));
+    text->name_edit_entry = make_name_entry();
     gtk_box_pack_start(GTK_BOX(box), text->name_edit_entry, FALSE, FALSE, 0);
 }
 
@@ -320,7 +327,7 @@ void build_text_panel(Zeltext *text)
 {
     gtk_frame_set_shadow_type(GTK_FRAME(text), GTK_SHADOW_NONE);
     GtkWidget *panes = gtk_hbox_new(FALSE, 2);
-    gtk_container_set_border_width(GTK_CONTAINER(panes), margin);
+    gtk_container_set_border_width(GTK_CONTAINER(panes), 2);
     GtkWidget *box = gtk_vbox_new(FALSE, 2);
     make_identity(text, box);
     text->lang1_frame = make_language_frame(text, TEXT_COMMENT1, TEXT_TRANS1);

@@ -144,7 +144,7 @@ bool judge_code(const std::vector<std::string> &paths, const shown_listener &to)
         return 0;
     };
     for (const std::string &path : paths)
-        scan_path(path.c_str(), {scan, complain});
+        scan_path(path.c_str(), {scan, complain, complain});
     return good;
 }
 

@@ -63,9 +63,17 @@ bool grow(zel_token_t *token, std::size_t n)
 
 } // namespace zel
 
+// A client's own token function fills the text and knows nothing of its length.
+static std::uint32_t length_of(const zel_token_t *token)
+{
+    const std::size_t text = token->lexeme == nullptr ? 0 : std::strlen(token->lexeme);
+    return std::max(token->length, static_cast<std::uint32_t>(text));
+}
+
 int lex_token_cpy(zel_token_t *destination, const zel_token_t *source)
 {
-    if (source->length != 0 && destination->capacity < source->capacity) {
+    const std::uint32_t length = length_of(source);
+    if (length != 0 && destination->capacity < source->capacity) {
         char *grown = static_cast<char *>(std::malloc(static_cast<std::size_t>(source->capacity)));
         if (grown == nullptr) {
             LogPrint(1, "lex_token_cpy: ERROR not enough memory\n");
@@ -76,9 +84,9 @@ int lex_token_cpy(zel_token_t *destination, const zel_token_t *source)
         destination->capacity = source->capacity;
     }
     if (destination->capacity > 0 && source->lexeme != nullptr)
-        std::memcpy(destination->lexeme, source->lexeme, source->length + std::size_t{1});
+        std::memcpy(destination->lexeme, source->lexeme, length + std::size_t{1});
     destination->id = source->id;
-    destination->length = source->length;
+    destination->length = length;
     destination->line = source->line;
     destination->column = source->column;
     destination->offset = source->offset;

@@ -17,12 +17,10 @@
 
 #include <cstdint>
 #include <memory>
-#include <string_view>
 
 #include "lex/lex.h"
 #include "source/model.h"
-#include "source/places.h"
-#include "source/read-message.h"
+#include "source/read-how.h"
 
 namespace zel {
 
@@ -44,13 +42,6 @@ struct read_answer {
     source_guard source; // null unless good
     read_result result;
     read_cause cause;
-};
-
-struct read_how {
-    std::int64_t now = 0;             // the creation time of items that have none in the file
-    read_listener listener = nullptr; // hears every message; none: they are lost
-    source_places *places = nullptr;  // filled when given
-    std::string_view text = {};       // read in place of the file, unless its data is null
 };
 
 // Reads a file into a new source. Logs, prints nothing, never ends the process.

@@ -66,7 +66,10 @@ bool is_named(const char *path, const file_id &id)
 bool is_there(const char *path)
 {
     struct stat status {};
-    return path != nullptr && (lstat(path, &status) == 0 || (errno != ENOENT && errno != ENOTDIR));
+    if (path == nullptr)
+        return false;
+    return lstat(path, &status) == 0 ||
+           (errno != ENOENT && errno != ENOTDIR && errno != ENAMETOOLONG);
 }
 
 bool crosses_foreign_link(const char *path)

@@ -51,7 +51,8 @@ bool has_changed(const char *path, const file_stamp &before);
 // Whether the path, not what it links to, names that file.
 bool is_named(const char *path, const file_id &id);
 
-// Whether something, be it a link, stands at the path. What cannot be found out counts as there.
+// Whether something, be it a link, stands at the path. What cannot be found out counts as there,
+// but not a path that is too long for the system.
 bool is_there(const char *path);
 
 // Whether a link on the way to the path, or the path itself, was made by somebody who is neither

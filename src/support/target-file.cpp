@@ -152,9 +152,12 @@ const char *refusal_text(int refusal)
 
 int write_obstacle(const target_file &old)
 {
-    const bool writable =
-        !old.is_file() || faccessat(AT_FDCWD, old.path.c_str(), W_OK, AT_EACCESS) == 0;
-    return writable ? 0 : errno;
+    struct stat status {};
+    // The name beside the place fits where this one may be too long.
+    const bool possible = old.is_file()
+                              ? faccessat(AT_FDCWD, old.path.c_str(), W_OK, AT_EACCESS) == 0
+                              : lstat(old.path.c_str(), &status) == 0 || errno == ENOENT;
+    return possible ? 0 : errno;
 }
 
 void take_attributes(int fd, const target_file &old)

@@ -165,6 +165,27 @@ TEST_F(Check, AnUnreadableFileLeavesEverythingAsItWas)
     EXPECT_THAT(files(), UnorderedElementsAre("app.lang-src", "t"));
 }
 
+TEST_F(Check, WhatCannotBeLookedAtIsToldOnStandardErrorOnly)
+{
+    // Its own name fits, but no path that the system takes leads there.
+    const std::string folder(250, 'd');
+    ask("t/x.c");
+    const fs::path start = fs::current_path();
+    fs::current_path("t");
+    for (int depth = 0; depth < 17; ++depth) {
+        fs::create_directory(folder);
+        fs::current_path(folder);
+    }
+    fs::current_path(start);
+    std::string printed;
+    const std::string told = zel_test::capture_stderr([&] {
+        printed = run({"app.lang-src", "t/x.c", "t"});
+    });
+    EXPECT_EQ(result, check_result::done);
+    EXPECT_THAT(printed, Not(HasSubstr(folder)));
+    EXPECT_THAT(told, testing::ContainsRegex("^check: t/.*d cannot be looked at: .+\n$"));
+}
+
 TEST_F(Check, AReaderThatEndsTheProcessEndsTheCheck)
 {
     // The reader stops the process at a group that does not go on as it should.

@@ -276,7 +276,7 @@ TEST_F(Split, NoSourceAndNoLanguages)
     EXPECT_EQ(printed, "");
 }
 
-TEST_F(Split, NamelessLanguagesDoNoHarm)
+TEST_F(Split, AnEmptyNameIsALanguageToo)
 {
     std::filesystem::create_directory("out");
     const source_guard source = read("define file \"\" lang \"\" 1 2 file \"f\" lang \"\" 1 2 "
@@ -284,6 +284,7 @@ TEST_F(Split, NamelessLanguagesDoNoHarm)
     split(source.get(), "out");
     split(source.get(), nullptr);
     EXPECT_EQ(result, 0);
+    EXPECT_THAT(compiled("f.lang"), HasSubstr("GROUP \"\"\n  \"\" {\n    \"x\"    }\n"));
 }
 
 // --- failures
@@ -294,15 +295,18 @@ TEST_F(Split, TheFirstFileThatCannotBeCreatedEndsIt)
     std::filesystem::create_directory("second.lang");
     write_file("first.lang", "of an earlier run");
     const source_guard source =
-        read("define file \"first\" lang \"a\" 1 2 file \"second\" lang \"b\" "
-             "1 2 file \"third\" lang \"c\" 1 2 group \"g\" { }");
+        read("define file \"first\" lang \"a\" 1 2 file \"new\" lang \"n\" 1 2 file \"second\" "
+             "lang \"b\" 1 2 file \"third\" lang \"c\" 1 2 group \"g\" { }");
     split(source.get(), nullptr);
     EXPECT_EQ(result, 1);
-    EXPECT_EQ(printed, "READY open lang file ->first<-\nERROR open lang file ->second<-\n");
+    EXPECT_EQ(printed, "READY open lang file ->first<-\nREADY open lang file ->new<-\n"
+                       "ERROR open lang file ->second<-\n");
     EXPECT_EQ(logged, "split_file: entry\nopen_lang_files: READY open lang file ->first.lang<-\n"
+                      "open_lang_files: READY open lang file ->new.lang<-\n"
                       "open_lang_files: ERROR open lang file ->second.lang<-\n"
                       "split_file: ERROR write languages files\n");
     EXPECT_EQ(read_file("first.lang"), "of an earlier run");
+    EXPECT_EQ(read_file("new.lang"), "/* automatically generated file, do not edit new */\n");
     EXPECT_FALSE(std::filesystem::exists("third.lang"));
     for (const lang_t *lang : zel::each<lang_t>(source->langs))
         EXPECT_EQ(lang->stream, nullptr);
@@ -319,17 +323,20 @@ TEST_F(Split, TheDestinationMustExist)
     EXPECT_FALSE(std::filesystem::exists("no"));
 }
 
-TEST_F(Split, EndlessNamesDoNoHarm)
+TEST_F(Split, NamesThatAreTooLongCannotBeOpened)
 {
     std::filesystem::create_directory("out");
     const std::string name(5000, 'n');
+    const std::string by_five(251, 'n'); // without the ending it fits
     for (const std::string &text : {"define file \"f\" lang \"" + name + "\" 1 2",
-                                    "define file \"" + name + "\" lang \"e\" 1 2"}) {
+                                    "define file \"" + name + "\" lang \"e\" 1 2",
+                                    "define file \"" + by_five + "\" lang \"e\" 1 2"}) {
         const source_guard source = read(text);
-        split(source.get(), "out");
-        EXPECT_EQ(result, 1);
-        split(source.get(), std::string(5000, 'd').c_str());
-        EXPECT_EQ(result, 1);
+        for (const std::string &destination : {std::string("out"), std::string(5000, 'd')}) {
+            split(source.get(), destination.c_str());
+            EXPECT_EQ(result, 1);
+            EXPECT_THAT(printed, StartsWith("ERROR open lang file ->"));
+        }
     }
 }
 

@@ -102,22 +102,33 @@ TEST_F(Dialogs, ChoosersGiveTheChosenPathOrNothing)
     answer_next(type_name(folder, "new name"));
     EXPECT_EQ(taken(file_sel_write(nullptr, "write", nullptr, nullptr)), path("new name"));
 
-    // The preset is what comes out when the user only accepts; backslashes are turned in place.
+    // The preset is what comes out when the user only accepts; backslashes are turned in place. A
+    // name alone is one of the start folder, not of the current one.
+    write_file(path("sub/a.lang"), "");
     std::string preset = path("a.lang");
     preset[folder.size()] = '\\';
     std::string unborn = path("unborn");
+    std::string start = path("sub");
+    std::string name = "a.lang";
+    std::string other = "unborn";
     const struct {
         char *(*select)(GtkWidget *, const char *, char *, char *);
+        char *folder;
         char *name;
-    } rows[] = {{file_sel_read, preset.data()},
-                {file_sel_write, preset.data()},
-                {file_sel_write, unborn.data()}};
-    for (const auto &[select, name] : rows) {
+        std::string chosen;
+    } rows[] = {{file_sel_read, nullptr, preset.data(), path("a.lang")},
+                {file_sel_write, nullptr, preset.data(), path("a.lang")},
+                {file_sel_write, nullptr, unborn.data(), unborn},
+                {file_sel_read, start.data(), name.data(), path("sub/a.lang")},
+                {file_sel_write, start.data(), name.data(), path("sub/a.lang")},
+                {file_sel_write, start.data(), other.data(), path("sub/unborn")},
+                {file_sel_write, start.data(), unborn.data(), unborn}};
+    for (const auto &row : rows) {
         answer_next([](GtkWidget *dialog) {
             settle(300);
             gtk_dialog_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT);
         });
-        EXPECT_EQ(taken(select(nullptr, "preset", nullptr, name)), name);
+        EXPECT_EQ(taken(row.select(nullptr, "preset", row.folder, row.name)), row.chosen);
     }
     EXPECT_EQ(preset, path("a.lang"));
 }

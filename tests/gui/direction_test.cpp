@@ -62,6 +62,32 @@ TEST_F(Direction, PiecesOfRightToLeftTextsAreSeenAsTheyAreWritten)
               std::string::npos);
 }
 
+TEST_F(Direction, TheListsModelHoldsTextsAsTheyAre)
+{
+    const std::string name = "גודל %d";
+    std::string text = "%d %s %d ";
+    for (int letter = 0; letter < 31; ++letter)
+        text += "ש";
+    gui::write_file(source(), "define file \"e\" lang \"english\" 1 1 1\n"
+                              "GROUP \"g\" { ITEM \"" +
+                                  name + "\" { USED YES LANG \"english\" { \"" + text +
+                                  "\" } } }\n");
+    lang_global.editor_mode = 1;
+    gui::run_editor(source(), [&] {
+        GtkTreeModel *model = gtk_tree_view_get_model(GTK_TREE_VIEW(ZEL_TAB_EDIT(editWin)->view));
+        GtkTreeIter iter;
+        ASSERT_TRUE(gtk_tree_model_get_iter_first(model, &iter));
+        gchar *item = nullptr;
+        gchar *first = nullptr;
+        gtk_tree_model_get(model, &iter, COL_ITEM, &item, COL_LANG1, &first, -1);
+        EXPECT_EQ(item, name);
+        EXPECT_EQ(g_utf8_strlen(first, -1), 32);
+        EXPECT_EQ(text.compare(0, std::strlen(first), first), 0) << first;
+        g_free(item);
+        g_free(first);
+    });
+}
+
 TEST(ShownInRuns, MarksStandAroundPiecesOfRightToLeftTextsOnly)
 {
     EXPECT_EQ(zel::shown_in_runs("Über %d <b>"), "Über %d <b>");

@@ -18,6 +18,16 @@ namespace {
 
 constexpr const char *nothing = "Nothing to do\nOk";
 
+std::vector<std::string> types_of_children(GtkWidget *container)
+{
+    std::vector<std::string> types;
+    GList *children = gtk_container_get_children(GTK_CONTAINER(container));
+    for (GtkWidget *child : zel::each<GtkWidget>(children))
+        types.emplace_back(G_OBJECT_TYPE_NAME(child));
+    g_list_free(children);
+    return types;
+}
+
 } // namespace
 
 TEST_F(Editor, WithoutASourceEverythingSaysNothingToDo)
@@ -79,6 +89,18 @@ TEST_F(Editor, MenusAndToolbarFollowTheMode)
         EXPECT_EQ(find_all(mainWin, GTK_TYPE_TOOL_BUTTON).size(), 15U);
         EXPECT_EQ(find_all(mainWin, GTK_TYPE_SEPARATOR_TOOL_ITEM).size(), 17U);
         EXPECT_EQ(lang_global.posnr, 0);
+    });
+}
+
+TEST_F(Editor, WhatStandsBesideALineIsInItsFrame)
+{
+    run_editor(source(), [&] {
+        EXPECT_THAT(types_of_children(gtk_bin_get_child(GTK_BIN(mainWin))),
+                    ElementsAre("GtkMenuBar", "GtkToolbar", "GtkFrame", "GtkNotebook", "GtkFrame"));
+        EXPECT_EQ(gtk_widget_get_ancestor(statusWin, GTK_TYPE_FRAME),
+                  gtk_widget_get_ancestor(changed_sign, GTK_TYPE_FRAME));
+        EXPECT_THAT(types_of_children(find_type(editWin, GTK_TYPE_VBOX)),
+                    ElementsAre("GtkHBox", "GtkHPaned", "GtkFrame"));
     });
 }
 

@@ -153,6 +153,17 @@ TEST_F(Looks, TheSmallestWindowShowsTheItems)
     }
 }
 
+TEST_F(Looks, TheDividerOfTheSmallestWindowStandsAlikeInAllModes)
+{
+    for (const unsigned mode : {0U, 1U, 2U}) {
+        lang_global.editor_mode = mode;
+        run_editor(source(), [&] {
+            settle(100);
+            EXPECT_EQ(divider(), 400) << mode;
+        });
+    }
+}
+
 TEST_F(Looks, ALargeWindowShowsNamesWholeHoweverItBecameLarge)
 {
     write_file(path("long.lang-src"), "define file \"e\" lang \"english\" 1 1 1\n"

@@ -505,7 +505,6 @@ int character_token(zel_lex_t *lex)
     const int c = zel_lex_buf_next_char(zel_lex_get_buf(lex));
     lex->work->id = static_cast<std::int16_t>(c < 0 ? TOKEN_EOF : TOKEN_NUMBER);
     std::snprintf(lex->work->lexeme, 16, "%d", c);
-    lex->work->length = static_cast<std::uint32_t>(std::strlen(lex->work->lexeme));
     return lex->work->id;
 }
 
@@ -514,6 +513,10 @@ TEST(Plugged, ATokenFunction)
     scanner from("a\nb", plain);
     EXPECT_EQ(zel_lex_set_get_token(from.lex(), character_token), 0);
     EXPECT_EQ(with_place(zel_token_look_ahead(from.lex(), 1)), "262:97@1:0");
+    scanner other("unlike", plain);
+    zel_token_t *copy = other.next();
+    EXPECT_EQ(lex_token_cpy(copy, zel_token_look_ahead(from.lex(), 1)), 0);
+    EXPECT_EQ(with_place(copy), "262:97@1:0");
     EXPECT_EQ(all_tokens(from, with_place), "262:97@1:0 262:10@1:1 262:98@2:0 -1@2:1");
 }
 
@@ -521,7 +524,6 @@ int number_is_a_lone_digit(zel_lex_t *lex, int first, int start)
 {
     lex->work->lexeme[start] = static_cast<char>(first);
     lex->work->lexeme[start + 1] = '\0';
-    lex->work->length = static_cast<std::uint32_t>(start) + 1;
     return TOKEN_FLOAT;
 }
 

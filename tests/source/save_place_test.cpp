@@ -193,13 +193,18 @@ TEST_F(SavePlace, FoldersWithoutPermission)
     chmod(".", 0777);
 }
 
-TEST_F(SavePlace, AFolderThatIsNotThere)
+TEST_F(SavePlace, WhereNoFileCanBe)
 {
-    save("no/app.lang-src");
-    EXPECT_EQ(result, 1);
-    EXPECT_EQ(printed, "lang_write_file(3): error(" + std::to_string(ENOENT) +
-                           ") rename lang.tmp to no/app.lang-src\n");
-    EXPECT_TRUE(is_new_text("lang.tmp"));
+    write_file("file", "");
+    for (const auto &[path, error] : {std::pair(std::string("no/app.lang-src"), ENOENT),
+                                      {"file/app.lang-src", ENOTDIR},
+                                      {std::string(300, 'n'), ENAMETOOLONG}}) {
+        save(path);
+        EXPECT_EQ(result, 1);
+        EXPECT_EQ(printed, "lang_write_file(3): error(" + std::to_string(error) +
+                               ") rename lang.tmp to " + path + "\n");
+        EXPECT_TRUE(is_new_text("lang.tmp"));
+    }
 }
 
 TEST_F(SavePlace, ANameThatLeavesNoRoomForTheStamp)
