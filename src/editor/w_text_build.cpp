@@ -297,7 +297,6 @@ GtkWidget *make_name_entry()
 {
     GtkWidget *entry = gtk_entry_new();
     gtk_entry_set_width_chars(GTK_ENTRY(entry), 8);
-    zel::draw_line_in_dark(entry);
     zel::set_accessible_name(entry, zel::ui_text("tab-edit", "Item"));
     zel::draw_line_in_dark(entry);
     return entry;

@@ -29,8 +29,8 @@ target_file find_target(const char *path, links how);
 // Why it is refused, in words.
 const char *refusal_text(int refusal);
 
-// Why the file may not be written although another could be put in its place, or cannot be there at
-// all: errno. 0: it may.
+// Why the file may not be written, or made where there is none, although another one could be put
+// beside its place: errno. 0: it may, as far as can be seen before.
 int write_obstacle(const target_file &old);
 
 // Gives an open file the mode of the old one, its group and owner where the system lets it, its
