@@ -329,18 +329,21 @@ GtkWidget *make_used_in(Zeltext *text)
     GtkWidget *scrolled = zel::scrolled_box_new(text->used_in_view);
     gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
                                    GTK_POLICY_AUTOMATIC);
-    GtkWidget *frame = zel::make_line_frame();
-    gtk_widget_set_size_request(frame, used_in_width, -1);
-    gtk_container_add(GTK_CONTAINER(frame), scrolled);
+    GtkWidget *line = zel::make_line_frame();
+    gtk_container_add(GTK_CONTAINER(line), scrolled);
     GtkWidget *label = make_caption(text->used_in_view);
     gtk_label_set_text(GTK_LABEL(label), title);
     GtkWidget *box = gtk_vbox_new(FALSE, 2);
     gtk_box_pack_start(GTK_BOX(box), label, FALSE, FALSE, 0);
-    gtk_box_pack_start(GTK_BOX(box), frame, TRUE, TRUE, 0);
+    gtk_box_pack_start(GTK_BOX(box), line, TRUE, TRUE, 0);
     const int scroll_bar = 20;
     gtk_box_pack_start(GTK_BOX(box), zel::text_all_findings_new(text, used_in_width - scroll_bar),
                        FALSE, FALSE, 0);
-    return box;
+    GtkWidget *frame = gtk_frame_new(nullptr);
+    zel::make_bare(frame);
+    gtk_widget_set_size_request(frame, used_in_width, -1);
+    gtk_container_add(GTK_CONTAINER(frame), box);
+    return frame;
 }
 
 } // namespace

@@ -143,7 +143,7 @@ TEST_F(Looks, AFaintLabelFollowsTheThemeOfItsWindow)
     gtk_container_add(GTK_CONTAINER(window), faint);
     gtk_widget_show_all(window);
     const auto red = [faint] { return gtk_widget_get_style(faint)->fg[GTK_STATE_NORMAL].red; };
-    EXPECT_NEAR(red(), 0xffff * 6 / 10, 0x400);
+    EXPECT_NEAR(red(), 0.6 * 0xffff, 0x400);
     EXPECT_EQ(gtk_widget_get_style(faint)->fg[GTK_STATE_NORMAL].green, 0);
     zel::show_faint(faint, false);
     EXPECT_EQ(red(), 0xffff);

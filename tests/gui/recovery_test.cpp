@@ -205,6 +205,10 @@ TEST_F(RecoveryWindow, AFolderThatMayNotBeWrittenIsTold)
         type_and_wait("aufs"); // as soon as it can be
         EXPECT_EQ(files().size(), 1U);
     });
+    // The toolkit may have written its list of used files as the user that may not.
+    std::erase_if(warnings(), [](const std::string &text) {
+        return text.find("recently-used") != std::string::npos;
+    });
 }
 
 TEST_F(RecoveryWindow, AnotherProgramsTextIsNotWrittenOverUnasked)
