@@ -121,9 +121,8 @@ void append_po_comment(std::string &out, std::string_view sign, std::string_view
     if (line.find_first_not_of(' ') == std::string_view::npos)
         line = {};
     out.append(sign);
-    if (!line.empty() && line.front() != ' ')
-        out += ' ';
-    out.append(line);
+    if (!line.empty())
+        out.append(1, ' ').append(line);
     end_remark(out);
 }
 
