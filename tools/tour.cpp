@@ -289,6 +289,8 @@ int main(int argc, char **argv)
     fs::copy_file(source, "notes.lang-src");
     fs::copy_file(source, "older.lang-src"); // whose texts are suggested
     start_watching();
+    // Where it begins, in the middle, it would bring up the tooltip of what comes to stand there.
+    gdk_display_warp_pointer(gdk_display_get_default(), gdk_screen_get_default(), 0, 0);
     lang_global.editor_mode = static_cast<unsigned>(std::atoi(argv[3]));
     run_editor("", walk);
     run_editor((work / "notes.lang-src").string(), leave_changes);
