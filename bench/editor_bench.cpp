@@ -9,6 +9,7 @@
 #include "editor/recovery.h"
 #include "editor/w_tab_edit.h"
 #include "editor/w_tab_model.h"
+#include "editor/w_tab_work.h"
 #include "editor/w_text.h"
 #include "recovery/recovery-file.h"
 #include "source/misc.h"
@@ -197,10 +198,7 @@ void sort(benchmark::State &state, int id)
 // The sums are shown once every item has been judged.
 void wait_until_judged(GtkWidget *table)
 {
-    GtkWidget *row = gtk_widget_get_parent(gtk_widget_get_parent(ZEL_TAB_EDIT(table)->info_label));
-    GList *children = gtk_container_get_children(GTK_CONTAINER(row));
-    GtkLabel *sums = GTK_LABEL(g_list_last(children)->data);
-    g_list_free(children);
+    GtkLabel *sums = GTK_LABEL(ZEL_TAB_EDIT(table)->work->progress_label());
     while (*gtk_label_get_text(sums) == '\0')
         gtk_main_iteration();
     paint();
