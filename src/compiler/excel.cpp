@@ -134,8 +134,12 @@ const char *table_output::open(const char *path)
 {
     old_ = zel::find_target(path, zel::links::follow);
     struct stat status {};
-    const bool streams = old_.refusal != EACCES && stat(path, &status) == 0 && is_stream(status) &&
-                         (status.st_uid == geteuid() || !S_ISFIFO(status.st_mode));
+    // A pipe with a name may be somebody's trap; one that a shell made, for whomever, has none.
+    const auto is_trusted = [&] {
+        return !S_ISFIFO(status.st_mode) || !old_.is_there || status.st_uid == geteuid();
+    };
+    const bool streams =
+        old_.refusal != EACCES && stat(path, &status) == 0 && is_stream(status) && is_trusted();
     if (!streams && old_.refusal != 0)
         return zel::refusal_text(old_.refusal);
     const int error = streams ? open_stream(path, 0) : open_file();
