@@ -15,7 +15,8 @@ function(lang_header_check name)
   endif()
 endfunction()
 
-file(GLOB headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/*/*.h)
+file(GLOB headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/*/*.h
+                                ${PROJECT_SOURCE_DIR}/src/*/*/*.h)
 set(editor_headers ${headers})
 list(FILTER editor_headers INCLUDE REGEX "/src/editor/")
 list(FILTER headers EXCLUDE REGEX "/src/editor/")

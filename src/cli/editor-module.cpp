@@ -1,7 +1,7 @@
 #include "cli/editor-module.h"
 
 #include "app/global.h"
-#include "editor/edit-start.h"
+#include "editor/frame/edit-start.h"
 
 #include <clocale>
 #include <cstdio>

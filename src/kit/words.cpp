@@ -1,6 +1,6 @@
 #include "kit/words.h"
 
-#include "kit/word-list.h"
+#include "kit/words/word-list.h"
 
 #include <algorithm>
 #include <cerrno>

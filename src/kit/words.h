@@ -4,7 +4,7 @@
 
 #include <span>
 
-#include "kit/word.h"
+#include "kit/support/word.h"
 
 namespace zel::kit {
 

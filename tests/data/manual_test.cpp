@@ -13,7 +13,7 @@ using zel_test::text_of;
 
 TEST(Manual, NamesWhatTheMenusHold)
 {
-    const std::string code = text_of("src/editor/edit-menus.cpp");
+    const std::string code = text_of("src/editor/frame/edit-menus.cpp");
     std::vector<std::string> texts =
         matches(code, R"re(\{entry::\w+, \w+,\s+"\w+",\s+"([^"]+)")re");
     for (const char *row : {R"re(\btitle\(\w+, "([^"]+)"\))re", R"re(export_text = "([^"]+)")re",
@@ -30,7 +30,7 @@ TEST(Manual, NamesWhatTheMenusHold)
 TEST(Manual, NamesTheKeys)
 {
     const std::string manual = text_of("data/doc/manual.md");
-    const std::string code = text_of("src/editor/edit-menus.cpp");
+    const std::string code = text_of("src/editor/frame/edit-menus.cpp");
     for (const char *modifier : {"CONTROL", "MOD1"})
         for (std::string key :
              matches(code, "GDK_KEY_(\\w+), +GDK_" + std::string(modifier) + "_MASK")) {

@@ -3,11 +3,11 @@
 
 #include "editor-fixture.h"
 
-#include "editor/define.h"
-#include "editor/edit-keys.h"
-#include "editor/edit-place.h"
-#include "editor/lang-box.h"
-#include "editor/popup.h"
+#include "editor/frame/define.h"
+#include "editor/frame/edit-keys.h"
+#include "editor/frame/edit-place.h"
+#include "editor/toolkit/lang-box.h"
+#include "editor/toolkit/popup.h"
 
 #include <gdk/gdkkeysyms.h>
 #include <gmock/gmock.h>

@@ -1,7 +1,7 @@
 #include "gui-support.h"
 
-#include "editor/list-cells.h"
-#include "editor/text-runs.h"
+#include "editor/table/list-cells.h"
+#include "editor/toolkit/text-runs.h"
 
 #include <algorithm>
 

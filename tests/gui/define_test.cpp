@@ -2,8 +2,8 @@
 
 #include "app/global.h"
 #include "config/ini.h"
-#include "editor/define.h"
-#include "editor/edit-state.h"
+#include "editor/frame/define.h"
+#include "editor/state/edit-state.h"
 #include "gui-support.h"
 #include "support/log.h"
 #include "support/string-copy.h"

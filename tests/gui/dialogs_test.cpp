@@ -1,10 +1,10 @@
 // Popup, message box, choosers, and the toolkit layer's own additions.
 
-#include "editor/dir_file_sel.h"
-#include "editor/gtk-compat.h"
-#include "editor/lang-box.h"
-#include "editor/popup.h"
-#include "editor/recent.h"
+#include "editor/frame/dir_file_sel.h"
+#include "editor/frame/recent.h"
+#include "editor/toolkit/gtk-compat.h"
+#include "editor/toolkit/lang-box.h"
+#include "editor/toolkit/popup.h"
 #include "gui-support.h"
 #include "test-support.h"
 

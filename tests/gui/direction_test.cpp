@@ -1,7 +1,7 @@
 #include "config/ini.h"
 #include "editor-fixture.h"
 
-#include "editor/text-runs.h"
+#include "editor/toolkit/text-runs.h"
 
 #include <algorithm>
 

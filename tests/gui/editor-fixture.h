@@ -3,10 +3,10 @@
 // The whole editor with a small source, for tests that work in its main window.
 
 #include "app/global.h"
-#include "editor/edit-state.h"
-#include "editor/w_tab_edit.h"
-#include "editor/w_tab_model.h"
-#include "editor/w_text.h"
+#include "editor/panel/w_text.h"
+#include "editor/state/edit-state.h"
+#include "editor/table/w_tab_edit.h"
+#include "editor/table/w_tab_model.h"
 #include "gui-support.h"
 #include "source/lang-read.h"
 #include "test-support.h"

@@ -1,8 +1,8 @@
 #include "editor-fixture.h"
 
-#include "editor/edit-keys.h"
-#include "editor/screen.h"
-#include "editor/w_tab_widths.h"
+#include "editor/frame/edit-keys.h"
+#include "editor/table/w_tab_widths.h"
+#include "editor/toolkit/screen.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #include "gui-support.h"
 
 #include "app/global.h"
-#include "editor/edit-start.h"
-#include "editor/edit-state.h"
+#include "editor/frame/edit-start.h"
+#include "editor/state/edit-state.h"
 #include "support/string-copy.h"
 #include "test-support.h"
 

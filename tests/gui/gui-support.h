@@ -4,7 +4,7 @@
 // that will appear, keys, and a record of the toolkit's warnings. The tests fail when
 // there is no display.
 
-#include "editor/text-places.h"
+#include "editor/toolkit/text-places.h"
 
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>

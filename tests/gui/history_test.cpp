@@ -1,7 +1,7 @@
 // Undo and redo without windows: what is one step, and that any sequence of edits, moves, undos and
 // redos leads through the states that a plain list of states has.
 
-#include "editor/edit-history.h"
+#include "editor/state/edit-history.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // Sizes and places of what one sees, in small and large windows and with large letters.
 
 #include "editor-fixture.h"
-#include "editor/theme.h"
-#include "editor/w_tab_widths.h"
+#include "editor/table/w_tab_widths.h"
+#include "editor/toolkit/theme.h"
 
 #include <gmock/gmock.h>
 

@@ -1,8 +1,8 @@
 // What is typed outlives the editor; what another program writes is not written over unasked.
 
 #include "editor-fixture.h"
-#include "editor/recovery.h"
-#include "editor/source-watch.h"
+#include "editor/frame/recovery.h"
+#include "editor/frame/source-watch.h"
 #include "recovery/place.h"
 #include "recovery/recovery-file.h"
 #include "recovery/source-lock.h"

@@ -4,8 +4,8 @@
 #include "editor-fixture.h"
 
 #include "config/ini.h"
-#include "editor/dictionary.h"
-#include "editor/edit-undo.h"
+#include "editor/frame/edit-undo.h"
+#include "editor/panel/dictionary.h"
 #include "working-dir.h"
 
 #include <gdk/gdkkeysyms.h>

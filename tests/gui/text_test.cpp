@@ -1,7 +1,7 @@
 #include "gui-support.h"
 
 #include "app/global.h"
-#include "editor/w_text.h"
+#include "editor/panel/w_text.h"
 #include "source/group.h"
 #include "support/string-copy.h"
 

@@ -2,8 +2,8 @@
 
 #include "config/ini.h"
 #include "editor-fixture.h"
-#include "editor/edit-history.h"
-#include "editor/edit-undo.h"
+#include "editor/frame/edit-undo.h"
+#include "editor/state/edit-history.h"
 
 #include <gdk/gdkkeysyms.h>
 #include <gmock/gmock.h>

@@ -3,8 +3,8 @@
 
 #include "editor-fixture.h"
 
-#include "editor/define.h"
-#include "editor/w_tab_work.h"
+#include "editor/frame/define.h"
+#include "editor/table/w_tab_work.h"
 
 #include <gdk/gdkkeysyms.h>
 #include <gmock/gmock.h>

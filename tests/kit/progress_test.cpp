@@ -1,6 +1,6 @@
 // The line for somebody who watches, on a terminal of the test's own.
 
-#include "kit/progress.h"
+#include "kit/support/progress.h"
 
 #include "test-support.h"
 

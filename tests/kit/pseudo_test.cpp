@@ -1,6 +1,6 @@
 #include "kit/menu-source.h"
-#include "kit/pseudo-text.h"
 #include "kit/run-kit.h"
+#include "kit/support/pseudo-text.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,0 +1,291 @@
+#include "editor/frame/dir_file_sel.h"
+
+#include "editor/frame/recent.h"
+#include "editor/toolkit/popup.h"
+#include "editor/toolkit/ui-text.h"
+#include "lex/min_lex.h"
+#include "support/log-print.h"
+#include "support/string-copy.h"
+#include "support/string.h"
+
+#include <filesystem>
+
+namespace {
+
+using glib_string = std::unique_ptr<gchar, zel::release<g_free>>;
+
+// A chooser dialog, destroyed at the end of the scope.
+struct chooser {
+    chooser(GtkWidget *parent, const char *title, GtkFileChooserAction action, const char *accept)
+        : dialog(gtk_file_chooser_dialog_new(
+              title == nullptr ? nullptr : zel::utf8_shown(title).c_str(), zel::window_of(parent),
+              action, GTK_STOCK_CANCEL, GTK_RESPONSE_CANCEL, accept, GTK_RESPONSE_ACCEPT, nullptr))
+    {
+        gtk_dialog_set_default_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT);
+        g_signal_connect(dialog, "destroy", G_CALLBACK(gtk_widget_destroyed), &dialog);
+    }
+    ~chooser()
+    {
+        if (dialog != nullptr)
+            gtk_widget_destroy(dialog);
+    }
+    chooser(const chooser &) = delete;
+    chooser &operator=(const chooser &) = delete;
+
+    GtkFileChooser *files() const { return GTK_FILE_CHOOSER(dialog); }
+
+    bool accepted() const
+    {
+        return gtk_dialog_run(GTK_DIALOG(dialog)) == GTK_RESPONSE_ACCEPT && dialog != nullptr;
+    }
+    [[nodiscard]] char *run() const
+    {
+        if (!accepted())
+            return nullptr;
+        const glib_string path(gtk_file_chooser_get_filename(files()));
+        return zel_strdup(path.get());
+    }
+    void start_in(const char *folder) const
+    {
+        if (folder != nullptr && folder[0] != '\0')
+            gtk_file_chooser_set_current_folder(files(), folder);
+    }
+    // A name that is no whole path is one of the folder. An existing file is selected where it is;
+    // only a chooser to write can hold another name.
+    void preset(const char *folder, const char *name, bool writes) const
+    {
+        if (name == nullptr || name[0] == '\0')
+            return;
+        std::error_code error;
+        const std::filesystem::path start = folder == nullptr ? "" : folder;
+        const std::filesystem::path whole = std::filesystem::absolute(start / name, error);
+        if (error)
+            return;
+        if (std::filesystem::exists(whole, error)) {
+            gtk_file_chooser_set_filename(files(), whole.c_str());
+        } else if (writes) {
+            start_in(whole.parent_path().c_str());
+            gtk_file_chooser_set_current_name(files(),
+                                              zel::utf8_shown(whole.filename().c_str()).c_str());
+        }
+    }
+
+    GtkWidget *dialog;
+};
+
+char *select_file(const chooser &choose, char *folder, char *name, bool writes)
+{
+    zel_path_to_os(folder);
+    zel_path_to_os(name);
+    choose.start_in(folder);
+    choose.preset(folder, name, writes);
+    return choose.run();
+}
+
+// What the first filter lets through.
+struct shown_files {
+    std::string ending;
+    std::string preset; // whole path, or empty
+};
+
+gboolean is_shown(const GtkFileFilterInfo *info, gpointer data)
+{
+    const auto *shown = static_cast<const shown_files *>(data);
+    if (info->display_name != nullptr &&
+        g_str_has_suffix(info->display_name, shown->ending.c_str()))
+        return TRUE;
+    return info->filename != nullptr && shown->preset == info->filename;
+}
+
+void add_filters(const chooser &choose, const char *preset, const char *ending)
+{
+    std::error_code error;
+    auto *shown = new shown_files{std::string(".") + ending, {}};
+    if (preset != nullptr && preset[0] != '\0')
+        shown->preset = std::filesystem::absolute(preset, error).string();
+    GtkFileFilter *first = gtk_file_filter_new();
+    gtk_file_filter_set_name(first, (std::string("*.") + ending).c_str());
+    gtk_file_filter_add_custom(
+        first,
+        static_cast<GtkFileFilterFlags>(GTK_FILE_FILTER_DISPLAY_NAME | GTK_FILE_FILTER_FILENAME),
+        is_shown, shown, [](gpointer data) { delete static_cast<shown_files *>(data); });
+    gtk_file_chooser_add_filter(choose.files(), first);
+    GtkFileFilter *all = gtk_file_filter_new();
+    gtk_file_filter_set_name(all, zel::ui_text("common", "All files"));
+    gtk_file_filter_add_pattern(all, "*");
+    gtk_file_chooser_add_filter(choose.files(), all);
+    gtk_file_chooser_set_filter(choose.files(), first);
+}
+
+// The part of the chooser that takes a name; the toolkit shows it by a signal that only its own
+// keys send.
+GtkWidget *find_name_taker(GtkWidget *widget)
+{
+    if (g_signal_lookup("location-popup", G_OBJECT_TYPE(widget)) != 0)
+        return widget;
+    GtkWidget *found = nullptr;
+    if (GTK_IS_CONTAINER(widget)) {
+        gtk_container_forall(
+            GTK_CONTAINER(widget),
+            [](GtkWidget *child, gpointer data) {
+                auto *result = static_cast<GtkWidget **>(data);
+                if (*result == nullptr)
+                    *result = find_name_taker(child);
+            },
+            &found);
+    }
+    return found;
+}
+
+// A letter typed where none is taken begins a name, as the toolkit has it for "/" and "~".
+gboolean begin_name(GtkWidget *dialog, GdkEventKey *event, gpointer)
+{
+    const gunichar letter = gdk_keyval_to_unicode(event->keyval);
+    const guint modifiers =
+        gtk_accelerator_get_default_mod_mask() & ~static_cast<guint>(GDK_SHIFT_MASK);
+    const bool with_modifier = (event->state & modifiers) != 0;
+    if (with_modifier || g_unichar_isalnum(letter) == 0 ||
+        GTK_IS_ENTRY(gtk_window_get_focus(GTK_WINDOW(dialog))))
+        return FALSE;
+    GtkWidget *taker = find_name_taker(dialog);
+    if (taker == nullptr)
+        return FALSE;
+    char text[7] = {};
+    g_unichar_to_utf8(letter, text);
+    g_signal_emit_by_name(taker, "location-popup", text);
+    GtkWidget *name = gtk_window_get_focus(GTK_WINDOW(dialog));
+    if (GTK_IS_EDITABLE(name)) // where the letter is selected by getting the keyboard
+        gtk_editable_set_position(GTK_EDITABLE(name), -1);
+    return TRUE;
+}
+
+void recent_chosen(GtkComboBox *combo, gpointer files)
+{
+    GtkTreeIter iter;
+    gchar *path = nullptr;
+    if (gtk_combo_box_get_active_iter(combo, &iter) == 0)
+        return;
+    gtk_tree_model_get(gtk_combo_box_get_model(combo), &iter, 1, &path, -1);
+    gtk_file_chooser_set_filename(GTK_FILE_CHOOSER(files), path);
+    g_free(path);
+}
+
+// A list of the sources opened last, under the chooser.
+GtkWidget *make_recent_row(GtkFileChooser *files)
+{
+    GtkListStore *store = gtk_list_store_new(2, G_TYPE_STRING, G_TYPE_STRING); // shown, path
+    for (const std::string &path : zel::recent_sources()) {
+        GtkTreeIter iter;
+        gtk_list_store_append(store, &iter);
+        gtk_list_store_set(store, &iter, 0, zel::utf8_shown(path.c_str()).c_str(), 1, path.c_str(),
+                           -1);
+    }
+    GtkWidget *combo = gtk_combo_box_new_with_model(GTK_TREE_MODEL(store));
+    const bool none = gtk_tree_model_iter_n_children(GTK_TREE_MODEL(store), nullptr) == 0;
+    g_object_unref(store);
+    GtkCellRenderer *text = gtk_cell_renderer_text_new();
+    g_object_set(text, "ellipsize", PANGO_ELLIPSIZE_MIDDLE, nullptr);
+    gtk_cell_layout_pack_start(GTK_CELL_LAYOUT(combo), text, TRUE);
+    gtk_cell_layout_add_attribute(GTK_CELL_LAYOUT(combo), text, "text", 0);
+    g_signal_connect(combo, "changed", G_CALLBACK(recent_chosen), files);
+    GtkWidget *label = gtk_label_new_with_mnemonic(zel::ui_text("common", "_Recently opened:"));
+    gtk_label_set_mnemonic_widget(GTK_LABEL(label), combo);
+    GtkWidget *row = gtk_hbox_new(FALSE, 6);
+    gtk_box_pack_start(GTK_BOX(row), label, FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(row), combo, TRUE, TRUE, 0);
+    gtk_widget_set_sensitive(row, none ? FALSE : TRUE);
+    gtk_widget_show_all(row);
+    return row;
+}
+
+char *select_by_ending(const chooser &choose, const char *preset, const char *ending, bool writes)
+{
+    const zel::string_guard name(zel_strdup(preset)); // what turns backslashes gets a copy
+    add_filters(choose, preset, ending);
+    g_signal_connect(choose.dialog, "key-press-event", G_CALLBACK(begin_name), nullptr);
+    // The toolkit may begin with its list of recent files, where the first letter of a name is
+    // lost.
+    const glib_string here(g_get_current_dir());
+    if (!name)
+        choose.start_in(here.get());
+    return select_file(choose, nullptr, name.get(), writes);
+}
+
+GtkFileFilter *make_filter(const char *patterns)
+{
+    GtkFileFilter *filter = gtk_file_filter_new();
+    zel_list *pieces = min_lex_split_str_by_sep(nullptr, patterns, ':');
+    for (const zel_list *node = pieces; node != nullptr; node = node->next)
+        gtk_file_filter_add_pattern(filter, static_cast<const char *>(node->data));
+    min_lex_split_str_by_sep_free(pieces);
+    return filter;
+}
+
+} // namespace
+
+char *dir_sel(GtkWidget *widget, const char *title, const char *folder)
+{
+    const chooser choose(widget, title, GTK_FILE_CHOOSER_ACTION_SELECT_FOLDER, GTK_STOCK_OPEN);
+    choose.start_in(folder);
+    return choose.run();
+}
+
+char *file_sel_read(GtkWidget *widget, const char *title, char *folder, char *name)
+{
+    const chooser choose(widget, title, GTK_FILE_CHOOSER_ACTION_OPEN, GTK_STOCK_OPEN);
+    return select_file(choose, folder, name, false);
+}
+
+char *file_sel_write(GtkWidget *widget, const char *title, char *folder, char *name)
+{
+    const chooser choose(widget, title, GTK_FILE_CHOOSER_ACTION_SAVE, GTK_STOCK_SAVE);
+    return select_file(choose, folder, name, true);
+}
+
+zel_list *file_sel_multiple_unix(GtkWidget *parent, const char *title, const char *folder,
+                                 const char *patterns)
+{
+    LogPrint(1, "file_sel_multiple_unix:\n");
+    const chooser choose(parent, title, GTK_FILE_CHOOSER_ACTION_OPEN, GTK_STOCK_OPEN);
+    gtk_file_chooser_set_select_multiple(choose.files(), TRUE);
+    choose.start_in(folder);
+    gtk_file_chooser_set_filter(choose.files(), make_filter(patterns));
+    if (!choose.accepted()) {
+        LogPrint(1, "file_sel_multiple_unix: ret 1\n");
+        return nullptr;
+    }
+    zel_list *paths = nullptr;
+    GSList *chosen = gtk_file_chooser_get_filenames(choose.files());
+    for (GSList *node = chosen; node != nullptr; node = node->next) {
+        const glib_string path(static_cast<gchar *>(node->data));
+        paths = zel_list_append(paths, zel_strdup(path.get()));
+    }
+    g_slist_free(chosen);
+    LogPrint(1, "file_sel_multiple_unix: ret 0\n");
+    return paths;
+}
+
+int file_sel_show(GtkWidget *) { return 0; }
+
+namespace zel {
+
+char *select_to_read(GtkWidget *widget, const char *title, const char *preset, const char *ending)
+{
+    const chooser choose(widget, title, GTK_FILE_CHOOSER_ACTION_OPEN, GTK_STOCK_OPEN);
+    return select_by_ending(choose, preset, ending, false);
+}
+
+char *select_to_write(GtkWidget *widget, const char *title, const char *preset, const char *ending)
+{
+    const chooser choose(widget, title, GTK_FILE_CHOOSER_ACTION_SAVE, GTK_STOCK_SAVE);
+    return select_by_ending(choose, preset, ending, true);
+}
+
+char *select_source(GtkWidget *widget, const char *title)
+{
+    const chooser choose(widget, title, GTK_FILE_CHOOSER_ACTION_OPEN, GTK_STOCK_OPEN);
+    gtk_file_chooser_set_extra_widget(choose.files(), make_recent_row(choose.files()));
+    return select_by_ending(choose, nullptr, "lang-src", false);
+}
+
+} // namespace zel

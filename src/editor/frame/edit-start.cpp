@@ -1,0 +1,55 @@
+#include "editor/frame/edit-start.h"
+
+#include "app/memory.h"
+#include "editor/frame/edit.h"
+#include "editor/state/edit-state.h"
+#include "editor/table/w_tab_edit.h"
+#include "support/log-print.h"
+#include "support/string-copy.h"
+
+#include <clocale>
+#include <cstdio>
+
+namespace {
+
+// What the toolkit complains of is for the log: a translator's terminal shows the editor's own
+// messages only.
+void log_toolkit_message(const gchar *domain, GLogLevelFlags level, const gchar *message, gpointer)
+{
+    zel::end_on_glib_error(level);
+    if ((level & (G_LOG_LEVEL_INFO | G_LOG_LEVEL_DEBUG)) != 0)
+        return;
+    LogPrint(1, "%s: %s\n", domain == nullptr ? "" : domain, message == nullptr ? "" : message);
+}
+
+} // namespace
+
+void edit_take_toolkit_args(int *argc, char ***argv)
+{
+    gtk_parse_args(argc, argv);
+    // The toolkit speaks the user's language; numbers in files are the same everywhere.
+    std::setlocale(LC_NUMERIC, "C");
+}
+
+int edit_start(const char *file)
+{
+    g_log_set_default_handler(log_toolkit_message, nullptr);
+    int count = 0;
+    if (!gtk_init_check(&count, nullptr)) {
+        const char *display = gdk_get_display_arg_name();
+        if (display == nullptr)
+            display = g_getenv("DISPLAY");
+        if (display == nullptr || display[0] == '\0')
+            std::fputs("lang: the editor needs a display, and DISPLAY names none\n", stderr);
+        else
+            std::fprintf(stderr, "lang: the editor cannot open the display \"%s\"\n", display);
+        return 1;
+    }
+    std::setlocale(LC_NUMERIC, "C");
+    zel_tab_edit_get_ctrls(&edit_ctrl);
+    edit_more = zel::tab_edit_more();
+    zel::replace_string(def_file, zel_strdup(file));
+    const int result = edit();
+    zel::replace_string(def_file, nullptr);
+    return result;
+}

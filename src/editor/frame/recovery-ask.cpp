@@ -1,0 +1,183 @@
+#include "editor/frame/recovery-ask.h"
+
+#include "editor/toolkit/accessible.h"
+#include "editor/toolkit/popup.h"
+#include "editor/toolkit/ui-text.h"
+#include "merge/compare.h"
+#include "support/text.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace {
+
+// What the editor notes by itself beside a change that somebody made.
+constexpr std::string_view not_told[] = {"changed", "colwidth group", "colwidth item",
+                                         "colwidth ctrl", "rowheight"};
+constexpr std::string_view texts[] = {"text", "comment", "item"};
+
+template <class Words>
+bool is_one_of(const Words &words, std::string_view word)
+{
+    return std::find(std::begin(words), std::end(words), word) != std::end(words);
+}
+
+std::string where_of(const zel::difference &one)
+{
+    std::string where;
+    if (one.group != nullptr)
+        where += one.group;
+    if (one.item != nullptr)
+        where.append(":").append(one.item);
+    const std::string_view field = one.field;
+    if (field != "text" && field != "item" && field != "group" && field != "language")
+        where.append(where.empty() ? "" : ", ").append(field);
+    if (one.language != nullptr)
+        where.append(where.empty() ? "" : ", ").append(one.language);
+    return where;
+}
+
+std::string shown(const zel::field_value &value, bool there)
+{
+    return value.is != zel::field_value::none ? value.shown
+           : there                            ? std::string("+")
+                                              : std::string();
+}
+
+// "3 texts differ".
+std::string counted(std::size_t count, const char *one, const char *many)
+{
+    return std::to_string(count) + " " + zel::ui_text("recovery", count == 1 ? one : many);
+}
+
+struct unit {
+    std::int64_t seconds;
+    const char *one;
+    const char *many;
+};
+constexpr unit units[] = {{24 * 60 * 60, "day ago", "days ago"},
+                          {60 * 60, "hour ago", "hours ago"},
+                          {60, "minute ago", "minutes ago"},
+                          {1, "second ago", "seconds ago"}};
+
+std::string age_of(std::int64_t seconds)
+{
+    seconds = std::max<std::int64_t>(seconds, 1); // the clock may have been set back
+    for (const unit &row : units)
+        if (seconds >= row.seconds)
+            return counted(static_cast<std::size_t>(seconds / row.seconds), row.one, row.many);
+    return {};
+}
+
+std::string details_of(const zel::recovery_question &question)
+{
+    const auto &all = question.differences;
+    const auto count = static_cast<std::size_t>(
+        std::count_if(all.begin(), all.end(), [](const auto &one) { return one.is_text; }));
+    std::string text = zel::utf8_shown(question.path.c_str()) + "\n" +
+                       zel::ui_text("recovery", "Last changed") + " " + age_of(question.age) +
+                       "; " + counted(count, "text differs", "texts differ") + ".";
+    if (all.size() > count)
+        text += " " + counted(all.size() - count, "other difference", "other differences") + ".";
+    if (question.source_changed)
+        text += std::string("\n\n") +
+                zel::ui_text("recovery", "The source itself has been changed since. What is "
+                                         "recovered does not have those changes.");
+    text += "\n\n";
+    text += question.declined
+                ? zel::ui_text("recovery", "No removes them: they were offered before.")
+                : zel::ui_text("recovery", "No leaves the source as it is; the changes are offered "
+                                           "once more at the next start.");
+    return text;
+}
+
+constexpr int show_list = 1; // a response
+
+void add_column(GtkWidget *view, const char *title, int column)
+{
+    GtkCellRenderer *cell = gtk_cell_renderer_text_new();
+    g_object_set(cell, "ellipsize", PANGO_ELLIPSIZE_END, "yalign", 0.0, nullptr);
+    gtk_tree_view_insert_column_with_attributes(GTK_TREE_VIEW(view), -1, title, cell, "text",
+                                                column, nullptr);
+    GtkTreeViewColumn *made = gtk_tree_view_get_column(GTK_TREE_VIEW(view), column);
+    gtk_tree_view_column_set_resizable(made, TRUE);
+    gtk_tree_view_column_set_expand(made, TRUE);
+}
+
+GtkWidget *make_list(const std::vector<zel::recovered_difference> &all)
+{
+    GtkListStore *store = gtk_list_store_new(3, G_TYPE_STRING, G_TYPE_STRING, G_TYPE_STRING);
+    for (const zel::recovered_difference &one : all)
+        gtk_list_store_insert_with_values(store, nullptr, -1, 0,
+                                          zel::utf8_shown(one.where.c_str()).c_str(), 1,
+                                          zel::utf8_shown(one.before.c_str()).c_str(), 2,
+                                          zel::utf8_shown(one.after.c_str()).c_str(), -1);
+    GtkWidget *view = gtk_tree_view_new_with_model(GTK_TREE_MODEL(store));
+    g_object_unref(store);
+    gtk_widget_set_name(view, "recovered-texts");
+    zel::set_accessible_name(view, zel::ui_text("recovery", "Texts that differ"));
+    gtk_tree_view_set_rules_hint(GTK_TREE_VIEW(view), TRUE);
+    add_column(view, zel::ui_text("recovery", "Item"), 0);
+    add_column(view, zel::ui_text("recovery", "Source"), 1);
+    add_column(view, zel::ui_text("recovery", "Recovered"), 2);
+    return view;
+}
+
+// The list comes up below the question, which goes on.
+void add_list(GtkWidget *dialog, int response, gpointer differences)
+{
+    if (response != show_list)
+        return;
+    g_signal_stop_emission_by_name(dialog, "response");
+    const auto &all = *static_cast<const std::vector<zel::recovered_difference> *>(differences);
+    GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
+    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
+                                   GTK_POLICY_AUTOMATIC);
+    gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_IN);
+    gtk_widget_set_size_request(scrolled, 600, 180);
+    gtk_container_set_border_width(GTK_CONTAINER(scrolled), 6);
+    gtk_container_add(GTK_CONTAINER(scrolled), make_list(all));
+    gtk_box_pack_start(GTK_BOX(gtk_dialog_get_content_area(GTK_DIALOG(dialog))), scrolled, TRUE,
+                       TRUE, 0);
+    gtk_window_set_resizable(GTK_WINDOW(dialog), TRUE);
+    gtk_widget_show_all(scrolled);
+    gtk_dialog_set_response_sensitive(GTK_DIALOG(dialog), show_list, FALSE);
+}
+
+} // namespace
+
+namespace zel {
+
+std::vector<recovered_difference> differences_to(LangSource *before, LangSource *after)
+{
+    std::vector<recovered_difference> all;
+    compare_sources(before, after, false, [&all](const difference &one) {
+        if (is_one_of(not_told, one.field))
+            return;
+        all.push_back({where_of(one), shown(one.before, one.how == change::removed),
+                       shown(one.after, one.how == change::added), is_one_of(texts, one.field)});
+    });
+    return all;
+}
+
+bool ask_recovery(GtkWidget *parent, const recovery_question &question)
+{
+    GtkWidget *dialog = gtk_message_dialog_new(
+        window_of(parent), GTK_DIALOG_MODAL, GTK_MESSAGE_QUESTION, GTK_BUTTONS_NONE, "%s",
+        ui_text("recovery", "There are changes of this source that were not saved.\n"
+                            "Take them?"));
+    gtk_message_dialog_format_secondary_text(GTK_MESSAGE_DIALOG(dialog), "%s",
+                                             details_of(question).c_str());
+    gtk_dialog_add_buttons(GTK_DIALOG(dialog), ui_text("recovery", "Show them"), show_list,
+                           GTK_STOCK_NO, GTK_RESPONSE_NO, GTK_STOCK_YES, GTK_RESPONSE_YES, nullptr);
+    gtk_dialog_set_default_response(GTK_DIALOG(dialog), GTK_RESPONSE_YES);
+    gtk_window_set_position(GTK_WINDOW(dialog), GTK_WIN_POS_CENTER);
+    auto differences = question.differences;
+    g_signal_connect(dialog, "response", G_CALLBACK(add_list), &differences);
+    const int answer = gtk_dialog_run(GTK_DIALOG(dialog));
+    gtk_widget_destroy(dialog);
+    return answer == GTK_RESPONSE_YES;
+}
+
+} // namespace zel

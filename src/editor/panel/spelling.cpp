@@ -1,0 +1,427 @@
+#include "editor/panel/spelling.h"
+
+#include "app/global.h"
+#include "assist/words.h"
+#include "config/ini.h"
+#include "editor/panel/dictionary.h"
+#include "editor/toolkit/text-places.h"
+#include "editor/toolkit/theme.h"
+#include "editor/toolkit/ui-text.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <vector>
+
+namespace {
+
+using zel::fields;
+using zel::assist::word;
+
+// A dictionary is loaded once the window is there and the list has been judged.
+constexpr guint before_first_look = 700; // milliseconds
+constexpr gint64 slice_length = 4000;    // microseconds
+constexpr std::size_t most_suggestions = 5;
+constexpr const char *tag_name = "misspelt";
+
+class speller;
+
+struct spelled_field {
+    speller *owner = nullptr;
+    GtkTextView *view = nullptr;
+    GtkTextTag *tag = nullptr;
+    int number = 0;     // text_field
+    bool stale = false; // the underlines are of another text
+    int typed_at = -1;  // the caret, as long as it stands where it was typed last
+    int menu_at = -1;   // where the mouse opens the menu
+
+    GtkTextBuffer *buffer() const { return gtk_text_view_get_buffer(view); }
+    int caret() const
+    {
+        GtkTextIter at;
+        gtk_text_buffer_get_iter_at_mark(buffer(), &at, gtk_text_buffer_get_insert(buffer()));
+        return gtk_text_iter_get_offset(&at);
+    }
+};
+
+// A word of a field, for a menu's entry.
+struct chosen_word {
+    spelled_field *field;
+    zel::char_span place;
+    std::string letters; // as a dictionary has it
+};
+
+std::size_t bytes_before(const std::string &text, int offset)
+{
+    return static_cast<std::size_t>(g_utf8_offset_to_pointer(text.c_str(), offset) - text.c_str());
+}
+
+// A text that is being looked at.
+struct text_scan {
+    spelled_field *field = nullptr; // none is looked at
+    std::string text;
+    std::vector<word> words;
+    std::size_t next = 0;
+    std::vector<zel::assist::piece> wrong;
+
+    void begin(spelled_field &of)
+    {
+        field = &of;
+        text = zel::buffer_text(of.buffer());
+        words = zel::assist::words_of(text);
+        next = 0;
+        wrong.clear();
+        if (of.typed_at < 0)
+            return;
+        // What is being typed is no word yet.
+        const std::size_t caret = bytes_before(text, of.typed_at);
+        words.erase(std::remove_if(words.begin(), words.end(),
+                                   [caret](const word &one) {
+                                       return one.place.at < caret &&
+                                              caret <= one.place.at + one.place.length;
+                                   }),
+                    words.end());
+    }
+    // False when the time was up before the end.
+    bool go_on(zel::dictionary &words_known, gint64 end)
+    {
+        for (; next < words.size(); ++next) {
+            if (g_get_monotonic_time() >= end)
+                return false;
+            if (!words_known.is_right(words[next].letters))
+                wrong.push_back(words[next].place);
+        }
+        return true;
+    }
+};
+
+// The panel's spelling; it goes with the panel.
+class speller {
+public:
+    explicit speller(Zeltext *text) : text_(text)
+    {
+        for (int number = 0; number < TEXT_FIELDS; ++number)
+            watch(fields_[static_cast<std::size_t>(number)], number);
+    }
+    ~speller()
+    {
+        if (timer_ != 0)
+            g_source_remove(timer_);
+        for (const spelled_field &field : fields_)
+            for (const gpointer object : {gpointer{field.view}, gpointer{field.buffer()}})
+                g_signal_handlers_disconnect_matched(object, G_SIGNAL_MATCH_DATA, 0, 0, nullptr,
+                                                     nullptr, const_cast<spelled_field *>(&field));
+    }
+    speller(const speller &) = delete;
+    speller &operator=(const speller &) = delete;
+
+    // Empty when the field shows no language.
+    std::string language_of(const spelled_field &field) const
+    {
+        const lang_entry_t *entry = text_->*fields[field.number].entry;
+        return entry == nullptr || entry->lang == nullptr ? "" : entry->lang;
+    }
+
+    void look_again(spelled_field &field)
+    {
+        field.stale = true;
+        if (scan_.field == &field)
+            scan_.field = nullptr;
+        if (timer_ == 0)
+            timer_ = looked_ ? g_idle_add_full(G_PRIORITY_LOW, slice, this, nullptr)
+                             : g_timeout_add_full(G_PRIORITY_LOW, before_first_look, slice, this,
+                                                  nullptr);
+    }
+    void look_at_all_again()
+    {
+        for (spelled_field &field : fields_)
+            look_again(field);
+    }
+
+private:
+    void watch(spelled_field &field, int number);
+    static gboolean slice(gpointer self);
+    bool look_at(spelled_field &field, gint64 end);
+
+    Zeltext *text_;
+    std::array<spelled_field, TEXT_FIELDS> fields_;
+    text_scan scan_;
+    guint timer_ = 0;
+    bool looked_ = false; // the first time has come
+};
+
+// False when there is more to do.
+bool speller::look_at(spelled_field &field, gint64 end)
+{
+    const std::string language = language_of(field);
+    if (!ini_spelling(ini) || language.empty() || !zel::is_dictionary_there(language)) {
+        zel::tag_places(field.buffer(), field.tag, {});
+        return true;
+    }
+    const bool was_ready = zel::is_dictionary_ready(language);
+    zel::dictionary *words = zel::find_dictionary(language);
+    if (!was_ready || words == nullptr)
+        return false;
+    if (scan_.field != &field)
+        scan_.begin(field);
+    if (!scan_.go_on(*words, end))
+        return false;
+    zel::tag_places(field.buffer(), field.tag, zel::places_of(scan_.text, scan_.wrong));
+    scan_ = {};
+    return true;
+}
+
+// One text or one dictionary at a time, so that the window stays quick.
+gboolean speller::slice(gpointer data)
+{
+    auto *self = static_cast<speller *>(data);
+    const gint64 end = g_get_monotonic_time() + slice_length;
+    self->timer_ = 0;
+    self->looked_ = true;
+    for (spelled_field &field : self->fields_) {
+        if (!field.stale)
+            continue;
+        if (self->look_at(field, end))
+            field.stale = false;
+        self->timer_ = g_idle_add_full(G_PRIORITY_LOW, slice, self, nullptr);
+        break;
+    }
+    return FALSE;
+}
+
+void on_change(GtkTextBuffer *, gpointer data)
+{
+    auto *field = static_cast<spelled_field *>(data);
+    const bool typed = lang_global.text_lock == 0 && gtk_widget_is_focus(GTK_WIDGET(field->view));
+    field->typed_at = typed ? field->caret() : -1;
+    field->owner->look_again(*field);
+}
+
+// The caret has left the word that was typed.
+void leave_word(spelled_field &field)
+{
+    if (field.typed_at < 0)
+        return;
+    field.typed_at = -1;
+    field.owner->look_again(field);
+}
+
+void on_caret(GtkTextBuffer *, GParamSpec *, gpointer data)
+{
+    auto *field = static_cast<spelled_field *>(data);
+    if (field->typed_at != field->caret())
+        leave_word(*field);
+}
+
+gboolean on_focus_out(GtkWidget *, GdkEventFocus *, gpointer data)
+{
+    leave_word(*static_cast<spelled_field *>(data));
+    return FALSE;
+}
+
+// The toolkit's menu does not tell where it was opened.
+gboolean on_button(GtkWidget *, GdkEventButton *event, gpointer data)
+{
+    auto *field = static_cast<spelled_field *>(data);
+    field->menu_at = -1;
+    if (event->window != gtk_text_view_get_window(field->view, GTK_TEXT_WINDOW_TEXT))
+        return FALSE;
+    gint x = 0;
+    gint y = 0;
+    gtk_text_view_window_to_buffer_coords(field->view, GTK_TEXT_WINDOW_TEXT,
+                                          static_cast<gint>(event->x), static_cast<gint>(event->y),
+                                          &x, &y);
+    GtkTextIter at;
+    gtk_text_view_get_iter_at_location(field->view, &at, x, y);
+    field->menu_at = gtk_text_iter_get_offset(&at);
+    return FALSE;
+}
+
+gboolean on_menu_key(GtkWidget *, gpointer data)
+{
+    static_cast<spelled_field *>(data)->menu_at = -1;
+    return FALSE;
+}
+
+// By its name a view gets the colour of the line (editor/theme). A name is set once: that sets the
+// style anew.
+void follow_style(GtkWidget *view, GtkStyle *, gpointer)
+{
+    const char *name = zel::is_dark(view) ? "dark-text" : "light-text";
+    if (g_strcmp0(gtk_widget_get_name(view), name) != 0)
+        gtk_widget_set_name(view, name);
+}
+
+// What stands there in the field.
+std::string text_at(const chosen_word &word)
+{
+    GtkTextIter start;
+    GtkTextIter end;
+    gtk_text_buffer_get_iter_at_offset(word.field->buffer(), &start, word.place.start);
+    gtk_text_buffer_get_iter_at_offset(word.field->buffer(), &end, word.place.end);
+    gchar *text = gtk_text_buffer_get_text(word.field->buffer(), &start, &end, TRUE);
+    std::string out(text);
+    g_free(text);
+    return out;
+}
+
+constexpr const char *replacement_key = "zel-replacement";
+
+// As if it was typed, so that it counts as an edit and is one step to undo.
+void take_suggestion(GtkWidget *item, gpointer data)
+{
+    const auto &word = *static_cast<chosen_word *>(data);
+    const std::string written = text_at(word);
+    const std::vector<::word> now = zel::assist::words_of(written);
+    // The text may have become another one under the open menu.
+    if (now.size() != 1 || now[0].letters != word.letters)
+        return;
+    const auto *letters =
+        static_cast<const char *>(g_object_get_data(G_OBJECT(item), replacement_key));
+    const std::string replacement = zel::assist::written_like(written, letters);
+    GtkTextBuffer *buffer = word.field->buffer();
+    GtkTextIter start;
+    GtkTextIter end;
+    gtk_text_buffer_begin_user_action(buffer);
+    gtk_text_buffer_get_iter_at_offset(buffer, &start, word.place.start);
+    gtk_text_buffer_get_iter_at_offset(buffer, &end, word.place.end);
+    gtk_text_buffer_delete_interactive(buffer, &start, &end, TRUE);
+    gtk_text_buffer_insert_interactive(buffer, &start, replacement.c_str(), -1, TRUE);
+    gtk_text_buffer_end_user_action(buffer);
+}
+
+void add_word(GtkWidget *, gpointer data)
+{
+    const auto &word = *static_cast<chosen_word *>(data);
+    if (zel::dictionary *words = zel::find_dictionary(word.field->owner->language_of(*word.field)))
+        words->add(word.letters);
+    word.field->owner->look_at_all_again();
+}
+
+void switch_checks(GtkCheckMenuItem *item, gpointer data)
+{
+    ini_set_spelling(ini, gtk_check_menu_item_get_active(item) != 0);
+    static_cast<spelled_field *>(data)->owner->look_at_all_again();
+}
+
+// An entry that acts on the word, which it keeps.
+GtkWidget *word_entry(const char *text, const chosen_word &word, void (*act)(GtkWidget *, gpointer))
+{
+    GtkWidget *item = gtk_menu_item_new_with_label(text);
+    g_signal_connect_data(
+        item, "activate", G_CALLBACK(act), new chosen_word(word),
+        [](gpointer data, GClosure *) { delete static_cast<chosen_word *>(data); },
+        GConnectFlags{});
+    return item;
+}
+
+void make_bold(GtkWidget *item)
+{
+    PangoAttrList *attributes = pango_attr_list_new();
+    pango_attr_list_insert(attributes, pango_attr_weight_new(PANGO_WEIGHT_BOLD));
+    gtk_label_set_attributes(GTK_LABEL(gtk_bin_get_child(GTK_BIN(item))), attributes);
+    pango_attr_list_unref(attributes);
+}
+
+// What stands above the menu's own entries for a word that the dictionary does not know.
+std::vector<GtkWidget *> word_entries(const chosen_word &word, zel::dictionary &words)
+{
+    std::vector<GtkWidget *> items;
+    for (const std::string &one : words.suggestions(word.letters, most_suggestions)) {
+        GtkWidget *item = word_entry(one.c_str(), word, take_suggestion);
+        g_object_set_data_full(G_OBJECT(item), replacement_key, g_strdup(one.c_str()), g_free);
+        make_bold(item);
+        items.push_back(item);
+    }
+    if (items.empty()) {
+        items.push_back(gtk_menu_item_new_with_label(zel::ui_text("text", "(no suggestions)")));
+        gtk_widget_set_sensitive(items[0], FALSE);
+    }
+    items.push_back(word_entry(zel::ui_text("text", "Add to dictionary"), word, add_word));
+    items.push_back(gtk_separator_menu_item_new());
+    return items;
+}
+
+// The word at the place that the menu is opened for; without letters when there is none.
+chosen_word word_for_menu(spelled_field &field)
+{
+    const std::string text = zel::buffer_text(field.buffer());
+    const int offset = field.menu_at < 0 ? field.caret() : field.menu_at;
+    const int length = gtk_text_buffer_get_char_count(field.buffer());
+    const std::size_t at = bytes_before(text, std::min(offset, length));
+    for (const word &one : zel::assist::words_of(text))
+        if (one.place.at <= at && at <= one.place.at + one.place.length)
+            return {&field, zel::places_of(text, {one.place})[0], one.letters};
+    return {&field, {0, 0}, ""};
+}
+
+// The place of the menu's first line, behind the editor's other entries.
+int first_line_of(GtkMenu *menu)
+{
+    GList *children = gtk_container_get_children(GTK_CONTAINER(menu));
+    int place = 0;
+    for (const GList *node = children; node != nullptr; node = node->next, ++place)
+        if (GTK_IS_SEPARATOR_MENU_ITEM(node->data))
+            break;
+    g_list_free(children);
+    return place;
+}
+
+void fill_menu(GtkTextView *, GtkMenu *menu, gpointer data)
+{
+    auto &field = *static_cast<spelled_field *>(data);
+    const std::string language = field.owner->language_of(field);
+    if (language.empty() || !zel::is_dictionary_there(language))
+        return;
+    const bool on = ini_spelling(ini);
+    zel::dictionary *words = on ? zel::find_dictionary(language) : nullptr;
+    if (on && words == nullptr)
+        return;
+    GtkWidget *toggle = gtk_check_menu_item_new_with_label(zel::ui_text("text", "Check spelling"));
+    gtk_check_menu_item_set_active(GTK_CHECK_MENU_ITEM(toggle), on);
+    g_signal_connect(toggle, "toggled", G_CALLBACK(switch_checks), &field);
+    gtk_menu_shell_insert(GTK_MENU_SHELL(menu), toggle, first_line_of(menu));
+    gtk_widget_show(toggle);
+
+    const chosen_word word = word_for_menu(field);
+    if (!on || word.letters.empty() || words->is_right(word.letters))
+        return;
+    int place = 0;
+    for (GtkWidget *item : word_entries(word, *words)) {
+        gtk_menu_shell_insert(GTK_MENU_SHELL(menu), item, place++);
+        gtk_widget_show(item);
+    }
+}
+
+void speller::watch(spelled_field &field, int number)
+{
+    field.owner = this;
+    field.number = number;
+    field.view = GTK_TEXT_VIEW(text_->*fields[number].view);
+    field.tag = gtk_text_buffer_create_tag(field.buffer(), tag_name, "underline",
+                                           PANGO_UNDERLINE_ERROR, nullptr);
+    g_signal_connect(field.buffer(), "changed", G_CALLBACK(on_change), &field);
+    g_signal_connect(field.buffer(), "notify::cursor-position", G_CALLBACK(on_caret), &field);
+    g_signal_connect(field.view, "focus-out-event", G_CALLBACK(on_focus_out), &field);
+    g_signal_connect(field.view, "button-press-event", G_CALLBACK(on_button), &field);
+    g_signal_connect(field.view, "popup-menu", G_CALLBACK(on_menu_key), &field);
+    g_signal_connect(field.view, "style-set", G_CALLBACK(follow_style), &field);
+    // Behind the others, so that the words stand on top.
+    g_signal_connect_after(field.view, "populate-popup", G_CALLBACK(fill_menu), &field);
+}
+
+} // namespace
+
+namespace zel {
+
+void watch_spelling(Zeltext *text)
+{
+    if (!has_dictionaries())
+        return;
+    g_signal_connect(text, "destroy", G_CALLBACK(+[](GtkWidget *, gpointer data) {
+                         delete static_cast<speller *>(data);
+                     }),
+                     new speller(text));
+}
+
+} // namespace zel

@@ -1,0 +1,14 @@
+#pragma once
+
+// Spelling in the text panel, where there is a dictionary for a shown language: words that it does
+// not know are underlined, and the fields' menus offer others for them. Nothing is looked up while
+// a key is handled.
+
+#include "editor/panel/w_text_panel.h"
+
+namespace zel {
+
+// Looks at the panel's fields from now on, until the panel goes.
+void watch_spelling(Zeltext *text);
+
+} // namespace zel

@@ -1,0 +1,374 @@
+#include "editor/panel/w_text_build.h"
+
+#include "app/global.h"
+#include "editor/panel/text-signs.h"
+#include "editor/panel/w_text_below.h"
+#include "editor/panel/w_text_checks.h"
+#include "editor/toolkit/accessible.h"
+#include "editor/toolkit/scrolled-box.h"
+#include "editor/toolkit/text-pieces.h"
+#include "editor/toolkit/text-runs.h"
+#include "editor/toolkit/theme.h"
+#include "editor/toolkit/ui-text.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace {
+
+using zel::field_t;
+using zel::fields;
+
+constexpr int used_in_width = 220;
+constexpr int margin = 6;
+constexpr int above_lines = 2;
+constexpr int least_width = 40; // of a field, whose text wraps; its own would move the divider
+constexpr const char *caption_key = "zel-caption"; // where a row keeps its caption
+
+GtkWidget *make_caption(GtkWidget *view)
+{
+    GtkWidget *label = gtk_label_new(nullptr);
+    gtk_misc_set_alignment(GTK_MISC(label), 0.0F, 0.5F);
+    gtk_label_set_ellipsize(GTK_LABEL(label), PANGO_ELLIPSIZE_START); // the language is its end
+    gtk_label_set_mnemonic_widget(GTK_LABEL(label), view);
+    return label;
+}
+
+GtkWidget *make_text_view(int height)
+{
+    GtkWidget *view = gtk_text_view_new();
+    GtkTextView *text_view = GTK_TEXT_VIEW(view);
+    gtk_text_view_set_wrap_mode(text_view, GTK_WRAP_WORD_CHAR);
+    gtk_text_view_set_left_margin(text_view, margin);
+    gtk_text_view_set_right_margin(text_view, margin);
+    gtk_text_view_set_pixels_above_lines(text_view, above_lines);
+    gtk_text_view_set_accepts_tab(text_view, FALSE);
+    zel::keep_in_pieces(gtk_text_view_get_buffer(text_view));
+    zel::take_plain_line_ends(gtk_text_view_get_buffer(text_view));
+    zel::keep_runs_whole(text_view, zel::text_piece_tag);
+    zel::show_signs(text_view);
+    gtk_widget_set_size_request(view, -1, height);
+    return view;
+}
+
+// The view scrolls in its frame, so that long texts fit and a small window may be lower than the
+// views ask for.
+GtkWidget *make_view_frame(GtkWidget *view)
+{
+    GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
+    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER,
+                                   GTK_POLICY_AUTOMATIC);
+    gtk_container_add(GTK_CONTAINER(scrolled), view);
+    GtkWidget *frame = zel::make_line_frame();
+    gtk_container_add(GTK_CONTAINER(frame), scrolled);
+    return frame;
+}
+
+int line_height(GtkWidget *view)
+{
+    PangoFontMetrics *metrics = pango_context_get_metrics(
+        gtk_widget_get_pango_context(view), gtk_widget_get_style(view)->font_desc, nullptr);
+    const int height =
+        pango_font_metrics_get_ascent(metrics) + pango_font_metrics_get_descent(metrics);
+    pango_font_metrics_unref(metrics);
+    return PANGO_PIXELS_CEIL(height) + above_lines;
+}
+
+GtkWidget *scrolled_of(Zeltext *text, int number)
+{
+    return gtk_widget_get_parent(text->*fields[number].view);
+}
+
+int requested_height(GtkWidget *widget)
+{
+    gint height = 0;
+    gtk_widget_get_size_request(widget, nullptr, &height);
+    return std::max(height, 0);
+}
+
+using below_heights = std::array<zel::below_height, 2>;
+
+// Shares out what is left above a line of each among the texts below the translations; what the
+// shorter one does not need is the other's.
+void share_below(Zeltext *text, const below_heights &heights, int left)
+{
+    std::array<std::size_t, 2> order{0, 1};
+    if (heights[0].most > heights[1].most)
+        std::swap(order[0], order[1]);
+    int count = (heights[0].most != 0 ? 1 : 0) + (heights[1].most != 0 ? 1 : 0);
+    for (const std::size_t number : order) {
+        const auto [least, most] = heights[number];
+        if (most == 0)
+            continue;
+        const int more = std::clamp(count > 1 ? left / 2 : left, 0, most - least);
+        --count;
+        left -= more;
+        GtkWidget *scrolled = zel::text_below_scrolled(text, static_cast<int>(number));
+        if (requested_height(scrolled) != least + more)
+            gtk_widget_set_size_request(scrolled, -1, least + more);
+        // A bar of one line's height is of no use.
+        gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER,
+                                       more < least ? GTK_POLICY_NEVER : GTK_POLICY_AUTOMATIC);
+        gtk_widget_set_has_tooltip(text->below[number].view, least + more < most);
+    }
+}
+
+// A suggestion's line without one keeps the fields in their places from item to item, unless they
+// lack its room. Gives what the other things than the fields ask for.
+int fold_empty_lines(Zeltext *text, int others, int room)
+{
+    int saved = 0;
+    const std::array<GtkWidget *, 2> labels{text->suggestion1_label, text->suggestion2_label};
+    const auto is_empty = [](GtkWidget *label) {
+        return gtk_widget_get_visible(label) != 0 && *gtk_label_get_text(GTK_LABEL(label)) == '\0';
+    };
+    for (GtkWidget *label : labels) {
+        if (!is_empty(label))
+            continue;
+        int height = 0;
+        pango_layout_get_pixel_size(gtk_label_get_layout(GTK_LABEL(label)), nullptr, &height);
+        GtkRequisition now{};
+        gtk_widget_get_child_requisition(label, &now);
+        others += height - now.height;
+        saved += height - 1;
+    }
+    const bool folds = others > room;
+    for (GtkWidget *label : labels) {
+        const int wanted = folds && is_empty(label) ? 1 : 0;
+        if (requested_height(label) != wanted)
+            gtk_widget_set_size_request(label, -1, wanted == 0 ? -1 : wanted);
+    }
+    return folds ? others - saved : others;
+}
+
+// Shares the panel's height out among the fields.
+void share_height(GtkWidget *viewport, GtkAllocation *place, gpointer data)
+{
+    Zeltext *text = ZEL_TEXT(data);
+    GtkRequisition wanted{};
+    gtk_widget_size_request(gtk_bin_get_child(GTK_BIN(viewport)), &wanted);
+    const int languages = (gtk_widget_get_visible(text->lang1_frame) != 0 ? 1 : 0) +
+                          (gtk_widget_get_visible(text->lang2_frame) != 0 ? 1 : 0);
+    const int line = line_height(text->trans1_view);
+    if (languages == 0)
+        return;
+    // What the fields of one language have; the rest of what is wanted is for other things.
+    const int comment_now = requested_height(scrolled_of(text, TEXT_COMMENT1));
+    const int trans_now = requested_height(scrolled_of(text, TEXT_TRANS1));
+    const below_heights below{zel::text_below_height(text, TEXT_TRANS1),
+                              zel::text_below_height(text, TEXT_TRANS2)};
+    int below_more = below[0].least + below[1].least; // than they have now
+    for (const int number : {TEXT_TRANS1, TEXT_TRANS2})
+        if (below[static_cast<std::size_t>(number)].most != 0)
+            below_more -= requested_height(zel::text_below_scrolled(text, number));
+    const field_t &comment = fields[TEXT_COMMENT1];
+    const field_t &trans = fields[TEXT_TRANS1];
+    const int others =
+        fold_empty_lines(text, wanted.height - languages * (comment_now + trans_now) + below_more,
+                         place->height - languages * (comment.lines + trans.lines) * line);
+    const int room = (place->height - others) / languages - trans.height;
+    const int comment_height =
+        std::clamp(room, comment.lines * line, std::max(comment.height, comment.lines * line));
+    for (int number = 0; number < TEXT_FIELDS; ++number) {
+        const bool is_comment = number == TEXT_COMMENT1 || number == TEXT_COMMENT2;
+        const int height = is_comment ? comment_height : trans.lines * line;
+        GtkWidget *scrolled = scrolled_of(text, number);
+        if (requested_height(scrolled) != height)
+            gtk_widget_set_size_request(scrolled, -1, height);
+    }
+    share_below(text, below, place->height - others - languages * (comment_height + trans.height));
+}
+
+GtkWidget *label_of(Zeltext *text, GtkWidget *view)
+{
+    const auto *field = std::find_if(std::begin(fields), std::end(fields),
+                                     [&](const field_t &one) { return text->*one.view == view; });
+    return text->*field->label;
+}
+
+// The field that gets the keyboard is scrolled to, with its caption and what is below it.
+gboolean show_whole_field(GtkWidget *view, GdkEventFocus *, gpointer data)
+{
+    Zeltext *text = ZEL_TEXT(data);
+    GtkWidget *box = gtk_widget_get_ancestor(view, GTK_TYPE_VIEWPORT);
+    GtkWidget *content = gtk_bin_get_child(GTK_BIN(box));
+    GtkAdjustment *seen = gtk_viewport_get_vadjustment(GTK_VIEWPORT(box));
+    const auto place_of = [content](GtkWidget *widget) {
+        GtkAllocation place{};
+        gtk_widget_get_allocation(widget, &place);
+        gtk_widget_translate_coordinates(widget, content, 0, 0, &place.x, &place.y);
+        return place;
+    };
+    const GtkAllocation field = place_of(view);
+    GtkAllocation last = field;
+    for (const int number : {TEXT_TRANS1, TEXT_TRANS2}) {
+        GtkWidget *below = text->below[number].row;
+        if (text->*fields[number].view == view && gtk_widget_get_visible(below) != 0)
+            last = place_of(below);
+    }
+    const int top = place_of(label_of(text, view)).y;
+    gtk_adjustment_clamp_page(seen, top, last.y + last.height);
+    gtk_adjustment_clamp_page(seen, top, field.y + field.height + margin); // where both do not fit
+    return FALSE;
+}
+
+// What is wrong with a text gets the room that its caption leaves, and half of the row at least.
+void share_caption_row(GtkWidget *row, GtkAllocation *place, gpointer finding)
+{
+    GtkWidget *caption = GTK_WIDGET(g_object_get_data(G_OBJECT(row), caption_key));
+    const bool alone = gtk_widget_get_visible(GTK_WIDGET(finding)) == 0;
+    gboolean expands = FALSE;
+    gtk_box_query_child_packing(GTK_BOX(row), caption, &expands, nullptr, nullptr, nullptr);
+    if ((expands != 0) != alone)
+        gtk_box_set_child_packing(GTK_BOX(row), caption, alone, TRUE, 0, GTK_PACK_START);
+    PangoLayout *layout =
+        gtk_widget_create_pango_layout(caption, gtk_label_get_text(GTK_LABEL(caption)));
+    int whole = 0;
+    pango_layout_get_pixel_size(layout, &whole, nullptr);
+    g_object_unref(layout);
+    const int wanted = alone ? -1 : std::min(whole, place->width / 2);
+    int before = 0;
+    gtk_widget_get_size_request(caption, &before, nullptr);
+    if (before != wanted)
+        gtk_widget_set_size_request(caption, wanted, -1);
+}
+
+// A caption, and beside it what is wrong with the text.
+GtkWidget *make_caption_row(Zeltext *text, int number, GtkWidget *caption)
+{
+    GtkWidget *row = gtk_hbox_new(FALSE, margin);
+    gtk_box_pack_start(GTK_BOX(row), caption, TRUE, TRUE, 0);
+    GtkWidget *finding = zel::text_finding_label_new();
+    gtk_box_pack_start(GTK_BOX(row), finding, TRUE, TRUE, 0);
+    (number == TEXT_TRANS1 ? text->finding1_label : text->finding2_label) = finding;
+    g_object_set_data(G_OBJECT(row), caption_key, caption);
+    g_signal_connect(row, "size-allocate", G_CALLBACK(share_caption_row), finding);
+    GtkWidget *box = gtk_event_box_new(); // labels get no clicks
+    gtk_event_box_set_visible_window(GTK_EVENT_BOX(box), FALSE);
+    gtk_container_add(GTK_CONTAINER(box), row);
+    return box;
+}
+
+GtkWidget *make_suggestion(Zeltext *text, int number)
+{
+    GtkWidget *label = gtk_label_new(nullptr);
+    gtk_misc_set_alignment(GTK_MISC(label), 0.0F, 0.5F);
+    gtk_label_set_ellipsize(GTK_LABEL(label), PANGO_ELLIPSIZE_END);
+    gtk_widget_set_no_show_all(label, TRUE);
+    (number == TEXT_TRANS1 ? text->suggestion1_label : text->suggestion2_label) = label;
+    return label;
+}
+
+void make_field(Zeltext *text, int number, GtkWidget *box)
+{
+    const field_t &field = fields[number];
+    const bool is_comment = number == TEXT_COMMENT1 || number == TEXT_COMMENT2;
+    GtkWidget *view = make_text_view(field.height);
+    gtk_widget_set_size_request(view, least_width, field.height);
+    GtkWidget *label = make_caption(view);
+    text->*field.view = view;
+    text->*field.label = label;
+    g_signal_connect(view, "focus-in-event", G_CALLBACK(show_whole_field), text);
+    GtkWidget *caption = is_comment ? label : make_caption_row(text, number, label);
+    gtk_box_pack_start(GTK_BOX(box), caption, FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), make_view_frame(view), is_comment ? FALSE : TRUE, TRUE, 0);
+    if (is_comment)
+        return;
+    gtk_box_pack_start(GTK_BOX(box), make_suggestion(text, number), FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), zel::text_below_new(text, number, make_text_view(-1)), FALSE,
+                       FALSE, 0);
+    zel::text_below_offer(text, number, caption);
+}
+
+GtkWidget *make_language_frame(Zeltext *text, int comment, int trans)
+{
+    GtkWidget *box = gtk_vbox_new(FALSE, 2);
+    make_field(text, comment, box);
+    make_field(text, trans, box);
+    GtkWidget *frame = gtk_frame_new(nullptr);
+    zel::make_bare(frame);
+    gtk_container_add(GTK_CONTAINER(frame), box);
+    return frame;
+}
+
+// As wide as the panel is, and in no way of the divider's place.
+GtkWidget *make_name_entry()
+{
+    GtkWidget *entry = gtk_entry_new();
+    gtk_entry_set_width_chars(GTK_ENTRY(entry), 8);
+    zel::set_accessible_name(entry, zel::ui_text("tab-edit", "Item"));
+    zel::draw_line_in_dark(entry);
+    return entry;
+}
+
+void make_identity(Zeltext *text, GtkWidget *box)
+{
+    text->description_label = gtk_label_new(nullptr);
+    gtk_widget_set_size_request(text->description_label, 60, -1);
+    gtk_misc_set_alignment(GTK_MISC(text->description_label), 0.0F, 0.5F);
+    gtk_label_set_ellipsize(GTK_LABEL(text->description_label), PANGO_ELLIPSIZE_END);
+    gtk_box_pack_start(GTK_BOX(box), text->description_label, FALSE, FALSE, 0);
+
+    text->name_entry = make_name_entry();
+    gtk_editable_set_editable(GTK_EDITABLE(text->name_entry), FALSE);
+    gtk_box_pack_start(GTK_BOX(box), text->name_entry, FALSE, FALSE, 0);
+
+    if (lang_global.editor_mode != 2)
+        return;
+    text->name_edit_entry = make_name_entry();
+    gtk_box_pack_start(GTK_BOX(box), text->name_edit_entry, FALSE, FALSE, 0);
+}
+
+GtkWidget *make_used_in(Zeltext *text)
+{
+    const char *title = zel::ui_text("text", "Used in");
+    text->used_in_view = make_text_view(-1);
+    gtk_widget_set_sensitive(text->used_in_view, FALSE);
+    zel::set_accessible_name(text->used_in_view, title);
+    GtkWidget *scrolled = zel::scrolled_box_new(text->used_in_view);
+    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
+                                   GTK_POLICY_AUTOMATIC);
+    GtkWidget *line = zel::make_line_frame();
+    gtk_container_add(GTK_CONTAINER(line), scrolled);
+    GtkWidget *label = make_caption(text->used_in_view);
+    gtk_label_set_text(GTK_LABEL(label), title);
+    GtkWidget *box = gtk_vbox_new(FALSE, 2);
+    gtk_box_pack_start(GTK_BOX(box), label, FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), line, TRUE, TRUE, 0);
+    const int scroll_bar = 20;
+    gtk_box_pack_start(GTK_BOX(box), zel::text_all_findings_new(text, used_in_width - scroll_bar),
+                       FALSE, FALSE, 0);
+    GtkWidget *frame = gtk_frame_new(nullptr);
+    zel::make_bare(frame);
+    gtk_widget_set_size_request(frame, used_in_width, -1);
+    gtk_container_add(GTK_CONTAINER(frame), box);
+    return frame;
+}
+
+} // namespace
+
+namespace zel {
+
+void build_text_panel(Zeltext *text)
+{
+    make_bare(GTK_WIDGET(text));
+    GtkWidget *panes = gtk_hbox_new(FALSE, 2);
+    gtk_container_set_border_width(GTK_CONTAINER(panes), 2);
+    GtkWidget *box = gtk_vbox_new(FALSE, 2);
+    make_identity(text, box);
+    text->lang1_frame = make_language_frame(text, TEXT_COMMENT1, TEXT_TRANS1);
+    text->lang2_frame = make_language_frame(text, TEXT_COMMENT2, TEXT_TRANS2);
+    gtk_box_pack_start(GTK_BOX(box), text->lang1_frame, TRUE, TRUE, 0);
+    gtk_box_pack_start(GTK_BOX(box), text->lang2_frame, TRUE, TRUE, 0);
+    GtkWidget *scrolled = zel::scrolled_box_new(box);
+    g_signal_connect(gtk_bin_get_child(GTK_BIN(scrolled)), "size-allocate",
+                     G_CALLBACK(share_height), text);
+    gtk_box_pack_start(GTK_BOX(panes), scrolled, TRUE, TRUE, 0);
+    if (lang_global.editor_mode != 0)
+        gtk_box_pack_start(GTK_BOX(panes), make_used_in(text), FALSE, FALSE, 0);
+    gtk_container_add(GTK_CONTAINER(text), panes);
+    gtk_widget_show_all(panes);
+}
+
+} // namespace zel

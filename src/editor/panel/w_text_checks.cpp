@@ -1,0 +1,165 @@
+#include "editor/panel/w_text_checks.h"
+
+#include "assist/pieces.h"
+#include "editor/toolkit/accessible.h"
+#include "editor/toolkit/scrolled-box.h"
+#include "editor/toolkit/text-places.h"
+#include "editor/toolkit/theme.h"
+#include "editor/toolkit/ui-text.h"
+
+#include <algorithm>
+#include <string>
+
+namespace {
+
+GtkTextBuffer *buffer_of(GtkWidget *view) { return gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)); }
+
+void follow_style(GtkWidget *view, GtkStyle *, gpointer tag)
+{
+    g_object_set(tag, "foreground", zel::is_dark(view) ? "#8ab8ff" : "#1448a8", nullptr);
+}
+
+GtkTextTag *tag_of(GtkWidget *view)
+{
+    GtkTextBuffer *buffer = buffer_of(view);
+    GtkTextTag *tag =
+        gtk_text_tag_table_lookup(gtk_text_buffer_get_tag_table(buffer), zel::text_piece_tag);
+    if (tag != nullptr)
+        return tag;
+    tag = gtk_text_buffer_create_tag(buffer, zel::text_piece_tag, nullptr);
+    follow_style(view, nullptr, tag);
+    g_signal_connect(view, "style-set", G_CALLBACK(follow_style), tag);
+    return tag;
+}
+
+std::string joined(const std::vector<zel::assist::remark> &told, const char *between)
+{
+    std::string out;
+    for (const zel::assist::remark &one : told)
+        out += (out.empty() ? "" : between) + zel::utf8_shown(one.text.c_str());
+    return out;
+}
+
+void show_remarks(GtkWidget *label, GtkWidget *view, const std::vector<zel::assist::remark> &told)
+{
+    const std::string text = joined(told, "; ");
+    if (text == gtk_label_get_text(GTK_LABEL(label)))
+        return;
+    bool counts = false;
+    for (const zel::assist::remark &one : told)
+        counts = counts || one.counts;
+    PangoAttrList *attributes = pango_attr_list_new();
+    pango_attr_list_insert(attributes,
+                           pango_attr_weight_new(counts ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL));
+    gtk_label_set_attributes(GTK_LABEL(label), attributes);
+    pango_attr_list_unref(attributes);
+    gtk_label_set_text(GTK_LABEL(label), text.c_str());
+    gtk_widget_set_tooltip_text(label, text.empty() ? nullptr : joined(told, "\n").c_str());
+    gtk_widget_set_visible(label, !text.empty());
+    zel::set_accessible_description(view, text.c_str());
+}
+
+// The findings are read to their ends: below each other where a label cuts them.
+void findings_placed(GtkWidget *, GtkAllocation *, gpointer data)
+{
+    Zeltext *text = ZEL_TEXT(data);
+    bool is_cut = false;
+    for (GtkWidget *label : {text->finding1_label, text->finding2_label})
+        is_cut = is_cut || (gtk_widget_get_visible(label) != 0 &&
+                            pango_layout_is_ellipsized(gtk_label_get_layout(GTK_LABEL(label))));
+    gtk_widget_set_visible(text->all_findings, is_cut);
+}
+
+void show_all_findings(Zeltext *text, const zel::assist::remarks &told)
+{
+    constexpr int most_lines = 6; // the rest is scrolled to
+    GtkWidget *label = gtk_bin_get_child(GTK_BIN(gtk_bin_get_child(GTK_BIN(text->all_findings))));
+    std::string all;
+    for (const int number : {TEXT_TRANS1, TEXT_TRANS2}) {
+        const auto &of_field = told[static_cast<std::size_t>(number)];
+        const lang_entry_t *entry = text->*zel::fields[number].entry;
+        if (of_field.empty() || entry == nullptr)
+            continue;
+        all += (all.empty() ? "" : "\n") + zel::utf8_shown(entry->lang) + ": " +
+               joined(of_field, "; ");
+    }
+    if (all.empty())
+        gtk_widget_hide(text->all_findings);
+    if (all == gtk_label_get_text(GTK_LABEL(label)))
+        return;
+    gtk_label_set_text(GTK_LABEL(label), all.c_str());
+    PangoLayout *line = gtk_widget_create_pango_layout(label, "x");
+    int height = 0;
+    pango_layout_get_pixel_size(line, nullptr, &height);
+    g_object_unref(line);
+    GtkRequisition whole{};
+    gtk_widget_size_request(label, &whole);
+    gtk_widget_set_size_request(text->all_findings, -1,
+                                std::min(whole.height, most_lines * height));
+}
+
+} // namespace
+
+namespace zel {
+
+GtkWidget *text_finding_label_new()
+{
+    GtkWidget *label = gtk_label_new(nullptr);
+    gtk_misc_set_alignment(GTK_MISC(label), 1.0F, 0.5F);
+    gtk_label_set_ellipsize(GTK_LABEL(label), PANGO_ELLIPSIZE_END);
+    gtk_widget_set_no_show_all(label, TRUE);
+    return label;
+}
+
+std::vector<assist::typed_text> text_typed(Zeltext *text)
+{
+    std::vector<assist::typed_text> out;
+    for (int number = 0; number < TEXT_FIELDS; ++number) {
+        const lang_entry_t *entry = text->*fields[number].entry;
+        if (entry != nullptr && text->dirty[number] != 0)
+            out.push_back({entry->lang, fields[number].entries,
+                           buffer_text(buffer_of(text->*fields[number].view))});
+    }
+    return out;
+}
+
+void text_show_remarks(Zeltext *text, const assist::remarks &told)
+{
+    show_remarks(text->finding1_label, text->trans1_view, told[0]);
+    show_remarks(text->finding2_label, text->trans2_view, told[1]);
+    if (text->all_findings != nullptr)
+        show_all_findings(text, told);
+}
+
+GtkWidget *text_all_findings_new(Zeltext *text, int width)
+{
+    GtkWidget *label = gtk_label_new(nullptr);
+    gtk_misc_set_alignment(GTK_MISC(label), 0.0F, 0.0F);
+    gtk_misc_set_padding(GTK_MISC(label), 4, 2);
+    gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
+    gtk_label_set_line_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);
+    gtk_widget_set_size_request(label, width, -1);
+    gtk_widget_show(label);
+    text->all_findings = scrolled_box_new(label);
+    gtk_widget_show_all(text->all_findings);
+    gtk_widget_set_no_show_all(text->all_findings, TRUE);
+    gtk_widget_hide(text->all_findings);
+    for (GtkWidget *finding : {text->finding1_label, text->finding2_label})
+        g_signal_connect(finding, "size-allocate", G_CALLBACK(findings_placed), text);
+    return text->all_findings;
+}
+
+void text_colour_pieces_of(GtkWidget *view)
+{
+    GtkTextBuffer *buffer = buffer_of(view);
+    const std::string text = buffer_text(buffer);
+    tag_places(buffer, tag_of(view), places_of(text, assist::pieces_of(text)));
+}
+
+void text_colour_pieces(Zeltext *text)
+{
+    for (const field_t &field : fields)
+        text_colour_pieces_of(text->*field.view);
+}
+
+} // namespace zel

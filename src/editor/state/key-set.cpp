@@ -1,0 +1,36 @@
+#include "editor/state/key-set.h"
+
+#include "editor/state/edit-state.h"
+
+namespace zel {
+
+key_set::key_set()
+    : group_(accel_group == nullptr ? nullptr : GTK_ACCEL_GROUP(g_object_ref(accel_group)))
+{
+}
+
+gboolean key_set::pressed(GtkAccelGroup *, GObject *, guint, GdkModifierType, gpointer key)
+{
+    static_cast<bound *>(key)->act();
+    return TRUE;
+}
+
+void key_set::add(guint keyval, GdkModifierType modifiers, std::function<void()> act)
+{
+    if (group_ == nullptr)
+        return;
+    keys_.push_back(std::make_unique<bound>(bound{std::move(act), nullptr}));
+    bound *key = keys_.back().get();
+    key->closure = g_cclosure_new(G_CALLBACK(pressed), key, nullptr);
+    gtk_accel_group_connect(group_, keyval, modifiers, static_cast<GtkAccelFlags>(0), key->closure);
+}
+
+void key_set::clear()
+{
+    for (const auto &key : keys_)
+        gtk_accel_group_disconnect(group_, key->closure);
+    keys_.clear();
+    g_clear_object(&group_);
+}
+
+} // namespace zel

@@ -1,0 +1,205 @@
+#include "editor/table/list-cells.h"
+
+#include "editor/toolkit/text-runs.h"
+
+namespace {
+
+GtkCellRendererClass *text_class; // the toolkit's
+GtkCellRendererClass *pixbuf_class;
+
+// What is drawn has the marks that keep a right-to-left text whole; the list's own text has none.
+void mark_runs(GtkCellRenderer *cell)
+{
+    gchar *text = nullptr;
+    g_object_get(cell, "text", &text, nullptr);
+    const std::string plain = text == nullptr ? "" : text;
+    g_free(text);
+    const std::string marked = zel::shown_in_runs(plain);
+    if (marked != plain)
+        g_object_set(cell, "text", marked.c_str(), nullptr);
+}
+
+// For a text in one paragraph the width to wrap at is the width to shorten to.
+void render_text(GtkCellRenderer *cell, GdkDrawable *window, GtkWidget *widget,
+                 GdkRectangle *background, GdkRectangle *area, GdkRectangle *expose,
+                 GtkCellRendererState flags)
+{
+    mark_runs(cell);
+    gint padding = 0;
+    gtk_cell_renderer_get_padding(cell, &padding, nullptr);
+    gint before = 0;
+    PangoEllipsizeMode shortened = PANGO_ELLIPSIZE_NONE;
+    g_object_get(cell, "wrap-width", &before, "ellipsize", &shortened, nullptr);
+    const gint room = shortened == PANGO_ELLIPSIZE_NONE ? -1 : MAX(area->width - 2 * padding, 0);
+    if (room != before)
+        g_object_set(cell, "wrap-width", room, nullptr);
+    text_class->render(cell, window, widget, background, area, expose, flags);
+}
+
+// Letters of other scripts may be higher, and so may an underline be: all rows are alike.
+void size_text(GtkCellRenderer *cell, GtkWidget *widget, GdkRectangle *area, gint *x, gint *y,
+               gint *width, gint *height)
+{
+    text_class->get_size(cell, widget, area, x, y, width, height);
+    if (height == nullptr)
+        return;
+    PangoFontMetrics *font = pango_context_get_metrics(
+        gtk_widget_get_pango_context(widget), gtk_widget_get_style(widget)->font_desc, nullptr);
+    gint padding = 0;
+    gtk_cell_renderer_get_padding(cell, nullptr, &padding);
+    *height = PANGO_PIXELS_CEIL(pango_font_metrics_get_ascent(font) +
+                                pango_font_metrics_get_descent(font)) +
+              2 * padding;
+    pango_font_metrics_unref(font);
+}
+
+void text_class_init(gpointer klass, gpointer)
+{
+    text_class = GTK_CELL_RENDERER_CLASS(g_type_class_peek_parent(klass));
+    GTK_CELL_RENDERER_CLASS(klass)->render = render_text;
+    GTK_CELL_RENDERER_CLASS(klass)->get_size = size_text;
+}
+
+constexpr double round_line = 1.5;
+constexpr double full = 65535; // of a colour
+
+void draw_round(cairo_t *cairo, double size)
+{
+    const double middle = size / 2;
+    cairo_set_line_width(cairo, round_line);
+    cairo_arc(cairo, middle, middle, middle - round_line, 0, 2 * G_PI);
+    cairo_stroke(cairo);
+    cairo_arc(cairo, middle, middle, middle - 3 * round_line, 0, 2 * G_PI);
+    cairo_fill(cairo);
+}
+
+void draw_square(cairo_t *cairo, double size)
+{
+    cairo_set_line_width(cairo, 1);
+    cairo_rectangle(cairo, round_line, round_line, size - 2 * round_line, size - 2 * round_line);
+    cairo_stroke(cairo);
+}
+
+// The shape as the display keeps it: drawn once, then stamped in every row. The cell owns it.
+cairo_surface_t *shape_of(GtkCellRenderer *cell, bool round, int size, cairo_t *like)
+{
+    const char *key = round ? "zel-round" : "zel-square";
+    auto *shape = static_cast<cairo_surface_t *>(g_object_get_data(G_OBJECT(cell), key));
+    if (shape != nullptr)
+        return shape;
+    shape = cairo_surface_create_similar(cairo_get_target(like), CAIRO_CONTENT_ALPHA, size, size);
+    cairo_t *cairo = cairo_create(shape);
+    (round ? draw_round : draw_square)(cairo, size);
+    cairo_destroy(cairo);
+    g_object_set_data_full(G_OBJECT(cell), key, shape, [](gpointer old) {
+        cairo_surface_destroy(static_cast<cairo_surface_t *>(old));
+    });
+    return shape;
+}
+
+GtkStateType state_of(GtkWidget *widget, GtkCellRendererState flags)
+{
+    if (!gtk_widget_is_sensitive(widget))
+        return GTK_STATE_INSENSITIVE;
+    if ((flags & GTK_CELL_RENDERER_SELECTED) == 0)
+        return GTK_STATE_NORMAL;
+    return gtk_widget_has_focus(widget) ? GTK_STATE_SELECTED : GTK_STATE_ACTIVE;
+}
+
+void render_ready(GtkCellRenderer *cell, GdkDrawable *window, GtkWidget *widget, GdkRectangle *,
+                  GdkRectangle *area, GdkRectangle *expose, GtkCellRendererState flags)
+{
+    gint x = 0;
+    gint y = 0;
+    gint padding = 0;
+    gint size = 0;
+    gtk_cell_renderer_get_size(cell, widget, area, &x, &y, nullptr, nullptr);
+    gtk_cell_renderer_get_padding(cell, &padding, nullptr);
+    g_object_get(cell, "indicator-size", &size, nullptr);
+    const GdkColor &ink = gtk_widget_get_style(widget)->text[state_of(widget, flags)];
+    cairo_t *cairo = gdk_cairo_create(window);
+    if (expose != nullptr) {
+        gdk_cairo_rectangle(cairo, expose);
+        cairo_clip(cairo);
+    }
+    const bool round = gtk_cell_renderer_toggle_get_radio(GTK_CELL_RENDERER_TOGGLE(cell)) != 0;
+    cairo_set_source_rgb(cairo, ink.red / full, ink.green / full, ink.blue / full);
+    cairo_mask_surface(cairo, shape_of(cell, round, size, cairo), area->x + x + padding,
+                       area->y + y + padding);
+    cairo_destroy(cairo);
+}
+
+void ready_class_init(gpointer klass, gpointer)
+{
+    GTK_CELL_RENDERER_CLASS(klass)->render = render_ready;
+}
+
+// The selected row may have the colour of its mark: a line in that of its letters is around it.
+void render_mark(GtkCellRenderer *cell, GdkDrawable *window, GtkWidget *widget,
+                 GdkRectangle *background, GdkRectangle *area, GdkRectangle *expose,
+                 GtkCellRendererState flags)
+{
+    pixbuf_class->render(cell, window, widget, background, area, expose, flags);
+    if ((flags & GTK_CELL_RENDERER_SELECTED) == 0)
+        return;
+    GdkRectangle mark{};
+    gint x_pad = 0;
+    gint y_pad = 0;
+    gtk_cell_renderer_get_padding(cell, &x_pad, &y_pad);
+    gtk_cell_renderer_get_size(cell, widget, area, &mark.x, &mark.y, &mark.width, &mark.height);
+    cairo_t *cairo = gdk_cairo_create(window);
+    if (expose != nullptr) {
+        gdk_cairo_rectangle(cairo, expose);
+        cairo_clip(cairo);
+    }
+    gdk_cairo_set_source_color(cairo, &gtk_widget_get_style(widget)->text[state_of(widget, flags)]);
+    cairo_set_line_width(cairo, 1);
+    cairo_rectangle(cairo, area->x + mark.x + x_pad - 0.5, area->y + mark.y + y_pad - 0.5,
+                    mark.width - 2 * x_pad + 1, mark.height - 2 * y_pad + 1);
+    cairo_stroke(cairo);
+    cairo_destroy(cairo);
+}
+
+void mark_class_init(gpointer klass, gpointer)
+{
+    pixbuf_class = GTK_CELL_RENDERER_CLASS(g_type_class_peek_parent(klass));
+    GTK_CELL_RENDERER_CLASS(klass)->render = render_mark;
+}
+
+// A class of the parent's size that only draws otherwise.
+GType class_of(GType parent, const char *name, GClassInitFunc init)
+{
+    GTypeQuery query{};
+    g_type_query(parent, &query);
+    GTypeInfo info{};
+    info.class_size = static_cast<guint16>(query.class_size);
+    info.class_init = init;
+    info.instance_size = static_cast<guint16>(query.instance_size);
+    return g_type_register_static(parent, name, &info, GTypeFlags{});
+}
+
+} // namespace
+
+namespace zel {
+
+GtkCellRenderer *text_cell_new()
+{
+    static const GType type = class_of(GTK_TYPE_CELL_RENDERER_TEXT, "ZelTextCell", text_class_init);
+    return GTK_CELL_RENDERER(g_object_new(type, nullptr));
+}
+
+GtkCellRenderer *ready_cell_new()
+{
+    static const GType type =
+        class_of(GTK_TYPE_CELL_RENDERER_TOGGLE, "ZelReadyCell", ready_class_init);
+    return GTK_CELL_RENDERER(g_object_new(type, nullptr));
+}
+
+GtkCellRenderer *mark_cell_new()
+{
+    static const GType type =
+        class_of(GTK_TYPE_CELL_RENDERER_PIXBUF, "ZelMarkCell", mark_class_init);
+    return GTK_CELL_RENDERER(g_object_new(type, nullptr));
+}
+
+} // namespace zel

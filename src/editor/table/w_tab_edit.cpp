@@ -1,0 +1,657 @@
+#include "editor/table/w_tab_edit.h"
+
+#include "app/global.h"
+#include "editor/panel/edit-record.h"
+#include "editor/panel/spelling.h"
+#include "editor/panel/w_text.h"
+#include "editor/state/edit-state.h"
+#include "editor/table/w_tab_filter.h"
+#include "editor/table/w_tab_found.h"
+#include "editor/table/w_tab_icons.h"
+#include "editor/table/w_tab_list.h"
+#include "editor/table/w_tab_model.h"
+#include "editor/table/w_tab_panes.h"
+#include "editor/table/w_tab_search.h"
+#include "editor/table/w_tab_shot.h"
+#include "editor/table/w_tab_suggest.h"
+#include "editor/table/w_tab_widths.h"
+#include "editor/table/w_tab_work.h"
+#include "editor/toolkit/accessible.h"
+#include "editor/toolkit/operation.h"
+#include "editor/toolkit/theme.h"
+#include "editor/toolkit/ui-text.h"
+#include "source/misc.h"
+#include "support/string-copy.h"
+
+#include <gdk/gdkkeysyms.h>
+
+#include <cstring>
+#include <numeric>
+#include <string>
+
+namespace {
+
+constexpr int list_min_width = 160;
+constexpr int spacing = 6;
+
+GtkTreeView *view_of(ZelTabEdit *tab) { return GTK_TREE_VIEW(tab->view); }
+
+ZelTabModel *shown_rows(ZelTabEdit *tab) { return ZEL_TAB_MODEL(tab->sort_model); }
+
+zel::tab_rows &rows_of(ZelTabEdit *tab) { return **tab->rows; }
+
+// Place of the selected row in the list, -1 when none is selected.
+int selected_place(ZelTabEdit *tab)
+{
+    GtkTreeModel *model = nullptr;
+    GtkTreeIter iter;
+    if (gtk_tree_selection_get_selected(gtk_tree_view_get_selection(view_of(tab)), &model, &iter) ==
+            0 ||
+        model == nullptr)
+        return -1;
+    return zel_tab_model_place_of(shown_rows(tab), zel_tab_model_row_of(shown_rows(tab), &iter));
+}
+
+// The selected row, null when none is.
+const zel::tab_row *selected_row(ZelTabEdit *tab, int *number = nullptr)
+{
+    const int row = zel_tab_model_row_at(shown_rows(tab), selected_place(tab));
+    if (number != nullptr)
+        *number = row;
+    return row < 0 ? nullptr : &rows_of(tab).rows[static_cast<std::size_t>(row)];
+}
+
+// Keeps where the row stands in the list; -1 for no row.
+void remember_selected(ZelTabEdit *tab, int row)
+{
+    if (tab->selected_path != nullptr)
+        gtk_tree_path_free(tab->selected_path);
+    const int place = row < 0 ? -1 : zel_tab_model_place_of(shown_rows(tab), row);
+    tab->selected_path = place < 0 ? nullptr : gtk_tree_path_new_from_indices(place, -1);
+}
+
+// Gives the row the icon of the current one; -1 for no row.
+void mark_row(ZelTabEdit *tab, int row)
+{
+    const int before = rows_of(tab).active;
+    if (before == row)
+        return;
+    rows_of(tab).active = row;
+    zel_tab_model_row_changed(shown_rows(tab), before);
+    zel_tab_model_row_changed(shown_rows(tab), row);
+}
+
+// The row stays where it is, also in a list that is sorted by the marks: it would run away from
+// under the hand, and its neighbours with it. The next click on a header puts it in its place.
+void ready_changed(ZelTabEdit *tab, int row) { zel_tab_model_row_changed(shown_rows(tab), row); }
+
+// An item may be marked ready before it is: the status line says so.
+void tell_missing_text(ZelTabEdit *tab)
+{
+    const char *lang = zel::text_missing_language(ZEL_TEXT(tab->text_widget));
+    if (lang == nullptr)
+        return;
+    const std::string text =
+        std::string(zel::ui_text("tab-edit", "Ready, but the text is missing")) + ": \"" +
+        zel::utf8_shown(lang) + "\"";
+    zel::edit_status(text.c_str());
+}
+
+void change_ready_cb(GtkToggleButton *button, gpointer data)
+{
+    ZelTabEdit *tab = ZEL_TAB_EDIT(data);
+    int number = -1;
+    const zel::tab_row *row = selected_row(tab, &number);
+    if (row == nullptr)
+        return;
+    zel::record_ready(row->item, gtk_toggle_button_get_active(button), true);
+    zel::edit_set_modified(true);
+    row->item->ready = gtk_toggle_button_get_active(button);
+    ready_changed(tab, number);
+    if (row->item->ready != 0)
+        tell_missing_text(tab);
+}
+
+// The button follows the selected row; that is no change of the source.
+void show_ready(ZelTabEdit *tab, const item_t *item)
+{
+    g_signal_handlers_block_by_func(tab->ready_button, reinterpret_cast<gpointer>(change_ready_cb),
+                                    tab);
+    gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(tab->ready_button),
+                                 item != nullptr && item->ready != 0);
+    g_signal_handlers_unblock_by_func(tab->ready_button,
+                                      reinterpret_cast<gpointer>(change_ready_cb), tab);
+    gtk_widget_set_sensitive(tab->ready_button, item != nullptr);
+}
+
+// The cell is a mark for one's own work: unlike the button beside the texts it leaves the source
+// unchanged, so nobody is asked about saving.
+void ready_toggled_callback(GtkCellRendererToggle *, gchar *path_text, gpointer data)
+{
+    ZelTabEdit *tab = ZEL_TAB_EDIT(data);
+    GtkTreeIter iter;
+    int number = -1;
+    if (gtk_tree_model_get_iter_from_string(tab->sort_model, &iter, path_text) != 0)
+        number = zel_tab_model_row_of(shown_rows(tab), &iter);
+    if (number < 0) {
+        g_warning("%s: bad tree path?", G_STRLOC);
+        return;
+    }
+    item_t *item = rows_of(tab).rows[static_cast<std::size_t>(number)].item;
+    zel::record_ready(item, item->ready == 0, false);
+    item->ready = item->ready == 0;
+    ready_changed(tab, number);
+}
+
+void empty_text(ZelTabEdit *tab, int update)
+{
+    zel_text_set_pos(tab->text_widget, 0);
+    zel_text_set_group_name(tab->text_widget, nullptr);
+    zel_text_set(tab->text_widget, nullptr, nullptr, update);
+}
+
+void show_row(ZelTabEdit *tab, const zel::tab_row &row, int number)
+{
+    show_ready(tab, row.item);
+    zel_text_set_pos(tab->text_widget, number + 1);
+    zel_text_set_group_name(tab->text_widget, row.group->name);
+    zel_text_set(tab->text_widget, rows_of(tab).source, row.item, 1);
+    zel::tab_show_shot(tab->last_group, row.group->name);
+}
+
+// The panel's views are hidden and shown again in between: the field that was typed in gets the
+// keyboard back, so that one goes on typing in the next item.
+void tree_selection_changed_cb(GtkTreeSelection *, gpointer data)
+{
+    ZelTabEdit *tab = ZEL_TAB_EDIT(data);
+    if (tab->busy != 0)
+        return;
+    const zel::flag_guard busy(tab->busy);
+    const int field = zel::text_focused_field(ZEL_TEXT(tab->text_widget));
+    empty_text(tab, lang_global.importing != 0 ? 0 : 1);
+    int number = -1;
+    const zel::tab_row *row = selected_row(tab, &number);
+    remember_selected(tab, number);
+    mark_row(tab, number);
+    if (row != nullptr)
+        show_row(tab, *row, number);
+    else
+        show_ready(tab, nullptr);
+    tab->work->item_shown(number);
+    tab->suggest->item_shown(number);
+    tab->search->mark_hits();
+    if (field >= 0 && !zel::text_focus_field(ZEL_TEXT(tab->text_widget), field))
+        gtk_widget_grab_focus(tab->view);
+}
+
+// In another order the selected row stays selected, and in sight. The list has moved it already.
+void rows_reordered_cb(GtkTreeModel *, GtkTreePath *, GtkTreeIter *, gpointer, gpointer data)
+{
+    ZelTabEdit *tab = ZEL_TAB_EDIT(data);
+    remember_selected(tab, rows_of(tab).active);
+    if (tab->selected_path != nullptr)
+        gtk_tree_view_scroll_to_cell(view_of(tab), tab->selected_path, nullptr, FALSE, 0, 0);
+}
+
+// Exchanges the rows while the list does not watch: a fraction of what a signal per row costs.
+void show_rows(ZelTabEdit *tab, const std::vector<std::uint32_t> &shown)
+{
+    gtk_tree_view_set_model(view_of(tab), nullptr);
+    zel_tab_model_show(ZEL_TAB_MODEL(tab->filter_model), shown);
+    zel_tab_model_show(shown_rows(tab), shown);
+    gtk_tree_view_set_model(view_of(tab), tab->sort_model);
+}
+
+// The rows that the filters let through and whose item matches.
+template <class Match>
+std::vector<std::uint32_t> matching_rows(ZelTabEdit *tab, Match matches)
+{
+    const std::vector<zel::tab_row> &rows = rows_of(tab).rows;
+    std::vector<std::uint32_t> shown;
+    shown.reserve(rows.size());
+    for (std::uint32_t row = 0; row < rows.size(); ++row) {
+        if (matches(rows[row].item) && !tab->work->hides(row))
+            shown.push_back(row);
+    }
+    return shown;
+}
+
+// When the search by bytes finds nothing, upper and lower case of all scripts count as equal.
+void refilter(ZelTabEdit *tab)
+{
+    tab->search_words = zel::tab_search_words(gtk_entry_get_text(GTK_ENTRY(tab->search_entry)));
+    zel::tab_filter filter{tab->search_words, nullptr, nullptr, lang_global.only_untranslated != 0,
+                           lang_global.whatsnew_since};
+    misc_select_edit_lang(tab->lang_source, &filter.lang1, &filter.lang2);
+    std::vector<std::uint32_t> shown =
+        matching_rows(tab, [&](item_t *item) { return filter_func(filter, item); });
+    const zel::assist::folded_words &folded = tab->search->words();
+    if (shown.empty() && !folded.empty()) {
+        filter.words = nullptr;
+        shown = matching_rows(tab, [&](item_t *item) {
+            return filter_func(filter, item) && folded.are_in(item, filter.lang1, filter.lang2);
+        });
+    }
+    zel::tab_show_found(tab->found_label,
+                        {shown.size(), rows_of(tab).rows.size(), tab->search_words != nullptr,
+                         filter.only_untranslated, tab->work->filters()});
+    zel::free_search_words(tab->search_words);
+    tab->search_words = nullptr;
+    show_rows(tab, shown);
+}
+
+gboolean tree_filter_changed_cb(GtkWidget *, gpointer data)
+{
+    ZelTabEdit *tab = ZEL_TAB_EDIT(data);
+    if (tab->busy != 0)
+        return TRUE;
+    const zel::flag_guard busy(tab->busy);
+    const bool in_text = zel::text_focused_field(ZEL_TEXT(tab->text_widget)) >= 0;
+    tab->search->begin(rows_of(tab).active);
+    if (selected_place(tab) >= 0) {
+        mark_row(tab, -1);
+        remember_selected(tab, -1);
+        empty_text(tab, 1);
+        show_ready(tab, nullptr);
+        tab->work->item_shown(-1);
+        tab->suggest->item_shown(-1);
+    }
+    refilter(tab);
+    if (in_text)
+        gtk_widget_grab_focus(tab->view);
+    return TRUE;
+}
+
+// The key works from another page of the notebook, too, where the button is not seen.
+gboolean always_reachable(GtkWidget *widget, guint, gpointer)
+{
+    return gtk_widget_is_sensitive(widget);
+}
+
+// The field that is translated into: that of the shown language which is not the source's own.
+void focus_translation(ZelTabEdit *tab)
+{
+    const char *lang1 = nullptr;
+    const char *lang2 = nullptr;
+    if (tab->lang_source == nullptr)
+        return;
+    misc_select_edit_lang(tab->lang_source, &lang1, &lang2);
+    const bool first_is_own = g_strcmp0(lang1, tab->lang_source->default_lang) == 0;
+    Zeltext *text = ZEL_TEXT(tab->text_widget);
+    if (!zel::text_focus_field(text, first_is_own ? TEXT_TRANS2 : TEXT_TRANS1))
+        zel::text_focus_field(text, first_is_own ? TEXT_TRANS1 : TEXT_TRANS2);
+}
+
+void row_activated_cb(GtkTreeView *, GtkTreePath *, GtkTreeViewColumn *, gpointer data)
+{
+    focus_translation(ZEL_TAB_EDIT(data));
+}
+
+// The source is gone already: nothing of it is looked at any more.
+void destroy_cb(GtkObject *, gpointer data)
+{
+    ZelTabEdit *tab = ZEL_TAB_EDIT(data);
+    if (tab->pix_active == nullptr)
+        return;
+    tab->busy = 1;
+    tab->work->stop();
+    tab->suggest->stop();
+    zel::tab_rows_clear(rows_of(tab));
+    show_rows(tab, {});
+    g_clear_object(&tab->pix_active);
+    g_clear_object(&tab->pix_passive);
+    remember_selected(tab, -1);
+    zel::tab_drop_shot();
+}
+
+// A key of the main window; it acts at once, where "activate" would first draw the button pressed.
+void add_key(GtkWidget *button, guint key, GdkModifierType modifier)
+{
+    if (accel_group != nullptr)
+        gtk_widget_add_accelerator(button, "clicked", accel_group, key, modifier,
+                                   static_cast<GtkAccelFlags>(0));
+}
+
+void make_models(ZelTabEdit *tab)
+{
+    tab->pix_active = gdk_pixbuf_new_from_xpm_data(const_cast<const char **>(xpm_active));
+    tab->pix_passive = gdk_pixbuf_new_from_xpm_data(const_cast<const char **>(xpm_passive));
+    auto rows = std::make_shared<zel::tab_rows>();
+    rows->with_langs = lang_global.editor_mode != 0;
+    rows->pix_active = GDK_PIXBUF(g_object_ref(tab->pix_active));
+    rows->pix_passive = GDK_PIXBUF(g_object_ref(tab->pix_passive));
+    tab->store = GTK_TREE_MODEL(zel_tab_model_new(rows));
+    tab->filter_model = GTK_TREE_MODEL(zel_tab_model_new(rows));
+    tab->sort_model = GTK_TREE_MODEL(zel_tab_model_new(rows));
+    gtk_tree_sortable_set_sort_column_id(GTK_TREE_SORTABLE(tab->sort_model), COL_POS,
+                                         GTK_SORT_ASCENDING);
+    g_signal_connect_after(tab->sort_model, "rows-reordered", G_CALLBACK(rows_reordered_cb), tab);
+    tab->rows = new std::shared_ptr<zel::tab_rows>(std::move(rows));
+}
+
+GtkWidget *make_list(ZelTabEdit *tab)
+{
+    const zel::tab_list list = zel::tab_list_new(tab->sort_model, ready_toggled_callback, tab);
+    tab->view = list.view;
+    tab->lang1_column = list.lang1;
+    tab->lang2_column = list.lang2;
+    GtkTreeSelection *selection = gtk_tree_view_get_selection(view_of(tab));
+    gtk_tree_selection_set_mode(selection, GTK_SELECTION_SINGLE);
+    g_signal_connect(selection, "changed", G_CALLBACK(tree_selection_changed_cb), tab);
+    g_signal_connect(tab->view, "row-activated", G_CALLBACK(row_activated_cb), tab);
+
+    GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
+    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
+                                   GTK_POLICY_AUTOMATIC);
+    gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_IN);
+    gtk_widget_set_size_request(scrolled, list_min_width, -1);
+    gtk_container_add(GTK_CONTAINER(scrolled), tab->view);
+    return scrolled;
+}
+
+GtkWidget *make_text_side(ZelTabEdit *tab)
+{
+    GtkWidget *box = gtk_vbox_new(FALSE, 0);
+    tab->text_widget = zel_text_new();
+    tab->ready_button = gtk_check_button_new_with_label(zel::ui_text("tab-edit", "Ready"));
+    gtk_widget_set_tooltip_text(tab->ready_button, zel::ui_text("common", "Toggle ready (ALT+M)"));
+    g_signal_connect(tab->ready_button, "toggled", G_CALLBACK(change_ready_cb), tab);
+    gtk_container_set_border_width(GTK_CONTAINER(tab->ready_button), 4);
+    g_signal_connect(tab->ready_button, "can-activate-accel", G_CALLBACK(always_reachable),
+                     nullptr);
+    add_key(tab->ready_button, GDK_KEY_m, GDK_MOD1_MASK);
+    gtk_box_pack_start(GTK_BOX(box), tab->text_widget, TRUE, TRUE, 0);
+    gtk_box_pack_start(GTK_BOX(box), tab->ready_button, FALSE, FALSE, 0);
+    return box;
+}
+
+GtkWidget *make_info_frame(ZelTabEdit *tab)
+{
+    GtkWidget *frame = gtk_frame_new(nullptr);
+    zel::make_bare(frame);
+    GtkWidget *row = gtk_hbox_new(FALSE, spacing);
+    gtk_container_add(GTK_CONTAINER(frame), row);
+    tab->info_label = gtk_label_new(nullptr);
+    gtk_misc_set_alignment(GTK_MISC(tab->info_label), 0.0F, 0.5F);
+    gtk_box_pack_start(GTK_BOX(row), tab->info_label, FALSE, FALSE, 0);
+    tab->found_label = zel::tab_found_label_new();
+    gtk_box_pack_start(GTK_BOX(row), tab->found_label, FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(row), tab->work->progress_label(), TRUE, TRUE, 0);
+    return frame;
+}
+
+void make_search(ZelTabEdit *tab)
+{
+    tab->search = new zel::tab_search(
+        {GTK_WIDGET(tab), tab->view, ZEL_TEXT(tab->text_widget),
+         [tab] { tree_filter_changed_cb(nullptr, tab); },
+         [tab] {
+             zel_tab_edit_first(GTK_WIDGET(tab));
+             focus_translation(tab);
+         },
+         [tab](int row) {
+             zel::tab_list_go_to(view_of(tab), zel_tab_model_place_of(shown_rows(tab), row));
+         },
+         [tab] { return selected_place(tab) >= 0; }});
+    tab->search_entry = tab->search->entry();
+}
+
+void make_work_and_help(ZelTabEdit *tab)
+{
+    tab->work =
+        new zel::tab_work({view_of(tab), shown_rows(tab), *tab->rows, ZEL_TEXT(tab->text_widget),
+                           tab->ready_button, [tab] { tree_filter_changed_cb(nullptr, tab); }});
+    tab->suggest = new zel::tab_suggest(*tab->rows, ZEL_TEXT(tab->text_widget));
+    zel::watch_spelling(ZEL_TEXT(tab->text_widget));
+}
+
+void instance_init(GTypeInstance *instance, gpointer)
+{
+    ZelTabEdit *tab = ZEL_TAB_EDIT(instance);
+    tab->last_group = zel_strdup2("");
+    GtkWidget *box = gtk_vbox_new(FALSE, spacing);
+    gtk_container_set_border_width(GTK_CONTAINER(box), spacing);
+    make_models(tab);
+    GtkWidget *list = make_list(tab);
+    GtkWidget *panes = zel::tab_panes_new(list, make_text_side(tab));
+    make_search(tab);
+    make_work_and_help(tab);
+    gtk_box_pack_start(GTK_BOX(tab->search->row()), tab->work->filter_button(), FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), tab->search->row(), FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), panes, TRUE, TRUE, 0);
+    gtk_box_pack_start(GTK_BOX(box), make_info_frame(tab), FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(tab), box, TRUE, TRUE, 0);
+    gtk_widget_show_all(box);
+    empty_text(tab, 0);
+    show_ready(tab, nullptr);
+    g_signal_connect(tab, "destroy", G_CALLBACK(destroy_cb), tab);
+}
+
+gpointer parent_class;
+
+void finalize(GObject *object)
+{
+    ZelTabEdit *tab = ZEL_TAB_EDIT(object);
+    g_object_unref(tab->sort_model);
+    g_object_unref(tab->filter_model);
+    g_object_unref(tab->store);
+    zel::replace_string(tab->last_group, nullptr);
+    delete tab->work;
+    delete tab->suggest;
+    delete tab->search;
+    delete tab->rows;
+    G_OBJECT_CLASS(parent_class)->finalize(object);
+}
+
+void class_init(gpointer klass, gpointer)
+{
+    parent_class = g_type_class_peek_parent(klass);
+    G_OBJECT_CLASS(klass)->finalize = finalize;
+}
+
+void set_title(GtkTreeViewColumn *column, const std::unique_ptr<std::string> &lang)
+{
+    if (column != nullptr)
+        gtk_tree_view_column_set_title(
+            column, zel::utf8_shown(lang == nullptr ? nullptr : lang->c_str()).c_str());
+}
+
+// The rows keep names of their own: the languages may be renamed or removed while the list is seen.
+void select_languages(ZelTabEdit *tab)
+{
+    zel::tab_rows &rows = rows_of(tab);
+    const char *lang1 = nullptr;
+    const char *lang2 = nullptr;
+    misc_select_edit_lang(tab->lang_source, &lang1, &lang2);
+    rows.lang1 = lang1 == nullptr ? nullptr : std::make_unique<std::string>(lang1);
+    rows.lang2 = lang2 == nullptr ? nullptr : std::make_unique<std::string>(lang2);
+    set_title(tab->lang1_column, rows.lang1);
+    set_title(tab->lang2_column, rows.lang2);
+}
+
+void show_count(ZelTabEdit *tab)
+{
+    const std::string count =
+        std::to_string(rows_of(tab).rows.size()) + " " + zel::ui_text("tab-edit", "Items");
+    gtk_label_set_text(GTK_LABEL(tab->info_label), count.c_str());
+}
+
+void fill(ZelTabEdit *tab, LangSource *source)
+{
+    const zel::flag_guard busy(tab->busy);
+    empty_text(tab, 1);
+    show_ready(tab, nullptr);
+    tab->lang_source = source;
+    gtk_entry_set_text(GTK_ENTRY(tab->search_entry), "");
+    tab->search->begin(-1);
+    tab->search->forget();
+    zel::edit_select_output_langs(source);
+    show_rows(tab, {});
+    select_languages(tab);
+    zel::tab_rows_collect(rows_of(tab), source);
+    std::vector<std::uint32_t> all(rows_of(tab).rows.size());
+    std::iota(all.begin(), all.end(), 0U);
+    zel_tab_model_show(ZEL_TAB_MODEL(tab->store), std::move(all));
+    tab->work->rows_changed();
+    tab->suggest->rows_changed();
+    refilter(tab);
+    zel::tab_widths_measure(view_of(tab));
+}
+
+void go_to(ZelTabEdit *tab, int place) { zel::tab_list_go_to(view_of(tab), place); }
+
+// By so many rows from the selected one; without one, nowhere.
+void step(ZelTabEdit *tab, int rows)
+{
+    const int place = selected_place(tab);
+    if (place >= 0)
+        go_to(tab, place + rows);
+}
+
+void go_to_last(ZelTabEdit *tab)
+{
+    const int place = zel_tab_model_count(shown_rows(tab)) - 1;
+    if (place < 0)
+        return;
+    tab->last_path = gtk_tree_path_new_from_indices(place, -1);
+    gtk_tree_view_set_cursor(view_of(tab), tab->last_path, nullptr, FALSE);
+    gtk_tree_path_free(tab->last_path);
+    tab->last_path = nullptr;
+}
+
+// The languages may be others, and have other names.
+void follow_languages(ZelTabEdit *tab)
+{
+    select_languages(tab);
+    tab->work->rows_changed();
+    tab->suggest->rows_changed();
+    zel::tab_widths_measure(view_of(tab));
+    gtk_widget_queue_draw(tab->view);
+}
+
+void refresh(ZelTabEdit *tab)
+{
+    follow_languages(tab);
+    // With one row, which is selected already, the moves select nothing anew.
+    const bool stays = zel_tab_model_count(shown_rows(tab)) == 1 && selected_place(tab) == 0;
+    go_to_last(tab);
+    go_to(tab, 0);
+    if (stays)
+        tree_selection_changed_cb(nullptr, tab);
+    if (tab->selected_path != nullptr)
+        gtk_tree_view_scroll_to_cell(view_of(tab), tab->selected_path, nullptr, FALSE, 0, 0);
+}
+
+void reload(ZelTabEdit *tab)
+{
+    follow_languages(tab);
+    tree_selection_changed_cb(nullptr, tab);
+}
+
+void filter_anew(ZelTabEdit *tab) { tree_filter_changed_cb(nullptr, tab); }
+
+// What all operations on the table share; the name is the operation's own.
+template <class Operation>
+int on_table(GtkWidget *widget, const char *name, Operation operation)
+{
+    return zel::operate<ZelTabEdit>(widget, ZEL_TYPE_TAB_EDIT, "ZEL_IS_TAB_EDIT(widget)", name,
+                                    operation);
+}
+
+} // namespace
+
+GType zel_tab_edit_get_type()
+{
+    static GType type = 0;
+    if (type != 0)
+        return type;
+    GTypeInfo info{};
+    info.class_size = sizeof(ZelTabEditClass);
+    info.class_init = class_init;
+    info.instance_size = sizeof(ZelTabEdit);
+    info.instance_init = instance_init;
+    type = g_type_register_static(GTK_TYPE_HBOX, "ZelTabEdit", &info, GTypeFlags{});
+    return type;
+}
+
+GtkWidget *zel_tab_edit_new() { return GTK_WIDGET(g_object_new(ZEL_TYPE_TAB_EDIT, nullptr)); }
+
+int zel_tab_edit_set(GtkWidget *widget, LangSource *source)
+{
+    return on_table(widget, __func__, [source](ZelTabEdit *tab) {
+        fill(tab, source);
+        go_to(tab, 0);
+        show_count(tab);
+    });
+}
+
+int zel_tab_edit_update(GtkWidget *widget)
+{
+    return on_table(widget, __func__, [](ZelTabEdit *tab) { zel_text_update(tab->text_widget); });
+}
+
+int zel_tab_edit_first(GtkWidget *widget)
+{
+    return on_table(widget, __func__, [](ZelTabEdit *tab) { go_to(tab, 0); });
+}
+
+int zel_tab_edit_prev(GtkWidget *widget)
+{
+    return on_table(widget, __func__, [](ZelTabEdit *tab) { step(tab, -1); });
+}
+
+int zel_tab_edit_next(GtkWidget *widget)
+{
+    return on_table(widget, __func__, [](ZelTabEdit *tab) { step(tab, 1); });
+}
+
+int zel_tab_edit_last(GtkWidget *widget) { return on_table(widget, __func__, go_to_last); }
+
+int zel_tab_edit_check_changed(GtkWidget *widget)
+{
+    return on_table(widget, __func__, [](ZelTabEdit *) {});
+}
+
+int zel_tab_edit_list_focus(GtkWidget *widget)
+{
+    return on_table(widget, __func__, [](ZelTabEdit *tab) { gtk_widget_grab_focus(tab->view); });
+}
+
+int zel_tab_edit_refresh(GtkWidget *widget) { return on_table(widget, __func__, refresh); }
+int zel_tab_edit_whatsnew(GtkWidget *widget) { return on_table(widget, __func__, filter_anew); }
+int zel_tab_edit_empty(GtkWidget *widget) { return on_table(widget, __func__, filter_anew); }
+
+int zel_tab_edit_get_ctrls(edit_ctrl_t *ctrls)
+{
+    *ctrls = {zel_tab_edit_new,     zel_tab_edit_set,           zel_tab_edit_update,
+              zel_tab_edit_first,   zel_tab_edit_prev,          zel_tab_edit_next,
+              zel_tab_edit_last,    zel_tab_edit_check_changed, zel_tab_edit_list_focus,
+              zel_tab_edit_refresh, zel_tab_edit_whatsnew,      zel_tab_edit_empty};
+    return 1;
+}
+
+namespace zel {
+
+edit_more_t tab_edit_more()
+{
+    return {
+        [](GtkWidget *widget) { return on_table(widget, "tab_edit_reload", reload); },
+        [](GtkWidget *widget) {
+            return on_table(widget, "tab_edit_put_away",
+                            [](ZelTabEdit *tab) { text_put_away(ZEL_TEXT(tab->text_widget)); });
+        },
+        [](GtkWidget *widget) {
+            return on_table(widget, "tab_edit_bring_back",
+                            [](ZelTabEdit *tab) { text_bring_back(ZEL_TEXT(tab->text_widget)); });
+        },
+        [](GtkWidget *widget, const lang_entry_t *entry) {
+            bool made = false;
+            on_table(widget, "tab_edit_is_made", [&made, entry](ZelTabEdit *tab) {
+                made = text_is_made(ZEL_TEXT(tab->text_widget), entry);
+            });
+            return made ? 1 : 0;
+        },
+    };
+}
+
+} // namespace zel

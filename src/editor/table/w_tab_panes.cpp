@@ -1,0 +1,65 @@
+#include "editor/table/w_tab_panes.h"
+
+#include "app/global.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int list_width = 400;
+constexpr int small_width = 800; // of a window in which the list has just that
+
+// With texts in the list it needs more.
+double list_share() { return lang_global.editor_mode == 0 ? 0.45 : 0.55; }
+
+struct panes_state {
+    int width = 0;         // that the divider was placed for
+    bool is_moved = false; // by the user
+};
+
+gboolean moved_by_pointer(GtkWidget *, GdkEventButton *, gpointer data)
+{
+    static_cast<panes_state *>(data)->is_moved = true;
+    return FALSE;
+}
+
+gboolean moved_by_keys(GtkWidget *, GtkScrollType, gpointer data)
+{
+    static_cast<panes_state *>(data)->is_moved = true;
+    return FALSE;
+}
+
+void size_allocated(GtkWidget *widget, GtkAllocation *place, gpointer data)
+{
+    auto *state = static_cast<panes_state *>(data);
+    if (place->width == state->width || place->width <= 1)
+        return;
+    state->width = place->width;
+    if (state->is_moved)
+        return;
+    const bool is_small = place->width <= small_width;
+    const int share = static_cast<int>(place->width * list_share());
+    gtk_paned_set_position(GTK_PANED(widget), is_small ? list_width : std::max(list_width, share));
+}
+
+} // namespace
+
+namespace zel {
+
+GtkWidget *tab_panes_new(GtkWidget *list, GtkWidget *texts)
+{
+    GtkWidget *panes = gtk_hpaned_new();
+    gtk_paned_set_position(GTK_PANED(panes), list_width);
+    gtk_paned_pack1(GTK_PANED(panes), list, TRUE, FALSE);
+    gtk_paned_pack2(GTK_PANED(panes), texts, TRUE, FALSE);
+    auto *state = new panes_state;
+    g_object_set_data_full(G_OBJECT(panes), "zel-panes", state,
+                           [](gpointer kept) { delete static_cast<panes_state *>(kept); });
+    // Its own window, the divider, is all of it that gets a click.
+    g_signal_connect(panes, "button-press-event", G_CALLBACK(moved_by_pointer), state);
+    g_signal_connect(panes, "move-handle", G_CALLBACK(moved_by_keys), state);
+    g_signal_connect(panes, "size-allocate", G_CALLBACK(size_allocated), state);
+    return panes;
+}
+
+} // namespace zel

@@ -1,0 +1,198 @@
+#include "editor/table/w_tab_shot.h"
+
+#include "app/global.h"
+#include "editor/toolkit/accessible.h"
+#include "editor/toolkit/ui-text.h"
+#include "support/string-copy.h"
+
+#include <gdk/gdkkeysyms.h>
+#include <gtk/gtk.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+namespace {
+
+constexpr std::size_t path_size = 2048;
+
+void shot_path(char *path, const char *group)
+{
+    if (lang_global.src_dir != nullptr)
+        g_snprintf(path, path_size, "%s/%s/%s.jpg", lang_global.src_dir, "ScreenShots", group);
+    else
+        g_snprintf(path, path_size, "%s/%s.jpg", "ScreenShots", group);
+}
+
+constexpr int frame = 4; // pixels around a picture
+
+// A group's picture in its image widget. It is read when the page is looked at, since most are not,
+// and made small enough for the page unless somebody asks for all of it.
+struct shot {
+    GtkWidget *image;
+    std::string path;
+    GdkPixbuf *picture = nullptr; // as it is in the file; null before and without
+    bool is_read = false;
+    bool is_full = false;
+    int width = 0; // of the page that it was made small for
+    int height = 0;
+    guint waiting = 0; // to be shown anew
+
+    shot(GtkWidget *in, const char *at) : image(in), path(at) {}
+    shot(const shot &) = delete;
+    shot &operator=(const shot &) = delete;
+    ~shot()
+    {
+        if (waiting != 0)
+            g_source_remove(waiting);
+        if (picture != nullptr)
+            g_object_unref(picture);
+    }
+};
+
+// What the page leaves for a picture without scrollbars.
+void measure_page(shot &of)
+{
+    GtkAllocation page{};
+    gtk_widget_get_allocation(lang_global.shot_window, &page);
+    of.width = std::max(page.width - frame, 1);
+    of.height = std::max(page.height - frame, 1);
+}
+
+void show_picture(shot &of)
+{
+    const int width = gdk_pixbuf_get_width(of.picture);
+    const int height = gdk_pixbuf_get_height(of.picture);
+    const double part =
+        std::min(static_cast<double>(of.width) / width, static_cast<double>(of.height) / height);
+    if (of.is_full || part >= 1) {
+        gtk_image_set_from_pixbuf(GTK_IMAGE(of.image), of.picture);
+        return;
+    }
+    GdkPixbuf *small =
+        gdk_pixbuf_scale_simple(of.picture, std::max(static_cast<int>(width * part), 1),
+                                std::max(static_cast<int>(height * part), 1), GDK_INTERP_BILINEAR);
+    if (small == nullptr) // no memory for it
+        return;
+    gtk_image_set_from_pixbuf(GTK_IMAGE(of.image), small);
+    g_object_unref(small);
+}
+
+gboolean show_anew(gpointer data)
+{
+    shot &of = *static_cast<shot *>(data);
+    of.waiting = 0;
+    measure_page(of);
+    show_picture(of);
+    return FALSE;
+}
+
+void page_is_seen(GtkWidget *, gpointer data)
+{
+    shot &of = *static_cast<shot *>(data);
+    if (!of.is_read) {
+        of.is_read = true;
+        of.picture = gdk_pixbuf_new_from_file(of.path.c_str(), nullptr);
+        if (of.picture == nullptr) // the toolkit's sign for that
+            gtk_image_set_from_file(GTK_IMAGE(of.image), of.path.c_str());
+    }
+    if (of.picture != nullptr)
+        show_anew(&of);
+}
+
+// Not at once: the toolkit is giving out sizes.
+void page_has_size(GtkWidget *, GtkAllocation *place, gpointer image)
+{
+    auto *of = static_cast<shot *>(g_object_get_data(G_OBJECT(image), "zel-shot"));
+    const bool is_other = of->width + frame != place->width || of->height + frame != place->height;
+    if (of->picture != nullptr && !of->is_full && is_other && of->waiting == 0)
+        of->waiting = g_idle_add(show_anew, of);
+}
+
+void change_size(GtkWidget *image)
+{
+    auto *of = static_cast<shot *>(g_object_get_data(G_OBJECT(image), "zel-shot"));
+    if (of->picture == nullptr)
+        return;
+    of->is_full = !of->is_full;
+    show_anew(of);
+}
+
+gboolean page_clicked(GtkWidget *page, GdkEventButton *event, gpointer image)
+{
+    if (event->button != 1 || event->type != GDK_BUTTON_PRESS)
+        return FALSE;
+    gtk_widget_grab_focus(page);
+    change_size(GTK_WIDGET(image));
+    return TRUE;
+}
+
+gboolean page_key(GtkWidget *, GdkEventKey *event, gpointer image)
+{
+    if (event->keyval != GDK_KEY_Return && event->keyval != GDK_KEY_space)
+        return FALSE;
+    change_size(GTK_WIDGET(image));
+    return TRUE;
+}
+
+GtkWidget *make_image(const char *path)
+{
+    GtkWidget *image = gtk_image_new();
+    auto *made = new shot(image, path);
+    g_object_set_data_full(G_OBJECT(image), "zel-shot", made,
+                           [](gpointer kept) { delete static_cast<shot *>(kept); });
+    g_signal_connect(image, "map", G_CALLBACK(page_is_seen), made);
+    zel::set_accessible_name(image, "Screen Shot");
+    gtk_widget_set_tooltip_text(
+        image,
+        zel::ui_text("common", "A click or Return shows the whole picture, and the whole page"));
+    return image;
+}
+
+// The page's own part, which outlives its pictures.
+void watch_page(GtkWidget *image)
+{
+    GtkWidget *viewport = gtk_widget_get_parent(image);
+    gtk_widget_add_events(viewport, GDK_BUTTON_PRESS_MASK);
+    gtk_widget_set_can_focus(viewport, TRUE);
+    zel::set_accessible_name(viewport, zel::ui_text("common", "Screen Shot"));
+    g_signal_connect_object(viewport, "button-press-event", G_CALLBACK(page_clicked), image,
+                            GConnectFlags{});
+    g_signal_connect_object(viewport, "key-press-event", G_CALLBACK(page_key), image,
+                            GConnectFlags{});
+    g_signal_connect_object(lang_global.shot_window, "size-allocate", G_CALLBACK(page_has_size),
+                            image, GConnectFlags{});
+}
+
+} // namespace
+
+namespace zel {
+
+void tab_drop_shot()
+{
+    if (lang_global.shot_image != nullptr)
+        gtk_widget_destroy(lang_global.shot_image);
+    lang_global.shot_image = nullptr;
+}
+
+void tab_show_shot(char *&last_group, const char *group)
+{
+    if (lang_global.shot_window == nullptr || group == nullptr ||
+        std::strcmp(group, last_group) == 0)
+        return;
+    tab_drop_shot();
+    char path[path_size];
+    shot_path(path, group);
+    std::printf("file >%s<\n", path);
+    GtkWidget *image = make_image(path);
+    lang_global.shot_image = image;
+    // The page may go before the table does.
+    g_signal_connect(image, "destroy", G_CALLBACK(gtk_widget_destroyed), &lang_global.shot_image);
+    gtk_scrolled_window_add_with_viewport(GTK_SCROLLED_WINDOW(lang_global.shot_window), image);
+    watch_page(image);
+    gtk_widget_show(image);
+    replace_string(last_group, zel_strdup2(group));
+}
+
+} // namespace zel

@@ -1,0 +1,315 @@
+#include "editor/table/w_tab_suggest.h"
+
+#include "assist/pieces.h"
+#include "editor/panel/w_text.h"
+#include "editor/state/edit-state.h"
+#include "editor/toolkit/text-places.h"
+#include "editor/toolkit/text-runs.h"
+#include "editor/toolkit/ui-text.h"
+#include "source/misc.h"
+
+#include <gdk/gdkkeysyms.h>
+
+#include <string>
+
+namespace zel {
+
+namespace {
+
+// Behind the judging of the rows, which is seen at once.
+constexpr guint before_first_slice = 300; // milliseconds
+constexpr guint between_slices = 8;
+constexpr gint64 slice_length = 4000; // microseconds
+constexpr std::uint32_t rows_between_looks = 16;
+static_assert(TEXT_TRANS1 == 0 && TEXT_TRANS2 == 1, "arrays have a place for each of them");
+
+GtkTextBuffer *buffer_of(GtkWidget *view) { return gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)); }
+
+GtkWidget *label_of(Zeltext *panel, int field)
+{
+    return field == TEXT_TRANS1 ? panel->suggestion1_label : panel->suggestion2_label;
+}
+
+std::string text_of(const lang_entry_t *entry)
+{
+    std::string out;
+    for (const char *line : each<char>(entry == nullptr ? nullptr : entry->texts))
+        out += line == nullptr ? "" : line;
+    return out;
+}
+
+// In one line.
+std::string flat(const std::string &text)
+{
+    std::string out = utf8_shown(text.c_str());
+    for (char &c : out)
+        c = c == '\n' || c == '\r' ? ' ' : c;
+    return out;
+}
+
+// As if it was typed, so that it counts as an edit and can be undone as one.
+void put(GtkWidget *view, const std::string &text, bool instead)
+{
+    GtkTextBuffer *buffer = buffer_of(view);
+    GtkTextIter start;
+    GtkTextIter end;
+    gtk_text_buffer_begin_user_action(buffer);
+    if (instead) {
+        gtk_text_buffer_get_bounds(buffer, &start, &end);
+        gtk_text_buffer_delete_interactive(buffer, &start, &end, TRUE);
+    } else {
+        gtk_text_buffer_delete_selection(buffer, TRUE, TRUE);
+    }
+    gtk_text_buffer_insert_interactive_at_cursor(buffer, text.c_str(), -1, TRUE);
+    gtk_text_buffer_end_user_action(buffer);
+    gtk_text_view_scroll_mark_onscreen(GTK_TEXT_VIEW(view), gtk_text_buffer_get_insert(buffer));
+    gtk_widget_grab_focus(view);
+}
+
+} // namespace
+
+tab_suggest::tab_suggest(std::shared_ptr<tab_rows> rows, Zeltext *panel)
+    : rows_(std::move(rows)), panel_(panel),
+      index_([this](std::uint32_t row) { return reference_of(row); }),
+      neighbours_([this] { suggest_all(); })
+{
+    add_keys();
+    for (const int field : {TEXT_TRANS1, TEXT_TRANS2})
+        g_signal_connect(buffer_of(panel_->*fields[field].view), "changed", G_CALLBACK(typed),
+                         this);
+}
+
+void tab_suggest::stop()
+{
+    if (timer_ != 0)
+        g_source_remove(timer_);
+    timer_ = 0;
+    keys_.clear();
+    neighbours_.stop();
+    index_.reset(0);
+    row_ = -1;
+}
+
+const std::string *tab_suggest::lang_of(int field) const
+{
+    return (field == TEXT_TRANS1 ? rows_->lang1 : rows_->lang2).get();
+}
+
+// Into the shown languages but the source's own one.
+bool tab_suggest::is_translated_into(int field) const
+{
+    const std::string *lang = lang_of(field);
+    return lang != nullptr && rows_->source != nullptr &&
+           g_strcmp0(lang->c_str(), rows_->source->default_lang) != 0;
+}
+
+// The translation that is typed in, else the one that is translated into; -1 for none.
+int tab_suggest::field_to_fill() const
+{
+    const int focused = text_focused_field(panel_);
+    if (row_ < 0 || focused == TEXT_TRANS1 || focused == TEXT_TRANS2)
+        return row_ < 0 ? -1 : focused;
+    if (is_translated_into(TEXT_TRANS2) || rows_->lang1 == nullptr)
+        return rows_->lang2 == nullptr ? -1 : TEXT_TRANS2;
+    return TEXT_TRANS1;
+}
+
+std::string tab_suggest::reference_of(std::uint32_t row) const
+{
+    item_t *item = rows_->rows[row].item;
+    lang_entry_t *entry = misc_select_lang_entry(item, rows_->source->default_lang);
+    if (misc_search_empty_in_lang_entry(entry) != 0)
+        return item->name == nullptr ? "" : item->name;
+    return text_of(entry);
+}
+
+lang_entry_t *tab_suggest::translation(std::uint32_t row, int field) const
+{
+    const std::string *lang = lang_of(field);
+    return lang == nullptr ? nullptr : misc_select_lang_entry(rows_->rows[row].item, lang->c_str());
+}
+
+void tab_suggest::rows_changed()
+{
+    if (timer_ != 0)
+        g_source_remove(timer_);
+    index_.reset(rows_->rows.size());
+    next_row_ = 0;
+    item_shown(-1);
+    timer_ = g_timeout_add_full(G_PRIORITY_LOW, before_first_slice, slice, this, nullptr);
+}
+
+gboolean tab_suggest::slice(gpointer data)
+{
+    auto *self = static_cast<tab_suggest *>(data);
+    const gint64 end = g_get_monotonic_time() + slice_length;
+    std::uint32_t looks = 0;
+    do {
+        if (self->next_row_ >= self->index_.count()) {
+            self->timer_ = 0;
+            self->suggest_all();
+            self->read_neighbours();
+            return FALSE;
+        }
+        self->index_.add(self->next_row_++);
+    } while (++looks % rows_between_looks != 0 || g_get_monotonic_time() < end);
+    self->timer_ = g_timeout_add_full(G_PRIORITY_LOW, between_slices, slice, self, nullptr);
+    return FALSE;
+}
+
+void tab_suggest::read_neighbours()
+{
+    if (rows_->source == nullptr || def_file == nullptr || rows_->source->default_lang == nullptr)
+        return;
+    assist::neighbour_texts::query wanted{def_file, rows_->source->default_lang, {}};
+    for (const int field : {TEXT_TRANS1, TEXT_TRANS2})
+        if (is_translated_into(field))
+            wanted.langs[static_cast<std::size_t>(field)] = *lang_of(field);
+    neighbours_.begin(wanted);
+}
+
+std::optional<assist::suggestion> tab_suggest::own_suggestion(std::uint32_t row, int field) const
+{
+    const auto best = index_.best(row, [&](std::uint32_t other) {
+        return misc_search_empty_in_lang_entry(translation(other, field)) == 0;
+    });
+    if (!best)
+        return std::nullopt;
+    const char *group = rows_->rows[best->item].group->name;
+    return assist::suggestion{text_of(translation(best->item, field)),
+                              group == nullptr ? "" : group, reference_of(best->item),
+                              best->likeness};
+}
+
+// The source's own comes first where both are equally alike.
+std::optional<assist::suggestion> tab_suggest::suggestion(std::uint32_t row, int field) const
+{
+    auto own = own_suggestion(row, field);
+    if (own && own->likeness >= 1)
+        return own;
+    auto other = neighbours_.best(reference_of(row), static_cast<std::size_t>(field));
+    return other && (!own || other->likeness > own->likeness) ? other : own;
+}
+
+void tab_suggest::suggest(int field)
+{
+    offer &made = offers_[static_cast<std::size_t>(field)];
+    made = {};
+    const bool is_filled = row_ >= 0 && is_translated_into(field);
+    gtk_widget_set_visible(label_of(panel_, field), is_filled);
+    if (is_filled) {
+        if (const auto best = suggestion(static_cast<std::uint32_t>(row_), field)) {
+            made.text = utf8_shown(best->text.c_str());
+            made.line =
+                shown_in_runs(flat(best->text)) + " (" + utf8_shown(best->origin.c_str()) + ")";
+            if (best->likeness < 1)
+                made.line += " ~ " + shown_in_runs(flat(best->reference));
+        }
+    }
+    show(field);
+}
+
+// Looked at with each letter that is typed, so most are told apart by their lengths.
+bool tab_suggest::is_there_already(int field) const
+{
+    const std::string &text = offers_[static_cast<std::size_t>(field)].text;
+    GtkTextBuffer *buffer = buffer_of(panel_->*fields[field].view);
+    const auto most = static_cast<std::size_t>(gtk_text_buffer_get_char_count(buffer));
+    return most <= text.size() && g_utf8_strlen(text.c_str(), -1) == static_cast<glong>(most) &&
+           buffer_text(buffer) == text;
+}
+
+void tab_suggest::show(int field)
+{
+    const offer &made = offers_[static_cast<std::size_t>(field)];
+    GtkWidget *label = label_of(panel_, field);
+    const std::string line = is_there_already(field) ? "" : made.line;
+    if (line == gtk_label_get_text(GTK_LABEL(label)))
+        return;
+    const std::string tooltip = line + "\n" + ui_text("tab-edit", "Take it (Ctrl+Space)");
+    gtk_label_set_text(GTK_LABEL(label), line.c_str());
+    gtk_widget_set_tooltip_text(label, line.empty() ? nullptr : tooltip.c_str());
+}
+
+void tab_suggest::typed(GtkTextBuffer *buffer, gpointer data)
+{
+    auto *self = static_cast<tab_suggest *>(data);
+    for (const int field : {TEXT_TRANS1, TEXT_TRANS2})
+        if (self->row_ >= 0 && buffer_of(self->panel_->*fields[field].view) == buffer)
+            self->show(field);
+}
+
+void tab_suggest::suggest_all()
+{
+    suggest(TEXT_TRANS1);
+    suggest(TEXT_TRANS2);
+}
+
+void tab_suggest::item_shown(int row)
+{
+    if (row_ >= 0 && static_cast<std::size_t>(row_) < index_.count() && row != row_ &&
+        static_cast<std::uint32_t>(row_) < next_row_)
+        index_.add(static_cast<std::uint32_t>(row_)); // its text may be another now
+    row_ = row >= 0 && static_cast<std::size_t>(row) < index_.count() ? row : -1;
+    suggest_all();
+}
+
+void tab_suggest::take_suggestion()
+{
+    int field = field_to_fill();
+    if (field >= 0 && !is_translated_into(field))
+        field = field == TEXT_TRANS1 ? TEXT_TRANS2 : TEXT_TRANS1;
+    const std::string text = field < 0 ? "" : offers_[static_cast<std::size_t>(field)].text;
+    if (text.empty() || is_there_already(field)) {
+        edit_status(ui_text("tab-edit", "No suggestion"));
+        return;
+    }
+    put(panel_->*fields[field].view, text, true);
+}
+
+void tab_suggest::copy_other()
+{
+    const int field = field_to_fill();
+    if (field < 0)
+        return;
+    const int other = field == TEXT_TRANS1 ? TEXT_TRANS2 : TEXT_TRANS1;
+    const std::string text = buffer_text(buffer_of(panel_->*fields[other].view));
+    if (text.empty())
+        edit_status(ui_text("tab-edit", "The other text is empty"));
+    else
+        put(panel_->*fields[field].view, text, true);
+}
+
+void tab_suggest::insert_piece(std::size_t number)
+{
+    const int field = field_to_fill();
+    if (field < 0)
+        return;
+    const int other = field == TEXT_TRANS1 ? TEXT_TRANS2 : TEXT_TRANS1;
+    const std::string text = buffer_text(buffer_of(panel_->*fields[other].view));
+    const std::vector<assist::piece> pieces = assist::pieces_of(text);
+    if (number > pieces.size()) {
+        edit_status(ui_text("tab-edit", "The other text has fewer conversions, symbols and tags"));
+        return;
+    }
+    const auto &[at, length] = pieces[number - 1];
+    put(panel_->*fields[field].view, text.substr(at, length), false);
+}
+
+void tab_suggest::add_keys()
+{
+    constexpr std::size_t digits = 9;
+    const auto add = [this](guint keyval, std::function<void()> act) {
+        keys_.add(keyval, GDK_CONTROL_MASK, [act = std::move(act)] {
+            edit_status(nullptr);
+            act();
+        });
+    };
+    add(GDK_KEY_space, [this] { take_suggestion(); });
+    add(GDK_KEY_b, [this] { copy_other(); });
+    for (std::size_t digit = 1; digit <= digits; ++digit)
+        for (const guint first : {guint{GDK_KEY_0}, guint{GDK_KEY_KP_0}})
+            add(first + static_cast<guint>(digit), [this, digit] { insert_piece(digit); });
+}
+
+} // namespace zel

@@ -1,0 +1,326 @@
+#include "editor/table/w_tab_work.h"
+
+#include "app/global.h"
+#include "editor/panel/w_text_checks.h"
+#include "editor/state/edit-state.h"
+#include "editor/table/w_tab_list.h"
+#include "editor/table/w_tab_widths.h"
+#include "editor/toolkit/accessible.h"
+#include "editor/toolkit/ui-text.h"
+
+#include <gdk/gdkkeysyms.h>
+
+#include <string>
+
+namespace zel {
+
+namespace {
+
+// Slices leave the toolkit its turn; waiting for the first lets the window come up before.
+constexpr guint before_first_slice = 50; // milliseconds
+constexpr guint between_slices = 4;
+constexpr gint64 slice_length = 4000; // microseconds
+constexpr std::uint32_t rows_between_looks = 32;
+
+const char *name_of(const std::unique_ptr<std::string> &lang)
+{
+    return lang == nullptr ? nullptr : lang->c_str();
+}
+
+GtkWidget *make_filter_button()
+{
+    GtkWidget *button = gtk_toggle_button_new();
+    const char *tooltip = ui_text("tab-edit", "Display only items with findings");
+    gtk_container_add(GTK_CONTAINER(button), gtk_image_new_from_stock(GTK_STOCK_DIALOG_WARNING,
+                                                                      GTK_ICON_SIZE_SMALL_TOOLBAR));
+    gtk_widget_set_tooltip_text(button, tooltip);
+    set_accessible_name(button, tooltip);
+    return button;
+}
+
+GtkWidget *make_progress_label()
+{
+    GtkWidget *label = gtk_label_new(nullptr);
+    gtk_misc_set_alignment(GTK_MISC(label), 1.0F, 0.5F);
+    gtk_label_set_ellipsize(GTK_LABEL(label), PANGO_ELLIPSIZE_END);
+    gtk_widget_set_name(label, "progress");
+    return label;
+}
+
+} // namespace
+
+tab_work::tab_work(tab_work_parts parts)
+    : parts_(std::move(parts)), filter_(make_filter_button()),
+      progress_label_(make_progress_label())
+{
+    g_signal_connect(filter_, "toggled", G_CALLBACK(+[](GtkToggleButton *, gpointer self) {
+                         static_cast<tab_work *>(self)->parts_.filter_anew();
+                     }),
+                     this);
+    watch_panel();
+    mark_cells();
+    add_keys();
+}
+
+tab_work::~tab_work() { stop(); }
+
+void tab_work::stop()
+{
+    if (timer_ != 0)
+        g_source_remove(timer_);
+    timer_ = 0;
+    keys_.clear();
+    progress_.reset(0);
+    item_row_ = -1;
+}
+
+assist::judge tab_work::make_judge() const
+{
+    return {parts_.rows->source, name_of(parts_.rows->lang1), name_of(parts_.rows->lang2)};
+}
+
+void tab_work::judge_row(assist::judge &judge, std::uint32_t row)
+{
+    const tab_row &of = parts_.rows->rows[row];
+    progress_.set(row, judge.look_at(of.group, of.item));
+}
+
+const assist::item_state &tab_work::state_of(std::uint32_t row)
+{
+    if (!progress_.is_known(row)) {
+        assist::judge judge = make_judge();
+        judge_row(judge, row);
+    }
+    return progress_.of(row);
+}
+
+void tab_work::judge_all()
+{
+    assist::judge judge = make_judge();
+    for (std::size_t row = progress_.first_unknown(next_row_); row < progress_.count();
+         row = progress_.first_unknown(row))
+        judge_row(judge, static_cast<std::uint32_t>(row));
+    show_progress();
+}
+
+gboolean tab_work::slice(gpointer data)
+{
+    auto *self = static_cast<tab_work *>(data);
+    assist::judge judge = self->make_judge();
+    const gint64 end = g_get_monotonic_time() + slice_length;
+    std::uint32_t looks = 0;
+    do {
+        const std::size_t row = self->progress_.first_unknown(self->next_row_);
+        self->next_row_ = static_cast<std::uint32_t>(row);
+        if (row == self->progress_.count()) {
+            self->timer_ = 0;
+            self->show_progress();
+            return FALSE;
+        }
+        self->judge_row(judge, self->next_row_);
+    } while (++looks % rows_between_looks != 0 || g_get_monotonic_time() < end);
+    self->timer_ = g_timeout_add_full(G_PRIORITY_LOW, between_slices, slice, self, nullptr);
+    return FALSE;
+}
+
+void tab_work::rows_changed()
+{
+    if (timer_ != 0)
+        g_source_remove(timer_);
+    progress_.reset(parts_.rows->rows.size());
+    next_row_ = 0;
+    item_row_ = -1;
+    gtk_label_set_text(GTK_LABEL(progress_label_), "");
+    text_show_remarks(parts_.panel, {});
+    timer_ = g_timeout_add_full(G_PRIORITY_LOW, before_first_slice, slice, this, nullptr);
+}
+
+void tab_work::watch_panel()
+{
+    for (const field_t &field : fields)
+        g_signal_connect(gtk_text_view_get_buffer(GTK_TEXT_VIEW(parts_.panel->*field.view)),
+                         "changed", G_CALLBACK(typed), this);
+}
+
+void tab_work::typed(GtkTextBuffer *, gpointer self)
+{
+    if (lang_global.text_lock == 0)
+        static_cast<tab_work *>(self)->judge_shown();
+}
+
+void tab_work::judge_shown()
+{
+    if (item_row_ < 0 || static_cast<std::size_t>(item_row_) >= progress_.count())
+        return;
+    const auto row = static_cast<std::uint32_t>(item_row_);
+    const tab_row &of = parts_.rows->rows[row];
+    assist::remarks told;
+    const assist::item_state state =
+        make_judge().look_at(of.group, of.item, text_typed(parts_.panel), &told);
+    text_show_remarks(parts_.panel, told);
+    text_colour_pieces(parts_.panel);
+    if (progress_.is_known(row) && progress_.of(row) == state)
+        return;
+    progress_.set(row, state);
+    zel_tab_model_row_changed(parts_.shown, item_row_);
+    show_progress();
+}
+
+void tab_work::item_shown(int row)
+{
+    const int before = item_row_;
+    item_row_ = row;
+    if (before >= 0 && static_cast<std::size_t>(before) < progress_.count() && before != row) {
+        assist::judge judge = make_judge();
+        judge_row(judge, static_cast<std::uint32_t>(before));
+    }
+    if (row < 0)
+        text_show_remarks(parts_.panel, {});
+    else
+        judge_shown();
+}
+
+void tab_work::mark_cells()
+{
+    GList *columns = gtk_tree_view_get_columns(parts_.view);
+    for (GList *node = columns; node != nullptr; node = node->next) {
+        auto *column = GTK_TREE_VIEW_COLUMN(node->data);
+        if (tab_row_of(column).column != COL_ITEM)
+            continue;
+        GList *cells = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(column));
+        gtk_tree_view_column_set_cell_data_func(column, GTK_CELL_RENDERER(cells->data), show_cell,
+                                                this, nullptr);
+        g_list_free(cells);
+    }
+    g_list_free(columns);
+}
+
+// Bold: a text is missing. Underlined as a fault: a rule finds one.
+void tab_work::show_cell(GtkTreeViewColumn *, GtkCellRenderer *cell, GtkTreeModel *,
+                         GtkTreeIter *iter, gpointer data)
+{
+    auto *self = static_cast<tab_work *>(data);
+    const int row = zel_tab_model_row_of(self->parts_.shown, iter);
+    assist::item_state state;
+    if (row >= 0 && static_cast<std::size_t>(row) < self->progress_.count())
+        state = self->state_of(static_cast<std::uint32_t>(row));
+    g_object_set(cell, "weight", state.is_complete() ? PANGO_WEIGHT_NORMAL : PANGO_WEIGHT_BOLD,
+                 "underline", state.has_findings() ? PANGO_UNDERLINE_ERROR : PANGO_UNDERLINE_NONE,
+                 nullptr);
+}
+
+bool tab_work::filters() const
+{
+    return gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(filter_)) != 0;
+}
+
+bool tab_work::hides(std::uint32_t row)
+{
+    if (!gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(filter_)) || row >= progress_.count())
+        return false;
+    if (!progress_.is_all_known())
+        judge_all();
+    return !progress_.of(row).has_findings();
+}
+
+void tab_work::show_progress()
+{
+    if (!progress_.is_all_known() || parts_.rows->source == nullptr)
+        return;
+    const tab_rows &rows = *parts_.rows;
+    const std::unique_ptr<std::string> *langs[] = {&rows.lang1, &rows.lang2};
+    std::string text;
+    for (std::size_t i = 0; i < assist::shown_languages; ++i) {
+        const char *lang = name_of(*langs[i]);
+        const bool alone = *langs[1 - i] == nullptr;
+        if (lang == nullptr || (g_strcmp0(lang, rows.source->default_lang) == 0 && !alone))
+            continue;
+        const auto &[translated, findings] = progress_.of_language(i);
+        const std::size_t all = progress_.count();
+        text += (text.empty() ? "" : "   ") + utf8_shown(lang) + ": " +
+                assist::grouped(translated) + " " + ui_text("tab-edit", "of") + " " +
+                assist::grouped(all) + ", " + assist::grouped(all - translated) + " " +
+                ui_text("tab-edit", "to do") + ", " + assist::grouped(findings) + " " +
+                (findings == 1 ? ui_text("tab-edit", "finding") : ui_text("tab-edit", "findings"));
+    }
+    if (text != gtk_label_get_text(GTK_LABEL(progress_label_)))
+        gtk_label_set_text(GTK_LABEL(progress_label_), text.c_str());
+}
+
+bool tab_work::has_work(std::uint32_t row)
+{
+    if (parts_.rows->rows[row].item->ready == 0)
+        return true;
+    const assist::item_state &state = state_of(row);
+    return !state.is_complete() || state.has_findings();
+}
+
+int tab_work::selected_place() const
+{
+    GtkTreeIter iter;
+    GtkTreeModel *model = nullptr;
+    if (gtk_tree_selection_get_selected(gtk_tree_view_get_selection(parts_.view), &model, &iter) ==
+            0 ||
+        model == nullptr)
+        return -1;
+    return zel_tab_model_place_of(parts_.shown, zel_tab_model_row_of(parts_.shown, &iter));
+}
+
+// From the selected row on; without one from the end of the list that is behind one.
+bool tab_work::go_to_work(int direction)
+{
+    const int count = zel_tab_model_count(parts_.shown);
+    const int selected = selected_place();
+    int place = selected < 0 && direction < 0 ? count : selected;
+    for (place += direction; place >= 0 && place < count; place += direction) {
+        // The items lie anywhere in memory: without this each look would wait for its own.
+        const int ahead = zel_tab_model_row_at(parts_.shown, place + 16 * direction);
+        if (ahead >= 0)
+            __builtin_prefetch(&parts_.rows->rows[static_cast<std::size_t>(ahead)].item->ready);
+        const int row = zel_tab_model_row_at(parts_.shown, place);
+        if (row < 0 || static_cast<std::size_t>(row) >= progress_.count() ||
+            !has_work(static_cast<std::uint32_t>(row)))
+            continue;
+        tab_list_go_to(parts_.view, place);
+        return true;
+    }
+    edit_status(direction > 0 ? ui_text("tab-edit", "No item with work below")
+                              : ui_text("tab-edit", "No item with work above"));
+    return false;
+}
+
+void tab_work::done_and_next()
+{
+    if (selected_place() >= 0)
+        gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(parts_.ready_button), TRUE);
+    go_to_work(1);
+}
+
+void tab_work::key_pressed(void (*act)(tab_work *work))
+{
+    if (progress_.count() == 0)
+        return;
+    edit_status(nullptr);
+    act(this);
+}
+
+void tab_work::add_keys()
+{
+    struct key_row {
+        guint keyval;
+        GdkModifierType modifier;
+        void (*act)(tab_work *work);
+    };
+    static constexpr key_row rows[] = {
+        {GDK_KEY_Page_Down, GDK_MOD1_MASK, [](tab_work *work) { work->go_to_work(1); }},
+        {GDK_KEY_KP_Page_Down, GDK_MOD1_MASK, [](tab_work *work) { work->go_to_work(1); }},
+        {GDK_KEY_Page_Up, GDK_MOD1_MASK, [](tab_work *work) { work->go_to_work(-1); }},
+        {GDK_KEY_KP_Page_Up, GDK_MOD1_MASK, [](tab_work *work) { work->go_to_work(-1); }},
+        {GDK_KEY_Return, GDK_CONTROL_MASK, [](tab_work *work) { work->done_and_next(); }},
+        {GDK_KEY_KP_Enter, GDK_CONTROL_MASK, [](tab_work *work) { work->done_and_next(); }},
+    };
+    for (const key_row &row : rows)
+        keys_.add(row.keyval, row.modifier, [this, act = row.act] { key_pressed(act); });
+}
+
+} // namespace zel

@@ -1,0 +1,87 @@
+#pragma once
+
+// The work that is left in the list: what each item lacks and which rules find fault with it, as
+// the list's marks, the checks of the item that is shown, a filter, the way to the next item with
+// work, and sums beside the list's count.
+//
+// Rows are judged in slices while nothing else happens, and at once where the answer is wanted.
+
+#include <gtk/gtk.h>
+
+#include <functional>
+#include <memory>
+
+#include "assist/progress.h"
+#include "editor/panel/w_text_panel.h"
+#include "editor/state/key-set.h"
+#include "editor/table/w_tab_model.h"
+
+namespace zel {
+
+// What of the table it works with; all of it outlives the work.
+struct tab_work_parts {
+    GtkTreeView *view;
+    ZelTabModel *shown; // what the view shows
+    std::shared_ptr<tab_rows> rows;
+    Zeltext *panel;
+    GtkWidget *ready_button;
+    std::function<void()> filter_anew;
+};
+
+class tab_work {
+public:
+    explicit tab_work(tab_work_parts parts);
+    ~tab_work();
+    tab_work(const tab_work &) = delete;
+    tab_work &operator=(const tab_work &) = delete;
+
+    GtkWidget *filter_button() const { return filter_; }
+    GtkWidget *progress_label() const { return progress_label_; }
+
+    // The rows, their languages or many of their texts are others.
+    void rows_changed();
+
+    // The panel shows the row's item now (-1: none), and has stored the one before.
+    void item_shown(int row);
+
+    // Whether the filter of findings is on.
+    bool filters() const;
+
+    // Whether the filter of findings hides the row.
+    bool hides(std::uint32_t row);
+
+    // The table goes: nothing is looked at or listened to any more.
+    void stop();
+
+private:
+    static void typed(GtkTextBuffer *, gpointer self);
+    static gboolean slice(gpointer self);
+    static void show_cell(GtkTreeViewColumn *, GtkCellRenderer *cell, GtkTreeModel *,
+                          GtkTreeIter *iter, gpointer self);
+
+    void watch_panel();
+    void mark_cells();
+    void add_keys();
+    void key_pressed(void (*act)(tab_work *work));
+    assist::judge make_judge() const;
+    const assist::item_state &state_of(std::uint32_t row);
+    void judge_row(assist::judge &judge, std::uint32_t row);
+    void judge_all();
+    void judge_shown();
+    void show_progress();
+    bool has_work(std::uint32_t row);
+    int selected_place() const;
+    bool go_to_work(int direction);
+    void done_and_next();
+
+    tab_work_parts parts_;
+    GtkWidget *filter_;
+    GtkWidget *progress_label_;
+    assist::progress progress_;
+    std::uint32_t next_row_ = 0; // that the slices come to
+    int item_row_ = -1;          // whose item is shown
+    guint timer_ = 0;
+    key_set keys_;
+};
+
+} // namespace zel

@@ -1,0 +1,37 @@
+#pragma once
+
+// The looks of the editor where the user's desktop has none of its own.
+
+#include <gtk/gtk.h>
+
+namespace zel {
+
+// Parses the program's own styles, once: all of them while the user has no theme, else only what
+// the window needs to fit. Called with the display open, before the first window.
+void apply_theme();
+
+// Whether a theme of that name has a part for this toolkit; one that has none shows nothing.
+bool has_theme(const char *name);
+
+// Whether the view shows light letters on dark ground.
+bool is_dark(GtkWidget *view);
+
+// A frame around something that one types or reads in: a line on all four sides, also without a
+// theme, and one that is seen also where a dark theme draws it in the colour of the ground.
+GtkWidget *make_line_frame();
+
+// Draws that line around a frame or an entry, which a dark theme may leave without one; one with
+// the keyboard has the theme's own.
+void draw_line_in_dark(GtkWidget *field);
+
+// A frame that only holds something together: no line, and no room for one.
+void make_bare(GtkWidget *frame);
+
+// A label in a colour half way to its ground, or in its own again. An insensitive one would be
+// engraved by some themes, and stand out.
+void show_faint(GtkWidget *label, bool is_faint);
+
+// Takes the black out of a widget's edges where the user has no theme.
+void soften_edges(GtkWidget *widget);
+
+} // namespace zel

@@ -1,0 +1,149 @@
+#include "kit/support/donor.h"
+
+#include "exchange/entries.h"
+#include "exchange/import.h"
+#include "kit/support/new-from-catalogs.h"
+#include "kit/support/sources.h"
+#include "lint/text.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace zel::kit {
+
+namespace {
+
+std::uint32_t key_hash(std::string_view group, std::string_view item)
+{
+    return hash_of(item) ^ hash_of(group) * 0x85EBCA6BU;
+}
+
+// The format of a file that is no source; null: it is one.
+const char *format_of(std::string_view path)
+{
+    constexpr struct {
+        std::string_view ending;
+        const char *format;
+    } endings[] = {{".po", "po"}, {".xliff", "xliff"}, {".xlf", "xliff"}, {".csv", "csv"}};
+    for (const auto &row : endings)
+        if (path.ends_with(row.ending))
+            return row.format;
+    return nullptr;
+}
+
+bool is_ascii(std::string_view text)
+{
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+} // namespace
+
+donor::~donor() { keep_to_the_end(std::move(source_)); }
+
+bool donor::read(const std::string &path, const LangSource &source)
+{
+    path_ = path;
+    to_fill_ = &source;
+    const char *format = format_of(path);
+    if (format == nullptr) {
+        source_ = kit::read(path);
+        if (!source_)
+            return false;
+        same_encoding_ = exchange::encoding_of(*source_) == exchange::encoding_of(source);
+        entries_.emplace(source_.get());
+        return true;
+    }
+    exchange::read_answer answer =
+        exchange::read_file_texts(format, path, exchange::encoding_of(source));
+    if (answer.wrong)
+        say_fault(path, answer.wrong);
+    file_ = std::move(answer.file);
+    return !answer.wrong;
+}
+
+void donor::choose(const char *language)
+{
+    offers_.clear();
+    joined_.clear();
+    keys_ = {};
+    references_ = {};
+    if (source_)
+        offer_source(language);
+    else
+        offer_units(language);
+}
+
+// A text in one piece, copied only where it is in several.
+std::string_view donor::joined(GList *texts)
+{
+    if (texts == nullptr)
+        return {};
+    if (texts->next == nullptr)
+        return exchange::or_empty(static_cast<const char *>(texts->data));
+    exchange::append_lines(joined_.emplace_back(), texts);
+    return joined_.back();
+}
+
+void donor::offer_source(const char *language)
+{
+    for (const edit_t *group : each<edit_t>(source_->groups))
+        for (const item_t *item : each<item_t>(group->items)) {
+            const lang_entry_t *entry = entries_->find(item, language);
+            if (entry == nullptr)
+                continue;
+            const lang_entry_t *reference = entries_->find(item, source_->default_lang);
+            const std::string_view name = exchange::or_empty(item->name);
+            add({true, exchange::or_empty(group->name), name,
+                 reference == nullptr ? name : joined(reference->texts), joined(entry->texts)});
+        }
+}
+
+void donor::offer_units(const char *language)
+{
+    std::vector<bool> wanted;
+    const std::string_view named = file_.languages.size() == 1 ? path_ : std::string_view();
+    for (const exchange::said_language &said : file_.languages)
+        wanted.push_back(exchange::or_empty(exchange::find_language(*to_fill_, said, named)) ==
+                         exchange::or_empty(language));
+    for (const exchange::text_unit &unit : file_.units)
+        if (wanted[unit.language] && !unit.fuzzy)
+            add({unit.keyed, unit.group, unit.item, unit.reference, unit.text});
+}
+
+// Of several texts of one key or reference the first counts.
+void donor::add(const offer &one)
+{
+    if (lint::look_at(one.text).is_blank())
+        return;
+    if (!same_encoding_ && !is_ascii(one.text)) {
+        ++foreign_;
+        return;
+    }
+    const auto at = static_cast<std::uint32_t>(offers_.size());
+    const bool new_key = one.keyed && by_key(one.group, one.item).empty();
+    const bool new_reference = !one.reference.empty() && by_reference(one.reference).empty();
+    offers_.push_back(one);
+    if (new_key)
+        keys_.add(key_hash(one.group, one.item), at);
+    if (new_reference)
+        references_.add(hash_of(one.reference), at);
+}
+
+std::string_view donor::by_key(std::string_view group, std::string_view item) const
+{
+    const std::uint32_t at = keys_.find(key_hash(group, item), [&](std::uint32_t candidate) {
+        return offers_[candidate].group == group && offers_[candidate].item == item;
+    });
+    return at == hash_index::none ? std::string_view() : offers_[at].text;
+}
+
+std::string_view donor::by_reference(std::string_view reference) const
+{
+    const std::uint32_t at = references_.find(hash_of(reference), [&](std::uint32_t candidate) {
+        return offers_[candidate].reference == reference;
+    });
+    return at == hash_index::none ? std::string_view() : offers_[at].text;
+}
+
+} // namespace zel::kit

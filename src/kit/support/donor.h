@@ -1,0 +1,68 @@
+#pragma once
+
+// A file that missing texts are taken from: a source, or a file of another format.
+
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "exchange/formats.h"
+#include "kit/support/entry-index.h"
+#include "source/model.h"
+#include "support/hash-index.h"
+
+namespace zel::kit {
+
+class donor {
+public:
+    donor() = default;
+    ~donor(); // the source itself stays to the end of the process
+    donor(const donor &) = delete;
+    donor &operator=(const donor &) = delete;
+
+    // Reads the file for the source that will be filled. False after a line on standard error.
+    bool read(const std::string &path, const LangSource &source);
+
+    // From now on it is asked for texts in that language of the source.
+    void choose(const char *language);
+
+    // The text of that item, or of the first one that was translated from the reference text;
+    // empty when there is none.
+    std::string_view by_key(std::string_view group, std::string_view item) const;
+    std::string_view by_reference(std::string_view reference) const;
+
+    // Texts that were not offered because they are not in the source's encoding.
+    std::size_t foreign() const { return foreign_; }
+
+private:
+    struct offer {
+        bool keyed;
+        std::string_view group;
+        std::string_view item;
+        std::string_view reference; // empty: not known
+        std::string_view text;
+    };
+    void offer_source(const char *language);
+    void offer_units(const char *language);
+    void add(const offer &one);
+    std::string_view joined(GList *texts);
+
+    std::string path_;
+    const LangSource *to_fill_ = nullptr;
+    source_guard source_;
+    std::optional<entry_index> entries_; // of it
+    exchange::file_texts file_;
+    bool same_encoding_ = true;
+
+    // In the chosen language.
+    std::vector<offer> offers_;
+    hash_index keys_;
+    hash_index references_;
+    std::deque<std::string> joined_; // of several strings
+    std::size_t foreign_ = 0;
+};
+
+} // namespace zel::kit

@@ -1,0 +1,56 @@
+#include "kit/support/entry-index.h"
+
+#include <bit>
+#include <cstring>
+
+namespace zel::kit {
+
+namespace {
+
+std::uint32_t hash_of_place(const item_t *item, const char *language)
+{
+    const auto address = std::bit_cast<std::uintptr_t>(item);
+    return hash_of(language) ^ static_cast<std::uint32_t>(address >> 4) * 0x85EBCA6BU;
+}
+
+} // namespace
+
+entry_index::entry_index(const LangSource *source)
+{
+    for (const edit_t *group : each<edit_t>(source->groups))
+        for (const item_t *item : each<item_t>(group->items))
+            for (lang_entry_t *entry : each<lang_entry_t>(item->langs))
+                add(item, entry);
+}
+
+void entry_index::add(const item_t *item, lang_entry_t *entry)
+{
+    if (entry->lang == nullptr || find(item, entry->lang) != nullptr)
+        return;
+    index_.add(hash_of_place(item, entry->lang), static_cast<std::uint32_t>(places_.size()));
+    places_.push_back({item, entry});
+}
+
+lang_entry_t *entry_index::find(const item_t *item, const char *language) const
+{
+    if (language == nullptr)
+        return nullptr;
+    const std::uint32_t at = index_.find(hash_of_place(item, language), [&](std::uint32_t i) {
+        return places_[i].item == item && std::strcmp(places_[i].entry->lang, language) == 0;
+    });
+    return at == hash_index::none ? nullptr : places_[at].entry;
+}
+
+lang_entry_t *entry_index::append(item_t *item, const char *language)
+{
+    lang_entry_t *entry = alloc_lang_entry(language);
+    GList *&last = last_.try_emplace(item, g_list_last(item->langs)).first->second;
+    if (last == nullptr)
+        last = item->langs = g_list_append(nullptr, entry);
+    else
+        last = g_list_append(last, entry)->next;
+    add(item, entry);
+    return entry;
+}
+
+} // namespace zel::kit

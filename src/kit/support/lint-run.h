@@ -1,0 +1,57 @@
+#pragma once
+
+// Reads a source and judges it; what the words lint and report share.
+
+#include <functional>
+#include <string>
+
+#include "kit/support/lint-output.h"
+#include "lint/lint.h"
+#include "source/lang-read.h"
+
+namespace zel::kit {
+
+using shown_listener = std::function<void(const shown_finding &)>;
+
+// A source that was read, with the reader's messages as findings of the rule "syntax". A conflict
+// marker of version control is named as one.
+class lint_source {
+public:
+    lint_source() = default;
+    ~lint_source(); // the source itself stays to the end of the process
+    lint_source(const lint_source &) = delete;
+    lint_source &operator=(const lint_source &) = delete;
+
+    // False after a line on standard error: the file cannot be opened or read through.
+    bool read(const std::string &path);
+
+    const std::string &path() const { return path_; }
+    const LangSource *source() const { return answer_.source.get(); } // null: it does not read
+
+    // Tells what the reader said.
+    void each_syntax(const std::function<void(const std::string &message)> &to) const;
+
+    // Tells all findings in the order of the file.
+    void judge(const lint::choice &wanted, const shown_listener &to) const;
+
+private:
+    struct early {
+        place at;
+        lint::rule_id rule;
+        const char *language;
+        std::string message;
+    };
+    void take_markers();
+
+    std::string path_;
+    source_places places_;
+    read_answer answer_{nullptr, read_result::unreadable, read_cause::none};
+    std::vector<early> syntax_;
+};
+
+// Looks through the code below the paths, files and folders as the check takes them, for requests
+// in pieces: the rule "adjacent". False after a line on standard error for each path or file that
+// cannot be read.
+bool judge_code(const std::vector<std::string> &paths, const shown_listener &to);
+
+} // namespace zel::kit

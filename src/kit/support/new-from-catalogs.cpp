@@ -1,0 +1,52 @@
+#include "kit/support/new-from-catalogs.h"
+
+#include "kit/support/output.h"
+#include "kit/support/word.h"
+
+#include <cstdio>
+
+namespace zel::kit {
+
+namespace {
+
+void print_summary(const exchange::new_source &made, const std::string &path)
+{
+    const LangSource *source = made.source();
+    std::printf("%s: %s in %s\n", path.c_str(), counted(source->item_count, "item").c_str(),
+                counted(g_list_length(source->groups), "group").c_str());
+    for (const auto &[language, texts] : made.texts())
+        std::printf("%s: %u\n", language.c_str(), texts);
+    if (made.guesses() != 0)
+        std::fprintf(stderr, "left out %s\n", counted(made.guesses(), "fuzzy text").c_str());
+    if (made.forms() != 0)
+        std::fprintf(stderr, "left out %s between the first and the last\n",
+                     counted(made.forms(), "plural form").c_str());
+}
+
+} // namespace
+
+void say_fault(const std::string &path, const exchange::fault &wrong)
+{
+    const std::string line = wrong.line == 0 ? "" : ":" + std::to_string(wrong.line);
+    std::fprintf(stderr, "%s%s: error: %s\n", path.c_str(), line.c_str(), wrong.text.c_str());
+}
+
+int make_from_catalogs(const exchange::new_request &request,
+                       const std::vector<std::string> &catalogs, const destination &to)
+{
+    exchange::new_source made(request);
+    for (const std::string &path : catalogs) {
+        std::string bytes;
+        exchange::fault wrong = exchange::read_input(path, bytes);
+        if (!wrong)
+            wrong = made.take(path, bytes);
+        if (wrong) {
+            say_fault(path, wrong);
+            return status_fault;
+        }
+    }
+    print_summary(made, to.path);
+    return write(to, made.source()) ? status_fine : status_fault;
+}
+
+} // namespace zel::kit

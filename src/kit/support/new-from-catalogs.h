@@ -1,0 +1,21 @@
+#pragma once
+
+// A new source from the catalogs of a project that comes over.
+
+#include <string>
+#include <vector>
+
+#include "exchange/new-source.h"
+#include "kit/support/sources.h"
+
+namespace zel::kit {
+
+// Reads the catalogs and writes the source; what it holds is said on standard output. Returns the
+// exit status.
+int make_from_catalogs(const exchange::new_request &request,
+                       const std::vector<std::string> &catalogs, const destination &to);
+
+// A fault in a file from outside, on standard error as editors find its place.
+void say_fault(const std::string &path, const exchange::fault &wrong);
+
+} // namespace zel::kit

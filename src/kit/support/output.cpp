@@ -1,0 +1,112 @@
+#include "kit/support/output.h"
+
+#include <cstdio>
+
+#include <glib.h>
+
+namespace zel::kit {
+
+namespace {
+
+void append_json_escape(std::string &out, unsigned char c)
+{
+    char text[8];
+    std::snprintf(text, sizeof text, "\\u%04x", c);
+    out += text;
+}
+
+void append_escapes(std::string &out, std::string_view text)
+{
+    for (const char c : text) {
+        if (c == '"' || c == '\\')
+            out.append(1, '\\').append(1, c);
+        else if (c == '\n')
+            out += "\\n";
+        else if (c == '\t')
+            out += "\\t";
+        else if (c == '\r')
+            out += "\\r";
+        else
+            out += c;
+    }
+}
+
+} // namespace
+
+void append_json(std::string &out, std::string_view text)
+{
+    out += '"';
+    while (!text.empty()) {
+        const char *bad = nullptr;
+        g_utf8_validate(text.data(), static_cast<gssize>(text.size()), &bad);
+        const auto valid = static_cast<std::size_t>(bad - text.data());
+        for (const char c : text.substr(0, valid)) {
+            if (c == '"' || c == '\\')
+                out.append(1, '\\').append(1, c);
+            else if (c == '\n')
+                out += "\\n";
+            else if (c == '\t')
+                out += "\\t";
+            else if (static_cast<unsigned char>(c) < ' ' || c == '\x7f')
+                append_json_escape(out, static_cast<unsigned char>(c));
+            else
+                out += c;
+        }
+        text.remove_prefix(valid);
+        if (!text.empty()) {
+            out += "\xEF\xBF\xBD";
+            text.remove_prefix(1);
+        }
+    }
+    out += '"';
+}
+
+void append_json(std::string &out, const char *text)
+{
+    if (text == nullptr)
+        out += "null";
+    else
+        append_json(out, std::string_view(text));
+}
+
+std::string counted(std::size_t count, const std::string &one)
+{
+    return std::to_string(count) + " " + one + (count == 1 ? "" : "s");
+}
+
+std::string with_commas(std::size_t number)
+{
+    std::string out = std::to_string(number);
+    for (std::size_t at = out.size(); at > 3; at -= 3)
+        out.insert(at - 3, 1, ',');
+    return out;
+}
+
+std::string quoted(std::string_view text)
+{
+    std::string out = "\"";
+    append_escapes(out, text);
+    return out += '"';
+}
+
+std::string shown(std::string_view text)
+{
+    constexpr std::size_t most = 200;
+    constexpr std::size_t half = most / 2;
+    const auto is_middle = [](char c) { return (c & 0xC0) == 0x80; }; // of a UTF-8 character
+    if (text.size() <= most)
+        return quoted(text);
+    std::size_t end = half;
+    while (end > 0 && is_middle(text[end]))
+        --end;
+    std::size_t begin = text.size() - half;
+    while (begin < text.size() && is_middle(text[begin]))
+        ++begin;
+    std::string out = "\"";
+    append_escapes(out, text.substr(0, end));
+    out += " ... ";
+    append_escapes(out, text.substr(begin));
+    return out += '"';
+}
+
+} // namespace zel::kit

@@ -1,0 +1,70 @@
+#include "kit/support/text-file.h"
+
+#include <algorithm>
+#include <cstring>
+#include <ctime>
+
+namespace zel::kit {
+
+bool text_file::say(const char *cause) const
+{
+    std::fprintf(stderr, "lang-kit: %s: %s\n", path_.c_str(), cause);
+    return false;
+}
+
+bool text_file::say(int error) const { return say(std::strerror(error)); }
+
+bool text_file::create(const std::string &path)
+{
+    path_ = path;
+    old_ = find_target(path.c_str(), links::follow);
+    if (old_.refusal != 0)
+        return say(refusal_text(old_.refusal));
+    if (old_.is_file())
+        same_.reset(std::fopen(old_.path.c_str(), "rbe"));
+    const int error = file_.create_beside(old_);
+    return error == 0 || say(error);
+}
+
+void text_file::compare(std::string_view text)
+{
+    char old[16384];
+    while (same_ && !text.empty()) {
+        const std::size_t wanted = std::min(sizeof old, text.size());
+        if (std::fread(old, 1, wanted, same_.get()) != wanted ||
+            std::memcmp(old, text.data(), wanted) != 0)
+            same_.reset();
+        text.remove_prefix(wanted);
+    }
+}
+
+void text_file::append(std::string_view text)
+{
+    compare(text);
+    file_.append(text);
+    file_.rest();
+}
+
+bool text_file::finish()
+{
+    if (same_ && (std::fgetc(same_.get()) != EOF || std::ferror(same_.get()) != 0))
+        same_.reset();
+    const int error = file_.finish(synced::yes);
+    return error == 0 || say(error);
+}
+
+bool text_file::put_in_place()
+{
+    if (same_)
+        return true;
+    const backup_file kept = make_backup(old_, std::time(nullptr));
+    if (kept.error != 0)
+        return say(kept.error);
+    const int error = file_.put(old_);
+    if (error == 0)
+        return true;
+    undo_backup(kept, old_);
+    return say(error);
+}
+
+} // namespace zel::kit

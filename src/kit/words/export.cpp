@@ -1,0 +1,118 @@
+#include "exchange/formats.h"
+#include "kit/support/options.h"
+#include "kit/support/output.h"
+#include "kit/support/sources.h"
+#include "kit/support/text-file.h"
+#include "kit/words/word-list.h"
+
+#include <cstdio>
+
+namespace zel::kit {
+
+namespace {
+
+// A language's name as a file's: what would be a folder or a hidden file, or shows nothing, is
+// written in hexadecimal.
+std::string file_stem(const char *name)
+{
+    std::string out;
+    for (const char *p = name; *p != '\0'; ++p) {
+        const auto c = static_cast<unsigned char>(*p);
+        char hex[4];
+        if (c <= ' ' || c == '/' || c == '\\' || c == '%' || c == 0x7f || (c == '.' && p == name)) {
+            std::snprintf(hex, sizeof hex, "%%%02X", c);
+            out += hex;
+        } else {
+            out += *p;
+        }
+    }
+    return out;
+}
+
+std::vector<std::string> file_names(const exchange::format &row, const exchange::exporter &from,
+                                    const std::string &source)
+{
+    if (row.writes == exchange::files::one)
+        return {std::string(exchange::stem_of(source)) + row.ending};
+    std::vector<std::string> names;
+    for (const lang_t *lang : from.languages())
+        names.push_back(file_stem(lang->name) + row.ending);
+    return names;
+}
+
+// Writes the files of an export into a folder, all or none that differs from what is there.
+bool write_files(const exchange::format &row, exchange::exporter &from,
+                 const std::vector<std::string> &names, const std::string &folder)
+{
+    std::vector<text_file> files(names.size());
+    std::vector<exchange::outgoing_file> outgoing;
+    for (std::size_t at = 0; at < names.size(); ++at) {
+        if (!files[at].create(folder.empty() ? names[at] : folder + "/" + names[at]))
+            return false;
+        outgoing.push_back({[&file = files[at]](std::string_view text) { file.append(text); }, {}});
+    }
+    row.write(from, outgoing);
+    for (text_file &file : files)
+        if (!file.finish())
+            return false;
+    for (text_file &file : files) {
+        if (!file.put_in_place())
+            return false;
+        std::printf("%s\n", file.path().c_str());
+    }
+    return true;
+}
+
+} // namespace
+
+int run_export(const word &self, int argc, char **argv)
+{
+    std::string format_name;
+    std::string folder;
+    exchange::export_request request;
+    const parsed line =
+        parse(self, argc, argv,
+              {{"format", "FORMAT", exchange::format_help, nullptr, &format_name},
+               {"language", "NAME", "only this language; may be given again", nullptr, nullptr,
+                &request.languages},
+               {"output", "DIR",
+                "where the files go; without it the current directory, or standard "
+                "output for a single file of all languages",
+                nullptr, &folder, nullptr, false, 'o'},
+               {"fuzzy", nullptr, "po: items that are not ready are fuzzy", &request.fuzzy},
+               {"comments", nullptr, "csv: columns for the comments too", &request.comments},
+               {"unused", nullptr, "items too that the application does not use", &request.unused}},
+              1, 1);
+    if (line.ends)
+        return line.status;
+    const int chosen = choose(self, "format", format_name, exchange::format_names());
+    if (chosen < 0)
+        return status_fault;
+    const exchange::format &row = exchange::formats()[static_cast<std::size_t>(chosen)];
+    if (row.is_whole() && !request.languages.empty())
+        return wrong_use(self, "--language is not for whole sources");
+    const source_guard source = read(line.files.front());
+    if (!source)
+        return status_fault;
+    request.source = source.get();
+    exchange::exporter from(request);
+    if (from.wrong() && !row.is_whole()) {
+        std::fprintf(stderr, "lang-kit: %s: %s\n", line.files.front().c_str(),
+                     from.wrong().text.c_str());
+        return status_fault;
+    }
+    if (folder.empty() && row.writes == exchange::files::one) {
+        std::vector<exchange::outgoing_file> standard{
+            {[](std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }, {}}};
+        row.write(from, standard);
+    } else if (!write_files(row, from, file_names(row, from, line.files.front()), folder)) {
+        return status_fault;
+    }
+    if (from.repeated() != 0)
+        std::fprintf(stderr,
+                     "lang-kit: %s: left out %s behind another of the same group and name\n",
+                     line.files.front().c_str(), counted(from.repeated(), "item").c_str());
+    return status_fine;
+}
+
+} // namespace zel::kit

@@ -1,0 +1,158 @@
+#include "exchange/entries.h"
+#include "kit/support/donor.h"
+#include "kit/support/entry-index.h"
+#include "kit/support/options.h"
+#include "kit/support/output.h"
+#include "kit/support/sources.h"
+#include "kit/words/word-list.h"
+#include "source/misc.h"
+
+#include <cstdio>
+
+namespace zel::kit {
+
+namespace {
+
+struct fill_count {
+    std::size_t by_key = 0;
+    std::size_t by_reference = 0;
+    std::size_t still_missing = 0;
+
+    std::size_t filled() const { return by_key + by_reference; }
+};
+
+// A language without a text. In the default language an empty one is a wish: it keeps the item out.
+bool is_missing(lang_entry_t *entry, bool is_default)
+{
+    return entry == nullptr || (!is_default && misc_search_empty_in_lang_entry(entry) != 0);
+}
+
+// Fills one language of the source.
+class language_filler {
+public:
+    language_filler(LangSource *source, entry_index &entries, const char *language,
+                    std::deque<donor> &donors)
+        : source_(source), entries_(entries), language_(language), donors_(donors),
+          is_default_(exchange::or_empty(source->default_lang) == language)
+    {
+        for (donor &one : donors_)
+            one.choose(language);
+    }
+
+    fill_count fill()
+    {
+        for (const edit_t *group : each<edit_t>(source_->groups))
+            for (item_t *item : each<item_t>(group->items))
+                if (is_missing(entries_.find(item, language_), is_default_))
+                    fill_item(group, item);
+        return count_;
+    }
+
+private:
+    void fill_item(const edit_t *group, item_t *item)
+    {
+        const std::string_view by_key = first([&](const donor &one) {
+            return one.by_key(exchange::or_empty(group->name), exchange::or_empty(item->name));
+        });
+        if (!by_key.empty()) {
+            put(item, by_key, count_.by_key);
+            return;
+        }
+        // The default language's text is the reference itself.
+        const std::string reference = is_default_ ? "" : reference_text(item);
+        const std::string_view by_reference =
+            first([&](const donor &one) { return one.by_reference(reference); });
+        if (by_reference.empty())
+            ++count_.still_missing;
+        else
+            put(item, by_reference, count_.by_reference);
+    }
+
+    std::string reference_text(const item_t *item) const
+    {
+        std::string text;
+        if (const lang_entry_t *entry = entries_.find(item, source_->default_lang))
+            exchange::append_lines(text, entry->texts);
+        return text.empty() ? std::string(exchange::or_empty(item->name)) : text;
+    }
+
+    template <class Ask>
+    std::string_view first(Ask ask) const
+    {
+        for (const donor &one : donors_)
+            if (const std::string_view text = ask(one); !text.empty())
+                return text;
+        return {};
+    }
+
+    void put(item_t *item, std::string_view text, std::size_t &count)
+    {
+        lang_entry_t *entry = entries_.find(item, language_);
+        exchange::set_text(entry == nullptr ? entries_.append(item, language_) : entry, text);
+        item->changed = 1;
+        item->ready = 0;
+        ++count;
+    }
+
+    LangSource *source_;
+    entry_index &entries_;
+    const char *language_;
+    std::deque<donor> &donors_;
+    bool is_default_;
+    fill_count count_;
+};
+
+// Fills all languages and says how much of each. Returns how many texts that were.
+std::size_t fill_source(LangSource *source, std::deque<donor> &donors)
+{
+    std::size_t filled = 0;
+    entry_index entries(source);
+    for (const lang_t *lang : each<lang_t>(source->langs)) {
+        if (lang->name == nullptr)
+            continue;
+        const fill_count count = language_filler(source, entries, lang->name, donors).fill();
+        std::printf("%s: %zu by key, %zu by reference text, %zu still missing\n", lang->name,
+                    count.by_key, count.by_reference, count.still_missing);
+        filled += count.filled();
+    }
+    return filled;
+}
+
+} // namespace
+
+int run_fill(const word &self, int argc, char **argv)
+{
+    std::vector<std::string> from;
+    std::string output;
+    bool dry_run = false;
+    const parsed line =
+        parse(self, argc, argv,
+              {{"from", "FILE", "a source, or a file of another format; may be given again",
+                nullptr, nullptr, &from},
+               {"dry-run", nullptr, "only say what would be filled", &dry_run},
+               {"output", "FILE", "write the source there", nullptr, &output, nullptr, false, 'o'}},
+              1, 1);
+    if (line.ends)
+        return line.status;
+    if (from.empty())
+        return wrong_use(self, "--from is missing: where are the texts?");
+    source_guard source = read_whole(line.files.front());
+    if (!source)
+        return status_fault;
+    std::deque<donor> donors;
+    for (const std::string &path : from)
+        if (!donors.emplace_back().read(path, *source))
+            return status_fault;
+    const std::size_t filled = fill_source(source.get(), donors);
+    for (std::size_t at = 0; at < donors.size(); ++at)
+        if (donors[at].foreign() != 0)
+            std::fprintf(stderr, "%s: left out %s in another encoding\n", from[at].c_str(),
+                         counted(donors[at].foreign(), "text").c_str());
+    const bool written =
+        (filled == 0 && output.empty()) ||
+        write({output.empty() ? line.files.front() : output, dry_run}, source.get());
+    keep_to_the_end(std::move(source));
+    return written ? status_fine : status_fault;
+}
+
+} // namespace zel::kit

@@ -1,0 +1,281 @@
+#include "kit/support/options.h"
+#include "kit/support/program.h"
+#include "kit/words/word-list.h"
+#include "support/file_mem.h"
+#include "support/safe-file.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <glib.h>
+
+namespace zel::kit {
+
+namespace {
+
+// What is configured for this clone. "@" stands for how this program is called; where percent signs
+// have a meaning those of its path are doubled.
+constexpr struct {
+    const char *key, *value;
+    bool percents;
+} settings[] = {
+    {"merge.lang-src.name", "language sources, by group, item and language", false},
+    {"merge.lang-src.driver", "@ merge --driver=%P %O %A %B", true},
+    {"diff.lang-src.textconv", "@ show --or-file", false},
+    // In a source and in what "show" prints of one.
+    {"diff.lang-src.xfuncname", "^[ \t]*((ITEM|GROUP|LANGUAGE)[ \t].*)$", false},
+};
+
+// What every clone gets by the repository's own files.
+constexpr const char *attributes[] = {"diff", "merge"};
+constexpr const char *attribute_value = "lang-src";
+constexpr const char *sources = "*.lang-src";
+constexpr struct {
+    const char *pattern, *example;
+} ignored[] = {
+    {"*.lang-src-*.bak", "app.lang-src-2024-01-31-12-00-00.bak"},
+    {"lang.tmp", "lang.tmp"},
+};
+
+constexpr const char *hook_mark = "# lang-kit git --hook";
+constexpr const char *hook_text =
+    "#!/bin/sh\n"
+    "# lang-kit git --hook: no commit with a language source in which lint finds an error.\n"
+    "# It judges what will be committed, not the files beside it.\n"
+    "folder=$(mktemp -d) || exit 1\n"
+    "trap 'rm -rf \"$folder\"' EXIT\n"
+    "git diff --cached --name-only -z --diff-filter=ACMRT -- '*.lang-src' |\n"
+    "    git checkout-index -z --stdin --prefix=\"$folder/\" || exit 1\n"
+    "cd \"$folder\" && find . -type f -name '*.lang-src' -exec @ lint {} +\n";
+
+std::string with_own_command(std::string text, bool percents = false)
+{
+    std::string command = own_command();
+    for (std::size_t at = 0; percents && (at = command.find('%', at)) != std::string::npos; at += 2)
+        command.insert(at, 1, '%');
+    const std::size_t at = text.find('@');
+    return at == std::string::npos ? text : text.replace(at, 1, command);
+}
+
+// The set-up of one repository. Each step does what is not done yet, says so on standard output,
+// and returns false after a line on standard error.
+class repository {
+public:
+    bool find();
+    bool may_write_files() const;
+    bool configure();
+    bool set_attributes();
+    bool ignore_files();
+    bool set_hook();
+
+    bool has_changed() const { return changed_; }
+    bool has_shared_changes() const { return shared_; }
+    bool met_others() const { return others_; } // something of somebody else's was left as it is
+
+private:
+    program_run git(std::vector<std::string> words) const
+    {
+        words.insert(words.begin(), "git");
+        return run_program(words, top_);
+    }
+    bool say(const std::string &text) const
+    {
+        std::fprintf(stderr, "lang-kit git: %s\n", text.c_str());
+        return false;
+    }
+    bool may_write(const std::string &name, const std::string &path) const;
+    void report(const std::string &where, const std::string &what)
+    {
+        std::printf("%s: %s\n", where.c_str(), what.c_str());
+        changed_ = true;
+    }
+    std::string attribute(const char *name) const;
+    bool is_ignored(const char *name) const;
+    bool add_line(const std::string &file, const std::string &line);
+    bool write_hook(const std::string &path);
+
+    std::string top_; // of the working tree
+    bool changed_ = false;
+    bool shared_ = false;
+    bool others_ = false;
+};
+
+std::string first_line(const std::string &text) { return text.substr(0, text.find('\n')); }
+
+bool repository::find()
+{
+    const program_run run = git({"rev-parse", "--show-toplevel"});
+    if (!run.started)
+        return say("git is not installed");
+    if (run.status != 0)
+        return say("this is no working tree of a repository");
+    top_ = run.out.substr(0, run.out.rfind('\n'));
+    return true;
+}
+
+bool repository::configure()
+{
+    for (const auto &row : settings) {
+        const std::string value = with_own_command(row.value, row.percents);
+        const program_run known = git({"config", "--local", "--get", row.key});
+        if (known.out == value + "\n")
+            continue;
+        const program_run set = git({"config", "--local", "--replace-all", row.key, value});
+        if (set.status != 0)
+            return say(first_line(set.err));
+        report("git config " + std::string(row.key), value);
+    }
+    return true;
+}
+
+// What the repository says of an attribute of sources; empty: nothing.
+std::string repository::attribute(const char *name) const
+{
+    const program_run run = git({"check-attr", name, "--", "app.lang-src"});
+    const std::string before = "app.lang-src: " + std::string(name) + ": ";
+    if (!run.out.starts_with(before))
+        return {};
+    const std::string value = first_line(run.out.substr(before.size()));
+    return value == "unspecified" ? "" : value;
+}
+
+bool repository::is_ignored(const char *name) const
+{
+    // Only by rules that others have too.
+    return git({"-c", "core.excludesFile=", "check-ignore", "-q", "--no-index", "--", name})
+               .status == 0;
+}
+
+bool repository::may_write(const std::string &name, const std::string &path) const
+{
+    const int refusal = find_target(path.c_str(), links::follow).refusal;
+    return refusal == 0 || say(name + ": " + refusal_text(refusal));
+}
+
+// git itself would wait for a pipe of that name.
+bool repository::may_write_files() const
+{
+    return may_write(".gitattributes", top_ + "/.gitattributes") &&
+           may_write(".gitignore", top_ + "/.gitignore");
+}
+
+// Appends a line to a file at the top of the working tree.
+bool repository::add_line(const std::string &file, const std::string &line)
+{
+    const std::string path = top_ + "/" + file;
+    std::string text;
+    if (access(path.c_str(), F_OK) == 0) {
+        char *data = nullptr;
+        const std::int64_t size = zel_read_file_to_mem(path.c_str(), &data);
+        if (size < 0)
+            return say(file + ": cannot be read");
+        text.assign(data, static_cast<std::size_t>(size));
+        std::free(data);
+    }
+    if (!text.empty() && text.back() != '\n')
+        text += '\n';
+    text += line + "\n";
+    if (const int error = replace_file(path.c_str(), text))
+        return say(file + ": " + std::strerror(error));
+    report(file, line);
+    shared_ = true;
+    return true;
+}
+
+bool repository::set_attributes()
+{
+    std::string line = sources;
+    bool missing = false;
+    for (const char *name : attributes) {
+        const std::string value = attribute(name);
+        if (value == attribute_value)
+            continue;
+        if (!value.empty()) {
+            say(std::string(sources) + " has " + name + "=" + value + " already, which stays");
+            others_ = true;
+            continue;
+        }
+        line += std::string(" ") + name + "=" + attribute_value;
+        missing = true;
+    }
+    return !missing || add_line(".gitattributes", line);
+}
+
+bool repository::ignore_files()
+{
+    return std::all_of(std::begin(ignored), std::end(ignored), [&](const auto &row) {
+        return is_ignored(row.example) || add_line(".gitignore", row.pattern);
+    });
+}
+
+bool repository::write_hook(const std::string &path)
+{
+    const std::string folder = path.substr(0, path.rfind('/'));
+    constexpr mode_t everybody_runs = 0755;
+    int error = 0;
+    if (g_mkdir_with_parents(folder.c_str(), 0777) != 0)
+        error = errno;
+    if (error == 0)
+        error = replace_file(path.c_str(), with_own_command(hook_text));
+    if (error == 0 && chmod(path.c_str(), everybody_runs) != 0)
+        error = errno;
+    return error == 0 || say(path + ": " + std::strerror(error));
+}
+
+bool repository::set_hook()
+{
+    const program_run run = git({"rev-parse", "--git-path", "hooks/pre-commit"});
+    const std::string name = first_line(run.out);
+    if (run.status != 0 || name.empty())
+        return say(first_line(run.err));
+    const std::string path = name.front() == '/' ? name : top_ + "/" + name;
+    if (!may_write(name, path))
+        return false;
+    if (is_there(path.c_str())) {
+        char *data = nullptr;
+        const std::int64_t size = zel_read_file_to_mem(path.c_str(), &data);
+        const std::string text(data == nullptr ? "" : data, size < 0 ? 0 : std::size_t(size));
+        std::free(data);
+        if (text == with_own_command(hook_text))
+            return true;
+        if (text.find(hook_mark) == std::string::npos) {
+            say(name + " is there already and stays; it may call: lang-kit lint SOURCE...");
+            others_ = true;
+            return true;
+        }
+    }
+    if (!write_hook(path))
+        return false;
+    report(name, "lang-kit lint before every commit");
+    return true;
+}
+
+} // namespace
+
+int run_git(const word &self, int argc, char **argv)
+{
+    bool hook = false;
+    const parsed line =
+        parse(self, argc, argv,
+              {{"hook", nullptr, "also lint the sources of every commit before it is made", &hook}},
+              0, 0);
+    if (line.ends)
+        return line.status;
+    repository here;
+    if (!here.find() || !here.may_write_files() || !here.configure() || !here.set_attributes() ||
+        !here.ignore_files() || (hook && !here.set_hook()))
+        return status_fault;
+    if (!here.has_changed())
+        std::puts("nothing to do");
+    if (here.has_shared_changes())
+        std::puts("now commit .gitattributes and .gitignore, and let every other clone run "
+                  "lang-kit git once");
+    return here.met_others() ? status_found : status_fine;
+}
+
+} // namespace zel::kit

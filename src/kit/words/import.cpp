@@ -1,0 +1,197 @@
+#include "exchange/import.h"
+#include "exchange/json.h"
+#include "exchange/key.h"
+#include "kit/support/new-from-catalogs.h"
+#include "kit/support/options.h"
+#include "kit/support/output.h"
+#include "kit/support/sources.h"
+#include "kit/support/whole-source.h"
+#include "kit/words/word-list.h"
+
+#include <cstdio>
+#include <ctime>
+#include <unistd.h>
+
+namespace zel::kit {
+
+namespace {
+
+struct import_options {
+    std::string format_name;
+    std::string output;
+    bool dry_run = false;
+    bool make_new = false;
+    exchange::import_request request;
+    exchange::new_request fresh;
+};
+
+// Changes go to standard output, what was not known to standard error.
+struct import_report {
+    std::string path; // of the file being read
+    bool unknown = false;
+
+    void hear(const exchange::import_event &event);
+
+private:
+    void note(const exchange::import_event &event, const std::string &text) const
+    {
+        std::fprintf(stderr, "%s:%u: %s\n", path.c_str(), event.unit->line, text.c_str());
+    }
+};
+
+// The item as a message names it.
+std::string key_of(const exchange::text_unit &unit)
+{
+    std::string key;
+    if (unit.keyed)
+        exchange::append_key(key, unit.group, unit.item);
+    else
+        key = shown(unit.reference);
+    return key;
+}
+
+void import_report::hear(const exchange::import_event &event)
+{
+    const std::string key = key_of(*event.unit);
+    const std::string language(event.language);
+    switch (event.kind) {
+    case exchange::import_kind::text:
+    case exchange::import_kind::comment:
+        std::printf("~ %s %s%s: %s -> %s\n", key.c_str(), language.c_str(),
+                    event.kind == exchange::import_kind::comment ? " comment" : "",
+                    shown(event.before).c_str(), shown(event.after).c_str());
+        return;
+    case exchange::import_kind::outdated:
+        note(event, key + " " + language + ": translates " + shown(event.before) + ", now it is " +
+                        shown(event.after));
+        return;
+    case exchange::import_kind::unknown_item:
+        note(event, "unknown item " + key);
+        break;
+    case exchange::import_kind::unknown_language:
+        note(event, "unknown language " + shown(language));
+        break;
+    }
+    unknown = true;
+}
+
+// Reads one file into the source.
+bool take_file(const exchange::format &row, const std::string &path, exchange::importer &into)
+{
+    std::string bytes;
+    exchange::fault wrong = exchange::read_input(path, bytes);
+    if (!wrong)
+        wrong = into.take(row, path, bytes);
+    if (wrong)
+        say_fault(path, wrong);
+    return !wrong;
+}
+
+// A format of whole sources: the file takes the place of the source, which need not be there.
+int take_whole(const import_options &options, const std::vector<std::string> &files)
+{
+    source_guard before;
+    if (access(files[0].c_str(), F_OK) == 0 && !(before = read(files[0])))
+        return status_fault;
+    std::string bytes;
+    exchange::fault wrong = exchange::read_input(files[1], bytes);
+    source_guard source;
+    if (!wrong)
+        source = exchange::read_json(bytes, std::time(nullptr), wrong);
+    if (!source) {
+        say_fault(files[1], wrong);
+        return status_fault;
+    }
+    if (!print_differences(before.get(), source.get()) && options.output.empty())
+        return status_fine;
+    const std::string &to = options.output.empty() ? files[0] : options.output;
+    return write({to, options.dry_run}, source.get()) ? status_fine : status_fault;
+}
+
+int take_files(const exchange::format &row, import_options &options,
+               const std::vector<std::string> &files)
+{
+    const source_guard source = read(files.front());
+    if (!source)
+        return status_fault;
+    import_report report;
+    options.request.hear = [&](const exchange::import_event &event) { report.hear(event); };
+    exchange::importer into(source.get(), options.request);
+    for (std::size_t at = 1; at < files.size(); ++at) {
+        report.path = files[at];
+        const std::uint32_t guesses = into.guesses();
+        if (!take_file(row, files[at], into))
+            return status_fault;
+        if (into.guesses() != guesses)
+            std::fprintf(stderr, "%s: left out %s\n", files[at].c_str(),
+                         counted(into.guesses() - guesses, "fuzzy text").c_str());
+    }
+    const std::string &to = options.output.empty() ? files.front() : options.output;
+    // What has not changed is not written: no backup, no new time.
+    if ((into.changed() != 0 || !options.output.empty()) &&
+        !write({to, options.dry_run}, source.get()))
+        return status_fault;
+    return report.unknown ? status_found : status_fine;
+}
+
+// A new source from catalogs: what is asked for must fit together.
+int make_new(const word &self, import_options &options, const exchange::format &row,
+             const std::vector<std::string> &files)
+{
+    if (std::string_view(row.name) != "po")
+        return wrong_use(self, "--new is for --format po");
+    if (options.output.empty())
+        return wrong_use(self, "--new needs -o FILE");
+    if (access(options.output.c_str(), F_OK) == 0)
+        return wrong_use(self, "\"" + options.output + "\" is there already");
+    options.fresh.guesses = options.request.guesses;
+    options.fresh.now = std::time(nullptr);
+    return make_from_catalogs(options.fresh, files, {options.output, options.dry_run});
+}
+
+int import_into(const word &self, import_options &options, const exchange::format &row,
+                const std::vector<std::string> &files)
+{
+    if (files.size() < 2)
+        return wrong_use(self, std::string("a file is missing: lang-kit import ") + self.arguments);
+    if (!row.is_whole())
+        return take_files(row, options, files);
+    if (options.request.comments || options.request.guesses || !options.request.language.empty())
+        return wrong_use(self, "--comments, --fuzzy and --language are not for whole sources");
+    if (files.size() != 2)
+        return wrong_use(self, "one file too many: \"" + files[2] + "\"");
+    return take_whole(options, files);
+}
+
+} // namespace
+
+int run_import(const word &self, int argc, char **argv)
+{
+    import_options options;
+    const parsed line =
+        parse(self, argc, argv,
+              {{"format", "FORMAT", exchange::format_help, nullptr, &options.format_name},
+               {"language", "NAME", "the language of the files, whatever they say", nullptr,
+                &options.request.language},
+               {"comments", nullptr, "take comments too", &options.request.comments},
+               {"fuzzy", nullptr, "take fuzzy texts too", &options.request.guesses},
+               {"dry-run", nullptr, "only say what would change", &options.dry_run},
+               {"output", "FILE", "write the source there", nullptr, &options.output, nullptr,
+                false, 'o'},
+               {"new", nullptr, "make a new source from catalogs alone", &options.make_new},
+               {"default", "NAME", "its default language (english)", nullptr,
+                &options.fresh.default_language},
+               {"group", "NAME", "its group for messages without a context", nullptr,
+                &options.fresh.group}},
+              1, static_cast<std::size_t>(-1));
+    if (line.ends)
+        return line.status;
+    const int at = choose(self, "format", options.format_name, exchange::format_names());
+    if (at < 0)
+        return status_fault;
+    const exchange::format &row = exchange::formats()[static_cast<std::size_t>(at)];
+    return options.make_new ? make_new(self, options, row, line.files)
+                            : import_into(self, options, row, line.files);
+}
+
+} // namespace zel::kit

@@ -1,0 +1,176 @@
+#include "kit/support/lint-run.h"
+#include "kit/support/options.h"
+#include "kit/support/output.h"
+#include "kit/words/word-list.h"
+#include "lint/rules.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+namespace zel::kit {
+
+namespace {
+
+using lint::level;
+using lint::rule_set;
+
+// How many were found of each level.
+struct counts {
+    std::array<std::size_t, 3> of{};
+
+    std::size_t &operator[](level one) { return of[static_cast<std::size_t>(one)]; }
+    bool any_from(level least) const
+    {
+        return std::any_of(of.begin(), of.begin() + static_cast<int>(least) + 1,
+                           [](std::size_t count) { return count != 0; });
+    }
+};
+
+void print_counts(counts found, std::size_t files)
+{
+    std::fflush(stdout); // last, also where both go to one place
+    std::fprintf(stderr, "%s, %s, %s in %s\n", counted(found[level::error], "error").c_str(),
+                 counted(found[level::warning], "warning").c_str(),
+                 counted(found[level::info], "note").c_str(), counted(files, "file").c_str());
+}
+
+void print_rules()
+{
+    for (const lint::rule &row : lint::rules())
+        std::printf("%-11s  %-7s  %s\n", row.name, lint::level_name(row.severity), row.meaning);
+}
+
+// Puts the named rules into the set. False after the line that there is no such rule.
+bool choose_rules(const word &self, const std::vector<std::string> &names, rule_set &out)
+{
+    for (const std::string &name : names) {
+        const lint::rule *row = lint::find_rule(name);
+        if (row == nullptr) {
+            wrong_use(self, "there is no rule \"" + name + "\"; --rules shows them");
+            return false;
+        }
+        out = out.with(row->id);
+    }
+    return true;
+}
+
+struct settings {
+    std::string format = "text";
+    std::string fail_on = "error";
+    std::vector<std::string> only, without, languages, code;
+    bool rules = false;
+};
+
+bool choose(const word &self, const settings &given, lint::choice &wanted)
+{
+    rule_set only, without;
+    if (!choose_rules(self, given.only, only) || !choose_rules(self, given.without, without))
+        return false;
+    wanted.rules = (only.none() ? rule_set::all() : only).without(without);
+    wanted.languages = given.languages;
+    return true;
+}
+
+// The sources and the code that were judged, and what came of it.
+class run {
+public:
+    run(const lint::choice &wanted, lint_output &output) : wanted_(wanted), output_(output) {}
+
+    void judge(const std::string &path)
+    {
+        lint_source source;
+        if (!source.read(path)) {
+            unreadable_ = true;
+            return;
+        }
+        ++files_;
+        source.judge(wanted_, [this](const shown_finding &one) { add(one); });
+        for (const std::string &name : wanted_.languages)
+            if (source.source() == nullptr || lint::defines_language(source.source(), name))
+                defined_.push_back(name);
+    }
+    void judge(const std::vector<std::string> &code)
+    {
+        if (wanted_.rules.has(lint::rule_id::adjacent) &&
+            !judge_code(code, [this](const shown_finding &one) { add(one); }))
+            unreadable_ = true;
+    }
+    // False after a line for the first language that no source defines: most likely a slip.
+    bool knows_languages(const word &self) const
+    {
+        for (const std::string &name : wanted_.languages)
+            if (files_ != 0 &&
+                std::find(defined_.begin(), defined_.end(), name) == defined_.end()) {
+                wrong_use(self, "no source defines the language \"" + name + "\"");
+                return false;
+            }
+        return true;
+    }
+    int end(level fail_on)
+    {
+        output_.end();
+        print_counts(found_, files_);
+        return unreadable_ ? status_fault : found_.any_from(fail_on) ? status_found : status_fine;
+    }
+
+private:
+    void add(const shown_finding &one)
+    {
+        ++found_[lint::rule_of(one.rule).severity];
+        output_.add(one);
+    }
+
+    const lint::choice &wanted_;
+    lint_output &output_;
+    counts found_;
+    std::size_t files_ = 0;
+    bool unreadable_ = false;
+    std::vector<std::string> defined_; // of the wanted languages
+};
+
+std::vector<option> options_for(settings &given)
+{
+    return {
+        {"format", "NAME", "text, json, sarif or github (text)", nullptr, &given.format},
+        {"fail-on", "LEVEL", "status 1 from this level on: error, warning or info (error)", nullptr,
+         &given.fail_on},
+        {"only", "RULE,...", "only these rules", nullptr, nullptr, &given.only, true},
+        {"without", "RULE,...", "all rules but these", nullptr, nullptr, &given.without, true},
+        {"language", "NAME", "only what concerns this language; may be given again", nullptr,
+         nullptr, &given.languages},
+        {"code", "PATH", "look through this code too, for \"adjacent\"; may be given again",
+         nullptr, nullptr, &given.code},
+        {"rules", nullptr, "list the rules with their levels and end", &given.rules},
+    };
+}
+
+} // namespace
+
+int run_lint(const word &self, int argc, char **argv)
+{
+    settings given;
+    const parsed line = parse(self, argc, argv, options_for(given), 0, SIZE_MAX);
+    if (line.ends)
+        return line.status;
+    if (given.rules) {
+        print_rules();
+        return status_fine;
+    }
+    const int format = choose(self, "format", given.format, lint_formats());
+    const int fail_on = choose(self, "fail-on", given.fail_on, {"error", "warning", "info"});
+    lint::choice wanted;
+    if (format < 0 || fail_on < 0 || !choose(self, given, wanted))
+        return status_fault;
+    if (line.files.empty())
+        return wrong_use(self, std::string("a file is missing: lang-kit lint ") + self.arguments);
+    const std::unique_ptr<lint_output> output = make_lint_output(format);
+    run judged(wanted, *output);
+    for (const std::string &path : line.files)
+        judged.judge(path);
+    judged.judge(given.code);
+    const int status = judged.end(static_cast<level>(fail_on));
+    return judged.knows_languages(self) ? status : status_fault;
+}
+
+} // namespace zel::kit

@@ -1,0 +1,113 @@
+#include "kit/support/difference.h"
+#include "kit/support/options.h"
+#include "kit/support/sources.h"
+#include "kit/words/word-list.h"
+#include "merge/merge3.h"
+#include "source/last-line.h"
+
+#include <cstdio>
+
+namespace zel::kit {
+
+namespace {
+
+struct merge_options {
+    std::string output;
+    bool ours = false;
+    bool theirs = false;
+    std::string driver; // the path that the three files stand for
+};
+
+const char *name_or_null(const std::optional<std::string> &name)
+{
+    return name ? name->c_str() : nullptr;
+}
+
+void append_side(std::string &out, const field_value &value, const char *where)
+{
+    out += value.is == field_value::none ? "removed" : value_text(value);
+    out.append(" ") += where;
+}
+
+// "FILE: conflict: menu:_Save german: \"Sichern\" here, \"Speichern\" there", a line each, and how
+// many there are.
+void print_conflicts(const std::string &file, const std::vector<conflict> &conflicts)
+{
+    std::string out;
+    for (const conflict &one : conflicts) {
+        out.append(file) += ": conflict: ";
+        append_subject(out, name_or_null(one.group), name_or_null(one.item),
+                       name_or_null(one.language), one.field.c_str());
+        out += ": ";
+        append_side(out, one.ours, "here, ");
+        append_side(out, one.theirs, "there\n");
+    }
+    out += file + ": " + std::to_string(conflicts.size()) +
+           (conflicts.size() == 1 ? " conflict\n" : " conflicts\n");
+    std::fwrite(out.data(), 1, out.size(), stderr);
+}
+
+// The path in the last line is merged like everything else, so that it does not become that of a
+// temporary copy.
+std::string merged_name(const std::vector<std::string> &files, const std::string &path)
+{
+    const std::string base = name_in_last_line(files[0].c_str());
+    const std::string ours = name_in_last_line(files[1].c_str());
+    const std::string theirs = name_in_last_line(files[2].c_str());
+    const std::string &name = ours == base ? theirs : ours;
+    return name.empty() ? path : name;
+}
+
+int merge_files(const merge_options &options, const std::vector<std::string> &files)
+{
+    source_guard base = read_whole(files[0]);
+    source_guard ours = read_whole(files[1]);
+    source_guard theirs = read_whole(files[2]);
+    if (!base || !ours || !theirs)
+        return status_fault;
+    const side prefer = options.ours ? side::ours : options.theirs ? side::theirs : side::neither;
+    const std::vector<conflict> conflicts =
+        merge_sources(base.get(), ours.get(), theirs.get(), prefer);
+    keep_to_the_end(std::move(base));
+    keep_to_the_end(std::move(theirs));
+    destination to;
+    to.path = options.output.empty() ? files[1] : options.output;
+    to.merged = true;
+    if (!options.driver.empty()) {
+        to.name = merged_name(files, options.driver);
+        to.backup = false;
+    }
+    const bool written = write(to, ours.get());
+    keep_to_the_end(std::move(ours));
+    if (!written)
+        return status_fault;
+    if (conflicts.empty())
+        return status_fine;
+    print_conflicts(options.driver.empty() ? files[1] : options.driver, conflicts);
+    return status_found;
+}
+
+} // namespace
+
+int run_merge(const word &self, int argc, char **argv)
+{
+    merge_options options;
+    const parsed line =
+        parse(self, argc, argv,
+              {{"output", "FILE", "where the result goes; without it it replaces OURS", nullptr,
+                &options.output, nullptr, false, 'o'},
+               {"ours", nullptr, "conflicts go to OURS", &options.ours},
+               {"theirs", nullptr, "conflicts go to THEIRS", &options.theirs},
+               {"driver", "PATH",
+                "for version control: the three files are copies of that one; OURS is replaced "
+                "without a backup",
+                nullptr, &options.driver}},
+              3, 3);
+    if (line.ends)
+        return line.status;
+    if (options.ours && options.theirs)
+        return wrong_use(self, "--ours and --theirs exclude each other");
+    return merge_files(options, line.files);
+}
+
+} // namespace zel::kit

@@ -1,0 +1,151 @@
+#include "kit/support/options.h"
+#include "kit/support/report-data.h"
+#include "kit/support/report-page.h"
+#include "kit/words/word-list.h"
+#include "support/safe-file.h"
+#include "support/time.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+
+#include <glib.h>
+
+namespace zel::kit {
+
+namespace {
+
+// Where the page goes: a file that is whole or not there at all, or standard output.
+class page_file {
+public:
+    bool open(const std::string &path)
+    {
+        path_ = path;
+        if (path.empty())
+            return true;
+        target_ = find_target(path.c_str(), links::follow);
+        if (target_.refusal != 0)
+            return say(refusal_text(target_.refusal));
+        return say(file_.create_beside(target_));
+    }
+    void append(std::string_view text)
+    {
+        if (path_.empty())
+            std::fwrite(text.data(), 1, text.size(), stdout);
+        else
+            file_.append(text);
+    }
+    bool finish()
+    {
+        return path_.empty() || (say(file_.finish(synced::no)) && say(file_.put(target_)));
+    }
+
+private:
+    bool say(const char *cause) const
+    {
+        std::fprintf(stderr, "lang-kit: %s: %s\n", path_.c_str(), cause);
+        return false;
+    }
+    bool say(int error) const { return error == 0 || say(std::strerror(error)); }
+
+    std::string path_;
+    target_file target_;
+    safe_file file_;
+};
+
+// What lets the browser run the page's own script and style and nothing else.
+std::string hash_of_part(std::string_view part)
+{
+    std::array<guint8, 32> digest{};
+    gsize length = digest.size();
+    GChecksum *sum = g_checksum_new(G_CHECKSUM_SHA256);
+    g_checksum_update(sum, reinterpret_cast<const guchar *>(part.data()),
+                      static_cast<gssize>(part.size()));
+    g_checksum_get_digest(sum, digest.data(), &length);
+    g_checksum_free(sum);
+    char *coded = g_base64_encode(digest.data(), length);
+    std::string out = std::string("'sha256-") + coded + "'";
+    g_free(coded);
+    return out;
+}
+
+std::string policy()
+{
+    return "default-src 'none'; img-src data:; base-uri 'none'; form-action 'none'; style-src " +
+           hash_of_part(report_page.css) + "; script-src " + hash_of_part(report_page.js);
+}
+
+// The time of the report, or the one that reproducible builds are given.
+std::string date()
+{
+    const char *given = std::getenv("SOURCE_DATE_EPOCH");
+    const std::int64_t now =
+        given == nullptr ? std::time(nullptr) : std::strtoll(given, nullptr, 10);
+    char text[64];
+    snprintf_date(text, sizeof text, "%Y-%m-%d %H:%M", now);
+    return text;
+}
+
+// Writes the page, with what the function adds in the place of its data.
+template <class Data>
+void write_page(page_file &to, Data &&data)
+{
+    std::string_view left = report_page.html;
+    const std::string allowed = policy();
+    for (std::size_t at = left.find('@'); at != std::string_view::npos; at = left.find('@')) {
+        to.append(left.substr(0, at));
+        left.remove_prefix(at + 1);
+        const std::size_t end = left.find('@');
+        const std::string_view name = left.substr(0, end);
+        left.remove_prefix(end + 1);
+        if (name == "POLICY")
+            to.append(allowed);
+        else if (name == "GENERATOR")
+            to.append("lang-kit " LANG_VERSION);
+        else if (name == "STYLE")
+            to.append(report_page.css);
+        else if (name == "SCRIPT")
+            to.append(report_page.js);
+        else
+            data();
+    }
+    to.append(left);
+}
+
+} // namespace
+
+int run_report(const word &self, int argc, char **argv)
+{
+    std::string path;
+    bool screenshots = false;
+    const parsed line = parse(self, argc, argv,
+                              {{"output", "FILE.html", "where the page goes (standard output)",
+                                nullptr, &path, nullptr, false, 'o'},
+                               {"screenshots", nullptr,
+                                "embed the pictures of the groups, ScreenShots/GROUP.jpg beside "
+                                "the source",
+                                &screenshots}},
+                              1, SIZE_MAX);
+    if (line.ends)
+        return line.status;
+    page_file page;
+    if (!page.open(path))
+        return status_fault;
+    report_data data([&](std::string_view text) { page.append(text); }, screenshots);
+    std::size_t files = 0;
+    write_page(page, [&] {
+        data.begin(date());
+        for (const std::string &source : line.files)
+            files += data.add(source) ? 1U : 0U;
+        data.end();
+    });
+    // A page that shows nothing takes no other's place.
+    if (files == 0 || !page.finish())
+        return status_fault;
+    return files == line.files.size() ? status_fine : status_fault;
+}
+
+} // namespace zel::kit

@@ -1,0 +1,61 @@
+#include "kit/support/languages.h"
+#include "kit/support/options.h"
+#include "kit/support/sources.h"
+#include "kit/words/word-list.h"
+#include "support/string-copy.h"
+
+#include <algorithm>
+#include <ctime>
+#include <unistd.h>
+
+namespace zel::kit {
+
+namespace {
+
+// The first two languages are the ones shown.
+void add_language(LangSource *source, const std::string &name)
+{
+    const bool shown = source->lang_count < 2;
+    add_definition(source, name)->edit = shown ? 1 : 0;
+}
+
+} // namespace
+
+int run_start(const word &self, int argc, char **argv)
+{
+    std::string default_language = "english";
+    std::string app;
+    std::vector<std::string> languages;
+    const parsed line =
+        parse(self, argc, argv,
+              {{"default", "NAME", "the language of the texts in the code (english)", nullptr,
+                &default_language},
+               {"language", "NAME", "a language to translate into; may be given again", nullptr,
+                nullptr, &languages},
+               {"app", "NAME", "the application's name", nullptr, &app}},
+              1, 1);
+    if (line.ends)
+        return line.status;
+    languages.insert(languages.begin(), default_language);
+    for (auto name = languages.begin(); name != languages.end(); ++name) {
+        if (!is_language_name(*name))
+            return wrong_use(self, "\"" + *name + "\" is no name for a language");
+        if (std::find(languages.begin(), name, *name) != name)
+            return wrong_use(self, "\"" + *name + "\" is there twice");
+    }
+    const std::string &path = line.files.front();
+    if (access(path.c_str(), F_OK) == 0)
+        return wrong_use(self, "\"" + path + "\" is there already");
+
+    const source_guard source(lang_alloc_group());
+    source->format = LANG_SOURCE_UTF8;
+    source->ctime = std::time(nullptr);
+    replace_string(source->default_lang, zel_strdup(default_language.c_str()));
+    if (!app.empty())
+        replace_string(source->app, zel_strdup(app.c_str()));
+    for (const std::string &name : languages)
+        add_language(source.get(), name);
+    return write({path}, source.get()) ? status_fine : status_fault;
+}
+
+} // namespace zel::kit

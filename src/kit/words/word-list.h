@@ -1,0 +1,22 @@
+#pragma once
+
+// What each word's file defines.
+
+#include "kit/support/word.h"
+
+namespace zel::kit {
+
+int run_lint(const word &self, int argc, char **argv);
+int run_export(const word &self, int argc, char **argv);
+int run_import(const word &self, int argc, char **argv);
+int run_diff(const word &self, int argc, char **argv);
+int run_show(const word &self, int argc, char **argv);
+int run_merge(const word &self, int argc, char **argv);
+int run_git(const word &self, int argc, char **argv);
+int run_pseudo(const word &self, int argc, char **argv);
+int run_report(const word &self, int argc, char **argv);
+int run_stat(const word &self, int argc, char **argv);
+int run_fill(const word &self, int argc, char **argv);
+int run_start(const word &self, int argc, char **argv);
+
+} // namespace zel::kit
