@@ -55,7 +55,7 @@ source_guard read(const std::string &path, source_places *places)
     return std::move(read_source(path.c_str(), {std::time(nullptr), hear, places}).source);
 }
 
-source_guard read_whole(const std::string &path)
+source_guard read_whole(const std::string &path, std::int64_t now)
 {
     bool whole = true;
     const auto hear = [&](const read_message &message) {
@@ -63,7 +63,7 @@ source_guard read_whole(const std::string &path)
         whole = whole && !is_loss(*message.row);
     };
     seen_files.push_back({path, stamp_of(path.c_str())});
-    source_guard source = std::move(read_source(path.c_str(), {0, hear, nullptr}).source);
+    source_guard source = std::move(read_source(path.c_str(), {now, hear, nullptr}).source);
     if (!whole)
         source.reset();
     return source;
