@@ -36,7 +36,7 @@ struct outcomes {
     std::vector<noted> unread;
 };
 
-struct given {
+struct check_settings {
     std::string format = "text";
     std::string group;
     std::vector<std::string> fail_on, keywords;
@@ -198,7 +198,7 @@ source_guard read_or_begin(const std::string &path)
 
 int run_check(const word &self, int argc, char **argv)
 {
-    given wanted;
+    check_settings wanted;
     parsed line = parse(
         self, argc, argv,
         {{"keyword", "WORD:ITEM",

@@ -57,14 +57,14 @@ bool choose_rules(const word &self, const std::vector<std::string> &names, rule_
     return true;
 }
 
-struct choices {
+struct lint_settings {
     std::string format = "text";
     std::string fail_on, group;
     std::vector<std::string> only, without, languages, code, keywords;
     bool rules = false;
 };
 
-bool choose(const word &self, const choices &given, lint::choice &wanted)
+bool choose(const word &self, const lint_settings &given, lint::choice &wanted)
 {
     rule_set only, without;
     if (!choose_rules(self, given.only, only) || !choose_rules(self, given.without, without))
@@ -135,7 +135,7 @@ private:
     std::vector<std::string> defined_; // of the wanted languages
 };
 
-std::vector<option> options_for(choices &given)
+std::vector<option> options_for(lint_settings &given)
 {
     return {
         {"format", "NAME", "text, json, sarif or github (text)", nullptr, &given.format},
@@ -157,7 +157,7 @@ std::vector<option> options_for(choices &given)
 }
 
 // What the command line leaves to the project's settings.
-bool take_settings(const std::string &source, choices &given)
+bool take_settings(const std::string &source, lint_settings &given)
 {
     settings project;
     if (!read_settings(source, project))
@@ -176,7 +176,7 @@ bool take_settings(const std::string &source, choices &given)
 
 int run_lint(const word &self, int argc, char **argv)
 {
-    choices given;
+    lint_settings given;
     const parsed line = parse(self, argc, argv, options_for(given), 0, SIZE_MAX);
     if (line.ends)
         return line.status;

@@ -136,7 +136,7 @@ void append_language(std::string &out, const std::string &path, const language_c
     out += '}';
 }
 
-struct choices {
+struct stat_settings {
     std::string format = "text";
     std::string at_least;
     std::vector<std::string> languages;
@@ -153,7 +153,7 @@ double percent_of(const std::string &text)
 }
 
 // The languages of a source that are looked at: those that are named, else all.
-std::vector<language_counts> chosen_of(const source_counts &counts, const choices &given)
+std::vector<language_counts> chosen_of(const source_counts &counts, const stat_settings &given)
 {
     std::vector<language_counts> out;
     for (const language_counts &one : counts.languages)
@@ -165,7 +165,7 @@ std::vector<language_counts> chosen_of(const source_counts &counts, const choice
 
 // A line for each language with fewer texts than wanted: "french: 84.2 % of 31 items, 90 wanted".
 // False when there was one.
-bool print_below(const std::string &start, const source_counts &counts, const choices &given,
+bool print_below(const std::string &start, const source_counts &counts, const stat_settings &given,
                  std::FILE *to)
 {
     const double wanted = percent_of(given.at_least);
@@ -183,9 +183,9 @@ bool print_below(const std::string &start, const source_counts &counts, const ch
 }
 
 // Counts one source after the other and prints what is wanted of each.
-class run {
+class stat_run {
 public:
-    run(const choices &given, bool json, bool several)
+    stat_run(const stat_settings &given, bool json, bool several)
         : given_(given), json_(json), several_(several)
     {
     }
@@ -225,7 +225,7 @@ public:
     }
 
 private:
-    const choices &given_;
+    const stat_settings &given_;
     bool json_;
     bool several_;
     bool first_ = true;
@@ -238,7 +238,7 @@ private:
 
 int run_stat(const word &self, int argc, char **argv)
 {
-    choices given;
+    stat_settings given;
     const parsed line =
         parse(self, argc, argv,
               {{"format", "NAME", "text or json (text)", nullptr, &given.format},
@@ -258,7 +258,7 @@ int run_stat(const word &self, int argc, char **argv)
     if (!given.at_least.empty() && percent_of(given.at_least) < 0)
         return wrong_use(self, "--at-least is a number to 100, not \"" + given.at_least + "\"");
     take_setting(given.languages, project.languages);
-    run counting(given, format == 1, line.files.size() > 1);
+    stat_run counting(given, format == 1, line.files.size() > 1);
     for (const std::string &path : line.files)
         counting.count(path);
     return counting.end(self);
