@@ -206,7 +206,7 @@ int run_check(const word &self, int argc, char **argv)
           "number for the group; may be given again",
           nullptr, nullptr, &wanted.keywords},
          {"group", "NAME", "the group of keywords without a number for it", nullptr, &wanted.group},
-         {"fail-on", "WHAT,...", "status 1 for new, unused or unread, or for none (unread)",
+         {"fail-on", "WHAT,...", "status 1 for these: new, unused, unread or none (unread)",
           nullptr, nullptr, &wanted.fail_on, true},
          {"format", "NAME", "text or json (text)", nullptr, &wanted.format},
          {"dry-run", nullptr, "write nothing", &wanted.dry_run}},
