@@ -36,6 +36,7 @@ struct scan {
     place literal{};           // where the outermost of them stands
     place request{};           // where the request that is read stands
     bool told = false;         // that it is not read
+    bool is_defined = false;   // a macro of the request's name: its parameters are no texts
 };
 
 int line_of(const zel_token_t *token) { return static_cast<int>(token->line); }
@@ -349,7 +350,8 @@ int read_tokens(scan &s, zel_lex_t *lex);
 void read_request(scan &s, zel_lex_t *lex, const request_form &form)
 {
     s.request = place_of(s, zel_current_token(lex));
-    s.told = false;
+    s.told = s.is_defined;
+    s.is_defined = false;
     skip_to_arguments(lex, form);
     if (form.description)
         read_described_entry(s, lex, form.symbol);
@@ -425,6 +427,8 @@ void read_definition(scan &s, zel_lex_t *lex)
         read_name(s, lex);
     } else if (kind >= WORD_WRAPPER) {
         skip_definition(lex);
+    } else {
+        s.is_defined = kind >= WORD_GET_STRING && kind <= WORD_SYM;
     }
 }
 

@@ -160,10 +160,10 @@ void skip_definition(zel_lex_t *lex)
     std::uint32_t line = token->line;
     int last = token->id;
     for (;;) {
-        token = zel_token_look_ahead(lex, 1);
-        if (token->id == TOKEN_EOF || (token->line != line && last != '\\'))
+        const zel_token_t *next = zel_token_look_ahead(lex, 1);
+        if (next->id == TOKEN_EOF || (next->line != line && last != '\\'))
             return;
-        zel_next_token(lex);
+        token = zel_next_token(lex);
         line = token->line;
         last = token->id;
     }

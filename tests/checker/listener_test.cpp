@@ -112,6 +112,7 @@ INSTANTIATE_TEST_SUITE_P(NoRequest, Listener,
                              "ZEL_LANGUAGE_CHECK_STOP lang_tooltip(a)\n"
                              "ZEL_LANGUAGE_CHECK_START\n"
                              "my_lang_get_string(\"a\", \"b\" \"c\")\n"
+                             "#define lang_tooltip(group, item) item\n"
                              "lang_get_info(h, r, 1, 2, \"a\", \"b\" \"c\", \"d\")",
                              {}}));
 
@@ -144,8 +145,8 @@ TEST(Wrapper, Calls)
                      "my_text(\"g\", _(\"d\")); _(lang_tooltip(\"g\", \"e\"), x);\n"
                      "_(text); my_text(g, \"f\"); _(\"open\"",
                      &words),
-                ElementsAre("1:42 new main/c", "2:15 new main/d", "2:0 unread item no literal",
-                            "2:42 new g/e", "2:23 unread item no literal",
+                ElementsAre("1:38 new main/c", "2:15 new main/d", "2:0 unread item no literal",
+                            "2:42 new g/e", "2:22 unread item no literal",
                             "3:0 unread item no literal", "3:9 unread group no literal"));
 }
 

@@ -110,7 +110,7 @@ TEST_F(Lint, ListsItsRules)
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.out, StartsWith("syntax       error    "));
     EXPECT_THAT(result.out, HasSubstr("\nnot-ready    info     "));
-    EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 24);
+    EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 27);
 }
 
 TEST_F(Lint, WhatTheReaderSaysIsAFinding)
@@ -140,21 +140,6 @@ TEST_F(Lint, ConflictMarkersAreNamed)
               "app.lang-src:4:1: error: a conflict marker of version control: ======= [syntax]\n"
               "app.lang-src:6:1: error: a conflict marker of version control: >>>>>>> side "
               "[syntax]\n");
-}
-
-TEST_F(Lint, RequestsInPiecesAreFoundInTheCode)
-{
-    std::filesystem::create_directories("src/deep");
-    write_file("src/deep/a.c", "x = lang_get_string(\"main\", \"Na\" \"me:\");\n");
-    write_file("src/a.txt", "lang_get_string(\"main\", \"Na\" \"me:\")\n");
-    const auto result = kit("lint --only adjacent --code src app.lang-src --format json");
-    EXPECT_EQ(result.out, "[\n{\"file\": \"src/deep/a.c\", \"line\": 1, \"column\": 34, \"level\": "
-                          "\"error\", \"rule\": \"adjacent\", \"group\": \"main\", \"item\": "
-                          "\"Name:\", \"language\": null, \"message\": \"the application asks for "
-                          "\\\"Name:\\\", of which only \\\"Na\\\" is read: write it in one piece, "
-                          "or as lang_get\"}\n]\n");
-    EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(kit("lint --only adjacent --code none app.lang-src").status, 2);
 }
 
 TEST_F(Lint, Json)
