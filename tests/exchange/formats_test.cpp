@@ -73,6 +73,8 @@ TEST(Carry, AnyBytesTravelAsCharacters)
     EXPECT_EQ(carried("plain \xC3\xB6\x01", holds::utf8), "plain \xC3\xB6\x01");
     EXPECT_EQ(carried("\x01\t", holds::xml), "\xEE\xBC\x81\t");
     EXPECT_EQ(carried("\xFF", holds::utf8), "\xEE\xBF\xBF");
+    EXPECT_EQ(carried("a\tb\r\n", holds::cells), "a\xEE\xBC\x89"
+                                                 "b\xEE\xBC\x8D\n");
     std::mt19937 random(1);
     for (int times = 0; times < 20000; ++times) {
         std::string text;
@@ -80,7 +82,7 @@ TEST(Carry, AnyBytesTravelAsCharacters)
             text += random() % 2 == 0
                         ? std::string(1, static_cast<char>(1 + random() % 255))
                         : zel_test::awkward_pieces()[random() % zel_test::awkward_pieces().size()];
-        for (const holds what : {holds::utf8, holds::xml}) {
+        for (const holds what : {holds::utf8, holds::xml, holds::cells}) {
             std::string out = carried(text, what);
             EXPECT_EQ(valid_length(out), out.size());
             EXPECT_EQ(must_carry(text, what), out != text);
