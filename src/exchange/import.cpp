@@ -52,8 +52,10 @@ encoding encoding_of(const LangSource &source)
 }
 
 const char *find_language(const LangSource &source, const said_language &said,
-                          std::string_view path)
+                          std::string_view path, const std::string &instead)
 {
+    if (!instead.empty())
+        return find_language(source, {instead, {}}, {});
     for (const std::string_view wanted : {std::string_view(said.name), stem_of(path)})
         for (const lang_t *lang : each<lang_t>(source.langs))
             if (!wanted.empty() && same_text(wanted, lang->name))
@@ -77,6 +79,13 @@ const char *find_language(const LangSource &source, const said_language &said,
     return wholes == 1 ? whole : wholes == 0 && parts == 1 ? part : nullptr;
 }
 
+std::string_view shown_name(const said_language &said, std::string_view path)
+{
+    return !said.name.empty()   ? std::string_view(said.name)
+           : !said.code.empty() ? std::string_view(said.code)
+                                : stem_of(path);
+}
+
 importer::importer(LangSource *source, const import_request &request)
     : source_(source), request_(request), items_(source)
 {
@@ -88,14 +97,10 @@ const char *importer::language_of(const file_texts &file, const text_unit &unit,
 {
     while (resolved_.size() <= unit.language) {
         const said_language &said = file.languages[resolved_.size()];
-        resolved_.push_back(find_language(
-            *source_, request_.language.empty() ? said : said_language{request_.language, {}},
-            path));
+        resolved_.push_back(find_language(*source_, said, path, request_.language));
         if (resolved_.back() == nullptr)
             say(import_kind::unknown_language, unit,
-                !said.name.empty()   ? std::string_view(said.name)
-                : !said.code.empty() ? std::string_view(said.code)
-                                     : stem_of(path));
+                request_.language.empty() ? shown_name(said, path) : request_.language);
     }
     return resolved_[unit.language];
 }
@@ -136,12 +141,13 @@ void importer::take_text(item_t *item, const char *language, const text_unit &un
         return;
     }
     const std::string reference = reference_text(*source_, item);
-    put_text(item->langs, language, without_end(unit.text));
+    const std::string after(without_end(unit.text));
+    put_text(item->langs, language, after);
     item->changed = 1;
     if (!unit.final)
         item->ready = 0;
     ++changed_;
-    say(import_kind::text, unit, language, std::move(before), unit.text);
+    say(import_kind::text, unit, language, std::move(before), after);
     if (!unit.reference.empty() && !is_same(reference, unit.reference))
         say(import_kind::outdated, unit, language, unit.reference, reference);
 }

@@ -133,6 +133,12 @@ TEST_F(Fill, AnotherEncodingAndFaults)
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.err, "a.lang-src: left out 1 text in another encoding\n");
     EXPECT_THAT(run.out, HasSubstr("german: 1 by key, 0 by reference text, 2 still missing\n"));
+    write_file("klingon.po", "msgid \"_Save\"\nmsgstr \"Sichern\"\n");
+    const auto unknown = kit("fill --from klingon.po app.lang-src");
+    EXPECT_EQ(unknown.status, 1);
+    EXPECT_EQ(unknown.err, "klingon.po: unknown language \"klingon\"\n");
+    EXPECT_EQ(kit("fill --from klingon.po --language german app.lang-src").status, 0);
+    EXPECT_THAT(kit("show app.lang-src").out, HasSubstr("german \"Sichern\""));
     EXPECT_EQ(kit("fill app.lang-src").err,
               "lang-kit fill: --from is missing: where are the texts?\n");
     EXPECT_EQ(kit("fill --from none.po app.lang-src").status, 2);

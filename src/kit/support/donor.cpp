@@ -3,10 +3,12 @@
 #include "exchange/entries.h"
 #include "exchange/import.h"
 #include "kit/support/new-from-catalogs.h"
+#include "kit/support/output.h"
 #include "kit/support/sources.h"
 #include "lint/text.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <utility>
 
 namespace zel::kit {
@@ -41,10 +43,9 @@ bool is_ascii(std::string_view text)
 
 donor::~donor() { keep_to_the_end(std::move(source_)); }
 
-bool donor::read(const std::string &path, const LangSource &source)
+bool donor::read(const std::string &path, const LangSource &source, const std::string &language)
 {
     path_ = path;
-    to_fill_ = &source;
     const char *format = format_of(path);
     if (format == nullptr) {
         source_ = kit::read(path);
@@ -59,7 +60,23 @@ bool donor::read(const std::string &path, const LangSource &source)
     if (answer.wrong)
         say_fault(path, answer.wrong);
     file_ = std::move(answer.file);
+    const std::string_view named = file_.languages.size() == 1 ? path : std::string_view();
+    for (const exchange::said_language &said : file_.languages)
+        languages_.push_back(
+            exchange::or_empty(exchange::find_language(source, said, named, language)));
     return !answer.wrong;
+}
+
+bool donor::knows_language() const
+{
+    if (source_ || std::any_of(languages_.begin(), languages_.end(),
+                               [](std::string_view name) { return !name.empty(); }))
+        return true;
+    std::string names;
+    for (const exchange::said_language &said : file_.languages)
+        names += (names.empty() ? " " : ", ") + shown(exchange::shown_name(said, path_));
+    std::fprintf(stderr, "%s: unknown language%s\n", path_.c_str(), names.c_str());
+    return false;
 }
 
 void donor::choose(const char *language)
@@ -101,13 +118,8 @@ void donor::offer_source(const char *language)
 
 void donor::offer_units(const char *language)
 {
-    std::vector<bool> wanted;
-    const std::string_view named = file_.languages.size() == 1 ? path_ : std::string_view();
-    for (const exchange::said_language &said : file_.languages)
-        wanted.push_back(exchange::or_empty(exchange::find_language(*to_fill_, said, named)) ==
-                         exchange::or_empty(language));
     for (const exchange::text_unit &unit : file_.units)
-        if (wanted[unit.language] && !unit.fuzzy)
+        if (languages_[unit.language] == language && !unit.fuzzy)
             add({unit.keyed, unit.group, unit.item, unit.reference, unit.text});
 }
 

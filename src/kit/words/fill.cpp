@@ -123,12 +123,15 @@ std::size_t fill_source(LangSource *source, std::deque<donor> &donors)
 int run_fill(const word &self, int argc, char **argv)
 {
     std::vector<std::string> from;
+    std::string language;
     std::string output;
     bool dry_run = false;
     const parsed line =
         parse(self, argc, argv,
               {{"from", "FILE", "a source, or a file of another format; may be given again",
                 nullptr, nullptr, &from},
+               {"language", "NAME", "the language of the files, whatever they say; not of sources",
+                nullptr, &language},
                {"dry-run", nullptr, "only say what would be filled", &dry_run},
                {"output", "FILE", "write the source there", nullptr, &output, nullptr, false, 'o'}},
               1, 1);
@@ -136,23 +139,25 @@ int run_fill(const word &self, int argc, char **argv)
         return line.status;
     if (from.empty())
         return wrong_use(self, "--from is missing: where are the texts?");
-    source_guard source = read_whole(line.files.front());
-    if (!source)
+    source_file file = read_whole(line.files.front());
+    if (!file)
         return status_fault;
     std::deque<donor> donors;
     for (const std::string &path : from)
-        if (!donors.emplace_back().read(path, *source))
+        if (!donors.emplace_back().read(path, *file.source, language))
             return status_fault;
-    const std::size_t filled = fill_source(source.get(), donors);
+    bool known = true;
+    for (const donor &one : donors)
+        known = one.knows_language() && known;
+    const std::size_t filled = fill_source(file.source.get(), donors);
     for (std::size_t at = 0; at < donors.size(); ++at)
         if (donors[at].foreign() != 0)
             std::fprintf(stderr, "%s: left out %s in another encoding\n", from[at].c_str(),
                          counted(donors[at].foreign(), "text").c_str());
-    const bool written =
-        (filled == 0 && output.empty()) ||
-        write({output.empty() ? line.files.front() : output, dry_run}, source.get());
-    keep_to_the_end(std::move(source));
-    return written ? status_fine : status_fault;
+    const bool written = (filled == 0 && output.empty()) ||
+                         write({output.empty() ? line.files.front() : output, dry_run}, file);
+    keep_to_the_end(std::move(file.source));
+    return !written ? status_fault : known ? status_fine : status_found;
 }
 
 } // namespace zel::kit

@@ -90,8 +90,8 @@ bool take_file(const exchange::format &row, const std::string &path, exchange::i
 // A format of whole sources: the file takes the place of the source, which need not be there.
 int take_whole(const import_options &options, const std::vector<std::string> &files)
 {
-    source_guard before;
-    if (access(files[0].c_str(), F_OK) == 0 && !(before = read(files[0])))
+    source_file before{nullptr, {seen_file(files[0])}};
+    if (access(files[0].c_str(), F_OK) == 0 && !(before = read_whole(files[0])))
         return status_fault;
     std::string bytes;
     exchange::fault wrong = exchange::read_input(files[1], bytes);
@@ -102,21 +102,21 @@ int take_whole(const import_options &options, const std::vector<std::string> &fi
         say_fault(files[1], wrong);
         return status_fault;
     }
-    if (!print_differences(before.get(), source.get()) && options.output.empty())
+    if (!print_differences(before.source.get(), source.get()) && options.output.empty())
         return status_fine;
     const std::string &to = options.output.empty() ? files[0] : options.output;
-    return write({to, options.dry_run}, source.get()) ? status_fine : status_fault;
+    return write({to, options.dry_run}, source.get(), before.from) ? status_fine : status_fault;
 }
 
 int take_files(const exchange::format &row, import_options &options,
                const std::vector<std::string> &files)
 {
-    const source_guard source = read(files.front());
-    if (!source)
+    const source_file file = read_whole(files.front());
+    if (!file)
         return status_fault;
     import_report report;
     options.request.hear = [&](const exchange::import_event &event) { report.hear(event); };
-    exchange::importer into(source.get(), options.request);
+    exchange::importer into(file.source.get(), options.request);
     for (std::size_t at = 1; at < files.size(); ++at) {
         report.path = files[at];
         const std::uint32_t guesses = into.guesses();
@@ -128,8 +128,7 @@ int take_files(const exchange::format &row, import_options &options,
     }
     const std::string &to = options.output.empty() ? files.front() : options.output;
     // What has not changed is not written: no backup, no new time.
-    if ((into.changed() != 0 || !options.output.empty()) &&
-        !write({to, options.dry_run}, source.get()))
+    if ((into.changed() != 0 || !options.output.empty()) && !write({to, options.dry_run}, file))
         return status_fault;
     return report.unknown ? status_found : status_fine;
 }

@@ -56,10 +56,12 @@ int run_pseudo(const word &self, int argc, char **argv)
     std::string name = "pseudo";
     std::string growth = "40";
     std::string output;
+    bool dry_run = false;
     const parsed line =
         parse(self, argc, argv,
               {{"name", "NAME", "the language's name (pseudo)", nullptr, &name},
                {"grow", "PERCENT", "how much longer the texts become (40)", nullptr, &growth},
+               {"dry-run", nullptr, "only say how many texts would be new", &dry_run},
                {"output", "FILE", "write the source there", nullptr, &output, nullptr, false, 'o'}},
               1, 1);
     if (line.ends)
@@ -71,21 +73,22 @@ int run_pseudo(const word &self, int argc, char **argv)
                                    ", not \"" + growth + "\"");
     if (!is_language_name(name))
         return wrong_use(self, "\"" + name + "\" is no name for a language");
-    source_guard source = read_whole(line.files.front());
-    if (!source)
+    source_file file = read_whole(line.files.front());
+    LangSource *source = file.source.get();
+    if (source == nullptr)
         return status_fault;
     if (is_same_language(name.c_str(), source->default_lang))
         return wrong_use(self, "\"" + name + "\" is the language that the texts are made from");
     how.accents = source->format == LANG_SOURCE_UTF8;
-    const lang_t *known = find_definition(source.get(), name.c_str());
+    const lang_t *known = find_definition(source, name.c_str());
     const bool is_new = known == nullptr;
     if (is_new)
-        known = add_definition(source.get(), name);
-    const std::size_t changed = make_texts(source.get(), known->name, how);
+        known = add_definition(source, name);
+    const std::size_t changed = make_texts(source, known->name, how);
     std::printf("%s: %s\n", known->name, counted(changed, "new text").c_str());
     const bool written = (changed == 0 && !is_new && output.empty()) ||
-                         write({output.empty() ? line.files.front() : output}, source.get());
-    keep_to_the_end(std::move(source));
+                         write({output.empty() ? line.files.front() : output, dry_run}, file);
+    keep_to_the_end(std::move(file.source));
     return written ? status_fine : status_fault;
 }
 
