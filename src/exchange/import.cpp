@@ -1,7 +1,7 @@
 #include "exchange/import.h"
 
-#include "exchange/entries.h"
 #include "exchange/language-code.h"
+#include "source/entry.h"
 
 namespace zel::exchange {
 
@@ -12,20 +12,6 @@ bool same_text(std::string_view a, const char *b) { return b != nullptr && a == 
 std::string_view language_part(std::string_view code)
 {
     return code.substr(0, code.find_first_of("_@"));
-}
-
-// The writer of sources takes white space off the end of a text, so it makes no difference.
-std::string_view without_end(std::string_view text)
-{
-    return text.substr(0, text.find_last_not_of(" \t\n\v\f\r") + 1);
-}
-
-std::string joined(const lang_entry_t *entry)
-{
-    std::string out;
-    if (entry != nullptr)
-        append_lines(out, entry->texts);
-    return out;
 }
 
 // Whether the file has what the source has: as bytes, or as they travel where they are no UTF-8.
@@ -133,7 +119,7 @@ void importer::take_unit(const char *language, text_unit &unit)
 
 void importer::take_text(item_t *item, const char *language, const text_unit &unit)
 {
-    std::string before = joined(find_entry(item->langs, language));
+    std::string before = text_of(find_entry(item->langs, language));
     if (without_end(unit.text).empty() || is_same(before, unit.text))
         return;
     if (unit.fuzzy && !request_.guesses) {
@@ -156,7 +142,7 @@ void importer::take_text(item_t *item, const char *language, const text_unit &un
 void importer::take_comment(item_t *item, const char *language, const text_unit &unit)
 {
     const std::string_view note = without_end(unit.note.text);
-    std::string before = joined(find_entry(item->comments, language));
+    std::string before = text_of(find_entry(item->comments, language));
     if (note.empty() || is_same(before, note))
         return;
     std::string after(note);

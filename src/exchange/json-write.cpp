@@ -50,7 +50,7 @@ void append_strings(std::string &out, const char *name, GList *strings)
     out.append(name) += '[';
     for (GList *node = strings; node != nullptr; node = node->next) {
         out.append(node == strings ? "" : ", ");
-        append_string(out, or_empty(static_cast<const char *>(node->data)));
+        append_string(out, view_of(static_cast<const char *>(node->data)));
     }
     out += ']';
 }

@@ -73,22 +73,6 @@ text look_at(std::string_view bytes)
     return {bytes, holds};
 }
 
-std::string_view join(GList *strings, std::string &buffer)
-{
-    const auto bytes = [](const GList *node) {
-        const char *line = static_cast<const char *>(node->data);
-        return line == nullptr ? std::string_view() : std::string_view(line);
-    };
-    if (strings == nullptr)
-        return {};
-    if (strings->next == nullptr)
-        return bytes(strings);
-    buffer.clear();
-    for (const GList *node = strings; node != nullptr; node = node->next)
-        buffer += bytes(node);
-    return buffer;
-}
-
 char32_t next_char(std::string_view bytes, std::size_t &at)
 {
     const auto lead = static_cast<unsigned char>(bytes[at]);

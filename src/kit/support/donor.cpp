@@ -1,11 +1,11 @@
 #include "kit/support/donor.h"
 
-#include "exchange/entries.h"
 #include "exchange/import.h"
 #include "kit/support/new-from-catalogs.h"
 #include "kit/support/output.h"
 #include "kit/support/sources.h"
 #include "lint/text.h"
+#include "source/entry.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -62,8 +62,7 @@ bool donor::read(const std::string &path, const LangSource &source, const std::s
     file_ = std::move(answer.file);
     const std::string_view named = file_.languages.size() == 1 ? path : std::string_view();
     for (const exchange::said_language &said : file_.languages)
-        languages_.push_back(
-            exchange::or_empty(exchange::find_language(source, said, named, language)));
+        languages_.push_back(view_of(exchange::find_language(source, said, named, language)));
     return !answer.wrong;
 }
 
@@ -97,8 +96,8 @@ std::string_view donor::joined(GList *texts)
     if (texts == nullptr)
         return {};
     if (texts->next == nullptr)
-        return exchange::or_empty(static_cast<const char *>(texts->data));
-    exchange::append_lines(joined_.emplace_back(), texts);
+        return view_of(static_cast<const char *>(texts->data));
+    append_texts(joined_.emplace_back(), texts);
     return joined_.back();
 }
 
@@ -110,8 +109,8 @@ void donor::offer_source(const char *language)
             if (entry == nullptr)
                 continue;
             const lang_entry_t *reference = entries_->find(item, source_->default_lang);
-            const std::string_view name = exchange::or_empty(item->name);
-            add({true, exchange::or_empty(group->name), name,
+            const std::string_view name = view_of(item->name);
+            add({true, view_of(group->name), name,
                  reference == nullptr ? name : joined(reference->texts), joined(entry->texts)});
         }
 }

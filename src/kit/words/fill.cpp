@@ -1,10 +1,10 @@
-#include "exchange/entries.h"
 #include "kit/support/donor.h"
 #include "kit/support/entry-index.h"
 #include "kit/support/options.h"
 #include "kit/support/output.h"
 #include "kit/support/sources.h"
 #include "kit/words/word-list.h"
+#include "source/entry.h"
 #include "source/misc.h"
 
 #include <cstdio>
@@ -33,7 +33,7 @@ public:
     language_filler(LangSource *source, entry_index &entries, const char *language,
                     std::deque<donor> &donors)
         : source_(source), entries_(entries), language_(language), donors_(donors),
-          is_default_(exchange::or_empty(source->default_lang) == language)
+          is_default_(view_of(source->default_lang) == language)
     {
         for (donor &one : donors_)
             one.choose(language);
@@ -52,7 +52,7 @@ private:
     void fill_item(const edit_t *group, item_t *item)
     {
         const std::string_view by_key = first([&](const donor &one) {
-            return one.by_key(exchange::or_empty(group->name), exchange::or_empty(item->name));
+            return one.by_key(view_of(group->name), view_of(item->name));
         });
         if (!by_key.empty()) {
             put(item, by_key, count_.by_key);
@@ -70,10 +70,8 @@ private:
 
     std::string reference_text(const item_t *item) const
     {
-        std::string text;
-        if (const lang_entry_t *entry = entries_.find(item, source_->default_lang))
-            exchange::append_lines(text, entry->texts);
-        return text.empty() ? std::string(exchange::or_empty(item->name)) : text;
+        const std::string text = text_of(entries_.find(item, source_->default_lang));
+        return without_end(text).empty() ? or_empty(item->name) : text;
     }
 
     template <class Ask>
@@ -88,7 +86,7 @@ private:
     void put(item_t *item, std::string_view text, std::size_t &count)
     {
         lang_entry_t *entry = entries_.find(item, language_);
-        exchange::set_text(entry == nullptr ? entries_.append(item, language_) : entry, text);
+        set_text(entry == nullptr ? entries_.append(item, language_) : entry, text);
         item->changed = 1;
         item->ready = 0;
         ++count;

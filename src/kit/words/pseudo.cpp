@@ -1,12 +1,10 @@
-#include "exchange/entries.h"
 #include "kit/support/languages.h"
 #include "kit/support/options.h"
 #include "kit/support/output.h"
 #include "kit/support/pseudo-text.h"
 #include "kit/support/sources.h"
 #include "kit/words/word-list.h"
-#include "merge/fields.h"
-#include "support/text.h"
+#include "source/entry.h"
 
 #include <charconv>
 #include <cstdio>
@@ -29,8 +27,8 @@ int read_percent(const std::string &text)
 // The default language's text, which may be empty to keep the item out, else the item's name.
 std::string text_to_translate(const LangSource &source, const item_t *item)
 {
-    const lang_entry_t *entry = exchange::find_entry(item->langs, source.default_lang);
-    return entry == nullptr ? or_empty(item->name) : value_of(entry).shown;
+    const lang_entry_t *entry = find_entry(item->langs, source.default_lang);
+    return entry == nullptr ? or_empty(item->name) : text_of(entry);
 }
 
 // Gives every item its text. Returns how many of them are new or others than before.
@@ -40,10 +38,10 @@ std::size_t make_texts(LangSource *source, const char *language, const pseudo_ho
     for (const edit_t *group : each<edit_t>(source->groups))
         for (item_t *item : each<item_t>(group->items)) {
             const std::string text = pseudo_text(text_to_translate(*source, item), item, how);
-            const lang_entry_t *before = exchange::find_entry(item->langs, language);
-            if (before != nullptr && value_of(before).shown == text)
+            const lang_entry_t *before = find_entry(item->langs, language);
+            if (before != nullptr && text_of(before) == text)
                 continue;
-            exchange::put_text(item->langs, language, text);
+            put_text(item->langs, language, text);
             ++changed;
         }
     return changed;
