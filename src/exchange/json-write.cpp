@@ -153,18 +153,4 @@ void write_json(exporter &from, std::vector<outgoing_file> &to)
     to.front().flush();
 }
 
-std::string json_of_item(const item_t *item)
-{
-    std::string out;
-    append_item(out, item);
-    return out;
-}
-
-std::string json_of_head(const LangSource *source)
-{
-    std::string out;
-    append_head(out, source);
-    return out;
-}
-
 } // namespace zel::exchange

@@ -5,12 +5,14 @@
 #include "kit/support/options.h"
 #include "kit/support/output.h"
 #include "kit/support/sources.h"
-#include "kit/support/whole-source.h"
 #include "kit/words/word-list.h"
+#include "merge/compare.h"
+#include "source/write-text.h"
 
 #include <cstdio>
 #include <ctime>
 #include <unistd.h>
+#include <utility>
 
 namespace zel::kit {
 
@@ -85,6 +87,47 @@ bool take_file(const exchange::format &row, const std::string &path, exchange::i
     if (wrong)
         say_fault(path, wrong);
     return !wrong;
+}
+
+std::string written(const LangSource *source)
+{
+    std::string out;
+    text_how how;
+    how.trim = false;
+    source_text text(source, how);
+    while (text.append(out, UINT32_MAX)) {
+    }
+    return out;
+}
+
+// One line for each item that is new, has changed or is gone, and one before them for all else that
+// differs from a source that is there. Whether anything does but the time of saving.
+bool print_differences(LangSource *before, LangSource *after)
+{
+    const source_guard nothing(before == nullptr ? lang_alloc_group() : nullptr);
+    const bool is_new = before == nullptr;
+    if (is_new)
+        before = nothing.get();
+    std::string items;
+    bool others = false;
+    std::pair<const char *, const char *> last; // the item whose line is the last one
+    compare_sources(before, after, true, [&](const difference &one) {
+        others = others || one.item == nullptr;
+        if (one.item == nullptr || last == std::pair(one.group, one.item))
+            return;
+        last = {one.group, one.item};
+        const bool whole = one.field == std::string_view("item");
+        items += !whole ? "~ " : one.how == change::added ? "+ " : "- ";
+        exchange::append_key(items, one.group, one.item);
+        items += '\n';
+    });
+    after->mtime = before->mtime;
+    if (!others && items.empty() && written(before) == written(after))
+        return false;
+    std::printf("%s%s",
+                !is_new && (others || items.empty()) ? "~ languages, groups and order\n" : "",
+                items.c_str());
+    return true;
 }
 
 // A format of whole sources: the file takes the place of the source, which need not be there.
