@@ -94,20 +94,30 @@ int run_export(const word &self, int argc, char **argv)
     std::string folder;
     bool dry_run = false;
     exchange::export_request request;
-    const parsed line =
-        parse(self, argc, argv,
-              {{"format", "FORMAT", exchange::format_help, nullptr, &format_name},
-               {"language", "NAME", "only this language; may be given again", nullptr, nullptr,
-                &request.languages},
-               {"output", "DIR",
-                "where the files go, made when it is not there; without it the current directory, "
-                "or standard output for a single file of all languages",
-                nullptr, &folder, nullptr, false, 'o'},
-               {"dry-run", nullptr, "only say which files would be written", &dry_run},
-               {"fuzzy", nullptr, "po: items that are not ready are fuzzy", &request.fuzzy},
-               {"comments", nullptr, "csv: columns for the comments too", &request.comments},
-               {"unused", nullptr, "items too that the application does not use", &request.unused}},
-              1, 1);
+    const parsed line = parse(
+        self, argc, argv,
+        {{.name = "format",
+          .argument = "FORMAT",
+          .help = exchange::format_help,
+          .text = &format_name},
+         {.name = "language",
+          .argument = "NAME",
+          .help = "only this language; may be given again",
+          .list = &request.languages},
+         {.name = "output",
+          .argument = "DIR",
+          .help =
+              "where the files go, made when it is not there; without it the current directory, "
+              "or standard output for a single file of all languages",
+          .text = &folder,
+          .letter = 'o'},
+         {.name = "dry-run", .help = "only say which files would be written", .on = &dry_run},
+         {.name = "fuzzy", .help = "po: items that are not ready are fuzzy", .on = &request.fuzzy},
+         {.name = "comments", .help = "csv: columns for the comments too", .on = &request.comments},
+         {.name = "unused",
+          .help = "items too that the application does not use",
+          .on = &request.unused}},
+        1, 1);
     if (line.ends)
         return line.status;
     const int chosen = choose(self, "format", format_name, exchange::format_names());

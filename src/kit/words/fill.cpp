@@ -126,12 +126,20 @@ int run_fill(const word &self, int argc, char **argv)
     bool dry_run = false;
     const parsed line =
         parse(self, argc, argv,
-              {{"from", "FILE", "a source, or a file of another format; may be given again",
-                nullptr, nullptr, &from},
-               {"language", "NAME", "the language of the files, whatever they say; not of sources",
-                nullptr, &language},
-               {"dry-run", nullptr, "only say what would be filled", &dry_run},
-               {"output", "FILE", "write the source there", nullptr, &output, nullptr, false, 'o'}},
+              {{.name = "from",
+                .argument = "FILE",
+                .help = "a source, or a file of another format; may be given again",
+                .list = &from},
+               {.name = "language",
+                .argument = "NAME",
+                .help = "the language of the files, whatever they say; not of sources",
+                .text = &language},
+               {.name = "dry-run", .help = "only say what would be filled", .on = &dry_run},
+               {.name = "output",
+                .argument = "FILE",
+                .help = "write the source there",
+                .text = &output,
+                .letter = 'o'}},
               1, 1);
     if (line.ends)
         return line.status;

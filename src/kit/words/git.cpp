@@ -302,8 +302,10 @@ int run_git(const word &self, int argc, char **argv)
     bool dry_run = false;
     const parsed line =
         parse(self, argc, argv,
-              {{"hook", nullptr, "also lint the sources of every commit before it is made", &hook},
-               {"dry-run", nullptr, "only say what would be set up", &dry_run}},
+              {{.name = "hook",
+                .help = "also lint the sources of every commit before it is made",
+                .on = &hook},
+               {.name = "dry-run", .help = "only say what would be set up", .on = &dry_run}},
               0, 0);
     if (line.ends)
         return line.status;

@@ -210,22 +210,34 @@ int import_into(const word &self, import_options &options, const exchange::forma
 int run_import(const word &self, int argc, char **argv)
 {
     import_options options;
-    const parsed line =
-        parse(self, argc, argv,
-              {{"format", "FORMAT", exchange::format_help, nullptr, &options.format_name},
-               {"language", "NAME", "the language of the files, whatever they say", nullptr,
-                &options.request.language},
-               {"comments", nullptr, "take comments too", &options.request.comments},
-               {"fuzzy", nullptr, "take fuzzy texts too", &options.request.guesses},
-               {"dry-run", nullptr, "only say what would change", &options.dry_run},
-               {"output", "FILE", "write the source there", nullptr, &options.output, nullptr,
-                false, 'o'},
-               {"new", nullptr, "make a new source from catalogs alone", &options.make_new},
-               {"default", "NAME", "its default language (english)", nullptr,
-                &options.fresh.default_language},
-               {"group", "NAME", "its group for messages without a context", nullptr,
-                &options.fresh.group}},
-              1, static_cast<std::size_t>(-1));
+    const parsed line = parse(
+        self, argc, argv,
+        {{.name = "format",
+          .argument = "FORMAT",
+          .help = exchange::format_help,
+          .text = &options.format_name},
+         {.name = "language",
+          .argument = "NAME",
+          .help = "the language of the files, whatever they say",
+          .text = &options.request.language},
+         {.name = "comments", .help = "take comments too", .on = &options.request.comments},
+         {.name = "fuzzy", .help = "take fuzzy texts too", .on = &options.request.guesses},
+         {.name = "dry-run", .help = "only say what would change", .on = &options.dry_run},
+         {.name = "output",
+          .argument = "FILE",
+          .help = "write the source there",
+          .text = &options.output,
+          .letter = 'o'},
+         {.name = "new", .help = "make a new source from catalogs alone", .on = &options.make_new},
+         {.name = "default",
+          .argument = "NAME",
+          .help = "its default language (english)",
+          .text = &options.fresh.default_language},
+         {.name = "group",
+          .argument = "NAME",
+          .help = "its group for messages without a context",
+          .text = &options.fresh.group}},
+        1, static_cast<std::size_t>(-1));
     if (line.ends)
         return line.status;
     const int at = choose(self, "format", options.format_name, exchange::format_names());

@@ -96,18 +96,22 @@ int merge_files(const merge_options &options, const std::vector<std::string> &fi
 int run_merge(const word &self, int argc, char **argv)
 {
     merge_options options;
-    const parsed line =
-        parse(self, argc, argv,
-              {{"output", "FILE", "where the result goes; without it it replaces OURS", nullptr,
-                &options.output, nullptr, false, 'o'},
-               {"ours", nullptr, "conflicts go to OURS", &options.ours},
-               {"theirs", nullptr, "conflicts go to THEIRS", &options.theirs},
-               {"dry-run", nullptr, "only say what is in conflict", &options.dry_run},
-               {"driver", "PATH",
-                "for version control: the three files are copies of that one; OURS is replaced "
-                "without a backup",
-                nullptr, &options.driver}},
-              3, 3);
+    const parsed line = parse(
+        self, argc, argv,
+        {{.name = "output",
+          .argument = "FILE",
+          .help = "where the result goes; without it it replaces OURS",
+          .text = &options.output,
+          .letter = 'o'},
+         {.name = "ours", .help = "conflicts go to OURS", .on = &options.ours},
+         {.name = "theirs", .help = "conflicts go to THEIRS", .on = &options.theirs},
+         {.name = "dry-run", .help = "only say what is in conflict", .on = &options.dry_run},
+         {.name = "driver",
+          .argument = "PATH",
+          .help = "for version control: the three files are copies of that one; OURS is replaced "
+                  "without a backup",
+          .text = &options.driver}},
+        3, 3);
     if (line.ends)
         return line.status;
     if (options.ours && options.theirs)

@@ -57,10 +57,20 @@ int run_pseudo(const word &self, int argc, char **argv)
     bool dry_run = false;
     const parsed line =
         parse(self, argc, argv,
-              {{"name", "NAME", "the language's name (pseudo)", nullptr, &name},
-               {"grow", "PERCENT", "how much longer the texts become (40)", nullptr, &growth},
-               {"dry-run", nullptr, "only say how many texts would be new", &dry_run},
-               {"output", "FILE", "write the source there", nullptr, &output, nullptr, false, 'o'}},
+              {{.name = "name",
+                .argument = "NAME",
+                .help = "the language's name (pseudo)",
+                .text = &name},
+               {.name = "grow",
+                .argument = "PERCENT",
+                .help = "how much longer the texts become (40)",
+                .text = &growth},
+               {.name = "dry-run", .help = "only say how many texts would be new", .on = &dry_run},
+               {.name = "output",
+                .argument = "FILE",
+                .help = "write the source there",
+                .text = &output,
+                .letter = 'o'}},
               1, 1);
     if (line.ends)
         return line.status;

@@ -127,16 +127,19 @@ int run_report(const word &self, int argc, char **argv)
     std::string path;
     bool screenshots = false;
     bool dry_run = false;
-    const parsed line =
-        parse(self, argc, argv,
-              {{"output", "FILE.html", "where the page goes (standard output)", nullptr, &path,
-                nullptr, false, 'o'},
-               {"screenshots", nullptr,
-                "embed the pictures of the groups, ScreenShots/GROUP.jpg beside "
-                "the source",
-                &screenshots},
-               {"dry-run", nullptr, "only look whether the sources can be read", &dry_run}},
-              1, SIZE_MAX);
+    const parsed line = parse(
+        self, argc, argv,
+        {{.name = "output",
+          .argument = "FILE.html",
+          .help = "where the page goes (standard output)",
+          .text = &path,
+          .letter = 'o'},
+         {.name = "screenshots",
+          .help = "embed the pictures of the groups, ScreenShots/GROUP.jpg beside "
+                  "the source",
+          .on = &screenshots},
+         {.name = "dry-run", .help = "only look whether the sources can be read", .on = &dry_run}},
+        1, SIZE_MAX);
     if (line.ends)
         return line.status;
     page_file page;

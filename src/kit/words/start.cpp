@@ -29,12 +29,16 @@ int run_start(const word &self, int argc, char **argv)
     std::vector<std::string> languages;
     const parsed line =
         parse(self, argc, argv,
-              {{"default", "NAME", "the language of the texts in the code (english)", nullptr,
-                &default_language},
-               {"language", "NAME", "a language to translate into; may be given again", nullptr,
-                nullptr, &languages},
-               {"app", "NAME", "the application's name", nullptr, &app},
-               {"dry-run", nullptr, "only look whether it can be begun", &dry_run}},
+              {{.name = "default",
+                .argument = "NAME",
+                .help = "the language of the texts in the code (english)",
+                .text = &default_language},
+               {.name = "language",
+                .argument = "NAME",
+                .help = "a language to translate into; may be given again",
+                .list = &languages},
+               {.name = "app", .argument = "NAME", .help = "the application's name", .text = &app},
+               {.name = "dry-run", .help = "only look whether it can be begun", .on = &dry_run}},
               1, 1);
     if (line.ends)
         return line.status;
