@@ -64,8 +64,7 @@ bool is_named_pipe(const std::string &path)
     std::error_code error;
     if (stat(path.c_str(), &status) != 0 || !S_ISFIFO(status.st_mode))
         return false;
-    std::filesystem::canonical(path, error);
-    return !error;
+    return !std::filesystem::canonical(path, error).empty();
 }
 
 source_guard read(const std::string &path, source_places *places)
