@@ -227,21 +227,6 @@ TEST_F(GitMergeSlow, DifferentItemsAfterChecksThatMovedEverything)
                     testing::AnyOf(".git", ".gitattributes", ".gitignore", "a.c", "app.lang-src"));
 }
 
-TEST_F(GitMergeSlow, OneItemOnBothSides)
-{
-    branch("german", "// 3\n", 2, "_Save", "german", "Sichern");
-    branch("other", "// 15\n", 3, "_Save", "german", "Speichern");
-    EXPECT_THAT(
-        git("merge german", 1),
-        HasSubstr(
-            "app.lang-src: conflict: menu:_Save german: \"Speichern\" here, \"Sichern\" there\n"
-            "app.lang-src: 1 conflict\n"));
-    EXPECT_THAT(git("status --porcelain"), HasSubstr("UU app.lang-src\n"));
-    EXPECT_THAT(kit("show app.lang-src").out, HasSubstr("german \"Speichern\""));
-    commit("settled");
-    EXPECT_EQ(git("status --porcelain"), "");
-}
-
 TEST_F(GitMergeSlow, DifferencesAreReadable)
 {
     branch("german", "// 3\n", 2, "_Save", "german", "Sichern");

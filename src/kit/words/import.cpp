@@ -93,6 +93,7 @@ std::string written(const LangSource *source)
 {
     std::string out;
     text_how how;
+    how.name = "";
     how.trim = false;
     source_text text(source, how);
     while (text.append(out, UINT32_MAX)) {
