@@ -126,14 +126,4 @@ TEST_F(Diff, Json)
     EXPECT_EQ(lines(menu_source, "--format json"), "[]\n");
 }
 
-TEST_F(Diff, WrongUse)
-{
-    EXPECT_EQ(kit("diff old").status, 2);
-    EXPECT_EQ(kit("diff --format xml old old").err,
-              "lang-kit diff: --format is text or json, not \"xml\"\n");
-    EXPECT_EQ(kit("diff old none").status, 2);
-    write_file("new", "GROUP {");
-    EXPECT_EQ(kit("diff new old").status, 2);
-}
-
 } // namespace

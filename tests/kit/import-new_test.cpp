@@ -1,8 +1,8 @@
 // A project comes over with its catalogs.
 
-#include "exchange/new-source.h"
 #include "exchange/sources.h"
 #include "kit/run-kit.h"
+#include "source/entry.h"
 #include "source/group.h"
 #include "source/misc.h"
 
@@ -39,10 +39,7 @@ protected:
     {
         item_t *found = get_item_ptr(source.get(), group, item);
         lang_entry_t *entry = misc_select_lang_entry(found, language);
-        std::string out = found == nullptr ? "no item" : entry == nullptr ? "no text" : "";
-        if (entry != nullptr)
-            zel::exchange::append_lines(out, entry->texts);
-        return out;
+        return found == nullptr ? "no item" : entry == nullptr ? "no text" : zel::text_of(entry);
     }
 
     zel_test::temp_dir dir{zel_test::temp_dir::enter::yes};
@@ -89,11 +86,6 @@ TEST_F(ImportNew, MakesASourceFromCatalogs)
               0);
     EXPECT_THAT(read_file("out/german-edit/german.lang"), HasSubstr("%d Notizen"));
 
-    EXPECT_EQ(kit("import --format po --new -o app.lang-src de.po").err,
-              "lang-kit import: \"app.lang-src\" is there already\n");
-    EXPECT_EQ(kit("import --format po --new de.po").err, "lang-kit import: --new needs -o FILE\n");
-    EXPECT_EQ(kit("import --format csv --new -o b.lang-src de.po").err,
-              "lang-kit import: --new is for --format po\n");
     EXPECT_EQ(
         kit("import --format po --new --fuzzy --group all --default en -o b.lang-src de.po").status,
         0);
@@ -112,24 +104,6 @@ TEST_F(ImportNew, TakesItsOwnExportsForWhatTheyAre)
     const auto again = kit("import --format po --fuzzy b.lang-src *.po");
     EXPECT_EQ(again.status, 0) << again.err;
     EXPECT_EQ(again.out, "");
-}
-
-TEST_F(ImportNew, CutOrChangedCatalogsAreReadOrRefused)
-{
-    const std::string good = german;
-    for (std::size_t end = 0; end < good.size(); ++end) {
-        zel::exchange::new_source made({});
-        static_cast<void>(made.take("de.po", good.substr(0, end)));
-    }
-    std::mt19937 random(1);
-    for (int times = 0; times < 3000; ++times) {
-        zel::exchange::new_source made({});
-        const std::string bytes = zel_test::mutated(good, random);
-        const auto wrong = made.take("de.po", bytes);
-        if (!wrong) {
-            EXPECT_EQ(made.source()->item_count == 0, made.source()->groups == nullptr);
-        }
-    }
 }
 
 } // namespace

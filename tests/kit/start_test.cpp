@@ -1,3 +1,4 @@
+#include "kit/menu-source.h"
 #include "kit/run-kit.h"
 
 #include <gmock/gmock.h>
@@ -7,6 +8,8 @@ namespace {
 
 using testing::HasSubstr;
 using zel_test::kit;
+using zel_test::menu_source;
+using zel_test::write_file;
 
 class Start : public testing::Test {
 protected:
@@ -30,8 +33,9 @@ TEST_F(Start, MakesASourceWithItsLanguages)
     EXPECT_EQ(zel_test::read_file("app.lang-src"), text);
 }
 
-TEST_F(Start, WrongUseIsOneLineAndStatusTwo)
+TEST_F(Start, WrongUseOfAnyWordIsOneLineAndStatusTwo)
 {
+    write_file("app.lang-src", menu_source);
     const struct {
         const char *words, *line;
     } cases[] = {
@@ -43,6 +47,35 @@ TEST_F(Start, WrongUseIsOneLineAndStatusTwo)
         {"start a b", "lang-kit start: one file too many: \"b\"\n"},
         {"start --language a/b f", "lang-kit start: \"a/b\" is no name for a language\n"},
         {"start --language english f", "lang-kit start: \"english\" is there twice\n"},
+        {"lint", "lang-kit lint: a file is missing: lang-kit lint [OPTION...] SOURCE...\n"},
+        {"lint --only nonsense app.lang-src",
+         "lang-kit lint: there is no rule \"nonsense\"; --rules shows them\n"},
+        {"lint --format xml app.lang-src",
+         "lang-kit lint: --format is text, json, sarif or github, not \"xml\"\n"},
+        {"lint --fail-on never app.lang-src",
+         "lang-kit lint: --fail-on is error, warning or info, not \"never\"\n"},
+        {"stat --format xml app.lang-src",
+         "lang-kit stat: --format is text or json, not \"xml\"\n"},
+        {"diff --format xml app.lang-src app.lang-src",
+         "lang-kit diff: --format is text or json, not \"xml\"\n"},
+        {"merge --ours --theirs a b c", "lang-kit merge: --ours and --theirs exclude each other\n"},
+        {"fill app.lang-src", "lang-kit fill: --from is missing: where are the texts?\n"},
+        {"export app.lang-src",
+         "lang-kit export: --format is po, xliff, xliff2, csv or json, not \"\"\n"},
+        {"export --format po --language dutch app.lang-src",
+         "lang-kit: app.lang-src: no language \"dutch\" is defined\n"},
+        {"export --format json --language german app.lang-src",
+         "lang-kit export: --language is not for whole sources\n"},
+        {"export --format po -o app.lang-src/such app.lang-src",
+         "lang-kit: app.lang-src/such: Not a directory\n"},
+        {"import --format po app.lang-src none.po", "none.po: error: No such file or directory\n"},
+        {"import --format json --comments app.lang-src a.json",
+         "lang-kit import: --comments, --fuzzy and --language are not for whole sources\n"},
+        {"import --format po --new -o app.lang-src de.po",
+         "lang-kit import: \"app.lang-src\" is there already\n"},
+        {"import --format po --new de.po", "lang-kit import: --new needs -o FILE\n"},
+        {"import --format csv --new -o b.lang-src de.po",
+         "lang-kit import: --new is for --format po\n"},
     };
     for (const auto &row : cases) {
         const auto result = kit(row.words);

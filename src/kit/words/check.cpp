@@ -188,10 +188,11 @@ int fails(const word &self, const std::vector<std::string> &on, const outcomes &
 }
 
 // A source that is there is read whole; where there is none, a new one begins.
-source_guard read_or_begin(const std::string &path)
+source_file read_or_begin(const std::string &path)
 {
-    return is_absent(path) ? source_guard(lang_alloc_group())
-                           : read_whole(path, std::time(nullptr));
+    if (is_absent(path))
+        return {source_guard(lang_alloc_group()), {seen_file(path)}};
+    return read_whole(path, std::time(nullptr));
 }
 
 } // namespace
@@ -229,12 +230,12 @@ int run_check(const word &self, int argc, char **argv)
     if (!make_wrappers(wanted.keywords, wanted.group, wrappers))
         return status_fault;
 
-    source_guard source = read_or_begin(path);
+    source_file file = read_or_begin(path);
     outcomes out;
-    if (source == nullptr || !check_source(source.get(), line.files, wrappers.get(), out) ||
-        !write({path, wanted.dry_run}, source.get()))
+    if (!file || !check_source(file.source.get(), line.files, wrappers.get(), out) ||
+        !write({path, wanted.dry_run}, file))
         return status_fault;
-    keep_to_the_end(std::move(source));
+    keep_to_the_end(std::move(file.source));
     format == 0 ? print_text(out) : print_json(path, out);
     return fails(self, wanted.fail_on, out) > 0 ? status_found : status_fine;
 }

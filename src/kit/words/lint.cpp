@@ -86,6 +86,7 @@ public:
         if (!source.read(path)) {
             sources_.pop_back();
             unreadable_ = true;
+            output_.add_unreadable(path, source.failure());
             return;
         }
         ++files_;
@@ -98,8 +99,10 @@ public:
     {
         if (!code.empty() && !sources_.empty() &&
             !judge_code({code, wrappers, wanted_.rules}, sources_,
-                        [this](const shown_finding &one) { add(one); }))
+                        [this](const shown_finding &one) { add(one); })) {
             unreadable_ = true;
+            output_.add_unreadable({}, "some of the code cannot be read");
+        }
     }
     // False after a line for the first language that no source defines: most likely a slip.
     bool knows_languages(const word &self) const
