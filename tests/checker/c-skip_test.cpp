@@ -7,79 +7,34 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <sstream>
 #include <string>
-#include <string_view>
+#include <vector>
 
 namespace {
 
 // Pieces of which a careless jump would lose its place: half words, comment ends, numbers that run
-// into words, carriage returns and NUL bytes anywhere.
-constexpr std::string_view pieces[] = {"lang_get_string(\"g\", \"i\")",
-                                       "lang_get(\"d\", \"g\", NAME)",
-                                       "lang_",
-                                       "la",
-                                       "ng_tooltip",
-                                       "LANG_TOOLTIP",
-                                       "(\"g\",\"x\")",
-                                       "zel_language_check_stop",
-                                       "ZEL_LANGUAGE_CHECK_START",
-                                       "#define NAME \"v\"",
-                                       "#define NAME",
-                                       "#define ",
-                                       "# define",
-                                       "#",
-                                       "#else",
-                                       "#define F(x) 1",
-                                       "#define\\\n",
-                                       "define",
-                                       "ZEL_LANGUAGE_APP",
-                                       "\"a\" \"1\"",
-                                       "NAME",
-                                       "zel",
-                                       "\"",
-                                       "'",
-                                       "'\"'",
-                                       "'\\''",
-                                       "\\",
-                                       "/",
-                                       "*",
-                                       "//",
-                                       "/*",
-                                       "*/",
-                                       "/* x */",
-                                       "// lang_get_string(\"n\",\"n\")\n",
-                                       "0",
-                                       "0x",
-                                       "1.5e",
-                                       "08",
-                                       ".",
-                                       "=",
-                                       "<",
-                                       "+",
-                                       "!",
-                                       "&",
-                                       "|",
-                                       "-",
-                                       ">",
-                                       "^",
-                                       "@",
-                                       "$",
-                                       ",",
-                                       ";",
-                                       "(",
-                                       ")",
-                                       " ",
-                                       "\t",
-                                       "\n",
-                                       "\r",
-                                       "\r\n",
-                                       std::string_view("\0", 1),
-                                       "\xe4",
-                                       "word",
-                                       "l",
-                                       "lan",
-                                       "g",
-                                       "_"};
+// into words, carriage returns and NUL bytes anywhere. Each ends at a "~".
+const std::string pieces =
+    "lang_get_string(\"g\", \"i\")~lang_get(\"d\", \"g\", NAME)~lang_~la~ng_tooltip~"
+    "LANG_TOOLTIP~(\"g\",\"x\")~zel_language_check_stop~ZEL_LANGUAGE_CHECK_START~"
+    "#define NAME \"v\"~#define NAME~#define ~# define~#~#else~#define F(x) 1~#define\\\n~"
+    "define~ZEL_LANGUAGE_APP~\"a\" \"1\"~NAME~zel~\"~'~'\"'~'\\''~\\~/~*~//~/*~*/~/* x */~"
+    "// lang_get_string(\"n\",\"n\")\n~0~0x~1.5e~08~.~=~<~+~!~&~|~-~>~^~@~$~,~;~(~)~ ~\t~\n~"
+    "\r~\r\n~NUL~\xe4~word~l~lan~g~_";
+
+// So many pieces, one after the other.
+std::string pick(std::mt19937 &random, unsigned long count)
+{
+    std::vector<std::string> all;
+    std::istringstream in(pieces);
+    for (std::string piece; std::getline(in, piece, '~');)
+        all.push_back(piece == "NUL" ? std::string(1, '\0') : piece);
+    std::string text;
+    for (; count != 0; --count)
+        text += all[random() % all.size()];
+    return text;
+}
 
 // What check_parse prints and where it puts the items; with a reader of our own nothing is jumped.
 std::string outcome(const std::string &text, bool jump)
@@ -111,9 +66,7 @@ TEST(SkipSlow, ChangesNothing)
 {
     std::mt19937 random(1);
     for (int round = 0; round < 4000; ++round) {
-        std::string text;
-        for (auto n = 1 + random() % 40; n != 0; --n)
-            text += pieces[random() % std::size(pieces)];
+        const std::string text = pick(random, 1 + random() % 40);
         ASSERT_EQ(outcome(text, true), outcome(text, false)) << testing::PrintToString(text);
     }
 }
@@ -124,9 +77,8 @@ TEST(Skip, ChangesNothingAtTheEndsOfBlocks)
     const zel_test::temp_dir dir(zel_test::temp_dir::enter::yes);
     std::mt19937 random(2);
     for (int round = 0; round < 60; ++round) {
-        std::string text(8150 + random() % 40, ' ');
-        for (unsigned n = 20; n != 0; --n)
-            text += pieces[random() % std::size(pieces)];
+        const std::string blanks(8150 + random() % 40, ' ');
+        const std::string text = blanks + pick(random, 20);
         zel_test::write_file("a.c", text);
         source_guard root(lang_alloc_group());
         const std::string printed =
