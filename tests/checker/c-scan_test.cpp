@@ -28,7 +28,7 @@ protected:
         zel_test::write_file(path, text);
         const std::string printed = zel_test::capture_stdout([&] {
             zel::item_index index(source.get());
-            result = zel::check_file(index, path.c_str(), lang_global.start_time);
+            result = zel::check_file(index, path.c_str(), how);
         });
         const std::string head = "check c file >" + path + "<\n";
         EXPECT_EQ(printed.substr(0, head.size()), head);
@@ -61,6 +61,7 @@ protected:
 
     zel_test::temp_dir dir{zel_test::temp_dir::enter::yes};
     source_guard source{lang_alloc_group()};
+    zel::scan_how how{1234567, stdout, nullptr, nullptr};
     int result = -2;
 };
 
@@ -342,10 +343,10 @@ TEST_F(Scan, StringsInStrings)
 TEST_F(Scan, AFileThatCannotBeOpenedEndsTheRun)
 {
     zel::item_index index(source.get());
-    EXPECT_EQ(zel_test::capture_stdout([&] { result = zel::check_file(index, "none.c", 0); }),
+    EXPECT_EQ(zel_test::capture_stdout([&] { result = zel::check_file(index, "none.c", how); }),
               "check c file >none.c<\nERROR(3): unable to init lexical scanner\n");
     EXPECT_EQ(result, -1);
-    EXPECT_THAT(zel_test::capture_stdout([&] { result = zel::check_file(index, nullptr, 0); }),
+    EXPECT_THAT(zel_test::capture_stdout([&] { result = zel::check_file(index, nullptr, how); }),
                 HasSubstr("\nERROR(4): unable to open file "));
     EXPECT_EQ(result, -1);
     EXPECT_EXIT(check_c_file(source.get(), "none.c"), testing::ExitedWithCode(0), "");

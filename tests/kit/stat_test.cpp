@@ -66,6 +66,22 @@ TEST_F(Stat, OnlyWhatIsCompleteIsOneHundredPercent)
                 HasSubstr("███████████████████▉  99.9 %       2,999"));
 }
 
+TEST_F(Stat, LanguagesBelowAreTold)
+{
+    const auto result = kit("stat --at-least 50.1 app.lang-src");
+    EXPECT_EQ(result.out, "english: 50.0 % of 2 items, 50.1 wanted\n"
+                          "日本語: 50.0 % of 2 items, 50.1 wanted\n");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(kit("stat --at-least 50 app.lang-src").status, 0);
+    EXPECT_EQ(kit("stat --at-least 1 --ready app.lang-src").out,
+              "english: 0.0 % ready of 2 items, 1 wanted\n");
+    EXPECT_EQ(kit("stat --at-least 60 --language english app.lang-src app.lang-src").out,
+              "app.lang-src: english: 50.0 % of 2 items, 60 wanted\n"
+              "app.lang-src: english: 50.0 % of 2 items, 60 wanted\n");
+    for (const char *words : {"--at-least 101", "--at-least x", "--language french"})
+        EXPECT_EQ(kit(std::string("stat app.lang-src ") + words).status, 2) << words;
+}
+
 TEST_F(Stat, WhatCannotBeReadIsToldAndTheRestIsCounted)
 {
     const auto result = kit("stat none.lang-src app.lang-src");

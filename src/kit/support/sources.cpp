@@ -77,7 +77,7 @@ source_guard read(const std::string &path, source_places *places)
     return std::move(read_source(path.c_str(), {std::time(nullptr), hear, places}).source);
 }
 
-source_file read_whole(const std::string &path)
+source_file read_whole(const std::string &path, std::int64_t now)
 {
     source_file file{nullptr, {seen_file(path)}};
     if (!is_readable(path))
@@ -87,7 +87,7 @@ source_file read_whole(const std::string &path)
         say(message, is_loss(*message.row));
         whole = whole && !is_loss(*message.row);
     };
-    file.source = std::move(read_source(path.c_str(), {0, hear, nullptr}).source);
+    file.source = std::move(read_source(path.c_str(), {now, hear, nullptr}).source);
     if (!whole)
         file.source.reset();
     return file;
