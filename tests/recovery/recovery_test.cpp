@@ -94,7 +94,7 @@ TEST_F(RecoverySlow, IsASourceThatAnybodyCanReadBelowACommentAndPrivate)
     ASSERT_EQ(folder, dir / "Morvalix 6.00/recovery");
     const source_guard state = read();
     const std::string path = recovery_path(folder, source, 77);
-    for (const std::size_t items : {1U, 2U, 1000U}) {
+    for (const std::size_t items : {1U, 2U, 3U, 1000U}) { // three pieces, two, one that is full
         ASSERT_EQ(write(path, state.get(), items), 0);
         // The writer's text, but for its trimming of texts, and nothing of the source has changed.
         EXPECT_EQ(state->mtime, 1234);
