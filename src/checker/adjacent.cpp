@@ -117,7 +117,7 @@ void read_definition(const search &s, zel_lex_t *lex)
         symtab_add(s.symbols, name.c_str(), value->lexeme);
 }
 
-void read_tokens(const search &s, zel_lex_t *lex);
+void read_code(const search &s, zel_lex_t *lex);
 
 // A string literal with those that follow it: its text may be a script.
 void read_literals(const search &s, zel_lex_t *lex, const zel_token_t *token)
@@ -139,7 +139,7 @@ void read_literals(const search &s, zel_lex_t *lex, const zel_token_t *token)
     if (scanner == nullptr || buffer == nullptr)
         return;
     zel_lex_set_buf(scanner.get(), buffer.get());
-    read_tokens(inner, scanner.get());
+    read_code(inner, scanner.get());
 }
 
 void skip_stopped(zel_lex_t *lex)
@@ -150,7 +150,7 @@ void skip_stopped(zel_lex_t *lex)
     while (kind != WORD_START && kind != TOKEN_EOF);
 }
 
-void read_tokens(const search &s, zel_lex_t *lex)
+void read_code(const search &s, zel_lex_t *lex)
 {
     for (;;) {
         skip_plain_code(lex);
@@ -180,7 +180,7 @@ bool find_adjacent(const char *path, const adjacent_listener &to)
         return false;
     zel_lex_set_buf(lex.get(), buffer.get());
     const symtab_guard symbols(symtab_new());
-    read_tokens({path, to, symbols.get(), 0, 0, 0}, lex.get());
+    read_code({path, to, symbols.get(), 0, 0, 0}, lex.get());
     return true;
 }
 

@@ -20,7 +20,7 @@ std::string_view without_end(std::string_view text)
     return text.substr(0, text.find_last_not_of(" \t\n\v\f\r") + 1);
 }
 
-std::string joined(const lang_entry_t *entry)
+std::string joined_entry(const lang_entry_t *entry)
 {
     std::string out;
     if (entry != nullptr)
@@ -128,7 +128,7 @@ void importer::take_unit(const char *language, text_unit &unit)
 
 void importer::take_text(item_t *item, const char *language, const text_unit &unit)
 {
-    std::string before = joined(find_entry(item->langs, language));
+    std::string before = joined_entry(find_entry(item->langs, language));
     if (without_end(unit.text).empty() || is_same(before, unit.text))
         return;
     if (unit.fuzzy && !request_.guesses) {
@@ -150,7 +150,7 @@ void importer::take_text(item_t *item, const char *language, const text_unit &un
 void importer::take_comment(item_t *item, const char *language, const text_unit &unit)
 {
     const std::string_view note = without_end(unit.note.text);
-    std::string before = joined(find_entry(item->comments, language));
+    std::string before = joined_entry(find_entry(item->comments, language));
     if (note.empty() || is_same(before, note))
         return;
     std::string after(note);

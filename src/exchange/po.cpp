@@ -157,15 +157,6 @@ void append_message(std::string &out, const exporter &from, const outgoing_item 
     }
 }
 
-// The remarks of a translator as one text.
-std::string joined(const std::vector<std::string> &lines)
-{
-    std::string out;
-    for (const std::string &line : lines)
-        out.append(out.empty() ? "" : "\n").append(line);
-    return out;
-}
-
 said_language language_of(const po_message &header)
 {
     const std::string &text = header.texts.front();

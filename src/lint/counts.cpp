@@ -13,19 +13,19 @@ namespace zel::lint {
 
 namespace {
 
-enum byte_kind : unsigned char { begins_word, middle, blank, wide, perhaps_wide };
+enum byte_kind : unsigned char { begins_word, middle, space, wide, perhaps_wide };
 
-constexpr std::array<byte_kind, 256> make_kinds()
+constexpr std::array<byte_kind, 256> make_byte_kinds()
 {
-    std::array<byte_kind, 256> kinds{};
-    for (unsigned c = 0; c < kinds.size(); ++c)
-        kinds[c] = c <= ' ' ? blank : (c & 0xC0) == 0x80 ? middle : begins_word;
+    std::array<byte_kind, 256> byte_kinds{};
+    for (unsigned c = 0; c < byte_kinds.size(); ++c)
+        byte_kinds[c] = c <= ' ' ? space : (c & 0xC0) == 0x80 ? middle : begins_word;
     for (unsigned c = 0xE4; c <= 0xE9; ++c) // U+4000 to U+9FFF
-        kinds[c] = wide;
-    kinds[0xE3] = perhaps_wide; // U+3000 to U+3FFF, of which the first 64 are punctuation
-    return kinds;
+        byte_kinds[c] = wide;
+    byte_kinds[0xE3] = perhaps_wide; // U+3000 to U+3FFF, of which the first 64 are punctuation
+    return byte_kinds;
 }
-constexpr auto kinds = make_kinds();
+constexpr auto byte_kinds = make_byte_kinds();
 static_assert(std::endian::native == std::endian::little, "the byte before is the one below");
 
 // Byte by byte.
@@ -34,7 +34,7 @@ amount measure_wide(std::string_view text)
     amount found;
     bool in_word = false;
     for (std::size_t i = 0; i < text.size(); ++i) {
-        const byte_kind kind = kinds[static_cast<unsigned char>(text[i])];
+        const byte_kind kind = byte_kinds[static_cast<unsigned char>(text[i])];
         if (kind == middle)
             continue;
         ++found.characters;
@@ -46,7 +46,7 @@ amount measure_wide(std::string_view text)
         in_word = false;
         const bool punctuation =
             kind == perhaps_wide && i + 1 < text.size() && text[i + 1] == '\x80';
-        found.words += kind != blank && !punctuation ? 1U : 0U;
+        found.words += kind != space && !punctuation ? 1U : 0U;
     }
     return found;
 }

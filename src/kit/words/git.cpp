@@ -23,7 +23,7 @@ namespace {
 constexpr struct {
     const char *key, *value;
     bool percents;
-} settings[] = {
+} git_settings[] = {
     {"merge.lang-src.name", "language sources, by group, item and language", false},
     {"merge.lang-src.driver", "@ merge --driver=%P %O %A %B", true},
     {"diff.lang-src.textconv", "@ show --or-file", false},
@@ -120,7 +120,7 @@ bool repository::find()
 
 bool repository::configure()
 {
-    for (const auto &row : settings) {
+    for (const auto &row : git_settings) {
         const std::string value = with_own_command(row.value, row.percents);
         const program_run known = git({"config", "--local", "--get", row.key});
         if (known.out == value + "\n")

@@ -55,14 +55,14 @@ bool choose_rules(const word &self, const std::vector<std::string> &names, rule_
     return true;
 }
 
-struct settings {
+struct lint_settings {
     std::string format = "text";
     std::string fail_on = "error";
     std::vector<std::string> only, without, languages, code;
     bool rules = false;
 };
 
-bool choose(const word &self, const settings &given, lint::choice &wanted)
+bool choose(const word &self, const lint_settings &given, lint::choice &wanted)
 {
     rule_set only, without;
     if (!choose_rules(self, given.only, only) || !choose_rules(self, given.without, without))
@@ -129,7 +129,7 @@ private:
     std::vector<std::string> defined_; // of the wanted languages
 };
 
-std::vector<option> options_for(settings &given)
+std::vector<option> options_for(lint_settings &given)
 {
     return {
         {"format", "NAME", "text, json, sarif or github (text)", nullptr, &given.format},
@@ -149,7 +149,7 @@ std::vector<option> options_for(settings &given)
 
 int run_lint(const word &self, int argc, char **argv)
 {
-    settings given;
+    lint_settings given;
     const parsed line = parse(self, argc, argv, options_for(given), 0, SIZE_MAX);
     if (line.ends)
         return line.status;
