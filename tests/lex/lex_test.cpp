@@ -145,7 +145,7 @@ TEST(Keywords, OnlyAsciiLettersFold)
               "20001:\xc3\xa9T\xc3\xa9 256:\xc3\x89t\xc3\x89 -1");
 }
 
-TEST(Keywords, AreTheSameInEveryLocale)
+TEST(KeywordsSlow, AreTheSameInEveryLocale) // the first one makes the locales
 {
     const Keytab words[] = {{nullptr, 0}, {"item", 20001}, {"VISIBLE", 20002}, {nullptr, 0}};
     if (!zel_test::in_each_locale([&](const char *name) {

@@ -107,7 +107,7 @@ void the_sides_see_the_same_conflicts(unsigned seeds)
         ASSERT_EQ(lines(here, false), lines(there, true)) << "seed " << seed;
         seen += here.size();
     }
-    EXPECT_GT(seen, seeds);
+    EXPECT_GT(seen, seeds / 4);
 }
 
 // Of names that a list has twice the first one may be gone then, and the second one the first.
