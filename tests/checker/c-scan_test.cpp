@@ -16,7 +16,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 class Scan : public testing::Test {
 protected:
@@ -103,35 +102,14 @@ TEST_F(Scan, InsertsWhatTheSourceDoesNotKnow)
     EXPECT_EQ(source->item_count, 0U);
 }
 
-TEST_F(Scan, NotEverythingIsARequest)
+TEST_F(Scan, PrintsAndInsertsWhatTheTableHolds)
 {
-    EXPECT_EQ(scan("/* lang_get_string(\"g\", \"a\") */ // lang_get_string(\"g\", \"b\")\n"
-                   "my_lang_get_string(\"g\", \"c\"); lang_get_string2(\"g\", \"d\");\n"
-                   "lang_get_info(\"g\", \"e\");\n"
-                   "s = \"// lang_get_string(\\\"g\\\", \\\"f\\\")\";\n"
-                   "s = \"/* lang_get_string(\\\"g\\\", \\\"f\\\")\" \"*/\";\n"
-                   "c = '\"'; d = '\\''; e = '\\\\'; lang_get_info(\"'\");\n"),
-              "");
-    EXPECT_THAT(items(), IsEmpty());
-}
-
-TEST_F(Scan, StopAndStart)
-{
-    EXPECT_EQ(scan("lang_get_string(\"g\", \"a\");\n#define ZEL_LANGUAGE_CHECK_STOP\n"
-                   "lang_get_string(\"g\", \"b\"); // ZEL_LANGUAGE_CHECK_START\n"
-                   "\"lang_get_string(\\\"g\\\", \\\"b\\\")\"\n zel_language_check_start\n"
-                   "ZEL_LANGUAGE_CHECK_START lang_get_string(\"g\", \"c\");\n"
-                   // A script has an end of its own.
-                   "\"ZEL_LANGUAGE_CHECK_STOP lang_get(\";\nlang_get_string(\"g\", \"d\");\n"
-                   "ZEL_LANGUAGE_CHECK_STOP lang_get_string(\"g\", \"e\");"),
-              "not found, insert item 00001:a.c: ->g<->a<-\n"
-              "language_check stop file >a.c< line >2<\n"
-              "language check start file >a.c< line >5<\n"
-              "not found, insert item 00006:a.c: ->g<->c<-\n"
-              "language_check stop file >a.c< line >1<\n"
-              "not found, insert item 00008:a.c: ->g<->d<-\n"
-              "language_check stop file >a.c< line >9<\n");
-    EXPECT_THAT(items(), ElementsAre("g/a", "g/c", "g/d"));
+    for (const zel_test::row &row : zel_test::rows_of("checker/scan.rows", "files")) {
+        source.reset(lang_alloc_group());
+        EXPECT_EQ(scan(row[0]), row[1]) << row.line;
+        EXPECT_EQ(items(), std::vector<std::string>(row.texts.begin() + 2, row.texts.end()));
+        EXPECT_EQ(result, 0);
+    }
 }
 
 TEST_F(Scan, Definitions)
@@ -185,27 +163,6 @@ TEST_F(Scan, GivesUpOneRequestThatIsBroken)
                   row[1] + "not found, insert item 00003:a.c: ->g<->next<-\n");
         EXPECT_THAT(items(), ElementsAre("g/next")) << row.line;
     }
-}
-
-TEST_F(Scan, ANameKeepsItsGoodPieces)
-{
-    EXPECT_EQ(scan("lang_get(\"d\", \"g\", \"a\" + \"b\" UNKNOWN \"c\")"),
-              "ERROR(19): syntax a.c line 1 string or id expecetd\n"
-              "WARNING: syntax a.c line 1 symbol not found\n"
-              "not found, insert item 00001:a.c: ->g<->abc<-\n");
-}
-
-TEST_F(Scan, TheEndInsideARequest)
-{
-    EXPECT_EQ(scan("lang_get_str(handle"),
-              "ERROR(9): syntax a.c line 1 missing group string  ID -1\n");
-    EXPECT_EQ(scan("lang_get_string"), "ERROR(9): syntax a.c line 1 missing group string  ID -1\n");
-    EXPECT_EQ(scan("lang_get_string(\"g\","),
-              "ERROR(11): syntax a.c line 1 string or id expecetd\n");
-    EXPECT_EQ(scan("lang_get(\"d\", \"g\", \"i\""),
-              "ERROR(19): syntax a.c line 1 string or id expecetd\n");
-    EXPECT_EQ(result, 0);
-    EXPECT_THAT(items(), IsEmpty());
 }
 
 TEST_F(Scan, LongNamesAndPlacesAreCut)
