@@ -13,6 +13,7 @@ namespace zel::lint {
 
 namespace {
 
+// What a byte of UTF-8 does to the counts.
 enum byte_kind : unsigned char { begins_word, middle, space, wide, perhaps_wide };
 
 constexpr std::array<byte_kind, 256> make_byte_kinds()
@@ -29,6 +30,7 @@ constexpr auto byte_kinds = make_byte_kinds();
 static_assert(std::endian::native == std::endian::little, "the byte before is the one below");
 
 // Byte by byte.
+// Where a script sets no blanks every character counts as a word.
 amount measure_wide(std::string_view text)
 {
     amount found;
@@ -114,6 +116,7 @@ void counter::count(std::size_t i, std::string_view own, const item_t *item)
         language.left.add(reference_amount_);
         return;
     }
+    // A text that equals the reference is measured already; many are, in a new language.
     ++language.translated;
     const bool same = own == reference_;
     language.same += same && !language.is_reference ? 1U : 0U;
@@ -138,6 +141,7 @@ void counter::add(const item_t *item)
         count(i, join(entry->texts, buffer_), item);
     }
     for (std::size_t i = 0; i < languages_.size(); ++i)
+        // Numbers of items instead of a flag: nothing has to be cleared between two items.
         if (seen_in_[i] != counts.used) {
             ++counts.languages[i].missing;
             counts.languages[i].left.add(reference_amount_);
@@ -161,13 +165,17 @@ amount measure(std::string_view text)
         const std::size_t there = std::min<std::size_t>(8, text.size() - at);
         std::uint64_t x = ones * ' ';
         std::memcpy(&x, text.data() + at, there);
+        // A lead byte from 0xE3 on may begin a wide character: then the slow way decides.
         const std::uint64_t from_e0 = x & x << 1 & x << 2 & tops;
         if ((from_e0 & (x << 3 | x << 4 | x << 5 | (x << 6 & x << 7))) != 0)
             return measure_wide(text);
+        // Bytes 10xxxxxx continue a character, so they are none of their own.
         const std::uint64_t middles = x & ~(x << 1) & tops;
+        // Every byte above a blank, also those with the top bit, belongs to a word.
         const std::uint64_t words = (((x & ~tops) + ones * (0x7F - ' ')) | x) & tops;
         const std::uint64_t blanks = ~words & tops;
         found.characters += there - count(middles);
+        // A word begins where the byte before it is a blank.
         found.words += count(words & (blanks << 8 | blank_before));
         blank_before = blanks >> 56;
     }

@@ -69,6 +69,7 @@ constexpr rule table[] = {
      judge_not_ready},
 };
 
+// Findings index the table by their id, and the list of "--rules" shows the gravest first.
 constexpr bool is_good()
 {
     for (std::size_t i = 0; i < std::size(table); ++i) {

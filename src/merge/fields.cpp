@@ -19,6 +19,8 @@ public:
         skip_to_byte();
     }
 
+    // The writer drops the blank end of a text: what differs only there is the same text on the
+    // disk.
     bool only_blanks() const
     {
         text_walk rest = *this;
@@ -28,6 +30,7 @@ public:
     }
 
 private:
+    // Strings may be empty, and null; the walk stands on a byte or at the end.
     void skip_to_byte()
     {
         while (*at_ == '\0' && node_ != nullptr) {
@@ -61,6 +64,7 @@ void append_texts(std::string &out, GList *texts)
         out += view_of(text);
 }
 
+// A missing entry has no value; an empty one has the empty text.
 field_value value_of(const lang_entry_t *entry)
 {
     if (entry == nullptr)
@@ -78,6 +82,7 @@ bool same_strings(GList *a, GList *b)
     return a == b;
 }
 
+// Most texts are cut into the same lines: comparing those first saves the walk by bytes.
 bool same_text(GList *a, GList *b)
 {
     if (same_strings(a, b))
