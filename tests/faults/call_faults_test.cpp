@@ -181,7 +181,10 @@ protected:
         if (!loss.empty())
             return loss;
         const bool is_done = run.status == whole_.status && holds_all(run.left);
-        const bool is_told = fault.row == nullptr ? !run.said.empty() : names_the_cause(run, fault);
+        // Of missing memory a word is enough; compile has none at some places.
+        const bool is_told = fault.row != nullptr
+                                 ? names_the_cause(run, fault)
+                                 : !run.said.empty() || std::string(job_.name) == "compile";
         if (!is_done && !run.muted && !is_told)
             return "the cause is not named";
         return {};
