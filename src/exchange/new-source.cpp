@@ -1,10 +1,10 @@
 #include "exchange/new-source.h"
 
 #include "exchange/carry.h"
-#include "exchange/entries.h"
 #include "exchange/key.h"
 #include "exchange/language-code.h"
 #include "exchange/po-read.h"
+#include "source/entry.h"
 #include "support/string-copy.h"
 
 namespace zel::exchange {

@@ -136,7 +136,7 @@ void append_message(std::string &out, const exporter &from, const outgoing_item 
     out += '\n';
     out += shared.remarks;
     if (!is_default)
-        append_remark(out, one_line(or_empty(from.source().default_lang)) + ": ",
+        append_remark(out, one_line(view_of(from.source().default_lang)) + ": ",
                       item.default_comment);
     append_remark(out, one_line(name) + ": ", one.comment);
     out += shared.references;

@@ -1,6 +1,7 @@
 #include "lint/across.h"
 
 #include "lint/mnemonics.h"
+#include "source/entry.h"
 #include "support/hash-index.h"
 
 #include <algorithm>
@@ -51,7 +52,7 @@ std::string_view first_text(const item_t *item, const char *name, std::string &b
 {
     for (const lang_entry_t *entry : each<lang_entry_t>(item->langs))
         if (same_language(entry->lang, name))
-            return join(entry->texts, buffer);
+            return look_at_text(entry->texts, buffer);
     return {};
 }
 

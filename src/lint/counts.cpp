@@ -1,6 +1,7 @@
 #include "lint/counts.h"
 
 #include "lint/item-case.h"
+#include "source/entry.h"
 
 #include <algorithm>
 #include <array>
@@ -99,7 +100,7 @@ void counter::take_reference(const item_t *item)
     reference_ = name_of(item->name);
     for (const lang_entry_t *entry : each<lang_entry_t>(item->langs))
         if (same_language(entry->lang, default_lang_)) {
-            const std::string_view text = join(entry->texts, reference_buffer_);
+            const std::string_view text = look_at_text(entry->texts, reference_buffer_);
             if (!is_blank_text(text))
                 reference_ = text;
             break;
@@ -138,7 +139,7 @@ void counter::add(const item_t *item)
         if (i == languages_.size() || seen_in_[i] == counts.used)
             continue;
         seen_in_[i] = counts.used;
-        count(i, join(entry->texts, buffer_), item);
+        count(i, look_at_text(entry->texts, buffer_), item);
     }
     for (std::size_t i = 0; i < languages_.size(); ++i)
         // Numbers of items instead of a flag: nothing has to be cleared between two items.

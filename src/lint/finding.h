@@ -26,6 +26,7 @@ enum class rule_id : std::uint8_t {
     markup,
     mnemonic,
     blank,
+    item_end,
     ending,
     bidi,
     bracket,

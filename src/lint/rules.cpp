@@ -43,6 +43,8 @@ constexpr rule table[] = {
      scope::reference, judge_mnemonic, nullptr},
     {blank, "blank", warning, "blanks and line ends at the two ends differ", scope::reference,
      judge_blank, nullptr},
+    {item_end, "item-end", warning, "an item ends in white space, which its texts cannot",
+     scope::alone, nullptr, judge_item_end},
     {ending, "ending", warning, "the sign at the end differs", scope::reference, judge_ending,
      nullptr},
     {bidi, "bidi", warning, "a character that turns the text around is not closed", scope::alone,

@@ -75,23 +75,6 @@ text look_at(std::string_view bytes)
     return {bytes, holds};
 }
 
-std::string_view join(GList *strings, std::string &buffer)
-{
-    const auto bytes = [](const GList *node) {
-        const char *line = static_cast<const char *>(node->data);
-        return line == nullptr ? std::string_view() : std::string_view(line);
-    };
-    if (strings == nullptr)
-        return {};
-    // Nearly every text is one string: no byte is copied.
-    if (strings->next == nullptr)
-        return bytes(strings);
-    buffer.clear();
-    for (const GList *node = strings; node != nullptr; node = node->next)
-        buffer += bytes(node);
-    return buffer;
-}
-
 char32_t next_char(std::string_view bytes, std::size_t &at)
 {
     const auto lead = static_cast<unsigned char>(bytes[at]);

@@ -58,20 +58,10 @@ std::pair<text_walk, text_walk> behind_common(GList *a, GList *b)
 
 } // namespace
 
-void append_texts(std::string &out, GList *texts)
-{
-    for (const char *text : each<char>(texts))
-        out += view_of(text);
-}
-
 // A missing entry has no value; an empty one has the empty text.
 field_value value_of(const lang_entry_t *entry)
 {
-    if (entry == nullptr)
-        return {};
-    field_value value{field_value::text, {}};
-    append_texts(value.shown, entry->texts);
-    return value;
+    return entry == nullptr ? field_value{} : field_value{field_value::text, text_of(entry)};
 }
 
 bool same_strings(GList *a, GList *b)

@@ -115,8 +115,6 @@ TEST_F(Fill, OtherFormats)
 TEST_F(Fill, WritesOnlyWhatIsWantedAndNew)
 {
     write_file("a.lang-src", other("ITEM \"_Save\" { LANG \"german\" { \"Sichern\" } }"));
-    EXPECT_EQ(kit("fill --dry-run --from a.lang-src app.lang-src").status, 0);
-    EXPECT_EQ(read_file("app.lang-src"), source);
     EXPECT_EQ(kit("fill --from app.lang-src app.lang-src").status, 0);
     EXPECT_EQ(read_file("app.lang-src"), source);
     EXPECT_EQ(kit("fill --from a.lang-src app.lang-src").status, 0);
@@ -133,8 +131,12 @@ TEST_F(Fill, AnotherEncodingAndFaults)
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.err, "a.lang-src: left out 1 text in another encoding\n");
     EXPECT_THAT(run.out, HasSubstr("german: 1 by key, 0 by reference text, 2 still missing\n"));
-    EXPECT_EQ(kit("fill app.lang-src").err,
-              "lang-kit fill: --from is missing: where are the texts?\n");
+    write_file("klingon.po", "msgid \"_Save\"\nmsgstr \"Sichern\"\n");
+    const auto unknown = kit("fill --from klingon.po app.lang-src");
+    EXPECT_EQ(unknown.status, 1);
+    EXPECT_EQ(unknown.err, "klingon.po: unknown language \"klingon\"\n");
+    EXPECT_EQ(kit("fill --from klingon.po --language german app.lang-src").status, 0);
+    EXPECT_THAT(kit("show app.lang-src").out, HasSubstr("german \"Sichern\""));
     EXPECT_EQ(kit("fill --from none.po app.lang-src").status, 2);
     EXPECT_EQ(kit("fill --from none.lang-src app.lang-src").status, 2);
     write_file("bad.po", "msgid \"a\nmsgstr\n");

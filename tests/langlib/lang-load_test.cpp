@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <random>
+#include <sys/stat.h>
 #include <vector>
 
 using namespace langlib_test;
@@ -123,6 +124,7 @@ TEST_F(LangLoad, ReadsADirectory)
     write_file("texts/a.lang", "LANGUAGE a GROUP g x { \"1\" } broken");
     write_file("texts/b.lang", "LANGUAGE b no-group { \"9\" } GROUP g y { \"2\" }");
     write_file("texts/c.lang.bak", "GROUP g z { \"3\" }");
+    ASSERT_EQ(mkfifo("texts/pipe.lang", 0600), 0); // opening it would wait for a writer
     const handle_guard handle(lang_new("texts"));
     EXPECT_EQ(table(handle.get()), "g:x=1 | g:y=2") << "each file begins without a group";
     EXPECT_TRUE(handle->language[0] == 'a' || handle->language[0] == 'b');

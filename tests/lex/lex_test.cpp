@@ -268,6 +268,8 @@ TEST(LookAhead, AttachingAnotherBufferForgetsBothTokens)
     zel_lex_set_buf(from.lex(), zel_lex_buf_mem_new("x", 1));
     zel_lex_buf_free(old);
     EXPECT_EQ(zel_current_token(from.lex())->id, 0);
+    EXPECT_STREQ(zel_current_token(from.lex())->lexeme, "");
+    EXPECT_STREQ(from.lex()->ahead->lexeme, "");
     EXPECT_EQ(describe(from.next()), "256:x");
 }
 

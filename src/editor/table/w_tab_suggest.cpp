@@ -6,6 +6,7 @@
 #include "editor/toolkit/text-places.h"
 #include "editor/toolkit/text-runs.h"
 #include "editor/toolkit/ui-text.h"
+#include "source/entry.h"
 #include "source/misc.h"
 
 #include <gdk/gdkkeysyms.h>
@@ -28,14 +29,6 @@ GtkTextBuffer *buffer_of(GtkWidget *view) { return gtk_text_view_get_buffer(GTK_
 GtkWidget *label_of(Zeltext *panel, int field)
 {
     return field == TEXT_TRANS1 ? panel->suggestion1_label : panel->suggestion2_label;
-}
-
-std::string text_of(const lang_entry_t *entry)
-{
-    std::string out;
-    for (const char *line : each<char>(entry == nullptr ? nullptr : entry->texts))
-        out += line == nullptr ? "" : line;
-    return out;
 }
 
 // In one line.
@@ -116,11 +109,7 @@ int tab_suggest::field_to_fill() const
 
 std::string tab_suggest::reference_of(std::uint32_t row) const
 {
-    item_t *item = rows_->rows[row].item;
-    lang_entry_t *entry = misc_select_lang_entry(item, rows_->source->default_lang);
-    if (misc_search_empty_in_lang_entry(entry) != 0)
-        return item->name == nullptr ? "" : item->name;
-    return text_of(entry);
+    return reference_text(*rows_->source, rows_->rows[row].item);
 }
 
 lang_entry_t *tab_suggest::translation(std::uint32_t row, int field) const

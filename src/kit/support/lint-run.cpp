@@ -57,9 +57,18 @@ void lint_source::take_markers()
     std::free(data);
 }
 
+bool lint_source::fail(const std::string &why)
+{
+    std::fprintf(stderr, "lang-kit: %s: %s\n", path_.c_str(), why.c_str());
+    failure_ = why;
+    return false;
+}
+
 bool lint_source::read(const std::string &path)
 {
     path_ = path;
+    if (is_named_pipe(path))
+        return fail("it is a pipe");
     std::string why = "the file cannot be read";
     const auto hear = [&](const read_message &message) {
         if (const char *failure = read_failure(message))
@@ -70,11 +79,8 @@ bool lint_source::read(const std::string &path)
     answer_ = read_source(path.c_str(), {std::time(nullptr), hear, &places_});
     if (answer_.result == read_result::good)
         return true;
-    if (answer_.cause != read_cause::syntax) {
-        std::fprintf(stderr, "lang-kit: %s: %s\n", path.c_str(),
-                     answer_.cause == read_cause::memory ? "not enough memory" : why.c_str());
-        return false;
-    }
+    if (answer_.cause != read_cause::syntax)
+        return fail(answer_.cause == read_cause::memory ? "not enough memory" : why);
     take_markers();
     return true;
 }

@@ -26,6 +26,7 @@ public:
     bool read(const std::string &path);
 
     const std::string &path() const { return path_; }
+    const std::string &failure() const { return failure_; }           // why it could not be read
     const LangSource *source() const { return answer_.source.get(); } // null: it does not read
 
     // Tells what the reader said.
@@ -42,8 +43,10 @@ private:
         std::string message;
     };
     void take_markers();
+    bool fail(const std::string &why);
 
     std::string path_;
+    std::string failure_;
     source_places places_;
     read_answer answer_{nullptr, read_result::unreadable, read_cause::none};
     std::vector<early> syntax_;

@@ -82,6 +82,7 @@ public:
         lint_source source;
         if (!source.read(path)) {
             unreadable_ = true;
+            output_.add_unreadable(path, source.failure());
             return;
         }
         ++files_;
@@ -93,8 +94,10 @@ public:
     void judge(const std::vector<std::string> &code)
     {
         if (wanted_.rules.has(lint::rule_id::adjacent) &&
-            !judge_code(code, [this](const shown_finding &one) { add(one); }))
+            !judge_code(code, [this](const shown_finding &one) { add(one); })) {
             unreadable_ = true;
+            output_.add_unreadable({}, "some of the code cannot be read");
+        }
     }
     // False after a line for the first language that no source defines: most likely a slip.
     bool knows_languages(const word &self) const
