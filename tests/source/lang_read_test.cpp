@@ -440,48 +440,4 @@ TEST_F(AnyBytes, AByteDroppedOrChanged)
     }
 }
 
-TEST_F(AnyBytes, BinaryFiles)
-{
-    unsigned state = 7;
-    for (int round = 0; round < 50; round++) {
-        std::string bytes = round % 2 != 0 ? "group \"g\" { item \"i\" { " : "";
-        for (int n = 0; n < 2000; n++) {
-            state = state * 1103515245U + 12345U;
-            bytes += static_cast<char>(state >> 16);
-        }
-        survives(bytes);
-    }
-}
-
-TEST_F(AnyBytes, EndlessNesting)
-{
-    for (const char *nest :
-         {"{", "group \"g\" {", "group \"g\" { item \"i\" { lang \"e\" {", "define ", "version ",
-          "/*", "\"", "define file \"a\" lang \"b\" 1 2 "}) {
-        std::string text;
-        while (text.size() < 100000)
-            text += nest;
-        survives(text);
-        survives("group \"g\" { item \"i\" { lang \"e\" " + text);
-    }
-}
-
-using AnyBytesSlow = AnyBytes;
-TEST_F(AnyBytesSlow, ALineOfTenMegabytes)
-{
-    const std::string line(10 << 20, 'x');
-    const source_guard source = read("app \"" + line + "\" group \"g\" { } //" + line);
-    ASSERT_NE(source, nullptr);
-    EXPECT_EQ(source->app, line);
-    survives("group \"g\" { item \"i\" { lang \"e\" { \"" + line);
-    survives("version " + std::string(10 << 20, '1'));
-}
-
-TEST_F(AnyBytes, ADirectory)
-{
-    std::filesystem::create_directory("d");
-    EXPECT_EQ(zel_test::capture_stdout([] { EXPECT_EQ(lang_read_file("d"), nullptr); }),
-              "ERROR(146) open ->d<-\n");
-}
-
 } // namespace
