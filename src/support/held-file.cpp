@@ -93,12 +93,13 @@ public:
     bool go_on()
     {
         struct stat now {};
-        if (lstat(path_, &now) != 0)
+        const bool is_seen = lstat(path_, &now) == 0;
+        if (!is_seen && errno == ENOENT)
             return true;
-        if (zel::id_of(now) != zel::id_of(seen_) || now.st_ctim.tv_sec != seen_.st_ctim.tv_sec ||
-            now.st_ctim.tv_nsec != seen_.st_ctim.tv_nsec)
+        if (is_seen && (zel::id_of(now) != zel::id_of(seen_) || !is_same(now.st_ctim))) {
             moved_ = steady_clock::now();
-        seen_ = now;
+            seen_ = now;
+        }
         usleep(pause_);
         pause_ = std::min<useconds_t>(pause_ * 2, 30'000);
         return steady_clock::now() - moved_ < patience;
@@ -119,6 +120,11 @@ public:
     }
 
 private:
+    bool is_same(const timespec &time) const
+    {
+        return time.tv_sec == seen_.st_ctim.tv_sec && time.tv_nsec == seen_.st_ctim.tv_nsec;
+    }
+
     const char *path_;
     struct stat seen_ {};
     useconds_t pause_ = 2000;

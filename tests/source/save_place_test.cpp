@@ -109,7 +109,9 @@ TEST_F(SavePlace, WhatIsNoRegularFileIsNeitherMovedNorReplaced)
         EXPECT_THAT(printed, testing::MatchesRegex("lang_write_file\\(1\\): error\\([0-9]+\\) "
                                                    "rename " +
                                                    path + " to .*\\.bak\n"));
-        EXPECT_EQ(said, "lang: " + path + " cannot be saved: it is no regular file\n");
+        EXPECT_EQ(said, "lang: " + path + " cannot be saved: " +
+                            (path == "folder" ? std::strerror(EISDIR) : "it is no regular file") +
+                            "\n");
         EXPECT_EQ(status_of(path).st_ino, before);
     }
     EXPECT_EQ(read_file("folder/inside"), old_text);
