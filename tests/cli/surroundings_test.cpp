@@ -77,10 +77,13 @@ TEST_F(SurroundingsSlow, TooLittleMemoryCostsNothing)
     write_file("app.lang-src", source(40000));
     write_file("a.c", "lang_get_string(\"g\", \"i1\");");
     const std::string before = read_file("app.lang-src");
-    const std::string out = shell("ulimit -v 25000; lang check app.lang-src a.c");
-    EXPECT_THAT(out + err, testing::ContainsRegex("not enough memory|failed to allocate"));
-    EXPECT_EQ(status, 0);
-    EXPECT_TRUE(read_file("app.lang-src") == before);
+    for (const char *limit : {"-v 25000", "-d 1000"}) { // the second is not enough for any source
+        const std::string out =
+            shell(std::string("ulimit ") + limit + "; lang check app.lang-src a.c");
+        EXPECT_THAT(out + err, testing::ContainsRegex("not enough memory|failed to allocate"));
+        EXPECT_EQ(status, 0);
+        EXPECT_TRUE(read_file("app.lang-src") == before);
+    }
 }
 
 TEST_F(Surroundings, ASourceThatIsThereAndCannotBeReadIsLeftAlone)

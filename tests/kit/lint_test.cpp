@@ -99,6 +99,10 @@ TEST_F(Lint, WhatTheReaderSaysIsAFinding)
     write_file("cut.lang-src", "/* !!!! DO NOT EDIT !!!!! */\n");
     EXPECT_THAT(kit("lint cut.lang-src").out,
                 StartsWith("cut.lang-src: error: the line that names"));
+    write_file("nul.lang-src", "define format utf8\ngroup \"a\" { item \"b\\0c\" { used no } }\n");
+    EXPECT_EQ(kit("lint --only encoding nul.lang-src").out,
+              "nul.lang-src:2:18: error: a NUL byte ends the text here, and what follows is lost "
+              "[encoding]\n");
 }
 
 TEST_F(Lint, ConflictMarkersAreNamed)

@@ -17,7 +17,6 @@
 namespace {
 
 using testing::HasSubstr;
-using testing::MatchesRegex;
 using testing::Not;
 using zel_test::describe;
 using zel_test::read_file;
@@ -321,22 +320,6 @@ TEST_F(Write, APathCannotEndItsComment)
 }
 
 // --- the files -----------------------------------------------------------------------------------
-
-TEST_F(Write, TheOldFileBecomesADatedBackup)
-{
-    std::filesystem::create_directory("sub");
-    write_file("sub/app.lang-src", "the old text");
-    const source_guard source = read(sample);
-    written(source.get(), "sub/app.lang-src");
-    EXPECT_EQ(printed, "");
-    EXPECT_EQ(files(), (std::vector<std::string>{"in.lang-src", "sub"})); // lang.tmp is gone
-    const std::vector<std::string> both = files("sub");
-    ASSERT_EQ(both.size(), 2U);
-    EXPECT_EQ(both[0], "app.lang-src");
-    EXPECT_THAT(both[1], MatchesRegex("app.lang-src-20[0-9]{2}-[0-9]{2}-[0-9]{2}-[0-9]{2}-"
-                                      "[0-9]{2}-[0-9]{2}\\.bak"));
-    EXPECT_EQ(read_file("sub/" + both[1]), "the old text");
-}
 
 using WriteSlow = Write;
 TEST_F(WriteSlow, ABackupNeverReplacesAnotherOne)
