@@ -80,10 +80,9 @@ int unmake(int fd, const char *path)
     return -1;
 }
 
-// Makes the file and holds its lock. -1 with errno.
-int create_locked(const char *path, mode_t mode)
+// Makes the file and holds its lock. -1 with errno: EAGAIN when another one holds it all the time.
+int create_locked(const char *path, mode_t mode, std::chrono::seconds patience)
 {
-    constexpr auto patience = std::chrono::seconds(8);
     constexpr useconds_t pause = 2000;
     const auto end = steady_clock::now() + patience;
     for (;;) {
@@ -101,8 +100,9 @@ int create_locked(const char *path, mode_t mode)
             const taken what = remove_leftover(path);
             if (what == taken::stays)
                 return -1;
-            if (what == taken::held)
-                usleep(pause);
+            if (what == taken::gone)
+                continue;
+            usleep(pause);
         }
         if (steady_clock::now() > end) {
             errno = EAGAIN;
@@ -125,19 +125,31 @@ bool was_at(int fd, const char *place)
     return !error && name.native() == (folder / path.filename()).native() + " (deleted)";
 }
 
+// What a name beside the path begins with.
+std::string start_beside(const std::string &path)
+{
+    constexpr std::size_t longest_name = 200;     // room for more letters in every file system
+    const std::size_t name = path.rfind('/') + 1; // 0 without a folder
+    return path.substr(0, name + std::min(path.size() - name, longest_name)) + ".";
+}
+
 // A name in the folder of the path. It need not be secret, as an exclusive creation follows it.
 std::string name_beside(const std::string &path)
 {
-    constexpr std::size_t longest_name = 200; // room for the letters in every file system
     constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyz0123456789";
-    const std::size_t name = path.rfind('/') + 1; // 0 without a folder
-    std::string beside = path.substr(0, name + std::min(path.size() - name, longest_name)) + ".";
+    std::string beside = start_beside(path);
     std::array<unsigned char, 8> random{};
     if (getrandom(random.data(), random.size(), GRND_NONBLOCK) < 0)
         random[0] = static_cast<unsigned char>(steady_clock::now().time_since_epoch().count());
     for (const unsigned char byte : random)
         beside += letters[byte % letters.size()];
     return beside;
+}
+
+// The folder, or what the place is, lets nobody put another file there.
+bool is_refused(int error)
+{
+    return error == EACCES || error == EPERM || error == EROFS || error == EBUSY;
 }
 
 // Readable by others only once it is clear that they may.
@@ -167,7 +179,8 @@ int safe_file::take(int fd, std::string path, const target_file &old)
 
 int safe_file::create(const char *path, const target_file &old)
 {
-    return take(create_locked(path, mode_at_first(old)), path, old);
+    constexpr auto patience = std::chrono::seconds(8);
+    return take(create_locked(path, mode_at_first(old), patience), path, old);
 }
 
 int safe_file::create_beside(const target_file &old)
@@ -181,6 +194,21 @@ int safe_file::create_beside(const target_file &old)
     }
     is_own_name_ = true;
     return take(fd, std::move(path), old);
+}
+
+int safe_file::create_output(const target_file &old, handle how)
+{
+    if (const int error = write_obstacle(old))
+        return error_ = error;
+    writes_into_ = old.is_file();
+    std::string path = start_beside(old.path) + "tmp";
+    const int fd = how == handle::rests
+                       ? -1
+                       : create_locked(path.c_str(), mode_at_first(old), std::chrono::seconds(0));
+    int error = fd >= 0 ? take(fd, std::move(path), old) : create_beside(old);
+    if (writes_into_ && is_refused(error))
+        error = error_ = 0;
+    return error;
 }
 
 int safe_file::open_again()
@@ -198,6 +226,10 @@ int safe_file::open_again()
 
 int safe_file::append(std::string_view text)
 {
+    if (path_.empty() && writes_into_) {
+        held_ += text;
+        return error_;
+    }
     if (error_ == 0)
         error_ = open_again();
     if (error_ == 0) {
@@ -282,10 +314,34 @@ int safe_file::rename_to(const char *place)
     return is_own_name_ || !is_lost(place, id_) || was_at(fd_, place) ? 0 : ESTALE;
 }
 
+int safe_file::write_into(const std::string &place)
+{
+    struct stat status {};
+    safe_file into;
+    into.fd_ = open_plain(place.c_str(), O_WRONLY);
+    if (into.fd_ < 0 || fstat(into.fd_, &status) != 0)
+        return errno;
+    if (status.st_nlink != 1)
+        return EACCES; // its other name may be one that somebody aims at
+    // First, so that whoever reads meanwhile sees no new text that goes over into an old one.
+    if (ftruncate(into.fd_, 0) != 0)
+        return errno;
+    into.append(held_);
+    if (!path_.empty() && (into.error_ = open_again()) == 0)
+        into.copy_from(fd_);
+    into.rest();
+    drop();
+    return into.error_;
+}
+
 int safe_file::put(const target_file &old)
 {
+    if (path_.empty() && writes_into_)
+        return write_into(old.path);
     if (near_ == nullptr) {
         int error = rename_to(old.path.c_str());
+        if (writes_into_ && is_refused(error))
+            return write_into(old.path);
         if (error == 0) {
             keep();
             if (how_ == synced::yes)

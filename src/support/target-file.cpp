@@ -32,10 +32,10 @@ std::string target_of_link(const std::string &link)
 }
 
 // Whether a link's maker could write where it leads without the help of whoever follows it.
-bool may_lead_to(const std::string &path, uid_t maker)
+bool may_lead_to(const std::string &path, const std::string &link, uid_t maker)
 {
     struct stat status {};
-    if (maker == 0 || maker == geteuid())
+    if (!zel::is_foreign_link(link.c_str()))
         return true;
     if (lstat(path.c_str(), &status) == 0 && status.st_uid == maker)
         return true;
@@ -57,7 +57,7 @@ std::string follow_links(std::string path, int &refusal)
         std::string next = target_of_link(path);
         if (next.empty())
             return path;
-        if (!may_lead_to(next, status.st_uid))
+        if (!may_lead_to(next, path, status.st_uid))
             refusal = EACCES;
         path = std::move(next);
     }
