@@ -6,7 +6,7 @@
 #include <csetjmp>
 #include <filesystem>
 
-#include "app/argv.h"
+#include "family/argv.h"
 #include "app/global.h"
 #include "cli/driver.h"
 #include "support/log.h"

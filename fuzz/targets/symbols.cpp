@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "langlib/lang-symbols.h"
-#include "lex/lex-misc.h"
+#include "family/lex-misc.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {

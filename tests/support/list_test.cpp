@@ -1,4 +1,4 @@
-#include "support/list.h"
+#include "family/list.h"
 
 #include "log-fixture.h"
 

@@ -1,5 +1,7 @@
 #include "log-fixture.h"
 
+#include "family/log.h"
+
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

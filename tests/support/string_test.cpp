@@ -1,4 +1,4 @@
-#include "support/string.h"
+#include "family/string.h"
 
 #include "locales.h"
 #include "log-fixture.h"
