@@ -26,7 +26,6 @@ namespace {
 
 using testing::EndsWith;
 using testing::HasSubstr;
-using testing::StartsWith;
 using zel_test::armed;
 using zel_test::read_file;
 using zel_test::write_file;
@@ -360,16 +359,6 @@ TEST_F(Compiled, MoreLanguagesThanHandles)
                 EndsWith("GROUP \"g\"\n  \"i\" {\n   default    \"x\"    }\n"));
 }
 
-TEST_F(Compiled, AnExistingFileKeepsItsMode)
-{
-    const source_guard source = read("define file \"f\" lang \"e\"");
-    write_file("f.lang", "old");
-    chmod("f.lang", 0660);
-    compile(source.get());
-    EXPECT_THAT(read_file("f.lang"), StartsWith("/* automatically"));
-    EXPECT_EQ(fs::status("f.lang").permissions(), fs::perms(0660));
-}
-
 TEST_F(Compiled, NothingLeadsOutOfTheDestination)
 {
     fs::create_directories("top/out/link-edit");
@@ -422,20 +411,6 @@ TEST_F(Compiled, OwnLinksBelowTheDestinationAreFollowed)
     EXPECT_TRUE(fs::is_symlink("out/deutsch-edit/de.lang"));
     EXPECT_THAT(read_file("install/en/en.lang"), HasSubstr("Yes"));
     EXPECT_THAT(read_file("install/ger"), HasSubstr("Ja"));
-}
-
-TEST_F(Compiled, WithoutADestinationTheFileGoesWhereTheDefinitionSays)
-{
-    fs::create_directories("sub/here");
-    write_file("sub/target.lang", "old");
-    fs::create_symlink("target.lang", "sub/link.lang");
-    const source_guard source =
-        read("define file \"sub/here/../f\" lang \"e\" 1 2 file \"sub/link\" lang \"d\"");
-    compile(source.get());
-    EXPECT_EQ(answer.code, 0);
-    EXPECT_TRUE(fs::exists("sub/f.lang"));
-    EXPECT_TRUE(fs::is_symlink("sub/link.lang"));
-    EXPECT_THAT(read_file("sub/target.lang"), HasSubstr("do not edit sub/link */"));
 }
 
 } // namespace

@@ -311,17 +311,6 @@ TEST_F(Split, AFileThatCannotBeCreatedEndsTheMessagesAndHindersNoOther)
         EXPECT_EQ(lang->stream, nullptr);
 }
 
-TEST_F(Split, TheDestinationMustExist)
-{
-    const source_guard source = read(two_languages);
-    split(source.get(), "no/where");
-    EXPECT_EQ(result, 1);
-    EXPECT_EQ(printed, "ERROR open lang file ->english<-\n");
-    EXPECT_THAT(logged, HasSubstr("open_lang_files: ERROR open lang file "
-                                  "->no/where/english-edit/english.lang<-\n"));
-    EXPECT_FALSE(std::filesystem::exists("no"));
-}
-
 TEST_F(Split, NamesThatAreTooLongCannotBeOpened)
 {
     std::filesystem::create_directory("out");
