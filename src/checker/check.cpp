@@ -90,10 +90,9 @@ void say_begun(const char *path, const write_answer &written)
 
 void stamp(LangSource *source)
 {
-    char date[1024]; // as sprintf_date takes it
     source->ctime = std::time(nullptr);
-    sprintf_date(date, "%Y-%m-%d %H:%M:%S", source->ctime);
-    zel::replace_string(source->create_date, zel_strdup(date));
+    const std::string date = zel::date_text("%Y-%m-%d %H:%M:%S", source->ctime);
+    zel::replace_string(source->create_date, zel_strdup(date.c_str()));
 }
 
 // Looks for every request of every path. False when the run is to end.

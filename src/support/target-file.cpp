@@ -198,9 +198,7 @@ folder_turn::~folder_turn()
 
 std::string backup_name(const target_file &old, std::int64_t time)
 {
-    std::array<char, 64> stamp;
-    snprintf_date(stamp.data(), static_cast<int>(stamp.size()), "%Y-%m-%d-%H-%M-%S", time);
-    return old.path + "-" + stamp.data() + ".bak";
+    return old.path + "-" + date_text("%Y-%m-%d-%H-%M-%S", time) + ".bak";
 }
 
 backup_file make_backup(const target_file &old, std::int64_t now)

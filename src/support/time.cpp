@@ -121,3 +121,14 @@ int sprintf_date(char *buffer, const char *format, std::int64_t time)
 {
     return snprintf_date(buffer, 0, format, time);
 }
+
+namespace zel {
+
+std::string date_text(const char *format, std::int64_t time)
+{
+    std::array<char, 1024> text{};
+    sprintf_date(text.data(), format, time);
+    return text.data();
+}
+
+} // namespace zel
