@@ -12,26 +12,14 @@
 namespace {
 
 constexpr zel::file_messages write_messages = {
-    nullptr,
-    nullptr,
-    "zel_write_mem_to_file: ERROR open file >%s<\n",
-    nullptr,
-    "zel_write_mem_to_file: ERROR write file >%s<\n",
-};
+    nullptr, nullptr, "zel_write_mem_to_file: ERROR open file >%s<\n", nullptr,
+    "zel_write_mem_to_file: ERROR write file >%s<\n"};
 constexpr zel::file_messages mem_read_messages = {
-    nullptr,
-    "zel_file_mem_read: ERROR stat file >%s<\n",
-    "zel_file_mem_read: ERROR open file >%s<\n",
-    nullptr,
-    nullptr,
-};
+    nullptr, "zel_file_mem_read: ERROR stat file >%s<\n",
+    "zel_file_mem_read: ERROR open file >%s<\n", nullptr, nullptr};
 constexpr zel::file_messages mem_write_messages = {
-    nullptr,
-    nullptr,
-    "zel_file_mem_write: ERROR open file >%s<\n",
-    nullptr,
-    "zel_file_mem_write: ERROR write file >%s<\n",
-};
+    nullptr, nullptr, "zel_file_mem_write: ERROR open file >%s<\n", nullptr,
+    "zel_file_mem_write: ERROR write file >%s<\n"};
 
 zel::file_outcome write_whole(const char *path, const char *data, std::int64_t size, int flags,
                               int mode)

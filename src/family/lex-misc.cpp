@@ -3,6 +3,7 @@
 #include "support/growing-text.h"
 #include "support/log-print.h"
 #include "support/string-copy.h"
+#include "support/string.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -147,19 +148,7 @@ char *lex_esc_str(const char *source)
     return escaped;
 }
 
-char *lexstrtrim(char *text)
-{
-    if (text == nullptr)
-        return nullptr;
-    std::size_t length = std::strlen(text);
-    while (length > 0 && zel::is_blank(text[length - 1]))
-        text[--length] = '\0';
-    std::size_t leading = 0;
-    while (zel::is_blank(text[leading]))
-        ++leading;
-    std::memmove(text, text + leading, length - leading + 1);
-    return text;
-}
+char *lexstrtrim(char *text) { return zel_str_trim(text); }
 
 int lex_id_char_valid(int character, int digits_allowed)
 {

@@ -13,12 +13,11 @@
 namespace {
 
 constexpr zel::file_messages read_messages = {
-    nullptr,
-    "zel_read_file_to_mem: ERROR stat file >%s<\n",
+    nullptr, "zel_read_file_to_mem: ERROR stat file >%s<\n",
     "zel_read_file_to_mem: ERROR open file >%s<\n",
     "zel_read_file_to_mem: ERROR not enough memory >%s<\n",
-    "zel_read_file_to_mem: ERROR read file >%s<\n",
-};
+    "zel_read_file_to_mem: ERROR read file >%s<\n"};
+
 // Reads until size bytes are there or the file ends; the count, -1 on a read error.
 std::int64_t read_all(int fd, char *data, std::int64_t size)
 {
