@@ -1,5 +1,7 @@
 #include "langlib/languages.h"
 
+#include "support/cut.h"
+
 #include <algorithm>
 #include <cstring>
 #include <glib.h>
@@ -19,15 +21,6 @@ constexpr std::string_view territories =
     ;
 
 constexpr std::size_t row_fields = 6;
-
-// Takes the text up to the sign off the rest.
-std::string_view cut_at(std::string_view &rest, char sign)
-{
-    const std::size_t end = std::min(rest.find(sign), rest.size());
-    const std::string_view part = rest.substr(0, end);
-    rest.remove_prefix(std::min(end + 1, rest.size()));
-    return part;
-}
 
 constexpr bool is_well_formed()
 {

@@ -1,19 +1,12 @@
 #include "langlib/plural-rule.h"
 
+#include "support/cut.h"
+
 #include <algorithm>
 
 namespace zel {
 
 namespace {
-
-// Takes the text up to the sign off the rest.
-std::string_view cut_at(std::string_view &rest, char sign)
-{
-    const std::size_t end = std::min(rest.find(sign), rest.size());
-    const std::string_view part = rest.substr(0, end);
-    rest.remove_prefix(std::min(end + 1, rest.size()));
-    return part;
-}
 
 std::uint64_t take_number(std::string_view &rest)
 {
