@@ -33,7 +33,9 @@ constexpr argv_tab_t check_options[] = {
 
 void say_not_opened(const char *directory)
 {
+    const int error = errno;
     std::printf("_check_rec: ERROR(1) open >%s<\n", directory);
+    std::fprintf(stderr, "check: %s cannot be read: %s\n", directory, std::strerror(error));
 }
 
 void say_not_seen(const char *path)
@@ -60,7 +62,7 @@ check_result read_or_begin(const char *path, std::int64_t now, source_guard &sou
     LogPrint(1, "check: read file >%s<\n", path);
     std::printf("check: read file >%s<\n", path);
     note_source_directory(path);
-    read_answer answer = read_source(path, {now, print_read_message, nullptr});
+    read_answer answer = read_source(path, {now, print_read_message, nullptr, {}, true});
     source = std::move(answer.source);
     if (answer.result == read_result::good)
         return check_result::done;
@@ -68,6 +70,7 @@ check_result read_or_begin(const char *path, std::int64_t now, source_guard &sou
         say_stopped();
         return check_result::ended;
     }
+    say_no_memory(path, answer);
     if (answer.cause == read_cause::unreadable || answer.cause == read_cause::memory)
         return check_result::failed;
     begun = answer.cause == read_cause::syntax;

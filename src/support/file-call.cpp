@@ -7,6 +7,7 @@
 #include <climits>
 #include <cstring>
 #include <fcntl.h>
+#include <string>
 #include <unistd.h>
 
 int zel_open(const char *path, int flags, mode_t mode) { return open(path, flags, mode); }
@@ -41,6 +42,25 @@ int _zel_unlink(const char *file, int line, const char *path)
     return result;
 }
 
+namespace {
+
+// Whether the number is a user's here. In a name space of few users the administrator outside and
+// everybody else there have one and the same number, which is nobody's here.
+bool has_user(uid_t user)
+{
+    std::FILE *map = std::fopen("/proc/self/uid_map", "re");
+    unsigned first = 0;
+    unsigned count = 0;
+    bool found = map == nullptr;
+    while (!found && std::fscanf(map, "%u %*u %u", &first, &count) == 2)
+        found = user >= first && user - first < count;
+    if (map != nullptr)
+        std::fclose(map);
+    return found;
+}
+
+} // namespace
+
 namespace zel {
 
 file_stamp stamp_of(const char *path)
@@ -63,6 +83,14 @@ bool is_named(const char *path, const file_id &id)
     return lstat(path, &status) == 0 && id_of(status) == id;
 }
 
+bool is_lost(const char *path, const file_id &id)
+{
+    struct stat status {};
+    return lstat(path, &status) == 0 ? id_of(status) != id : errno == ENOENT;
+}
+
+std::string folder_part(const std::string &path) { return path.substr(0, path.rfind('/') + 1); }
+
 bool is_there(const char *path)
 {
     struct stat status {};
@@ -70,6 +98,19 @@ bool is_there(const char *path)
         return false;
     return lstat(path, &status) == 0 ||
            (errno != ENOENT && errno != ENOTDIR && errno != ENAMETOOLONG);
+}
+
+bool is_foreign_link(const char *path)
+{
+    struct stat link {};
+    struct stat folder {};
+    if (lstat(path, &link) != 0 || !S_ISLNK(link.st_mode) || link.st_uid == 0 ||
+        link.st_uid == geteuid())
+        return false;
+    const std::size_t name = std::string_view(path).rfind('/') + 1; // 0 without a folder
+    const std::string holder = std::string(path, name) + ".";
+    return has_user(link.st_uid) || stat(holder.c_str(), &folder) != 0 || has_user(folder.st_uid) ||
+           (folder.st_mode & (S_IWGRP | S_IWOTH)) != 0;
 }
 
 bool crosses_foreign_link(const char *path)
@@ -83,9 +124,7 @@ bool crosses_foreign_link(const char *path)
             continue;
         std::memcpy(part.data(), path, end);
         part[end] = '\0';
-        struct stat status {};
-        if (lstat(part.data(), &status) == 0 && S_ISLNK(status.st_mode) && status.st_uid != 0 &&
-            status.st_uid != geteuid())
+        if (is_foreign_link(part.data()))
             return true;
     }
     return false;

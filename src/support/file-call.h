@@ -3,6 +3,7 @@
 // File system calls under this system's names; file and line serve reports only.
 
 #include <cstdio>
+#include <string>
 #include <string_view>
 #include <sys/stat.h>
 #include <sys/types.h>
@@ -51,12 +52,22 @@ bool has_changed(const char *path, const file_stamp &before);
 // Whether the path, not what it links to, names that file.
 bool is_named(const char *path, const file_id &id);
 
+// Whether it is sure that the path stands for another file, or for none.
+bool is_lost(const char *path, const file_id &id);
+
+// The path up to its name, with the separator; empty for a name alone.
+std::string folder_part(const std::string &path);
+
 // Whether something, be it a link, stands at the path. What cannot be found out counts as there,
 // but not a path that is too long for the system.
 bool is_there(const char *path);
 
-// Whether a link on the way to the path, or the path itself, was made by somebody who is neither
-// this user nor the administrator.
+// Whether the path is a link of somebody who is neither this user nor the administrator. In a user
+// name space that does not tell the administrator from others, one in a folder that only its owner
+// may write, who is as unknown, counts as the administrator's.
+bool is_foreign_link(const char *path);
+
+// Whether the path itself or a link on the way to it is one.
 bool crosses_foreign_link(const char *path);
 
 // Creates a file that is not there yet, for reading and writing; follows no link. -1 with errno.

@@ -1,5 +1,7 @@
 #include "support/safe-file.h"
 
+#include "support/held-file.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -8,7 +10,6 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
-#include <sys/file.h>
 #include <sys/random.h>
 #include <unistd.h>
 #include <utility>
@@ -29,88 +30,6 @@ private:
     void (*before_)(int);
 };
 
-// What a name that is taken turned out to be.
-enum class taken { gone, held, stays };
-
-// Whether nobody holds a lock on the file. Where locks are not to be had, nobody does.
-bool lock(int fd) { return flock(fd, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK; }
-
-// Whether it is sure that the name stands for another file, or for none.
-bool is_lost(const char *path, const zel::file_id &id)
-{
-    struct stat status {};
-    return lstat(path, &status) == 0 ? zel::id_of(status) != id : errno == ENOENT;
-}
-
-taken remove_name(const char *path)
-{
-    return unlink(path) == 0 || errno == ENOENT ? taken::gone : taken::stays;
-}
-
-// Removes what bears the name, unless somebody is writing it. Whoever removes a file holds its lock
-// and has seen that it still bears the name, so that nobody removes what has just been made.
-taken remove_leftover(const char *path)
-{
-    const int fd = zel::open_plain(path, O_RDONLY);
-    if (fd < 0) {
-        // No regular file, or one that may not be read. Its owner will notice (see put).
-        const bool no_file = errno == ELOOP || errno == EINVAL || errno == EACCES;
-        return errno == ENOENT ? taken::gone : no_file ? remove_name(path) : taken::stays;
-    }
-    taken result = taken::held;
-    if (lock(fd)) {
-        struct stat open_one {};
-        struct stat named {};
-        if (fstat(fd, &open_one) != 0 || (lstat(path, &named) != 0 && errno != ENOENT))
-            result = taken::stays; // nobody can tell whose it is
-        else
-            result = zel::id_of(named) == zel::id_of(open_one) ? remove_name(path) : taken::gone;
-    }
-    zel::close_quietly(fd);
-    return result;
-}
-
-// Gives up a file that was just made. -1 with errno.
-int unmake(int fd, const char *path)
-{
-    const int error = errno;
-    unlink(path);
-    close(fd);
-    errno = error;
-    return -1;
-}
-
-// Makes the file and holds its lock. -1 with errno.
-int create_locked(const char *path, mode_t mode)
-{
-    constexpr auto patience = std::chrono::seconds(8);
-    constexpr useconds_t pause = 2000;
-    const auto end = steady_clock::now() + patience;
-    for (;;) {
-        const int fd = zel::open_fresh(path, mode);
-        if (fd >= 0) {
-            struct stat status {};
-            if (fstat(fd, &status) != 0)
-                return unmake(fd, path);
-            if (lock(fd) && !is_lost(path, zel::id_of(status)))
-                return fd;
-            close(fd); // somebody took it for a leftover
-        } else if (errno != EEXIST) {
-            return -1;
-        } else {
-            const taken what = remove_leftover(path);
-            if (what == taken::stays)
-                return -1;
-            if (what == taken::held)
-                usleep(pause);
-        }
-        if (steady_clock::now() > end) {
-            errno = EAGAIN;
-            return -1;
-        }
-    }
-}
-
 // Whether the open file stood at the place until another one took it: the system still knows by
 // which name it was reached last.
 bool was_at(int fd, const char *place)
@@ -125,19 +44,31 @@ bool was_at(int fd, const char *place)
     return !error && name.native() == (folder / path.filename()).native() + " (deleted)";
 }
 
+// What a name beside the path begins with.
+std::string start_beside(const std::string &path)
+{
+    constexpr std::size_t longest_name = 200;     // room for more letters in every file system
+    const std::size_t name = path.rfind('/') + 1; // 0 without a folder
+    return path.substr(0, name + std::min(path.size() - name, longest_name)) + ".";
+}
+
 // A name in the folder of the path. It need not be secret, as an exclusive creation follows it.
 std::string name_beside(const std::string &path)
 {
-    constexpr std::size_t longest_name = 200; // room for the letters in every file system
     constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyz0123456789";
-    const std::size_t name = path.rfind('/') + 1; // 0 without a folder
-    std::string beside = path.substr(0, name + std::min(path.size() - name, longest_name)) + ".";
+    std::string beside = start_beside(path);
     std::array<unsigned char, 8> random{};
     if (getrandom(random.data(), random.size(), GRND_NONBLOCK) < 0)
         random[0] = static_cast<unsigned char>(steady_clock::now().time_since_epoch().count());
     for (const unsigned char byte : random)
         beside += letters[byte % letters.size()];
     return beside;
+}
+
+// The folder, or what the place is, lets nobody put another file there.
+bool is_refused(int error)
+{
+    return error == EACCES || error == EPERM || error == EROFS || error == EBUSY;
 }
 
 // Readable by others only once it is clear that they may.
@@ -155,8 +86,10 @@ int safe_file::take(int fd, std::string path, const target_file &old)
         return error_ = errno;
     struct stat status {};
     if (fstat(fd, &status) != 0) { // without its number nobody could tell later whose file it is
-        unmake(fd, path.c_str());
-        return error_ = errno;
+        error_ = errno;
+        unlink(path.c_str());
+        close(fd);
+        return error_;
     }
     fd_ = fd;
     path_ = std::move(path);
@@ -167,7 +100,7 @@ int safe_file::take(int fd, std::string path, const target_file &old)
 
 int safe_file::create(const char *path, const target_file &old)
 {
-    return take(create_locked(path, mode_at_first(old)), path, old);
+    return take(create_held(path, mode_at_first(old)), path, old);
 }
 
 int safe_file::create_beside(const target_file &old)
@@ -181,6 +114,20 @@ int safe_file::create_beside(const target_file &old)
     }
     is_own_name_ = true;
     return take(fd, std::move(path), old);
+}
+
+int safe_file::create_output(const target_file &old, handle how)
+{
+    if (const int error = write_obstacle(old))
+        return error_ = error;
+    writes_into_ = old.is_file();
+    std::string path = start_beside(old.path) + "tmp";
+    const int fd =
+        how == handle::rests ? -1 : create_held(path.c_str(), mode_at_first(old), wait_for::nobody);
+    int error = fd >= 0 ? take(fd, std::move(path), old) : create_beside(old);
+    if (writes_into_ && is_refused(error))
+        error = error_ = 0;
+    return error;
 }
 
 int safe_file::open_again()
@@ -198,6 +145,10 @@ int safe_file::open_again()
 
 int safe_file::append(std::string_view text)
 {
+    if (path_.empty() && writes_into_) {
+        held_ += text;
+        return error_;
+    }
     if (error_ == 0)
         error_ = open_again();
     if (error_ == 0) {
@@ -261,10 +212,10 @@ int safe_file::copy_near(const target_file &old)
 int safe_file::approach(const target_file &old)
 {
     struct stat folder {};
-    const std::size_t end = old.path.rfind('/');
-    const std::string name = end == std::string::npos ? "." : old.path.substr(0, end + 1);
+    const std::string name = folder_part(old.path);
     // A folder that cannot be looked at is none to copy to; the renaming will say why.
-    if (near_ != nullptr || stat(name.c_str(), &folder) != 0 || folder.st_dev == id_.device)
+    if (near_ != nullptr || stat(name.empty() ? "." : name.c_str(), &folder) != 0 ||
+        folder.st_dev == id_.device)
         return 0;
     return copy_near(old);
 }
@@ -282,10 +233,34 @@ int safe_file::rename_to(const char *place)
     return is_own_name_ || !is_lost(place, id_) || was_at(fd_, place) ? 0 : ESTALE;
 }
 
+int safe_file::write_into(const std::string &place)
+{
+    struct stat status {};
+    safe_file into;
+    into.fd_ = open_plain(place.c_str(), O_WRONLY);
+    if (into.fd_ < 0 || fstat(into.fd_, &status) != 0)
+        return errno;
+    if (status.st_nlink != 1)
+        return EACCES; // its other name may be one that somebody aims at
+    // First, so that whoever reads meanwhile sees no new text that goes over into an old one.
+    if (ftruncate(into.fd_, 0) != 0)
+        return errno;
+    into.append(held_);
+    if (!path_.empty() && (into.error_ = open_again()) == 0)
+        into.copy_from(fd_);
+    into.rest();
+    drop();
+    return into.error_;
+}
+
 int safe_file::put(const target_file &old)
 {
+    if (path_.empty() && writes_into_)
+        return write_into(old.path);
     if (near_ == nullptr) {
         int error = rename_to(old.path.c_str());
+        if (writes_into_ && is_refused(error))
+            return write_into(old.path);
         if (error == 0) {
             keep();
             if (how_ == synced::yes)

@@ -2,7 +2,7 @@
 
 #include "app/global.h"
 #include "checker/c-scan.h"
-#include "test-support.h"
+#include "rows.h"
 
 #include <gtest/gtest.h>
 
@@ -13,27 +13,16 @@
 
 namespace {
 
-// Pieces of which a careless jump would lose its place: half words, comment ends, numbers that run
-// into words, carriage returns and NUL bytes anywhere. Each ends at a "~".
-const std::string pieces =
-    "lang_get_string(\"g\", \"i\")~lang_get(\"d\", \"g\", NAME)~lang_~la~ng_tooltip~"
-    "LANG_TOOLTIP~(\"g\",\"x\")~zel_language_check_stop~ZEL_LANGUAGE_CHECK_START~"
-    "#define NAME \"v\"~#define NAME~#define ~# define~#~#else~#define F(x) 1~#define\\\n~"
-    "define~ZEL_LANGUAGE_APP~\"a\" \"1\"~NAME~zel~\"~'~'\"'~'\\''~\\~/~*~//~/*~*/~/* x */~"
-    "// lang_get_string(\"n\",\"n\")\n~0~0x~1.5e~08~.~=~<~+~!~&~|~-~>~^~@~$~,~;~(~)~ ~\t~\n~"
-    "\r~\r\n~NUL~\xe4~word~l~lan~g~_";
-
-// So many pieces, one after the other.
-std::string pick(std::mt19937 &random, unsigned long count)
+// One of the pieces of code that the table holds.
+const std::string &piece(std::uint_fast32_t number)
 {
-    std::vector<std::string> all;
-    std::istringstream in(pieces);
-    for (std::string piece; std::getline(in, piece, '~');)
-        all.push_back(piece == "NUL" ? std::string(1, '\0') : piece);
-    std::string text;
-    for (; count != 0; --count)
-        text += all[random() % all.size()];
-    return text;
+    static const std::vector<std::string> pieces = [] {
+        std::vector<std::string> all;
+        for (const zel_test::row &row : zel_test::rows_of("checker/scan.rows", "pieces"))
+            all.insert(all.end(), row.texts.begin(), row.texts.end());
+        return all;
+    }();
+    return pieces[number % pieces.size()];
 }
 
 // What check_parse prints and where it puts the items; with a reader of our own nothing is jumped.
@@ -66,7 +55,9 @@ TEST(SkipSlow, ChangesNothing)
 {
     std::mt19937 random(1);
     for (int round = 0; round < 4000; ++round) {
-        const std::string text = pick(random, 1 + random() % 40);
+        std::string text;
+        for (auto n = 1 + random() % 40; n != 0; --n)
+            text += piece(random());
         ASSERT_EQ(outcome(text, true), outcome(text, false)) << testing::PrintToString(text);
     }
 }
@@ -77,8 +68,9 @@ TEST(Skip, ChangesNothingAtTheEndsOfBlocks)
     const zel_test::temp_dir dir(zel_test::temp_dir::enter::yes);
     std::mt19937 random(2);
     for (int round = 0; round < 60; ++round) {
-        const std::string blanks(8150 + random() % 40, ' ');
-        const std::string text = blanks + pick(random, 20);
+        std::string text(8150 + random() % 40, ' ');
+        for (unsigned n = 20; n != 0; --n)
+            text += piece(random());
         zel_test::write_file("a.c", text);
         source_guard root(lang_alloc_group());
         const std::string printed =

@@ -5,7 +5,11 @@
 #include <cerrno>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 using zel_test::read_file;
@@ -81,4 +85,33 @@ TEST_F(safe_files, what_is_not_put_in_place_goes_and_what_is_kept_stays)
     kept.append("text");
     kept.keep();
     EXPECT_EQ("text", read_file("temporary"));
+}
+
+// In a name space of one user the administrator outside has the number of all strangers.
+TEST_F(safe_files, links_of_whom_a_name_space_does_not_know)
+{
+    for (const char *folder : {"closed", "open"}) {
+        fs::create_directory(folder);
+        fs::create_symlink("nowhere", std::string(folder) + "/link");
+    }
+    chmod(".", 0755);
+    chmod("open", 01777);
+    const bool is_root = geteuid() == 0;
+    const pid_t child = fork();
+    if (child == 0) {
+        const uid_t user = is_root ? 1234 : geteuid();
+        if (setresuid(user, user, user) != 0 || prctl(PR_SET_DUMPABLE, 1) != 0 ||
+            unshare(CLONE_NEWUSER) != 0)
+            _exit(77);
+        write_file("/proc/self/uid_map", "0 " + std::to_string(user) + " 1\n");
+        EXPECT_FALSE(zel::crosses_foreign_link("/dev/stdout"));
+        EXPECT_FALSE(zel::is_foreign_link("closed/link"));
+        EXPECT_EQ(is_root, zel::is_foreign_link("open/link")); // made by this test's user
+        _exit(HasFailure() ? 1 : 40);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    if (WIFEXITED(status) && WEXITSTATUS(status) == 77)
+        GTEST_SKIP() << "needs the right to make a name space";
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 40);
 }

@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <iterator>
 #include <unordered_set>
 
 namespace zel::kit {
@@ -84,7 +85,10 @@ bool lint_source::read(const std::string &path)
         if (const char *failure = read_failure(message))
             why.append(": ").append(failure);
         if (message.row->number != read_not_opened)
-            syntax_.push_back({message.at, lint::rule_id::syntax, nullptr, message.row->meaning});
+            syntax_.push_back({message.at,
+                               message.row->number == read_nul_byte ? lint::rule_id::encoding
+                                                                    : lint::rule_id::syntax,
+                               nullptr, message.row->meaning});
     };
     answer_ = read_source(path.c_str(), {std::time(nullptr), hear, &places_});
     if (answer_.result == read_result::good)
@@ -105,8 +109,8 @@ void lint_source::judge(const lint::choice &wanted, const shown_listener &to) co
 {
     // What is known before the items are judged; the definitions may stand anywhere.
     std::vector<early> before;
-    if (wanted.rules.has(lint::rule_id::syntax))
-        before = syntax_;
+    std::copy_if(syntax_.begin(), syntax_.end(), std::back_inserter(before),
+                 [&](const early &one) { return wanted.rules.has(one.rule); });
     const auto by_place = [](const early &a, const early &b) { return is_before(a.at, b.at); };
     std::stable_sort(before.begin(), before.end(), by_place);
     std::size_t told = 0;

@@ -12,12 +12,6 @@ namespace zel::kit {
 
 namespace {
 
-// Whether something of the file is not in the source that was read from it.
-bool is_loss(const read_message_row &row)
-{
-    return row.after != outcome::go_on || row.number == read_maybe_cut;
-}
-
 void say(const read_message &message, bool loss)
 {
     const read_message_row &row = *message.row;

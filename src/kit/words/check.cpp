@@ -190,9 +190,10 @@ int fails(const word &self, const std::vector<std::string> &on, const outcomes &
 // A source that is there is read whole; where there is none, a new one begins.
 source_file read_or_begin(const std::string &path)
 {
-    if (is_absent(path))
-        return {source_guard(lang_alloc_group()), {seen_file(path)}};
-    return read_whole(path, std::time(nullptr));
+    if (!is_absent(path))
+        return read_whole(path, std::time(nullptr));
+    seen_file absent(path);
+    return {source_guard(lang_alloc_group()), {std::move(absent)}};
 }
 
 } // namespace
@@ -202,15 +203,26 @@ int run_check(const word &self, int argc, char **argv)
     check_settings wanted;
     parsed line = parse(
         self, argc, argv,
-        {{"keyword", "WORD:ITEM",
-          "the application's own word for a request, and which argument is the item; with a second "
-          "number for the group; may be given again",
-          nullptr, nullptr, &wanted.keywords},
-         {"group", "NAME", "the group of keywords without a number for it", nullptr, &wanted.group},
-         {"fail-on", "WHAT,...", "status 1 for these: new, unused, unread or none (unread)",
-          nullptr, nullptr, &wanted.fail_on, true},
-         {"format", "NAME", "text or json (text)", nullptr, &wanted.format},
-         {"dry-run", nullptr, "write nothing", &wanted.dry_run}},
+        {{.name = "keyword",
+          .argument = "WORD:ITEM",
+          .help =
+              "the application's own word for a request, and which argument is the item; with a "
+              "second number for the group; may be given again",
+          .list = &wanted.keywords},
+         {.name = "group",
+          .argument = "NAME",
+          .help = "the group of keywords without a number for it",
+          .text = &wanted.group},
+         {.name = "fail-on",
+          .argument = "WHAT,...",
+          .help = "status 1 for these: new, unused, unread or none (unread)",
+          .list = &wanted.fail_on,
+          .split = true},
+         {.name = "format",
+          .argument = "NAME",
+          .help = "text or json (text)",
+          .text = &wanted.format},
+         {.name = "dry-run", .help = "write nothing", .on = &wanted.dry_run}},
         1, SIZE_MAX);
     if (line.ends)
         return line.status;
