@@ -55,10 +55,13 @@ function(lang_check)
   lang_at_the_end("lang_add_check_target([[${source}]] [[${arg_FAIL_ON_UNUSED}]] ${arg_TARGETS})")
 endfunction()
 
-# Calls when the whole project is configured: targets may be linked until then.
+# Calls when the whole project is configured: targets may be linked until then. Before CMake 3.19 they
+# must be linked already.
 function(lang_at_the_end call)
   if(CMAKE_VERSION VERSION_LESS 3.19)
-    message(FATAL_ERROR "lang: the texts of a target want CMake 3.19")
+    file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/lang-call.cmake "${call}\n")
+    include(${CMAKE_CURRENT_BINARY_DIR}/lang-call.cmake)
+    return()
   endif()
   cmake_language(EVAL CODE "cmake_language(DEFER DIRECTORY [[${CMAKE_SOURCE_DIR}]] CALL cmake_language EVAL CODE [==[${call}]==])")
 endfunction()

@@ -173,7 +173,7 @@ bool is_define(byte_place word, byte_place word_end)
 }
 
 // A "#" counts before "define", and that only with a name and a string behind it. The name of the
-// application begins with a letter that is left alone.
+// application, and a request's, begin with letters that are left alone.
 bool block_walk::pass_hash()
 {
     const byte_place word = blanks_end(at + 1);
@@ -185,8 +185,9 @@ bool block_walk::pass_hash()
         const byte_place name = blanks_end(word_end);
         const byte_place name_end = run_end(name);
         const byte_place value = blanks_end(name_end);
-        if (name_end == name || value == end || (*name | 0x20) == 'z' || *value == '"' ||
-            kinds[*value] == FEED || kinds[*value] == SLASH || kinds[*value] == DOUBT) {
+        if (name_end == name || value == end || (*name | 0x20) == 'z' || kinds[*name] == LETTER_L ||
+            *value == '"' || kinds[*value] == FEED || kinds[*value] == SLASH ||
+            kinds[*value] == DOUBT) {
             known = at;
             return false;
         }
