@@ -84,7 +84,9 @@ int search_directory(tree_walk &w, const char *directory)
     LogPrint(1, "_check_rec: entry >%s<\n", directory);
     const directory_guard entries(g_dir_open(directory, 0, nullptr));
     if (entries == nullptr) {
+        const int error = errno;
         LogPrint(1, "_check_rec: ERROR(1) open >%s<\n", directory);
+        errno = error;
         w.to.not_opened(directory);
         return 0;
     }

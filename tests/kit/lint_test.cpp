@@ -81,7 +81,7 @@ TEST_F(Lint, ListsItsRules)
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.out, StartsWith("syntax       error    "));
     EXPECT_THAT(result.out, HasSubstr("\nnot-ready    info     "));
-    EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 25);
+    EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 28);
 }
 
 TEST_F(Lint, WhatTheReaderSaysIsAFinding)
@@ -99,32 +99,21 @@ TEST_F(Lint, WhatTheReaderSaysIsAFinding)
     write_file("cut.lang-src", "/* !!!! DO NOT EDIT !!!!! */\n");
     EXPECT_THAT(kit("lint cut.lang-src").out,
                 StartsWith("cut.lang-src: error: the line that names"));
+    write_file("nul.lang-src", "define format utf8\ngroup \"a\" { item \"b\\0c\" { used no } }\n");
+    EXPECT_EQ(kit("lint --only encoding nul.lang-src").out,
+              "nul.lang-src:2:18: error: a NUL byte ends the text here, and what follows is lost "
+              "[encoding]\n");
 }
 
 TEST_F(Lint, ConflictMarkersAreNamed)
 {
-    write_file("app.lang-src", "GROUP \"a\" {\n<<<<<<< HEAD\n  ITEM \"b\" { }\n=======\n"
-                               "  ITEM \"c\" { }\n>>>>>>> side\n}\n");
-    EXPECT_EQ(kit("lint app.lang-src").out,
-              "app.lang-src:2:1: error: a conflict marker of version control: <<<<<<< HEAD "
-              "[syntax]\n"
-              "app.lang-src:4:1: error: a conflict marker of version control: ======= [syntax]\n"
-              "app.lang-src:6:1: error: a conflict marker of version control: >>>>>>> side "
-              "[syntax]\n");
-}
-
-TEST_F(Lint, RequestsInPiecesAreFoundInTheCode)
+    write_file("app.lang-src", "GROUP \"a\" {\nTEST_F(Lint, Json)
 {
-    std::filesystem::create_directories("src/deep");
-    write_file("src/deep/a.c", "x = lang_get_string(\"main\", \"Na\" \"me:\");\n");
-    write_file("src/a.txt", "lang_get_string(\"main\", \"Na\" \"me:\")\n");
-    const auto result = kit("lint --only adjacent --code src app.lang-src --format json");
-    EXPECT_EQ(result.out, "[\n{\"file\": \"src/deep/a.c\", \"line\": 1, \"column\": 34, \"level\": "
-                          "\"error\", \"rule\": \"adjacent\", \"group\": \"main\", \"item\": "
-                          "\"Name:\", \"language\": null, \"message\": \"the application asks for "
-                          "\\\"Name:\\\", of which only \\\"Na\\\" is read: write it in one piece, "
-                          "or as lang_get\"}\n]\n");
-    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(kit("lint --format json --only format,missing app.lang-src").out,
+                StartsWith("[\n{\"file\": \"app.lang-src\", \"line\": 4, \"column\": 3, \"level\": "
+                           "\"warning\", \"rule\": \"missing\", \"group\": \"main\", \"item\": "
+                           "\"%d %s\", \"language\": \"french\", \"message\": \"there is no "
+                           "text\"},\n"));
     EXPECT_EQ(kit("lint --format json --only same app.lang-src").out, "[]\n");
     EXPECT_EQ(kit("lint --only adjacent --code none app.lang-src").status, 2);
 }

@@ -197,7 +197,7 @@ TEST(Lint, OneItemIsJudgedAlone)
     EXPECT_THAT(said, ElementsAre("ending")); // and not that there is another
 }
 
-TEST(Lint, NoTextMakesARuleFail)
+TEST(Lint, NoTextMakesARuleCrashOrSayNothing)
 {
     // Bytes that begin or end something, alone and in pairs, at both ends.
     const std::string pieces[] = {"%",  "%1$",     "_",        "<",        "</", "<a", "&",

@@ -12,12 +12,6 @@ namespace zel::kit {
 
 namespace {
 
-// Whether something of the file is not in the source that was read from it.
-bool is_loss(const read_message_row &row)
-{
-    return row.after != outcome::go_on || row.number == read_maybe_cut;
-}
-
 void say(const read_message &message, bool loss)
 {
     const read_message_row &row = *message.row;
@@ -77,7 +71,7 @@ source_guard read(const std::string &path, source_places *places)
     return std::move(read_source(path.c_str(), {std::time(nullptr), hear, places}).source);
 }
 
-source_file read_whole(const std::string &path)
+source_file read_whole(const std::string &path, std::int64_t now)
 {
     source_file file{nullptr, {seen_file(path)}};
     if (!is_readable(path))
@@ -87,7 +81,7 @@ source_file read_whole(const std::string &path)
         say(message, is_loss(*message.row));
         whole = whole && !is_loss(*message.row);
     };
-    file.source = std::move(read_source(path.c_str(), {0, hear, nullptr}).source);
+    file.source = std::move(read_source(path.c_str(), {now, hear, nullptr}).source);
     if (!whole)
         file.source.reset();
     return file;
