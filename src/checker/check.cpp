@@ -47,7 +47,9 @@ int check_path(zel::item_index &index, const char *path, std::int64_t now)
 {
     LogPrint(1, "check: check directory >%s<\n", path);
     std::printf("check: check directory >%s<\n", path);
-    const auto scan = [&](const char *file) { return check_file(index, file, now); };
+    const auto scan = [&](const char *file) {
+        return check_file(index, file, {now, stdout, nullptr, nullptr});
+    };
     const int result = scan_path(path, {scan, say_not_opened, say_not_seen});
     LogPrint(1, "check: free\n");
     return result;
@@ -91,14 +93,6 @@ void say_begun(const char *path, const write_answer &written)
         std::fprintf(stderr, "check: %s could not be read; it is as it was\n", path);
 }
 
-void stamp(LangSource *source)
-{
-    char date[1024]; // as sprintf_date takes it
-    source->ctime = std::time(nullptr);
-    sprintf_date(date, "%Y-%m-%d %H:%M:%S", source->ctime);
-    zel::replace_string(source->create_date, zel_strdup(date));
-}
-
 // Looks for every request of every path. False when the run is to end.
 bool scan_paths(LangSource *source, int count, char **paths, std::int64_t now)
 {
@@ -122,9 +116,7 @@ check_result check_once(const char *path, int count, char **words, std::int64_t 
     const check_result result = read_or_begin(path, now, source, begun);
     if (result != check_result::done)
         return result;
-    stamp(source.get());
-    clear_all_file_list(source.get());
-    clear_all_used(source.get());
+    forget_uses(source.get());
     if (!scan_paths(source.get(), count, words, now))
         return check_result::ended;
     if (failed_copies() != failed_before) {
@@ -168,7 +160,7 @@ int _check_rec(LangSource *root, const char *directory)
 {
     zel::item_index index(root);
     const auto check = [&](const char *file) {
-        return zel::check_file(index, file, lang_global.start_time);
+        return zel::check_file(index, file, {lang_global.start_time, stdout, nullptr, nullptr});
     };
     if (zel::scan_directory(directory, {check, say_not_opened, say_not_seen}) != 0)
         lang_exit(0);
@@ -176,6 +168,16 @@ int _check_rec(LangSource *root, const char *directory)
 }
 
 namespace zel {
+
+void forget_uses(LangSource *source)
+{
+    char date[1024]; // as sprintf_date takes it
+    source->ctime = std::time(nullptr);
+    sprintf_date(date, "%Y-%m-%d %H:%M:%S", source->ctime);
+    replace_string(source->create_date, zel_strdup(date));
+    clear_all_file_list(source);
+    clear_all_used(source);
+}
 
 check_result run_check(int count, char **words, std::int64_t now)
 {

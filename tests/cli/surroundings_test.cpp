@@ -11,6 +11,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "shell.h"
 #include "working-dir.h"
 
 namespace {
@@ -30,15 +31,13 @@ constexpr bool sanitized = false;
 
 class Surroundings : public zel_test::working_dir {
 protected:
-    // What a shell that runs the line prints, "lang" being the program.
+    // What a shell that runs the line prints.
     std::string shell(const std::string &line)
     {
-        const std::string command =
-            "exec >out 2>err; HOME=\"$PWD\"; lang() { '" LANG_PROGRAM "' \"$@\"; }; " + line;
-        write_file("cmd", command);
-        status = std::system("sh cmd");
-        err = read_file("err");
-        return read_file("out");
+        const auto run = zel_test::shell("HOME=\"$PWD\"; " + line);
+        status = run.status;
+        err = run.err;
+        return run.out;
     }
     static std::string source(int items)
     {

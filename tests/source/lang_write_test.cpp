@@ -64,7 +64,7 @@ const std::string sample = R"(
     group "main" { visible 0 screen_shot "main"
         item "btn_ok" { ctime 1700000000 used yes { "main.c" "dlg.c" }
             lang "english" { "OK" } lang "deutsch" { "Gut" "so" } comment "english" { "a button" }
-            comment "francais" { "un" } }
+            comment "deutsch" { "ein Knopf" } comment "francais" { "un" } }
         item "old" { description "gone" typ 2 rowheight 40 ctime 5 visible 0 ready 1 changed
             lang "francais" { } } }
     group "empty" { }
@@ -118,6 +118,9 @@ GROUP "main" {
     COMMENT   "english" {
         "a button"
     }
+    COMMENT   "deutsch" {
+        "ein Knopf"
+    }
 )";
 
 const std::string sample_french_comment = R"(    COMMENT   "francais" {
@@ -161,6 +164,7 @@ TEST_F(Write, TheWholeFile)
                                          sample_end);
     EXPECT_EQ(result, 0);
     EXPECT_EQ(printed, "");
+    EXPECT_EQ(files(), (std::vector<std::string>{"app.lang-src", "in.lang-src"})); // no backup
 }
 
 TEST_F(Write, OnlyUsedItems)

@@ -59,71 +59,8 @@ protected:
     }
 };
 
-// --- every call in turn --------------------------------------------------------------------------
-
-constexpr zel_test::call_that_fails calls[] = {
-    {"open", EMFILE},   {"flock", ENOLCK}, {"fchmod", EPERM}, {"fchown", EPERM},
-    {"lstat", EIO},     {"write", ENOSPC}, {"fsync", EIO},    {"close", EDQUOT},
-    {"unlink", EIO},    {"link", EPERM},   {"link", ENOSPC},  {"rename", EXDEV},
-    {"rename", EACCES}, {"pread", EIO},    {"renameat2", EIO}};
-
-class EachCallSlow : public SaveFaults {
-protected:
-    // Fails one call, or that and all after it. False once the save did not come to that call.
-    bool save_failing(const std::string &path, const zel_test::call_that_fails &call, int nth,
-                      bool lasting)
-    {
-        save(
-            path, [&] { armed = {call.name, nth, call.error, lasting, false, {}}; },
-            [] { armed.call = ""; });
-        return armed.struck;
-    }
-    void every_call_fails_in_turn(const std::string &path, bool leftover)
-    {
-        for (const bool lasting : {false, true}) {
-            for (const zel_test::call_that_fails &call : calls) {
-                bool struck = true;
-                for (int nth = 1; struck && nth < 40; nth++) {
-                    SCOPED_TRACE(std::string(call.name) + " " + std::to_string(nth) +
-                                 (lasting ? " and later ones fail with " : " fails with ") +
-                                 std::to_string(call.error));
-                    clear(folder_of(path));
-                    fs::remove("lang.tmp");
-                    write_file(path, old_text);
-                    if (leftover)
-                        write_file("lang.tmp", leftover_text);
-                    struck = save_failing(path, call, nth, lasting);
-                    const bool no_look = std::strcmp(call.name, "lstat") == 0;
-                    const bool stays = std::strcmp(call.name, "unlink") == 0 ||
-                                       read_file("lang.tmp") == leftover_text;
-                    expect_nothing_lost(path, stays || no_look);
-                }
-                EXPECT_FALSE(struck) << call.name;
-                EXPECT_EQ(result, 0);
-            }
-        }
-    }
-};
-
-TEST_F(EachCallSlow, OnOneFileSystem)
-{
-    fs::create_directory("sub");
-    every_call_fails_in_turn("sub/app.lang-src", false);
-}
-
-TEST_F(EachCallSlow, WithALeftoverTemporaryFile)
-{
-    fs::create_directory("sub");
-    every_call_fails_in_turn("sub/app.lang-src", true);
-}
-
-TEST_F(EachCallSlow, AcrossFileSystems)
-{
-    const zel_test::elsewhere other;
-    if (!other.is_other())
-        GTEST_SKIP() << "needs a second file system at /dev/shm";
-    every_call_fails_in_turn(other.path() + "/app.lang-src", false);
-}
+// --- single calls (of every call with every error, the fault machine tells that nothing is lost)
+// --
 
 TEST_F(SaveFaults, WithoutLinksTheOldFileIsMovedAsBefore)
 {
