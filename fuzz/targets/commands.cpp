@@ -6,9 +6,9 @@
 #include <csetjmp>
 #include <filesystem>
 
-#include "app/argv.h"
 #include "app/global.h"
 #include "cli/driver.h"
+#include "family/argv.h"
 #include "support/log.h"
 
 namespace {

@@ -5,7 +5,7 @@
 
 #include <filesystem>
 
-#include "app/argv.h"
+#include "family/argv.h"
 #include "kit/words.h"
 
 namespace {

@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "family/lex-misc.h"
 #include "langlib/lang-symbols.h"
-#include "lex/lex-misc.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {

@@ -4,7 +4,7 @@
 
 #include <cstdlib>
 
-#include "app/argv.h"
+#include "family/argv.h"
 
 namespace {
 

@@ -1,5 +1,6 @@
 #include "compiler/excel.h"
 
+#include "support/file-call.h"
 #include "support/misc-error.h"
 #include "support/safe-file.h"
 #include "support/text.h"
@@ -14,7 +15,6 @@
 #include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <utility>
 
 namespace {
 
@@ -55,80 +55,45 @@ void append_record(std::string &out, const edit_t *group, const item_t *item)
     out += '\r';
 }
 
-// Where the table goes: a file, put in place when it is whole, or what can only be written into.
-class table_output {
-public:
-    ~table_output()
-    {
-        if (stream_ != nullptr)
-            std::fclose(stream_);
-    }
-    // Null when it can be written, else why not.
-    const char *open(const char *path);
-    void append(std::string_view text)
-    {
-        if (stream_ == nullptr)
-            file_.append(text);
-        else if (error_ == 0 && std::fwrite(text.data(), 1, text.size(), stream_) < text.size())
-            error_ = errno;
-    }
-    int finish(); // 0 or errno
-
-private:
-    int open_file();
-    int open_stream(const char *path, int flags);
-
-    zel::target_file old_;
-    zel::safe_file file_;
-    std::FILE *stream_ = nullptr;
-    int error_ = 0;
-};
-
 // A terminal, another device, a pipe.
 bool is_stream(const struct stat &status)
 {
     return S_ISCHR(status.st_mode) || S_ISFIFO(status.st_mode);
 }
 
-// A pipe gets some seconds to find its reader.
-int open_with_reader(const char *path, int flags)
+// A pipe gets some seconds to find its reader. -1 with errno.
+int open_stream(const char *path)
 {
     constexpr int tries = 50;
     constexpr timespec between{0, 100'000'000};
     int fd = -1;
     for (int n = 0; n < tries; ++n) {
-        fd = open(path, O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC | flags);
+        fd = open(path, O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
         if (fd >= 0 || errno != ENXIO)
             break;
         nanosleep(&between, nullptr);
     }
+    if (fd >= 0)
+        fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) & ~O_NONBLOCK);
     return fd;
 }
 
-int table_output::open_stream(const char *path, int flags)
-{
-    const int fd = open_with_reader(path, flags);
-    if (fd < 0)
-        return errno;
-    fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) & ~O_NONBLOCK);
-    stream_ = fdopen(fd, "w");
-    if (stream_ != nullptr)
-        return 0;
-    const int error = errno;
-    close(fd);
-    return error;
-}
+// Where the table goes: a file, put in place when it is whole, or what can only be written into.
+class table_output {
+public:
+    ~table_output()
+    {
+        if (stream_ >= 0)
+            close(stream_);
+    }
+    const char *open(const char *path);  // null when it can be written, else why not
+    int write(std::string_view records); // 0 or errno
 
-int table_output::open_file()
-{
-    int error = zel::write_obstacle(old_);
-    if (error != 0)
-        return error;
-    error = file_.create_beside(old_);
-    // Where the folder takes no other file, what is there may still be written.
-    return error != 0 && old_.is_file() ? open_stream(old_.path.c_str(), O_TRUNC | O_NOFOLLOW)
-                                        : error;
-}
+private:
+    zel::target_file old_;
+    zel::safe_file file_;
+    int stream_ = -1;
+};
 
 const char *table_output::open(const char *path)
 {
@@ -138,41 +103,34 @@ const char *table_output::open(const char *path)
     const auto is_trusted = [&] {
         return !S_ISFIFO(status.st_mode) || !old_.is_there || status.st_uid == geteuid();
     };
-    const bool streams =
-        old_.refusal != EACCES && stat(path, &status) == 0 && is_stream(status) && is_trusted();
-    if (!streams && old_.refusal != 0)
+    if (old_.refusal != EACCES && stat(path, &status) == 0 && is_stream(status) && is_trusted()) {
+        stream_ = open_stream(path);
+        return stream_ >= 0     ? nullptr
+               : errno == ENXIO ? "nobody reads the pipe"
+                                : std::strerror(errno);
+    }
+    if (old_.refusal != 0)
         return zel::refusal_text(old_.refusal);
-    const int error = streams ? open_stream(path, 0) : open_file();
-    if (error == ENXIO)
-        return "nobody reads the pipe";
+    const int error = file_.create_output(old_, zel::handle::kept);
     return error == 0 ? nullptr : std::strerror(error);
 }
 
-int table_output::finish()
+int table_output::write(std::string_view records)
 {
-    if (stream_ == nullptr) {
-        const int error = file_.finish(zel::synced::no);
-        return error == 0 ? file_.put(old_) : error;
-    }
-    if (std::fclose(std::exchange(stream_, nullptr)) != 0 && error_ == 0)
-        error_ = errno;
-    return error_;
+    if (stream_ >= 0)
+        return zel::write_all(stream_, records);
+    file_.append(records);
+    const int error = file_.finish(zel::synced::no);
+    return error == 0 ? file_.put(old_) : error;
 }
 
-void write_records(table_output &output, const LangSource *source)
+std::string records_of(const LangSource *source)
 {
-    constexpr std::size_t worth_a_write = 256 * 1024;
     std::string out;
-    for (const edit_t *group : zel::each<edit_t>(source->groups)) {
-        for (const item_t *item : zel::each<item_t>(group->items)) {
+    for (const edit_t *group : zel::each<edit_t>(source->groups))
+        for (const item_t *item : zel::each<item_t>(group->items))
             append_record(out, group, item);
-            if (out.size() < worth_a_write)
-                continue;
-            output.append(out);
-            out.clear();
-        }
-    }
-    output.append(out);
+    return out;
 }
 
 } // namespace
@@ -195,9 +153,9 @@ int to_excel_unicode_text(LangSource *source, const char *path, const char * /*l
         std::fprintf(stderr, "lang: %s: %s\n", path, cause);
         return 1;
     }
-    write_records(output, source);
-    const int error = output.finish();
+    const int error = output.write(records_of(source));
     if (error != 0) {
+        std::printf("ERROR write excel unicode text file ->%s<-\n", path);
         _zel_error("excel", __LINE__, "to_excel_unicode_text: the file is not complete");
         std::fprintf(stderr, "lang: %s: %s\n", path, std::strerror(error));
     }

@@ -11,10 +11,10 @@
 #include "source/model.h"
 
 // Writes the records to the path, replacing the file that stands there once all of them are
-// written; a device, or a pipe with a reader, gets them as they come. Returns 0; 1 when the file
-// cannot be created, or something else stands there (after a message on standard output), or when
-// it could not be written to its end (after a report on standard error). The two languages are not
-// used.
+// written, or writing into it where the system lets nobody replace it; a device, or a pipe with a
+// reader, gets them. Returns 0; 1 when the file cannot be created, or something else stands there,
+// or when it could not be written to its end (after a message on standard output, and the cause on
+// standard error). The two languages are not used.
 int to_excel_unicode_text(LangSource *source, const char *path, const char *lang,
                           const char *comment_lang);
 

@@ -2,6 +2,7 @@
 
 #include "langlib/compiled-file.h"
 #include "support/dir_list.h"
+#include "support/file-call.h"
 #include "support/gen_path.h"
 #include "support/text.h"
 
@@ -9,7 +10,6 @@
 #include <cstring>
 #include <filesystem>
 #include <string_view>
-#include <sys/stat.h>
 #include <system_error>
 #include <vector>
 
@@ -48,22 +48,22 @@ bool has_root(const std::string &directory)
     }
 }
 
-// Whether a part of the path behind the destination is a link.
-bool has_link_below(std::size_t destination, const std::string &path)
+// Whether a part of the path behind the destination is somebody else's link.
+bool has_foreign_link_below(std::size_t destination, const std::string &path)
 {
     for (std::size_t end = destination; end != std::string::npos;) {
         end = path.find('/', end + 1);
-        struct stat status {};
-        if (lstat(path.substr(0, end).c_str(), &status) == 0 && S_ISLNK(status.st_mode))
+        if (zel::is_foreign_link(path.substr(0, end).c_str()))
             return true;
     }
     return false;
 }
 
-// Whether the path stays in the destination when its links are followed, as far as it is there.
+// Whether the path stays in the destination when its links are followed, as far as it is there, or
+// leaves it by the user's own links alone.
 bool stays_below(const std::string &destination, const std::string &path)
 {
-    if (!has_link_below(destination.size(), path))
+    if (!has_foreign_link_below(destination.size(), path))
         return true;
     std::error_code error;
     const fs::path root = fs::canonical(destination, error);

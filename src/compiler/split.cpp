@@ -16,27 +16,35 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <sys/resource.h>
 #include <vector>
 
 namespace {
 
-// One language's file under construction. It holds no handle between two writes, so that there may
-// be more languages than handles.
+// One language's file under construction. There may be more languages than handles: only the first
+// ones hold theirs between two writes.
 struct language_file {
-    language_file(const lang_t *of, zel::target_file at) : lang(of), place(std::move(at)) {}
+    language_file(const lang_t *of, zel::target_file at, zel::handle held)
+        : lang(of), place(std::move(at)), how(held)
+    {
+    }
 
     const lang_t *lang;
     zel::target_file place;
+    zel::handle how;
     zel::safe_file file;
     std::string text; // not written yet
     std::uint32_t slot = zel::entry_table::no_slot;
+    int error = 0;
 
     int flush(std::size_t least = 0)
     {
         if (text.size() < least || text.empty())
             return 0;
-        const int error = file.append(text);
-        file.rest();
+        if (error == 0 && (error = file.append(text)) != 0)
+            file.drop(); // the room that it takes is another one's
+        if (how == zel::handle::rests)
+            file.rest();
         text.clear();
         return error;
     }
@@ -46,34 +54,48 @@ struct language_file {
     int finish()
     {
         flush();
-        return file.finish(zel::synced::no);
+        return error = error != 0 ? error : file.finish(zel::synced::no);
     }
 };
 using language_file_ptr = std::unique_ptr<language_file>;
 
-// Null, after the messages, when the file cannot be made; then the answer says why.
-language_file_ptr open_language(const lang_t *lang, const char *destination,
+void say_cause(const std::string &path, int error)
+{
+    std::fprintf(stderr, "lang: %s cannot be written: %s\n", path.c_str(), std::strerror(error));
+}
+
+void keep_first(zel::compile_answer &answer, const std::string &path, int error)
+{
+    if (answer.code == 0)
+        answer = {1, path, error};
+}
+
+// Null, after the messages, when the file cannot be made; then the answer says why. Standard output
+// ends with the first one that cannot.
+language_file_ptr open_language(const lang_t *lang, const char *destination, zel::handle how,
                                 zel::compile_answer &answer)
 {
     const zel::language_path path = zel::path_of_language(lang, destination);
     auto opened = std::make_unique<language_file>(
-        lang, zel::find_target(path.path.c_str(),
-                               destination == nullptr ? zel::links::follow : zel::links::replace));
+        lang, zel::find_target(path.path.c_str(), zel::links::follow), how);
     const char *file = zel::or_empty(lang->file);
     int error = path.is_allowed ? opened->place.refusal : EACCES;
     if (error == 0)
-        error = zel::write_obstacle(opened->place);
-    if (error == 0)
-        error = opened->file.create_beside(opened->place);
+        error = opened->file.create_output(opened->place, how);
     if (error != 0) {
-        std::printf("ERROR open lang file ->%s<-\n", file);
         LogPrint(1, "open_lang_files: ERROR open lang file ->%s<-\n", path.path.c_str());
-        answer = {1, path.path, error};
+        if (answer.code == 0)
+            std::printf("ERROR open lang file ->%s<-\n", file);
+        else if (error != ENOENT) // a destination that is missing is one fault, not one for each
+            say_cause(path.path, error);
+        keep_first(answer, path.path, error);
         return nullptr;
     }
-    opened->file.rest();
-    std::printf("READY open lang file ->%s<-\n", file);
     LogPrint(1, "open_lang_files: READY open lang file ->%s<-\n", path.path.c_str());
+    if (answer.code == 0)
+        std::printf("READY open lang file ->%s<-\n", file);
+    if (how == zel::handle::rests)
+        opened->file.rest();
     std::string name;
     zel::append_comment(name, file);
     zel::append_format(opened->text, zel::compiled_first_line, name.c_str());
@@ -113,27 +135,36 @@ struct compiler {
     std::vector<language_file_ptr> files;
     zel::entry_table entries;
     std::uint32_t default_slot = zel::entry_table::no_slot;
+    bool is_told = true; // which items lack a text
 
-    bool open(const char *destination, zel::compile_answer &answer);
+    void open(const char *destination, zel::compile_answer &answer);
     void write();
     void append_head(language_file &out) const;
     void write_group(const edit_t *group);
     void append_item(language_file &out, const item_t *item) const;
-    bool put(zel::compile_answer &answer);
-    void leave_begun();
+    void put(zel::compile_answer &answer);
 };
 
-bool compiler::open(const char *destination, zel::compile_answer &answer)
+// How many files may hold a handle: half of those that the process may have.
+std::size_t handles_to_hold()
 {
+    rlimit most{};
+    return getrlimit(RLIMIT_NOFILE, &most) == 0 ? most.rlim_cur / 2 : 0;
+}
+
+void compiler::open(const char *destination, zel::compile_answer &answer)
+{
+    const std::size_t handles = handles_to_hold();
     for (const lang_t *lang : zel::each<lang_t>(source->langs)) {
-        language_file_ptr opened = open_language(lang, destination, answer);
+        const zel::handle held = files.size() < handles ? zel::handle::kept : zel::handle::rests;
+        language_file_ptr opened = open_language(lang, destination, held, answer);
         if (opened == nullptr)
-            return false;
+            continue;
         opened->slot = entries.add_language(zel::or_empty(lang->name));
         files.push_back(std::move(opened));
     }
     default_slot = entries.add_language(source->default_lang);
-    return true;
+    is_told = answer.code == 0;
 }
 
 void compiler::append_head(language_file &out) const
@@ -157,7 +188,7 @@ void compiler::append_item(language_file &out, const item_t *item) const
         append_entry(out.text, item, entry, false, how.posnr);
     else if (const lang_entry_t *fallback = entries.find(default_slot))
         append_entry(out.text, item, fallback, true, how.posnr);
-    else if (source->default_lang == nullptr)
+    else if (source->default_lang == nullptr && is_told)
         std::printf("WARNING: no entry for lang \"%s\" item \"%s\"\n",
                     zel::or_empty(out.lang->name), zel::or_empty(item->name));
 }
@@ -192,34 +223,22 @@ void compiler::write()
         write_group(group);
 }
 
-bool say_not_written(const language_file &out, int error, zel::compile_answer &answer)
-{
-    std::fprintf(stderr, "lang: %s cannot be written: %s\n", out.place.path.c_str(),
-                 std::strerror(error));
-    LogPrint(1, "split_file: ERROR(%d) write lang file ->%s<-\n", error, out.place.path.c_str());
-    answer = {1, out.place.path, error};
-    return false;
-}
-
-// Puts the files in place, once all of them are whole.
-bool compiler::put(zel::compile_answer &answer)
+// Puts the files in place, once all of them are as far as they can be: one that could not be
+// written keeps none of the others from its place.
+void compiler::put(zel::compile_answer &answer)
 {
     for (const language_file_ptr &out : files)
-        if (const int error = out->finish())
-            return say_not_written(*out, error, answer);
-    for (const language_file_ptr &out : files)
-        if (const int error = out->file.put(out->place))
-            return say_not_written(*out, error, answer);
-    return true;
-}
-
-// Once a file cannot be opened: those made before it stay with their first line, but none takes the
-// place of an older one, whose texts are better than none.
-void compiler::leave_begun()
-{
-    for (const language_file_ptr &out : files)
-        if (!out->place.is_there && out->finish() == 0)
-            out->file.put(out->place);
+        out->finish();
+    for (const language_file_ptr &out : files) {
+        const int error = out->error != 0 ? out->error : out->file.put(out->place);
+        if (error == 0)
+            continue;
+        std::printf("ERROR write lang file ->%s<-\n", zel::or_empty(out->lang->file));
+        LogPrint(1, "split_file: ERROR(%d) write lang file ->%s<-\n", error,
+                 out->place.path.c_str());
+        say_cause(out->place.path, error);
+        keep_first(answer, out->place.path, error);
+    }
 }
 
 void log_directory(const char *destination)
@@ -274,12 +293,9 @@ compile_answer compile_source(LangSource *source, const char *destination, const
     }
     LogPrint(1, "split_file: entry\n");
     compiler work{source, how, {}, {}};
-    if (work.open(destination, answer)) {
-        work.write();
-        work.put(answer);
-    } else {
-        work.leave_begun();
-    }
+    work.open(destination, answer);
+    work.write();
+    work.put(answer);
     if (answer.code != 0) {
         LogPrint(1, "split_file: ERROR write languages files\n");
         return answer;
@@ -301,7 +317,7 @@ int open_lang_files(GList *langs, const char *destination)
 {
     zel::compile_answer answer;
     for (lang_t *lang : zel::each<lang_t>(langs)) {
-        language_file_ptr opened = open_language(lang, destination, answer);
+        language_file_ptr opened = open_language(lang, destination, zel::handle::rests, answer);
         if (opened == nullptr)
             return -1;
         lang->stream = stream_of(std::move(opened));

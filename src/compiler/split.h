@@ -17,7 +17,7 @@ struct compile_how {
 
 struct compile_answer {
     int code = 0;       // as split_file returns it
-    std::string failed; // path of the language file that could not be made or written, or empty
+    std::string failed; // path of the first language file not made or written, or empty
     int error = 0;      // and errno
 };
 
@@ -25,10 +25,13 @@ struct compile_answer {
 // named after the language with "-edit" appended, or without one under the definition's file name.
 // Only used items are written; the default language stands in for a missing one. Every file is
 // written beside its place, and put there when all of them are complete: whoever loads meanwhile
-// sees the old file or the new one. Of two definitions of one path the last one wins.
-// Codes: 0 (also for a null source, which is logged); 1 when a language file cannot be created,
-// after a message on standard output, or written, after one on standard error; then the old files
-// stay. A definition that leads out of the destination counts as one that cannot be created.
+// sees the old file or the new one. Where the system lets nobody put a file there, but write the
+// old one, that is written. Of two definitions of one path the last one wins.
+// Codes: 0 (also for a null source, which is logged); 1 when a language file cannot be created or
+// written; then its old one stays, and the others are written all the same. Standard output names
+// those that could not be written and the first one that could not be created; after that one it
+// tells of no other that is or cannot be. Standard error has the causes. A definition that leads
+// out of the destination counts as one that cannot be created.
 compile_answer compile_source(LangSource *source, const char *destination, const compile_how &how);
 
 } // namespace zel

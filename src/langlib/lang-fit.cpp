@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t most_arguments = 32;
 constexpr std::size_t most_digits = 3; // of a width or a precision
-constexpr std::size_t to_the_end = SIZE_MAX;
+constexpr std::uint16_t to_the_end = UINT16_MAX;
 
 // Kinds of arguments; what has the same kind and length is passed the same way and means the same.
 enum kind : unsigned char { none, whole, natural, real, character, string, pointer };
@@ -55,7 +55,7 @@ constexpr std::array<unsigned char, 128> rows = [] {
 struct argument {
     kind type = none;
     length size = plain;
-    std::size_t reach = 0; // of a string: how much of it is read, to its end without a precision
+    std::uint16_t reach = 0; // of a string: how much of it is read, to its end without a precision
 
     bool same_type(const argument &other) const { return type == other.type && size == other.size; }
     // Reads no more than the other one.
@@ -161,8 +161,9 @@ bool read_conversion(const char *&at, arguments &asked)
     ++at;
     // "%lf" is "%f".
     const length passed = row.argument == real && size == l ? plain : size;
-    const std::size_t reach = row.argument != string ? 0 : precision ? digits : to_the_end;
-    return asked.use(position, {row.argument, passed, reach});
+    const auto read = precision ? static_cast<std::uint16_t>(digits) : to_the_end;
+    return asked.use(position,
+                     {row.argument, passed, row.argument == string ? read : std::uint16_t{0}});
 }
 
 bool read_format(const char *format, arguments &asked)

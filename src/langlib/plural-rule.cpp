@@ -72,6 +72,16 @@ form take_form(std::string_view &rule)
     return taken;
 }
 
+plural_forms count_forms(std::string_view edition)
+{
+    plural_forms counted;
+    while (!edition.empty()) {
+        ++counted.all;
+        counted.everyday += take_form(edition).is_rare ? 0 : 1;
+    }
+    return counted;
+}
+
 constexpr char edition_sign = '/';
 
 struct edition {
@@ -83,8 +93,8 @@ struct edition {
 edition edition_with(std::string_view rule, std::size_t count)
 {
     while (!rule.empty()) {
-        const plural_forms forms = count_plural_forms(rule);
         const std::string_view first = cut_at(rule, edition_sign);
+        const plural_forms forms = count_forms(first);
         if (count == forms.all || count == forms.everyday)
             return {first, forms};
     }
@@ -95,13 +105,7 @@ edition edition_with(std::string_view rule, std::size_t count)
 
 plural_forms count_plural_forms(std::string_view rule)
 {
-    rule = cut_at(rule, edition_sign);
-    plural_forms counted;
-    while (!rule.empty()) {
-        ++counted.all;
-        counted.everyday += take_form(rule).is_rare ? 0 : 1;
-    }
-    return counted;
+    return count_forms(cut_at(rule, edition_sign));
 }
 
 std::string_view plural_form_name(std::string_view rule, std::size_t form)

@@ -1,8 +1,7 @@
 #pragma once
 
-// Helpers on top of the token scanner: strings and integers from the token stream, positions, text
-// written back in the scanner's quoted form, and word tables, which are for applications of the
-// family: this program does not call them.
+// Helpers on top of the token scanner: positions, text written back in the scanner's quoted form,
+// and word tables.
 
 #include <cstddef>
 #include <cstdint>
@@ -19,30 +18,12 @@ struct trans_id_t {
     std::int64_t id;
 };
 #endif
-struct trans_str_t {
-    const char *word;
-    const char *text;
-};
 
 // First row that matches, or the default.
 int trans_str_id(const trans_id_t *table, const char *word, int fallback);
-const char *trans_id_str(const trans_id_t *table, int id, const char *fallback);
-const char *trans_str_str(const trans_str_t *table, const char *word, const char *fallback);
-
-// The ids of a comma-separated list of words, ORed; unknown words and an empty text give nothing.
-std::uint32_t trans_str_mask(const trans_id_t *table, const char *text);
 
 // 1 when the token is of that kind.
 int lex_match(const zel_token_t *token, int kind);
-
-// These look at the next token and take it only on success: 0, else 1. Strings are stored in *out
-// as new copies owned by the caller (null when empty); what out holds is released first.
-int lex_get_str(zel_lex_t *lex, char **out);
-int lex_get_concat_str(zel_lex_t *lex, char **out); // all the adjacent strings, joined
-int lex_get_int(zel_lex_t *lex, unsigned *out);
-
-// Takes tokens up to and including the first of that kind, line feed, or -1, -2, -3.
-void zel_lex_read_until_token(zel_lex_t *lex, int kind);
 
 // "file:line:column" by the line markers, else "line:column"; in the scanner's position text,
 // overwritten by the next call.
@@ -50,16 +31,6 @@ const char *zel_lex_linemarker_info(zel_lex_t *lex, const zel_token_t *token);
 
 // What the scanner reads from: its file name, "Memory", or what is missing.
 const char *zel_lex_get_file(zel_lex_t *lex);
-
-// Escapes \r \n \t \" \\ into the destination (null: only counts); returns the escaped length.
-int _lex_esc_str(char *destination, const char *source);
-[[nodiscard]] char *lex_esc_str(const char *source); // a new string; null when empty
-
-// In place: blanks and tabs off both ends.
-char *lexstrtrim(char *text);
-
-// 1 when the character may stand in an id.
-int lex_id_char_valid(int character, int digits_allowed);
 
 // Writing in the scanner's quoted form. lex_write_str writes a blank and the quoted first n bytes
 // (all when n is below 1) and returns 2 plus the escaped length; a null string gives two quotes

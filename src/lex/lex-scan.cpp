@@ -8,6 +8,7 @@
 #include <array>
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #endif
@@ -463,6 +464,26 @@ void skip_white_space(zel_lex_t *lex)
     }
 }
 
+// A sign is a token by itself, or another one together with the sign behind it. A kind of 0: none.
+struct sign {
+    int behind = 0;
+    int kind = 0;
+};
+constexpr auto signs = [] {
+    std::array<sign, 256> table{};
+    for (const unsigned char alone : std::string_view("$%()*,.:;?[\\]{}~"))
+        table[alone] = {0, alone};
+    table['!'] = {'=', TOKEN_NE};
+    table['&'] = {'&', TOKEN_AND};
+    table['|'] = {'|', TOKEN_OR};
+    table['+'] = {'+', TOKEN_INC};
+    table['-'] = {'-', TOKEN_DECR};
+    table['<'] = {'=', TOKEN_LE};
+    table['='] = {'=', TOKEN_EQ};
+    table['>'] = {'=', TOKEN_GE};
+    return table;
+}();
+
 // Acts on one character: the kind of the token it begins, or 0 when it is passed over.
 int scan_from(zel_lex_t *lex, int c)
 {
@@ -474,22 +495,6 @@ int scan_from(zel_lex_t *lex, int c)
         return 0;
     case '\n':
         return (lex->flags & LEX_NEWLINE_SPACE) != 0 ? 0 : finish(lex->work, TOKEN_NEWLINE);
-    case '!':
-        return scan_pair(lex, c, '=', TOKEN_NE);
-    case '&':
-        return scan_pair(lex, c, '&', TOKEN_AND);
-    case '|':
-        return scan_pair(lex, c, '|', TOKEN_OR);
-    case '+':
-        return scan_pair(lex, c, '+', TOKEN_INC);
-    case '-':
-        return scan_pair(lex, c, '-', TOKEN_DECR);
-    case '<':
-        return scan_pair(lex, c, '=', TOKEN_LE);
-    case '=':
-        return scan_pair(lex, c, '=', TOKEN_EQ);
-    case '>':
-        return scan_pair(lex, c, '=', TOKEN_GE);
     case '#':
         if ((lex->flags & LEX_LINE_MARKERS) == 0)
             return finish(lex->work, c);
@@ -501,37 +506,15 @@ int scan_from(zel_lex_t *lex, int c)
         return scan_string(lex);
     case '\'':
         return (lex->flags & LEX_ESCAPES) != 0 ? scan_character(lex) : finish(lex->work, c);
-    case '$':
-    case '%':
-    case '(':
-    case ')':
-    case '*':
-    case ',':
-    case '.':
-    case ':':
-    case ';':
-    case '?':
-    case '[':
-    case '\\':
-    case ']':
-    case '{':
-    case '}':
-    case '~':
-        return finish(lex->work, c);
-    case '0':
-    case '1':
-    case '2':
-    case '3':
-    case '4':
-    case '5':
-    case '6':
-    case '7':
-    case '8':
-    case '9':
-        return scan_number(lex, c);
     default:
-        return scan_identifier(lex, c);
+        break;
     }
+    if (is_digit(c))
+        return scan_number(lex, c);
+    const sign &known = signs[static_cast<unsigned char>(c)];
+    if (known.kind == 0)
+        return scan_identifier(lex, c);
+    return known.behind == 0 ? finish(lex->work, c) : scan_pair(lex, c, known.behind, known.kind);
 }
 
 bool is_octal(int c) { return c >= '0' && c <= '7'; }

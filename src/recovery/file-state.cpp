@@ -89,9 +89,7 @@ file_news news_of(const char *path, file_state &known)
 
 std::string describe(const file_state &state)
 {
-    std::array<char, 64> date{};
-    snprintf_date(date.data(), static_cast<int>(date.size()), "%Y-%m-%d %H:%M:%S", state.seconds);
-    return std::to_string(state.size) + " bytes, " + date.data();
+    return std::to_string(state.size) + " bytes, " + date_text("%Y-%m-%d %H:%M:%S", state.seconds);
 }
 
 } // namespace zel

@@ -7,6 +7,7 @@
 #include <climits>
 #include <cstring>
 #include <fcntl.h>
+#include <string>
 #include <unistd.h>
 
 int zel_open(const char *path, int flags, mode_t mode) { return open(path, flags, mode); }
@@ -40,6 +41,25 @@ int _zel_unlink(const char *file, int line, const char *path)
     }
     return result;
 }
+
+namespace {
+
+// Whether the number is a user's here. In a name space of few users the administrator outside and
+// everybody else there have one and the same number, which is nobody's here.
+bool has_user(uid_t user)
+{
+    std::FILE *map = std::fopen("/proc/self/uid_map", "re");
+    unsigned first = 0;
+    unsigned count = 0;
+    bool found = map == nullptr;
+    while (!found && std::fscanf(map, "%u %*u %u", &first, &count) == 2)
+        found = user >= first && user - first < count;
+    if (map != nullptr)
+        std::fclose(map);
+    return found;
+}
+
+} // namespace
 
 namespace zel {
 
@@ -80,6 +100,19 @@ bool is_there(const char *path)
            (errno != ENOENT && errno != ENOTDIR && errno != ENAMETOOLONG);
 }
 
+bool is_foreign_link(const char *path)
+{
+    struct stat link {};
+    struct stat folder {};
+    if (lstat(path, &link) != 0 || !S_ISLNK(link.st_mode) || link.st_uid == 0 ||
+        link.st_uid == geteuid())
+        return false;
+    const std::size_t name = std::string_view(path).rfind('/') + 1; // 0 without a folder
+    const std::string holder = std::string(path, name) + ".";
+    return has_user(link.st_uid) || stat(holder.c_str(), &folder) != 0 || has_user(folder.st_uid) ||
+           (folder.st_mode & (S_IWGRP | S_IWOTH)) != 0;
+}
+
 bool crosses_foreign_link(const char *path)
 {
     std::array<char, PATH_MAX> part;
@@ -91,9 +124,7 @@ bool crosses_foreign_link(const char *path)
             continue;
         std::memcpy(part.data(), path, end);
         part[end] = '\0';
-        struct stat status {};
-        if (lstat(part.data(), &status) == 0 && S_ISLNK(status.st_mode) && status.st_uid != 0 &&
-            status.st_uid != geteuid())
+        if (is_foreign_link(part.data()))
             return true;
     }
     return false;

@@ -62,8 +62,12 @@ std::string folder_part(const std::string &path);
 // but not a path that is too long for the system.
 bool is_there(const char *path);
 
-// Whether a link on the way to the path, or the path itself, was made by somebody who is neither
-// this user nor the administrator.
+// Whether the path is a link of somebody who is neither this user nor the administrator. In a user
+// name space that does not tell the administrator from others, one in a folder that only its owner
+// may write, who is as unknown, counts as the administrator's.
+bool is_foreign_link(const char *path);
+
+// Whether the path itself or a link on the way to it is one.
 bool crosses_foreign_link(const char *path);
 
 // Creates a file that is not there yet, for reading and writing; follows no link. -1 with errno.

@@ -1,48 +1,26 @@
 #pragma once
 
-// Whole files in memory: as a plain buffer, or as a reference-counted record that grows, which is
-// for applications of the family and not called here. Failures are logged.
+// Whole files in memory. Failures are logged.
 
+#include <array>
 #include <cstdint>
-#include <memory>
-#include <sys/types.h>
-
-#include "support/guard.h"
 
 // Reads a file into a new buffer, two bytes larger than the file and ended with a NUL, owned by the
 // caller (free). Returns the byte count, -1 on failure (data is then null).
 std::int64_t zel_read_file_to_mem(const char *path, char **data);
 
-// Writes length bytes (the string's length when negative) to a file opened with the flags and mode
-// of open. Returns the bytes written, -1 on failure.
-std::int64_t zel_write_mem_to_file(const char *path, const char *data, int length, int flags,
-                                   int mode);
+namespace zel {
 
-struct zel_file_mem_t {
-    int ref;           // holders of the record, 1 at first
-    std::int64_t size; // bytes of data without the final NUL
-    int error;         // 1 once memory ran out while growing
-    char *data;        // owned, always ended with a NUL
-};
+// How reading or writing a file ended; failed is a read or a write that went wrong.
+enum file_outcome { GOOD, NO_STATUS, NOT_OPENED, NO_MEMORY, FAILED, OUTCOME_COUNT };
 
-// Reads a file into a new record, or to the end of the given one. Returns the record; null on
-// failure (a given record is then as it was and stays the caller's).
-zel_file_mem_t *zel_file_mem_read(zel_file_mem_t *mem, const char *path);
+// Log lines per outcome, with the path; null where an operation says nothing.
+using file_messages = std::array<const char *, OUTCOME_COUNT>;
 
-// Appends length bytes (the string's length when negative), which may be the record's own, to the
-// record, made when null; a null text or no bytes change nothing. Without memory the record is as
-// it was, with its error set. Returns the record.
-zel_file_mem_t *zel_file_mem_append(zel_file_mem_t *mem, const char *text, int length);
+// Logs a failure; the path may be null.
+file_outcome logged(file_outcome result, const file_messages &messages, const char *path);
 
-// Writes the data as zel_write_mem_to_file does.
-std::int64_t zel_file_mem_write(const zel_file_mem_t *mem, const char *path, int flags, int mode);
+// Fills data (new) and count unless the outcome is a failure.
+file_outcome read_whole(const char *path, char *&data, std::int64_t &count);
 
-// 0 and null for a null record.
-std::int64_t zel_file_mem_size(const zel_file_mem_t *mem);
-char *zel_file_mem_data(const zel_file_mem_t *mem);
-
-// One holder more; one less, both in the same way: the last one releases data and record.
-void zel_file_mem_ref(zel_file_mem_t *mem);
-void zel_file_mem_unref(zel_file_mem_t *mem);
-void zel_file_mem_free(zel_file_mem_t *mem);
-using zel_file_mem_guard = std::unique_ptr<zel_file_mem_t, zel::release<zel_file_mem_free>>;
+} // namespace zel

@@ -150,7 +150,7 @@ void share_with_writers(int fd, const char *folder)
 
 namespace zel {
 
-int create_held(const char *path, mode_t mode)
+int create_held(const char *path, mode_t mode, wait_for how)
 {
     waiting wait(path);
     while (!wait.has_been_long()) {
@@ -169,6 +169,8 @@ int create_held(const char *path, mode_t mode)
         taken what = remove_leftover(path);
         if (what == taken::stays)
             return -1;
+        if (what == taken::held && how == wait_for::nobody)
+            break;
         if (what == taken::held && !wait.go_on() && wait.take() == taken::stays)
             break;
     }

@@ -8,12 +8,14 @@
 
 namespace zel {
 
+enum class wait_for { others, nobody };
+
 // Makes the file, for reading and writing, and holds its lock: the handle, or -1 with errno. What
 // nobody holds, or a link, is removed. A file that is held is waited for as long as others take
 // turns at it or write it, some minutes at most; one at which nothing has happened for some seconds
 // is removed, after a line on standard error, and who held it must look whether his still bears the
-// name. Where it cannot be removed: EAGAIN.
-int create_held(const char *path, mode_t mode);
+// name. Where it cannot be removed, and for a held file where nobody is waited for: EAGAIN.
+int create_held(const char *path, mode_t mode, wait_for how = wait_for::others);
 
 // The turn to replace files in a folder. While one lives, no other program that takes a turn there
 // comes between a look at a file and its replacement, whatever folder it works from. It is a held

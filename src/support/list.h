@@ -2,8 +2,7 @@
 
 // A doubly linked list of untyped pointers. A list is its first node; operations that may change
 // the head return it, and the caller keeps the result. An empty list is null. Data is never owned
-// unless a release with data is used. The list of a family of applications: this program calls a
-// part of it.
+// unless a release with data is used.
 
 #include <cstdint>
 #include <memory>
@@ -28,19 +27,7 @@ extern std::uint32_t zel_list_free_count;
 // and a fatal error is reported.
 [[nodiscard]] zel_list *zel_list_append(zel_list *list, void *data);
 
-// Inserts before the node, between it and its previous one; returns the new node.
-[[nodiscard]] zel_list *zel_list_prepend(zel_list *node, void *data);
-
-// Links b behind a's last node; returns a, or b when a is empty.
-[[nodiscard]] zel_list *zel_list_concat(zel_list *a, zel_list *b);
-
-zel_list *zel_list_first(zel_list *node);
 zel_list *zel_list_last(zel_list *node);
-zel_list *zel_list_next(zel_list *node);
-zel_list *zel_list_prev(zel_list *node);
-
-// Node number n counted from 1; the list itself for 1 and below, null past the end.
-zel_list *zel_list_nth(zel_list *list, int n);
 
 extern "C" int zel_list_count(const zel_list *list);
 
@@ -61,26 +48,6 @@ extern "C" void zel_list_foreach(zel_list *list, void (*function)(void *data, vo
 
 // Stable merge sort; returns the new head.
 [[nodiscard]] zel_list *zel_list_sort(zel_list *list, int (*compare)(const void *, const void *));
-
-// All strings of the list in one new one, owned by the caller: null for an empty list, or in its
-// place a copy of the default.
-[[nodiscard]] char *zel_list_generate_str(const zel_list *list);
-[[nodiscard]] char *zel_list_generate_str2(const zel_list *list, const char *fallback);
-
-// Logs the two counters and their difference.
-void zel_list_debug_info();
-
-// A pair of owned strings (null where they are empty); null without memory.
-struct key_val {
-    char *key;
-    char *val;
-};
-[[nodiscard]] key_val *key_val_new(const char *key, const char *val);
-void key_val_free(key_val *record);
-void zel_list_key_val_free(void *record); // the same for zel_list_free_full
-void zel_list_free_with_key_val(zel_list *list);
-int key_val_sort_func_key(const void *a, const void *b);
-int key_val_sort_func_val(const void *a, const void *b);
 
 namespace zel {
 

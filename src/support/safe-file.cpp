@@ -44,19 +44,31 @@ bool was_at(int fd, const char *place)
     return !error && name.native() == (folder / path.filename()).native() + " (deleted)";
 }
 
+// What a name beside the path begins with.
+std::string start_beside(const std::string &path)
+{
+    constexpr std::size_t longest_name = 200;     // room for more letters in every file system
+    const std::size_t name = path.rfind('/') + 1; // 0 without a folder
+    return path.substr(0, name + std::min(path.size() - name, longest_name)) + ".";
+}
+
 // A name in the folder of the path. It need not be secret, as an exclusive creation follows it.
 std::string name_beside(const std::string &path)
 {
-    constexpr std::size_t longest_name = 200; // room for the letters in every file system
     constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyz0123456789";
-    const std::size_t name = path.rfind('/') + 1; // 0 without a folder
-    std::string beside = path.substr(0, name + std::min(path.size() - name, longest_name)) + ".";
+    std::string beside = start_beside(path);
     std::array<unsigned char, 8> random{};
     if (getrandom(random.data(), random.size(), GRND_NONBLOCK) < 0)
         random[0] = static_cast<unsigned char>(steady_clock::now().time_since_epoch().count());
     for (const unsigned char byte : random)
         beside += letters[byte % letters.size()];
     return beside;
+}
+
+// The folder, or what the place is, lets nobody put another file there.
+bool is_refused(int error)
+{
+    return error == EACCES || error == EPERM || error == EROFS || error == EBUSY;
 }
 
 // Readable by others only once it is clear that they may.
@@ -104,6 +116,20 @@ int safe_file::create_beside(const target_file &old)
     return take(fd, std::move(path), old);
 }
 
+int safe_file::create_output(const target_file &old, handle how)
+{
+    if (const int error = write_obstacle(old))
+        return error_ = error;
+    writes_into_ = old.is_file();
+    std::string path = start_beside(old.path) + "tmp";
+    const int fd =
+        how == handle::rests ? -1 : create_held(path.c_str(), mode_at_first(old), wait_for::nobody);
+    int error = fd >= 0 ? take(fd, std::move(path), old) : create_beside(old);
+    if (writes_into_ && is_refused(error))
+        error = error_ = 0;
+    return error;
+}
+
 int safe_file::open_again()
 {
     if (fd_ >= 0)
@@ -119,6 +145,10 @@ int safe_file::open_again()
 
 int safe_file::append(std::string_view text)
 {
+    if (path_.empty() && writes_into_) {
+        held_ += text;
+        return error_;
+    }
     if (error_ == 0)
         error_ = open_again();
     if (error_ == 0) {
@@ -203,10 +233,34 @@ int safe_file::rename_to(const char *place)
     return is_own_name_ || !is_lost(place, id_) || was_at(fd_, place) ? 0 : ESTALE;
 }
 
+int safe_file::write_into(const std::string &place)
+{
+    struct stat status {};
+    safe_file into;
+    into.fd_ = open_plain(place.c_str(), O_WRONLY);
+    if (into.fd_ < 0 || fstat(into.fd_, &status) != 0)
+        return errno;
+    if (status.st_nlink != 1)
+        return EACCES; // its other name may be one that somebody aims at
+    // First, so that whoever reads meanwhile sees no new text that goes over into an old one.
+    if (ftruncate(into.fd_, 0) != 0)
+        return errno;
+    into.append(held_);
+    if (!path_.empty() && (into.error_ = open_again()) == 0)
+        into.copy_from(fd_);
+    into.rest();
+    drop();
+    return into.error_;
+}
+
 int safe_file::put(const target_file &old)
 {
+    if (path_.empty() && writes_into_)
+        return write_into(old.path);
     if (near_ == nullptr) {
         int error = rename_to(old.path.c_str());
+        if (writes_into_ && is_refused(error))
+            return write_into(old.path);
         if (error == 0) {
             keep();
             if (how_ == synced::yes)

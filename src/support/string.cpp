@@ -1,20 +1,13 @@
 #include "support/string.h"
 
-#include "support/file-call.h"
 #include "support/log-print.h"
 #include "support/misc-error.h"
-#include "support/text.h"
 
-#include <algorithm>
-#include <array>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <glib.h>
 #include <string_view>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace {
 
@@ -58,94 +51,13 @@ std::string_view without_ext(std::string_view name, std::string_view ext)
     return name;
 }
 
-bool read_size_part(std::string_view part, int &value)
-{
-    std::array<char, 32> text{};
-    if (part.empty() || part.size() >= text.size())
-        return false;
-    part.copy(text.data(), part.size());
-    return std::sscanf(text.data(), "%d", &value) == 1;
-}
-
-int copy_drive(std::string_view drive, char *out, int size)
-{
-    if (drive.size() >= static_cast<std::size_t>(size)) {
-        LogPrint(1, "zel_path_get_drive: buffer to short %d\n", size);
-        return 1;
-    }
-    drive.copy(out, drive.size());
-    out[drive.size()] = '\0';
-    return 0;
-}
-
 } // namespace
-
-namespace zel {
-
-bool read_width_height(const char *text, const char *marks, int &width, int &height)
-{
-    const std::string_view pair = text == nullptr ? "" : text;
-    const std::size_t mark = pair.find_first_of(marks);
-    int first = 0;
-    int second = 0;
-    if (mark == std::string_view::npos || !read_size_part(pair.substr(0, mark), first) ||
-        !read_size_part(pair.substr(mark + 1), second))
-        return false;
-    width = first;
-    height = second;
-    return true;
-}
-
-} // namespace zel
-
-int zel_strlen(const char *text)
-{
-    return text == nullptr ? 0 : static_cast<int>(std::strlen(text));
-}
-
-char *zel_substr(const char *text, int start, int length)
-{
-    const std::string_view whole = text == nullptr ? "" : text;
-    if (start < 1 || static_cast<std::size_t>(start) > whole.size())
-        return nullptr;
-    const std::string_view rest = whole.substr(static_cast<std::size_t>(start) - 1);
-    const std::string_view part =
-        length <= 0 ? rest : rest.substr(0, static_cast<std::size_t>(length));
-    char *copy = static_cast<char *>(std::malloc(part.size() + 1));
-    if (copy == nullptr) {
-        _zel_fatal("string", __LINE__, "zel_substr: ERROR not enough memory\n");
-        return nullptr;
-    }
-    part.copy(copy, part.size());
-    copy[part.size()] = '\0';
-    return copy;
-}
 
 char *dup_ptr_from_to(const char *base, const char *from, const char *to)
 {
     if (base == nullptr || from == nullptr || to <= from)
         return nullptr;
     return new_string({from, strnlen(from, static_cast<std::size_t>(to - from))});
-}
-
-int zel_get_sub_str(char **cursor, char *out, char separator, int size)
-{
-    char *text = *cursor;
-    if (text == nullptr || *text == '\0')
-        return 0;
-    if (*text == separator)
-        ++text;
-    char *end = text;
-    while (*end != '\0' && *end != separator)
-        ++end;
-    *cursor = end;
-    if (out != nullptr && size > 0) {
-        const auto length =
-            std::min(static_cast<std::size_t>(end - text), static_cast<std::size_t>(size) - 1);
-        std::memcpy(out, text, length);
-        out[length] = '\0';
-    }
-    return 1;
 }
 
 char *zel_str_trim(char *text)
@@ -159,20 +71,6 @@ char *zel_str_trim(char *text)
         text[--length] = '\0';
     return text;
 }
-
-char *zel_str_trim_hk(char *text)
-{
-    if (text == nullptr)
-        return nullptr;
-    if (*text == '"')
-        std::memmove(text, text + 1, std::strlen(text));
-    const std::size_t length = std::strlen(text);
-    if (length > 0 && text[length - 1] == '"')
-        text[length - 1] = '\0';
-    return text;
-}
-
-void zel_space_to_char(char *text, char character) { zel_str_replace_char(text, ' ', character); }
 
 int zel_str_replace_char(char *text, char from, char to)
 {
@@ -188,43 +86,11 @@ int zel_str_replace_char(char *text, char from, char to)
     return replaced;
 }
 
-int zel_str_count_lf(const char *text)
-{
-    const std::string_view whole = text == nullptr ? "" : text;
-    return static_cast<int>(std::count(whole.begin(), whole.end(), '\n'));
-}
-
-int zel_str_float_cmp(const char *text, float number)
-{
-    // With a point in every locale.
-    const float value = text == nullptr ? 0.0F : static_cast<float>(g_ascii_strtod(text, nullptr));
-    if (value < number)
-        return -1;
-    return value > number ? 1 : 0;
-}
-
 int zel_str_to_num(const char *text, const argv_tab_t *table)
 {
     while (table->word != nullptr && (text == nullptr || std::strcmp(table->word, text) != 0))
         ++table;
     return table->id;
-}
-
-int zel_str_diff(char *out, const char *a, const char *b)
-{
-    for (; *a != '\0' && *b != '\0'; ++a, ++b)
-        if (*a != *b)
-            *out++ = *b;
-    const char *rest = *a != '\0' ? a : b;
-    std::strcpy(out, rest);
-    if (*rest == '\0')
-        return 0;
-    return rest == a ? 1 : -1;
-}
-
-int zel_str_get_width_height(const char *text, int *width, int *height)
-{
-    return zel::read_width_height(text, "x", *width, *height) ? 0 : 1;
 }
 
 char *zel_strdup_printf(const char *format, ...)
@@ -258,16 +124,6 @@ int zel_path_to_unix(char *path) { return zel_str_replace_char(path, '\\', '/');
 
 int zel_path_to_os(char *path) { return zel_path_to_unix(path); }
 
-int zel_path_conv(char *path) { return zel_path_to_unix(path); }
-
-int zel_path_to_dos(char *path) { return zel_str_replace_char(path, '/', '\\'); }
-
-int zel_split_path(const char *path, char **dir)
-{
-    *dir = path == nullptr ? nullptr : new_dir_part(path);
-    return path == nullptr ? 1 : 0;
-}
-
 int zel_split_path_file(const char *path, char **dir, char **file)
 {
     *dir = nullptr;
@@ -277,50 +133,6 @@ int zel_split_path_file(const char *path, char **dir, char **file)
     *dir = new_dir_part(path);
     *file = new_file_part(path);
     return 0;
-}
-
-int zel_split_file(const char *path, char **file)
-{
-    *file = nullptr;
-    if (path == nullptr)
-        return 1;
-    struct stat status {};
-    if (zel_stat(path, &status) == 0 && S_ISDIR(status.st_mode)) {
-        LogPrint(1, "zel_split_file(0): dir >%s<\n", path);
-        return 1;
-    }
-    *file = new_file_part(path);
-    return 0;
-}
-
-int zel_path_get_drive(const char *path, char *out, int size)
-{
-    if (path == nullptr || out == nullptr) {
-        LogPrint(1, "zel_path_get_drive: null ptr %p:%p\n", static_cast<const void *>(path),
-                 static_cast<void *>(out));
-        return 1;
-    }
-    const std::string_view whole = path;
-    if (whole.size() < 2) {
-        LogPrint(1, "zel_path_get_drive: path to short\n");
-        return 1;
-    }
-    if (size < 3) {
-        LogPrint(1, "zel_path_get_drive: buffer to short\n");
-        return 1;
-    }
-    if (whole[1] == ':')
-        return copy_drive(whole.substr(0, 2), out, size);
-    if (zel::is_separator(whole[0]) && zel::is_separator(whole[1]))
-        return copy_drive(whole.substr(0, whole.find_first_of(separators, 2)), out, size);
-    return 1;
-}
-
-int check_file_exist_read(const char *path)
-{
-    if (path == nullptr || zel_access(path, F_OK) != 0)
-        return 1;
-    return zel_access(path, R_OK) == 0 ? 0 : 2;
 }
 
 char *zel_del_file_ext(char *path)
@@ -360,18 +172,5 @@ int zel_gen_file_name_with_ext(char *path, const char *ext)
     if (start > 0)
         path[slash] = '/';
     zel_add_file_ext(path + start, path + start, ext);
-    return 0;
-}
-
-int zel_if_ext(const zel_list *extensions, const char *name)
-{
-    if (extensions == nullptr || name == nullptr)
-        return 1;
-    const char *ext = std::strrchr(name, '.');
-    for (; ext != nullptr && extensions != nullptr; extensions = extensions->next) {
-        const auto *listed = static_cast<const char *>(extensions->data);
-        if (listed != nullptr && std::strcmp(listed, ext) == 0)
-            return 1;
-    }
     return 0;
 }

@@ -30,10 +30,10 @@ std::string target_of_link(const std::string &link)
 }
 
 // Whether a link's maker could write where it leads without the help of whoever follows it.
-bool may_lead_to(const std::string &path, uid_t maker)
+bool may_lead_to(const std::string &path, const std::string &link, uid_t maker)
 {
     struct stat status {};
-    if (maker == 0 || maker == geteuid())
+    if (!zel::is_foreign_link(link.c_str()))
         return true;
     if (lstat(path.c_str(), &status) == 0 && status.st_uid == maker)
         return true;
@@ -55,7 +55,7 @@ std::string follow_links(std::string path, int &refusal)
         std::string next = target_of_link(path);
         if (next.empty())
             return path;
-        if (!may_lead_to(next, status.st_uid))
+        if (!may_lead_to(next, path, status.st_uid))
             refusal = EACCES;
         path = std::move(next);
     }
@@ -182,9 +182,7 @@ void take_attributes(int fd, const target_file &old)
 
 std::string backup_name(const target_file &old, std::int64_t time)
 {
-    std::array<char, 64> stamp;
-    snprintf_date(stamp.data(), static_cast<int>(stamp.size()), "%Y-%m-%d-%H-%M-%S", time);
-    return old.path + "-" + stamp.data() + ".bak";
+    return old.path + "-" + date_text("%Y-%m-%d-%H-%M-%S", time) + ".bak";
 }
 
 int backup_obstacle(const target_file &old)

@@ -1,4 +1,4 @@
-#include "app/argv.h"
+#include "family/argv.h"
 
 #include "test-support.h"
 

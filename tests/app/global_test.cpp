@@ -2,7 +2,7 @@
 
 #include "test-support.h"
 
-#include "support/log.h"
+#include "family/log.h"
 
 #include <cstdlib>
 #include <ctime>

@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <string>
 
-#include "shell.h"
+#include "run-shell.h"
 #include "working-dir.h"
 
 namespace {

@@ -171,7 +171,7 @@ TEST_F(OutputsSlow, LinksLeadWhereTheirMakerMayWrite)
     }
 }
 
-// A shell's pipe, one that is read a moment later, and a file in a folder that takes no other.
+// A shell's pipe, and one that is read a moment later.
 TEST_F(OutputsSlow, TheTableGoesWhereAProgramMayWrite)
 {
     run(table);
@@ -196,13 +196,7 @@ TEST_F(OutputsSlow, TheTableGoesWhereAProgramMayWrite)
                       taken, std::size_t(std::max<ssize_t>(read(ends[0], taken, sizeof taken), 0))),
                   whole);
         close(ends[0]);
-        return;
     }
-    write_file("t/out.lang", std::string(1000, 'x'));
-    fs::permissions("t", fs::perms(0555));
-    run(table);
-    fs::permissions("t", fs::perms(0755));
-    EXPECT_EQ(read_file("t/out.lang"), whole);
 }
 
 } // namespace

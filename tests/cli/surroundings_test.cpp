@@ -11,7 +11,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "shell.h"
+#include "run-shell.h"
 #include "working-dir.h"
 
 namespace {

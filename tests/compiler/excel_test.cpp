@@ -35,12 +35,14 @@ TEST_F(Excel, OneRecordPerItem)
     edit_t *empty = lang_alloc_edit();
     source->groups = g_list_append(source->groups, empty);
     zel_test::write_file("out.slk", std::string(1000, 'x'));
+    zel_test::write_file("out.slk.tmp", "of a killed process");
     EXPECT_EQ(write(), "\"main.ok\"\t\"main.ok\"\t\r"
                        "\"main.cancel\"\t\"main.cancel\"\t\r"
                        "\"a\"\"b.\"\"\x1b :\x1b : gr\xc3\xb6\xdf\"\t"
                        "\"a\"\"b.\"\"\x1b :\x1b : gr\xc3\xb6\xdf\"\t\r");
     EXPECT_EQ(printed, "to_excel_unicode_text: entry\nto_excel_unicode_text: exit\n");
     EXPECT_EQ(result, 0);
+    EXPECT_EQ(zel_test::read_file("out.slk.tmp"), "");
 }
 
 TEST_F(Excel, KeysAreCutBeforeTheyAreEscaped)

@@ -2,7 +2,7 @@
 
 // Looks at the files of the tree, and at what shells say.
 
-#include "shell.h"
+#include "run-shell.h"
 
 #include <iterator>
 #include <regex>

@@ -121,7 +121,7 @@ TEST_P(Shells, FilesAndFolders)
     EXPECT_THAT(offered("lang-kit lint --fail-on w"), ElementsAre("warning"));
     EXPECT_THAT(offered("lang-kit lint --only mi"), ElementsAre("missing"));
     EXPECT_THAT(offered("lang-kit show "), ElementsAre("a.lang-src", "folder"));
-    EXPECT_THAT(offered("lang-kit import a.lang-src b"), ElementsAre("b c.po"));
+    EXPECT_THAT(offered("lang-kit import a.lang-src b"), ElementsAre("b c.po", "b.c"));
     EXPECT_THAT(offered("lang-kit export --output "), ElementsAre("folder"));
     EXPECT_THAT(offered("lang-kit pseudo --name "), testing::IsEmpty());
 }

@@ -83,17 +83,6 @@ std::string source_stays(const job_outcome &run, const job_outcome &whole)
                                                   : all_whole(run, whole);
 }
 
-// Where one language's file cannot be opened, the new ones before it stay, without texts.
-std::string source_stays_and_no_text_is_cut(const job_outcome &run, const job_outcome &whole)
-{
-    job_outcome others = run;
-    if (run.muted || run.said.find("ERROR open lang file") != run.said.npos)
-        std::erase_if(others.left, [](const auto &file) {
-            return file.first.ends_with(".lang") && file.second.ends_with(" */\n");
-        });
-    return source_stays(others, whole);
-}
-
 // The source is the old one, or the new one with the old one beside it.
 std::string old_text_stays(const job_outcome &run, const job_outcome &whole)
 {
@@ -271,7 +260,7 @@ const fault_job jobs[] = {
      {"lang", "compile", "-dst-dir", "out", source_name},
      nullptr,
      prepare_source,
-     source_stays_and_no_text_is_cut},
+     source_stays},
     {"excel",
      LANG_PROGRAM,
      {"lang", "excel", "unicode", source_name, "keys.slk"},

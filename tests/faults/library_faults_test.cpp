@@ -2,13 +2,14 @@
 // requests answer with a translation or with the item, and nothing is lost to the host's memory.
 
 #include "failing-memory.h"
+#include "family/cfg_file_name.h"
+#include "family/file_mem.h"
+#include "family/lex-misc.h"
+#include "family/list.h"
 #include "langlib/lang-load.h"
 #include "langlib/lang-locale.h"
 #include "langlib/lang-request.h"
-#include "lex/lex-misc.h"
 #include "lex/min_lex.h"
-#include "support/cfg_file_name.h"
-#include "support/file_mem.h"
 #include "support/info.h"
 #include "support/string-copy.h"
 #include "support/string.h"

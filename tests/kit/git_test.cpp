@@ -80,7 +80,8 @@ TEST_F(Git, SaysWhatItDidAndDoesItOnce)
                                    "merge --driver=%P %O %A %B\n"));
     EXPECT_EQ(read_file(".gitattributes"), "*.lang-src diff=lang-src merge=lang-src\n");
     const std::string ignored = read_file(".gitignore");
-    EXPECT_EQ(ignored, "*.o\n*.lang-src-*.bak\n*.lang-src.????????\nlang.tmp\n.lang.lock\nlang.lang-ini*\n");
+    EXPECT_EQ(ignored,
+              "*.o\n*.lang-src-*.bak\n*.lang-src.????????\nlang.tmp\n.lang.lock\nlang.lang-ini*\n");
     const std::string config = read_file(".git/config");
     const auto again = kit("git");
     EXPECT_EQ(again.out, "nothing to do\n");

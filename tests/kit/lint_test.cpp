@@ -107,7 +107,17 @@ TEST_F(Lint, WhatTheReaderSaysIsAFinding)
 
 TEST_F(Lint, ConflictMarkersAreNamed)
 {
-    write_file("app.lang-src", "GROUP \"a\" {\nTEST_F(Lint, Json)
+    write_file("app.lang-src", "GROUP \"a\" {\n<<<<<<< HEAD\n  ITEM \"b\" { }\n=======\n"
+                               "  ITEM \"c\" { }\n>>>>>>> side\n}\n");
+    EXPECT_EQ(kit("lint app.lang-src").out,
+              "app.lang-src:2:1: error: a conflict marker of version control: <<<<<<< HEAD "
+              "[syntax]\n"
+              "app.lang-src:4:1: error: a conflict marker of version control: ======= [syntax]\n"
+              "app.lang-src:6:1: error: a conflict marker of version control: >>>>>>> side "
+              "[syntax]\n");
+}
+
+TEST_F(Lint, Json)
 {
     EXPECT_THAT(kit("lint --format json --only format,missing app.lang-src").out,
                 StartsWith("[\n{\"file\": \"app.lang-src\", \"line\": 4, \"column\": 3, \"level\": "

@@ -2,7 +2,7 @@
 
 // Runs the companion as a shell does, and what comes out of it.
 
-#include "shell.h"
+#include "run-shell.h"
 
 namespace zel_test {
 

@@ -123,7 +123,7 @@ TEST_F(Locale, EveryLocaleOfTheCLibraryFindsItsLanguage)
 {
     std::ifstream list("/usr/share/i18n/SUPPORTED");
     if (!list)
-        return zel_test::missing("/usr/share/i18n/SUPPORTED");
+        GTEST_SKIP() << "no list of locales";
     std::string before;
     for (std::string line; std::getline(list, line);) {
         const std::string name = line.substr(0, line.find(' '));

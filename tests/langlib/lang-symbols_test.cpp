@@ -1,5 +1,6 @@
 #include "langlib/lang-symbols.h"
 
+#include "family/list.h"
 #include "handles.h"
 
 using namespace langlib_test;

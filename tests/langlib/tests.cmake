@@ -28,7 +28,6 @@ set_tests_properties(langlib_install PROPERTIES TIMEOUT 300 LABELS slow ENVIRONM
 if(NOT LANG_SANITIZE)
   file(GLOB threads_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/support/*.cpp
        ${PROJECT_SOURCE_DIR}/src/lex/*.cpp ${PROJECT_SOURCE_DIR}/src/langlib/*.cpp)
-  list(REMOVE_ITEM threads_sources ${PROJECT_SOURCE_DIR}/src/support/zel_tiff.cpp)
   add_executable(langlib_threads_test EXCLUDE_FROM_ALL langlib/threads.cc ${threads_sources})
   target_link_libraries(langlib_threads_test PRIVATE lang_options PkgConfig::GLIB)
   target_compile_options(langlib_threads_test PRIVATE -fsanitize=thread -O1 -g)

@@ -1,4 +1,4 @@
-#include "lex/lex-misc.h"
+#include "family/lex-misc.h"
 
 #include <gtest/gtest.h>
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "support/list.h"
+#include "family/list.h"
 #include "support/log-print.h"
 #include "support/string-copy.h"
 #include "test-support.h"

@@ -207,4 +207,156 @@ TEST_F(Read, WhyAFileCannotBeRead)
     EXPECT_EQ(cause(nullptr), zel::read_cause::absent);
     std::filesystem::create_directory("folder");
     EXPECT_EQ(cause("folder"), zel::read_cause::unreadable);
-    zel_test::write_file("app.lang-src", "} // namespace
+    zel_test::write_file("app.lang-src", "<<<<<<< ours\n");
+    EXPECT_EQ(cause("app.lang-src"), zel::read_cause::syntax);
+    EXPECT_EQ(cause("app.lang-src/x"), zel::read_cause::absent);
+}
+
+TEST_F(Read, PlacesOfRecords)
+{
+    zel_test::write_file("app.lang-src", "define file \"e\" lang \"e\" 1 1 1\ngroup \"g\" {\n"
+                                         "  ITEM \"i\" {\n    COMMENT \"e\" { }\n"
+                                         "    LANG \"e\" { \"x\" } }\n}\n");
+    zel::source_places places;
+    zel::read_how how;
+    how.places = &places;
+    const zel::read_answer answer = zel::read_source("app.lang-src", how);
+    ASSERT_EQ(answer.result, zel::read_result::good);
+    const auto at = [&](const void *record) {
+        const zel::place found = places.of(record);
+        return std::to_string(found.line) + ":" + std::to_string(found.column);
+    };
+    const auto *group = static_cast<edit_t *>(answer.source->groups->data);
+    const auto *found = static_cast<item_t *>(group->items->data);
+    EXPECT_EQ(at(found->langs->data), "5:4");
+    EXPECT_EQ(at(found->comments->data), "4:4");
+    EXPECT_EQ(at(answer.source->langs->data), "1:7");
+    EXPECT_EQ(at(found), "3:2");
+    EXPECT_EQ(at(group), "2:0");
+    EXPECT_EQ(at(&places), "0:0");
+}
+
+TEST_F(Read, AFileThatMayHaveBeenCut)
+{
+    const std::string head = "/* !!!! DO NOT EDIT !!!!! */\n\nversion 1\n";
+    const std::string last = "\n\n/* EOF app.lang-src */\n";
+    const auto told = [&](const std::string &text) {
+        zel_test::write_file("app.lang-src", text);
+        int count = 0;
+        const zel::read_answer answer =
+            zel::read_source("app.lang-src", {0, [&](const zel::read_message &message) {
+                                                  count +=
+                                                      message.row->number == zel::read_maybe_cut;
+                                              }});
+        EXPECT_EQ(answer.result, zel::read_result::good);
+        return count;
+    };
+    EXPECT_EQ(told(head + last), 0);
+    EXPECT_EQ(told(head + std::string(20000, ' ') + last), 0);
+    EXPECT_EQ(told("version 1\n"), 0) << "typed by hand";
+    EXPECT_EQ(told(head), 1);
+    EXPECT_EQ(told(head + last.substr(0, 15)), 1);
+    EXPECT_EQ(told("version 1\n/* by hand, and cut"), 1);
+}
+
+// --- malformed files -----------------------------------------------------------------------------
+
+// broken/NAME.lang-src with broken/NAME.out of two or three lines: the outcome ("return" with the
+// number in the log line, "stop", "reads"), standard output with \n for line feeds, and the model
+// that is read.
+class Broken : public Read, public testing::WithParamInterface<std::string> {};
+
+std::string broken_dir() { return LANG_SOURCE_ROOT "/tests/source/broken/"; }
+
+std::vector<std::string> broken_names()
+{
+    std::vector<std::string> names;
+    for (const auto &file : std::filesystem::directory_iterator(broken_dir())) {
+        if (file.path().extension() == ".lang-src")
+            names.push_back(file.path().stem());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::string as_one_line(const std::string &text)
+{
+    std::string out;
+    for (char c : text)
+        out += c == '\n' ? "\\n" : std::string(1, c);
+    return out;
+}
+
+TEST_P(Broken, SaysWhatIsWrong)
+{
+    std::istringstream expected(zel_test::read_file(broken_dir() + GetParam() + ".out"));
+    std::string outcome, output, wanted_model;
+    std::getline(expected, outcome);
+    std::getline(expected, output);
+    std::getline(expected, wanted_model);
+    const std::string text = zel_test::read_file(broken_dir() + GetParam() + ".lang-src");
+
+    zel_test::log_capture log;
+    const source_guard source = read(text);
+    EXPECT_EQ(as_one_line(printed), output);
+    EXPECT_EQ(result == zel::read_result::stopped, outcome == "stop");
+    EXPECT_EQ(source == nullptr, outcome != "reads");
+    EXPECT_EQ(zel_test::read_file("app.lang-src"), text);
+    if (outcome == "reads") {
+        EXPECT_EQ(describe(source.get()), wanted_model);
+    } else if (outcome == "stop") {
+        EXPECT_THAT(log.text(), HasSubstr("lang_read_file: ERROR(exit) lang-read:304\n"));
+    } else if (outcome != "return") {
+        EXPECT_THAT(log.text(), HasSubstr("lang_read_file: ERROR(exit) lang-read:" +
+                                          outcome.substr(outcome.find(' ') + 1) + "\n"));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, Broken, testing::ValuesIn(broken_names()), [](const auto &param) {
+    std::string name = param.param;
+    std::replace(name.begin(), name.end(), '-', '_');
+    return name;
+});
+
+class NoCrash : public Read {
+protected:
+    // Reads bytes that may be anything: whatever comes out, it comes out.
+    void survives(const std::string &text)
+    {
+        const source_guard source = read(text);
+        ASSERT_EQ(zel_test::read_file("app.lang-src"), text);
+    }
+    static std::string sample()
+    {
+        return "/* head */ version 1\ncreate_date \"d\"\nwhatsnew 1 ctime 2 mtime 3\n"
+               "define format utf8 file \"e.lang\" lang \"e\" 200 200 1\n"
+               "app \"a\" default lang \"e\" colwidth group 1 colwidth item 2 colwidth ctrl 3\n"
+               "GROUP \"g\\\"\" {\n VISIBLE 1 SCREEN_SHOT \"s\" USED YES\n // c\n"
+               " ITEM \"i\\x41\" { /* c */\n DESCRIPTION \"d\" SIZE 1 2 TYP 1 ROWHEIGHT 2 CTIME 3 "
+               "VISIBLE 1 READY 0 CHANGED USED YES {\n \"a.c\" }\n LANG \"e\" { \"x\\\ny\" \"z\" "
+               "}\n"
+               " COMMENT \"e\" { \"c\" } } }\n/* end */\n";
+    }
+};
+
+TEST_F(NoCrash, AFileCutAtEveryByte)
+{
+    const std::string text = sample();
+    for (std::size_t n = 0; n <= text.size(); n++)
+        survives(text.substr(0, n));
+    EXPECT_EQ(printed, "");
+}
+
+TEST_F(NoCrash, AByteDroppedOrChanged)
+{
+    const std::string text = sample();
+    for (std::size_t n = 0; n < text.size(); n++) {
+        survives(text.substr(0, n) + text.substr(n + 1));
+        std::string changed = text;
+        changed[n] = "\"{}\\\0\xff"
+                     "0\n"[n % 8];
+        survives(changed);
+    }
+}
+
+} // namespace

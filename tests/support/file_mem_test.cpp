@@ -1,4 +1,4 @@
-#include "support/file_mem.h"
+#include "family/file_mem.h"
 
 #include "log-fixture.h"
 

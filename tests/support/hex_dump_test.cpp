@@ -1,4 +1,4 @@
-#include "support/hex_dump.h"
+#include "family/hex_dump.h"
 
 #include <gtest/gtest.h>
 

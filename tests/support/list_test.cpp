@@ -1,4 +1,4 @@
-#include "support/list.h"
+#include "family/list.h"
 
 #include "log-fixture.h"
 
@@ -54,15 +54,6 @@ TEST(list, grows_at_both_ends_and_in_the_middle)
     EXPECT_EQ(6, zel_list_count(list.get()));
     EXPECT_EQ(list.get(), zel_list_concat(nullptr, list.get()));
     EXPECT_EQ(list.get(), zel_list_first(zel_list_last(list.get())));
-}
-
-TEST(list, nth_counts_from_one)
-{
-    const zel_list_guard list(list_of({"a", "b"}));
-    EXPECT_EQ(list.get(), zel_list_nth(list.get(), 0));
-    EXPECT_EQ(list.get(), zel_list_nth(list.get(), 1));
-    EXPECT_EQ(list->next, zel_list_nth(list.get(), 2));
-    EXPECT_EQ(nullptr, zel_list_nth(list.get(), 3));
 }
 
 TEST(list, removes_head_middle_and_last)

@@ -1,5 +1,7 @@
 #include "log-fixture.h"
 
+#include "family/log.h"
+
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -197,14 +199,6 @@ TEST(log, crash_check_looks_for_the_end_marker)
               said);
 }
 
-TEST(log, flags_are_kept_for_callers)
-{
-    EXPECT_EQ(6U, LogSetFlags(6));
-    EXPECT_EQ(4U, LogClrFlags(2));
-    EXPECT_EQ(4U, LogGetFlags());
-    LogClrFlags(4);
-}
-
 TEST(own_log, stamps_as_asked_and_has_no_end)
 {
     const temp_dir dir;
@@ -221,14 +215,4 @@ TEST(own_log, stamps_as_asked_and_has_no_end)
                 MatchesRegex(std::string("Start logging Version 1\\.2  ") + stamps +
                              "\nLinux or unknown\n\n[0-9:]+ -[0-9a-f]+ a b\n-[0-9a-f]+ text\n"));
     EXPECT_EQ("before", read_file(path + ".old"));
-}
-
-TEST(own_log, null_and_unwritable_paths)
-{
-    EXPECT_EQ(nullptr, zel_log_open(nullptr, "1", 0));
-    EXPECT_EQ(nullptr, zel_log_open("/nowhere/at/all.log", "1", 0));
-    EXPECT_EQ(nullptr, zel_log_get_file(nullptr));
-    zel_log_print(nullptr, "x");
-    zel_log_puts(nullptr, "x");
-    zel_log_close(nullptr);
 }

@@ -5,7 +5,11 @@
 #include <cerrno>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 using zel_test::read_file;
@@ -65,4 +69,49 @@ TEST_F(safe_files, rest_between_two_pieces)
         }
         EXPECT_EQ(stolen ? "old" : "one two", read_file("a"));
     }
+}
+
+TEST_F(safe_files, what_is_not_put_in_place_goes_and_what_is_kept_stays)
+{
+    const zel::target_file old = zel::find_target("a", zel::links::replace);
+    {
+        zel::safe_file dropped;
+        ASSERT_EQ(0, dropped.create("temporary", old));
+        dropped.append("text");
+    }
+    EXPECT_EQ(0, count());
+    zel::safe_file kept;
+    ASSERT_EQ(0, kept.create("temporary", old));
+    kept.append("text");
+    kept.keep();
+    EXPECT_EQ("text", read_file("temporary"));
+}
+
+// In a name space of one user the administrator outside has the number of all strangers.
+TEST_F(safe_files, links_of_whom_a_name_space_does_not_know)
+{
+    for (const char *folder : {"closed", "open"}) {
+        fs::create_directory(folder);
+        fs::create_symlink("nowhere", std::string(folder) + "/link");
+    }
+    chmod(".", 0755);
+    chmod("open", 01777);
+    const bool is_root = geteuid() == 0;
+    const pid_t child = fork();
+    if (child == 0) {
+        const uid_t user = is_root ? 1234 : geteuid();
+        if (setresuid(user, user, user) != 0 || prctl(PR_SET_DUMPABLE, 1) != 0 ||
+            unshare(CLONE_NEWUSER) != 0)
+            _exit(77);
+        write_file("/proc/self/uid_map", "0 " + std::to_string(user) + " 1\n");
+        EXPECT_FALSE(zel::crosses_foreign_link("/dev/stdout"));
+        EXPECT_FALSE(zel::is_foreign_link("closed/link"));
+        EXPECT_EQ(is_root, zel::is_foreign_link("open/link")); // made by this test's user
+        _exit(HasFailure() ? 1 : 40);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    if (WIFEXITED(status) && WEXITSTATUS(status) == 77)
+        GTEST_SKIP() << "needs the right to make a name space";
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 40);
 }

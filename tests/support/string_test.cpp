@@ -1,4 +1,4 @@
-#include "support/string.h"
+#include "family/string.h"
 
 #include "locales.h"
 #include "log-fixture.h"
@@ -227,17 +227,4 @@ TEST(file_ext, is_found_in_a_list_with_its_dot)
     EXPECT_EQ(0, zel_if_ext(list.get(), "h"));
     EXPECT_EQ(1, zel_if_ext(list.get(), nullptr));
     EXPECT_EQ(1, zel_if_ext(nullptr, "a.h"));
-}
-
-TEST(file_check, exists_and_is_readable)
-{
-    const zel_test::temp_dir dir;
-    const std::string path = dir / "a";
-    EXPECT_EQ(1, check_file_exist_read(path.c_str()));
-    zel_test::write_file(path, "");
-    EXPECT_EQ(0, check_file_exist_read(path.c_str()));
-    if (getuid() != 0) {
-        std::filesystem::permissions(path, std::filesystem::perms::none);
-        EXPECT_EQ(2, check_file_exist_read(path.c_str()));
-    }
 }

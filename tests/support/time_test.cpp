@@ -1,3 +1,4 @@
+#include "family/time.h"
 #include "support/time.h"
 
 #include "log-fixture.h"

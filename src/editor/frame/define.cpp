@@ -14,7 +14,6 @@
 #include "support/time.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -273,12 +272,10 @@ void add_export_path(dialog_state *dialog)
 // The time as people read it, beside the field and for who hears it.
 void show_date(GtkSpinButton *spin, std::int64_t time)
 {
-    std::array<char, 1024> date{};
-    if (time != 0)
-        sprintf_date(date.data(), "%Y-%m-%d %H:%M:%S", time);
+    const std::string date = time == 0 ? "" : zel::date_text("%Y-%m-%d %H:%M:%S", time);
     auto *label = static_cast<GtkWidget *>(g_object_get_data(G_OBJECT(spin), date_key));
-    gtk_label_set_text(GTK_LABEL(label), date.data());
-    zel::set_accessible_description(GTK_WIDGET(spin), date.data());
+    gtk_label_set_text(GTK_LABEL(label), date.c_str());
+    zel::set_accessible_description(GTK_WIDGET(spin), date.c_str());
 }
 
 void whatsnew_changed_cb(GtkSpinButton *spin, gpointer data)

@@ -23,12 +23,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <string>
 #include <vector>
 
 namespace {
 
 constexpr std::size_t path_size = 2048;
-constexpr std::size_t date_size = 1024;
 
 void show_value(GtkWidget *label, const char *text)
 {
@@ -39,13 +39,11 @@ void show_value(GtkWidget *label, const char *text)
 void show_source_values()
 {
     const char *unknown = zel::ui_text("common", "Unknown");
-    std::array<char, date_size> date{};
-    if (def_group->mtime != 0)
-        sprintf_date(date.data(), "%Y-%m-%d %H:%M:%S", def_group->mtime);
+    const std::string date = zel::date_text("%Y-%m-%d %H:%M:%S", def_group->mtime);
     show_value(lang_global.file_label, def_file);
     show_value(lang_global.create_date_label,
                def_group->create_date == nullptr ? unknown : def_group->create_date);
-    show_value(lang_global.mtime_label, def_group->mtime == 0 ? unknown : date.data());
+    show_value(lang_global.mtime_label, def_group->mtime == 0 ? unknown : date.c_str());
 }
 
 void clear_source_values()
@@ -193,12 +191,11 @@ void save_pairs(GtkWidget *widget)
     zel::edit_select_output_langs(def_group);
     if (lang_global.output_lang_1 == nullptr)
         return;
-    std::array<char, date_size> date{};
-    sprintf_date(date.data(), "%Y-%m-%d-%H-%M", std::time(nullptr));
+    const std::string date = zel::date_text("%Y-%m-%d-%H-%M", std::time(nullptr));
     int failures = 0;
     for (const lang_t *lang : zel::each<lang_t>(def_group->langs)) {
         if (lang->name != nullptr && std::strcmp(lang->name, lang_global.output_lang_1) != 0)
-            failures += write_pair(folder.get(), date.data(), lang->name) ? 0 : 1;
+            failures += write_pair(folder.get(), date.c_str(), lang->name) ? 0 : 1;
     }
     zel::message(widget, "status",
                  failures != 0 ? "Error write file/s" : "Write file/s successfull");

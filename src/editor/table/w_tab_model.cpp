@@ -70,9 +70,7 @@ void set_string(GValue *value, const std::string &text) { g_value_set_string(val
 
 void set_date(GValue *value, std::int64_t time)
 {
-    char date[1024];
-    sprintf_date(date, "%Y-%m-%d %H:%M:%S", time);
-    g_value_set_string(value, date);
+    set_string(value, zel::date_text("%Y-%m-%d %H:%M:%S", time));
 }
 
 void set_cell(const zel::tab_rows &rows, int number, int column, GValue *value)

@@ -89,9 +89,7 @@ std::string date()
     const char *given = std::getenv("SOURCE_DATE_EPOCH");
     const std::int64_t now =
         given == nullptr ? std::time(nullptr) : std::strtoll(given, nullptr, 10);
-    char text[64];
-    snprintf_date(text, sizeof text, "%Y-%m-%d %H:%M", now);
-    return text;
+    return date_text("%Y-%m-%d %H:%M", now);
 }
 
 // Writes the page, with what the function adds in the place of its data.

@@ -1,4 +1,4 @@
-#include "support/cfg_file_name.h"
+#include "family/cfg_file_name.h"
 
 #include "support/dir_list.h"
 #include "support/file-call.h"

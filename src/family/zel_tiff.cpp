@@ -1,4 +1,4 @@
-#include "support/zel_tiff.h"
+#include "family/zel_tiff.h"
 
 #include <tiffio.h>
 
