@@ -126,10 +126,7 @@ TEST_F(Dialogs, ChoosersGiveTheChosenPathOrNothing)
                 {file_sel_write, start.data(), other.data(), path("sub/unborn")},
                 {file_sel_write, start.data(), unborn.data(), unborn}};
     for (const auto &row : rows) {
-        answer_next([](GtkWidget *dialog) {
-            settle(300);
-            gtk_dialog_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT);
-        });
+        answer_next(accept(row.chosen));
         EXPECT_EQ(taken(row.select(nullptr, "preset", row.folder, row.name)), row.chosen);
     }
     EXPECT_EQ(preset, path("a.lang"));
@@ -179,18 +176,18 @@ TEST_F(Dialogs, APathIsTypedInEveryChooserAndOneThatIsNotThereIsRefused)
             type(dialog, "nope");
             settle(300);
             key(dialog, GDK_KEY_Return);
-            settle(300);
-            ASSERT_TRUE(gtk_widget_get_visible(dialog));
-            EXPECT_THAT(label_texts(dialog), Contains(HasSubstr("nope: there is no such ")));
+            const auto is_refused = Contains(HasSubstr("nope: there is no such "));
+            EXPECT_TRUE(
+                wait_for([&] { return testing::Matches(is_refused)(label_texts(dialog)); }));
             key(dialog, GDK_KEY_a, GDK_CONTROL_MASK);
             type(dialog, piece);
             settle(300);
             key(dialog, GDK_KEY_Tab);
-            settle(300);
-            EXPECT_STREQ(gtk_entry_get_text(GTK_ENTRY(gtk_window_get_focus(GTK_WINDOW(dialog)))),
-                         whole);
+            GtkWidget *field = gtk_window_get_focus(GTK_WINDOW(dialog));
+            EXPECT_TRUE(wait_for([&] {
+                return g_strcmp0(gtk_entry_get_text(GTK_ENTRY(field)), whole) == 0;
+            })) << gtk_entry_get_text(GTK_ENTRY(field));
             key(dialog, GDK_KEY_Return);
-            settle(300);
         };
     };
     for (int time = 0; time < 2; ++time) {
@@ -244,6 +241,7 @@ TEST_F(Dialogs, SeveralFilesAreFilteredByTheirPatterns)
         EXPECT_TRUE(passes("b.two"));
         EXPECT_FALSE(passes("c.three"));
         settle(300); // the folder comes in by and by
+        gtk_widget_grab_focus(find_all(dialog, GTK_TYPE_TREE_VIEW).back());
         EXPECT_TRUE(wait_for([chooser] {
             gtk_file_chooser_select_all(chooser);
             GSList *chosen = gtk_file_chooser_get_filenames(chooser);

@@ -8,6 +8,7 @@
 #include "support/log-print.h"
 #include "support/string-copy.h"
 #include "support/string.h"
+#include "support/text.h"
 
 #include <cerrno>
 #include <filesystem>
@@ -16,6 +17,35 @@
 namespace {
 
 using glib_string = std::unique_ptr<gchar, zel::release<g_free>>;
+
+// Why the chosen path cannot be opened; empty when it can, or is to be written.
+std::string why_not(GtkFileChooser *files)
+{
+    const GtkFileChooserAction action = gtk_file_chooser_get_action(files);
+    const glib_string path(gtk_file_chooser_get_filename(files));
+    if (path == nullptr || action == GTK_FILE_CHOOSER_ACTION_SAVE)
+        return {};
+    const std::string shown = zel::utf8_shown(path.get()) + ": ";
+    if (action == GTK_FILE_CHOOSER_ACTION_SELECT_FOLDER)
+        return g_file_test(path.get(), G_FILE_TEST_IS_DIR) != 0
+                   ? ""
+                   : shown + zel::ui_text("reader", "there is no such folder");
+    if (access(path.get(), R_OK) == 0)
+        return {};
+    return shown +
+           (errno == ENOENT ? zel::ui_text("reader", "there is no such file") : g_strerror(errno));
+}
+
+// What is not there to be opened is refused, so that a typing error leads to nothing; the toolkit
+// would take such a file, and make such a folder.
+void open_clicked(GtkWidget *, gpointer dialog)
+{
+    const std::string why = why_not(GTK_FILE_CHOOSER(dialog));
+    if (why.empty())
+        gtk_dialog_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT);
+    else
+        zel::refuse_path(GTK_WIDGET(dialog), why.c_str());
+}
 
 // A chooser dialog, destroyed at the end of the scope.
 struct chooser {
@@ -26,9 +56,11 @@ struct chooser {
     {
         gtk_dialog_set_default_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT);
         g_signal_connect(dialog, "destroy", G_CALLBACK(gtk_widget_destroyed), &dialog);
-        // The toolkit may begin with its list of recent files, which has no field for a path.
-        const glib_string here(g_get_current_dir());
-        start_in(here.get());
+        GtkWidget *open =
+            gtk_dialog_get_widget_for_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT);
+        g_signal_handlers_disconnect_matched(open, G_SIGNAL_MATCH_DATA, 0, 0, nullptr, nullptr,
+                                             dialog); // the dialog's own
+        g_signal_connect(open, "clicked", G_CALLBACK(open_clicked), dialog);
     }
     ~chooser()
     {
@@ -40,17 +72,10 @@ struct chooser {
 
     GtkFileChooser *files() const { return GTK_FILE_CHOOSER(dialog); }
 
-    // What is not there to be opened is refused, so that a typing error leads to nothing.
     bool accepted(const char *preset = "") const
     {
         zel::show_path_field(dialog, preset);
-        while (gtk_dialog_run(GTK_DIALOG(dialog)) == GTK_RESPONSE_ACCEPT && dialog != nullptr) {
-            const std::string why = why_not();
-            if (why.empty())
-                return true;
-            zel::refuse_path(dialog, why.c_str());
-        }
-        return false;
+        return gtk_dialog_run(GTK_DIALOG(dialog)) == GTK_RESPONSE_ACCEPT && dialog != nullptr;
     }
     [[nodiscard]] char *run(const char *preset = "") const
     {
@@ -59,48 +84,36 @@ struct chooser {
         const glib_string path(gtk_file_chooser_get_filename(files()));
         return zel_strdup(path.get());
     }
+    // Without a folder the toolkit might begin with its list of recent files, which has no field
+    // for a path. It forgets what it is to select when it is told a folder twice.
     void start_in(const char *folder) const
     {
-        if (folder != nullptr && folder[0] != '\0')
-            gtk_file_chooser_set_current_folder(files(), folder);
+        const glib_string here(g_get_current_dir());
+        const bool is_given = folder != nullptr && folder[0] != '\0';
+        gtk_file_chooser_set_current_folder(files(), is_given ? folder : here.get());
     }
-    // A name that is no whole path is one of the folder. An existing file is selected where it is;
-    // only a chooser to write can hold another name. Gives the name as it is shown.
+    // A name that is no whole path is one of the folder. Only a chooser to write can hold one that
+    // is not there. Gives the name as it is shown.
     std::string preset(const char *folder, const char *name, bool writes) const
     {
-        if (name == nullptr || name[0] == '\0')
-            return {};
         std::error_code error;
         const std::filesystem::path start = folder == nullptr ? "" : folder;
-        const std::filesystem::path whole = std::filesystem::absolute(start / name, error);
-        if (error)
+        const std::filesystem::path whole =
+            std::filesystem::absolute(start / zel::or_empty(name), error);
+        if (error || zel::or_empty(name)[0] == '\0') {
+            start_in(folder);
             return {};
-        const std::string shown = zel::utf8_shown(whole.filename().c_str());
-        if (std::filesystem::exists(whole, error)) {
-            gtk_file_chooser_set_filename(files(), whole.c_str());
-        } else if (writes) {
-            start_in(whole.parent_path().c_str());
-            gtk_file_chooser_set_current_name(files(), shown.c_str());
         }
-        return shown;
-    }
-
-    // Why the chosen path cannot be opened; empty when it can, or is to be written.
-    std::string why_not() const
-    {
-        const GtkFileChooserAction action = gtk_file_chooser_get_action(files());
-        const glib_string path(gtk_file_chooser_get_filename(files()));
-        if (path == nullptr || action == GTK_FILE_CHOOSER_ACTION_SAVE)
-            return {};
-        const std::string shown = zel::utf8_shown(path.get()) + ": ";
-        if (action == GTK_FILE_CHOOSER_ACTION_SELECT_FOLDER)
-            return g_file_test(path.get(), G_FILE_TEST_IS_DIR) != 0
-                       ? ""
-                       : shown + zel::ui_text("reader", "there is no such folder");
-        if (access(path.get(), R_OK) == 0)
-            return {};
-        return shown + (errno == ENOENT ? zel::ui_text("reader", "there is no such file")
-                                        : g_strerror(errno));
+        const std::string shown = zel::utf8_shown(whole.filename().c_str());
+        const bool is_there = std::filesystem::exists(whole, error);
+        if (writes && is_there) {
+            gtk_file_chooser_set_filename(files(), whole.c_str());
+            return shown;
+        }
+        start_in(writes || is_there ? whole.parent_path().c_str() : folder);
+        if (writes)
+            gtk_file_chooser_set_current_name(files(), shown.c_str());
+        return is_there ? shown : std::string();
     }
 
     GtkWidget *dialog;
@@ -110,7 +123,6 @@ char *select_file(const chooser &choose, char *folder, char *name, bool writes)
 {
     zel_path_to_os(folder);
     zel_path_to_os(name);
-    choose.start_in(folder);
     return choose.run(choose.preset(folder, name, writes).c_str());
 }
 
@@ -156,7 +168,7 @@ void recent_chosen(GtkComboBox *combo, gpointer files)
     if (gtk_combo_box_get_active_iter(combo, &iter) == 0)
         return;
     gtk_tree_model_get(gtk_combo_box_get_model(combo), &iter, 1, &path, -1);
-    gtk_file_chooser_set_filename(GTK_FILE_CHOOSER(files), path);
+    zel::put_path(GTK_WIDGET(files), path);
     g_free(path);
 }
 

@@ -1,6 +1,6 @@
 #include "editor/frame/path-field.h"
 
-#include "support/string-copy.h"
+#include "editor/toolkit/ui-text.h"
 
 #include <string>
 
@@ -103,15 +103,10 @@ void focus_moved(GtkWidget *chooser, GtkWidget *focus, gpointer)
         g_object_get_data(G_OBJECT(focus), watched) != nullptr)
         return;
     g_object_set_data(G_OBJECT(focus), watched, focus);
+    if (gtk_entry_get_text_length(GTK_ENTRY(focus)) == 0)
+        gtk_entry_set_text(GTK_ENTRY(focus), field_of(chooser)->preset.c_str());
     field_of(chooser)->now = gtk_entry_get_text(GTK_ENTRY(focus));
     g_signal_connect_object(focus, "changed", G_CALLBACK(text_changed), chooser, GConnectFlags{});
-}
-
-// Another folder: what was typed led there.
-void folder_changed(GtkFileChooser *chooser, gpointer)
-{
-    if (GtkEntry *entry = typed_in(chooser))
-        gtk_entry_set_text(entry, "");
 }
 
 std::string name_at_cursor(GtkFileChooser *chooser)
@@ -134,13 +129,31 @@ void selection_changed(GtkFileChooser *chooser, gpointer)
     const path_field *field = field_of(chooser);
     const std::string text = gtk_entry_get_text(entry);
     const std::string typed = field->before;
-    const bool is_preset = text == field->preset;
-    if (is_preset && typed.empty()) {
-        gtk_editable_select_region(GTK_EDITABLE(entry), 0, -1);
-    } else if (is_preset || text == name_at_cursor(chooser)) {
+    if (text != field->preset && text == name_at_cursor(chooser)) {
         gtk_file_chooser_unselect_all(chooser);
         put(entry, typed.c_str());
     }
+    if (field->preset == gtk_entry_get_text(entry))
+        gtk_editable_select_region(GTK_EDITABLE(entry), 0, -1);
+}
+
+// The toolkit takes a folder in its own time; a chooser that comes up before that begins elsewhere,
+// and loses what stands in its field.
+void wait_for_folder(GtkWidget *chooser)
+{
+    constexpr gint64 longest = 1000000; // microseconds
+    const gint64 end = g_get_monotonic_time() + longest;
+    const guint wake = g_timeout_add(
+        5, [](gpointer) -> gboolean { return TRUE; }, nullptr);
+    gtk_grab_add(chooser); // nothing else is typed in meanwhile
+    gchar *folder = nullptr;
+    while (folder == nullptr && g_get_monotonic_time() < end) {
+        g_main_context_iteration(nullptr, TRUE);
+        folder = gtk_file_chooser_get_current_folder(GTK_FILE_CHOOSER(chooser));
+    }
+    g_free(folder);
+    gtk_grab_remove(chooser);
+    g_source_remove(wake);
 }
 
 } // namespace
@@ -158,12 +171,19 @@ void show_path_field(GtkWidget *chooser, const char *preset)
                        FALSE, FALSE, 0);
     g_signal_connect(chooser, "key-press-event", G_CALLBACK(begin_path), nullptr);
     g_signal_connect(chooser, "set-focus", G_CALLBACK(focus_moved), nullptr);
+    wait_for_folder(chooser);
     gtk_widget_show(chooser);
     if (gtk_file_chooser_get_action(GTK_FILE_CHOOSER(chooser)) == GTK_FILE_CHOOSER_ACTION_SAVE)
         return; // it has a field with the preset's name
-    pop_up_field(chooser, "");
-    g_signal_connect(chooser, "current-folder-changed", G_CALLBACK(folder_changed), nullptr);
+    pop_up_field(chooser, preset);
+    if (GtkEntry *entry = typed_in(chooser))
+        gtk_editable_select_region(GTK_EDITABLE(entry), 0, -1);
     g_signal_connect(chooser, "selection-changed", G_CALLBACK(selection_changed), nullptr);
+}
+
+void put_path(GtkWidget *chooser, const char *path)
+{
+    pop_up_field(chooser, utf8_shown(path).c_str());
 }
 
 void refuse_path(GtkWidget *chooser, const char *why)

@@ -12,6 +12,9 @@ namespace zel {
 // its folders begins a path.
 void show_path_field(GtkWidget *chooser, const char *preset);
 
+// Puts a whole path into the field, as if it was typed.
+void put_path(GtkWidget *chooser, const char *path);
+
 // Says under the chooser why the path is not taken, and gives the field the keyboard again.
 void refuse_path(GtkWidget *chooser, const char *why);
 
