@@ -345,7 +345,12 @@ answer_fn choose(const std::string &path)
             close_window()(dialog);
             return;
         }
-        gtk_entry_set_text(GTK_ENTRY(field), path.c_str());
+        if (g_utf8_validate(path.c_str(), -1, nullptr) != 0) {
+            gtk_entry_set_text(GTK_ENTRY(field), path.c_str());
+        } else { // it cannot be typed
+            gtk_widget_grab_focus(find_all(dialog, GTK_TYPE_TREE_VIEW).back());
+            gtk_file_chooser_set_filename(GTK_FILE_CHOOSER(dialog), path.c_str());
+        }
         accept(path)(dialog);
     };
 }

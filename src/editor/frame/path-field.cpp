@@ -1,7 +1,5 @@
 #include "editor/frame/path-field.h"
 
-#include "editor/toolkit/ui-text.h"
-
 #include <string>
 
 namespace {
@@ -145,6 +143,7 @@ void wait_for_folder(GtkWidget *chooser)
     const gint64 end = g_get_monotonic_time() + longest;
     const guint wake = g_timeout_add(
         5, [](gpointer) -> gboolean { return TRUE; }, nullptr);
+    gtk_widget_realize(chooser);
     gtk_grab_add(chooser); // nothing else is typed in meanwhile
     gchar *folder = nullptr;
     while (folder == nullptr && g_get_monotonic_time() < end) {
@@ -183,7 +182,10 @@ void show_path_field(GtkWidget *chooser, const char *preset)
 
 void put_path(GtkWidget *chooser, const char *path)
 {
-    pop_up_field(chooser, utf8_shown(path).c_str());
+    if (g_utf8_validate(path, -1, nullptr) != 0)
+        pop_up_field(chooser, path);
+    else
+        gtk_file_chooser_set_filename(GTK_FILE_CHOOSER(chooser), path); // it cannot be typed
 }
 
 void refuse_path(GtkWidget *chooser, const char *why)
