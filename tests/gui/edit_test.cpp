@@ -168,6 +168,7 @@ TEST_F(Editor, SaveWritesWhatWasTypedAndKeepsTheOldFile)
         fs::create_directories("lang.tmp/in the way");
         translate(panel()->trans2_view, "anders");
         EXPECT_EQ(box_of([] { choose_entry("Save"); }), "Error write file\nOk");
+        EXPECT_THAT(status(), testing::StartsWith(source() + ": ")) << "and why";
         EXPECT_EQ(lang_global.modified, 1);
         fs::remove_all("lang.tmp");
     });

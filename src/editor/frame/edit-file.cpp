@@ -126,7 +126,7 @@ bool has_other_names(const char *path)
     return stat(path, &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink > 1;
 }
 
-std::string with_path(const char *path, const char *text)
+std::string file_and_text(const char *path, const char *text)
 {
     return zel::utf8_shown(path) + ": " + zel::ui_text("status", text);
 }
@@ -152,13 +152,15 @@ void write_and_tell(GtkWidget *widget, const char *path)
     if (written.code == 0) {
         if (keeps_names)
             zel::edit_status(
-                with_path(path, "the file has other names, which keep the old text").c_str());
+                file_and_text(path, "the file has other names, which keep the old text").c_str());
         zel::edit_set_modified(false);
         zel::recovery_drop();
         zel::watch_saved(path, written.file);
         // The text is also an item of the editor's own texts, which is found by its spelling.
         zel::message(mainWin, "status", "Write file successfull");
     } else {
+        if (!written.why.empty())
+            zel::edit_status((zel::utf8_shown(path) + ": " + written.why).c_str());
         zel::message(widget, "status", "Error write file");
     }
 }
