@@ -14,7 +14,7 @@ struct path_field {
     GtkWidget *refusal; // a label, hidden while nothing was refused
 };
 
-path_field *field_of(gpointer chooser)
+path_field *state_of_field(gpointer chooser)
 {
     return static_cast<path_field *>(g_object_get_data(G_OBJECT(chooser), field_key));
 }
@@ -87,7 +87,7 @@ gboolean begin_path(GtkWidget *chooser, GdkEventKey *event, gpointer)
 
 void text_changed(GtkEntry *entry, gpointer chooser)
 {
-    path_field *field = field_of(chooser);
+    path_field *field = state_of_field(chooser);
     field->before = std::move(field->now);
     field->now = gtk_entry_get_text(entry);
     gtk_widget_hide(field->refusal);
@@ -102,8 +102,8 @@ void focus_moved(GtkWidget *chooser, GtkWidget *focus, gpointer)
         return;
     g_object_set_data(G_OBJECT(focus), watched, focus);
     if (gtk_entry_get_text_length(GTK_ENTRY(focus)) == 0)
-        gtk_entry_set_text(GTK_ENTRY(focus), field_of(chooser)->preset.c_str());
-    field_of(chooser)->now = gtk_entry_get_text(GTK_ENTRY(focus));
+        gtk_entry_set_text(GTK_ENTRY(focus), state_of_field(chooser)->preset.c_str());
+    state_of_field(chooser)->now = gtk_entry_get_text(GTK_ENTRY(focus));
     g_signal_connect_object(focus, "changed", G_CALLBACK(text_changed), chooser, GConnectFlags{});
 }
 
@@ -124,7 +124,7 @@ void selection_changed(GtkFileChooser *chooser, gpointer)
     GtkEntry *entry = typed_in(chooser);
     if (entry == nullptr)
         return;
-    const path_field *field = field_of(chooser);
+    const path_field *field = state_of_field(chooser);
     const std::string text = gtk_entry_get_text(entry);
     const std::string typed = field->before;
     if (text != field->preset && text == name_at_cursor(chooser)) {
@@ -190,7 +190,7 @@ void put_path(GtkWidget *chooser, const char *path)
 
 void refuse_path(GtkWidget *chooser, const char *why)
 {
-    path_field *field = field_of(chooser);
+    path_field *field = state_of_field(chooser);
     if (GtkWidget *entry = find_inside(chooser, is_field)) {
         gtk_widget_grab_focus(entry);
         gtk_editable_set_position(GTK_EDITABLE(entry), -1);
