@@ -160,10 +160,15 @@ TEST_F(Editor, SaveWritesWhatWasTypedAndKeepsTheOldFile)
         EXPECT_THAT(texts_of(source()), HasSubstr("menu:Open german=\xc3\x96"
                                                   "ffnen\n|zweite Zeile|\n"));
 
+        fs::create_hard_link(source(), "other name");
+        box_of([] { choose_entry("Save"); });
+        EXPECT_EQ(status(), source() + ": the file has other names, which keep the old text");
+
         // No temporary file can be made where the editor works.
         fs::create_directories("lang.tmp/in the way");
         translate(panel()->trans2_view, "anders");
         EXPECT_EQ(box_of([] { choose_entry("Save"); }), "Error write file\nOk");
+        EXPECT_THAT(status(), testing::StartsWith(source() + ": ")) << "and why";
         EXPECT_EQ(lang_global.modified, 1);
         fs::remove_all("lang.tmp");
     });

@@ -60,6 +60,7 @@ void start_watching();
 answer_fn press(const std::string &button_text); // clicks the button with that label
 answer_fn respond(int response);                 // of a GtkDialog
 answer_fn close_window();                        // as the window manager closes it
+answer_fn accept(const std::string &path);       // a chooser, as soon as that path is chosen
 answer_fn choose(const std::string &path);       // a file or folder chooser: that path, accepted
 answer_fn type_name(const std::string &folder, const std::string &name); // a save chooser
 // Notes the texts of the dialog's labels in *seen (joined by line feeds), then answers.

@@ -5,12 +5,6 @@ main="Tarvik language editor version 1.4"
 box=" "
 editor=
 
-# The choosers begin with the name, in the current folder.
-type_names() {
-    mkdir -p "$XDG_CONFIG_HOME/gtk-2.0"
-    printf '%s\n' '[Filechooser Settings]' LocationMode=filename-entry StartupMode=cwd \
-        >"$XDG_CONFIG_HOME/gtk-2.0/gtkfilechooser.ini"
-}
 fail() {
     echo "$name: $* (line ${BASH_LINENO[*]})" >&2
     [ -z "${SHOT:-}" ] || import -window root "$SHOT"
@@ -32,14 +26,12 @@ keys() { xdotool key --delay 40 "$@"; sleep 0.15; }
 text() { xdotool type --delay 15 -- "$1"; sleep 0.2; }
 # A message box: it is closed and the main window is back.
 ok() { window "$box"; keys Return; window "$main"; }
-# A chooser of that title: the name is typed, slowly, since it completes it in its own time.
+# A chooser of that title, of whatever kind: the path is typed.
 choose() {
     window "$1"
-    sleep 0.5
-    keys ctrl+a
-    xdotool type --delay 60 -- "$2"
-    sleep 0.5
-    keys Delete Return
+    text "$2"
+    sleep 0.3
+    keys Return
 }
 # Starts the editor and waits for its window.
 start() {

@@ -77,6 +77,9 @@ TEST_F(Search, EscapeBringsBackTheItemFromBefore)
         EXPECT_EQ(name(), "");
         key(mainWin, GDK_KEY_Escape);
         EXPECT_EQ(name(), "opener");
+        key(mainWin, GDK_KEY_Return);
+        EXPECT_EQ(name(), "opener") << "Return in an empty search";
+        EXPECT_FALSE(in_entry());
     });
 }
 

@@ -52,7 +52,6 @@ GtkWidget *make_window()
 {
     mainWin = gtk_window_new(GTK_WINDOW_TOPLEVEL);
     gtk_window_set_title(GTK_WINDOW(mainWin), "Tarvik language editor version 1.4");
-    gtk_widget_set_size_request(mainWin, 800, 600);
     gtk_window_set_position(GTK_WINDOW(mainWin), GTK_WIN_POS_CENTER);
     set_icon();
     accel_group = gtk_accel_group_new();
@@ -154,7 +153,7 @@ GtkWidget *make_status_frame()
     statusWin = gtk_entry_new();
     gtk_editable_set_editable(GTK_EDITABLE(statusWin), FALSE);
     gtk_widget_set_name(statusWin, "status");
-    zel::set_accessible_name(statusWin, "Status");
+    zel::edit_status(nullptr);
     gtk_box_pack_start(GTK_BOX(row), statusWin, TRUE, TRUE, 0);
     changed_sign = gtk_label_new(zel::ui_text("common", "changed"));
     gtk_widget_set_no_show_all(changed_sign, TRUE);

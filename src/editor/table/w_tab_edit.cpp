@@ -386,7 +386,10 @@ void make_search(ZelTabEdit *tab)
         {GTK_WIDGET(tab), tab->view, ZEL_TEXT(tab->text_widget),
          [tab] { tree_filter_changed_cb(nullptr, tab); },
          [tab] {
-             zel_tab_edit_first(GTK_WIDGET(tab));
+             if (tab->search->words().empty())
+                 tab->search->come_back();
+             if (!tab->search->words().empty() || selected_place(tab) < 0)
+                 zel_tab_edit_first(GTK_WIDGET(tab));
              focus_translation(tab);
          },
          [tab](int row) {
