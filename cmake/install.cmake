@@ -1,14 +1,16 @@
 # What an installation holds beside the library.
 
-install(TARGETS lang lang-kit RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(TARGETS lang_editor_module LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/lang)
-
-install(FILES data/man/lang.1 data/man/lang-kit.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+set(lang_programs lang)
+if(LANG_KIT)
+  list(APPEND lang_programs lang-kit)
+endif()
+install(TARGETS ${lang_programs} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES data/man/lang-source.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)
 install(FILES data/man/liblang.3 DESTINATION ${CMAKE_INSTALL_MANDIR}/man3 COMPONENT liblang)
 set(LANG_ZSH_COMPLETION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions
     CACHE STRING "Folder of zsh's completion functions")
-foreach(program lang lang-kit)
+foreach(program ${lang_programs})
+  install(FILES data/man/${program}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   install(FILES data/completion/${program}.bash RENAME ${program}
           DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
   install(FILES data/completion/_${program} DESTINATION ${LANG_ZSH_COMPLETION})
@@ -26,14 +28,17 @@ install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
                          WORLD_READ WORLD_EXECUTE
         FILES_MATCHING PATTERN *.sh)
 
-# What the editor looks for: the manual and the icon; and what makes the desktop find the editor.
-install(FILES data/doc/lang.pdf data/doc/lang.html DESTINATION ${CMAKE_INSTALL_DATADIR}/lang/doc)
-install(FILES data/icons/lang-editor.png DESTINATION ${CMAKE_INSTALL_DATADIR}/lang/icons)
-install(DIRECTORY data/icons/hicolor DESTINATION ${CMAKE_INSTALL_DATADIR}/icons)
-install(FILES data/lang-editor.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
-install(FILES data/lang-source.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages)
-install(FILES data/org.example.lang_editor.metainfo.xml
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
+# The editor, what it looks for: the manual and the icon; and what makes the desktop find it.
+if(LANG_EDITOR)
+  install(TARGETS lang_editor_module LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/lang)
+  install(FILES data/doc/lang.pdf data/doc/lang.html DESTINATION ${CMAKE_INSTALL_DATADIR}/lang/doc)
+  install(FILES data/icons/lang-editor.png DESTINATION ${CMAKE_INSTALL_DATADIR}/lang/icons)
+  install(DIRECTORY data/icons/hicolor DESTINATION ${CMAKE_INSTALL_DATADIR}/icons)
+  install(FILES data/lang-editor.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
+  install(FILES data/lang-source.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages)
+  install(FILES data/org.example.lang_editor.metainfo.xml
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
+endif()
 
 # How other editors show a source.
 install(DIRECTORY data/syntax/vim/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vim/vimfiles)

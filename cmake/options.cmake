@@ -3,8 +3,13 @@
 add_library(lang_options INTERFACE)
 target_compile_features(lang_options INTERFACE cxx_std_20)
 target_compile_options(lang_options INTERFACE
-  -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+  -Wall -Wextra -Wpedantic -Wconversion
   $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions>)
+# What hides a name of another file, or lies in an unnamed namespace of a unit, is seen by the builds of
+# single files.
+set(single $<NOT:$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>>)
+target_compile_options(lang_options INTERFACE
+  $<IF:${single},-Wshadow,$<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-subobject-linkage>>)
 # GCC 12 takes a literal before a string for a copy onto itself when it optimises fully.
 target_compile_options(lang_options INTERFACE
   $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>)
@@ -24,3 +29,15 @@ if(LANG_SANITIZE)
                       -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${LANG_SANITIZE})
 endif()
+
+# What nearly every file includes is compiled once; the targets behind the first share what it made.
+# Only for builds of single files: a source that forgets an include is found by those without this.
+function(lang_precompile target)
+  if(NOT LANG_PCH)
+    return()
+  endif()
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(${target} PRIVATE -fpch-preprocess) # for compiler caches
+  endif()
+  target_precompile_headers(${target} ${ARGN})
+endfunction()

@@ -36,7 +36,7 @@ _lang_kit()
     if [[ -z $files ]]; then
         [[ $word == -* ]] || words=
         case ${COMP_WORDS[1]} in
-        import) files=all ;;
+        import | check) files=all ;;
         git | start) files=none ;;
         *) files=sources ;;
         esac

@@ -42,7 +42,7 @@ function __lang_kit
         return
     end
     switch $before[2]
-        case import
+        case import check
             __fish_complete_path $current
         case git start
         case '*'

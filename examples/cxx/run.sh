@@ -48,11 +48,16 @@ sed "s/Das Regal/Regal/" "$here/shelf.lang-src" >shelf.lang-src
 "$cmake" --build build
 grep -q '"Regal"' build/shelf-texts/german-edit/german.lang || fail "the texts are old"
 
-echo "== check finds a new text"
+echo "== check finds a new text, and those of a library of the project"
+echo '#define lang_get_string(group, item) item
+const char *in_library() { return lang_get_string("shelf", "In a library"); }' >library.cpp
+echo 'add_library(part STATIC library.cpp)
+target_link_libraries(shelf part)' >>CMakeLists.txt
 sed 's/std::cout << lang_get_string/std::cout << lang_get("title", "shelf", "New") << lang_get_string/' \
     "$here/main.cpp" >main.cpp
 "$cmake" --build build --target shelf-check
 grep -q 'ITEM   "New"' shelf.lang-src || fail "the new text was not found"
+grep -q '"00002:library.cpp"' shelf.lang-src || fail "the library's text was not found"
 grep -q '"000[0-9]*:main.cpp"' shelf.lang-src || fail "the place is not named from the source's folder"
 
 echo "== install"

@@ -4,6 +4,7 @@
 #include "lint/item-case.h"
 #include "lint/lint.h"
 #include "lint/rules.h"
+#include "source/entry.h"
 #include "source/misc.h"
 
 #include <algorithm>
@@ -148,8 +149,6 @@ private:
     const LangSource *source_;
     std::array<const char *, shown_languages> langs_;
     lint::linter linter_;
-    std::string own_buffer_;
-    std::string reference_buffer_;
 };
 
 // What is said about no language, or about one that is not shown, goes with the first one shown.
@@ -168,13 +167,9 @@ std::string judge::work::words(const lint::finding &found, item_t *item)
     if (found.rule == rule_id::format && found.language != nullptr) {
         const auto *entry = static_cast<const lang_entry_t *>(found.record);
         const bool is_default = lint::same_language(found.language, source_->default_lang);
-        const lang_entry_t *reference =
-            is_default ? nullptr : misc_select_lang_entry(item, source_->default_lang);
-        std::string_view expected = lint::name_of(item->name);
-        if (reference != nullptr &&
-            misc_search_empty_in_lang_entry(const_cast<lang_entry_t *>(reference)) == 0)
-            expected = lint::join(reference->texts, reference_buffer_);
-        out = differing_conversions(lint::join(entry->texts, own_buffer_), expected);
+        const std::string expected =
+            is_default ? or_empty(item->name) : reference_text(*source_, item);
+        out = differing_conversions(text_of(entry), expected);
     }
     return out.empty() ? std::string(found.message) : out;
 }

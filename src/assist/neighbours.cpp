@@ -1,5 +1,6 @@
 #include "assist/neighbours.h"
 
+#include "source/entry.h"
 #include "source/lang-read.h"
 #include "source/misc.h"
 
@@ -24,14 +25,6 @@ std::string folder_of(const std::string &path)
 {
     const std::size_t end = path.rfind('/');
     return end == std::string::npos ? std::string() : path.substr(0, end + 1);
-}
-
-std::string text_of(const lang_entry_t *entry)
-{
-    std::string out;
-    for (const char *line : each<char>(entry == nullptr ? nullptr : entry->texts))
-        out += line == nullptr ? "" : line;
-    return out;
 }
 
 // Nothing but a regular file is opened, so that neither a pipe waits nor a device does something;

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdarg>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -30,197 +31,327 @@ struct scan {
     zel::item_index &index;
     symtab_t *symbols;
     const char *path;
-    unsigned string_depth; // string literals around the text being read
-    std::int64_t now;      // the creation time of inserted items
+    const scan_how &how;
+    unsigned string_depth = 0; // string literals around the text being read
+    place literal{};           // where the outermost of them stands
+    place request{};           // where the request that is read stands
+    bool told = false;         // that it is not read
+    bool is_defined = false;   // a macro of the request's name: its parameters are no texts
 };
 
 int line_of(const zel_token_t *token) { return static_cast<int>(token->line); }
 
+place place_of(const scan &s, const zel_token_t *token)
+{
+    return s.string_depth != 0 ? s.literal : place{token->line, token->column};
+}
+
+// A message as the command prints it.
+[[gnu::format(printf, 2, 3)]] void say(const scan &s, const char *format, ...)
+{
+    if (s.how.messages == nullptr)
+        return;
+    std::va_list values;
+    va_start(values, format);
+    std::vfprintf(s.how.messages, format, values);
+    va_end(values);
+}
+
+// Tells the listener the first fault of the request.
+void tell_unread(scan &s, piece of, unread_cause cause = unread_cause::no_literal)
+{
+    if (s.how.to != nullptr && !s.told)
+        s.how.to->unread({s.path, s.request, of, cause});
+    s.told = true;
+}
+
 // Adds as much of the text as fits.
-void append(name_buffer &buffer, const char *text)
+void append(scan &s, name_buffer &buffer, const char *text, piece of)
 {
     const std::size_t length = std::strlen(buffer);
-    const std::size_t added = std::min(std::strlen(text), NAME_SIZE - 1 - length);
+    const std::size_t whole = std::strlen(text);
+    const std::size_t added = std::min(whole, NAME_SIZE - 1 - length);
     std::memcpy(buffer + length, text, added);
     buffer[length + added] = '\0';
+    if (added != whole)
+        tell_unread(s, of, unread_cause::goes_on);
 }
 
 // The text of a string or the value of a name; null after a message.
-const char *text_of(const symtab_t *symbols, const zel_token_t *token, const char *path, int error)
+const char *text_of(scan &s, const zel_token_t *token, int error, piece of = piece::item)
 {
-    if (token->id == TOKEN_STRING)
+    if (token->id == TOKEN_STRING) {
+        if (token->length != std::strlen(token->lexeme))
+            tell_unread(s, of, unread_cause::goes_on);
         return token->lexeme;
-    if (token->id != TOKEN_IDENT) {
-        std::printf("ERROR(%d): syntax %s line %d string or id expecetd\n", error, path,
-                    line_of(token));
-        return nullptr;
     }
-    const char *value = symtab_get(symbols, token->lexeme);
+    const char *value = nullptr;
+    if (token->id == TOKEN_IDENT) {
+        value = symtab_get(s.symbols, token->lexeme);
+        if (value == nullptr)
+            say(s, "WARNING: syntax %s line %d symbol not found\n", s.path, line_of(token));
+        else if (symtab_is_doubtful(s.symbols, token->lexeme))
+            tell_unread(s, of, unread_cause::two_values);
+    } else {
+        say(s, "ERROR(%d): syntax %s line %d string or id expecetd\n", error, s.path,
+            line_of(token));
+    }
     if (value == nullptr)
-        std::printf("WARNING: syntax %s line %d symbol not found\n", path, line_of(token));
+        tell_unread(s, of);
     return value;
 }
 
-bool read_comma(const scan &s, zel_lex_t *lex, int error)
+bool is_piece(const zel_token_t *token)
+{
+    return token->id == TOKEN_STRING || token->id == TOKEN_IDENT;
+}
+
+int read_text(scan &s, const char *text, place at);
+
+// Takes the literals that follow a string directly, and appends them.
+void take_literals(zel_lex_t *lex, std::string &text)
+{
+    while (zel_token_look_ahead(lex, 1)->id == TOKEN_STRING)
+        text += zel_next_token(lex)->lexeme;
+}
+
+// The pieces of a text that follow the one that was read. As outside of requests, literals may be
+// scripts.
+std::string take_pieces(scan &s, zel_lex_t *lex)
+{
+    std::string out;
+    while (is_piece(zel_token_look_ahead(lex, 1))) {
+        const zel_token_t *token = zel_next_token(lex);
+        if (token->id == TOKEN_IDENT) {
+            const char *value = symtab_get(s.symbols, token->lexeme);
+            out += value == nullptr ? token->lexeme : value;
+            continue;
+        }
+        const place at = place_of(s, token);
+        std::string text = token->lexeme;
+        take_literals(lex, text);
+        out += text;
+        if (read_text(s, text.c_str(), at) != 0)
+            zel::copy_failed(); // a request may have been lost
+    }
+    return out;
+}
+
+// For a listener, when an item without a description was read: whether that was all of it.
+void look_behind(scan &s, zel_lex_t *lex, const char *group, const std::string &name)
+{
+    const zel_token_t *next = zel_token_look_ahead(lex, 1);
+    if (!is_piece(next)) {
+        if (next->id != ')')
+            tell_unread(s, piece::item, unread_cause::goes_on);
+        return;
+    }
+    if (s.told)
+        return;
+    adjacent_request found{s.path, place_of(s, next), piece::item, group, name, name};
+    found.whole += take_pieces(s, lex);
+    s.how.to->in_pieces(found);
+    s.told = true;
+}
+
+// Where a comma should be, after the first piece of a part, there is another: it is told.
+void look_at_piece(scan &s, zel_lex_t *lex, piece of, const char *read)
+{
+    const zel_token_t *token = zel_current_token(lex);
+    if (of == piece::symbol || !is_piece(token) || s.told)
+        return tell_unread(s, of);
+    adjacent_request found{s.path, place_of(s, token), of, of == piece::group ? read : "", read,
+                           read};
+    const char *value =
+        token->id == TOKEN_STRING ? token->lexeme : symtab_get(s.symbols, token->lexeme);
+    found.whole += value == nullptr ? token->lexeme : value;
+    found.whole += take_pieces(s, lex);
+    s.how.to->in_pieces(found);
+    s.told = true;
+}
+
+// Behind a part of a request, of which that was read.
+bool read_comma(scan &s, zel_lex_t *lex, int error, piece of, const char *read)
 {
     const zel_token_t *token = zel_next_token(lex);
     if (token->id == ',')
         return true;
-    std::printf("ERROR(%d): syntax %s line %d expected ','\n", error, s.path, line_of(token));
+    say(s, "ERROR(%d): syntax %s line %d expected ','\n", error, s.path, line_of(token));
+    if (s.how.to != nullptr)
+        look_at_piece(s, lex, of, read);
     return false;
 }
 
 struct request {
     name_buffer group;
     int line; // of the group's token
+    place at; // of the item's
 };
 
-void print_request(const char *place, const char *group, const char *item)
+void print_request(const scan &s, const char *where, const char *group, const char *item)
 {
-    std::printf("%s: ->%s<->%s<-\n", place, group, item);
+    say(s, "%s: ->%s<->%s<-\n", where, group, item);
 }
 
-void make_place(const scan &s, const request &wanted, name_buffer &place)
+void make_place(const scan &s, const request &wanted, name_buffer &where)
 {
-    if (std::snprintf(place, sizeof place, "%05d:%s", wanted.line, s.path) < 0)
-        place[0] = '\0';
-    zel_path_to_unix(place);
+    if (std::snprintf(where, sizeof where, "%05d:%s", wanted.line, s.path) < 0)
+        where[0] = '\0';
+    zel_path_to_unix(where);
 }
 
 // The request's item, found or inserted, and marked as used; null without memory.
 zel::indexed_item *use_item(const scan &s, const request &wanted, const char *name)
 {
     zel::indexed_item *found = s.index.find(wanted.group, name);
-    if (found != nullptr) {
-        std::printf("    found ");
+    const bool is_new = found == nullptr;
+    if (!is_new) {
+        say(s, "    found ");
     } else {
-        std::printf("not found, insert item ");
+        say(s, "not found, insert item ");
         found = s.index.insert(wanted.group, name);
         if (found == nullptr)
             return nullptr;
-        found->item->ctime = s.now;
+        found->item->ctime = s.how.now;
     }
     found->item->used = 1;
+    if (s.how.to != nullptr)
+        s.how.to->found({s.path, wanted.at, wanted.group, found->item, is_new});
     return found;
 }
 
 // "group", item
-int read_entry(const scan &s, zel_lex_t *lex, int type)
+int read_entry(scan &s, zel_lex_t *lex, int type)
 {
     request wanted{};
     const zel_token_t *token = zel_next_token(lex);
     if (token->id != TOKEN_STRING) {
-        std::printf("ERROR(9): syntax %s line %d missing group string  ID %d\n", s.path,
-                    line_of(token), token->id);
+        say(s, "ERROR(9): syntax %s line %d missing group string  ID %d\n", s.path, line_of(token),
+            token->id);
+        tell_unread(s, piece::group);
         return 1;
     }
-    append(wanted.group, token->lexeme);
+    append(s, wanted.group, text_of(s, token, 0, piece::group), piece::group);
     wanted.line = line_of(token);
-    if (!read_comma(s, lex, 10))
+    if (!read_comma(s, lex, 10, piece::group, wanted.group))
         return 1;
-    const char *name = text_of(s.symbols, zel_next_token(lex), s.path, 11);
+    token = zel_next_token(lex);
+    wanted.at = place_of(s, token);
+    const char *name = text_of(s, token, 11);
     if (name == nullptr)
         return 1;
 
     zel::indexed_item *used = use_item(s, wanted, name);
-    name_buffer place;
-    make_place(s, wanted, place);
+    name_buffer where;
+    make_place(s, wanted, where);
     if (used == nullptr) {
-        std::printf("\nERROR(24): insert item >%s<", name);
-        print_request(place, wanted.group, name);
+        say(s, "\nERROR(24): insert item >%s<", name);
+        print_request(s, where, wanted.group, name);
         return 1;
     }
     used->item->typ = type;
-    zel::add_use(*used, place);
-    print_request(place, wanted.group, name);
+    zel::add_use(*used, where);
+    print_request(s, where, wanted.group, name);
+    if (s.how.to != nullptr)
+        look_behind(s, lex, wanted.group, name);
     return 0;
 }
 
 // symbol ,
-bool read_symbol(const scan &s, zel_lex_t *lex)
+bool read_symbol(scan &s, zel_lex_t *lex)
 {
     const zel_token_t *token = zel_next_token(lex);
     if (token->id == TOKEN_IDENT || token->id == WORD_SYM)
-        return read_comma(s, lex, 13);
-    std::printf("ERROR(12): syntax %s line %d missing symbol id ID(%d)\n", s.path, line_of(token),
-                token->id);
+        return read_comma(s, lex, 13, piece::symbol, "");
+    say(s, "ERROR(12): syntax %s line %d missing symbol id ID(%d)\n", s.path, line_of(token),
+        token->id);
+    tell_unread(s, piece::symbol);
     return false;
 }
 
 // "description" ,
-zel::string_guard read_description(const scan &s, zel_lex_t *lex)
+zel::string_guard read_description(scan &s, zel_lex_t *lex)
 {
     const zel_token_t *token = zel_next_token(lex);
     if (token->id != TOKEN_STRING) {
-        std::printf("ERROR(14): syntax %s line %d missing description\n", s.path, line_of(token));
+        say(s, "ERROR(14): syntax %s line %d missing description\n", s.path, line_of(token));
+        tell_unread(s, piece::description);
         return nullptr;
     }
     zel::string_guard description(zel_strdup2(token->lexeme));
     if (description == nullptr) {
-        std::puts("ERROR(15): not enough memory");
+        say(s, "ERROR(15): not enough memory\n");
         return nullptr;
     }
-    return read_comma(s, lex, 16) ? std::move(description) : nullptr;
+    return read_comma(s, lex, 16, piece::description, description.get()) ? std::move(description)
+                                                                         : nullptr;
 }
 
 // "group" ,
-bool read_group(const scan &s, zel_lex_t *lex, request &wanted)
+bool read_group(scan &s, zel_lex_t *lex, request &wanted)
 {
     const zel_token_t *token = zel_next_token(lex);
     if (token->id != TOKEN_STRING) {
-        std::printf("ERROR(17): syntax %s line %d missing group string \n", s.path, line_of(token));
+        say(s, "ERROR(17): syntax %s line %d missing group string \n", s.path, line_of(token));
+        tell_unread(s, piece::group);
         return false;
     }
-    append(wanted.group, token->lexeme);
+    append(s, wanted.group, text_of(s, token, 0, piece::group), piece::group);
     wanted.line = line_of(token);
-    return read_comma(s, lex, 18);
+    return read_comma(s, lex, 18, piece::group, wanted.group);
 }
 
 // item item ... ) False when the call has no end, or nothing is left of a name after a message.
-bool read_item_name(const scan &s, zel_lex_t *lex, name_buffer &name)
+bool read_item_name(scan &s, zel_lex_t *lex, request &wanted, name_buffer &name)
 {
     bool complained = false;
-    for (;;) {
+    for (bool first = true;; first = false) {
         const zel_token_t *token = zel_next_token(lex);
+        if (first)
+            wanted.at = place_of(s, token);
         if (token->id == ')')
             return !complained || name[0] != '\0';
-        const char *piece = text_of(s.symbols, token, s.path, 19);
+        const char *text = text_of(s, token, 19);
         if (token->id == TOKEN_EOF)
             return false;
-        if (piece != nullptr)
-            append(name, piece);
-        complained = complained || piece == nullptr;
+        if (text != nullptr)
+            append(s, name, text, piece::item);
+        complained = complained || text == nullptr;
     }
 }
 
 // [symbol ,] "description" , "group" , item item ... )
-int read_described_entry(const scan &s, zel_lex_t *lex, bool with_symbol)
+int read_described_entry(scan &s, zel_lex_t *lex, bool with_symbol)
 {
     if (with_symbol && !read_symbol(s, lex))
         return 1;
     zel::string_guard description = read_description(s, lex);
     request wanted{};
     name_buffer name{};
-    if (description == nullptr || !read_group(s, lex, wanted) || !read_item_name(s, lex, name))
+    if (description == nullptr || !read_group(s, lex, wanted) ||
+        !read_item_name(s, lex, wanted, name))
         return 1;
 
     zel::indexed_item *used = use_item(s, wanted, name);
     if (used == nullptr) {
-        std::printf("\nERROR(25): insert item >%s<", name);
+        say(s, "\nERROR(25): insert item >%s<", name);
         return 1;
     }
     zel::replace_string(used->item->description, description.release());
-    name_buffer place;
-    make_place(s, wanted, place);
-    zel::add_use(*used, place);
-    print_request(place, wanted.group, name);
+    name_buffer where;
+    make_place(s, wanted, where);
+    zel::add_use(*used, where);
+    print_request(s, where, wanted.group, name);
     return 0;
 }
 
-int read_tokens(const scan &s, zel_lex_t *lex);
+int read_tokens(scan &s, zel_lex_t *lex);
 
-void read_request(const scan &s, zel_lex_t *lex, const request_form &form)
+void read_request(scan &s, zel_lex_t *lex, const request_form &form)
 {
+    s.request = place_of(s, zel_current_token(lex));
+    s.told = s.is_defined;
+    s.is_defined = false;
     skip_to_arguments(lex, form);
     if (form.description)
         read_described_entry(s, lex, form.symbol);
@@ -229,19 +360,61 @@ void read_request(const scan &s, zel_lex_t *lex, const request_form &form)
 }
 
 // After the STOP marker, through the START marker or the end.
-void skip_stopped(const scan &s, zel_lex_t *lex, const zel_token_t *token)
+void skip_stopped(scan &s, zel_lex_t *lex, const zel_token_t *token)
 {
-    std::printf("language_check stop file >%s< line >%d<\n", s.path, line_of(token));
+    say(s, "language_check stop file >%s< line >%d<\n", s.path, line_of(token));
     do
         token = zel_next_token(lex);
     while (token->id != WORD_START && token->id != TOKEN_EOF);
     if (token->id == WORD_START)
-        std::printf("language check start file >%s< line >%d<\n", s.path, line_of(token));
+        say(s, "language check start file >%s< line >%d<\n", s.path, line_of(token));
+}
+
+// "name" version
+int read_app(scan &s, char **app, zel_lex_t *lex)
+{
+    const zel_token_t *token = zel_next_token(lex);
+    s.request = place_of(s, token);
+    s.told = false;
+    if (token->id != TOKEN_STRING) {
+        say(s, "ERROR(7): syntax %s line %d missing first string \n", s.path, line_of(token));
+        tell_unread(s, piece::application);
+        return 1;
+    }
+    name_buffer name{};
+    append(s, name, token->lexeme, piece::application);
+    const char *version = text_of(s, zel_next_token(lex), 8, piece::application);
+    if (version == nullptr)
+        return 1;
+    char text[APP_SIZE];
+    if (std::snprintf(text, sizeof text, "%s:%s", name, version) < 0)
+        return 1;
+    zel::replace_string(*app, zel_strdup(text));
+    return 0;
+}
+
+// NAME "value". The compiler may see more of it, or another one, than the scan keeps.
+void read_name(scan &s, zel_lex_t *lex)
+{
+    const std::string name = zel_next_token(lex)->lexeme;
+    if (zel_token_look_ahead(lex, 1)->id != TOKEN_STRING)
+        return;
+    const zel_token_t *value = zel_next_token(lex);
+    const char *known = symtab_get(s.symbols, name.c_str());
+    const bool differs = known != nullptr && std::strcmp(known, value->lexeme) != 0;
+    if (known == nullptr || s.how.messages != nullptr)
+        symtab_add(s.symbols, name.c_str(), value->lexeme);
+    if (s.how.to == nullptr)
+        return;
+    const std::uint32_t line = value->line;
+    const zel_token_t *next = zel_token_look_ahead(lex, 1);
+    if (differs || (next->id != TOKEN_EOF && next->line == line))
+        symtab_doubt(s.symbols, name.c_str());
 }
 
 // After "#": define NAME "value", or the application's name. What does not belong to a definition
-// stays for the loop.
-void read_definition(const scan &s, zel_lex_t *lex)
+// stays for the loop; a wrapper's own is passed over.
+void read_definition(scan &s, zel_lex_t *lex)
 {
     if (zel_token_look_ahead(lex, 1)->id != WORD_DEFINE)
         return;
@@ -249,14 +422,13 @@ void read_definition(const scan &s, zel_lex_t *lex)
     const int kind = zel_token_look_ahead(lex, 1)->id;
     if (kind == WORD_APP) {
         zel_next_token(lex);
-        parse_lang_app(&s.index.source()->app, s.symbols, lex, s.path);
+        read_app(s, &s.index.source()->app, lex);
     } else if (kind == TOKEN_IDENT || kind == TOKEN_STRING) {
-        const zel_token_t *name = zel_next_token(lex);
-        const zel_token_t *value = zel_token_look_ahead(lex, 1);
-        if (value->id == TOKEN_STRING) {
-            symtab_add(s.symbols, name->lexeme, value->lexeme);
-            zel_next_token(lex);
-        }
+        read_name(s, lex);
+    } else if (kind >= WORD_WRAPPER) {
+        skip_definition(lex);
+    } else {
+        s.is_defined = kind >= WORD_GET_STRING && kind <= WORD_SYM;
     }
 }
 
@@ -296,41 +468,89 @@ kept_lex_guard take_scanner()
 }
 
 // The text of a string literal may be a script with requests of its own.
-int read_text(const scan &s, const char *text)
+int read_text(scan &s, const char *text, place at)
 {
     if (s.string_depth == MAX_STRING_DEPTH || !may_hold_request(text))
         return 0;
     const kept_lex_guard lex = take_scanner();
     if (lex == nullptr) {
-        std::puts("ERROR(5): unable to init string lexical scanner");
+        say(s, "ERROR(5): unable to init string lexical scanner\n");
         return -1;
     }
     const zel_lex_buf_guard buffer(
         zel_lex_buf_mem_new(text, static_cast<std::uint32_t>(std::strlen(text))));
     if (buffer == nullptr) {
-        std::puts("ERROR(6): unable to init string lexical scanner");
+        say(s, "ERROR(6): unable to init string lexical scanner\n");
         return -1;
     }
     zel_lex_set_buf(lex.get(), buffer.get());
-    const scan inner{s.index, s.symbols, s.path, s.string_depth + 1, s.now};
+    scan inner{s.index, s.symbols, s.path, s.how, s.string_depth + 1, at};
     return read_tokens(inner, lex.get());
 }
 
 // A string literal and those that follow it directly.
-int read_literals(const scan &s, zel_lex_t *lex, const zel_token_t *token)
+int read_literals(scan &s, zel_lex_t *lex, const zel_token_t *token)
 {
+    const place at = place_of(s, token);
     if (zel_token_look_ahead(lex, 1)->id != TOKEN_STRING)
-        return read_text(s, token->lexeme);
+        return read_text(s, token->lexeme, at);
     std::string joined = token->lexeme;
-    while (zel_token_look_ahead(lex, 1)->id == TOKEN_STRING)
-        joined += zel_next_token(lex)->lexeme;
-    return read_text(s, joined.c_str());
+    take_literals(lex, joined);
+    return read_text(s, joined.c_str(), at);
 }
 
-int read_tokens(const scan &s, zel_lex_t *lex)
+void read_wrapped(scan &s, zel_lex_t *lex, const zel_token_t *token);
+
+// What begins with the token, which is no string.
+void read_word(scan &s, zel_lex_t *lex, const zel_token_t *token)
 {
+    const int kind = token->id;
+    if (kind == '#')
+        read_definition(s, lex);
+    else if (kind == WORD_STOP)
+        skip_stopped(s, lex, token);
+    else if (kind >= WORD_WRAPPER)
+        read_wrapped(s, lex, token);
+    else if (kind >= WORD_GET_STRING)
+        for (const request_form &form : request_forms)
+            if (form.word == kind)
+                read_request(s, lex, form);
+}
+
+// A call of an application's own word.
+void read_wrapped(scan &s, zel_lex_t *lex, const zel_token_t *token)
+{
+    const wrapper *form = s.how.wrappers->of(token);
+    if (form == nullptr)
+        return;
+    const place at{token->line, token->column};
+    const wrapper_call call =
+        read_wrapper_call(lex, *s.how.wrappers, *form, s.symbols,
+                          [&](const zel_token_t *word) { read_word(s, lex, word); });
+    s.request = at;
+    s.told = false;
+    if (call.is == wrapper_call::kind::unread)
+        tell_unread(s, call.of);
+    if (call.is != wrapper_call::kind::read)
+        return;
+    request wanted{{}, static_cast<int>(call.at.line), call.at};
+    append(s, wanted.group, call.group.c_str(), piece::group);
+    name_buffer where;
+    make_place(s, wanted, where);
+    zel::indexed_item *used = use_item(s, wanted, call.item.c_str());
+    if (used == nullptr)
+        return zel::copy_failed();
+    used->item->typ = REQUEST_TEXT;
+    zel::add_use(*used, where);
+    print_request(s, where, wanted.group, call.item.c_str());
+}
+
+int read_tokens(scan &s, zel_lex_t *lex)
+{
+    const bool has_wrappers = s.how.wrappers != nullptr && s.string_depth == 0;
     for (;;) {
-        zel::skip_plain_code(lex);
+        if (!has_wrappers)
+            zel::skip_plain_code(lex);
         const zel_token_t *token = zel_next_token(lex);
         const int kind = token->id;
         if (kind == TOKEN_EOF) {
@@ -338,65 +558,59 @@ int read_tokens(const scan &s, zel_lex_t *lex)
                 zel::copy_failed(); // a request may have been lost
             return 0;
         }
-        if (kind == TOKEN_STRING && read_literals(s, lex, token) != 0)
+        if (kind != TOKEN_STRING)
+            read_word(s, lex, token);
+        else if (read_literals(s, lex, token) != 0)
             return -1;
-        if (kind == '#')
-            read_definition(s, lex);
-        else if (kind == WORD_STOP)
-            skip_stopped(s, lex, token);
-        else if (kind >= WORD_GET_STRING)
-            for (const request_form &form : request_forms)
-                if (form.word == kind)
-                    read_request(s, lex, form);
     }
 }
+
+// A scan as commands of old have it, for one of the readers below.
+struct printed_scan {
+    printed_scan(LangSource *root, symtab_t *symbols, const char *path)
+        : none(root == nullptr ? lang_alloc_group() : nullptr),
+          index(root == nullptr ? none.get() : root), s{index, symbols, path, how}
+    {
+    }
+    source_guard none;
+    zel::item_index index;
+    scan_how how{lang_global.start_time, stdout, nullptr, nullptr};
+    scan s;
+};
 
 } // namespace
 
 int check_parse(LangSource *root, symtab_t *symbols, zel_lex_t *lex, const char *path)
 {
-    zel::item_index index(root);
-    return read_tokens({index, symbols, path, 0, lang_global.start_time}, lex);
+    printed_scan of(root, symbols, path);
+    return read_tokens(of.s, lex);
 }
 
 int parse_lang_entry(LangSource *root, symtab_t *symbols, zel_lex_t *lex, const char *path,
                      int type)
 {
-    zel::item_index index(root);
-    return read_entry({index, symbols, path, 0, lang_global.start_time}, lex, type);
+    printed_scan of(root, symbols, path);
+    return read_entry(of.s, lex, type);
 }
 
 int parse_lang_entry2(LangSource *root, symtab_t *symbols, zel_lex_t *lex, const char *path,
                       int with_symbol)
 {
-    zel::item_index index(root);
-    return read_described_entry({index, symbols, path, 0, lang_global.start_time}, lex,
-                                with_symbol != 0);
+    printed_scan of(root, symbols, path);
+    return read_described_entry(of.s, lex, with_symbol != 0);
 }
 
 int parse_lang_app(char **app, symtab_t *symbols, zel_lex_t *lex, const char *path)
 {
-    const zel_token_t *token = zel_next_token(lex);
-    if (token->id != TOKEN_STRING) {
-        std::printf("ERROR(7): syntax %s line %d missing first string \n", path, line_of(token));
-        return 1;
-    }
-    name_buffer name{};
-    append(name, token->lexeme);
-    const char *version = text_of(symbols, zel_next_token(lex), path, 8);
-    if (version == nullptr)
-        return 1;
-    char text[APP_SIZE];
-    if (std::snprintf(text, sizeof text, "%s:%s", name, version) < 0)
-        return 1;
-    zel::replace_string(*app, zel_strdup(text));
-    return 0;
+    printed_scan of(nullptr, symbols, path);
+    return read_app(of.s, app, lex);
 }
 
-int get_id_or_string(LangSource *, symtab_t *symbols, zel_lex_t *lex, char *buffer,
+int get_id_or_string(LangSource *root, symtab_t *symbols, zel_lex_t *lex, char *buffer,
                      const char *path)
 {
-    const char *text = text_of(symbols, zel_next_token(lex), path, 23);
+    printed_scan of(root, symbols, path);
+    const char *text = text_of(of.s, zel_next_token(lex), 23);
     if (text != nullptr)
         std::snprintf(buffer, NAME_SIZE, "%s", text);
     return 0;
@@ -405,7 +619,7 @@ int get_id_or_string(LangSource *, symtab_t *symbols, zel_lex_t *lex, char *buff
 int check_c_file(LangSource *root, const char *path)
 {
     zel::item_index index(root);
-    if (zel::check_file(index, path, lang_global.start_time) != 0)
+    if (zel::check_file(index, path, {lang_global.start_time, stdout, nullptr, nullptr}) != 0)
         lang_exit(0);
     return 0;
 }
@@ -414,34 +628,43 @@ namespace zel {
 
 zel_lex_t *new_check_scanner() { return zel_lex_new(check_words, check_flags); }
 
-int check_file(item_index &index, const char *path, std::int64_t now)
+int check_file(item_index &index, const char *path, const scan_how &how)
 {
     const char *shown = path == nullptr ? "(null)" : path;
-    std::printf("check c file >%s<\n", shown);
-    const kept_lex_guard lex = take_scanner();
-    if (lex == nullptr) {
-        std::puts("ERROR(2): unable to init lexical scanner");
+    const symtab_guard symbols(symtab_new());
+    scan s{index, symbols.get(), path, how};
+    say(s, "check c file >%s<\n", shown);
+    kept_lex_guard lex;
+    zel_lex_guard with_wrappers;
+    if (how.wrappers == nullptr)
+        lex = take_scanner();
+    else
+        with_wrappers.reset(how.wrappers->new_scanner());
+    zel_lex_t *scanner = how.wrappers == nullptr ? lex.get() : with_wrappers.get();
+    if (scanner == nullptr) {
+        say(s, "ERROR(2): unable to init lexical scanner\n");
         return -1;
     }
     const zel_lex_buf_guard buffer(zel_lex_buf_file_new(path));
     if (buffer == nullptr) {
-        std::puts("ERROR(3): unable to init lexical scanner");
+        say(s, "ERROR(3): unable to init lexical scanner\n");
         return -1;
     }
     if (zel_lex_buf_file_get_fp(buffer.get()) == nullptr) {
-        std::printf("ERROR(4): unable to open file %s\n", shown);
+        say(s, "ERROR(4): unable to open file %s\n", shown);
         return -1;
     }
     // One area for all files: most are read with one call, and none allocates.
     static std::array<char, READ_SIZE> area;
     std::setvbuf(zel_lex_buf_file_get_fp(buffer.get()), area.data(), _IOFBF, area.size());
-    zel_lex_set_buf(lex.get(), buffer.get());
-    const symtab_guard symbols(symtab_new());
-    const int result = read_tokens({index, symbols.get(), path, 0, now}, lex.get());
+    zel_lex_set_buf(scanner, buffer.get());
+    const int result = read_tokens(s, scanner);
     if (zel_lex_buf_read_failed(buffer.get()) == 0)
         return result;
     // Its requests are not all found: items would count as not used.
-    std::fprintf(stderr, "check: %s cannot be read to its end: %s\n", shown, std::strerror(errno));
+    if (how.messages != nullptr)
+        std::fprintf(stderr, "check: %s cannot be read to its end: %s\n", shown,
+                     std::strerror(errno));
     return -1;
 }
 

@@ -14,10 +14,14 @@
 //   #define ZEL_LANGUAGE_APP "name" version                version: a string or a #define name
 //   ZEL_LANGUAGE_CHECK_STOP ... ZEL_LANGUAGE_CHECK_START
 //
-// All messages go to standard output.
+// All messages go to standard output, but where another place for them is given.
+
+#include <cstdio>
 
 #include "checker/request-form.h"
+#include "checker/scan-listener.h"
 #include "checker/symtab.h"
+#include "checker/wrapper.h"
 #include "lex/lex.h"
 #include "source/model.h"
 
@@ -52,9 +56,16 @@ int get_id_or_string(LangSource *root, symtab_t *symbols, zel_lex_t *lex, char *
 
 namespace zel {
 
-// check_c_file for a run over many files, with the creation time of inserted items. Returns 0; -1
-// when the file cannot be opened, after a message: the run must end and the source stay as it was.
-int check_file(item_index &index, const char *path, std::int64_t now);
+struct scan_how {
+    std::int64_t now = 0;                    // the creation time of inserted items
+    std::FILE *messages = nullptr;           // null: nothing is printed
+    const scan_listener *to = nullptr;       // null: nobody listens
+    const wrapper_words *wrappers = nullptr; // the application's own words, if it has any
+};
+
+// check_c_file for a run over many files. Returns 0; -1 when the file cannot be opened or read
+// through, after a message: the run must end and the source stay as it was.
+int check_file(item_index &index, const char *path, const scan_how &how);
 
 // A scanner with the words of requests; null without memory.
 [[nodiscard]] zel_lex_t *new_check_scanner();

@@ -60,45 +60,45 @@ constexpr auto kinds = make_kinds();
 constexpr auto parts = make_parts();
 constexpr std::string_view define = "define";
 
-using place = const unsigned char *;
+using byte_place = const unsigned char *;
 
 // The walk over one block.
-struct walk {
-    place end;
-    place at;                // how far it is taken
-    place known;             // a token surely begins here
-    place line = nullptr;    // behind the last line feed
-    std::uint32_t lines = 0; // line feeds passed
+struct block_walk {
+    byte_place end;
+    byte_place at;             // how far it is taken
+    byte_place known;          // a token surely begins here
+    byte_place line = nullptr; // behind the last line feed
+    std::uint32_t lines = 0;   // line feeds passed
 
     void run();
     bool pass();
-    bool pass_feed(place feed);
+    bool pass_feed(byte_place feed);
     bool pass_letter();
     bool pass_slash();
     bool pass_block_comment();
     bool pass_hash();
     bool pass_return();
     bool stop_before();
-    place run_end(place from) const;
-    place blanks_end(place from) const;
+    byte_place run_end(byte_place from) const;
+    byte_place blanks_end(byte_place from) const;
 };
 
 // Leaves the token that is being passed over to the scanner.
-bool walk::stop_before()
+bool block_walk::stop_before()
 {
     while (at != known && (parts[at[-1]] & DELIMITER) == 0)
         --at;
     return false;
 }
 
-bool walk::pass_feed(place feed)
+bool block_walk::pass_feed(byte_place feed)
 {
     ++lines;
     line = at = feed + 1;
     return true;
 }
 
-bool walk::pass_letter()
+bool block_walk::pass_letter()
 {
     if (end - at < 4 || ((at[1] | 0x20) == 'a' && (at[2] | 0x20) == 'n' && (at[3] | 0x20) == 'g'))
         return stop_before();
@@ -106,7 +106,7 @@ bool walk::pass_letter()
     return true;
 }
 
-bool walk::pass_return()
+bool block_walk::pass_return()
 {
     if (at[0] != '\r' || at[1] != '\n')
         return stop_before();
@@ -114,9 +114,9 @@ bool walk::pass_return()
     return true;
 }
 
-bool walk::pass_block_comment()
+bool block_walk::pass_block_comment()
 {
-    const walk before = *this;
+    const block_walk before = *this;
     for (at += 2; at + 1 < end; ++at) {
         if (*at == '\n') {
             ++lines;
@@ -133,7 +133,7 @@ bool walk::pass_block_comment()
     return false;
 }
 
-bool walk::pass_slash()
+bool block_walk::pass_slash()
 {
     if (at[1] == '*')
         return pass_block_comment();
@@ -141,7 +141,7 @@ bool walk::pass_slash()
         const void *feed = std::memchr(at, '\n', static_cast<std::size_t>(end - at));
         if (feed == nullptr)
             return false;
-        pass_feed(static_cast<place>(feed));
+        pass_feed(static_cast<byte_place>(feed));
         known = at;
         return true;
     }
@@ -152,21 +152,21 @@ bool walk::pass_slash()
 }
 
 // The end of an identifier; end when it is not surely there.
-place walk::run_end(place from) const
+byte_place block_walk::run_end(byte_place from) const
 {
     while (from != end && (parts[*from] & IN_IDENT) != 0)
         ++from;
     return from != end && kinds[*from] != DOUBT ? from : end;
 }
 
-place walk::blanks_end(place from) const
+byte_place block_walk::blanks_end(byte_place from) const
 {
     while (from != end && is_blank(*from))
         ++from;
     return from;
 }
 
-bool is_define(place word, place word_end)
+bool is_define(byte_place word, byte_place word_end)
 {
     return std::equal(word, word_end, define.begin(), define.end(),
                       [](unsigned char a, char b) { return lower(a) == b; });
@@ -174,17 +174,17 @@ bool is_define(place word, place word_end)
 
 // A "#" counts before "define", and that only with a name and a string behind it. The name of the
 // application begins with a letter that is left alone.
-bool walk::pass_hash()
+bool block_walk::pass_hash()
 {
-    const place word = blanks_end(at + 1);
-    const place word_end = run_end(word);
+    const byte_place word = blanks_end(at + 1);
+    const byte_place word_end = run_end(word);
     if (word_end == word || word_end == end)
         return false;
     known = word;
     if (is_define(word, word_end)) {
-        const place name = blanks_end(word_end);
-        const place name_end = run_end(name);
-        const place value = blanks_end(name_end);
+        const byte_place name = blanks_end(word_end);
+        const byte_place name_end = run_end(name);
+        const byte_place value = blanks_end(name_end);
         if (name_end == name || value == end || (*name | 0x20) == 'z' || *value == '"' ||
             kinds[*value] == FEED || kinds[*value] == SLASH || kinds[*value] == DOUBT) {
             known = at;
@@ -197,7 +197,7 @@ bool walk::pass_hash()
 }
 
 // Passes what stands here; false when the scanner is to go on. at + 1 is in the block.
-bool walk::pass()
+bool block_walk::pass()
 {
     switch (kinds[*at]) {
     case PLAIN:
@@ -219,7 +219,7 @@ bool walk::pass()
     return false;
 }
 
-void walk::run()
+void block_walk::run()
 {
     for (;;) {
         while (at + 1 < end && kinds[*at] == PLAIN)
@@ -251,8 +251,8 @@ void skip_plain_code(zel_lex_t *lex)
     if (!block_is_open(lex))
         return;
     zel_lex_buf_t *buf = lex->buf;
-    const place begin = buf->data + buf->index;
-    walk block{buf->data + buf->count, begin, begin};
+    const byte_place begin = buf->data + buf->index;
+    block_walk block{buf->data + buf->count, begin, begin};
     block.run();
     const auto taken = static_cast<std::uint32_t>(block.at - begin);
     buf->index += taken;

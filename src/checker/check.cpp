@@ -33,7 +33,9 @@ constexpr argv_tab_t check_options[] = {
 
 void say_not_opened(const char *directory)
 {
+    const int error = errno;
     std::printf("_check_rec: ERROR(1) open >%s<\n", directory);
+    std::fprintf(stderr, "check: %s cannot be read: %s\n", directory, std::strerror(error));
 }
 
 void say_not_seen(const char *path)
@@ -45,7 +47,9 @@ int check_path(zel::item_index &index, const char *path, std::int64_t now)
 {
     LogPrint(1, "check: check directory >%s<\n", path);
     std::printf("check: check directory >%s<\n", path);
-    const auto scan = [&](const char *file) { return check_file(index, file, now); };
+    const auto scan = [&](const char *file) {
+        return check_file(index, file, {now, stdout, nullptr, nullptr});
+    };
     const int result = scan_path(path, {scan, say_not_opened, say_not_seen});
     LogPrint(1, "check: free\n");
     return result;
@@ -58,7 +62,7 @@ check_result read_or_begin(const char *path, std::int64_t now, source_guard &sou
     LogPrint(1, "check: read file >%s<\n", path);
     std::printf("check: read file >%s<\n", path);
     note_source_directory(path);
-    read_answer answer = read_source(path, {now, print_read_message, nullptr});
+    read_answer answer = read_source(path, {now, print_read_message, nullptr, {}, true});
     source = std::move(answer.source);
     if (answer.result == read_result::good)
         return check_result::done;
@@ -66,6 +70,7 @@ check_result read_or_begin(const char *path, std::int64_t now, source_guard &sou
         say_stopped();
         return check_result::ended;
     }
+    say_no_memory(path, answer);
     if (answer.cause == read_cause::unreadable || answer.cause == read_cause::memory)
         return check_result::failed;
     begun = answer.cause == read_cause::syntax;
@@ -86,14 +91,6 @@ void say_begun(const char *path, const write_answer &written)
             written.backup.c_str());
     else
         std::fprintf(stderr, "check: %s could not be read; it is as it was\n", path);
-}
-
-void stamp(LangSource *source)
-{
-    char date[1024]; // as sprintf_date takes it
-    source->ctime = std::time(nullptr);
-    sprintf_date(date, "%Y-%m-%d %H:%M:%S", source->ctime);
-    zel::replace_string(source->create_date, zel_strdup(date));
 }
 
 // Looks for every request of every path. False when the run is to end.
@@ -119,9 +116,7 @@ check_result check_once(const char *path, int count, char **words, std::int64_t 
     const check_result result = read_or_begin(path, now, source, begun);
     if (result != check_result::done)
         return result;
-    stamp(source.get());
-    clear_all_file_list(source.get());
-    clear_all_used(source.get());
+    forget_uses(source.get());
     if (!scan_paths(source.get(), count, words, now))
         return check_result::ended;
     if (failed_copies() != failed_before) {
@@ -165,7 +160,7 @@ int _check_rec(LangSource *root, const char *directory)
 {
     zel::item_index index(root);
     const auto check = [&](const char *file) {
-        return zel::check_file(index, file, lang_global.start_time);
+        return zel::check_file(index, file, {lang_global.start_time, stdout, nullptr, nullptr});
     };
     if (zel::scan_directory(directory, {check, say_not_opened, say_not_seen}) != 0)
         lang_exit(0);
@@ -173,6 +168,16 @@ int _check_rec(LangSource *root, const char *directory)
 }
 
 namespace zel {
+
+void forget_uses(LangSource *source)
+{
+    char date[1024]; // as sprintf_date takes it
+    source->ctime = std::time(nullptr);
+    sprintf_date(date, "%Y-%m-%d %H:%M:%S", source->ctime);
+    replace_string(source->create_date, zel_strdup(date));
+    clear_all_file_list(source);
+    clear_all_used(source);
+}
 
 check_result run_check(int count, char **words, std::int64_t now)
 {

@@ -26,6 +26,9 @@ enum class check_result {
 // those that are inserted, were made at the time given.
 check_result run_check(int count, char **words, std::int64_t now);
 
+// Dates the source as a run does and forgets where its items are used: what a scan begins with.
+void forget_uses(LangSource *source);
+
 } // namespace zel
 
 // run_check at lang_global's start time: 0 when done, 1 when failed; otherwise it ends the process.

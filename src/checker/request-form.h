@@ -19,7 +19,8 @@ enum check_word {
     WORD_START,
     WORD_GET_INFO,
     WORD_APP,
-    WORD_DEFINE
+    WORD_DEFINE,
+    WORD_WRAPPER = 21000 // the application's first own word
 };
 
 inline constexpr Keytab check_words[] = {

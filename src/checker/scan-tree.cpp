@@ -38,7 +38,7 @@ struct file_id {
     bool operator==(const file_id &) const = default;
 };
 
-struct walk {
+struct tree_walk {
     const tree_scan &to;
     std::vector<file_id> open; // the directories from the start of the walk down to this one
 };
@@ -48,9 +48,9 @@ struct directory_release {
 };
 using directory_guard = std::unique_ptr<GDir, directory_release>;
 
-int search_directory(walk &w, const char *directory);
+int search_directory(tree_walk &w, const char *directory);
 
-int step_down(walk &w, const char *path, file_id id)
+int step_down(tree_walk &w, const char *path, file_id id)
 {
     // A link back up the tree.
     if (std::find(w.open.begin(), w.open.end(), id) != w.open.end())
@@ -63,7 +63,7 @@ int step_down(walk &w, const char *path, file_id id)
     return result;
 }
 
-int search_entry(walk &w, const char *path, const char *name)
+int search_entry(tree_walk &w, const char *path, const char *name)
 {
     struct stat status;
     const bool known = zel_stat(path, &status) == 0;
@@ -79,12 +79,14 @@ int search_entry(walk &w, const char *path, const char *name)
     return w.to.scan(path);
 }
 
-int search_directory(walk &w, const char *directory)
+int search_directory(tree_walk &w, const char *directory)
 {
     LogPrint(1, "_check_rec: entry >%s<\n", directory);
     const directory_guard entries(g_dir_open(directory, 0, nullptr));
     if (entries == nullptr) {
+        const int error = errno;
         LogPrint(1, "_check_rec: ERROR(1) open >%s<\n", directory);
+        errno = error;
         w.to.not_opened(directory);
         return 0;
     }
@@ -111,7 +113,7 @@ int search_directory(walk &w, const char *directory)
 
 int scan_directory(const char *directory, const tree_scan &to)
 {
-    walk w{to, {}};
+    tree_walk w{to, {}};
     struct stat status;
     if (zel_stat(directory, &status) == 0)
         w.open.push_back({status.st_dev, status.st_ino});

@@ -9,7 +9,8 @@ namespace zel {
 
 struct tree_scan {
     std::function<int(const char *file)> scan; // anything but 0 ends the search and is its result
-    std::function<void(const char *directory)> not_opened; // it is logged, and passed over
+    // A directory is logged, and passed over; errno says why.
+    std::function<void(const char *directory)> not_opened;
     // What the system does not let look at (errno says why) is passed over; it may be a directory.
     std::function<void(const char *path)> not_seen;
 };

@@ -11,6 +11,7 @@ namespace {
 struct symbol {
     zel::string_guard name;
     zel::string_guard value;
+    bool is_doubtful = false;
 };
 
 } // namespace
@@ -42,7 +43,8 @@ int symtab_add(symtab_t *table, const char *name, const char *value)
         std::printf("symtab_add: duplicate key >%s<\n", name);
         return 1;
     }
-    symbol added{zel::string_guard(zel_strdup2(name)), zel::string_guard(zel_strdup2(value))};
+    symbol added{zel::string_guard(zel_strdup2(name)), zel::string_guard(zel_strdup2(value)),
+                 false};
     if (added.name == nullptr || added.value == nullptr)
         return 1;
     table->names.add(hash, static_cast<std::uint32_t>(table->pairs.size()));
@@ -54,4 +56,17 @@ const char *symtab_get(const symtab_t *table, const char *name)
 {
     const std::uint32_t at = find(table, zel::hash_of(name), name);
     return at == zel::hash_index::none ? nullptr : table->pairs[at].value.get();
+}
+
+void symtab_doubt(symtab_t *table, const char *name)
+{
+    const std::uint32_t at = find(table, zel::hash_of(name), name);
+    if (at != zel::hash_index::none)
+        table->pairs[at].is_doubtful = true;
+}
+
+bool symtab_is_doubtful(const symtab_t *table, const char *name)
+{
+    const std::uint32_t at = find(table, zel::hash_of(name), name);
+    return at != zel::hash_index::none && table->pairs[at].is_doubtful;
 }

@@ -19,3 +19,7 @@ int symtab_add(symtab_t *table, const char *name, const char *value);
 
 // The value of the name, owned by the table, or null.
 const char *symtab_get(const symtab_t *table, const char *name);
+
+// Notes that the compiler may see another value of the name, which is there.
+void symtab_doubt(symtab_t *table, const char *name);
+bool symtab_is_doubtful(const symtab_t *table, const char *name);

@@ -188,7 +188,7 @@ void convert(const char *from, const char *to, std::uint32_t only_used)
     for (int round = 1; round <= most_rounds; ++round) {
         const zel::file_stamp before = zel::stamp_of(zel::or_empty(from));
         const bool in_place = zel::stamp_of(zel::or_empty(to)) == before;
-        source_guard def_group(lang_read_file(from));
+        const source_guard def_group = zel::read_for_command(from, in_place);
         if (!def_group) {
             std::printf("ERROR: read %s\n", zel::or_empty(from));
             return;

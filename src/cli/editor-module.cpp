@@ -65,7 +65,11 @@ void run_editor(const char *file)
         start(file);
         return;
     }
+#ifdef LANG_WITHOUT_EDITOR
+    const char *reason = "it was built without its editor";
+#else
     const char *reason = dlerror();
+#endif
     std::fprintf(stderr, "lang: the editor cannot be loaded: %s\n",
                  reason == nullptr ? module_name : reason);
 }

@@ -47,6 +47,8 @@ std::size_t carried_length(std::string_view text, holds what)
 {
     if (is_carrier(text))
         return 3;
+    if (what == holds::cells && (text.front() == '\t' || text.front() == '\r'))
+        return 1;
     if (what == holds::xml && is_unknown_to_xml(text))
         return text.front() == '\xEF' ? 3 : 1;
     return 0;
@@ -55,7 +57,9 @@ std::size_t carried_length(std::string_view text, holds what)
 // The position of the first character of a valid text that is carried, or its size.
 std::size_t find_carried(std::string_view text, holds what)
 {
-    if (what == holds::utf8 && std::memchr(text.data(), lead, text.size()) == nullptr)
+    const bool may_lead = std::memchr(text.data(), lead, text.size()) != nullptr;
+    if (!may_lead &&
+        (what == holds::utf8 || (what == holds::cells && text.find_first_of("\t\r") == text.npos)))
         return text.size();
     std::size_t at = 0;
     while (at < text.size() && carried_length(text.substr(at, 3), what) == 0)

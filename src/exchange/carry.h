@@ -12,7 +12,8 @@ namespace zel::exchange {
 
 enum class holds {
     utf8, // every character of UTF-8
-    xml   // those that XML 1.0 knows
+    xml,  // those that XML 1.0 knows
+    cells // all but tabs and carriage returns, which spreadsheets do not keep
 };
 
 // How many bytes from the start are valid UTF-8.

@@ -31,16 +31,14 @@ bool begins_formula(std::string_view text)
                        [&](std::string_view sign) { return text.starts_with(sign); });
 }
 
-bool is_blank(char c) { return c == ' ' || c == '\t'; }
-
 void append_cell(std::string &out, std::string_view text)
 {
-    const bool quoted = text.find_first_of(",;\"\r\n\t") != std::string_view::npos ||
-                        (!text.empty() && (is_blank(text.front()) || is_blank(text.back())));
     std::string carried;
-    if (begins_formula(text))
-        carried += '\'';
-    append_carried(carried, text);
+    append_carried(carried, text, holds::cells);
+    const bool quoted = carried.find_first_of(",;\"\n") != std::string::npos ||
+                        text.starts_with(' ') || text.ends_with(' ');
+    if (begins_formula(carried))
+        carried.insert(0, 1, '\'');
     if (!quoted) {
         out += carried;
         return;

@@ -2,9 +2,10 @@
 
 // A table for spreadsheets: UTF-8 with its mark, commas, records ended by CR LF. The first record
 // names the columns: group, item, description, one for each language, and where wanted
-// "comment LANGUAGE". Cells are quoted where they hold a comma, a quote, a line end, or white space
-// at an end. A cell that a spreadsheet would take for a formula gets an apostrophe before it, and
-// so does one that begins with an apostrophe; reading takes one off again.
+// "comment LANGUAGE". Cells are quoted where they hold a comma, a quote, a line end, or a blank at
+// an end; tabs and carriage returns are carried. A cell that a spreadsheet would take for a formula
+// gets an apostrophe before it, and so does one that begins with an apostrophe; reading takes one
+// off again.
 //
 // What is read may have its columns in any order and be separated by semicolons or tabs.
 

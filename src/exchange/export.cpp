@@ -89,7 +89,7 @@ std::uint32_t exporter::language_at(const char *name, std::uint32_t guess) const
 {
     if (guess < languages_.size() && same_name(languages_[guess]->name, name))
         return guess;
-    const std::uint32_t at = names_.find(hash_of(or_empty(name)), [&](std::uint32_t i) {
+    const std::uint32_t at = names_.find(hash_of(view_of(name)), [&](std::uint32_t i) {
         return same_name(languages_[i]->name, name);
     });
     return at == hash_index::none ? static_cast<std::uint32_t>(languages_.size()) : at;
@@ -98,8 +98,8 @@ std::uint32_t exporter::language_at(const char *name, std::uint32_t guess) const
 void exporter::fill(outgoing_item &out, const edit_t *group, item_t *item) const
 {
     out.item = item;
-    out.group = or_empty(group->name);
-    out.name = or_empty(item->name);
+    out.group = view_of(group->name);
+    out.name = view_of(item->name);
     out.reference.clear();
     out.default_comment.clear();
     for (outgoing_item::translation &one : out.texts) {
@@ -114,22 +114,22 @@ void exporter::fill(outgoing_item &out, const edit_t *group, item_t *item) const
         const std::uint32_t at = language_at(entry->lang, guess);
         if (at < languages_.size() && !out.texts[at].there) {
             out.texts[at].there = true;
-            append_lines(out.texts[at].text, entry->texts);
+            append_texts(out.texts[at].text, entry->texts);
         }
         guess = at + 1;
         if (!has_reference && same_name(entry->lang, source().default_lang)) {
             has_reference = true;
-            append_lines(out.reference, entry->texts);
+            append_texts(out.reference, entry->texts);
         }
     }
-    if (out.reference.empty())
+    if (without_end(out.reference).empty())
         out.reference = out.name;
     for (const lang_entry_t *entry : each<lang_entry_t>(item->comments)) {
         const std::uint32_t at = language_at(entry->lang, 0);
         if (at < languages_.size() && out.texts[at].comment.empty())
-            append_lines(out.texts[at].comment, entry->texts);
+            append_texts(out.texts[at].comment, entry->texts);
         if (out.default_comment.empty() && same_name(entry->lang, source().default_lang))
-            append_lines(out.default_comment, entry->texts);
+            append_texts(out.default_comment, entry->texts);
     }
 }
 
@@ -145,10 +145,10 @@ void exporter::each_item(const std::function<void(const outgoing_item &)> &write
     repeated_ = 0;
     for (const edit_t *group : each<edit_t>(request_.source->groups)) {
         // As everywhere, only the first group of a name is looked into, and there the first item.
-        const bool first_group = groups.is_first(or_empty(group->name), {});
+        const bool first_group = groups.is_first(view_of(group->name), {});
         for (item_t *item : each<item_t>(group->items)) {
             const bool first =
-                first_group && items.is_first(or_empty(group->name), or_empty(item->name));
+                first_group && items.is_first(view_of(group->name), view_of(item->name));
             if (item->used == 0 && !request_.unused)
                 continue;
             if (!first) {

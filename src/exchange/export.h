@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "exchange/entries.h"
 #include "exchange/input.h"
+#include "source/entry.h"
 #include "source/model.h"
 #include "support/hash-index.h"
 

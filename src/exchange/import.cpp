@@ -1,7 +1,7 @@
 #include "exchange/import.h"
 
-#include "exchange/entries.h"
 #include "exchange/language-code.h"
+#include "source/entry.h"
 
 namespace zel::exchange {
 
@@ -12,20 +12,6 @@ bool same_text(std::string_view a, const char *b) { return b != nullptr && a == 
 std::string_view language_part(std::string_view code)
 {
     return code.substr(0, code.find_first_of("_@"));
-}
-
-// The writer of sources takes white space off the end of a text, so it makes no difference.
-std::string_view without_end(std::string_view text)
-{
-    return text.substr(0, text.find_last_not_of(" \t\n\v\f\r") + 1);
-}
-
-std::string joined(const lang_entry_t *entry)
-{
-    std::string out;
-    if (entry != nullptr)
-        append_lines(out, entry->texts);
-    return out;
 }
 
 // Whether the file has what the source has: as bytes, or as they travel where they are no UTF-8.
@@ -52,8 +38,10 @@ encoding encoding_of(const LangSource &source)
 }
 
 const char *find_language(const LangSource &source, const said_language &said,
-                          std::string_view path)
+                          std::string_view path, const std::string &instead)
 {
+    if (!instead.empty())
+        return find_language(source, {instead, {}}, {});
     for (const std::string_view wanted : {std::string_view(said.name), stem_of(path)})
         for (const lang_t *lang : each<lang_t>(source.langs))
             if (!wanted.empty() && same_text(wanted, lang->name))
@@ -77,6 +65,13 @@ const char *find_language(const LangSource &source, const said_language &said,
     return wholes == 1 ? whole : wholes == 0 && parts == 1 ? part : nullptr;
 }
 
+std::string_view shown_name(const said_language &said, std::string_view path)
+{
+    return !said.name.empty()   ? std::string_view(said.name)
+           : !said.code.empty() ? std::string_view(said.code)
+                                : stem_of(path);
+}
+
 importer::importer(LangSource *source, const import_request &request)
     : source_(source), request_(request), items_(source)
 {
@@ -88,14 +83,10 @@ const char *importer::language_of(const file_texts &file, const text_unit &unit,
 {
     while (resolved_.size() <= unit.language) {
         const said_language &said = file.languages[resolved_.size()];
-        resolved_.push_back(find_language(
-            *source_, request_.language.empty() ? said : said_language{request_.language, {}},
-            path));
+        resolved_.push_back(find_language(*source_, said, path, request_.language));
         if (resolved_.back() == nullptr)
             say(import_kind::unknown_language, unit,
-                !said.name.empty()   ? std::string_view(said.name)
-                : !said.code.empty() ? std::string_view(said.code)
-                                     : stem_of(path));
+                request_.language.empty() ? shown_name(said, path) : request_.language);
     }
     return resolved_[unit.language];
 }
@@ -128,7 +119,7 @@ void importer::take_unit(const char *language, text_unit &unit)
 
 void importer::take_text(item_t *item, const char *language, const text_unit &unit)
 {
-    std::string before = joined(find_entry(item->langs, language));
+    std::string before = text_of(find_entry(item->langs, language));
     if (without_end(unit.text).empty() || is_same(before, unit.text))
         return;
     if (unit.fuzzy && !request_.guesses) {
@@ -136,12 +127,13 @@ void importer::take_text(item_t *item, const char *language, const text_unit &un
         return;
     }
     const std::string reference = reference_text(*source_, item);
-    put_text(item->langs, language, without_end(unit.text));
+    const std::string after(without_end(unit.text));
+    put_text(item->langs, language, after);
     item->changed = 1;
     if (!unit.final)
         item->ready = 0;
     ++changed_;
-    say(import_kind::text, unit, language, std::move(before), unit.text);
+    say(import_kind::text, unit, language, std::move(before), after);
     if (!unit.reference.empty() && !is_same(reference, unit.reference))
         say(import_kind::outdated, unit, language, unit.reference, reference);
 }
@@ -150,7 +142,7 @@ void importer::take_text(item_t *item, const char *language, const text_unit &un
 void importer::take_comment(item_t *item, const char *language, const text_unit &unit)
 {
     const std::string_view note = without_end(unit.note.text);
-    std::string before = joined(find_entry(item->comments, language));
+    std::string before = text_of(find_entry(item->comments, language));
     if (note.empty() || is_same(before, note))
         return;
     std::string after(note);

@@ -69,9 +69,13 @@ private:
 
 // The language that a file means, as the source names it: by the name it says, else by the file's
 // own name (an empty path for a file of several languages), else by its code, which one language
-// must have alone. Null when that is none.
+// must have alone. Null when that is none. What somebody says of the file counts in place of all
+// that.
 const char *find_language(const LangSource &source, const said_language &said,
-                          std::string_view path);
+                          std::string_view path, const std::string &instead = {});
+
+// What a message calls such a language.
+std::string_view shown_name(const said_language &said, std::string_view path);
 
 // The encoding of a source's texts.
 encoding encoding_of(const LangSource &source);

@@ -7,7 +7,7 @@ namespace zel::exchange {
 namespace {
 
 constexpr std::size_t item_depth = 5; // source, groups, group, items, item
-constexpr std::size_t most_depth = 16;
+constexpr std::size_t most_nesting = 16;
 
 struct outliner {
     std::string_view bytes;
@@ -49,7 +49,7 @@ fault outliner::take_string()
 
 fault outliner::open()
 {
-    if (++depth > most_depth)
+    if (++depth > most_nesting)
         return {line, "brackets deeper than a source has"};
     has_root = true;
     if (depth == item_depth && bytes[at] == '{') {

@@ -50,7 +50,7 @@ void append_strings(std::string &out, const char *name, GList *strings)
     out.append(name) += '[';
     for (GList *node = strings; node != nullptr; node = node->next) {
         out.append(node == strings ? "" : ", ");
-        append_string(out, or_empty(static_cast<const char *>(node->data)));
+        append_string(out, view_of(static_cast<const char *>(node->data)));
     }
     out += ']';
 }
@@ -151,20 +151,6 @@ void write_json(exporter &from, std::vector<outgoing_file> &to)
     }
     out += "] }\n";
     to.front().flush();
-}
-
-std::string json_of_item(const item_t *item)
-{
-    std::string out;
-    append_item(out, item);
-    return out;
-}
-
-std::string json_of_head(const LangSource *source)
-{
-    std::string out;
-    append_head(out, source);
-    return out;
 }
 
 } // namespace zel::exchange

@@ -26,9 +26,4 @@ void write_json(exporter &from, std::vector<outgoing_file> &to);
 // A new source from JSON text; items without a creation time are made now. Null at a fault.
 source_guard read_json(std::string_view bytes, std::int64_t now, fault &wrong);
 
-// One item, and all of a source but its groups and the time of saving: the same text for the same
-// contents.
-std::string json_of_item(const item_t *item);
-std::string json_of_head(const LangSource *source);
-
 } // namespace zel::exchange

@@ -25,7 +25,7 @@ char letter_of(char byte)
     return byte == '"' ? '\0' : escape_letter(static_cast<unsigned char>(byte));
 }
 
-void append_name(std::string &out, std::string_view name, bool is_group)
+void append_escaped(std::string &out, std::string_view name, bool is_group)
 {
     while (!name.empty()) {
         const std::size_t valid = valid_length(name);
@@ -79,7 +79,7 @@ bool read_escape(std::string_view &text, std::string &name)
 }
 
 // Reads up to the end, or to the first colon that stands for itself when that ends the name.
-bool read_name(std::string_view &text, std::string &name, bool ends_at_colon)
+bool read_escaped(std::string_view &text, std::string &name, bool ends_at_colon)
 {
     name.clear();
     while (!text.empty() && !(ends_at_colon && text.front() == ':')) {
@@ -95,23 +95,23 @@ bool read_name(std::string_view &text, std::string &name, bool ends_at_colon)
 
 } // namespace
 
-void append_name(std::string &out, std::string_view name) { append_name(out, name, false); }
+void append_name(std::string &out, std::string_view name) { append_escaped(out, name, false); }
 
 void append_key(std::string &out, std::string_view group, std::string_view item)
 {
-    append_name(out, group, true);
+    append_escaped(out, group, true);
     out += ':';
-    append_name(out, item, false);
+    append_escaped(out, item, false);
 }
 
 bool split_key(std::string_view key, std::string &group, std::string &item)
 {
-    if (!read_name(key, group, true) || key.empty())
+    if (!read_escaped(key, group, true) || key.empty())
         return false;
     key.remove_prefix(1);
-    return read_name(key, item, false);
+    return read_escaped(key, item, false);
 }
 
-bool read_name(std::string_view text, std::string &name) { return read_name(text, name, false); }
+bool read_name(std::string_view text, std::string &name) { return read_escaped(text, name, false); }
 
 } // namespace zel::exchange

@@ -1,10 +1,10 @@
 #include "exchange/new-source.h"
 
 #include "exchange/carry.h"
-#include "exchange/entries.h"
 #include "exchange/key.h"
 #include "exchange/language-code.h"
 #include "exchange/po-read.h"
+#include "source/entry.h"
 #include "support/string-copy.h"
 
 namespace zel::exchange {
@@ -52,7 +52,7 @@ std::string place_of(std::string_view reference)
     return place.append(line).append(1, ':').append(file);
 }
 
-std::string joined(const std::vector<std::string> &lines)
+std::string told_lines(const std::vector<std::string> &lines)
 {
     std::string out;
     for (const std::string &line : lines)
@@ -146,7 +146,7 @@ item_t *new_source::make_item(const std::string &group, const std::string &name,
     item->ctime = request_.now;
     for (const std::string &reference : message.references)
         add_use(*added, place_of(reference).c_str());
-    replace_string(item->description, zel_strdup(joined(message.extracted).c_str()));
+    replace_string(item->description, zel_strdup(told_lines(message.extracted).c_str()));
     ++source_->item_count;
     return item;
 }
@@ -183,7 +183,7 @@ void new_source::take_text(const catalog &of, const po_message &message, const s
                            const std::string &text)
 {
     item_t *item = item_of(of, message, name);
-    if (const std::string remarks = joined(message.remarks); !remarks.empty())
+    if (const std::string remarks = told_lines(message.remarks); !remarks.empty())
         put_text(item->comments, of.language.c_str(), came(of, remarks));
     if (text.empty())
         return;

@@ -144,6 +144,14 @@ void append_po_references(std::string &out, const std::vector<std::string> &refe
         end_remark(out);
 }
 
+std::string joined(const std::vector<std::string> &lines)
+{
+    std::string out;
+    for (const std::string &line : lines)
+        out.append(out.empty() ? "" : "\n").append(line);
+    return out;
+}
+
 void append_po_message(std::string &out, const po_message &message)
 {
     for (const std::string &line : message.remarks)

@@ -48,6 +48,9 @@ struct po_message {
 // The value of a field of the header's text, "Language"; empty when it is not there.
 std::string_view po_header_field(std::string_view header, std::string_view name);
 
+// Remarks, a line each, as one text.
+std::string joined(const std::vector<std::string> &lines);
+
 // Appends the message, but not the empty line between two.
 void append_po_message(std::string &out, const po_message &message);
 

@@ -136,7 +136,7 @@ void append_message(std::string &out, const exporter &from, const outgoing_item 
     out += '\n';
     out += shared.remarks;
     if (!is_default)
-        append_remark(out, one_line(or_empty(from.source().default_lang)) + ": ",
+        append_remark(out, one_line(view_of(from.source().default_lang)) + ": ",
                       item.default_comment);
     append_remark(out, one_line(name) + ": ", one.comment);
     out += shared.references;
@@ -155,15 +155,6 @@ void append_message(std::string &out, const exporter &from, const outgoing_item 
     } else {
         append_po_text(out, {}, "msgstr", one.text);
     }
-}
-
-// The remarks of a translator as one text.
-std::string joined(const std::vector<std::string> &lines)
-{
-    std::string out;
-    for (const std::string &line : lines)
-        out.append(out.empty() ? "" : "\n").append(line);
-    return out;
 }
 
 said_language language_of(const po_message &header)

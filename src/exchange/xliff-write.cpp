@@ -76,7 +76,7 @@ head head_of(const exporter &from, std::size_t at)
     const LangSource &source = from.source();
     head out;
     append_name(out.app, source.app == nullptr ? "unknown" : source.app);
-    out.source_code = xml_code(code_of(or_empty(source.default_lang)));
+    out.source_code = xml_code(code_of(view_of(source.default_lang)));
     out.target_code = xml_code(code_of(from.languages()[at]->name));
     append_name(out.language, from.languages()[at]->name);
     return out;

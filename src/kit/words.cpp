@@ -16,9 +16,11 @@ namespace {
 constexpr word table[] = {
     {"start", "[--default NAME] [--language NAME]... FILE",
      "begin an empty language source with its languages", run_start},
+    {"check", "[OPTION...] SOURCE [PATH...]",
+     "look for texts in code, and bring the source up to date with it", run_check},
     {"lint", "[OPTION...] SOURCE...", "say what would break the application or its looks",
      run_lint},
-    {"stat", "[--format text|json] SOURCE...", "tell how far each language is", run_stat},
+    {"stat", "[OPTION...] SOURCE...", "tell how far each language is", run_stat},
     {"report", "[-o FILE.html] [--screenshots] SOURCE...",
      "make a web page of all texts, their progress and what lint found", run_report},
     {"export", "--format FORMAT [--language NAME]... [-o DIR] SOURCE",

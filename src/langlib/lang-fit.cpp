@@ -5,13 +5,16 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
+#include <functional>
 #include <iterator>
 
 namespace {
 
 constexpr std::size_t most_arguments = 32;
 constexpr std::size_t most_digits = 3; // of a width or a precision
+constexpr std::size_t to_the_end = SIZE_MAX;
 
 // Kinds of arguments; what has the same kind and length is passed the same way and means the same.
 enum kind : unsigned char { none, whole, natural, real, character, string, pointer };
@@ -52,7 +55,11 @@ constexpr std::array<unsigned char, 128> rows = [] {
 struct argument {
     kind type = none;
     length size = plain;
-    bool operator==(const argument &) const = default;
+    std::size_t reach = 0; // of a string: how much of it is read, to its end without a precision
+
+    bool same_type(const argument &other) const { return type == other.type && size == other.size; }
+    // Reads no more than the other one.
+    bool fits(const argument &other) const { return same_type(other) && reach <= other.reach; }
 };
 
 // What a format asks for.
@@ -65,8 +72,10 @@ struct arguments {
     // False when the argument is used as two kinds, or there are too many.
     bool use(std::size_t position, argument one)
     {
-        if (position >= most_arguments || (all[position].type != none && !(all[position] == one)))
+        if (position >= most_arguments ||
+            (all[position].type != none && !all[position].same_type(one)))
             return false;
+        one.reach = std::max(one.reach, all[position].reach);
         all[position] = one;
         count = std::max(count, position + 1);
         return true;
@@ -135,11 +144,11 @@ bool read_conversion(const char *&at, arguments &asked)
     const char *flags = at;
     at += std::strspn(at, "-+ #0'");
     const auto flag_count = static_cast<std::size_t>(at - flags);
-    std::size_t number = 0;
-    if (!read_digits(at, number))
+    std::size_t digits = 0;
+    if (!read_digits(at, digits))
         return false;
     const bool precision = *at == '.';
-    if (precision && !read_digits(++at, number))
+    if (precision && !read_digits(++at, digits))
         return false;
     const length size = read_length(at);
     const auto letter = static_cast<unsigned char>(*at);
@@ -152,7 +161,8 @@ bool read_conversion(const char *&at, arguments &asked)
     ++at;
     // "%lf" is "%f".
     const length passed = row.argument == real && size == l ? plain : size;
-    return asked.use(position, {row.argument, passed});
+    const std::size_t reach = row.argument != string ? 0 : precision ? digits : to_the_end;
+    return asked.use(position, {row.argument, passed, reach});
 }
 
 bool read_format(const char *format, arguments &asked)
@@ -177,10 +187,9 @@ const char *lang_format_or(const char *text, const char *item)
         return item;
     arguments wanted;
     arguments asked;
-    const bool fits = read_format(item, wanted) && read_format(text, asked) &&
-                      wanted.count == asked.count &&
-                      std::equal(wanted.all.begin(),
-                                 wanted.all.begin() + static_cast<std::ptrdiff_t>(wanted.count),
-                                 asked.all.begin());
+    const bool fits =
+        read_format(item, wanted) && read_format(text, asked) && wanted.count == asked.count &&
+        std::equal(asked.all.begin(), asked.all.begin() + static_cast<std::ptrdiff_t>(asked.count),
+                   wanted.all.begin(), std::mem_fn(&argument::fits));
     return fits ? text : item;
 }

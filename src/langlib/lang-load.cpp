@@ -55,10 +55,10 @@ public:
     // False without memory.
     bool start(const char *name)
     {
-        constexpr char nul = '\0'; // behind the key
+        constexpr std::string_view nul("\0\0", 2); // behind the key, and the value's mark
         text_.cut(group_end_);
         is_default = 0;
-        if (!text_.append(name) || !text_.append({&nul, 1}))
+        if (!text_.append(name) || !text_.append(nul))
             return false;
         value_ = text_.length();
         return true;
@@ -77,11 +77,12 @@ public:
             return nullptr;
         char *strings = reinterpret_cast<char *>(entry + 1);
         std::memcpy(strings, text_.data(), length + 1);
+        strings[value_ - 1] = is_default == 0 ? '\0' : zel::stand_in_mark;
         entry->text.is_default = is_default;
         entry->text.key = strings;
         entry->text.value = length == value_ ? nullptr : strings + value_;
         entry->hash = zel::lang_key_hash(zel::lang_key(strings));
-        entry->too_long = value_ - 1 > zel::lang_key::limit ? 1 : 0;
+        entry->too_long = value_ - 2 > zel::lang_key::limit ? 1 : 0;
         return entry;
     }
 
@@ -287,10 +288,18 @@ void read_file(reader &in, const char *path)
     zel_lex_free_buf(in.lex);
 }
 
-bool is_directory(const char *path)
+// 0 when there is no such file.
+mode_t kind_of(const char *path)
 {
     struct stat status;
-    return zel_stat(path, &status) == 0 && S_ISDIR(status.st_mode);
+    return zel_stat(path, &status) == 0 ? status.st_mode & S_IFMT : 0;
+}
+
+// Reading a pipe or a device in a directory of texts might never end.
+bool may_be_endless(const char *path)
+{
+    const mode_t kind = kind_of(path);
+    return kind == S_IFIFO || kind == S_IFCHR || kind == S_IFBLK || kind == S_IFSOCK;
 }
 
 // False when the directory holds no compiled file.
@@ -305,7 +314,8 @@ bool read_directory(reader &in, const char *path)
     }
     for (zel_list *name = names.get(); name != nullptr; name = name->next) {
         char file[path_size];
-        if (gen_path_ext(file, 0, sizeof file, path, dir_list_file(name), nullptr) == 0)
+        if (gen_path_ext(file, 0, sizeof file, path, dir_list_file(name), nullptr) == 0 &&
+            !may_be_endless(file))
             read_file(in, file);
         else
             LogPrint(1, "_lang_load: ERROR open file ->%s/%s<-\n", path, dir_list_file(name));
@@ -316,7 +326,7 @@ bool read_directory(reader &in, const char *path)
 // Reads the file or the directory's files. False, logged, when that gives no entry.
 bool read_path(reader &in, const char *path)
 {
-    if (is_directory(path)) {
+    if (kind_of(path) == S_IFDIR) {
         if (!read_directory(in, path))
             return false;
     } else {

@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <initializer_list>
 #include <new>
 #include <pthread.h>
 #include <string_view>
@@ -33,7 +34,8 @@ struct text_file {
     std::string_view stem; // of the path
     language_tag tag;      // empty for no known language
     language_row row;
-    bool taken; // it is in the chain already
+    bool taken;      // it is in the chain already
+    text_file *then; // the one that is asked after it
 };
 
 // In the order of their paths.
@@ -70,7 +72,8 @@ void add_file(text_files &files, std::string_view path)
         files.complete = false;
         return;
     }
-    auto *file = new (memory) text_file{nullptr, kept, nullptr, stem_of(kept), {}, {}, false};
+    auto *file =
+        new (memory) text_file{nullptr, kept, nullptr, stem_of(kept), {}, {}, false, nullptr};
     const zel::string_guard name(zel::read_language_name(kept));
     file->name = keep(files.store.get(), name ? std::string_view(name.get()) : file->stem);
     if (file->name == nullptr) {
@@ -142,15 +145,15 @@ const char *wanted_languages()
 
 // The files that are taken, in the order in which they are asked.
 struct chosen {
-    static constexpr std::size_t most = 16;
-    text_file *files[most];
-    std::size_t count = 0;
+    text_file *first = nullptr;
+    text_file **end = &first;
 
     void take(text_file *file)
     {
-        if (count < most && !file->taken) {
+        if (!file->taken) {
             file->taken = true;
-            files[count++] = file;
+            *end = file;
+            end = &file->then;
         }
     }
 };
@@ -165,36 +168,83 @@ void take_first(const text_files &files, chosen &taken, Fits fits)
         }
 }
 
-// A language the table does not know is found by its name as it stands.
-void take_language(const text_files &files, std::string_view name, chosen &taken)
+// Whether a name consists of the parts, whatever the case of their letters.
+bool is_joined(std::string_view name, std::initializer_list<std::string_view> parts)
+{
+    for (const std::string_view part : parts) {
+        if (!same_letters(name.substr(0, part.size()), part))
+            return false;
+        name.remove_prefix(part.size());
+    }
+    return name.empty();
+}
+
+// A language that the table does not know is found by its name as it stands, and by what is left of
+// "xx_YY@mod" without the territory, the modifier, or both.
+void take_unknown(const text_files &files, std::string_view name, chosen &taken)
+{
+    const std::size_t sign = std::min(name.find('@'), name.size());
+    const std::string_view modifier = name.substr(sign);
+    name = name.substr(0, std::min(name.find('.'), sign));
+    const std::string_view language = name.substr(0, name.rfind('_'));
+    const std::string_view territory = name.substr(language.size());
+    const std::string_view choices[][2] = {
+        {territory, modifier}, {"", modifier}, {territory, ""}, {"", ""}};
+    for (const auto &choice : choices)
+        take_first(files, taken, [&](const text_file &file) {
+            return file.tag.length == 0 &&
+                   (is_joined(file.name, {language, choice[0], choice[1]}) ||
+                    is_joined(file.stem, {language, choice[0], choice[1]}));
+        });
+}
+
+// Takes the next name off a list of languages; empty at its end and at "C".
+std::string_view next_name(std::string_view &list)
+{
+    list.remove_prefix(std::min(list.find_first_not_of(':'), list.size()));
+    const std::string_view name = list.substr(0, list.find(':'));
+    list.remove_prefix(name.size());
+    return is_no_language(name) ? std::string_view() : name;
+}
+
+std::string_view code_of(const language_tag &tag)
+{
+    return tag.view().substr(0, tag.view().find_first_of("_@"));
+}
+
+// Whether one of the list's languages is that language, or near to it: it is taken there.
+bool comes_later(std::string_view list, std::string_view code)
+{
+    language_tag tag;
+    language_row row;
+    for (std::string_view name; !(name = next_name(list)).empty();)
+        if (zel::read_language(name, tag, row) &&
+            (code_of(tag) == code || zel::near_language(code_of(tag)) == code))
+            return true;
+    return false;
+}
+
+void take_language(const text_files &files, std::string_view name, std::string_view others,
+                   chosen &taken)
 {
     language_tag wanted;
     language_row row;
-    if (!zel::read_language(name, wanted, row)) {
-        name = name.substr(0, name.find('.'));
-        take_first(files, taken, [name](const text_file &file) {
-            return file.tag.length == 0 &&
-                   (same_letters(file.name, name) || same_letters(file.stem, name));
-        });
-        return;
-    }
+    if (!zel::read_language(name, wanted, row))
+        return take_unknown(files, name, taken);
+    const std::string_view near = zel::near_language(code_of(wanted));
     language_tag choice;
     for (unsigned i = 0; zel::next_choice(wanted, i, choice); ++i)
-        take_first(files, taken,
-                   [&choice](const text_file &file) { return file.tag.view() == choice.view(); });
+        if (near.empty() || choice.view() != near || !comes_later(others, near))
+            take_first(files, taken, [&choice](const text_file &file) {
+                return file.tag.view() == choice.view();
+            });
 }
 
 void choose(const text_files &files, const char *languages, chosen &taken)
 {
     std::string_view rest = languages == nullptr ? wanted_languages() : languages;
-    while (!rest.empty()) {
-        const std::string_view name = rest.substr(0, rest.find(':'));
-        rest.remove_prefix(std::min(rest.size(), name.size() + 1));
-        if (is_no_language(name))
-            break;
-        if (!name.empty())
-            take_language(files, name, taken);
-    }
+    for (std::string_view name; !(name = next_name(rest)).empty();)
+        take_language(files, name, rest, taken);
     take_first(files, taken, [](const text_file &file) {
         return same_letters(file.stem, "default") || same_letters(file.name, "default");
     });
@@ -253,22 +303,30 @@ lang_handle_t *load(const text_file &file)
     return handle;
 }
 
+// The record of the first names that of the second, where it has one.
+void chain(lang_handle_t *first, lang_handle_t *second)
+{
+    zel::lang_link &link = zel::link_of(first->index);
+    const bool recorded = second != nullptr && second->index != nullptr;
+    link.next = second;
+    if (link.locale != nullptr)
+        link.locale->next = recorded ? zel::link_of(second->index).locale : nullptr;
+}
+
 // Loads the files, each chained to the next; null when none can be read.
 lang_handle_t *load_chain(const chosen &taken)
 {
     lang_handle_t *first = nullptr;
     lang_handle_t *last = nullptr;
-    for (std::size_t i = 0; i < taken.count; ++i) {
-        lang_handle_t *handle = load(*taken.files[i]);
+    for (const text_file *file = taken.first; file != nullptr; file = file->then) {
+        lang_handle_t *handle = load(*file);
         if (handle == nullptr)
             continue;
         if (last == nullptr) {
             first = handle;
         } else {
-            zel::lang_link &link = zel::link_of(last->index);
-            link.next = handle;
-            link.owns_next = true;
-            const_cast<lang_locale_t *>(link.locale)->next = zel::link_of(handle->index).locale;
+            chain(last, handle);
+            zel::link_of(last->index).owns_next = true;
         }
         last = handle;
     }
@@ -363,6 +421,6 @@ int lang_locale_chain(lang_handle_t *first, lang_handle_t *second)
         if (one == first)
             return 2;
     zel::lang_drop_chain(first);
-    zel::link_of(first->index).next = second;
+    chain(first, second);
     return 0;
 }

@@ -8,8 +8,9 @@
  *     #define NOTES "%d note|%d notes"
  *
  *     lang_locale_load("/usr/share/viewer/texts");
- *     printf(lang_format_or(lang_plural(lang_get_string("list", NOTES), n), lang_plural(NOTES, n)),
- * n); lang_de_init();
+ *     const char *text = lang_get_string("list", NOTES);
+ *     printf(lang_format_or(lang_plural(text, n), lang_plural(NOTES, n)), n);
+ *     lang_de_init();
  *
  * All texts are UTF-8. What comes back as const belongs to the library; each function says how long
  * it lives.
@@ -17,7 +18,7 @@
  * Threads: once a file is loaded, any number of threads may call lang_plural, lang_plural_of,
  * lang_format_or and lang_locale_of at once, beside all that lang.h lets them call.
  * lang_locale_load and lang_locale_choose are safe while other threads ask for texts (the request
- * words of lang.h but for lang_sym, and the four above): until the load is complete they get items.
+ * words of lang.h, and the four above): until the load is complete they get items.
  * Both are refused while the process-wide handle is loaded, so nothing is ever taken from under a
  * thread; to load again, call lang_de_init first, at a time when no other thread is in the library.
  * lang_locale_list and lang_locale_new may be called from any thread as long as no log is being
@@ -37,8 +38,9 @@ extern "C" {
  * `lang compile -dst-dir` makes them. A file is in the language that its LANGUAGE statement names
  * or else its own name: by a code of ISO 639 ("de", "deu"), by the language's name in English or in
  * itself ("german", "Deutsch"), with a territory, script or modifier where it matters ("de_AT",
- * "German (AT)", "zh-Hant", "sr@latin"). The case of letters means nothing. A file "default.lang"
- * is asked last, whatever the user's language.
+ * "German (AT)", "Portuguese (Brazil)", "zh-Hant", "sr@latin"). The case of letters means nothing.
+ * A language that is in none of these lists goes by the name that it is given. A file
+ * "default.lang" is asked last, whatever the user's language.
  */
 
 /* One compiled file of a directory. */
@@ -50,7 +52,7 @@ typedef struct lang_locale_t {
     const char *own;     /* and in itself; null when it is not known */
     int32_t texts;       /* in the file */
     int32_t defaults;    /* of these, texts of the default language that stand in */
-    const struct lang_locale_t *next; /* the file that is asked for what this one lacks, or null */
+    const struct lang_locale_t *next; /* the file that is asked for what this one lacks; or null */
 } lang_locale_t;
 
 /* Loads the best of the directory's files into the process-wide handle, for the languages that the
@@ -59,9 +61,10 @@ typedef struct lang_locale_t {
  * language. The program need not call setlocale, and the locale need not be installed.
  *
  * For de_AT the files are de_AT, de, those of the other languages in LANGUAGE, and default.lang.
- * The first that is there is taken and the others are its chain: a text that it lacks, or for which
- * only the default language stands in, is asked of the next; where none has it, the stand-in is
- * shown and then the item.
+ * For nb and nn a file in "no" follows, behind the last Norwegian of the list. The first that is
+ * there is taken and the others are its chain: a text that it lacks, or for which only the default
+ * language stands in, is asked of the next; where none has it, the stand-in is shown and then the
+ * item.
  *
  * What was taken; it lives until lang_de_init or the next load. Null, and the cause in the log,
  * when no file fits or can be read, when there is no memory, and when the handle is loaded already:
@@ -89,9 +92,12 @@ int lang_locale_list(const char *directory, void (*function)(const lang_locale_t
 
 /* From now on a text that the first handle (null: the process-wide one) lacks, or for which only
  * the default language stands in, is asked of the second, and of what that is chained to. A null
- * second ends the chain. The second stays the caller's and must live until the first is loaded
- * again, released, or chained otherwise. 0; 1 when the first is not loaded or one is in import
- * mode; 2, and nothing is changed, when the chain would lead back to its beginning. */
+ * second ends the chain. The chain that the first had is released where it came with the first, so
+ * that its records end, too; the first's next is the second's record, or null where that has none.
+ * The second stays the caller's and must live until the first is loaded again, released, or chained
+ * otherwise; when it is loaded again itself, chain it again before you look at next. 0; 1 when the
+ * first is not loaded or one is in import mode; 2, and nothing is changed, when the chain would
+ * lead back to its beginning. */
 int lang_locale_chain(lang_handle_t *first, lang_handle_t *second);
 
 /* ---- Plural forms ----------------------------------------------------------------------------
@@ -103,19 +109,22 @@ int lang_locale_chain(lang_handle_t *first, lang_handle_t *second);
  *     "%d заметка|%d заметки|%d заметок"        Russian: one, few, many
  *     "ノート%d件"                              Japanese: other
  *
- * In some languages a form begins at a million (French: one, many, other); their texts may leave it
- * out.
+ * The rules are those of the consortium's version 48. In some languages a form begins at a million
+ * (French: one, many, other); their texts may leave it out. Where an older version had another
+ * number of forms (Hebrew and Maltese had four), texts with so many are read by its rule.
  */
 
-/* The form for the number in the language of the process-wide handle. A text with another count of
- * forms, as one of the default language that stands in, is read as in English, with two forms, and
- * else its last form is taken. For numbers below zero the sign does not count. The form lives until
- * lang_de_init; the last form, and a text without "|", is the end of the text itself. A null text
- * gives an empty one; without memory the last form comes back. Pass texts that stay, not ever new
- * ones: each form is kept. */
+/* The form for the number, for a text that the process-wide handle or its chain gave: in the
+ * language of the file that it came from, each file by its own. A text of two forms that no file
+ * gave, as the item, or of the default language, as it stands in, is read as in English; with
+ * another count, by the rule of the handle. Where the count is not the rule's, too, two forms are
+ * read as in English, and else the last form is taken. For numbers below zero the sign does not
+ * count. The form lives until lang_de_init; the last form, and a text without "|", is the end of
+ * the text itself. A null text gives an empty one; without memory the last form comes back. Pass
+ * texts that stay, not ever new ones: each form is kept. */
 const char *lang_plural(const char *text, int64_t number);
 
-/* The same in the language of a handle; null stands for the process-wide one. */
+/* The same for the texts of a handle; null stands for the process-wide one. */
 const char *lang_plural_of(lang_handle_t *handle, const char *text, int64_t number);
 
 /* ---- Formats ---------------------------------------------------------------------------------
@@ -128,10 +137,12 @@ const char *lang_plural_of(lang_handle_t *handle, const char *text, int64_t numb
  * conversions of standard C, each of the item's arguments is used, with the same kind (d i, o u x
  * X, the ones for floating point, c, s, p), length (hh h l ll j z t L) and count, and no width or
  * precision has more than three digits. The text may take the arguments in another order with
- * positions ("%2$s"), and may choose flags, width and precision. With "%n", "*" or anything unknown
- * it does not fit, not even where the item has the same. Else the item: an item that breaks these
- * rules is always given back itself. A null text gives the item, a null item an empty text. Nothing
- * is copied: the result is one of the two pointers. */
+ * positions ("%2$s"), and may choose flags, width and precision; but of a string it reads no more
+ * than the item does: for "%.4s" it needs a precision of 4 at most, since the argument may have no
+ * end. How long the result is, is the text's affair: print into a buffer with snprintf. With "%n",
+ * "*" or anything unknown it does not fit, not even where the item has the same. Else the item: an
+ * item that breaks these rules is always given back itself. A null text gives the item, a null item
+ * an empty text. Nothing is copied: the result is one of the two pointers. */
 #ifdef __GNUC__
 __attribute__((format_arg(2))) /* the compiler compares printf's arguments with the item */
 #endif

@@ -12,12 +12,10 @@
 
 namespace {
 
-// The rule of a handle's language, up to the end of its line in the table. Several threads may come
-// here at once: they find the same.
-std::string_view rule_of(lang_handle_t *handle)
+// The rule of a loaded handle's language, up to the end of its line in the table. Several threads
+// may come here at once: they find the same.
+std::string_view rule_of(const lang_handle_t *handle)
 {
-    if (__atomic_load_n(&handle->loaded, __ATOMIC_ACQUIRE) == 0 || handle->index == nullptr)
-        return {};
     const char *&known = zel::link_of(handle->index).plural;
     const char *rule = __atomic_load_n(&known, __ATOMIC_RELAXED);
     if (rule == nullptr) {
@@ -29,6 +27,29 @@ std::string_view rule_of(lang_handle_t *handle)
         __atomic_store_n(&known, rule, __ATOMIC_RELAXED);
     }
     return {rule, std::strcspn(rule, "\n")};
+}
+
+// The handle of a chain in whose file the text lies, or null.
+const lang_handle_t *home_of(const lang_handle_t *handle, const char *text)
+{
+    while (handle != nullptr && handle->index != nullptr) {
+        if (zel::lang_store_holds(handle->index, text))
+            return handle;
+        handle = zel::link_of(handle->index).next;
+    }
+    return nullptr;
+}
+
+// The rule that a text with so many forms is written for; empty for that of English.
+std::string_view rule_for(const lang_handle_t *handle, const char *text, std::size_t count)
+{
+    if (__atomic_load_n(&handle->loaded, __ATOMIC_ACQUIRE) == 0 || handle->index == nullptr)
+        return {};
+    const lang_handle_t *home = home_of(handle, text);
+    const bool is_item = home == nullptr || text[-1] == zel::stand_in_mark;
+    if (is_item && count == 2)
+        return {};
+    return rule_of(home == nullptr ? handle : home);
 }
 
 } // namespace
@@ -43,7 +64,7 @@ const char *lang_plural_of(lang_handle_t *handle, const char *text, std::int64_t
         return text;
     const auto bits = static_cast<std::uint64_t>(number);
     const std::size_t position =
-        zel::plural_form(rule_of(handle == nullptr ? &lang : handle), count,
+        zel::plural_form(rule_for(handle == nullptr ? &lang : handle, text, count), count,
                          number < 0 ? std::uint64_t{0} - bits : bits);
     const std::string_view last = zel::text_form(all, count - 1);
     if (position + 1 == count)

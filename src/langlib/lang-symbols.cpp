@@ -139,7 +139,7 @@ const char *find_value(zel_list *symbols, std::string_view name)
     if (symbol != nullptr && symbol->value != nullptr)
         return symbol->value;
     zel::lang_symbols_make();
-    symbol = find_symbol(lang_symbols, name);
+    symbol = find_symbol(__atomic_load_n(&lang_symbols, __ATOMIC_ACQUIRE), name);
     return symbol == nullptr ? nullptr : symbol->value;
 }
 
@@ -191,8 +191,14 @@ namespace zel {
 
 void lang_symbols_make()
 {
-    if (lang_symbols == nullptr)
-        lang_symbols = lang_sym_set(nullptr, "PERCENT", "%", LANG_SYM_SYSTEM);
+    zel_list *none = nullptr;
+    if (__atomic_load_n(&lang_symbols, __ATOMIC_ACQUIRE) != nullptr)
+        return;
+    zel_list *made = lang_sym_set(nullptr, "PERCENT", "%", LANG_SYM_SYSTEM);
+    // Another thread may have been quicker.
+    if (!__atomic_compare_exchange_n(&lang_symbols, &none, made, false, __ATOMIC_ACQ_REL,
+                                     __ATOMIC_ACQUIRE))
+        lang_sym_free(made);
 }
 
 void lang_symbols_drop()

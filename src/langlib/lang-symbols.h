@@ -11,7 +11,7 @@ extern zel_list *lang_symbols;
 
 namespace zel {
 
-void lang_symbols_make();
+void lang_symbols_make(); // from any thread
 void lang_symbols_drop();
 
 } // namespace zel

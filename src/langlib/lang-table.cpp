@@ -16,6 +16,7 @@ namespace {
 // A piece of memory; what is given out follows it.
 struct alignas(std::max_align_t) chunk {
     chunk *next;
+    std::size_t size; // of what follows
 };
 
 constexpr std::size_t first_chunk = 16384;
@@ -58,6 +59,7 @@ char *add_chunk(lang_index *store, std::size_t size)
         return nullptr;
     auto *added = static_cast<chunk *>(memory);
     added->next = store->chunks;
+    added->size = size;
     store->chunks = added;
     return reinterpret_cast<char *>(added + 1);
 }
@@ -275,6 +277,16 @@ void lang_store_free(lang_index *store) noexcept
         one = next;
     }
     std::free(store);
+}
+
+bool lang_store_holds(const lang_index *store, const char *text)
+{
+    // The latest chunks are the largest.
+    for (const chunk *one = store->chunks; one != nullptr; one = one->next)
+        if (reinterpret_cast<std::uintptr_t>(text) - reinterpret_cast<std::uintptr_t>(one + 1) <
+            one->size)
+            return true;
+    return false;
 }
 
 void *lang_store_allocate(lang_index *store, std::size_t size)

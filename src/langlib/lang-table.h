@@ -60,15 +60,18 @@ lang_index *lang_store_new();
 void lang_store_free(lang_index *store) noexcept;
 using lang_store_guard = std::unique_ptr<lang_index, release<lang_store_free>>;
 
+// Whether a text lies in the store's memory.
+bool lang_store_holds(const lang_index *store, const char *text);
+
 // Memory for any record; null without memory.
 void *lang_store_allocate(lang_index *store, std::size_t size);
 
 // What a handle knows beside its table.
 struct lang_link {
-    lang_handle_t *next;         // asked for what the table lacks, or null
-    bool owns_next;              // it is released with the store's handle
-    const lang_locale_t *locale; // what lang-locale.h loaded, in the store; or null
-    const char *plural;          // the language's rule up to its line end; null: not looked for yet
+    lang_handle_t *next;   // asked for what the table lacks, or null
+    bool owns_next;        // it is released with the store's handle
+    lang_locale_t *locale; // what lang-locale.h loaded, in the store; or null
+    const char *plural;    // the language's rule up to its line end; null: not looked for yet
 };
 lang_link &link_of(lang_index *store);
 
@@ -77,8 +80,11 @@ struct lang_entry {
     lang_text_t text;
     std::uint32_t hash;     // of the key
     std::uint32_t too_long; // 1: no request forms a key of this length
-    // key and value follow, each with its NUL
+    // key and value follow, each with its NUL; the byte before the value is a mark, or 0
 };
+
+// Marks a text of the default language that stands in, for those who have nothing but the text.
+inline constexpr char stand_in_mark = '\1';
 
 // Builds table and index from the entries (lang_entry of the store) into the handle, which takes
 // the store over: 0. Without memory -1, and both are as before.

@@ -44,8 +44,10 @@ extern "C" {
  *
  * The words that `lang check` looks for in an application's sources, with their arguments in the
  * order in which it reads them. Group and description are string literals; the item is a string
- * literal, adjacent literals, or a name that a #define of the same file gives one. The description
- * tells the translator what the text is for.
+ * literal, or a name that a #define of the same file gives one. Only lang_get, lang_get_fmt,
+ * lang_sym and lang_dummy may have an item of adjacent literals, "Two pieces " "of one text": of
+ * any other request's, lang check reads the first one alone, and the text is never translated. The
+ * description tells the translator what the text is for.
  */
 
 /* A text. */
@@ -101,7 +103,7 @@ typedef struct lang_text_t {
 /* One loaded language. The library fills it; applications may read it. */
 typedef struct lang_handle_t {
     char *language;           /* name of the last LANGUAGE statement, or null */
-    struct zel_list *entries; /* of lang_text_t in reading order; owns the records */
+    struct zel_list *entries; /* of lang_text_t in reading order; the records are the index's */
     lang_text_t *lang;        /* the table: slots 1 to count - 2 ascending by key */
     int32_t count;            /* slots with the sentinels at both ends; 0 before the first load */
     int32_t loaded;           /* 1: the table answers */
@@ -125,7 +127,8 @@ typedef struct lang_sym_t {
 
 /* ---- Loading --------------------------------------------------------------------------------
  *
- * The path names a compiled file, or a directory, of which every *.lang is read into one table.
+ * The path names a compiled file, or a directory, of which every *.lang is read into one table (but
+ * no pipes and devices, which might never end).
  */
 
 /* Into the process-wide handle. 0; 1 without a path; -1 when nothing could be read: the handle then

@@ -1,5 +1,7 @@
 #include "langlib/languages.h"
 
+#include "support/cut.h"
+
 #include <algorithm>
 #include <cstring>
 #include <glib.h>
@@ -14,16 +16,11 @@ constexpr std::string_view languages =
 #include "langlib/languages.inc"
     ;
 
-constexpr std::size_t row_fields = 6;
+constexpr std::string_view territories =
+#include "langlib/territories.inc"
+    ;
 
-// Takes the text up to the sign off the rest.
-std::string_view cut_at(std::string_view &rest, char sign)
-{
-    const std::size_t end = std::min(rest.find(sign), rest.size());
-    const std::string_view part = rest.substr(0, end);
-    rest.remove_prefix(std::min(end + 1, rest.size()));
-    return part;
-}
+constexpr std::size_t row_fields = 6;
 
 constexpr bool is_well_formed()
 {
@@ -102,12 +99,18 @@ struct tag_parts {
     char modifier[longest_part + 1] = "";
 };
 
-// A modifier that stands for a script, and the script.
+// A script, and whether its name is a modifier that stands for it.
 struct script_name {
-    const char *modifier;
+    const char *name;
     const char *script;
+    bool is_modifier;
 };
-constexpr script_name scripts[] = {{"latin", "Latn"}, {"cyrillic", "Cyrl"}, {"devanagari", "Deva"}};
+constexpr script_name scripts[] = {
+    {"latin", "Latn", true},        {"cyrillic", "Cyrl", true},
+    {"devanagari", "Deva", true},   {"arabic", "Arab", false},
+    {"simplified", "Hans", false},  {"simplified han", "Hans", false},
+    {"traditional", "Hant", false}, {"traditional han", "Hant", false},
+};
 
 bool all(std::string_view text, bool (*is)(char))
 {
@@ -129,6 +132,47 @@ bool read_part(std::string_view part, tag_parts &parts)
     return true;
 }
 
+// The code of a territory or a script that is named in English; empty for no such name.
+std::string_view code_of(std::string_view name)
+{
+    for (const script_name &one : scripts)
+        if (same_name(one.name, name))
+            return one.script;
+    for (std::string_view rest = territories; !rest.empty();) {
+        std::string_view line = cut_at(rest, '\n');
+        const std::string_view code = cut_at(line, '\t');
+        if (has_name(line, name))
+            return code;
+    }
+    return {};
+}
+
+// "AT", "Austria", "Traditional, Hong Kong"
+bool read_named_parts(std::string_view names, tag_parts &parts)
+{
+    while (!names.empty()) {
+        std::string_view name = cut_at(names, ',');
+        name.remove_prefix(std::min(name.find_first_not_of(' '), name.size()));
+        const std::string_view code = code_of(name);
+        if (!name.empty() && !read_part(code.empty() ? name : code, parts))
+            return false;
+    }
+    return true;
+}
+
+// "_AT", "-Hant-HK"
+bool read_coded_parts(std::string_view codes, tag_parts &parts)
+{
+    while (!codes.empty()) {
+        codes.remove_prefix(std::min(codes.find_first_not_of(separators), codes.size()));
+        const std::size_t end = std::min(codes.find_first_of(separators), codes.size());
+        if (end > 0 && !read_part(codes.substr(0, end), parts))
+            return false;
+        codes.remove_prefix(end);
+    }
+    return true;
+}
+
 bool read_modifier(std::string_view part, tag_parts &parts)
 {
     if (part.empty() || part.size() > longest_part)
@@ -137,26 +181,24 @@ bool read_modifier(std::string_view part, tag_parts &parts)
     return true;
 }
 
-// What stands behind the language: "_AT.UTF-8@euro", "-Hant-HK", " (AT)".
+// What stands behind the language: "_AT.UTF-8@euro", "-Hant-HK", " (Austria)".
 bool read_parts(std::string_view rest, tag_parts &parts)
 {
     const std::size_t modifier = std::min(rest.find('@'), rest.size());
     if (modifier < rest.size() && !read_modifier(rest.substr(modifier + 1), parts))
         return false;
-    rest = rest.substr(0, std::min(rest.find('.'), modifier));
-    if (rest.ends_with(')'))
-        rest.remove_suffix(1);
-    while (!rest.empty()) {
-        rest.remove_prefix(std::min(rest.find_first_not_of(separators), rest.size()));
-        const std::size_t end = std::min(rest.find_first_of(separators), rest.size());
-        if (end > 0 && !read_part(rest.substr(0, end), parts))
+    rest = rest.substr(0, modifier);
+    if (rest.starts_with(" (") && rest.ends_with(')')) {
+        if (!read_named_parts(rest.substr(2, rest.size() - 3), parts))
             return false;
-        rest.remove_prefix(end);
+    } else if (!read_coded_parts(rest.substr(0, rest.find('.')), parts)) {
+        return false;
     }
     // A language in two scripts is told by its modifier in settings.
     for (const script_name &one : scripts)
-        if (std::strcmp(parts.script, one.script) == 0 && parts.modifier[0] == '\0') {
-            std::strcpy(parts.modifier, one.modifier);
+        if (one.is_modifier && std::strcmp(parts.script, one.script) == 0 &&
+            parts.modifier[0] == '\0') {
+            std::strcpy(parts.modifier, one.name);
             parts.script[0] = '\0';
         }
     return true;
@@ -179,19 +221,11 @@ void write_tag(language_tag &tag, std::string_view code, const char *script, con
 }
 
 // Languages that are read instead of each other.
-struct near_language {
+struct near_pair {
     std::string_view wanted;
     std::string_view other;
 };
-constexpr near_language near_languages[] = {{"nb", "no"}, {"nn", "no"}, {"no", "nb"}};
-
-std::string_view near(std::string_view code)
-{
-    for (const near_language &one : near_languages)
-        if (one.wanted == code)
-            return one.other;
-    return code;
-}
+constexpr near_pair near_pairs[] = {{"nb", "no"}, {"nn", "no"}, {"no", "nb"}};
 
 // The script in which a territory writes Chinese.
 const char *script_of(std::string_view code, const char *territory)
@@ -262,6 +296,14 @@ bool read_language(std::string_view name, language_tag &tag, language_row &row)
     return true;
 }
 
+std::string_view near_language(std::string_view code)
+{
+    for (const near_pair &one : near_pairs)
+        if (one.wanted == code)
+            return one.other;
+    return {};
+}
+
 bool next_choice(const language_tag &wanted, unsigned position, language_tag &tag)
 {
     std::string_view rest = wanted.view();
@@ -270,6 +312,7 @@ bool next_choice(const language_tag &wanted, unsigned position, language_tag &ta
     tag_parts parts;
     read_parts(rest.substr(end), parts);
     const char *script = parts.script[0] != '\0' ? parts.script : script_of(code, parts.territory);
+    const std::string_view near = near_language(code);
     const struct {
         std::string_view code;
         const char *script;
@@ -281,7 +324,7 @@ bool next_choice(const language_tag &wanted, unsigned position, language_tag &ta
         {code, parts.script, parts.territory, ""},
         {code, script, "", ""},
         {code, "", "", ""},
-        {near(code), "", "", ""},
+        {near.empty() ? code : near, "", "", ""},
     };
     if (position >= std::size(choices))
         return false;

@@ -34,9 +34,13 @@ struct language_tag {
 };
 
 // Reads a code or a name of the table, alone or with a territory, a script, an encoding (which does
-// not count) and a modifier behind it: "de-at", "German_AT", "german (AT)", "zh-Hant-HK",
-// "de_AT.UTF-8@euro". False, and an empty tag, when the table has no such language.
+// not count) and a modifier behind it, or with their English names in parentheses: "de-at",
+// "German_AT", "german (AT)", "zh-Hant-HK", "de_AT.UTF-8@euro". False, and an empty tag, when the
+// table has no such language.
 bool read_language(std::string_view name, language_tag &tag, language_row &row);
+
+// A language that is read instead of the one with that code: "no" for "nb"; empty for most.
+std::string_view near_language(std::string_view code);
 
 // The languages that do for a wanted one, the best first: each is written into the tag. Position 0
 // is the first; false behind the last. "sr_RS@latin" gives itself, "sr@latin", "sr_RS", "sr".

@@ -1,19 +1,12 @@
 #include "langlib/plural-rule.h"
 
+#include "support/cut.h"
+
 #include <algorithm>
 
 namespace zel {
 
 namespace {
-
-// Takes the text up to the sign off the rest.
-std::string_view cut_at(std::string_view &rest, char sign)
-{
-    const std::size_t end = std::min(rest.find(sign), rest.size());
-    const std::string_view part = rest.substr(0, end);
-    rest.remove_prefix(std::min(end + 1, rest.size()));
-    return part;
-}
 
 std::uint64_t take_number(std::string_view &rest)
 {
@@ -79,10 +72,30 @@ form take_form(std::string_view &rule)
     return taken;
 }
 
+constexpr char edition_sign = '/';
+
+struct edition {
+    std::string_view rule;
+    plural_forms forms;
+};
+
+// The first edition that has so many forms; without one its rule is empty.
+edition edition_with(std::string_view rule, std::size_t count)
+{
+    while (!rule.empty()) {
+        const plural_forms forms = count_plural_forms(rule);
+        const std::string_view first = cut_at(rule, edition_sign);
+        if (count == forms.all || count == forms.everyday)
+            return {first, forms};
+    }
+    return {};
+}
+
 } // namespace
 
 plural_forms count_plural_forms(std::string_view rule)
 {
+    rule = cut_at(rule, edition_sign);
     plural_forms counted;
     while (!rule.empty()) {
         ++counted.all;
@@ -93,24 +106,22 @@ plural_forms count_plural_forms(std::string_view rule)
 
 std::string_view plural_form_name(std::string_view rule, std::size_t form)
 {
-    for (; form > 0 && !rule.empty(); --form)
+    for (rule = cut_at(rule, edition_sign); form > 0 && !rule.empty(); --form)
         take_form(rule);
     return rule.empty() ? rule : take_form(rule).name;
 }
 
 std::size_t plural_form(std::string_view rule, std::size_t count, std::uint64_t number)
 {
-    plural_forms needed = count_plural_forms(rule);
-    if (count != needed.all && count != needed.everyday) {
-        rule = rule_of_two;
-        needed = {2, 2};
-    }
-    if (count != needed.all && count != needed.everyday)
+    edition used = edition_with(rule, count);
+    if (used.rule.empty() && count == 2)
+        used = {rule_of_two, {2, 2}};
+    if (used.rule.empty())
         return count == 0 ? 0 : count - 1;
     std::size_t position = 0;
-    while (!rule.empty()) {
-        const form one = take_form(rule);
-        if (one.is_rare && count != needed.all)
+    while (!used.rule.empty()) {
+        const form one = take_form(used.rule);
+        if (one.is_rare && count != used.forms.all)
             continue;
         if (condition_holds(one.condition, number))
             break;

@@ -9,6 +9,9 @@
 
 namespace zel {
 
+// A rule may have editions, with "/" between them, the one in force first: texts were written for
+// the older ones, too. What is counted and named here is that of the first.
+
 // What English has: one, and all others.
 inline constexpr std::string_view rule_of_two = "one:n=1;other";
 
@@ -22,8 +25,9 @@ plural_forms count_plural_forms(std::string_view rule);
 // The form's name, "one"; empty behind the last.
 std::string_view plural_form_name(std::string_view rule, std::size_t form);
 
-// The position of the form for a number among so many: those of the rule, or its everyday ones.
-// With another count the rule of two decides, or, when that fails too, it is the last form.
+// The position of the form for a number among so many: those of an edition of the rule, or its
+// everyday ones. With another count the rule of two decides, or, when that fails too, it is the
+// last form.
 std::size_t plural_form(std::string_view rule, std::size_t count, std::uint64_t number);
 
 // The forms of a text are what stands between the signs "|"; a text without has one.

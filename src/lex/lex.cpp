@@ -35,8 +35,8 @@ void release_marker_files(zel_lex_t *lex)
 
 void empty_tokens(zel_lex_t *lex)
 {
-    lex->current->id = 0;
-    lex->ahead->id = 0;
+    zel::clear_token(lex->current);
+    zel::clear_token(lex->ahead);
 }
 
 } // namespace

@@ -417,7 +417,7 @@ zel_list *min_lex_split_str_by_sep(zel_list *list, const char *text, char separa
 {
     if (text == nullptr)
         return list;
-    zel::list_end end(list);
+    zel::list_end end(list, zel::remembered_end(list));
     for (bool more = true; more;) {
         const char *stop = text;
         while (*stop != '\0' && *stop != separator)
@@ -431,6 +431,8 @@ zel_list *min_lex_split_str_by_sep(zel_list *list, const char *text, char separa
         more = *stop != '\0';
         text = stop + 1;
     }
+    if (end.head != nullptr)
+        zel::remember_end(end.head, end.last);
     return end.head;
 }
 

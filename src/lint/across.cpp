@@ -1,6 +1,7 @@
 #include "lint/across.h"
 
 #include "lint/mnemonics.h"
+#include "source/entry.h"
 #include "support/hash-index.h"
 
 #include <algorithm>
@@ -46,14 +47,16 @@ struct marked {
     char32_t reference; // mnemonic of its reference text
 };
 
+// The entry that counts, as when a source is compiled. Empty when there is none.
 std::string_view first_text(const item_t *item, const char *name, std::string &buffer)
 {
     for (const lang_entry_t *entry : each<lang_entry_t>(item->langs))
         if (same_language(entry->lang, name))
-            return join(entry->texts, buffer);
+            return look_at_text(entry->texts, buffer);
     return {};
 }
 
+// At least two words, so that "OK" and "File" are none.
 bool is_phrase(std::string_view text)
 {
     const std::size_t blank = text.find(' ');
@@ -68,7 +71,7 @@ std::string unmarked(std::string_view text)
     return out;
 }
 
-std::string quoted(std::string_view text) { return std::string("\"").append(text).append("\""); }
+std::string in_quotes(std::string_view text) { return std::string("\"").append(text).append("\""); }
 
 } // namespace
 
@@ -109,11 +112,12 @@ void across::judge_languages(const LangSource *source, item_case::sink &found)
         const auto [name, new_name] = names.try_emplace(folded(name_of(lang->name)), all.size());
         const auto [file, new_file] = files.try_emplace(std::string(file_name(lang)), all.size());
         all.push_back(lang);
+        // One line for each definition: of both faults the one whose first half stands earlier.
         if (!new_name && name->second <= file->second)
             found.say(rule_id::duplicate, lang->name, lang, "a second definition of the language");
         else if (!new_file)
             found.say(rule_id::duplicate, lang->name, lang,
-                      "the file " + quoted(name_of(lang->file)) + " is that of " +
+                      "the file " + in_quotes(name_of(lang->file)) + " is that of " +
                           std::string(name_of(all[file->second]->name)) + " already");
     }
 }
@@ -121,6 +125,7 @@ void across::judge_languages(const LangSource *source, item_case::sink &found)
 void across::judge_duplicate(const item_case &at)
 {
     state &s = *state_;
+    // Group and item are hashed apart, so that "a:b" in "c" is not "a" in "b:c".
     const std::uint32_t hash =
         hash_of(name_of(at.group->name)) * 31 + hash_of(name_of(at.item->name));
     const std::uint32_t known = s.keys.find(hash, [&](std::uint32_t i) {
@@ -129,7 +134,7 @@ void across::judge_duplicate(const item_case &at)
     });
     if (known != hash_index::none) {
         at.found.say(rule_id::duplicate, nullptr, at.item,
-                     "a second item " + quoted(key_of(at.group, at.item)) +
+                     "a second item " + in_quotes(key_of(at.group, at.item)) +
                          ", which is never found");
         return;
     }
@@ -151,6 +156,7 @@ void across::judge_consistency(const item_case &at)
         s.references.push_back({{at.group, at.item}, std::string(reference)});
         return;
     }
+    // Grows with the references; a bit for each language of each.
     if (s.reported.size() < s.references.size() * s.languages.size())
         s.reported.resize(s.references.size() * s.languages.size());
     std::string buffer;
@@ -167,8 +173,8 @@ void across::judge_consistency(const item_case &at)
             continue;
         s.reported[bit] = true;
         at.found.say(rule_id::consistency, at.languages[i].name, one.entry,
-                     quoted(reference) + " is " + quoted(one.own.bytes) + " here and " +
-                         quoted(other) + " in " + key_of(first.group, first.item));
+                     in_quotes(reference) + " is " + in_quotes(one.own.bytes) + " here and " +
+                         in_quotes(other) + " in " + key_of(first.group, first.item));
     }
 }
 
@@ -190,6 +196,7 @@ bool across::state::may_be_window(const LangSource *source)
         for (const item_t *item : each<item_t>(group->items)) {
             const std::string_view text = first_text(item, source->default_lang, buffer);
             const mnemonics own = read_mnemonics(text.empty() ? name_of(item->name) : text);
+            // What is not used is in no window.
             if (item->used != 0 && own.count == 1)
                 used_keys.push_back(own.key);
         }
@@ -222,10 +229,11 @@ void across::judge_collision(const item_case &at)
         // Where the reference has them on one key already, they are not seen together.
         if (added || (known->second.reference == reference.key && !at.languages[i].is_default))
             continue;
+        // Told at the second of the two texts: the first one was right until then.
         std::string buffer;
         at.found.say(rule_id::collision, at.languages[i].name, one.entry,
                      "the mnemonic is that of " +
-                         quoted(first_text(known->second.item, at.languages[i].name, buffer)));
+                         in_quotes(first_text(known->second.item, at.languages[i].name, buffer)));
     }
 }
 

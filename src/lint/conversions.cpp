@@ -167,12 +167,12 @@ bool is_symbol(std::string_view text, std::string_view name, const name_set &kno
 }
 
 // The arguments so far.
-struct counter {
+struct argument_count {
     std::size_t next = 0; // of the next conversion without a position
     bool placed = false;  // there was one with a position
 };
 
-void take_argument(percents &found, std::size_t position, taken takes, counter &count)
+void take_argument(percents &found, std::size_t position, taken takes, argument_count &count)
 {
     found.mixed = found.mixed || (position == 0 ? count.placed : count.next != 0);
     count.placed = count.placed || position != 0;
@@ -185,7 +185,7 @@ void take_argument(percents &found, std::size_t position, taken takes, counter &
 }
 
 void add_conversion(percents &found, std::string_view written, const conversion &read,
-                    counter &count)
+                    argument_count &count)
 {
     for (std::size_t i = 0; i < read.stars; ++i)
         take_argument(found, read.star_positions[i], {argument::whole, width::plain}, count);
@@ -201,7 +201,7 @@ void add_conversion(percents &found, std::string_view written, const conversion 
 percents read_percents(std::string_view text, const percents *known)
 {
     percents found;
-    counter count;
+    argument_count count;
     const name_set symbols(known == nullptr ? std::vector<std::string_view>() : known->symbols);
     for (std::size_t at = text.find('%'); at < text.size(); at = text.find('%', at)) {
         const std::string_view rest = text.substr(at);

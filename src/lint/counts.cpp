@@ -1,6 +1,7 @@
 #include "lint/counts.h"
 
 #include "lint/item-case.h"
+#include "source/entry.h"
 
 #include <algorithm>
 #include <array>
@@ -13,28 +14,30 @@ namespace zel::lint {
 
 namespace {
 
-enum byte_kind : unsigned char { begins_word, middle, blank, wide, perhaps_wide };
+// What a byte of UTF-8 does to the counts.
+enum byte_kind : unsigned char { begins_word, middle, space, wide, perhaps_wide };
 
-constexpr std::array<byte_kind, 256> make_kinds()
+constexpr std::array<byte_kind, 256> make_byte_kinds()
 {
-    std::array<byte_kind, 256> kinds{};
-    for (unsigned c = 0; c < kinds.size(); ++c)
-        kinds[c] = c <= ' ' ? blank : (c & 0xC0) == 0x80 ? middle : begins_word;
+    std::array<byte_kind, 256> byte_kinds{};
+    for (unsigned c = 0; c < byte_kinds.size(); ++c)
+        byte_kinds[c] = c <= ' ' ? space : (c & 0xC0) == 0x80 ? middle : begins_word;
     for (unsigned c = 0xE4; c <= 0xE9; ++c) // U+4000 to U+9FFF
-        kinds[c] = wide;
-    kinds[0xE3] = perhaps_wide; // U+3000 to U+3FFF, of which the first 64 are punctuation
-    return kinds;
+        byte_kinds[c] = wide;
+    byte_kinds[0xE3] = perhaps_wide; // U+3000 to U+3FFF, of which the first 64 are punctuation
+    return byte_kinds;
 }
-constexpr auto kinds = make_kinds();
+constexpr auto byte_kinds = make_byte_kinds();
 static_assert(std::endian::native == std::endian::little, "the byte before is the one below");
 
 // Byte by byte.
+// Where a script sets no blanks every character counts as a word.
 amount measure_wide(std::string_view text)
 {
     amount found;
     bool in_word = false;
     for (std::size_t i = 0; i < text.size(); ++i) {
-        const byte_kind kind = kinds[static_cast<unsigned char>(text[i])];
+        const byte_kind kind = byte_kinds[static_cast<unsigned char>(text[i])];
         if (kind == middle)
             continue;
         ++found.characters;
@@ -46,7 +49,7 @@ amount measure_wide(std::string_view text)
         in_word = false;
         const bool punctuation =
             kind == perhaps_wide && i + 1 < text.size() && text[i + 1] == '\x80';
-        found.words += kind != blank && !punctuation ? 1U : 0U;
+        found.words += kind != space && !punctuation ? 1U : 0U;
     }
     return found;
 }
@@ -97,7 +100,7 @@ void counter::take_reference(const item_t *item)
     reference_ = name_of(item->name);
     for (const lang_entry_t *entry : each<lang_entry_t>(item->langs))
         if (same_language(entry->lang, default_lang_)) {
-            const std::string_view text = join(entry->texts, reference_buffer_);
+            const std::string_view text = look_at_text(entry->texts, reference_buffer_);
             if (!is_blank_text(text))
                 reference_ = text;
             break;
@@ -114,6 +117,7 @@ void counter::count(std::size_t i, std::string_view own, const item_t *item)
         language.left.add(reference_amount_);
         return;
     }
+    // A text that equals the reference is measured already; many are, in a new language.
     ++language.translated;
     const bool same = own == reference_;
     language.same += same && !language.is_reference ? 1U : 0U;
@@ -135,9 +139,10 @@ void counter::add(const item_t *item)
         if (i == languages_.size() || seen_in_[i] == counts.used)
             continue;
         seen_in_[i] = counts.used;
-        count(i, join(entry->texts, buffer_), item);
+        count(i, look_at_text(entry->texts, buffer_), item);
     }
     for (std::size_t i = 0; i < languages_.size(); ++i)
+        // Numbers of items instead of a flag: nothing has to be cleared between two items.
         if (seen_in_[i] != counts.used) {
             ++counts.languages[i].missing;
             counts.languages[i].left.add(reference_amount_);
@@ -161,13 +166,17 @@ amount measure(std::string_view text)
         const std::size_t there = std::min<std::size_t>(8, text.size() - at);
         std::uint64_t x = ones * ' ';
         std::memcpy(&x, text.data() + at, there);
+        // A lead byte from 0xE3 on may begin a wide character: then the slow way decides.
         const std::uint64_t from_e0 = x & x << 1 & x << 2 & tops;
         if ((from_e0 & (x << 3 | x << 4 | x << 5 | (x << 6 & x << 7))) != 0)
             return measure_wide(text);
+        // Bytes 10xxxxxx continue a character, so they are none of their own.
         const std::uint64_t middles = x & ~(x << 1) & tops;
+        // Every byte above a blank, also those with the top bit, belongs to a word.
         const std::uint64_t words = (((x & ~tops) + ones * (0x7F - ' ')) | x) & tops;
         const std::uint64_t blanks = ~words & tops;
         found.characters += there - count(middles);
+        // A word begins where the byte before it is a blank.
         found.words += count(words & (blanks << 8 | blank_before));
         blank_before = blanks >> 56;
     }

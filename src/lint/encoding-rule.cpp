@@ -1,5 +1,6 @@
 #include "lint/item-case.h"
 #include "lint/rule-list.h"
+#include "source/entry.h"
 
 #include <cstdio>
 
@@ -66,7 +67,8 @@ void judge_entries(const item_case &at, GList *entries, const char *what)
 {
     std::string buffer;
     for (const lang_entry_t *entry : each<lang_entry_t>(entries)) {
-        const std::string fault = fault_of(at.item, look_at(join(entry->texts, buffer)), {});
+        const std::string fault =
+            fault_of(at.item, look_at(look_at_text(entry->texts, buffer)), {});
         if (!fault.empty())
             at.found.say(rule_id::encoding, entry->lang, entry,
                          std::string(what) + " holds " + fault);

@@ -21,11 +21,14 @@ enum class rule_id : std::uint8_t {
     duplicate,
     undefined,
     adjacent,
+    unknown,
+    unread,
     missing,
     empty,
     markup,
     mnemonic,
     blank,
+    item_end,
     ending,
     bidi,
     bracket,
@@ -37,7 +40,8 @@ enum class rule_id : std::uint8_t {
     consistency,
     collision,
     unused,
-    not_ready
+    not_ready,
+    unasked
 };
 
 // A set of rules, a bit each.

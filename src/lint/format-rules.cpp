@@ -29,6 +29,7 @@ std::string_view first_other(const std::vector<std::string_view> &names,
     return found == names.end() ? std::string_view() : *found;
 }
 
+// The gravest fault is told, and only that: the others often follow from it.
 bool judge_conversions(const percents &own, const percents &expected, std::string &message)
 {
     if (own.writes) {
@@ -48,6 +49,7 @@ bool judge_conversions(const percents &own, const percents &expected, std::strin
 bool judge_forms(const text_case &at, std::string &message)
 {
     const std::vector<std::string_view> reference = read_forms(at.reference.bytes);
+    // The last form has every argument; the singular may write its number out.
     const percents last = read_percents(reference.back());
     const bool may_have_none =
         std::any_of(reference.begin(), reference.end(),
@@ -71,6 +73,7 @@ bool judge_format(const text_case &at, std::string &message)
     if (has_plural_forms(at.reference.bytes))
         return judge_forms(at, message);
     const percents expected = expected_by(at);
+    // "100 % sure" is no format: nobody gives such a text to printf.
     if (!expected.is_format())
         return false;
     return judge_conversions(read_percents(at.own.bytes, &expected), expected, message);
@@ -86,6 +89,7 @@ bool judge_symbol(const text_case &at, std::string &message)
     const percents own = read_percents(at.own.bytes, &expected);
     const std::string_view added = first_other(own.symbols, expected.symbols);
     const std::string_view gone = first_other(expected.symbols, own.symbols);
+    // A symbol that the application does not set is shown with its signs, so it is told first.
     if (!added.empty())
         message.append("the item has no symbol \"%").append(added).append("%\"");
     else if (!gone.empty())

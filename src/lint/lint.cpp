@@ -4,6 +4,7 @@
 #include "lint/item-case.h"
 #include "lint/rules.h"
 #include "lint/switch.h"
+#include "source/entry.h"
 
 #include <algorithm>
 #include <utility>
@@ -101,7 +102,7 @@ void linter::work::take_entries(const item_t *item)
         if (i == languages_.size())
             continue;
         if (slots_[i].entry == nullptr)
-            slots_[i] = {entry, look_at(join(entry->texts, buffers_[i])), {}};
+            slots_[i] = {entry, look_at(look_at_text(entry->texts, buffers_[i])), {}};
         else if (wanted_.rules.has(rule_id::duplicate))
             say(rule_id::duplicate, entry->lang, entry,
                 "a second text in the language, which is never used");

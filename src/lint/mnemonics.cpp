@@ -35,11 +35,13 @@ bool is_in_long_word(std::string_view text, std::size_t underscore)
 mnemonics read_mnemonics(std::string_view text)
 {
     mnemonics found;
+    // Labels are short: in a sentence an underscore belongs to a name.
     const bool sentence = std::count(text.begin(), text.end(), ' ') >= 3;
     for (std::size_t at = text.find('_'); at != std::string_view::npos; at = text.find('_', at)) {
         const bool name = sentence && is_in_long_word(text, at);
         if (++at == text.size())
             break;
+        // Two underscores show one.
         const bool pair = text[at] == '_';
         const char32_t c = next_char(text, at);
         if (pair || !(is_letter(c) || is_digit(c)))

@@ -43,6 +43,7 @@ bool judge_repeated(const text_case &at, std::string &message);
 void judge_undefined(const item_case &at);
 void judge_missing(const item_case &at);
 void judge_empty(const item_case &at);
+void judge_item_end(const item_case &at);
 void judge_unused(const item_case &at);
 void judge_not_ready(const item_case &at);
 

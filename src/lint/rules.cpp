@@ -32,6 +32,10 @@ constexpr rule table[] = {
     {adjacent, "adjacent", error,
      "a request in the code whose text is in pieces of which only the first is read (--code)",
      scope::alone, nullptr, nullptr},
+    {unknown, "unknown", error, "the code asks for an item that the source does not have (--code)",
+     scope::alone, nullptr, nullptr},
+    {unread, "unread", error, "a request in the code that the check cannot read (--code)",
+     scope::alone, nullptr, nullptr},
     {missing, "missing", warning, "there is no text in the language", scope::alone, nullptr,
      judge_missing},
     {empty, "empty", warning, "there is a text, but nothing in it", scope::alone, nullptr,
@@ -43,6 +47,8 @@ constexpr rule table[] = {
      scope::reference, judge_mnemonic, nullptr},
     {blank, "blank", warning, "blanks and line ends at the two ends differ", scope::reference,
      judge_blank, nullptr},
+    {item_end, "item-end", warning, "an item ends in white space, which its texts cannot",
+     scope::alone, nullptr, judge_item_end},
     {ending, "ending", warning, "the sign at the end differs", scope::reference, judge_ending,
      nullptr},
     {bidi, "bidi", warning, "a character that turns the text around is not closed", scope::alone,
@@ -67,8 +73,11 @@ constexpr rule table[] = {
      judge_unused},
     {not_ready, "not-ready", info, "the item is not marked ready", scope::alone, nullptr,
      judge_not_ready},
+    {unasked, "unasked", info, "no file of the code asks for the item (--code)", scope::alone,
+     nullptr, nullptr},
 };
 
+// Findings index the table by their id, and the list of "--rules" shows the gravest first.
 constexpr bool is_good()
 {
     for (std::size_t i = 0; i < std::size(table); ++i) {
@@ -82,7 +91,7 @@ constexpr bool is_good()
     return true;
 }
 static_assert(is_good(), "rows stand in the order of their ids and levels, no name twice");
-static_assert(std::size(table) == static_cast<std::size_t>(not_ready) + 1);
+static_assert(std::size(table) == static_cast<std::size_t>(unasked) + 1);
 
 } // namespace
 

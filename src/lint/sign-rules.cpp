@@ -203,6 +203,7 @@ bool means_the_same(const text_end &own, const text_end &reference, std::string_
 {
     if (own.means == reference.means || (is_statement(own.means) && is_statement(reference.means)))
         return true;
+    // Greek asks with a semicolon.
     if (own.means == sign::semicolon && reference.means == sign::question)
         return has_greek(text);
     if (own.means == sign::none && reference.means == sign::colon)
@@ -234,6 +235,7 @@ char bracket_of(char32_t c)
 // The first bracket without its other half; 0 when there is none.
 char find_unpaired(std::string_view bytes)
 {
+    // The brackets that wait for their other half.
     std::string open;
     for (std::size_t at = 0; at < bytes.size();) {
         const char bracket = bracket_of(next_char(bytes, at));
@@ -259,6 +261,7 @@ bool judge_blank(const text_case &at, std::string &message)
         return false;
     const ends own = ends_of(at.own.bytes);
     const ends reference = ends_of(at.reference.bytes);
+    // Between its blanks, to see whether the text begins or ends with a wide sign.
     const std::string_view inside = at.own.bytes.substr(
         own.before.size(), at.own.bytes.size() - own.before.size() - own.after.size());
     std::size_t last = inside.size();
@@ -316,6 +319,7 @@ bool judge_bracket(const text_case &at, std::string &message)
     if (!at.own.has(has_bracket))
         return false;
     const char unpaired = find_unpaired(at.own.bytes);
+    // A reference like "a) first" has none either.
     if (unpaired == '\0' || find_unpaired(at.reference.bytes) != '\0')
         return false;
     message.append("a \"").append(1, unpaired).append("\" has no other half");

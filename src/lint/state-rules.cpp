@@ -1,5 +1,8 @@
 #include "lint/item-case.h"
 #include "lint/rule-list.h"
+#include "support/text.h"
+
+#include <algorithm>
 
 namespace zel::lint {
 
@@ -29,6 +32,17 @@ void judge_empty(const item_case &at)
         if (at.slots[i].entry != nullptr && at.slots[i].own.is_blank())
             at.found.say(rule_id::empty, at.languages[i].name, at.slots[i].entry,
                          "the text is empty");
+}
+
+// What the program shows itself would lose its end with the first text, in whatever language.
+void judge_item_end(const item_case &at)
+{
+    const std::string_view name = name_of(at.item->name);
+    if (at.item->used != 0 && !name.empty() && is_space(name.back()) &&
+        !std::all_of(name.begin(), name.end(), is_space))
+        at.found.say(rule_id::item_end, nullptr, at.item,
+                     "white space at the end of the item, which no text keeps: take it out of the "
+                     "item and print it beside the text");
 }
 
 void judge_unused(const item_case &at)

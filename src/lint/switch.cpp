@@ -2,6 +2,7 @@
 
 #include "lint/rules.h"
 #include "lint/text.h"
+#include "source/entry.h"
 
 namespace zel::lint {
 
@@ -27,7 +28,7 @@ rule_set read_switches(const lang_entry_t *comment)
 {
     constexpr std::string_view mark = "lint:";
     std::string buffer;
-    std::string_view text = join(comment->texts, buffer);
+    std::string_view text = look_at_text(comment->texts, buffer);
     rule_set off;
     for (auto at = text.find(mark); at != std::string_view::npos; at = text.find(mark)) {
         text.remove_prefix(at + mark.size());

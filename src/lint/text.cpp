@@ -35,8 +35,10 @@ constexpr std::uint16_t kind_of(unsigned char c)
     case '\n':
     case '\r':
         return has_blank;
+    // The first byte of general punctuation: signs that turn a text around, brackets, dots.
     case 0xE2:
         return has_high | has_general | has_bracket;
+    // Those of the wide brackets.
     case 0xE3:
     case 0xEF:
         return has_high | has_bracket;
@@ -73,22 +75,6 @@ text look_at(std::string_view bytes)
     return {bytes, holds};
 }
 
-std::string_view join(GList *strings, std::string &buffer)
-{
-    const auto bytes = [](const GList *node) {
-        const char *line = static_cast<const char *>(node->data);
-        return line == nullptr ? std::string_view() : std::string_view(line);
-    };
-    if (strings == nullptr)
-        return {};
-    if (strings->next == nullptr)
-        return bytes(strings);
-    buffer.clear();
-    for (const GList *node = strings; node != nullptr; node = node->next)
-        buffer += bytes(node);
-    return buffer;
-}
-
 char32_t next_char(std::string_view bytes, std::size_t &at)
 {
     const auto lead = static_cast<unsigned char>(bytes[at]);
@@ -108,11 +94,13 @@ char32_t next_char(std::string_view bytes, std::size_t &at)
 
 char32_t last_char(std::string_view bytes, std::size_t &at)
 {
+    // Back to the lead byte, but no further than a character is long.
     std::size_t start = --at;
     while (start > 0 && at - start < 3 && is_middle(bytes[start]))
         --start;
     std::size_t end = start;
     const char32_t c = next_char(bytes, end);
+    // What was read does not end here: the byte belongs to no character.
     if (end != at + 1)
         return 0xFFFD;
     at = start;

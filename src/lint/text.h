@@ -39,10 +39,6 @@ struct text {
 
 text look_at(std::string_view bytes);
 
-// The strings of a text, which belong together without anything between them. A single one is not
-// copied, more are put together in the buffer.
-std::string_view join(GList *strings, std::string &buffer);
-
 // The character at the position, which moves behind it; U+FFFD, one byte on, for bytes that are no
 // UTF-8.
 char32_t next_char(std::string_view bytes, std::size_t &at);

@@ -58,6 +58,7 @@ std::string_view find_repeated(std::string_view bytes, bool with_signs)
             ++at;
         const std::string_view written = bytes.substr(start, at - start);
         const std::string_view word = with_signs ? written : without_signs(written);
+        // Across line ends too: that is where one types a word again.
         if (word.size() == before.size() && word == before && !word.empty())
             return word;
         before = word;
@@ -71,6 +72,7 @@ bool judge_length(const text_case &at, std::string &message)
 {
     constexpr std::size_t short_text = 10;
     if (at.reference.bytes.size() <= short_text ||
+        // No text has more characters than bytes: most end here, uncounted.
         at.own.bytes.size() <= 2 * count_chars(at.reference.bytes))
         return false;
     std::size_t reference = count_chars(at.reference.bytes);

@@ -32,6 +32,7 @@ struct comparison {
     }
 };
 
+// Tells each field of a record that has changed, by the name of its row.
 template <class T>
 void compare_fields(const comparison &about, std::span<const field<T>> rows, const T &before,
                     const T &after)
@@ -45,6 +46,7 @@ void compare_fields(const comparison &about, std::span<const field<T>> rows, con
 template <class T, class One>
 void for_pairs(GList *before, GList *after, One one)
 {
+    // Nearly always nothing was added, removed or moved: then no name is looked up.
     if (same_names<T>(before, after)) {
         for (; before != nullptr; before = before->next, after = after->next)
             one(static_cast<T *>(before->data), static_cast<T *>(after->data));
@@ -64,12 +66,16 @@ void for_pairs(GList *before, GList *after, One one)
         pairs[at].second = static_cast<T *>(after->data);
         after = after->next;
     }
+    // What was removed stands between the neighbours that it had, so that a reader finds it.
     for (const std::uint32_t at : weave(old_numbers, new_numbers, numbers.count()))
         one(pairs[at].first, pairs[at].second);
 }
 
+// A record that only one of the two sources has.
 change how_of(const void *before) { return before == nullptr ? change::added : change::removed; }
 
+// Texts and comments: one entry for each language. A text counts as a whole, however it is cut into
+// lines.
 void compare_entries(comparison about, const char *field, GList *before, GList *after)
 {
     for_pairs<lang_entry_t>(before, after, [&](lang_entry_t *old_one, lang_entry_t *new_one) {
@@ -82,6 +88,7 @@ void compare_entries(comparison about, const char *field, GList *before, GList *
     });
 }
 
+// Places have no order that means something: only what came and what went is told.
 void compare_places(const comparison &about, GList *before, GList *after)
 {
     if (same_strings(before, after))
@@ -99,6 +106,7 @@ void compare_places(const comparison &about, GList *before, GList *after)
             about.say_one(change::removed, "place",
                           {field_value::text, std::string(old_names[at])});
     for (std::size_t at = 0; at < new_names.size(); ++at)
+        // A number beyond those of the first list is a name that only the second one has.
         if (new_numbers[at] >= old_names.size())
             about.say_one(change::added, "place", {field_value::text, std::string(new_names[at])});
 }
@@ -109,6 +117,7 @@ void compare_both_items(comparison about, item_t &before, item_t &after)
     compare_fields<item_t>(about, item_fields, before, after);
     compare_entries(about, "text", before.langs, after.langs);
     compare_entries(about, "comment", before.comments, after.comments);
+    // The writer leaves out the places of an item that is not used, and so do we.
     if (about.with_places)
         compare_places(about, before.used != 0 ? before.used_in : nullptr,
                        after.used != 0 ? after.used_in : nullptr);

@@ -19,6 +19,8 @@ public:
         skip_to_byte();
     }
 
+    // The writer drops the blank end of a text: what differs only there is the same text on the
+    // disk.
     bool only_blanks() const
     {
         text_walk rest = *this;
@@ -28,6 +30,7 @@ public:
     }
 
 private:
+    // Strings may be empty, and null; the walk stands on a byte or at the end.
     void skip_to_byte()
     {
         while (*at_ == '\0' && node_ != nullptr) {
@@ -55,19 +58,10 @@ std::pair<text_walk, text_walk> behind_common(GList *a, GList *b)
 
 } // namespace
 
-void append_texts(std::string &out, GList *texts)
-{
-    for (const char *text : each<char>(texts))
-        out += view_of(text);
-}
-
+// A missing entry has no value; an empty one has the empty text.
 field_value value_of(const lang_entry_t *entry)
 {
-    if (entry == nullptr)
-        return {};
-    field_value value{field_value::text, {}};
-    append_texts(value.shown, entry->texts);
-    return value;
+    return entry == nullptr ? field_value{} : field_value{field_value::text, text_of(entry)};
 }
 
 bool same_strings(GList *a, GList *b)
@@ -78,6 +72,7 @@ bool same_strings(GList *a, GList *b)
     return a == b;
 }
 
+// Most texts are cut into the same lines: comparing those first saves the walk by bytes.
 bool same_text(GList *a, GList *b)
 {
     if (same_strings(a, b))

@@ -8,12 +8,10 @@
 #include <string>
 #include <string_view>
 
+#include "source/entry.h"
 #include "source/model.h"
-#include "support/text.h"
 
 namespace zel {
-
-inline std::string_view view_of(const char *text) { return or_empty(text); }
 
 // Words for the values of a mark, the last one for all that are greater.
 struct mark_words {
@@ -113,9 +111,6 @@ field_value value_of(const field<T> &row, const T &record)
         return {field_value::word, mark_of(row, record)};
     return {field_value::text, std::string(text_of(row, record))};
 }
-
-// Appends all strings of a list.
-void append_texts(std::string &out, GList *texts);
 
 // The whole text of an entry, which may be null.
 field_value value_of(const lang_entry_t *entry);

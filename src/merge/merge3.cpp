@@ -17,12 +17,14 @@ std::optional<std::string> copy_of(const char *name)
     return name == nullptr ? std::nullopt : std::optional<std::string>(name);
 }
 
+// Whoever changed a time wins; of two changes the later one is the newer work.
 std::int64_t merged_stamp(std::int64_t base, std::int64_t ours, std::int64_t theirs)
 {
     return ours == base ? theirs : theirs == base ? ours : std::max(ours, theirs);
 }
 
 template <class T>
+// Strings are exchanged, not copied: the record of theirs is released after the merge.
 void take(const field<T> &row, T &ours, T &theirs)
 {
     if (row.number != nullptr)
@@ -84,6 +86,7 @@ bool matters(const difference &found)
     return true;
 }
 
+// The languages that the merge left out.
 void release_languages(GList *langs)
 {
     if (langs != nullptr) // it logs
@@ -107,6 +110,7 @@ struct merging {
     const char *item = nullptr;
     const char *language = nullptr;
 
+    // What both sides added is merged as if it had begun as a new record.
     const item_t new_item = fresh_record(alloc_item);
     const edit_t new_group = fresh_record(lang_alloc_edit);
     const lang_t new_language = fresh_record(alloc_lang);
@@ -135,6 +139,7 @@ struct merging {
 // A conflict. Whether theirs is taken.
 bool merging::settle(const char *field, field_value ours, field_value theirs)
 {
+    // With a preference nothing is left open, so nothing is noted and no mark is taken away.
     if (prefer == side::neither) {
         in_conflict = true;
         conflicts.push_back({copy_of(group), copy_of(item), copy_of(language), field,
@@ -148,6 +153,7 @@ bool merging::note_removed(const difference &found, bool by_them)
 {
     if (found.item != nullptr && !matters(found))
         return false;
+    // The comparison names the language of its finding only for the time of this call.
     const char *before = std::exchange(language, found.language);
     if (by_them)
         settle(found.field, found.after, {});
@@ -167,6 +173,7 @@ template <class T>
 void merging::merge_fields(std::span<const field<T>> rows, const T &base, T &ours, T &theirs)
 {
     for (const field<T> &row : rows) {
+        // Ours stays: both say the same, or only we have changed it.
         if (agree(row, ours, theirs) || agree(row, theirs, base))
             continue;
         if (agree(row, ours, base) ||
@@ -182,6 +189,7 @@ lang_entry_t *merging::merge_entry(const char *field, lang_entry_t *base, lang_e
     if (same_entry(ours, theirs))
         return ours;
     bool as_theirs = false;
+    // Both mean the same: the lines are cut as the side has it that touched them.
     if (same_meaning(ours, theirs)) {
         as_theirs = same_entry(ours, base);
     } else if (same_meaning(ours, base)) {
@@ -193,6 +201,7 @@ lang_entry_t *merging::merge_entry(const char *field, lang_entry_t *base, lang_e
     }
     if (!as_theirs)
         return ours;
+    // The list takes over a whole entry, or drops ours.
     if (ours == nullptr || theirs == nullptr)
         return theirs;
     std::swap(ours->texts, theirs->texts);
@@ -211,6 +220,7 @@ void merging::merge_use(const item_t &base, item_t &ours, item_t &theirs)
 {
     if (same_use(ours, theirs) || same_use(theirs, base))
         return;
+    // A side that found the item in the code is right: the other one checked other files.
     if (same_use(ours, base) || ours.used == 0) {
         ours.used = theirs.used;
         std::swap(ours.used_in, theirs.used_in);
@@ -223,12 +233,14 @@ void merging::merge_both_items(const item_t &base, item_t &ours, item_t &theirs)
 {
     in_conflict = false;
     merge_use(base, ours, theirs);
+    // The table of fields has "used" too, for comparisons; here the places have decided it.
     const std::uint32_t used = ours.used;
     merge_fields<item_t>(item_fields, base, ours, theirs);
     ours.used = used;
     ours.ctime = merged_stamp(base.ctime, ours.ctime, theirs.ctime);
     merge_entries("text", base.langs, ours.langs, theirs.langs);
     merge_entries("comment", base.comments, ours.comments, theirs.comments);
+    // Nobody has approved the text that the conflict leaves: somebody must look.
     if (in_conflict)
         ours.ready = 0;
 }
@@ -275,6 +287,8 @@ edit_t *merging::merge_removed_group(edit_t *base, edit_t *ours, edit_t *theirs)
     compare_groups(base, left, [&](const difference &found) {
         conflicting = note_removed(found, ours != nullptr) || conflicting;
     });
+    // The items are merged against an empty list: each is either untouched and goes, or has
+    // something new and stays.
     GList *nothing = nullptr;
     if (ours != nullptr) {
         merge_items(base->items, left->items, nothing);

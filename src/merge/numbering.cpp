@@ -39,6 +39,8 @@ void numbering::take(std::uint32_t first, std::uint32_t at)
     keys_[first].free_for = list_;
 }
 
+// The number of the next free record of that name. A list may hold a name several times: the n-th
+// meets the n-th of the other lists.
 std::uint32_t numbering::number_one(std::string_view name)
 {
     const std::uint32_t first = find(name);
@@ -60,6 +62,7 @@ std::vector<std::uint32_t> numbering::number(std::span<const std::string_view> n
     std::vector<std::uint32_t> numbers;
     numbers.reserve(names.size());
     const auto done = [&] { return static_cast<std::uint32_t>(numbers.size()); };
+    // The first list names everything: its numbers are its positions.
     if (++list_ == 1) {
         for (const std::string_view name : names) {
             numbers.push_back(count());
@@ -83,6 +86,7 @@ std::vector<std::uint32_t> numbering::number(std::span<const std::string_view> n
 std::vector<std::uint32_t> weave(std::span<const std::uint32_t> first,
                                  std::span<const std::uint32_t> second, std::uint32_t count)
 {
+    // Nothing moved: the usual case, and the only one without tables.
     if (std::ranges::equal(first, second))
         return {first.begin(), first.end()};
     constexpr std::uint32_t none = UINT32_MAX;
@@ -113,6 +117,7 @@ std::vector<std::uint32_t> weave(std::span<const std::uint32_t> first,
     std::vector<std::uint32_t> order;
     order.reserve(first.size() + own.size());
     auto next = own.begin();
+    // The first list in its order, and behind each of its records what the second one added there.
     for (std::uint32_t at = 0; at <= first.size(); ++at) {
         if (at > 0)
             order.push_back(first[at - 1]);

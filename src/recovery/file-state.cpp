@@ -34,6 +34,7 @@ std::string hash_of_file(int fd)
     }
 }
 
+// What the system tells of a file without reading it.
 void take_stamps(zel::file_state &state, const struct stat &status)
 {
     state.size = status.st_size;
@@ -71,6 +72,7 @@ file_state state_of(const char *path)
 file_news news_of(const char *path, file_state &known)
 {
     struct stat status {};
+    // A file that cannot be looked at has no news: only one that is gone counts as gone.
     if (stat(path, &status) != 0)
         return known.is_there && errno == ENOENT ? file_news::gone : file_news::same;
     if (known.is_there && same_stamps(known, status))
@@ -78,6 +80,7 @@ file_news news_of(const char *path, file_state &known)
     const file_state now = state_of(path);
     if (!now.is_there)
         return file_news::same; // whoever wants to use it will hear why it cannot be read
+    // Other stamps with the same bytes are no news: a copy was put back, or somebody touched it.
     if (!known.same_text(now))
         return file_news::changed;
     known = now;

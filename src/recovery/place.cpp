@@ -17,6 +17,7 @@
 
 namespace {
 
+// The log says why there is no folder; the editor goes on without recovery files.
 std::string refuse(const std::string &folder, const char *why)
 {
     LogPrint(1, "recovery: ERROR no recovery files in >%s<: %s\n", folder.c_str(), why);
@@ -37,6 +38,7 @@ std::string absolute_path(const char *source)
 {
     std::error_code error;
     std::filesystem::path path = std::filesystem::weakly_canonical(or_empty(source), error);
+    // A folder on the way that cannot be searched: the name as it was typed will have to do.
     if (error)
         path = std::filesystem::absolute(or_empty(source), error);
     return error ? std::string(or_empty(source)) : path.string();
@@ -63,6 +65,7 @@ std::string recovery_folder()
         return refuse(folder, "it is no folder");
     if (status.st_uid != geteuid())
         return refuse(folder, "it is somebody else's");
+    // Texts that nobody has published yet are no business of other users.
     if ((status.st_mode & 0077) != 0 && chmod(folder.c_str(), 0700) != 0)
         return refuse(folder, std::strerror(errno));
     return folder;
@@ -70,6 +73,7 @@ std::string recovery_folder()
 
 std::string name_of_source(const std::string &absolute)
 {
+    // The hash tells sources of one name in different folders apart, the tail is for people.
     constexpr std::size_t hash_digits = 16;
     constexpr std::size_t longest_tail = 60;
     gchar *hash = g_compute_checksum_for_string(G_CHECKSUM_SHA256, absolute.c_str(), -1);

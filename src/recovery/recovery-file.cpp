@@ -22,6 +22,7 @@
 
 namespace {
 
+// A recovery file is a source, so that every tool reads it, with a comment on top that says whose.
 constexpr std::string_view ending = ".lang-src";
 constexpr std::string_view declined_ending = ".declined.lang-src";
 constexpr const char *first_line =
@@ -137,6 +138,7 @@ namespace zel {
 
 std::string recovery_path(const std::string &folder, const std::string &absolute, std::int64_t now)
 {
+    // Two windows of one process, or two files within a second, get two names.
     static int count;
     return folder + "/" + name_of_source(absolute) + "." + std::to_string(now) + "-" +
            std::to_string(getpid()) + "-" + std::to_string(++count) + std::string(ending);
@@ -156,6 +158,7 @@ std::vector<recovery_file> find_recovery_files(const std::string &folder,
         file.declined = name.ends_with(declined_ending);
         if (!name.starts_with(begin) || name == begin + "lock")
             continue;
+        // A name with something behind its ending is that of a file half written.
         if (!name.ends_with(ending))
             remove_leftover(at->path());
         if (!name.ends_with(ending) || is_in_use(process_of(name, begin.size())) ||
@@ -166,6 +169,7 @@ std::vector<recovery_file> find_recovery_files(const std::string &folder,
         else
             LogPrint(1, "recovery: ERROR %s lacks its end\n", file.path.c_str());
     }
+    // What the user has declined once is offered last, the newest first.
     std::sort(found.begin(), found.end(), [](const recovery_file &a, const recovery_file &b) {
         return a.declined != b.declined ? b.declined : a.written > b.written;
     });
@@ -213,7 +217,9 @@ bool recovery_writer::step(std::size_t items)
         return false;
     }
     g_atomic_int_set(&working_, 1);
+    // Syncing may take seconds on a slow disk, and somebody is typing.
     thread_ = g_thread_try_new("recovery", work, this, nullptr);
+    // Without a thread the window waits, which is better than no recovery file.
     if (thread_ == nullptr)
         put_away();
     return false;
@@ -244,6 +250,8 @@ void recovery_writer::join()
     thread_ = nullptr;
 }
 
+// Called when the process ends, also from a signal: alone means that the other threads are gone,
+// so there is nobody to wait for.
 int recovery_writer::finish(bool alone)
 {
     if (!alone)

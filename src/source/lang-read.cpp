@@ -6,6 +6,7 @@
 #include "support/log-print.h"
 #include "support/string-copy.h"
 #include "support/string.h"
+#include "support/text.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -67,6 +68,8 @@ private:
     source_guard source_;
     zel_lex_guard lex_;
     unsigned failed_before_ = 0;
+    read_how hearing_; // as was given, and loses_text_ is set
+    bool loses_text_ = false;
     zel_lex_buf_guard buf_;
     std::optional<zel::statement_reader> reader_;
     outcome result_ = outcome::go_on;
@@ -86,7 +89,13 @@ reading::reading(const char *path, const read_how &how) : shown_(path == nullptr
         return;
     }
     failed_before_ = zel::failed_copies();
-    reader_.emplace(zel::source_reader{lex_.get(), shown_, how}, source_.get());
+    hearing_ = how;
+    hearing_.listener = [this, &how](const zel::read_message &message) {
+        loses_text_ = loses_text_ || message.row->number == zel::read_nul_byte;
+        if (how.listener)
+            how.listener(message);
+    };
+    reader_.emplace(zel::source_reader{lex_.get(), shown_, hearing_}, source_.get());
     buf_.reset(open_input(path, how.text));
     if (buf_ == nullptr) {
         const int error = errno;
@@ -122,6 +131,9 @@ void reading::end()
         cause_ = read_cause::memory;
         if (result_ == outcome::go_on)
             not_read(zel::read_not_opened, 0, read_cause::memory);
+    } else if (loses_text_ && hearing_.to_write && result_ == outcome::go_on) {
+        result_ = outcome::give_up;
+        cause_ = read_cause::unreadable;
     }
 }
 
@@ -183,6 +195,25 @@ read_answer read_source(const char *path, const read_how &how)
     return run.answer();
 }
 
+source_guard read_for_command(const char *path, bool to_write)
+{
+    note_source_directory(path);
+    read_answer answer =
+        read_source(path, {lang_global.start_time, print_read_message, nullptr, {}, to_write});
+    if (answer.result == read_result::stopped) {
+        say_stopped();
+        lang_exit(0);
+    }
+    say_no_memory(path, answer);
+    return std::move(answer.source);
+}
+
+void say_no_memory(const char *path, const read_answer &answer)
+{
+    if (answer.cause == read_cause::memory)
+        std::fprintf(stderr, "lang: %s: not enough memory\n", or_empty(path));
+}
+
 struct source_reading::state {
     std::string path;
     read_how how;
@@ -204,12 +235,5 @@ read_answer source_reading::answer() { return state_->run.answer(); }
 
 LangSource *lang_read_file(const char *path)
 {
-    zel::note_source_directory(path);
-    zel::read_answer answer =
-        zel::read_source(path, {lang_global.start_time, zel::print_read_message, nullptr});
-    if (answer.result == zel::read_result::stopped) {
-        zel::say_stopped();
-        lang_exit(0);
-    }
-    return answer.source.release();
+    return zel::read_for_command(path, false).release();
 }

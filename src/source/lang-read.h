@@ -33,7 +33,8 @@ enum class read_result {
 enum class read_cause {
     none,
     absent,     // there is no such file, or no path was given
-    unreadable, // it is there and could not be opened or read through
+    unreadable, // it is there and could not be opened or read through, or, to be written, is one
+                // that would lose something
     memory,
     syntax
 };
@@ -73,10 +74,16 @@ void note_source_directory(const char *path);
 // What a command says after a stopped read, before it ends.
 void say_stopped();
 
+// One line on standard error, if that was the cause.
+void say_no_memory(const char *path, const read_answer &answer);
+
+// read_source for commands: messages are printed by print_read_message, the source's directory is
+// noted, a stopped read ends the process. Null when the file cannot be read.
+source_guard read_for_command(const char *path, bool to_write);
+
 } // namespace zel
 
-// read_source for commands: messages are printed on standard output, the source's directory is
-// noted, a stopped read ends the process. Null when the file cannot be read; owned by the caller.
+// read_for_command, not to be written over; owned by the caller.
 [[nodiscard]] LangSource *lang_read_file(const char *path);
 
 // Reads one entry after LANG or COMMENT and appends it to the list: 0, or -1 after a message.

@@ -2,6 +2,7 @@
 
 #include "app/global.h"
 #include "source/write-text.h"
+#include "support/held-file.h"
 #include "support/log-print.h"
 #include "support/safe-file.h"
 #include "support/text.h"
@@ -15,29 +16,54 @@ namespace {
 
 constexpr const char *temporary = "lang.tmp";
 
-std::FILE *messages_of(const zel::write_how &how)
-{
-    return how.messages == nullptr ? stdout : how.messages;
-}
+// What a save says of itself, and what it answers when it cannot be done.
+class telling {
+public:
+    telling(const char *path, const zel::write_how &how)
+        : path_(path), to_(how.messages == nullptr ? stdout : how.messages)
+    {
+    }
 
-int say_not_backed_up(std::FILE *to, const char *path, const std::string &backup, int error)
-{
-    std::fprintf(to, "lang_write_file(1): error(%d) rename %s to %s\n", error, path,
-                 backup.c_str());
-    return 1;
-}
+    zel::write_answer not_backed_up(const std::string &backup, int error) const
+    {
+        std::fprintf(to_, "lang_write_file(1): error(%d) rename %s to %s\n", error, path_,
+                     backup.c_str());
+        return failed(1, error, std::strerror(error));
+    }
+    zel::write_answer refused(const zel::target_file &old, std::int64_t now) const
+    {
+        std::fprintf(to_, "lang_write_file(1): error(%d) rename %s to %s\n", old.refusal, path_,
+                     zel::backup_name(old, now).c_str());
+        return failed(1, old.refusal, zel::refusal_text(old.refusal));
+    }
+    zel::write_answer no_temporary_file(int error) const
+    {
+        std::fprintf(to_, "ERROR open output file lang.tmp %s\n", path_);
+        return failed(-1, error,
+                      error == EAGAIN ? "another program holds lang.tmp" : std::strerror(error));
+    }
+    zel::write_answer not_renamed(int error) const
+    {
+        std::fprintf(to_, "lang_write_file(3): error(%d) rename %s to %s\n", error, temporary,
+                     path_);
+        return failed(1, error, std::strerror(error));
+    }
+    void no_turn(int error) const
+    {
+        std::fprintf(stderr, "lang: %s was saved without waiting for others: %s\n", path_,
+                     error == EAGAIN ? "their .lang.lock does not go" : std::strerror(error));
+    }
 
-int say_no_temporary_file(std::FILE *to, const char *path)
-{
-    std::fprintf(to, "ERROR open output file lang.tmp %s\n", path);
-    return -1;
-}
+private:
+    zel::write_answer failed(int code, int error, const char *why) const
+    {
+        std::fprintf(stderr, "lang: %s cannot be saved: %s\n", path_, why);
+        return {code, {}, {}, error, why};
+    }
 
-int say_not_renamed(std::FILE *to, const char *path, int error)
-{
-    std::fprintf(to, "lang_write_file(3): error(%d) rename %s to %s\n", error, temporary, path);
-    return 1;
-}
+    const char *path_;
+    std::FILE *to_;
+};
 
 // Whether the source itself bears the name of the temporary file.
 bool is_temporary_file(const zel::target_file &old)
@@ -61,9 +87,9 @@ void append_source(zel::safe_file &file, const LangSource *source, const char *p
     file.append(out);
 }
 
-// Writes the whole text to a new file and the disk.
-bool write_new_file(zel::safe_file &file, const LangSource *source, const char *path,
-                    const zel::write_how &how, const zel::target_file &old)
+// Writes the whole text to a new file and the disk. 0 or errno.
+int write_new_file(zel::safe_file &file, const LangSource *source, const char *path,
+                   const zel::write_how &how, const zel::target_file &old)
 {
     const int made = is_temporary_file(old) ? file.create_beside(old) : file.create(temporary, old);
     if (made == 0)
@@ -72,35 +98,43 @@ bool write_new_file(zel::safe_file &file, const LangSource *source, const char *
     if (error != 0)
         LogPrint(1, "lang_write_file: ERROR(%d) %s write %s\n", error, std::strerror(error),
                  temporary);
-    return error == 0;
+    return error;
 }
 
 // Keeps the old file and lets the new one take its place.
-zel::write_answer replace(zel::safe_file &file, const char *path, const zel::write_how &how,
+zel::write_answer replace(zel::safe_file &file, const telling &tell, const zel::write_how &how,
                           const zel::target_file &old)
 {
-    std::FILE *to = messages_of(how);
+    const auto may = [&how] { return !how.may_replace || how.may_replace(); };
+    const int obstacle = how.backup ? zel::backup_obstacle(old) : 0;
+    if (obstacle != 0)
+        return tell.not_backed_up(zel::backup_name(old, how.now), obstacle);
     // What can fail for want of room comes before anything happens to the old file.
     if (const int error = file.approach(old)) {
         file.keep();
-        return {say_not_renamed(to, path, error), {}};
+        return tell.not_renamed(error);
     }
     const zel::folder_turn turn(old.path);
-    if (!turn.is_mine())
-        return {say_no_temporary_file(to, path), {}};
-    if (how.may_replace && !how.may_replace())
+    if (!may())
         return {zel::write_not_allowed, {}};
     zel::backup_file kept;
     if (how.backup)
         kept = zel::make_backup(old, how.now);
     if (kept.error != 0)
-        return {say_not_backed_up(to, path, kept.path, kept.error), {}};
+        return tell.not_backed_up(kept.path, kept.error);
+    // The name may have had to wait for another second, or the turn was taken away.
+    if (!kept.moved && !may()) {
+        zel::undo_backup(kept, old);
+        return {zel::write_not_allowed, {}};
+    }
     if (const int error = file.put(old)) {
         if (how.backup)
             zel::undo_backup(kept, old);
         file.keep();
-        return {say_not_renamed(to, path, error), {}};
+        return tell.not_renamed(error);
     }
+    if (turn.error() != 0)
+        tell.no_turn(turn.error());
     return {0, std::move(kept.path), file.id()};
 }
 
@@ -113,24 +147,17 @@ write_answer write_source(const char *given, LangSource *source, const write_how
     if (source == nullptr)
         return {};
     const char *path = or_empty(given);
-    std::FILE *to = messages_of(how);
+    const telling tell(path, how);
     const target_file old = find_target(path, links::follow);
-    if (old.refusal != 0) {
-        if (old.refusal == EACCES)
-            std::fprintf(stderr,
-                         "lang: %s is behind somebody else's link: nothing is written there\n",
-                         path);
-        else
-            std::fprintf(stderr, "lang: %s is no regular file: nothing is written there\n", path);
-        return {say_not_backed_up(to, path, backup_name(old, how.now), old.refusal), {}};
-    }
+    if (old.refusal != 0)
+        return tell.refused(old, how.now);
     const std::int64_t mtime = source->mtime;
     if (!how.keep_mtime)
         source->mtime = how.now;
     safe_file file;
-    write_answer answer = write_new_file(file, source, path, how, old)
-                              ? replace(file, path, how, old)
-                              : write_answer{say_no_temporary_file(to, path), {}};
+    const int error = write_new_file(file, source, path, how, old);
+    write_answer answer =
+        error == 0 ? replace(file, tell, how, old) : tell.no_temporary_file(error);
     if (answer.code != 0)
         source->mtime = mtime;
     else if (old.status.st_nlink > 1)

@@ -25,7 +25,8 @@ struct write_how {
     bool backup = true;         // the old file is kept
 
     // Asked once the new text is whole and no other program that writes a source there can come
-    // between: false where the old file is not the one that the source was made from.
+    // between, and again at the last moment: false where the old file is not the one that the
+    // source was made from.
     std::function<bool()> may_replace = nullptr;
 };
 
@@ -35,6 +36,10 @@ struct write_answer {
     int code = 0;       // 0: success, else as below
     std::string backup; // what the old file is called now; empty when there was none
     file_id file{};     // what was put in its place
+
+    // Why nothing was, with another code than write_not_allowed: errno, and the cause in words.
+    int error = 0;
+    std::string why{};
 };
 
 // Replaces the file at the path, or the one that its links lead to, by the source. With only_used,
@@ -45,10 +50,11 @@ struct write_answer {
 // old file, and at every moment the path names the old text or the new one.
 // Codes, each but 0 with a message: 0 success (also for a null source); 1 the old file cannot be
 // kept under its dated name or is no regular file, or lang.tmp cannot take its place (it stays
-// then); -1 lang.tmp cannot be made, it or the folder is held by another program for some seconds,
-// or there is no room for the text. write_not_allowed, without a message: may_replace has said no.
-// Unless the code is 0 the old file is where it was. Standard error tells of a path that is no
-// regular file, and of further names (hard links) that keep the old text.
+// then); -1 lang.tmp cannot be made, or there is no room for the text. write_not_allowed, without a
+// message: may_replace has said no. Unless the code is 0 the old file is where it was. Standard
+// error tells the cause, and of further names (hard links) that keep the old text.
+// Who saves in the source's folder, from wherever, takes a turn (folder_turn); where none is to be
+// had, the text is saved all the same, and standard error says why it did not wait.
 write_answer write_source(const char *path, LangSource *source, const write_how &how);
 
 } // namespace zel

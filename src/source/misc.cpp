@@ -1,5 +1,6 @@
 #include "source/misc.h"
 
+#include "source/entry.h"
 #include "support/log-print.h"
 #include "support/text.h"
 
@@ -23,12 +24,7 @@ bool is_blank_line(const char *line)
 
 lang_entry_t *misc_select_lang_entry(item_t *item, const char *lang)
 {
-    if (item == nullptr)
-        return nullptr;
-    for (lang_entry_t *entry : zel::each<lang_entry_t>(item->langs))
-        if (lang != nullptr && std::strcmp(zel::or_empty(entry->lang), lang) == 0)
-            return entry;
-    return nullptr;
+    return item == nullptr ? nullptr : zel::find_entry(item->langs, lang);
 }
 
 int misc_select_edit_lang(LangSource *source, const char **first, const char **second)

@@ -15,6 +15,8 @@ struct read_how {
     read_listener listener = nullptr; // hears every message; none: they are lost
     source_places *places = nullptr;  // filled when given
     std::string_view text = {};       // read in place of the file, unless its data is null
+    bool to_write = false; // the source will replace the file: one that would lose something by it
+                           // (read_nul_byte) counts as not readable
 };
 
 } // namespace zel

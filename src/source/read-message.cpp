@@ -19,6 +19,8 @@ constexpr outcome recover = outcome::recover;
 constexpr read_message_row rows[] = {
     {read_maybe_cut, "", nullptr,
      "the line that names the end of the file is missing: it may have been cut", go_on, 0},
+    {read_nul_byte, "", nullptr, "a NUL byte ends the text here, and what follows is lost", go_on,
+     0},
     {read_not_opened, "ERROR(%d) open ->%s<-\n", nullptr, "the file cannot be read", give_up, 151},
     {read_no_path, "ERROR(%d) file open ->%s<-\n", nullptr, "no file is named", give_up, 159},
     {172, "\nERROR(%d): line %d:%d app %d", nullptr, "APP needs a name in quotes", give_up, 0},
@@ -124,12 +126,20 @@ const char *read_failure(const read_message &message)
                                                                        : nullptr;
 }
 
+bool is_loss(const read_message_row &row)
+{
+    return row.after != go_on || row.number == read_maybe_cut || row.number == read_nul_byte;
+}
+
 void print_read_message(const read_message &message)
 {
     const read_message_row &row = *message.row;
     switch (row.number) {
     case read_maybe_cut:
         std::fprintf(stderr, "lang: %s: %s\n", message.path, row.meaning);
+        return;
+    case read_nul_byte:
+        std::fprintf(stderr, "lang: %s:%u: %s\n", message.path, message.at.line, row.meaning);
         return;
     case read_not_opened:
         std::printf(row.text, row.number, message.path);

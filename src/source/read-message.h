@@ -47,8 +47,12 @@ struct read_message {
 };
 using read_listener = std::function<void(const read_message &)>;
 
-// Prints it as the program does, on standard output; the note that a file may have been cut goes to
-// standard error, and so does why a file that is there cannot be read.
+// Whether something of the file is not in the source that is read from it, and would be lost if
+// that were written over it.
+bool is_loss(const read_message_row &row);
+
+// Prints it as the program does, on standard output. What this program alone says goes to standard
+// error: that a file may have been cut or holds a NUL byte, and why one cannot be read.
 void print_read_message(const read_message &message);
 
 // Why the file that the message is about cannot be read, in the system's words; null for any other
@@ -60,7 +64,8 @@ enum {
     read_not_opened = 146,
     read_no_path = 155,
     read_no_default_lang = 261, // nothing is printed
-    read_maybe_cut = 1          // the file lacks the line that ends every written one
+    read_maybe_cut = 1,         // the file lacks the line that ends every written one
+    read_nul_byte = 2           // a string holds a NUL byte, which ends it
 };
 
 } // namespace zel

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 
 namespace {
 
@@ -148,8 +149,15 @@ outcome source_reader::read_string(char *&text, int message_number)
     const zel_token_t *token = next();
     if (token->id != TOKEN_STRING)
         return fail(message_number, token);
-    replace_string(text, zel_strdup(token->lexeme));
+    replace_string(text, zel_strdup(text_of(token)));
     return outcome::go_on;
+}
+
+const char *source_reader::text_of(const zel_token_t *token)
+{
+    if (std::memchr(token->lexeme, '\0', token->length) != nullptr)
+        fail(read_nul_byte, token);
+    return token->lexeme;
 }
 
 // YES | NO, else the message.
@@ -176,7 +184,7 @@ outcome source_reader::read_entry(list_tail &entries, place start)
     const zel_token_t *token = next();
     if (token->id != TOKEN_STRING)
         return fail(939, token);
-    lang_entry_t *entry = alloc_lang_entry(*token->lexeme == '\0' ? nullptr : token->lexeme);
+    lang_entry_t *entry = alloc_lang_entry(*token->lexeme == '\0' ? nullptr : text_of(token));
     if (entry == nullptr)
         return fail(945, token);
     entries.append(entry);
@@ -186,7 +194,7 @@ outcome source_reader::read_entry(list_tail &entries, place start)
         return fail(955, token);
     list_tail texts(entry->texts);
     for (token = next(); token->id == TOKEN_STRING; token = next())
-        texts.append(zel_strdup2(token->lexeme));
+        texts.append(zel_strdup2(text_of(token)));
     return token->id == '}' ? outcome::go_on : fail(969, token);
 }
 
@@ -199,7 +207,7 @@ outcome source_reader::read_used_in(item_t *item)
     list_tail places(item->used_in);
     const zel_token_t *token = next();
     for (; token->id == TOKEN_STRING; token = next())
-        places.append(zel_strdup(token->lexeme));
+        places.append(zel_strdup(text_of(token)));
     return token->id == '}' ? outcome::go_on : fail(892, token);
 }
 
@@ -285,7 +293,7 @@ outcome source_reader::read_item(item_t *item, place start)
     const zel_token_t *token = next();
     if (token->id != TOKEN_STRING)
         return fail(675, token);
-    item->name = zel_strdup(token->lexeme);
+    item->name = zel_strdup(text_of(token));
     token = next();
     if (token->id != '{') {
         fail(689, token);
@@ -343,7 +351,7 @@ outcome statement_reader::begin_group(place start)
     const zel_token_t *token = next();
     if (token->id != TOKEN_STRING)
         fail(363, token);
-    group->name = zel_strdup(token->lexeme);
+    group->name = zel_strdup(text_of(token));
     token = next();
     if (token->id != '{')
         fail(372, token);
@@ -363,7 +371,7 @@ outcome statement_reader::read_define_file(bool &more, place start)
         return fail(502, token);
     langs.append(lang);
     note(lang, start);
-    lang->file = zel_strdup(token->lexeme);
+    lang->file = zel_strdup(text_of(token));
     token = next();
     if (token->id != key_lang)
         return fail(512, token);

@@ -39,6 +39,9 @@ struct source_reader {
             how.places->add(record, at);
     }
 
+    // The token's text, after read_nul_byte where a part of it would be lost.
+    const char *text_of(const zel_token_t *token);
+
     outcome read_number(std::int32_t &number, int message_number);
     outcome read_time(std::int64_t &time, int message_number);
     outcome read_string(char *&text, int message_number);

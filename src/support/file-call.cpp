@@ -63,6 +63,14 @@ bool is_named(const char *path, const file_id &id)
     return lstat(path, &status) == 0 && id_of(status) == id;
 }
 
+bool is_lost(const char *path, const file_id &id)
+{
+    struct stat status {};
+    return lstat(path, &status) == 0 ? id_of(status) != id : errno == ENOENT;
+}
+
+std::string folder_part(const std::string &path) { return path.substr(0, path.rfind('/') + 1); }
+
 bool is_there(const char *path)
 {
     struct stat status {};

@@ -3,6 +3,7 @@
 // File system calls under this system's names; file and line serve reports only.
 
 #include <cstdio>
+#include <string>
 #include <string_view>
 #include <sys/stat.h>
 #include <sys/types.h>
@@ -50,6 +51,12 @@ bool has_changed(const char *path, const file_stamp &before);
 
 // Whether the path, not what it links to, names that file.
 bool is_named(const char *path, const file_id &id);
+
+// Whether it is sure that the path stands for another file, or for none.
+bool is_lost(const char *path, const file_id &id);
+
+// The path up to its name, with the separator; empty for a name alone.
+std::string folder_part(const std::string &path);
 
 // Whether something, be it a link, stands at the path. What cannot be found out counts as there,
 // but not a path that is too long for the system.

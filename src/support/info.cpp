@@ -95,7 +95,8 @@ int zel_info_add_entry(zel_info_t *info, zel_info_entry_t *entry)
 
 zel_info_t *zel_info_add_entry_and_move(zel_info_t **info, zel_info_entry_t *entry)
 {
-    zel_info_add_entry(*info, entry);
+    if (zel_info_add_entry(*info, entry) != 0)
+        zel_info_entry_free(entry);
     return zel_info_move(info);
 }
 

@@ -49,7 +49,7 @@ zel_info_t *zel_info_add(zel_info_t **info, std::uint32_t level, std::uint32_t c
 int zel_info_add_entry(zel_info_t *info, zel_info_entry_t *entry);
 
 // Hands the record over: the caller's pointer becomes null, the record is the result. The first
-// one appends an entry before.
+// one appends an entry before; where there is no record it releases the entry.
 [[nodiscard]] zel_info_t *zel_info_add_entry_and_move(zel_info_t **info, zel_info_entry_t *entry);
 [[nodiscard]] zel_info_t *zel_info_move(zel_info_t **info);
 

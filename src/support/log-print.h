@@ -26,7 +26,7 @@ int vfLogPrint(int level, const char *format, std::va_list args)
 
 // The debug print: standard output, flushed, and only while switched on (it starts off).
 // Returns the printed count, 0 while off.
-extern int __dbg_printf_on__;
+extern "C" int __dbg_printf_on__;
 int dbg_printf(const char *format, ...) __attribute__((format(printf, 1, 2)));
 void dbg_printf_on(int on);
 

@@ -1,5 +1,7 @@
 #include "support/safe-file.h"
 
+#include "support/held-file.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -8,7 +10,6 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
-#include <sys/file.h>
 #include <sys/random.h>
 #include <unistd.h>
 #include <utility>
@@ -28,88 +29,6 @@ public:
 private:
     void (*before_)(int);
 };
-
-// What a name that is taken turned out to be.
-enum class taken { gone, held, stays };
-
-// Whether nobody holds a lock on the file. Where locks are not to be had, nobody does.
-bool lock(int fd) { return flock(fd, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK; }
-
-// Whether it is sure that the name stands for another file, or for none.
-bool is_lost(const char *path, const zel::file_id &id)
-{
-    struct stat status {};
-    return lstat(path, &status) == 0 ? zel::id_of(status) != id : errno == ENOENT;
-}
-
-taken remove_name(const char *path)
-{
-    return unlink(path) == 0 || errno == ENOENT ? taken::gone : taken::stays;
-}
-
-// Removes what bears the name, unless somebody is writing it. Whoever removes a file holds its lock
-// and has seen that it still bears the name, so that nobody removes what has just been made.
-taken remove_leftover(const char *path)
-{
-    const int fd = zel::open_plain(path, O_RDONLY);
-    if (fd < 0) {
-        // No regular file, or one that may not be read. Its owner will notice (see put).
-        const bool no_file = errno == ELOOP || errno == EINVAL || errno == EACCES;
-        return errno == ENOENT ? taken::gone : no_file ? remove_name(path) : taken::stays;
-    }
-    taken result = taken::held;
-    if (lock(fd)) {
-        struct stat open_one {};
-        struct stat named {};
-        if (fstat(fd, &open_one) != 0 || (lstat(path, &named) != 0 && errno != ENOENT))
-            result = taken::stays; // nobody can tell whose it is
-        else
-            result = zel::id_of(named) == zel::id_of(open_one) ? remove_name(path) : taken::gone;
-    }
-    zel::close_quietly(fd);
-    return result;
-}
-
-// Gives up a file that was just made. -1 with errno.
-int unmake(int fd, const char *path)
-{
-    const int error = errno;
-    unlink(path);
-    close(fd);
-    errno = error;
-    return -1;
-}
-
-// Makes the file and holds its lock. -1 with errno.
-int create_locked(const char *path, mode_t mode)
-{
-    constexpr auto patience = std::chrono::seconds(8);
-    constexpr useconds_t pause = 2000;
-    const auto end = steady_clock::now() + patience;
-    for (;;) {
-        const int fd = zel::open_fresh(path, mode);
-        if (fd >= 0) {
-            struct stat status {};
-            if (fstat(fd, &status) != 0)
-                return unmake(fd, path);
-            if (lock(fd) && !is_lost(path, zel::id_of(status)))
-                return fd;
-            close(fd); // somebody took it for a leftover
-        } else if (errno != EEXIST) {
-            return -1;
-        } else {
-            const taken what = remove_leftover(path);
-            if (what == taken::stays)
-                return -1;
-            if (what == taken::held)
-                usleep(pause);
-        }
-        if (steady_clock::now() > end) {
-            errno = EAGAIN;
-            return -1;
-        }
-    }
-}
 
 // Whether the open file stood at the place until another one took it: the system still knows by
 // which name it was reached last.
@@ -155,8 +74,10 @@ int safe_file::take(int fd, std::string path, const target_file &old)
         return error_ = errno;
     struct stat status {};
     if (fstat(fd, &status) != 0) { // without its number nobody could tell later whose file it is
-        unmake(fd, path.c_str());
-        return error_ = errno;
+        error_ = errno;
+        unlink(path.c_str());
+        close(fd);
+        return error_;
     }
     fd_ = fd;
     path_ = std::move(path);
@@ -167,7 +88,7 @@ int safe_file::take(int fd, std::string path, const target_file &old)
 
 int safe_file::create(const char *path, const target_file &old)
 {
-    return take(create_locked(path, mode_at_first(old)), path, old);
+    return take(create_held(path, mode_at_first(old)), path, old);
 }
 
 int safe_file::create_beside(const target_file &old)
@@ -261,10 +182,10 @@ int safe_file::copy_near(const target_file &old)
 int safe_file::approach(const target_file &old)
 {
     struct stat folder {};
-    const std::size_t end = old.path.rfind('/');
-    const std::string name = end == std::string::npos ? "." : old.path.substr(0, end + 1);
+    const std::string name = folder_part(old.path);
     // A folder that cannot be looked at is none to copy to; the renaming will say why.
-    if (near_ != nullptr || stat(name.c_str(), &folder) != 0 || folder.st_dev == id_.device)
+    if (near_ != nullptr || stat(name.empty() ? "." : name.c_str(), &folder) != 0 ||
+        folder.st_dev == id_.device)
         return 0;
     return copy_near(old);
 }

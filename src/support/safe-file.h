@@ -25,9 +25,8 @@ public:
     safe_file(const safe_file &) = delete;
     safe_file &operator=(const safe_file &) = delete;
 
-    // Makes the file under a name that others may use too. Who makes it holds a lock on it until it
-    // is put in place, and is waited for, some seconds at most (then EAGAIN). A file left from
-    // before, or a link, is removed.
+    // Makes the file under a name that others may use too, by create_held (support/held-file.h):
+    // its lock is held until it is put in place.
     int create(const char *path, const target_file &old);
 
     // Makes it beside its place, under a name that nobody uses.

@@ -5,14 +5,12 @@
 
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <climits>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
 #include <string_view>
-#include <sys/file.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 #include <vector>
@@ -134,6 +132,13 @@ target_file find_target(const char *path, links how)
     found.path = how == links::follow ? follow_links(path, found.refusal) : path;
     found.is_there = is_there(found.path.c_str());
     struct stat status {};
+    // A pipe that a shell made has no name; what was taken away has none any more.
+    const bool is_nameless = !found.is_there && found.path != path && stat(path, &status) == 0 &&
+                             (!S_ISREG(status.st_mode) || status.st_nlink == 0);
+    if (is_nameless) {
+        found.path = path;
+        found.refusal = found.refusal == 0 ? EINVAL : found.refusal;
+    }
     if (!found.is_there || lstat(found.path.c_str(), &status) != 0)
         return found;
     if (S_ISREG(status.st_mode))
@@ -175,32 +180,27 @@ void take_attributes(int fd, const target_file &old)
     static_cast<void>(fchmod(fd, mode) == 0);
 }
 
-folder_turn::folder_turn(const std::string &path) : fd_(open_folder_of(path.c_str()))
-{
-    constexpr auto patience = std::chrono::seconds(8);
-    constexpr useconds_t pause = 2000;
-    const auto end = std::chrono::steady_clock::now() + patience;
-    while (fd_ >= 0 && is_mine_ && flock(fd_, LOCK_EX | LOCK_NB) != 0) {
-        if (errno == EWOULDBLOCK) {
-            is_mine_ = std::chrono::steady_clock::now() < end;
-            usleep(pause);
-        } else if (errno != EINTR) {
-            break;
-        }
-    }
-}
-
-folder_turn::~folder_turn()
-{
-    if (fd_ >= 0)
-        close_quietly(fd_);
-}
-
 std::string backup_name(const target_file &old, std::int64_t time)
 {
     std::array<char, 64> stamp;
     snprintf_date(stamp.data(), static_cast<int>(stamp.size()), "%Y-%m-%d-%H-%M-%S", time);
     return old.path + "-" + stamp.data() + ".bak";
+}
+
+int backup_obstacle(const target_file &old)
+{
+    struct stat folder {};
+    const std::string part = folder_part(old.path);
+    const char *name = part.empty() ? "." : part.c_str();
+    if (!old.is_there)
+        return 0;
+    if (faccessat(AT_FDCWD, name, W_OK | X_OK, AT_EACCESS) != 0)
+        return errno;
+    // A sticky folder lets everybody add a name, but only a file's owner or its own take one away.
+    const uid_t user = geteuid();
+    const bool is_bound = stat(name, &folder) == 0 && (folder.st_mode & S_ISVTX) != 0 &&
+                          folder.st_uid != user && user != 0;
+    return is_bound && old.is_file() && old.status.st_uid != user ? EPERM : 0;
 }
 
 backup_file make_backup(const target_file &old, std::int64_t now)

@@ -38,27 +38,12 @@ int write_obstacle(const target_file &old);
 // everybody. Nothing without an old file.
 void take_attributes(int fd, const target_file &old);
 
-// The turn to replace files in a folder. While one lives, no other program that takes a turn there
-// comes between a look at a file and its replacement, whatever folder it works from. Where the
-// folder cannot be opened or locked, everybody has a turn.
-class folder_turn {
-public:
-    // Waits for others, some seconds at most.
-    explicit folder_turn(const std::string &path);
-    ~folder_turn();
-    folder_turn(const folder_turn &) = delete;
-    folder_turn &operator=(const folder_turn &) = delete;
-
-    // False when another program had it all the time.
-    bool is_mine() const { return is_mine_; }
-
-private:
-    int fd_;
-    bool is_mine_ = true;
-};
-
 // The old file's name with that time: path-YYYY-MM-DD-HH-MM-SS.bak.
 std::string backup_name(const target_file &old, std::int64_t time);
+
+// Why the folder does not let go of the old file's name, so that it can be neither kept under
+// another one nor replaced: errno. 0: it does, as far as can be seen before, or there is none.
+int backup_obstacle(const target_file &old);
 
 // How the old file was kept under its dated name.
 struct backup_file {

@@ -1,9 +1,9 @@
 #include "checker/c-scan.h"
 
 #include "app/global.h"
+#include "rows.h"
 #include "source/group.h"
 #include "source/item-index.h"
-#include "test-support.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,7 +16,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 class Scan : public testing::Test {
 protected:
@@ -28,7 +27,7 @@ protected:
         zel_test::write_file(path, text);
         const std::string printed = zel_test::capture_stdout([&] {
             zel::item_index index(source.get());
-            result = zel::check_file(index, path.c_str(), lang_global.start_time);
+            result = zel::check_file(index, path.c_str(), how);
         });
         const std::string head = "check c file >" + path + "<\n";
         EXPECT_EQ(printed.substr(0, head.size()), head);
@@ -61,60 +60,28 @@ protected:
 
     zel_test::temp_dir dir{zel_test::temp_dir::enter::yes};
     source_guard source{lang_alloc_group()};
+    zel::scan_how how{1234567, stdout, nullptr, nullptr};
     int result = -2;
 };
 
-// Text, type of the item afterwards (from 7), description.
-struct Form {
-    const char *text;
-    int typ;
-    const char *description;
-};
-
-class Forms : public Scan, public testing::WithParamInterface<Form> {};
-
-TEST_P(Forms, FindsItsItem)
+TEST_F(Scan, EachFormOfRequestFindsItsItem)
 {
-    insert_group_item(source.get(), "main", "ok");
-    item("main", "ok")->typ = 7;
-    EXPECT_EQ(scan(GetParam().text), "    found 00002:a.c: ->main<->ok<-\n");
-    EXPECT_EQ(result, 0);
-    EXPECT_THAT(items(), ElementsAre("main/ok"));
-    EXPECT_EQ(item("main", "ok")->used, 1U);
-    EXPECT_EQ(item("main", "ok")->typ, GetParam().typ);
-    EXPECT_STREQ(item("main", "ok")->description, GetParam().description);
-    EXPECT_EQ(item("main", "ok")->ctime, 0);
-    EXPECT_THAT(places("main", "ok"), ElementsAre("00002:a.c"));
+    for (const zel_test::row &row : zel_test::rows_of("checker/scan.rows", "forms")) {
+        SCOPED_TRACE(row.line);
+        source.reset(lang_alloc_group());
+        insert_group_item(source.get(), "main", "ok");
+        const item_t *ok = item("main", "ok");
+        item("main", "ok")->typ = 7;
+        EXPECT_EQ(scan(row[0]), "    found 00002:a.c: ->main<->ok<-\n");
+        EXPECT_EQ(result, 0);
+        EXPECT_THAT(items(), ElementsAre("main/ok"));
+        EXPECT_EQ(ok->used, 1U);
+        EXPECT_EQ(std::to_string(ok->typ), row[1]);
+        EXPECT_EQ(ok->description == nullptr ? "-" : std::string(ok->description), row[2]);
+        EXPECT_EQ(ok->ctime, 0);
+        EXPECT_THAT(places("main", "ok"), ElementsAre("00002:a.c"));
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    All, Forms,
-    testing::Values(
-        Form{"\n lang_get_string(\"main\", \"ok\")", 1, nullptr},
-        Form{"\n lang_tooltip(\"main\", \"ok\")", 2, nullptr},
-        Form{"\n lang_get_str(table[3], \"main\", \"ok\")", 1, nullptr},
-        Form{"\n lang_get(\"Agree\", \"main\", \"ok\")", 7, "Agree"},
-        Form{"\n lang_get_fmt(\"Agree\", \"main\", \"o\" \"k\")", 7, "Agree"},
-        Form{"\n lang_dummy(\"Agree\", \"main\", \"o\" /* and */ \"k\")", 7, "Agree"},
-        Form{"\n lang_sym(PAGE, \"Agree\", \"main\", \"ok\")", 7, "Agree"},
-        Form{"\n lang_sym(lang_sym, \"\", \"main\", \"ok\")", 7, ""},
-        Form{"\n LANG_GET_STRING(\"main\", \"ok\")", 1, nullptr},
-        // The place is the group's line, whatever stands around it.
-        Form{"lang_get_string( // here\n\"main\"\n,\n\"ok\"\n)", 1, nullptr},
-        // Whatever stands where the parenthesis should.
-        Form{"\n lang_get_string x \"main\", \"ok\"", 1, nullptr},
-        // By name, in whole and in pieces.
-        Form{"#define OK \"ok\"\n lang_get_string(\"main\", OK)", 1, nullptr},
-        Form{"#  define K \"k\"\n lang_get(\"\", \"main\", \"o\" K)", 7, ""},
-        // In a definition, a condition that does not hold, a script in a string.
-        Form{"#define F(x) \\\n lang_tooltip(\"main\", \"ok\")", 2, nullptr},
-        Form{"#if 0\n lang_tooltip(\"main\", \"ok\")\n#endif", 2, nullptr},
-        Form{"s = \"\\nx lang_tooltip(\\\"main\\\", \\\"ok\\\")\"", 2, nullptr},
-        Form{"\n s = \"/**/\" \"\\n\" \"lang_tool\" \"tip(\\\"main\\\", \\\"ok\\\")\"", 2, nullptr},
-        // In a string of the script; a word that comes about only there.
-        Form{R"(s = "run \"\\nlang_tooltip(\\\"main\\\", \\\"ok\\\")\"")", 2, nullptr},
-        Form{R"(s = "\"\\nla\" \"n\\x67_tooltip(\\\"main\\\", \\\"ok\\\")\"")", 2, nullptr},
-        Form{"s = \"\\nlan\\rg_tooltip(\\\"main\\\", \\\"ok\\\")\"", 2, nullptr}));
 
 TEST_F(Scan, InsertsWhatTheSourceDoesNotKnow)
 {
@@ -136,35 +103,14 @@ TEST_F(Scan, InsertsWhatTheSourceDoesNotKnow)
     EXPECT_EQ(source->item_count, 0U);
 }
 
-TEST_F(Scan, NotEverythingIsARequest)
+TEST_F(Scan, PrintsAndInsertsWhatTheTableHolds)
 {
-    EXPECT_EQ(scan("/* lang_get_string(\"g\", \"a\") */ // lang_get_string(\"g\", \"b\")\n"
-                   "my_lang_get_string(\"g\", \"c\"); lang_get_string2(\"g\", \"d\");\n"
-                   "lang_get_info(\"g\", \"e\");\n"
-                   "s = \"// lang_get_string(\\\"g\\\", \\\"f\\\")\";\n"
-                   "s = \"/* lang_get_string(\\\"g\\\", \\\"f\\\")\" \"*/\";\n"
-                   "c = '\"'; d = '\\''; e = '\\\\'; lang_get_info(\"'\");\n"),
-              "");
-    EXPECT_THAT(items(), IsEmpty());
-}
-
-TEST_F(Scan, StopAndStart)
-{
-    EXPECT_EQ(scan("lang_get_string(\"g\", \"a\");\n#define ZEL_LANGUAGE_CHECK_STOP\n"
-                   "lang_get_string(\"g\", \"b\"); // ZEL_LANGUAGE_CHECK_START\n"
-                   "\"lang_get_string(\\\"g\\\", \\\"b\\\")\"\n zel_language_check_start\n"
-                   "ZEL_LANGUAGE_CHECK_START lang_get_string(\"g\", \"c\");\n"
-                   // A script has an end of its own.
-                   "\"ZEL_LANGUAGE_CHECK_STOP lang_get(\";\nlang_get_string(\"g\", \"d\");\n"
-                   "ZEL_LANGUAGE_CHECK_STOP lang_get_string(\"g\", \"e\");"),
-              "not found, insert item 00001:a.c: ->g<->a<-\n"
-              "language_check stop file >a.c< line >2<\n"
-              "language check start file >a.c< line >5<\n"
-              "not found, insert item 00006:a.c: ->g<->c<-\n"
-              "language_check stop file >a.c< line >1<\n"
-              "not found, insert item 00008:a.c: ->g<->d<-\n"
-              "language_check stop file >a.c< line >9<\n");
-    EXPECT_THAT(items(), ElementsAre("g/a", "g/c", "g/d"));
+    for (const zel_test::row &row : zel_test::rows_of("checker/scan.rows", "files")) {
+        source.reset(lang_alloc_group());
+        EXPECT_EQ(scan(row[0]), row[1]) << row.line;
+        EXPECT_EQ(items(), std::vector<std::string>(row.texts.begin() + 2, row.texts.end()));
+        EXPECT_EQ(result, 0);
+    }
 }
 
 TEST_F(Scan, Definitions)
@@ -210,62 +156,14 @@ TEST_F(Scan, ApplicationName)
     EXPECT_EQ(source->app, std::string(1023, 'a') + ":" + std::string(1023, 'b'));
 }
 
-// A request that is given up: the message, and the one after it is found.
-struct Broken {
-    const char *text;
-    const char *message;
-};
-
-class Messages : public Scan, public testing::WithParamInterface<Broken> {};
-
-TEST_P(Messages, GiveUpOneRequest)
+TEST_F(Scan, GivesUpOneRequestThatIsBroken)
 {
-    EXPECT_EQ(scan(std::string("\n") + GetParam().text + "\n; lang_get_string(\"g\", \"next\");"),
-              GetParam().message + std::string("not found, insert item 00003:a.c: ->g<->next<-\n"));
-    EXPECT_THAT(items(), ElementsAre("g/next"));
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    All, Messages,
-    testing::Values(
-        Broken{"lang_get_string(g, \"i\")",
-               "ERROR(9): syntax a.c line 2 missing group string  ID 256\n"},
-        Broken{"lang_get_string()", "ERROR(9): syntax a.c line 2 missing group string  ID 41\n"},
-        Broken{"lang_get_str(h, lang_get)",
-               "ERROR(9): syntax a.c line 2 missing group string  ID 20003\n"},
-        Broken{"lang_tooltip(\"g\")", "ERROR(10): syntax a.c line 2 expected ','\n"},
-        Broken{"lang_tooltip(\"g\" \"h\", \"i\")", "ERROR(10): syntax a.c line 2 expected ','\n"},
-        Broken{"lang_tooltip(\"g\", 12)", "ERROR(11): syntax a.c line 2 string or id expecetd\n"},
-        Broken{"lang_tooltip(\"g\", I)", "WARNING: syntax a.c line 2 symbol not found\n"},
-        Broken{"lang_sym(\"s\", \"d\", \"g\", \"i\")",
-               "ERROR(12): syntax a.c line 2 missing symbol id ID(257)\n"},
-        Broken{"lang_sym(s; \"d\", \"g\", \"i\")", "ERROR(13): syntax a.c line 2 expected ','\n"},
-        Broken{"lang_get(d, \"g\", \"i\")", "ERROR(14): syntax a.c line 2 missing description\n"},
-        Broken{"lang_get(\"d\")", "ERROR(16): syntax a.c line 2 expected ','\n"},
-        Broken{"lang_get(\"d\", g, \"i\")", "ERROR(17): syntax a.c line 2 missing group string \n"},
-        Broken{"lang_get(\"d\", \"g\")", "ERROR(18): syntax a.c line 2 expected ','\n"},
-        Broken{"lang_get(\"d\", \"g\", 1 I)", "ERROR(19): syntax a.c line 2 string or id expecetd\n"
-                                              "WARNING: syntax a.c line 2 symbol not found\n"}));
-
-TEST_F(Scan, ANameKeepsItsGoodPieces)
-{
-    EXPECT_EQ(scan("lang_get(\"d\", \"g\", \"a\" + \"b\" UNKNOWN \"c\")"),
-              "ERROR(19): syntax a.c line 1 string or id expecetd\n"
-              "WARNING: syntax a.c line 1 symbol not found\n"
-              "not found, insert item 00001:a.c: ->g<->abc<-\n");
-}
-
-TEST_F(Scan, TheEndInsideARequest)
-{
-    EXPECT_EQ(scan("lang_get_str(handle"),
-              "ERROR(9): syntax a.c line 1 missing group string  ID -1\n");
-    EXPECT_EQ(scan("lang_get_string"), "ERROR(9): syntax a.c line 1 missing group string  ID -1\n");
-    EXPECT_EQ(scan("lang_get_string(\"g\","),
-              "ERROR(11): syntax a.c line 1 string or id expecetd\n");
-    EXPECT_EQ(scan("lang_get(\"d\", \"g\", \"i\""),
-              "ERROR(19): syntax a.c line 1 string or id expecetd\n");
-    EXPECT_EQ(result, 0);
-    EXPECT_THAT(items(), IsEmpty());
+    for (const zel_test::row &row : zel_test::rows_of("checker/scan.rows", "broken")) {
+        source.reset(lang_alloc_group());
+        EXPECT_EQ(scan("\n" + row[0] + "\n; lang_get_string(\"g\", \"next\");"),
+                  row[1] + "not found, insert item 00003:a.c: ->g<->next<-\n");
+        EXPECT_THAT(items(), ElementsAre("g/next")) << row.line;
+    }
 }
 
 TEST_F(Scan, LongNamesAndPlacesAreCut)
@@ -342,10 +240,10 @@ TEST_F(Scan, StringsInStrings)
 TEST_F(Scan, AFileThatCannotBeOpenedEndsTheRun)
 {
     zel::item_index index(source.get());
-    EXPECT_EQ(zel_test::capture_stdout([&] { result = zel::check_file(index, "none.c", 0); }),
+    EXPECT_EQ(zel_test::capture_stdout([&] { result = zel::check_file(index, "none.c", how); }),
               "check c file >none.c<\nERROR(3): unable to init lexical scanner\n");
     EXPECT_EQ(result, -1);
-    EXPECT_THAT(zel_test::capture_stdout([&] { result = zel::check_file(index, nullptr, 0); }),
+    EXPECT_THAT(zel_test::capture_stdout([&] { result = zel::check_file(index, nullptr, how); }),
                 HasSubstr("\nERROR(4): unable to open file "));
     EXPECT_EQ(result, -1);
     EXPECT_EXIT(check_c_file(source.get(), "none.c"), testing::ExitedWithCode(0), "");

@@ -2,84 +2,27 @@
 
 #include "app/global.h"
 #include "checker/c-scan.h"
-#include "test-support.h"
+#include "rows.h"
 
 #include <gtest/gtest.h>
 
 #include <random>
 #include <string>
-#include <string_view>
+#include <vector>
 
 namespace {
 
-// Pieces of which a careless jump would lose its place: half words, comment ends, numbers that run
-// into words, carriage returns and NUL bytes anywhere.
-constexpr std::string_view pieces[] = {"lang_get_string(\"g\", \"i\")",
-                                       "lang_get(\"d\", \"g\", NAME)",
-                                       "lang_",
-                                       "la",
-                                       "ng_tooltip",
-                                       "LANG_TOOLTIP",
-                                       "(\"g\",\"x\")",
-                                       "zel_language_check_stop",
-                                       "ZEL_LANGUAGE_CHECK_START",
-                                       "#define NAME \"v\"",
-                                       "#define NAME",
-                                       "#define ",
-                                       "# define",
-                                       "#",
-                                       "#else",
-                                       "#define F(x) 1",
-                                       "#define\\\n",
-                                       "define",
-                                       "ZEL_LANGUAGE_APP",
-                                       "\"a\" \"1\"",
-                                       "NAME",
-                                       "zel",
-                                       "\"",
-                                       "'",
-                                       "'\"'",
-                                       "'\\''",
-                                       "\\",
-                                       "/",
-                                       "*",
-                                       "//",
-                                       "/*",
-                                       "*/",
-                                       "/* x */",
-                                       "// lang_get_string(\"n\",\"n\")\n",
-                                       "0",
-                                       "0x",
-                                       "1.5e",
-                                       "08",
-                                       ".",
-                                       "=",
-                                       "<",
-                                       "+",
-                                       "!",
-                                       "&",
-                                       "|",
-                                       "-",
-                                       ">",
-                                       "^",
-                                       "@",
-                                       "$",
-                                       ",",
-                                       ";",
-                                       "(",
-                                       ")",
-                                       " ",
-                                       "\t",
-                                       "\n",
-                                       "\r",
-                                       "\r\n",
-                                       std::string_view("\0", 1),
-                                       "\xe4",
-                                       "word",
-                                       "l",
-                                       "lan",
-                                       "g",
-                                       "_"};
+// One of the pieces of code that the table holds.
+const std::string &piece(std::uint_fast32_t number)
+{
+    static const std::vector<std::string> pieces = [] {
+        std::vector<std::string> all;
+        for (const zel_test::row &row : zel_test::rows_of("checker/scan.rows", "pieces"))
+            all.insert(all.end(), row.texts.begin(), row.texts.end());
+        return all;
+    }();
+    return pieces[number % pieces.size()];
+}
 
 // What check_parse prints and where it puts the items; with a reader of our own nothing is jumped.
 std::string outcome(const std::string &text, bool jump)
@@ -113,7 +56,7 @@ TEST(SkipSlow, ChangesNothing)
     for (int round = 0; round < 4000; ++round) {
         std::string text;
         for (auto n = 1 + random() % 40; n != 0; --n)
-            text += pieces[random() % std::size(pieces)];
+            text += piece(random());
         ASSERT_EQ(outcome(text, true), outcome(text, false)) << testing::PrintToString(text);
     }
 }
@@ -126,7 +69,7 @@ TEST(Skip, ChangesNothingAtTheEndsOfBlocks)
     for (int round = 0; round < 60; ++round) {
         std::string text(8150 + random() % 40, ' ');
         for (unsigned n = 20; n != 0; --n)
-            text += pieces[random() % std::size(pieces)];
+            text += piece(random());
         zel_test::write_file("a.c", text);
         source_guard root(lang_alloc_group());
         const std::string printed =

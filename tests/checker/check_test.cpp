@@ -100,7 +100,11 @@ TEST_F(Check, ScansATreeByNames)
 TEST_F(Check, WhatItPrints)
 {
     ask("notes.txt");
-    const std::string first = run({"app.lang-src", "notes.txt", "none"});
+    std::string first;
+    const std::string told = zel_test::capture_stderr([&] {
+        first = run({"app.lang-src", "notes.txt", "none"});
+    });
+    EXPECT_EQ(told, "check: none cannot be read: No such file or directory\n");
     EXPECT_THAT(first, StartsWith("check: read file >app.lang-src<\n"));
     EXPECT_THAT(first, HasSubstr("check: WARNING no group\n"
                                  "check: check directory >notes.txt<\n"

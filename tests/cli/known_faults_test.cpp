@@ -4,11 +4,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <string>
-#include <sys/wait.h>
 
+#include "shell.h"
 #include "working-dir.h"
 
 namespace {
@@ -42,12 +41,10 @@ protected:
     // What the command prints. It ends by itself, and no sanitizer has a word to say.
     std::string run(const std::string &line)
     {
-        write_file("cmd", "HOME=\"$PWD\"; lang() { '" LANG_PROGRAM "' \"$@\"; }; kit() { '" LANG_KIT
-                          "' \"$@\"; }\n" +
-                              limit + line);
-        const int status = std::system("timeout 60 sh cmd >said 2>&1");
-        const std::string said = read_file("said");
-        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) <= 2) << line << status;
+        const auto ended = zel_test::shell(
+            "HOME=\"$PWD\"; kit() { lang-kit \"$@\"; }; exec 2>&1\n" + limit + line);
+        const std::string &said = ended.out;
+        EXPECT_TRUE(ended.status >= 0 && ended.status <= 2) << line << ended.status;
         EXPECT_THAT(said, Not(testing::ContainsRegex("runtime error|Sanitizer"))) << line;
         return said;
     }

@@ -11,6 +11,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "shell.h"
 #include "working-dir.h"
 
 namespace {
@@ -30,15 +31,13 @@ constexpr bool sanitized = false;
 
 class Surroundings : public zel_test::working_dir {
 protected:
-    // What a shell that runs the line prints, "lang" being the program.
+    // What a shell that runs the line prints.
     std::string shell(const std::string &line)
     {
-        const std::string command =
-            "exec >out 2>err; HOME=\"$PWD\"; lang() { '" LANG_PROGRAM "' \"$@\"; }; " + line;
-        write_file("cmd", command);
-        status = std::system("sh cmd");
-        err = read_file("err");
-        return read_file("out");
+        const auto run = zel_test::shell("HOME=\"$PWD\"; " + line);
+        status = run.status;
+        err = run.err;
+        return run.out;
     }
     static std::string source(int items)
     {
@@ -78,10 +77,13 @@ TEST_F(SurroundingsSlow, TooLittleMemoryCostsNothing)
     write_file("app.lang-src", source(40000));
     write_file("a.c", "lang_get_string(\"g\", \"i1\");");
     const std::string before = read_file("app.lang-src");
-    const std::string out = shell("ulimit -v 25000; lang check app.lang-src a.c");
-    EXPECT_THAT(out + err, testing::ContainsRegex("not enough memory|failed to allocate"));
-    EXPECT_EQ(status, 0);
-    EXPECT_TRUE(read_file("app.lang-src") == before);
+    for (const char *limit : {"-v 25000", "-d 1000"}) { // the second is not enough for any source
+        const std::string out =
+            shell(std::string("ulimit ") + limit + "; lang check app.lang-src a.c");
+        EXPECT_THAT(out + err, testing::ContainsRegex("not enough memory|failed to allocate"));
+        EXPECT_EQ(status, 0);
+        EXPECT_TRUE(read_file("app.lang-src") == before);
+    }
 }
 
 TEST_F(Surroundings, ASourceThatIsThereAndCannotBeReadIsLeftAlone)

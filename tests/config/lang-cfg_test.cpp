@@ -3,41 +3,26 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include "working-dir.h"
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
 
 namespace {
 
-class Store : public testing::Test {
+class Store : public zel_test::working_dir {
 protected:
-    Store()
-    {
-        std::string pattern = (fs::temp_directory_path() / "lang-cfg-XXXXXX").string();
-        folder = mkdtemp(pattern.data());
-        file = folder / "a.ini";
-    }
-    ~Store() override { fs::remove_all(folder); }
-
-    void put(const std::string &text) const { std::ofstream(file, std::ios::binary) << text; }
-    std::string get() const
-    {
-        std::ifstream in(file, std::ios::binary);
-        std::ostringstream text;
-        text << in.rdbuf();
-        return text.str();
-    }
+    void put(const std::string &text) const { zel_test::write_file(file, text); }
+    std::string get() const { return zel_test::read_file(file); }
     bool locked() const { return fs::exists(file.string() + ".lock"); }
 
-    fs::path folder;
-    fs::path file;
+    fs::path folder = dir.path();
+    fs::path file = folder / "a.ini";
 };
 
 // A store with a variable of every type bound in section "s".
@@ -119,20 +104,17 @@ TEST_F(Store, NumbersTakeTheirFormsAndKeepTheOldValueWhenNothingConverts)
         put("[s]\n" + line + "\n");
         EXPECT_EQ(bound.read(), "");
     };
-    read("long=0x10");
-    EXPECT_EQ(bound.number, 16);
-    read("long=-010");
-    EXPECT_EQ(bound.number, -8);
-    read("long=many");
-    EXPECT_EQ(bound.number, -8);
-    read("long=");
-    EXPECT_EQ(bound.number, -8);
-    read("long=\"1\" \"2\"");
-    EXPECT_EQ(bound.number, 2);
-    read("long=99999999999999999999");
-    EXPECT_EQ(bound.number, INT64_MAX);
-    read("long=-\"-9223372036854775808\"");
-    EXPECT_EQ(bound.number, INT64_MIN);
+    for (const auto &[text, value] : std::vector<std::pair<const char *, std::int64_t>>{
+             {"0x10", 16},
+             {"-010", -8},
+             {"many", -8},
+             {"", -8},
+             {"\"1\" \"2\"", 2},
+             {"99999999999999999999", INT64_MAX},
+             {"-\"-9223372036854775808\"", INT64_MIN}}) {
+        read(std::string("long=") + text);
+        EXPECT_EQ(bound.number, value) << text;
+    }
     read("hex=-ff");
     EXPECT_EQ(bound.hex, 0xffU);
     read("hex=1234567890");
@@ -436,32 +418,27 @@ TEST_F(Store, TheListingShowsEveryKeyWithAValue)
     testing::internal::CaptureStdout();
     EXPECT_EQ(lang_cfg_print_all(bound.store.get()), 0);
     const std::string listing = testing::internal::GetCapturedStdout();
-    const std::string name = file.string();
-    EXPECT_EQ(listing, "cfg_print_all:---------------------------------------------\n"
-                       "cfg_print_all: tmp  ->" +
-                           name +
-                           ".tmp<-\n"
-                           "cfg_print_all: lock ->" +
-                           name +
-                           ".lock<-\n"
-                           "cfg_print_all: cfg  ->" +
-                           name +
-                           "<-\n"
-                           "cfg_print_all: name ->a<-\n"
-                           "cfg_print_all: path ->" +
-                           folder.string() +
-                           "<-\n"
-                           "cfg_print_all: ------->File ebene\n"
-                           "cfg_print_all: version = 7\n"
-                           "cfg_print_all: free = (void)->-top<-\n"
-                           "cfg_print_all: ------->[s]\n"
-                           "cfg_print_all: hex = (hex)0x0000beef\n"
-                           "cfg_print_all: octal = (octal)644\n"
-                           "cfg_print_all: long = -5\n"
-                           "cfg_print_all: str = (str)->C:\\a \"b\"<-\n"
-                           "cfg_print_all: double = (double)-2.500000\n"
-                           "cfg_print_all: own = (void)->kept as it is<-\n"
-                           "cfg_print_all: ------->[other]\n"
-                           "cfg_print_all: key = (void)->-3<-\n"
-                           "cfg_print_all: exit\n");
+    std::string expected = R"(cfg_print_all:---------------------------------------------
+cfg_print_all: tmp  ->FOLDER/a.ini.tmp<-
+cfg_print_all: lock ->FOLDER/a.ini.lock<-
+cfg_print_all: cfg  ->FOLDER/a.ini<-
+cfg_print_all: name ->a<-
+cfg_print_all: path ->FOLDER<-
+cfg_print_all: ------->File ebene
+cfg_print_all: version = 7
+cfg_print_all: free = (void)->-top<-
+cfg_print_all: ------->[s]
+cfg_print_all: hex = (hex)0x0000beef
+cfg_print_all: octal = (octal)644
+cfg_print_all: long = -5
+cfg_print_all: str = (str)->C:\a "b"<-
+cfg_print_all: double = (double)-2.500000
+cfg_print_all: own = (void)->kept as it is<-
+cfg_print_all: ------->[other]
+cfg_print_all: key = (void)->-3<-
+cfg_print_all: exit
+)";
+    for (std::size_t at = 0; (at = expected.find("FOLDER")) != expected.npos;)
+        expected.replace(at, 6, folder.string());
+    EXPECT_EQ(listing, expected);
 }

@@ -114,6 +114,16 @@ TEST_P(Shells, FilesAndFolders)
     EXPECT_THAT(offered("lang compile "), Contains("a.lang-src"));
     EXPECT_THAT(offered("lang compile -dst-dir "), ElementsAre("folder"));
     EXPECT_THAT(offered("lang check a.lang-src "), Contains("b.c"));
+    if (GetParam() != std::string("bash"))
+        return; // the others' values are described in a form of their own
+    write_file("b c.po", "");
+    EXPECT_THAT(offered("lang-kit diff --format "), ElementsAre("json", "text"));
+    EXPECT_THAT(offered("lang-kit lint --fail-on w"), ElementsAre("warning"));
+    EXPECT_THAT(offered("lang-kit lint --only mi"), ElementsAre("missing"));
+    EXPECT_THAT(offered("lang-kit show "), ElementsAre("a.lang-src", "folder"));
+    EXPECT_THAT(offered("lang-kit import a.lang-src b"), ElementsAre("b c.po"));
+    EXPECT_THAT(offered("lang-kit export --output "), ElementsAre("folder"));
+    EXPECT_THAT(offered("lang-kit pseudo --name "), testing::IsEmpty());
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, Shells, testing::Values("bash", "zsh", "fish"),

@@ -38,77 +38,33 @@ std::string wide(std::string_view text)
 
 TEST(Hostile, FaultsNameTheirLineAndCause)
 {
-    const std::string po = po_head;
-    const std::string open = xliff_head;
     const std::string deep(100000, '[');
     std::string crowd;
     for (int i = 0; i < 1000; ++i)
         crowd += " a" + std::to_string(i) + "=\"b\"";
-    const struct {
-        const char *format;
-        std::string bytes;
-        std::uint32_t line;
-        const char *text;
-    } cases[] = {
-        {"po", po + "msgid \"a\"\nmsgstr \"\xFF\"\n", 5, "a byte that is no UTF-8"},
-        {"po", po + "msgid \"a\"\nmsgstr \"\\377\"\n", 5, "escapes that make no UTF-8"},
-        {"po", po + "msgid \"a\"\nmsgstr \"x\\0\"\n", 5, "an escape that is not known"},
-        {"po", po + "msgid \"a\"\nmsgstr \"x\\q\"\n", 5, "an escape that is not known"},
-        {"po", po + std::string("msgid \"a\0\"", 10), 4, "a zero byte"},
-        {"po", po + "msgid \"a\nmsgstr \"b\"\n", 4, "without its closing quote"},
-        {"po", po + "msgid \"a\"\nmsgstr \"", 5, "without its closing quote"},
-        {"po", po + "msgid \"a\"\n\nmsgid \"b\"\nmsgstr \"\"\n", 6, "wrong place"},
-        {"po", po + "msgid \"a\"\nmsgctxt \"b\"\nmsgstr \"\"\n", 5, "wrong place"},
-        {"po", po + "msgstr \"b\"\n", 4, "msgstr without its msgid"},
-        {"po", po + "msgid \"a\"\n", 5, "msgstr is missing"},
-        {"po", po + "msgid \"a\"\nmsgid_plural \"b\"\nmsgstr[1] \"\"\n", 6, "msgstr[0] is missing"},
-        {"po", po + "<<<<<<< ours\n", 4, "no word of a catalog"},
-        {"po", "msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=KLINGON\\n\"\n", 2,
-         "\"KLINGON\" is not known"},
-        {"csv", "group,item,german\ng,i,\"x\n", 2, "without its closing quote"},
-        {"csv", "group,item,german\n\"g\n\",i,x\ng,\xC3,x\n", 4, "a byte that is no UTF-8"},
-        {"csv", "group,german\n", 1, "\"group\" and \"item\" are missing"},
-        {"csv", "", 1, "no columns"},
-        {"csv", "group,item,german\ng,i,x,y\n", 2, "more cells than columns"},
-        {"xliff", "<!DOCTYPE x [<!ENTITY a \"b\">]>\n" + open + "&a;" + xliff_tail, 1,
-         "a document type"},
-        {"xliff", "<?xml version=\"1.0\"?><!-- > --> <!DOCTYPE x SYSTEM \"/etc/passwd\"><x/>", 1,
-         "a document type"},
-        {"xliff", "\xFF\xFE" + wide("<!DOCTYPE x [<!ENTITY a \"b\">]><x>&a;</x>"), 1,
-         "a byte that is no UTF-8"}, // a document type in another encoding
-        {"xliff", wide("<!DOCTYPE x SYSTEM \"/etc/passwd\"><x/>"), 1, ""},
-        {"xliff", open + "<target>&a;</target>" + xliff_tail, 2, "a"},
-        {"xliff", open + "<target>\n<x id=\"1\"/></target>" + xliff_tail, 3, "a placeholder"},
-        {"xliff", open + "<target>a", 2, "a"},
-        {"xliff", open + "<target>\xC3</target>" + xliff_tail, 2, "a byte that is no UTF-8"},
-        {"xliff", "<!-- < -->\n<xliff version='>'" + crowd + "/>", 2, "more than 1,000 attributes"},
-        {"xliff", "<html/>", 1, "no XLIFF"},
-        {"xliff", "<xliff version=\"3.0\"/>", 1, "no XLIFF of version 1 or 2"},
-        {"json", "{\"language_source\": 1,\n \"app\": \"\xFF\"}", 2, "a byte that is no UTF-8"},
-        {"json", "{\"language_source\": 1,\n \"app\": \"\\u0000\"}", 2, "a zero byte"},
-        {"json", "{\"language_source\": 1, \"app\": \"\\ud800\"}", 1, "no JSON"},
-        {"json", "{\"language_source\": 1,\n\"app\" 2}", 2, "no JSON"},
-        {"json", "{\"language_source\": 1, \"ap\": \"x\"}", 0, "ap: not known"},
-        {"json", "{}", 0, "\"language_source\" is missing"},
-        {"json", "[]", 0, "no object"},
-        {"json", "{}\n{}", 2, "something behind the object"},
-        {"json", "9[]", 1, "no object"},
-        {"json", "", 1, ""},
-        {"json", deep, 1, "brackets deeper"},
-        {"json", "{\"language_source\":1,\n\"groups\":[{\"items\":[\n{\"ready\":true}]}]}", 3,
-         "groups 0 items 0 ready: no whole number"},
-        {"json", "{\"language_source\":1,\n\"groups\":[{\"items\":[{\n\"typ\":9999999999}]}]}", 2,
-         "too large"},
-        {"json", "{\"language_source\":1,\n\"groups\":[{\"items\":[0]}]}", 0, "no object"},
-        {"json", "/* */ {}", 1, "only in strings"},
-    };
-    for (const auto &row : cases) {
-        const fault wrong = fault_of(row.format, row.bytes);
-        const std::string shown = row.bytes.substr(0, 200);
+    const auto expect_fault = [](const std::string &format, const std::string &bytes,
+                                 std::uint32_t line, const std::string &text) {
+        const fault wrong = fault_of(format, bytes);
+        const std::string shown = bytes.substr(0, 200);
         EXPECT_TRUE(wrong) << shown;
-        EXPECT_EQ(wrong.line, row.line) << shown;
-        EXPECT_THAT(wrong.text, HasSubstr(row.text)) << shown;
+        EXPECT_EQ(wrong.line, line) << shown;
+        EXPECT_THAT(wrong.text, HasSubstr(text)) << shown;
+    };
+    for (const zel_test::row &row : zel_test::rows_of("exchange/hostile.rows")) {
+        std::string bytes;
+        for (std::size_t at = 0; at < row[0].size(); ++at)
+            bytes += row[0][at] != '@'         ? std::string(1, row[0][at])
+                     : row.section == "po"     ? po_head
+                     : at + 1 == row[0].size() ? xliff_tail
+                                               : xliff_head;
+        expect_fault(row.section, bytes, static_cast<std::uint32_t>(std::stoi(row[1])), row[2]);
     }
+    expect_fault("xliff", "\xFF\xFE" + wide("<!DOCTYPE x [<!ENTITY a \"b\">]><x>&a;</x>"), 1,
+                 "a byte that is no UTF-8");
+    expect_fault("xliff", wide("<!DOCTYPE x SYSTEM \"/etc/passwd\"><x/>"), 1, "");
+    expect_fault("xliff", "<!-- < -->\n<xliff version='>'" + crowd + "/>", 2,
+                 "more than 1,000 attributes");
+    expect_fault("json", deep, 1, "brackets deeper");
 }
 
 // A text that grows while it is read must not outgrow the bytes that were sent.

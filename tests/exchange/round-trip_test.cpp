@@ -22,11 +22,9 @@ class RoundTrip : public testing::TestWithParam<trip> {};
 
 std::string whole(LangSource *source)
 {
-    std::string out = json_of_head(source);
-    for (const edit_t *group : zel::each<edit_t>(source->groups))
-        for (const item_t *item : zel::each<item_t>(group->items))
-            out += "\n" + json_of_item(item);
-    return out;
+    export_request all;
+    all.source = source;
+    return written(all, "json").front();
 }
 
 TEST_P(RoundTrip, ChangesNothing)

@@ -5,9 +5,9 @@
 
 #include "exchange/formats.h"
 #include "exchange/import.h"
+#include "rows.h"
 #include "source/lang-read.h"
 #include "source/quote.h"
-#include "test-support.h"
 
 #include <random>
 #include <string>
@@ -15,63 +15,15 @@
 
 namespace zel_test {
 
-// What comes between, before and behind other things in an awkward text.
+// The table of what comes between, before and behind other things in an awkward text.
 inline const std::vector<std::string> &awkward_pieces()
 {
-    static const std::vector<std::string> pieces = {"a",
-                                                    "Wort",
-                                                    " ",
-                                                    ":",
-                                                    "::",
-                                                    "\\",
-                                                    "\\n",
-                                                    "\n",
-                                                    "\n\n",
-                                                    "\t",
-                                                    "\r",
-                                                    "\r\n",
-                                                    "\"",
-                                                    "'",
-                                                    ",",
-                                                    ";",
-                                                    "=1+1",
-                                                    "+",
-                                                    "-",
-                                                    "@",
-                                                    "<b>",
-                                                    "&amp;",
-                                                    "]]>",
-                                                    "<!DOCTYPE x>",
-                                                    "%s",
-                                                    "%d",
-                                                    "%1$s",
-                                                    "% d",
-                                                    "%",
-                                                    "#~",
-                                                    "#",
-                                                    "msgid",
-                                                    "{",
-                                                    "}",
-                                                    "[0]",
-                                                    "/*",
-                                                    "*/",
-                                                    "_",
-                                                    "\\x41",
-                                                    "\\x00",
-                                                    "\x01",
-                                                    "\x1b",
-                                                    "\x7f",
-                                                    "\xC3\xB6",
-                                                    "\xE2\x80\xA8",
-                                                    "\xEF\xBB\xBF",
-                                                    "\xEF\xBF\xBE",
-                                                    "\xEE\xBC\x81",
-                                                    "\xEE\xBE\x85",
-                                                    "\xEE\xBF\xBF",
-                                                    "\xF0\x9F\x98\x80",
-                                                    "\xD8\xA7",
-                                                    "group",
-                                                    "item"};
+    static const std::vector<std::string> pieces = [] {
+        std::vector<std::string> all;
+        for (const row &row : rows_of("exchange/pieces.rows"))
+            all.insert(all.end(), row.texts.begin(), row.texts.end());
+        return all;
+    }();
     return pieces;
 }
 

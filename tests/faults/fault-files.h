@@ -45,10 +45,11 @@ inline files files_below(const std::string &folder)
 {
     namespace fs = std::filesystem;
     files all;
-    for (const auto &file : fs::recursive_directory_iterator(folder)) {
+    const auto links = fs::directory_options::follow_directory_symlink;
+    for (const auto &file : fs::recursive_directory_iterator(folder, links)) {
         if (!file.is_regular_file())
             continue;
-        const std::string name = fs::relative(file.path(), folder);
+        const std::string name = file.path().lexically_relative(folder);
         all[replace_pattern(name, "-0000-00-00-00-00-00", "-NOW")] =
             replace_pattern(replace_pattern(read_file(file.path()), " 0000000000", " NOW"),
                             "0000-00-00 00:00:00", "NOW");

@@ -9,6 +9,7 @@
 #include "system-calls.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 namespace zel_test {
@@ -24,6 +25,23 @@ void prepare_source()
     write_file(source_name, old_source());
     write_file("code.c", application_code());
     fs::create_directory("out");
+    fs::create_directories("Morvalix 6.00/log");
+}
+
+constexpr const char *source_elsewhere = "there/app.lang-src";
+
+// Behind a link to a folder that is, where that can be, on another file system.
+void prepare_source_elsewhere()
+{
+    static const struct folder {
+        folder() { require(mkdtemp(path.data()) != nullptr, "mkdtemp"); }
+        ~folder() { fs::remove_all(path); }
+        std::string path = "/tmp/lang-elsewhere-XXXXXX";
+    } elsewhere;
+    for (const auto &left : fs::directory_iterator(elsewhere.path))
+        fs::remove_all(left);
+    fs::create_directory_symlink(elsewhere.path, "there");
+    write_file(source_elsewhere, old_source());
     fs::create_directories("Morvalix 6.00/log");
 }
 
@@ -79,7 +97,8 @@ std::string source_stays_and_no_text_is_cut(const job_outcome &run, const job_ou
 // The source is the old one, or the new one with the old one beside it.
 std::string old_text_stays(const job_outcome &run, const job_outcome &whole)
 {
-    const std::string *now = find(run.left, source_name);
+    const std::string *here = find(run.left, source_name);
+    const std::string *now = here != nullptr ? here : find(run.left, source_elsewhere);
     if (now == nullptr)
         return "the source is gone";
     if (*now == old_source())
@@ -228,6 +247,12 @@ const fault_job jobs[] = {
      {"lang", "convert", source_name, source_name},
      nullptr,
      prepare_source,
+     old_text_stays},
+    {"convert elsewhere",
+     LANG_PROGRAM,
+     {"lang", "convert", source_elsewhere, source_elsewhere},
+     nullptr,
+     prepare_source_elsewhere,
      old_text_stays},
     {"check",
      LANG_PROGRAM,

@@ -1,6 +1,7 @@
 // Texts out and in through the words, with other programs as judges of what goes out.
 
 #include "exchange/sources.h"
+#include "kit/menu-source.h"
 #include "kit/run-kit.h"
 
 #include <regex>
@@ -14,6 +15,7 @@ using testing::HasSubstr;
 using testing::Not;
 using zel_test::kit;
 using zel_test::read_file;
+using zel_test::with;
 using zel_test::write_file;
 
 constexpr char example[] = LANG_SOURCE_ROOT "/examples/notes.lang-src";
@@ -52,7 +54,6 @@ TEST_F(ExchangeSlow, AChangedTextComesBackAndNothingElse)
     for (const char *format : {"po", "xliff", "xliff2", "csv"}) {
         write_file("app.lang-src", read_file(example));
         std::filesystem::remove_all("out");
-        std::filesystem::create_directory("out");
         const auto out = kit(std::string("export -o out --format ") + format + " app.lang-src");
         EXPECT_EQ(out.status, 0) << out.err;
         const std::string path = std::string(format) == "csv"  ? "out/app.csv"
@@ -94,7 +95,7 @@ TEST_F(ExchangeSlow, AChangedTextComesBackAndNothingElse)
 TEST_F(ExchangeSlow, OnlyWhatIsKnownIsTaken)
 {
     write_file("german.po",
-               "msgctxt \"menu:_Save\"\nmsgid \"_Save\"\nmsgstr \"Sichern\"\n\n"
+               "msgctxt \"menu:_Save\"\nmsgid \"_Save\"\nmsgstr \"Sichern \"\n\n"
                "msgctxt \"menu:_Sve\"\nmsgid \"_Sve\"\nmsgstr \"x\"\n\n"
                "msgid \"loose\"\nmsgstr \"x\"\n\n"
                "#, fuzzy\nmsgctxt \"menu:_Quit\"\nmsgid \"_Quit\"\nmsgstr \"Raten\"\n\n"
@@ -122,23 +123,6 @@ TEST_F(ExchangeSlow, OnlyWhatIsKnownIsTaken)
     EXPECT_EQ(bad.status, 2);
     EXPECT_THAT(bad.err, HasSubstr("french.po:1: error: a text without its closing quote\n"));
     EXPECT_EQ(read_file("app.lang-src"), before);
-}
-
-TEST_F(ExchangeSlow, ReadyStaysOnlyForAFinalText)
-{
-    const auto ready_after = [](const std::string &attributes) {
-        write_file("app.lang-src", read_file(example));
-        write_file("german.xliff", "<xliff version='1.2'><file target-language='de'><body>"
-                                   "<trans-unit id='menu:_Save' " +
-                                       attributes +
-                                       "<source>_Save</source><target>S</target></trans-unit>"
-                                       "</body></file></xliff>");
-        EXPECT_EQ(kit("import --format xliff app.lang-src german.xliff").status, 0);
-        const std::string source = read_file("app.lang-src");
-        return source.substr(source.find("READY", source.find("  ITEM   \"_Save\"")), 11);
-    };
-    EXPECT_EQ(ready_after("approved='yes'>"), "READY     1");
-    EXPECT_EQ(ready_after("approved='no'>"), "READY     0");
 }
 
 TEST_F(ExchangeSlow, CommentsComeOnlyWhenWanted)
@@ -174,6 +158,38 @@ TEST_F(Exchange, JsonReplacesTheWholeSource)
               "app.json:1: error: no JSON\n");
 }
 
+// The texts come late, from a pipe: meanwhile another program saves.
+TEST_F(Exchange, WhatAnotherProgramSavedMeanwhileStays)
+{
+    const std::string base = with(read_file(example), "\"_Speichern\"", "\"\"");
+    const std::string saved = with(base, "\"_Datei\"", "\"THEIRS\"");
+    write_file("app.lang-src", base);
+    write_file("json", with(kit("export --format json app.lang-src").out, "_Datei", "MINE"));
+    write_file("csv", "group,item,description,german\nmenu,_Save,none,MINE\n");
+    std::filesystem::create_symlink("app.lang-src", "link.lang-src");
+    write_file("race",
+               "rm -f late.csv; mkfifo late.csv\n'" LANG_KIT "' \"$@\" &\n"
+               "exec 3>late.csv; mv saved app.lang-src; cat $texts >&3; exec 3>&-; wait $!");
+    for (const std::string to : {"", "-o ./app.lang-src", "-o link.lang-src"})
+        for (const std::string word : {"import --format csv", "import --format json", "fill"}) {
+            write_file("app.lang-src", base);
+            write_file("saved", saved);
+            const auto run =
+                kit("--version >/dev/null; texts=" +
+                    std::string(word.ends_with("json") ? "json" : "csv") + " timeout 60 sh race " +
+                    word + " " + to +
+                    (word == "fill" ? " --from late.csv app.lang-src" : " app.lang-src late.csv"));
+            EXPECT_EQ(read_file("app.lang-src"), saved) << word << " " << to;
+            EXPECT_THAT(run.err, HasSubstr("changed by another program meanwhile"));
+            EXPECT_EQ(run.status, 2);
+        }
+    // A source that may have been cut is no base for another text.
+    write_file("app.lang-src", base.substr(0, base.find("/* EOF")));
+    for (const char *format : {"csv", "json"})
+        EXPECT_EQ(kit(std::string("import --format ") + format + " app.lang-src " + format).status,
+                  2);
+}
+
 TEST_F(Exchange, WhatStoodInTheWayIsKept)
 {
     EXPECT_EQ(kit("export --format po --language german app.lang-src").out, "german.po\n");
@@ -191,31 +207,34 @@ TEST_F(Exchange, WhatStoodInTheWayIsKept)
     EXPECT_EQ(kept, "# somebody's work\n");
 }
 
-TEST_F(Exchange, WrongUseIsOneLineAndStatusTwo)
+TEST_F(Exchange, ADryRunWritesNothing)
 {
-    const struct {
-        const char *words, *line;
-    } cases[] = {
-        {"export app.lang-src",
-         "lang-kit export: --format is po, xliff, xliff2, csv or json, not \"\"\n"},
-        {"export --format po --language dutch app.lang-src",
-         "lang-kit: app.lang-src: no language \"dutch\" is defined\n"},
-        {"export --format json --language german app.lang-src",
-         "lang-kit export: --language is not for whole sources\n"},
-        {"export --format po -o none/such app.lang-src",
-         "lang-kit: none/such/english.po: No such file or directory\n"},
-        {"import --format po app.lang-src", "lang-kit import: a file is missing: "},
-        {"import --format po app.lang-src none.po", "none.po: error: No such file or directory\n"},
-        {"import --format json --comments app.lang-src a.json",
-         "lang-kit import: --comments, --fuzzy and --language are not for whole sources\n"},
-    };
-    for (const auto &row : cases) {
-        const auto result = kit(row.words);
-        EXPECT_EQ(result.status, 2) << row.words;
-        EXPECT_THAT(result.err, testing::StartsWith(row.line));
-        EXPECT_EQ(result.out, "");
+    write_file("german.po", "msgctxt \"menu:_Save\"\nmsgid \"_Save\"\nmsgstr \"Sichern\"\n");
+    for (const std::string words :
+         {"start --dry-run new.lang-src", "export --dry-run --format po -o new app.lang-src",
+          "report --dry-run -o new.html app.lang-src", "pseudo --dry-run app.lang-src",
+          "merge --dry-run -o new.lang-src app.lang-src app.lang-src app.lang-src",
+          "import --dry-run --format po app.lang-src german.po",
+          "fill --dry-run -o new.lang-src --from german.po app.lang-src"}) {
+        EXPECT_EQ(kit(words).status, 0) << words;
+        EXPECT_EQ(files(), 2U) << words;
+        EXPECT_FALSE(std::filesystem::exists("new")) << words;
+        EXPECT_EQ(read_file("app.lang-src"), read_file(example));
     }
-    EXPECT_EQ(files(), 1U);
+}
+
+// A pipe with a name is not waited for; one that a shell makes for a command is read.
+TEST_F(Exchange, APipeIsNoSource)
+{
+    ASSERT_EQ(run("mkfifo pipe.lang-src"), 0);
+    for (const std::string word : {"lint", "show", "pseudo"}) {
+        const auto refused =
+            kit("--version >/dev/null; timeout 20 '" LANG_KIT "' " + word + " pipe.lang-src");
+        EXPECT_EQ(refused.status, 2) << word;
+        EXPECT_EQ(refused.err.substr(0, refused.err.find('\n')),
+                  "lang-kit: pipe.lang-src: it is a pipe");
+    }
+    EXPECT_EQ(run("bash -c \"'" LANG_KIT "' diff <(cat app.lang-src) app.lang-src\""), 0);
 }
 
 // ---- Judges
@@ -262,10 +281,12 @@ for group in source['groups']:
 rows = list(csv.DictReader(open('app.csv', encoding='utf-8-sig', newline='')))
 assert len(rows) == 80, len(rows)
 def plain(cell):
-    return cell[1:] if cell.startswith("'") else cell
+    cell = cell[1:] if cell.startswith("'") else cell
+    return cell.replace('\uef09', '\t').replace('\uef0d', '\r')
 count = 0
 for row in rows:
     for column, cell in row.items():
+        assert not cell.startswith(('=', '+', '-', '@', '\n')), cell
         if column in ('group', 'item', 'description'):
             continue
         key = plain(row['group']), plain(row['item']), plain(column)

@@ -15,19 +15,14 @@ struct pair {
 TEST(FormatOr, TextsThatFit)
 {
     const pair rows[] = {
-        {"%d notes", "%d Notizen"},
-        {"%d notes", "%i Notizen"},
-        {"none", "keine"},
-        {"100%%", "zu 100 %%"},
-        {"%s: %d", "%2$d (%1$s)"},
-        {"%s: %d", "%2$d %1$s %2$i"},
-        {"%2$s %1$d", "%d %s"},
-        {"%5.2f", "%lf"},
-        {"%-20s|", "%.3s"},
-        {"%ld %zu", "%2$zu %1$ld"},
-        {"%x", "%#010o"},
-        {"%c%p", "%c %p"},
-        {"%Lf", "%'LG"},
+        {"%d notes", "%d Notizen"}, {"%d notes", "%i Notizen"},
+        {"none", "keine"},          {"100%%", "zu 100 %%"},
+        {"%s: %d", "%2$d (%1$s)"},  {"%s: %d", "%2$d %1$s %2$i"},
+        {"%2$s %1$d", "%d %s"},     {"%5.2f", "%lf"},
+        {"%-20s|", "%.3s"},         {"%.4s", "%9.4s"},
+        {"%.4s", "%1$.2s, %1$.4s"}, {"%1$.4s %1$s", "%s"},
+        {"%ld %zu", "%2$zu %1$ld"}, {"%x", "%#010o"},
+        {"%c%p", "%c %p"},          {"%Lf", "%'LG"},
         {"%ls", "%-999ls"},
     };
     for (const auto &[item, text] : rows)
@@ -46,6 +41,12 @@ TEST(FormatOr, TextsThatDoNot)
         {"%d", "%u"},
         {"%s", "%ls"},
         {"%s", "%S"},
+        {"%.4s", "%s"}, // an array without an end
+        {"%.4s", "%4s"},
+        {"%.4s", "%.5s"},
+        {"%.4s", "%1$.4s, %1$s"},
+        {"%.s", "%.1s"},
+        {"%d %.4ls", "%2$ls %1$d"},
         {"%c", "%d"},
         {"%f", "%Lf"},
         {"%p", "%s"},

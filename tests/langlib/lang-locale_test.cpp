@@ -8,9 +8,11 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -70,6 +72,11 @@ TEST_F(Locale, SettingsCountInTheOrderOfTheCLibrary)
     put("french-edit/french.lang", "Français");
     put("sr.lang", "sr@latin");
     put("zh_Hant.lang", "x");
+    put("no.lang", "no");
+    put("bokmål.lang", "bokmål");
+    put("tlh.lang", "tlh");
+    put("tlh@latin.lang", "tlh@latin");
+    put("my_own_texts.lang", "x");
     const struct {
         std::vector<std::string> values; // of LANGUAGE, LC_ALL, LC_MESSAGES, LANG
         const char *files;
@@ -89,6 +96,12 @@ TEST_F(Locale, SettingsCountInTheOrderOfTheCLibrary)
         {{"", "", "", "zh_TW.UTF-8"}, "zh_Hant.lang"},
         {{"", "", "", "zh_CN"}, ""},
         {{"", "", "", "../../../etc"}, ""},
+        {{"nn:nb", "de_DE", "", ""}, "bokmål.lang no.lang"},
+        {{"nn:fr", "de_DE", "", ""}, "no.lang french-edit/french.lang"},
+        {{"nb:fr", "de_DE", "", ""}, "bokmål.lang no.lang french-edit/french.lang"},
+        {{"", "", "", "tlh_DE.UTF-8@latin"}, "tlh@latin.lang tlh.lang"},
+        {{"", "", "", "tlh_DE.UTF-8"}, "tlh.lang"},
+        {{"", "", "", "my_own_texts.UTF-8"}, "my_own_texts.lang"},
     };
     for (const auto &row : rows)
         EXPECT_EQ(taken(row.values), row.files) << testing::PrintToString(row.values);
@@ -96,6 +109,37 @@ TEST_F(Locale, SettingsCountInTheOrderOfTheCLibrary)
     EXPECT_EQ(taken({"", "C", "", ""}), "default.lang");
     EXPECT_EQ(taken({"", "de_DE", "", ""}), "german.lang default.lang");
     EXPECT_EQ(taken({"", "en_GB", "", ""}), "default.lang");
+    std::string many;
+    for (int i = 0; i < 40; ++i) {
+        const std::string name = "tl" + std::to_string(i);
+        put(name + ".lang", name);
+        many += name + ":";
+    }
+    EXPECT_THAT(taken({many, "de_DE", "", ""}), testing::EndsWith(" tl39.lang default.lang"));
+}
+
+// The C library's own list of locales: each finds a file that bears its language's code.
+TEST_F(Locale, EveryLocaleOfTheCLibraryFindsItsLanguage)
+{
+    std::ifstream list("/usr/share/i18n/SUPPORTED");
+    if (!list)
+        return zel_test::missing("/usr/share/i18n/SUPPORTED");
+    std::string before;
+    for (std::string line; std::getline(list, line);) {
+        const std::string name = line.substr(0, line.find(' '));
+        const std::string code = name.substr(0, name.find_first_of("_.@"));
+        if (code == "C")
+            continue;
+        zel::language_tag tag;
+        zel::language_row row;
+        if (code != std::exchange(before, code)) {
+            std::filesystem::create_directory(code);
+            zel_test::write_file(code + "/" + code + ".lang", "GROUP g a { \"b\" }");
+            EXPECT_TRUE(zel::read_language(code, tag, row)) << code << " has no row";
+        }
+        const handle_guard handle(lang_locale_new(code.c_str(), name.c_str()));
+        EXPECT_NE(handle, nullptr) << name;
+    }
 }
 
 TEST_F(Locale, LanguagesAreKnownByCodesAndNames)
@@ -124,6 +168,23 @@ TEST_F(Locale, LanguagesAreKnownByCodesAndNames)
         {"\xFF\xFE", ""},
         {"_", ""},
         {"de@", "de"},
+        {"Bengali", "bn"},
+        {"Slovene", "sl"},
+        {"tagalog", "fil"},
+        {"Portuguese (Brazil)", "pt_BR"},
+        {"Chinese (Simplified)", "zh_Hans"},
+        {"Chinese (Traditional, Hong Kong)", "zh_Hant_HK"},
+        {"Chinese (Hong Kong)", "zh_HK"},
+        {"Serbian (Latin)", "sr@latin"},
+        {"serbian (latin, bosnia & herzegovina)", "sr_BA@latin"},
+        {"English (United States)", "en_US"},
+        {"German (Atlantis)", ""},
+        {"German (Austria, Germany)", ""},
+        {"German ()", "de"},
+        {"sh", "sh"},
+        {"guw", "guw"},
+        {"nah", "nah"},
+        {"smi", "smi"},
     };
     for (const auto &row : rows) {
         zel::language_tag tag;
@@ -202,6 +263,18 @@ TEST_F(Locale, HandlesOfTheCallersAreChained)
     EXPECT_EQ(lang_locale_chain(nullptr, first.get()), 1) << "nothing is loaded";
     EXPECT_EQ(lang_locale_chain(first.get(), nullptr), 0);
     EXPECT_STREQ(lang_get_str(first.get(), "g", "c"), "c");
+
+    put("de_AT.lang", "de_AT");
+    put("de.lang", "de");
+    put("fr.lang", "fr");
+    const handle_guard austrian(lang_locale_new("texts", "de_AT"));
+    const handle_guard french(lang_locale_new("texts", "fr"));
+    const lang_locale_t *taken = lang_locale_of(austrian.get());
+    EXPECT_STREQ(taken->next->code, "de");
+    EXPECT_EQ(lang_locale_chain(austrian.get(), french.get()), 0);
+    EXPECT_EQ(taken->next, lang_locale_of(french.get()));
+    EXPECT_EQ(lang_locale_chain(austrian.get(), third.get()), 0);
+    EXPECT_EQ(taken->next, nullptr) << "no record tells of it";
 }
 
 TEST_F(Locale, TheListSaysWhatIsThere)

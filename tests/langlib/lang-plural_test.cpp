@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 #include <set>
 #include <sstream>
+#include <vector>
 
 namespace {
 
@@ -18,7 +19,7 @@ using namespace langlib_test;
 
 class Plural : public loading {};
 
-// The sample numbers that the rules are published with: "de other 0 2-16 100".
+// The sample numbers that the rules are published with: "da,de other 0 2-16 100".
 TEST_F(Plural, SampleNumbersOfEveryLanguage)
 {
     std::ifstream file(LANG_SOURCE_ROOT "/tests/langlib/plural-samples.txt");
@@ -26,18 +27,25 @@ TEST_F(Plural, SampleNumbersOfEveryLanguage)
     std::size_t numbers = 0;
     for (std::string line; std::getline(file, line);) {
         std::istringstream words(line);
-        std::string code;
+        std::string codes;
         std::string form;
-        words >> code >> form;
-        zel::language_row row;
-        ASSERT_TRUE(zel::find_language(code, row)) << line;
-        languages.insert(code);
-        const zel::plural_forms forms = zel::count_plural_forms(row.plural);
+        words >> codes >> form;
+        std::vector<unsigned long> samples;
         for (std::string range; words >> range;) {
             char *end = nullptr;
             const unsigned long first = std::strtoul(range.c_str(), &end, 10);
             const unsigned long last = *end == '-' ? std::strtoul(end + 1, nullptr, 10) : first;
-            for (unsigned long n = first; n <= last; ++n, ++numbers)
+            for (unsigned long n = first; n <= last; ++n)
+                samples.push_back(n);
+        }
+        std::istringstream all_codes(codes);
+        for (std::string code; std::getline(all_codes, code, ',');) {
+            zel::language_row row;
+            ASSERT_TRUE(zel::find_language(code, row)) << line;
+            languages.insert(code);
+            numbers += samples.size();
+            const zel::plural_forms forms = zel::count_plural_forms(row.plural);
+            for (const unsigned long n : samples)
                 EXPECT_EQ(
                     zel::plural_form_name(row.plural, zel::plural_form(row.plural, forms.all, n)),
                     form)
@@ -52,10 +60,12 @@ TEST_F(Plural, SampleNumbersOfEveryLanguage)
 std::string forms(const std::string &language, const char *text,
                   std::initializer_list<std::int64_t> numbers)
 {
-    const handle_guard handle = load("LANGUAGE \"" + language + "\" GROUP g a { \"b\" }");
+    const handle_guard handle =
+        load("LANGUAGE \"" + language + "\" GROUP g a { \"" + text + "\" }");
+    const char *own = lang_get_str(handle.get(), "g", "a");
     std::string all;
     for (const std::int64_t n : numbers)
-        all += (all.empty() ? "" : " ") + std::string(lang_plural_of(handle.get(), text, n));
+        all += (all.empty() ? "" : " ") + std::string(lang_plural_of(handle.get(), own, n));
     return all;
 }
 
@@ -75,6 +85,41 @@ TEST_F(Plural, FormsOfALoadedLanguage)
     EXPECT_EQ(forms("german", "|other", {2, 1}), "other ");
     EXPECT_EQ(forms("german", "only", {1, 2}), "only only");
     EXPECT_EQ(forms("polish", "one|few|many", {INT64_MIN, INT64_MAX}), "many many");
+    // As many forms as the language had by an older edition of the rules.
+    EXPECT_EQ(forms("hebrew", "one|two|many|other", {1, 2, 0, 10, 11, 20, 30}),
+              "one two other other other many many");
+    EXPECT_EQ(forms("hebrew", "one|two|other", {1, 2, 20}), "one two other");
+    EXPECT_EQ(forms("hebrew", "one|other", {1, 2, 20}), "one other other");
+    EXPECT_EQ(forms("maltese", "one|few|many|other", {1, 0, 2, 11, 20}), "one few few many other");
+    EXPECT_EQ(forms("maltese", "one|two|few|many|other", {1, 2, 0, 11, 20}),
+              "one two few many other");
+    EXPECT_EQ(forms("catalan", "one|other", {1, 0, 1000000}), "one other other");
+}
+
+// A chain from a language with two forms to one with three; a text that no file has is the item.
+TEST_F(Plural, TheFileThatATextLiesInDecides)
+{
+    const char *item = "%d note|%d notes";
+    zel_test::write_file("kk.lang", "GROUP g x { \"y\" }");
+    zel_test::write_file("ru.lang", "GROUP g \"%d note|%d notes\" { \"%d заметка|%d "
+                                    "заметки|%d заметок\" }");
+    const handle_guard chain(lang_locale_new(".", "kk:ru"));
+    const char *text = lang_get_str(chain.get(), "g", item);
+    EXPECT_STREQ(lang_plural_of(chain.get(), text, 1), "%d заметка");
+    EXPECT_STREQ(lang_plural_of(chain.get(), text, 22), "%d заметки");
+    const auto form = [](const lang_handle_t *handle, const char *of, std::int64_t n) {
+        return std::string(lang_plural_of(const_cast<lang_handle_t *>(handle), of, n));
+    };
+    const handle_guard filipino = load("LANGUAGE filipino GROUP g a { default \"one|other\" } "
+                                       "b { \"one|other\" }");
+    EXPECT_EQ(form(filipino.get(), item, 5), "%d notes");
+    EXPECT_EQ(form(filipino.get(), lang_get_str(filipino.get(), "g", "a"), 5), "other");
+    EXPECT_EQ(form(filipino.get(), lang_get_str(filipino.get(), "g", "b"), 5), "one");
+    EXPECT_EQ(form(filipino.get(), filipino->lang[2].value + 1, 5), "ne") << "a part of a text";
+    EXPECT_EQ(form(chain.get(), "a|b|c", 1), "c") << "neither English nor Kazakh";
+    load_process_wide("LANGUAGE filipino GROUP g b { \"one|other\" }");
+    EXPECT_STREQ(lang_plural(item, 5), "%d notes");
+    EXPECT_STREQ(lang_plural(lang_get_string("g", "b"), 5), "one");
 }
 
 TEST_F(Plural, TheProcessWideLanguageDecides)

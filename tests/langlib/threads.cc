@@ -1,6 +1,7 @@
 // Eight threads that ask at once for all kinds of texts, each with symbols, records and messages of
-// its own, while the log is open; then threads that ask while a directory is being loaded. Built
-// with ThreadSanitizer, which ends the program with an error where two of them meet.
+// its own, while the log is open; then threads that ask while others load, list and make handles of
+// a directory. Built with ThreadSanitizer, which ends the program with an error where two of them
+// meet.
 
 #include "langlib/lang-locale.h"
 
@@ -42,7 +43,9 @@ bool ask(lang_handle_t *handle, zel_list *symbols, int round)
     const int number = round % 7;
     good = good && is(lang_plural("one|other", number), number == 1 ? "one" : "other");
     good = good && is(lang_plural_of(handle, item, number), item);
-    good = good && is(lang_format_or(item, "%s"), item);
+    good = good && is(lang_format_or(item, "%s"), item) && lang_locale_of(handle) == nullptr;
+    good = good && is(lang_tooltip("g", "Open"), "Oeffnen");
+    good = good && is(lang_sym_get(symbols, "ONE"), "eins");
     good = good && lang_check_string("g", "Open") == 1 && lang_get_ctime() == 7;
 
     zel_info_t *record = nullptr;
@@ -65,25 +68,38 @@ void ask_often(lang_handle_t *handle, bool &good)
     lang_sym_free(symbols);
 }
 
-// Threads that ask for a text of the second file of a chain, and for a form, from before it is
-// loaded until all have it. Two of them load, of which one is refused. Where the first file has a
-// text of its own, a stand-in, or none, the answer is the item or the text, and never anything
-// else.
+// Threads that ask for a text of the second file of a chain, for a form and a symbol, from before
+// it is loaded until all have it. Two of them load, of which one is refused, two make a handle, and
+// one lists the files. Where the first file has a text of its own, a stand-in, or none, the answer
+// is the item or the text, and never anything else.
+constexpr int askers = 6;
 std::atomic<int> loads;
+std::atomic<int> waiting{askers};
 
-void ask_while_loading(const char *folder, bool loader, bool &good)
+void ask_while_loading(const char *folder, int role, lang_handle_t *&made, bool &good)
 {
-    if (loader && lang_locale_choose(folder, "de_AT") != nullptr)
+    --waiting;
+    while (waiting > 0) {
+    }
+    if (role < 2 && lang_locale_choose(folder, "de_AT") != nullptr)
         ++loads;
+    else if (role == 2 || role == 3)
+        good = (made = lang_locale_new(folder, "de_AT")) != nullptr;
+    else if (role == 4)
+        good = lang_locale_list(folder, nullptr, nullptr) == 2;
+    zel_list *symbols = lang_sym_set(nullptr, "WHO", "Ada", 0);
     bool loaded = false;
     while (!loaded && good) {
         const char *text = lang_get_string("g", "b");
         loaded = is(text, "B-DE");
         good = loaded || is(text, "b");
         good = good && is(lang_plural("one|other", 1), "one");
+        good = good && is_new(lang_sym(symbols, "note", "g", "%WHO%%PERCENT%"), "Ada%");
     }
+    lang_sym_free(symbols);
     good = good && is(lang_get_string("g", "a"), "A-AT") && is(lang_get_string("g", "c"), "c");
     good = good && lang_locale_of(nullptr) != nullptr;
+    good = good && (made == nullptr || is(lang_get_str(made, "g", "b"), "B-DE"));
 }
 
 bool put(const std::string &path, const char *text)
@@ -100,13 +116,16 @@ bool load_while_others_ask(const std::string &folder)
     if (!put(at, "GROUP g a { \"A-AT\" } b { default \"B\" }") ||
         !put(de, "GROUP g a { \"A-DE\" } b { \"B-DE\" }"))
         return false;
-    bool good[6] = {true, true, true, true, true, true};
+    bool good[askers] = {true, true, true, true, true, true};
+    lang_handle_t *made[askers] = {};
     std::vector<std::thread> threads;
-    for (int i = 0; i < 6; ++i)
-        threads.emplace_back(ask_while_loading, folder.c_str(), i == 2 || i == 3,
+    for (int i = 0; i < askers; ++i)
+        threads.emplace_back(ask_while_loading, folder.c_str(), i, std::ref(made[i]),
                              std::ref(good[i]));
     for (std::thread &one : threads)
         one.join();
+    for (lang_handle_t *one : made)
+        lang_free(one, 1);
     lang_de_init();
     std::remove(at.c_str());
     std::remove(de.c_str());

@@ -1,5 +1,6 @@
 #include "lex/min_lex.h"
 
+#include <chrono>
 #include <cstdarg>
 #include <cstdlib>
 #include <gtest/gtest.h>
@@ -227,6 +228,15 @@ TEST(MinLexSplit, CutsAtASeparator)
     EXPECT_EQ(pieces("a,", ','), "[a][]");
     EXPECT_EQ(pieces("", ','), "[]");
     EXPECT_EQ(pieces(nullptr, ','), "");
+
+    const auto start = std::chrono::steady_clock::now();
+    zel_list *list = nullptr;
+    for (int i = 0; i < 50000; ++i)
+        list = min_lex_split_str_by_sep(list, "a,b", ',');
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2))
+        << "a growing list is not walked each time";
+    EXPECT_EQ(zel_list_count(list), 100000);
+    min_lex_split_str_by_sep_free(list);
 }
 
 TEST(MinLexSplit, DecodesInPlace)

@@ -40,6 +40,18 @@ TEST(Lint, NothingToSayNeedsNoTranslation)
     EXPECT_THAT(source.findings(), IsEmpty());
 }
 
+// Whatever language is shown, the default one too, the blank of the code is gone.
+TEST(Lint, AnItemThatEndsInWhiteSpace)
+{
+    made_source source;
+    for (const char *name : {"Name: ", "Saved\n", "Name:", " "})
+        source.add("main", name, {{"english", "Name:"}, {"german", "Name:"}});
+    item_t *unused = source.add("main", "Old ", {{"english", "Old"}, {"german", "Alt"}});
+    unused->used = 0;
+    const auto said = HasSubstr("no text keeps: take it out of the item");
+    EXPECT_THAT(source.findings(only("item-end")), ElementsAre(said, said));
+}
+
 TEST(Lint, TheItemStandsInForTheDefaultLanguagesText)
 {
     made_source source;
@@ -185,7 +197,7 @@ TEST(Lint, OneItemIsJudgedAlone)
     EXPECT_THAT(said, ElementsAre("ending")); // and not that there is another
 }
 
-TEST(Lint, NoTextMakesARuleFail)
+TEST(Lint, NoTextMakesARuleCrashOrSayNothing)
 {
     // Bytes that begin or end something, alone and in pairs, at both ends.
     const std::string pieces[] = {"%",  "%1$",     "_",        "<",        "</", "<a", "&",

@@ -11,7 +11,6 @@ namespace {
 
 using testing::ElementsAre;
 using zel::lint::has_plural_forms;
-using zel_test::judge;
 using zel_test::made_source;
 
 TEST(PluralForms, AreToldFromOtherBars)
@@ -50,24 +49,6 @@ TEST(PluralForms, EachLanguageHasItsCount)
                             "text has 3",
                             "plural: french: the language has 2 or 3 plural forms (one, many, "
                             "other), the text has 4"));
-}
-
-TEST(PluralForms, OtherRulesLookAtOneForm)
-{
-    EXPECT_EQ(judge("format", "%d note|%d notes", "%d a|%d b|%d c"), "");
-    EXPECT_EQ(judge("format", "%d note|%d notes", "%i a|%i b"), "");
-    EXPECT_EQ(judge("format", "one note|%d notes", "eine|%d b"), "");
-    EXPECT_EQ(judge("format", "%d note|%d notes", "eine|%d b"),
-              "german: the item asks for \"%d\", the text for nothing");
-    EXPECT_EQ(judge("format", "one note|%d notes", "eine|%s b"),
-              "german: the item asks for \"%d\", the text for \"%s\"");
-    EXPECT_EQ(judge("format", "one note|%d notes", "%n|%d b"),
-              "german: the text has \"%n\", with which printf overwrites memory");
-    const std::string form = "%d notes of mine";
-    EXPECT_EQ(judge("length", form + "|" + form,
-                    form + "|" + form + "|" + form + "|" + form + "|" + form),
-              "");
-    EXPECT_NE(judge("length", form + "|" + form, form + form + form + form + form), "");
 }
 
 } // namespace

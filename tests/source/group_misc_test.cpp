@@ -200,7 +200,7 @@ TEST(QuotedStrings, IndentAndEscapes)
     EXPECT_EQ(quoted(0, "\x07\x1b\x7f\xff'/*"), "  \"\x07\x1b\x7f\xff'/*\"");
 }
 
-TEST(Search, FoldsTheSameLettersInEveryLocale)
+TEST(SearchSlow, FoldsTheSameLettersInEveryLocale)
 {
     lang_entry_t *entry = alloc_lang_entry("english");
     entry->texts = g_list_append(nullptr, zel_strdup("FILE \xC3\x9C"));

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "rows.h"
 #include "source/source-text.h"
 #include "working-dir.h"
 
@@ -52,6 +53,13 @@ protected:
 
 // --- the grammar ---------------------------------------------------------------------------------
 
+TEST_F(Read, ModelsAreThoseOfTheTable)
+{
+    for (const zel_test::row &row : zel_test::rows_of("source/read.rows"))
+        EXPECT_EQ(row[2] == "item" ? item(row[0]) : model(row[0]), row[1])
+            << row.section << ", read.rows:" << row.line;
+}
+
 TEST_F(Read, NothingGivesTheDefaults)
 {
     EXPECT_EQ(model(""), "");
@@ -59,24 +67,6 @@ TEST_F(Read, NothingGivesTheDefaults)
     const source_guard source = read("");
     EXPECT_STREQ(source->app, "unknown");
     EXPECT_STREQ(source->default_lang, "english");
-}
-
-TEST_F(Read, TheHead)
-{
-    EXPECT_EQ(model("version 3 whatsnew 4294967295 ctime 12 mtime 13 create_date \"a day\"\n"
-                    "app \"sample\" default lang \"german\"\n"
-                    "colwidth group 1 colwidth item 2 colwidth ctrl 3"),
-              "version=3 mtime=13 colwidth_group=1 colwidth_item=2 colwidth_ctrl=3 "
-              "whatsnew=4294967295 ctime=12 app=sample default=german created=a day");
-    EXPECT_EQ(model("app \"a\" app \"b\" default lang \"x\" default lang \"y\" "
-                    "create_date \"1\" create_date \"2\""),
-              "app=b default=y created=2");
-}
-
-TEST_F(Read, AVersionMayLackItsNumber)
-{
-    EXPECT_EQ(model("version 5 version group \"g\" { }"), "group g { }");
-    EXPECT_EQ(model("version"), "");
 }
 
 TEST_F(Read, EmptyStringsAreStoredAsNull)
@@ -91,41 +81,6 @@ TEST_F(Read, EmptyStringsAreStoredAsNull)
     EXPECT_EQ(source->create_date, nullptr);
 }
 
-TEST_F(Read, LanguagesAndTheirNumbers)
-{
-    EXPECT_EQ(model("define file \"a.lang\" lang \"english\""), "lang english a.lang 200 200 0");
-    EXPECT_EQ(model("define file \"a.lang\" lang \"english\" 50"), "lang english a.lang 50 200 0");
-    EXPECT_EQ(model("define file \"a\" lang \"e\" 10 20"), "langs=1 edit_langs=1 lang e a 10 20 1");
-    EXPECT_EQ(model("define file \"a\" lang \"e\" 10 20 0"), "langs=1 lang e a 10 20 0");
-    EXPECT_EQ(model("define file \"a\" lang \"e\" 10 20 7"),
-              "langs=1 edit_langs=1 lang e a 10 20 7");
-}
-
-TEST_F(Read, OneDefineForAll)
-{
-    EXPECT_EQ(model("define file \"a\" lang \"e\" 1 2 1 format utf8 file \"b\" lang \"g\" 3 4 0 "
-                    "file \"c\" lang \"f\" 5 6 app \"x\""),
-              "langs=3 edit_langs=2 format=2 app=x lang e a 1 2 1 lang g b 3 4 0 lang f c 5 6 1");
-    // One number, or none, ends the statement: another define must follow.
-    EXPECT_EQ(model("define file \"a\" lang \"e\" 1 define file \"b\" lang \"g\" define"),
-              "lang e a 1 200 0 lang g b 200 200 0");
-    EXPECT_EQ(model("define define format ascii define"), "format=1");
-}
-
-TEST_F(Read, AnUnknownFormatIsPassedOver)
-{
-    EXPECT_EQ(model("define format 8 format \"utf8\" format ascii"), "format=1");
-}
-
-TEST_F(Read, Groups)
-{
-    EXPECT_EQ(model("group \"a\" { } group \"b\" { visible 0 used yes screen_shot \"b.jpg\" }"
-                    "group \"a\" { used yes used no visible 0 visible 2 }"),
-              "group a { } group b screen_shot=b.jpg used=1 visible=0 { } group a visible=2 { }");
-    EXPECT_EQ(model("group \"g\" { item \"i\" { } visible 5 item \"j\" { used yes } used no }"),
-              "items=2 group g visible=5 { item i item j used=1 }");
-}
-
 TEST_F(Read, AGroupCountsItsUsedItems)
 {
     const source_guard source = read("group \"g\" { used yes item \"i\" { used yes } "
@@ -137,27 +92,6 @@ TEST_F(Read, AGroupCountsItsUsedItems)
         EXPECT_EQ(item->source, source.get());
 }
 
-TEST_F(Read, ItemAttributes)
-{
-    EXPECT_EQ(item("visible 0 used yes { \"a.c\" \"b.c\" } changed size 1 2 rowheight 30 typ 2 "
-                   "ready 1 description \"d\" ctime 99"),
-              " description=d typ=2 rowheight=30 ctime=99 visible=0 ready=1 changed=1 used=1 in "
-              "[\"a.c\" \"b.c\"] }");
-    EXPECT_EQ(item("category \"c\" description \"d\""), " description=d }");
-    EXPECT_EQ(item("size 4 typ 1"), " typ=1 }");
-    EXPECT_EQ(item("used no { \"a.c\" }"), " in [\"a.c\"] }");
-    EXPECT_EQ(item("ctime 0"), " ctime=1700000000 }"); // the program's start
-    EXPECT_EQ(item(""), " }");
-}
-
-TEST_F(Read, ItemTextsAndComments)
-{
-    EXPECT_EQ(item("lang \"english\" { \"one\" \"\" \"two\\n\" } comment \"english\" { \"c\" } "
-                   "lang \"german\" { } lang \"english\" { \"again\" }"),
-              " LANG english [\"one\" \"\" \"two\\n\"] LANG german [] LANG english [\"again\"] "
-              "COMMENT english [\"c\"] }");
-}
-
 TEST_F(Read, StringsAreUnescaped)
 {
     const source_guard source =
@@ -165,13 +99,6 @@ TEST_F(Read, StringsAreUnescaped)
     EXPECT_STREQ(source->app, "\"q\" \\ \t\r\n A~ next");
     EXPECT_EQ(describe(source.get()).substr(describe(source.get()).size() - 13),
               "group \xc3\xa4\xff { }");
-}
-
-TEST_F(Read, KeywordsInAnyCaseAndLayout)
-{
-    const std::string wanted = "items=1 group g used=1 { item i typ=4 used=1 LANG e [\"x\"] }";
-    EXPECT_EQ(model("GROUP \"g\" { ITEM \"i\" { USED YES TYP 4 LANG \"e\" { \"x\" } } }"), wanted);
-    EXPECT_EQ(model("Group\"g\"{iTEM/* */\"i\"{uSed//\nyeS\r\ntYp 4Lang\"e\"{\"x\"}}}"), wanted);
 }
 
 TEST_F(Read, CarriageReturnsDoNotMatter)
@@ -269,14 +196,6 @@ TEST_F(Read, TimesAfter2038)
     EXPECT_EQ(bad->item_count, 1U);
 }
 
-TEST_F(Read, NumbersThatDoNotFit)
-{
-    // A number that came back with a sign could not be read again.
-    EXPECT_EQ(item("typ 4294967295 ready 99999999999999999999"),
-              " typ=2147483647 ready=2147483647 }");
-    EXPECT_EQ(model("whatsnew 4294967297"), "whatsnew=1");
-}
-
 TEST_F(Read, WhyAFileCannotBeRead)
 {
     const auto cause = [](const char *path) {
@@ -288,200 +207,4 @@ TEST_F(Read, WhyAFileCannotBeRead)
     EXPECT_EQ(cause(nullptr), zel::read_cause::absent);
     std::filesystem::create_directory("folder");
     EXPECT_EQ(cause("folder"), zel::read_cause::unreadable);
-    zel_test::write_file("app.lang-src", "<<<<<<< ours\n");
-    EXPECT_EQ(cause("app.lang-src"), zel::read_cause::syntax);
-    EXPECT_EQ(cause("app.lang-src/x"), zel::read_cause::absent);
-}
-
-TEST_F(Read, PlacesOfRecords)
-{
-    zel_test::write_file("app.lang-src", "define file \"e\" lang \"e\" 1 1 1\ngroup \"g\" {\n"
-                                         "  ITEM \"i\" {\n    COMMENT \"e\" { }\n"
-                                         "    LANG \"e\" { \"x\" } }\n}\n");
-    zel::source_places places;
-    zel::read_how how;
-    how.places = &places;
-    const zel::read_answer answer = zel::read_source("app.lang-src", how);
-    ASSERT_EQ(answer.result, zel::read_result::good);
-    const auto at = [&](const void *record) {
-        const zel::place found = places.of(record);
-        return std::to_string(found.line) + ":" + std::to_string(found.column);
-    };
-    const auto *group = static_cast<edit_t *>(answer.source->groups->data);
-    const auto *found = static_cast<item_t *>(group->items->data);
-    EXPECT_EQ(at(found->langs->data), "5:4");
-    EXPECT_EQ(at(found->comments->data), "4:4");
-    EXPECT_EQ(at(answer.source->langs->data), "1:7");
-    EXPECT_EQ(at(found), "3:2");
-    EXPECT_EQ(at(group), "2:0");
-    EXPECT_EQ(at(&places), "0:0");
-}
-
-TEST_F(Read, AFileThatMayHaveBeenCut)
-{
-    const std::string head = "/* !!!! DO NOT EDIT !!!!! */\n\nversion 1\n";
-    const std::string last = "\n\n/* EOF app.lang-src */\n";
-    const auto told = [&](const std::string &text) {
-        zel_test::write_file("app.lang-src", text);
-        int count = 0;
-        const zel::read_answer answer =
-            zel::read_source("app.lang-src", {0, [&](const zel::read_message &message) {
-                                                  count +=
-                                                      message.row->number == zel::read_maybe_cut;
-                                              }});
-        EXPECT_EQ(answer.result, zel::read_result::good);
-        return count;
-    };
-    EXPECT_EQ(told(head + last), 0);
-    EXPECT_EQ(told(head + std::string(20000, ' ') + last), 0);
-    EXPECT_EQ(told("version 1\n"), 0) << "typed by hand";
-    EXPECT_EQ(told(head), 1);
-    EXPECT_EQ(told(head + last.substr(0, 15)), 1);
-    EXPECT_EQ(told("version 1\n/* by hand, and cut"), 1);
-}
-
-// --- malformed files -----------------------------------------------------------------------------
-
-// broken/NAME.lang-src with broken/NAME.out of two or three lines: the outcome ("return" with the
-// number in the log line, "stop", "reads"), standard output with \n for line feeds, and the model
-// that is read.
-class Broken : public Read, public testing::WithParamInterface<std::string> {};
-
-std::string broken_dir() { return LANG_SOURCE_ROOT "/tests/source/broken/"; }
-
-std::vector<std::string> broken_names()
-{
-    std::vector<std::string> names;
-    for (const auto &file : std::filesystem::directory_iterator(broken_dir())) {
-        if (file.path().extension() == ".lang-src")
-            names.push_back(file.path().stem());
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-std::string as_one_line(const std::string &text)
-{
-    std::string out;
-    for (char c : text)
-        out += c == '\n' ? "\\n" : std::string(1, c);
-    return out;
-}
-
-TEST_P(Broken, SaysWhatIsWrong)
-{
-    std::istringstream expected(zel_test::read_file(broken_dir() + GetParam() + ".out"));
-    std::string outcome, output, wanted_model;
-    std::getline(expected, outcome);
-    std::getline(expected, output);
-    std::getline(expected, wanted_model);
-    const std::string text = zel_test::read_file(broken_dir() + GetParam() + ".lang-src");
-
-    zel_test::log_capture log;
-    const source_guard source = read(text);
-    EXPECT_EQ(as_one_line(printed), output);
-    EXPECT_EQ(result == zel::read_result::stopped, outcome == "stop");
-    EXPECT_EQ(source == nullptr, outcome != "reads");
-    EXPECT_EQ(zel_test::read_file("app.lang-src"), text);
-    if (outcome == "reads") {
-        EXPECT_EQ(describe(source.get()), wanted_model);
-    } else if (outcome == "stop") {
-        EXPECT_THAT(log.text(), HasSubstr("lang_read_file: ERROR(exit) lang-read:304\n"));
-    } else if (outcome != "return") {
-        EXPECT_THAT(log.text(), HasSubstr("lang_read_file: ERROR(exit) lang-read:" +
-                                          outcome.substr(outcome.find(' ') + 1) + "\n"));
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(Files, Broken, testing::ValuesIn(broken_names()), [](const auto &param) {
-    std::string name = param.param;
-    std::replace(name.begin(), name.end(), '-', '_');
-    return name;
-});
-
-class AnyBytes : public Read {
-protected:
-    // Reads bytes that may be anything: whatever comes out, it comes out.
-    void survives(const std::string &text)
-    {
-        const source_guard source = read(text);
-        ASSERT_EQ(zel_test::read_file("app.lang-src"), text);
-    }
-    static std::string sample()
-    {
-        return "/* head */ version 1\ncreate_date \"d\"\nwhatsnew 1 ctime 2 mtime 3\n"
-               "define format utf8 file \"e.lang\" lang \"e\" 200 200 1\n"
-               "app \"a\" default lang \"e\" colwidth group 1 colwidth item 2 colwidth ctrl 3\n"
-               "GROUP \"g\\\"\" {\n VISIBLE 1 SCREEN_SHOT \"s\" USED YES\n // c\n"
-               " ITEM \"i\\x41\" { /* c */\n DESCRIPTION \"d\" SIZE 1 2 TYP 1 ROWHEIGHT 2 CTIME 3 "
-               "VISIBLE 1 READY 0 CHANGED USED YES {\n \"a.c\" }\n LANG \"e\" { \"x\\\ny\" \"z\" "
-               "}\n"
-               " COMMENT \"e\" { \"c\" } } }\n/* end */\n";
-    }
-};
-
-TEST_F(AnyBytes, AFileCutAtEveryByte)
-{
-    const std::string text = sample();
-    for (std::size_t n = 0; n <= text.size(); n++)
-        survives(text.substr(0, n));
-    EXPECT_EQ(printed, "");
-}
-
-TEST_F(AnyBytes, AByteDroppedOrChanged)
-{
-    const std::string text = sample();
-    for (std::size_t n = 0; n < text.size(); n++) {
-        survives(text.substr(0, n) + text.substr(n + 1));
-        std::string changed = text;
-        changed[n] = "\"{}\\\0\xff"
-                     "0\n"[n % 8];
-        survives(changed);
-    }
-}
-
-TEST_F(AnyBytes, BinaryFiles)
-{
-    unsigned state = 7;
-    for (int round = 0; round < 50; round++) {
-        std::string bytes = round % 2 != 0 ? "group \"g\" { item \"i\" { " : "";
-        for (int n = 0; n < 2000; n++) {
-            state = state * 1103515245U + 12345U;
-            bytes += static_cast<char>(state >> 16);
-        }
-        survives(bytes);
-    }
-}
-
-TEST_F(AnyBytes, EndlessNesting)
-{
-    for (const char *nest :
-         {"{", "group \"g\" {", "group \"g\" { item \"i\" { lang \"e\" {", "define ", "version ",
-          "/*", "\"", "define file \"a\" lang \"b\" 1 2 "}) {
-        std::string text;
-        while (text.size() < 100000)
-            text += nest;
-        survives(text);
-        survives("group \"g\" { item \"i\" { lang \"e\" " + text);
-    }
-}
-
-using AnyBytesSlow = AnyBytes;
-TEST_F(AnyBytesSlow, ALineOfTenMegabytes)
-{
-    const std::string line(10 << 20, 'x');
-    const source_guard source = read("app \"" + line + "\" group \"g\" { } //" + line);
-    ASSERT_NE(source, nullptr);
-    EXPECT_EQ(source->app, line);
-    survives("group \"g\" { item \"i\" { lang \"e\" { \"" + line);
-    survives("version " + std::string(10 << 20, '1'));
-}
-
-TEST_F(AnyBytes, ADirectory)
-{
-    std::filesystem::create_directory("d");
-    EXPECT_EQ(zel_test::capture_stdout([] { EXPECT_EQ(lang_read_file("d"), nullptr); }),
-              "ERROR(146) open ->d<-\n");
-}
-
-} // namespace
+    zel_test::write_file("app.lang-src", "} // namespace

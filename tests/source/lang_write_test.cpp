@@ -17,7 +17,6 @@
 namespace {
 
 using testing::HasSubstr;
-using testing::MatchesRegex;
 using testing::Not;
 using zel_test::describe;
 using zel_test::read_file;
@@ -65,7 +64,7 @@ const std::string sample = R"(
     group "main" { visible 0 screen_shot "main"
         item "btn_ok" { ctime 1700000000 used yes { "main.c" "dlg.c" }
             lang "english" { "OK" } lang "deutsch" { "Gut" "so" } comment "english" { "a button" }
-            comment "francais" { "un" } }
+            comment "deutsch" { "ein Knopf" } comment "francais" { "un" } }
         item "old" { description "gone" typ 2 rowheight 40 ctime 5 visible 0 ready 1 changed
             lang "francais" { } } }
     group "empty" { }
@@ -119,6 +118,9 @@ GROUP "main" {
     COMMENT   "english" {
         "a button"
     }
+    COMMENT   "deutsch" {
+        "ein Knopf"
+    }
 )";
 
 const std::string sample_french_comment = R"(    COMMENT   "francais" {
@@ -162,6 +164,7 @@ TEST_F(Write, TheWholeFile)
                                          sample_end);
     EXPECT_EQ(result, 0);
     EXPECT_EQ(printed, "");
+    EXPECT_EQ(files(), (std::vector<std::string>{"app.lang-src", "in.lang-src"})); // no backup
 }
 
 TEST_F(Write, OnlyUsedItems)
@@ -306,15 +309,6 @@ TEST_F(Write, NullNamesAreWrittenAsEmptyStrings)
               "description=none ctime=9 used=1 in [(null)] LANG (null) [\"x\"] }");
 }
 
-TEST_F(Write, ASecondWriteGivesTheSameBytes)
-{
-    const source_guard source = read(sample);
-    const std::string first = written(source.get());
-    const source_guard back(lang_read_file("app.lang-src"));
-    std::filesystem::remove("app.lang-src");
-    EXPECT_EQ(written(back.get()), first);
-}
-
 TEST_F(Write, APathCannotEndItsComment)
 {
     std::filesystem::create_directory("x*");
@@ -326,29 +320,6 @@ TEST_F(Write, APathCannotEndItsComment)
 }
 
 // --- the files -----------------------------------------------------------------------------------
-
-TEST_F(Write, TheOldFileBecomesADatedBackup)
-{
-    std::filesystem::create_directory("sub");
-    write_file("sub/app.lang-src", "the old text");
-    const source_guard source = read(sample);
-    written(source.get(), "sub/app.lang-src");
-    EXPECT_EQ(printed, "");
-    EXPECT_EQ(files(), (std::vector<std::string>{"in.lang-src", "sub"})); // lang.tmp is gone
-    const std::vector<std::string> both = files("sub");
-    ASSERT_EQ(both.size(), 2U);
-    EXPECT_EQ(both[0], "app.lang-src");
-    EXPECT_THAT(both[1], MatchesRegex("app.lang-src-20[0-9]{2}-[0-9]{2}-[0-9]{2}-[0-9]{2}-"
-                                      "[0-9]{2}-[0-9]{2}\\.bak"));
-    EXPECT_EQ(read_file("sub/" + both[1]), "the old text");
-}
-
-TEST_F(Write, ANewPathHasNoBackup)
-{
-    const source_guard source = read(sample);
-    written(source.get());
-    EXPECT_EQ(files(), (std::vector<std::string>{"app.lang-src", "in.lang-src"}));
-}
 
 using WriteSlow = Write;
 TEST_F(WriteSlow, ABackupNeverReplacesAnotherOne)

@@ -89,6 +89,8 @@ protected:
         printed = out.finish();
         result = answer.code;
         backup = std::move(answer.backup);
+        EXPECT_EQ(answer.why.empty(), result == 0);
+        EXPECT_THAT(said, testing::HasSubstr(answer.why)); // also for people
     }
     void save(const std::string &path)
     {

@@ -53,6 +53,9 @@ TEST_F(info_log, printed_and_logged_at_its_release)
     zel_info_t *info = zel_info_new();
     auto *entry = zel_info_entry_new(1, 2, "mod", "act", "text", "o-act", nullptr);
     EXPECT_EQ(1, zel_info_add_entry(nullptr, entry));
+    zel_info_t *none = nullptr;
+    EXPECT_EQ(nullptr, zel_info_add_entry_and_move(
+                           &none, zel_info_entry_new(1, 2, "mod", "act", "text", "o", "o")));
     zel_info_t *moved = zel_info_add_entry_and_move(&info, entry);
     EXPECT_EQ(nullptr, info);
     EXPECT_EQ("activity: act\nmodul   : mod\nmsg     : text\n\n\n",

@@ -66,19 +66,3 @@ TEST_F(safe_files, rest_between_two_pieces)
         EXPECT_EQ(stolen ? "old" : "one two", read_file("a"));
     }
 }
-
-TEST_F(safe_files, what_is_not_put_in_place_goes_and_what_is_kept_stays)
-{
-    const zel::target_file old = zel::find_target("a", zel::links::replace);
-    {
-        zel::safe_file dropped;
-        ASSERT_EQ(0, dropped.create("temporary", old));
-        dropped.append("text");
-    }
-    EXPECT_EQ(0, count());
-    zel::safe_file kept;
-    ASSERT_EQ(0, kept.create("temporary", old));
-    kept.append("text");
-    kept.keep();
-    EXPECT_EQ("text", read_file("temporary"));
-}

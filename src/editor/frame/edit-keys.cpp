@@ -16,7 +16,7 @@ namespace {
 
 using zel::ui_text;
 
-constexpr int gap = 12;
+constexpr int margin = 12;
 constexpr int row_gap = 3;
 constexpr int title_bar = 30;
 
@@ -45,9 +45,9 @@ GtkRequisition request_of(GtkWidget *widget)
 GtkWidget *make_table(std::vector<GtkWidget *> &texts)
 {
     GtkWidget *table = gtk_table_new(1, 2, FALSE);
-    gtk_table_set_col_spacings(GTK_TABLE(table), 2 * gap);
+    gtk_table_set_col_spacings(GTK_TABLE(table), 2 * margin);
     gtk_table_set_row_spacings(GTK_TABLE(table), row_gap);
-    gtk_container_set_border_width(GTK_CONTAINER(table), gap);
+    gtk_container_set_border_width(GTK_CONTAINER(table), margin);
     guint place = 0;
     for (const zel::key_row &row : zel::editor_keys()) {
         GtkWidget *keys = make_label(row.keys, true);
@@ -87,16 +87,16 @@ void add_table(GtkDialog *dialog)
     const GdkRectangle screen = zel::work_area(mainWin);
     const int bar =
         request_of(gtk_scrolled_window_get_vscrollbar(GTK_SCROLLED_WINDOW(scrolled))).width;
-    wrap_texts(table, texts, screen.width - bar - 3 * gap);
-    const int below = request_of(gtk_dialog_get_action_area(dialog)).height + 2 * gap;
+    wrap_texts(table, texts, screen.width - bar - 3 * margin);
+    const int below = request_of(gtk_dialog_get_action_area(dialog)).height + 2 * margin;
     const int room = screen.height - title_bar - below;
     const GtkRequisition whole = request_of(table);
-    gtk_widget_set_size_request(scrolled, whole.width + (whole.height > room ? bar + gap : 0),
+    gtk_widget_set_size_request(scrolled, whole.width + (whole.height > room ? bar + margin : 0),
                                 std::min(whole.height, room));
 }
 
 // What a screen reader says when the window comes up: labels have no keyboard to reach them by.
-void describe(GtkWidget *window)
+void describe_window(GtkWidget *window)
 {
     std::string all;
     for (const zel::key_row &row : zel::editor_keys())
@@ -105,7 +105,7 @@ void describe(GtkWidget *window)
     zel::set_accessible_description(window, all.c_str());
 }
 
-gboolean on_key(GtkAccelGroup *, GObject *, guint, GdkModifierType, gpointer)
+gboolean on_keys_key(GtkAccelGroup *, GObject *, guint, GdkModifierType, gpointer)
 {
     zel::show_keys();
     return TRUE;
@@ -146,7 +146,7 @@ const std::vector<key_row> &editor_keys()
 void keys_add_key()
 {
     gtk_accel_group_connect(accel_group, GDK_KEY_question, GDK_CONTROL_MASK, GtkAccelFlags{},
-                            g_cclosure_new(G_CALLBACK(on_key), nullptr, nullptr));
+                            g_cclosure_new(G_CALLBACK(on_keys_key), nullptr, nullptr));
 }
 
 void show_keys()
@@ -161,7 +161,7 @@ void show_keys()
         GTK_STOCK_CLOSE, GTK_RESPONSE_CLOSE, nullptr);
     gtk_window_set_resizable(GTK_WINDOW(keys_window), FALSE);
     gtk_dialog_set_default_response(GTK_DIALOG(keys_window), GTK_RESPONSE_CLOSE);
-    describe(keys_window);
+    describe_window(keys_window);
     add_table(GTK_DIALOG(keys_window));
     g_signal_connect(keys_window, "response", G_CALLBACK(gtk_widget_destroy), nullptr);
     g_signal_connect(keys_window, "destroy", G_CALLBACK(gtk_widget_destroyed), &keys_window);

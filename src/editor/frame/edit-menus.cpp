@@ -122,36 +122,39 @@ struct tool_row {
     action act;
 };
 
-constexpr tool_row gap(unsigned modes) { return {tool::lines_2, modes, nullptr, nullptr, nullptr}; }
+constexpr tool_row line_in(unsigned modes)
+{
+    return {tool::lines_2, modes, nullptr, nullptr, nullptr};
+}
 
 // kind, modes, stock icon, tooltip, action
 constexpr tool_row tool_rows[] = {
     {tool::button, ALL_MODES, GTK_STOCK_OPEN, "Load (Ctrl+O)", cb_open},
     {tool::button, ALL_MODES, GTK_STOCK_SAVE, "Save (Ctrl+S)", cb_save},
     {tool::button, ALL_MODES, GTK_STOCK_SAVE_AS, "Save as (ALT+S)", cb_save_as},
-    gap(ALL_MODES),
+    line_in(ALL_MODES),
     {tool::button, ALL_MODES, GTK_STOCK_GOTO_TOP, "First (ALT+Home)", cb_first},
     {tool::button, ALL_MODES, GTK_STOCK_GO_UP, "Previous (ALT+Up)", cb_previous},
     {tool::button, ALL_MODES, GTK_STOCK_GO_DOWN, "Next (ALT+Down)", cb_next},
     {tool::button, ALL_MODES, GTK_STOCK_GOTO_BOTTOM, "Last (ALT+End)", cb_last},
-    gap(ALL_MODES),
+    line_in(ALL_MODES),
     {tool::button, ALL_MODES, GTK_STOCK_CONVERT, export_text, cb_export},
-    gap(MODES_1_2),
+    line_in(MODES_1_2),
     {tool::button, MODES_1_2, GTK_STOCK_REVERT_TO_SAVED, "Import converted language file (*.lang)",
      cb_import},
-    gap(MODES_1_2),
+    line_in(MODES_1_2),
     {tool::button, MODES_1_2, GTK_STOCK_COPY, "Save selected languages (*.lang-src)",
      cb_save_selected_lang},
     {tool::lines_1, MODES_1_2, nullptr, nullptr, nullptr},
     {tool::toggle, ALL_MODES, GTK_STOCK_INDEX, "Display position number", cb_posnr},
-    gap(ALL_MODES),
+    line_in(ALL_MODES),
     {tool::button, ALL_MODES, GTK_STOCK_PROPERTIES, "Settings", cb_settings},
-    gap(ALL_MODES),
+    line_in(ALL_MODES),
     {tool::toggle, ALL_MODES, GTK_STOCK_MISSING_IMAGE, "Display only not translated items",
      cb_empty_toolbar},
-    gap(ALL_MODES),
+    line_in(ALL_MODES),
     {tool::button, ALL_MODES, GTK_STOCK_INFO, "Help", cb_help},
-    gap(ALL_MODES),
+    line_in(ALL_MODES),
     {tool::button, ALL_MODES, GTK_STOCK_QUIT, "Exit", cb_exit},
 };
 

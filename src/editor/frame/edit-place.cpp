@@ -8,7 +8,7 @@
 namespace {
 
 constexpr int nowhere = -1; // in the settings: the centre
-constexpr int title_bar = 30;
+constexpr int room_of_title = 30;
 
 bool is_maximized(GtkWidget *window)
 {
@@ -43,10 +43,10 @@ namespace zel {
 GdkRectangle place_within(GdkRectangle place, const GdkRectangle &area)
 {
     place.width = std::clamp(place.width, 1, std::max(area.width, 1));
-    place.height = std::clamp(place.height, 1, std::max(area.height - title_bar, 1));
+    place.height = std::clamp(place.height, 1, std::max(area.height - room_of_title, 1));
     place.x = std::clamp(place.x, area.x, area.x + area.width - place.width);
     place.y = std::clamp(place.y, area.y,
-                         std::max(area.y, area.y + area.height - title_bar - place.height));
+                         std::max(area.y, area.y + area.height - room_of_title - place.height));
     return place;
 }
 

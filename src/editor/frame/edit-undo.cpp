@@ -210,7 +210,7 @@ constexpr command commands[] = {
      edit_redo, &edit_history::can_redo},
 };
 
-gboolean on_key(GtkAccelGroup *, GObject *, guint, GdkModifierType, gpointer data)
+gboolean on_undo_key(GtkAccelGroup *, GObject *, guint, GdkModifierType, gpointer data)
 {
     static_cast<const command *>(data)->act();
     return TRUE;
@@ -247,7 +247,7 @@ void undo_add_keys()
     for (const command &row : commands)
         gtk_accel_group_connect(
             accel_group, GDK_KEY_z, row.modifiers, GtkAccelFlags{},
-            g_cclosure_new(G_CALLBACK(on_key), const_cast<command *>(&row), nullptr));
+            g_cclosure_new(G_CALLBACK(on_undo_key), const_cast<command *>(&row), nullptr));
 }
 
 void undo_watch(GtkWidget *widget)

@@ -46,7 +46,7 @@ std::string shown(const zel::field_value &value, bool there)
 }
 
 // "3 texts differ".
-std::string counted(std::size_t count, const char *one, const char *many)
+std::string told_count(std::size_t count, const char *one, const char *many)
 {
     return std::to_string(count) + " " + zel::ui_text("recovery", count == 1 ? one : many);
 }
@@ -66,7 +66,7 @@ std::string age_of(std::int64_t seconds)
     seconds = std::max<std::int64_t>(seconds, 1); // the clock may have been set back
     for (const unit &row : units)
         if (seconds >= row.seconds)
-            return counted(static_cast<std::size_t>(seconds / row.seconds), row.one, row.many);
+            return told_count(static_cast<std::size_t>(seconds / row.seconds), row.one, row.many);
     return {};
 }
 
@@ -77,9 +77,9 @@ std::string details_of(const zel::recovery_question &question)
         std::count_if(all.begin(), all.end(), [](const auto &one) { return one.is_text; }));
     std::string text = zel::utf8_shown(question.path.c_str()) + "\n" +
                        zel::ui_text("recovery", "Last changed") + " " + age_of(question.age) +
-                       "; " + counted(count, "text differs", "texts differ") + ".";
+                       "; " + told_count(count, "text differs", "texts differ") + ".";
     if (all.size() > count)
-        text += " " + counted(all.size() - count, "other difference", "other differences") + ".";
+        text += " " + told_count(all.size() - count, "other difference", "other differences") + ".";
     if (question.source_changed)
         text += std::string("\n\n") +
                 zel::ui_text("recovery", "The source itself has been changed since. What is "

@@ -21,7 +21,7 @@ using zel::fields;
 using zel::assist::word;
 
 // A dictionary is loaded once the window is there and the list has been judged.
-constexpr gint64 slice_length = 4000; // microseconds
+constexpr gint64 spelling_slice = 4000; // microseconds
 constexpr std::size_t most_suggestions = 5;
 constexpr const char *tag_name = "misspelt";
 
@@ -176,7 +176,7 @@ bool speller::look_at(spelled_field &field, gint64 end)
 gboolean speller::slice(gpointer data)
 {
     auto *self = static_cast<speller *>(data);
-    const gint64 end = g_get_monotonic_time() + slice_length;
+    const gint64 end = g_get_monotonic_time() + spelling_slice;
     self->timer_ = 0;
     self->looked_ = true;
     for (spelled_field &field : self->fields_) {
@@ -246,7 +246,7 @@ gboolean on_menu_key(GtkWidget *, gpointer data)
 
 // By its name a view gets the colour of the line (editor/theme). A name is set once: that sets the
 // style anew.
-void follow_style(GtkWidget *view, GtkStyle *, gpointer)
+void colour_misspelt(GtkWidget *view, GtkStyle *, gpointer)
 {
     const char *name = zel::is_dark(view) ? "dark-text" : "light-text";
     if (g_strcmp0(gtk_widget_get_name(view), name) != 0)
@@ -406,7 +406,7 @@ void speller::watch(spelled_field &field, int number)
     g_signal_connect(field.view, "focus-out-event", G_CALLBACK(on_focus_out), &field);
     g_signal_connect(field.view, "button-press-event", G_CALLBACK(on_button), &field);
     g_signal_connect(field.view, "popup-menu", G_CALLBACK(on_menu_key), &field);
-    g_signal_connect(field.view, "style-set", G_CALLBACK(follow_style), &field);
+    g_signal_connect(field.view, "style-set", G_CALLBACK(colour_misspelt), &field);
     // Behind the others, so that the words stand on top.
     g_signal_connect_after(field.view, "populate-popup", G_CALLBACK(fill_menu), &field);
 }

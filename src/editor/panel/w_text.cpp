@@ -9,6 +9,7 @@
 #include "editor/toolkit/text-places.h"
 #include "editor/toolkit/theme.h"
 #include "editor/toolkit/ui-text.h"
+#include "source/entry.h"
 #include "source/misc.h"
 #include "support/log-print.h"
 #include "support/string-copy.h"
@@ -32,7 +33,7 @@ void append_text(GtkWidget *view, const char *text)
     gtk_text_buffer_insert(buffer, &end, zel::utf8_shown(text).c_str(), -1);
 }
 
-bool is_blank(GtkTextBuffer *buffer)
+bool shows_nothing(GtkTextBuffer *buffer)
 {
     GtkTextIter at;
     gtk_text_buffer_get_start_iter(buffer, &at);
@@ -327,13 +328,7 @@ void clear_text_view_buffer(GtkWidget *view)
 
 lang_entry_t *zel_get_lang_entry(GList *entries, const char *lang)
 {
-    if (lang == nullptr)
-        return nullptr;
-    for (lang_entry_t *entry : zel::each<lang_entry_t>(entries)) {
-        if (entry->lang != nullptr && std::strcmp(entry->lang, lang) == 0)
-            return entry;
-    }
-    return nullptr;
+    return zel::find_entry(entries, lang);
 }
 
 GList *zel_get_lang_list(GList *entries, const char *lang)
@@ -394,7 +389,7 @@ const char *text_missing_language(Zeltext *text)
 {
     for (const int number : {TEXT_TRANS1, TEXT_TRANS2}) {
         const lang_entry_t *entry = text->*fields[number].entry;
-        if (entry != nullptr && is_blank(buffer_of(text->*fields[number].view)))
+        if (entry != nullptr && shows_nothing(buffer_of(text->*fields[number].view)))
             return entry->lang;
     }
     return nullptr;

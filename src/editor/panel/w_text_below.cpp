@@ -79,7 +79,7 @@ GdkColor mixed(const GdkColor &a, const GdkColor &b, unsigned parts_of_a, unsign
 }
 
 // The view lies on the panel's ground, so that nobody takes it for a field.
-void follow_style(GtkWidget *row, GtkStyle *, gpointer view)
+void follow_view(GtkWidget *row, GtkStyle *, gpointer view)
 {
     const GtkStyle *style = gtk_widget_get_style(row);
     const GdkColor &ground = style->bg[GTK_STATE_NORMAL];
@@ -248,7 +248,7 @@ GtkWidget *text_below_new(Zeltext *text, int field, GtkWidget *view)
     gtk_misc_set_alignment(GTK_MISC(below.label), 0.0F, 0.0F);
     show_faint(below.label, true);
     below.row = gtk_hbox_new(FALSE, gap);
-    g_signal_connect(below.row, "style-set", G_CALLBACK(follow_style), view);
+    g_signal_connect(below.row, "style-set", G_CALLBACK(follow_view), view);
     gtk_box_pack_start(GTK_BOX(below.row), below.label, FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(below.row), scrolled, TRUE, TRUE, 0);
     gtk_widget_show_all(below.row);

@@ -12,23 +12,21 @@
 
 namespace {
 
-GtkTextBuffer *buffer_of(GtkWidget *view) { return gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)); }
-
-void follow_style(GtkWidget *view, GtkStyle *, gpointer tag)
+void colour_link(GtkWidget *view, GtkStyle *, gpointer tag)
 {
     g_object_set(tag, "foreground", zel::is_dark(view) ? "#8ab8ff" : "#1448a8", nullptr);
 }
 
 GtkTextTag *tag_of(GtkWidget *view)
 {
-    GtkTextBuffer *buffer = buffer_of(view);
+    GtkTextBuffer *buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(view));
     GtkTextTag *tag =
         gtk_text_tag_table_lookup(gtk_text_buffer_get_tag_table(buffer), zel::text_piece_tag);
     if (tag != nullptr)
         return tag;
     tag = gtk_text_buffer_create_tag(buffer, zel::text_piece_tag, nullptr);
-    follow_style(view, nullptr, tag);
-    g_signal_connect(view, "style-set", G_CALLBACK(follow_style), tag);
+    colour_link(view, nullptr, tag);
+    g_signal_connect(view, "style-set", G_CALLBACK(colour_link), tag);
     return tag;
 }
 
@@ -117,8 +115,9 @@ std::vector<assist::typed_text> text_typed(Zeltext *text)
     for (int number = 0; number < TEXT_FIELDS; ++number) {
         const lang_entry_t *entry = text->*fields[number].entry;
         if (entry != nullptr && text->dirty[number] != 0)
-            out.push_back({entry->lang, fields[number].entries,
-                           buffer_text(buffer_of(text->*fields[number].view))});
+            out.push_back(
+                {entry->lang, fields[number].entries,
+                 buffer_text(gtk_text_view_get_buffer(GTK_TEXT_VIEW(text->*fields[number].view)))});
     }
     return out;
 }
@@ -151,7 +150,7 @@ GtkWidget *text_all_findings_new(Zeltext *text, int width)
 
 void text_colour_pieces_of(GtkWidget *view)
 {
-    GtkTextBuffer *buffer = buffer_of(view);
+    GtkTextBuffer *buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(view));
     const std::string text = buffer_text(buffer);
     tag_places(buffer, tag_of(view), places_of(text, assist::pieces_of(text)));
 }

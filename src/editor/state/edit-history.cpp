@@ -1,5 +1,6 @@
 #include "editor/state/edit-history.h"
 
+#include "source/entry.h"
 #include "support/string-copy.h"
 
 #include <algorithm>
@@ -229,11 +230,7 @@ edit_history &source_history()
 
 lang_entry_t *find_entry(const text_place &place)
 {
-    for (lang_entry_t *entry : each<lang_entry_t>(place.item->*place.entries)) {
-        if (entry->lang != nullptr && place.lang == entry->lang)
-            return entry;
-    }
-    return nullptr;
+    return find_entry(place.item->*place.entries, place.lang.c_str());
 }
 
 entry_text read_text(const text_place &place)

@@ -260,23 +260,23 @@ void sortable_init(gpointer iface, gpointer)
     sortable->has_default_sort_func = has_default_sort_func;
 }
 
-gpointer parent_class;
+gpointer model_parent;
 
-void finalize(GObject *object)
+void model_finalize(GObject *object)
 {
     ZelTabModel *model = ZEL_TAB_MODEL(object);
     delete model->shown;
     delete model->rows;
-    G_OBJECT_CLASS(parent_class)->finalize(object);
+    G_OBJECT_CLASS(model_parent)->finalize(object);
 }
 
-void class_init(gpointer klass, gpointer)
+void model_class_init(gpointer klass, gpointer)
 {
-    parent_class = g_type_class_peek_parent(klass);
-    G_OBJECT_CLASS(klass)->finalize = finalize;
+    model_parent = g_type_class_peek_parent(klass);
+    G_OBJECT_CLASS(klass)->finalize = model_finalize;
 }
 
-void instance_init(GTypeInstance *instance, gpointer)
+void model_init(GTypeInstance *instance, gpointer)
 {
     ZelTabModel *model = ZEL_TAB_MODEL(instance);
     model->rows = new std::shared_ptr<zel::tab_rows>;
@@ -349,9 +349,9 @@ GType zel_tab_model_get_type()
         return type;
     GTypeInfo info{};
     info.class_size = sizeof(ZelTabModelClass);
-    info.class_init = class_init;
+    info.class_init = model_class_init;
     info.instance_size = sizeof(ZelTabModel);
-    info.instance_init = instance_init;
+    info.instance_init = model_init;
     type = g_type_register_static(G_TYPE_OBJECT, "ZelTabModel", &info, GTypeFlags{});
     const GInterfaceInfo model_info{tree_model_init, nullptr, nullptr};
     const GInterfaceInfo sort_info{sortable_init, nullptr, nullptr};

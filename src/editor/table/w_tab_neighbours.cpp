@@ -6,7 +6,7 @@ namespace {
 
 constexpr guint between_turns = 20;    // milliseconds
 constexpr gint64 after_a_key = 500000; // microseconds
-constexpr std::chrono::milliseconds slice_length{4};
+constexpr std::chrono::milliseconds reading_slice{4};
 
 } // namespace
 
@@ -46,7 +46,7 @@ gboolean tab_neighbours::turn(gpointer data)
     auto *self = static_cast<tab_neighbours *>(data);
     if (g_get_monotonic_time() - self->last_key_ < after_a_key)
         return TRUE;
-    if (self->texts_.step(std::chrono::steady_clock::now() + slice_length))
+    if (self->texts_.step(std::chrono::steady_clock::now() + reading_slice))
         return TRUE;
     self->timer_ = 0;
     gtk_key_snooper_remove(self->snooper_);

@@ -6,6 +6,7 @@
 #include "editor/toolkit/text-places.h"
 #include "editor/toolkit/text-runs.h"
 #include "editor/toolkit/ui-text.h"
+#include "source/entry.h"
 #include "source/misc.h"
 
 #include <gdk/gdkkeysyms.h>
@@ -17,10 +18,10 @@ namespace zel {
 namespace {
 
 // Behind the judging of the rows, which is seen at once.
-constexpr guint before_first_slice = 300; // milliseconds
-constexpr guint between_slices = 8;
-constexpr gint64 slice_length = 4000; // microseconds
-constexpr std::uint32_t rows_between_looks = 16;
+constexpr guint before_indexing = 300; // milliseconds
+constexpr guint between_indexing = 8;
+constexpr gint64 indexing_slice = 4000; // microseconds
+constexpr std::uint32_t rows_indexed_at_once = 16;
 static_assert(TEXT_TRANS1 == 0 && TEXT_TRANS2 == 1, "arrays have a place for each of them");
 
 GtkTextBuffer *buffer_of(GtkWidget *view) { return gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)); }
@@ -28,14 +29,6 @@ GtkTextBuffer *buffer_of(GtkWidget *view) { return gtk_text_view_get_buffer(GTK_
 GtkWidget *label_of(Zeltext *panel, int field)
 {
     return field == TEXT_TRANS1 ? panel->suggestion1_label : panel->suggestion2_label;
-}
-
-std::string text_of(const lang_entry_t *entry)
-{
-    std::string out;
-    for (const char *line : each<char>(entry == nullptr ? nullptr : entry->texts))
-        out += line == nullptr ? "" : line;
-    return out;
 }
 
 // In one line.
@@ -116,11 +109,7 @@ int tab_suggest::field_to_fill() const
 
 std::string tab_suggest::reference_of(std::uint32_t row) const
 {
-    item_t *item = rows_->rows[row].item;
-    lang_entry_t *entry = misc_select_lang_entry(item, rows_->source->default_lang);
-    if (misc_search_empty_in_lang_entry(entry) != 0)
-        return item->name == nullptr ? "" : item->name;
-    return text_of(entry);
+    return reference_text(*rows_->source, rows_->rows[row].item);
 }
 
 lang_entry_t *tab_suggest::translation(std::uint32_t row, int field) const
@@ -136,13 +125,13 @@ void tab_suggest::rows_changed()
     index_.reset(rows_->rows.size());
     next_row_ = 0;
     item_shown(-1);
-    timer_ = g_timeout_add_full(G_PRIORITY_LOW, before_first_slice, slice, this, nullptr);
+    timer_ = g_timeout_add_full(G_PRIORITY_LOW, before_indexing, slice, this, nullptr);
 }
 
 gboolean tab_suggest::slice(gpointer data)
 {
     auto *self = static_cast<tab_suggest *>(data);
-    const gint64 end = g_get_monotonic_time() + slice_length;
+    const gint64 end = g_get_monotonic_time() + indexing_slice;
     std::uint32_t looks = 0;
     do {
         if (self->next_row_ >= self->index_.count()) {
@@ -152,8 +141,8 @@ gboolean tab_suggest::slice(gpointer data)
             return FALSE;
         }
         self->index_.add(self->next_row_++);
-    } while (++looks % rows_between_looks != 0 || g_get_monotonic_time() < end);
-    self->timer_ = g_timeout_add_full(G_PRIORITY_LOW, between_slices, slice, self, nullptr);
+    } while (++looks % rows_indexed_at_once != 0 || g_get_monotonic_time() < end);
+    self->timer_ = g_timeout_add_full(G_PRIORITY_LOW, between_indexing, slice, self, nullptr);
     return FALSE;
 }
 

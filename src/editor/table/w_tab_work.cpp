@@ -17,10 +17,10 @@ namespace zel {
 namespace {
 
 // Slices leave the toolkit its turn; waiting for the first lets the window come up before.
-constexpr guint before_first_slice = 50; // milliseconds
-constexpr guint between_slices = 4;
-constexpr gint64 slice_length = 4000; // microseconds
-constexpr std::uint32_t rows_between_looks = 32;
+constexpr guint before_judging = 50; // milliseconds
+constexpr guint between_judging = 4;
+constexpr gint64 judging_slice = 4000; // microseconds
+constexpr std::uint32_t rows_judged_at_once = 32;
 
 const char *name_of(const std::unique_ptr<std::string> &lang)
 {
@@ -107,7 +107,7 @@ gboolean tab_work::slice(gpointer data)
 {
     auto *self = static_cast<tab_work *>(data);
     assist::judge judge = self->make_judge();
-    const gint64 end = g_get_monotonic_time() + slice_length;
+    const gint64 end = g_get_monotonic_time() + judging_slice;
     std::uint32_t looks = 0;
     do {
         const std::size_t row = self->progress_.first_unknown(self->next_row_);
@@ -118,8 +118,8 @@ gboolean tab_work::slice(gpointer data)
             return FALSE;
         }
         self->judge_row(judge, self->next_row_);
-    } while (++looks % rows_between_looks != 0 || g_get_monotonic_time() < end);
-    self->timer_ = g_timeout_add_full(G_PRIORITY_LOW, between_slices, slice, self, nullptr);
+    } while (++looks % rows_judged_at_once != 0 || g_get_monotonic_time() < end);
+    self->timer_ = g_timeout_add_full(G_PRIORITY_LOW, between_judging, slice, self, nullptr);
     return FALSE;
 }
 
@@ -132,7 +132,7 @@ void tab_work::rows_changed()
     item_row_ = -1;
     gtk_label_set_text(GTK_LABEL(progress_label_), "");
     text_show_remarks(parts_.panel, {});
-    timer_ = g_timeout_add_full(G_PRIORITY_LOW, before_first_slice, slice, this, nullptr);
+    timer_ = g_timeout_add_full(G_PRIORITY_LOW, before_judging, slice, this, nullptr);
 }
 
 void tab_work::watch_panel()

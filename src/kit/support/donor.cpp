@@ -1,12 +1,14 @@
 #include "kit/support/donor.h"
 
-#include "exchange/entries.h"
 #include "exchange/import.h"
 #include "kit/support/new-from-catalogs.h"
+#include "kit/support/output.h"
 #include "kit/support/sources.h"
 #include "lint/text.h"
+#include "source/entry.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <utility>
 
 namespace zel::kit {
@@ -41,10 +43,9 @@ bool is_ascii(std::string_view text)
 
 donor::~donor() { keep_to_the_end(std::move(source_)); }
 
-bool donor::read(const std::string &path, const LangSource &source)
+bool donor::read(const std::string &path, const LangSource &source, const std::string &language)
 {
     path_ = path;
-    to_fill_ = &source;
     const char *format = format_of(path);
     if (format == nullptr) {
         source_ = kit::read(path);
@@ -59,7 +60,22 @@ bool donor::read(const std::string &path, const LangSource &source)
     if (answer.wrong)
         say_fault(path, answer.wrong);
     file_ = std::move(answer.file);
+    const std::string_view named = file_.languages.size() == 1 ? path : std::string_view();
+    for (const exchange::said_language &said : file_.languages)
+        languages_.push_back(view_of(exchange::find_language(source, said, named, language)));
     return !answer.wrong;
+}
+
+bool donor::knows_language() const
+{
+    if (source_ || std::any_of(languages_.begin(), languages_.end(),
+                               [](std::string_view name) { return !name.empty(); }))
+        return true;
+    std::string names;
+    for (const exchange::said_language &said : file_.languages)
+        names += (names.empty() ? " " : ", ") + shown(exchange::shown_name(said, path_));
+    std::fprintf(stderr, "%s: unknown language%s\n", path_.c_str(), names.c_str());
+    return false;
 }
 
 void donor::choose(const char *language)
@@ -80,8 +96,8 @@ std::string_view donor::joined(GList *texts)
     if (texts == nullptr)
         return {};
     if (texts->next == nullptr)
-        return exchange::or_empty(static_cast<const char *>(texts->data));
-    exchange::append_lines(joined_.emplace_back(), texts);
+        return view_of(static_cast<const char *>(texts->data));
+    append_texts(joined_.emplace_back(), texts);
     return joined_.back();
 }
 
@@ -93,21 +109,16 @@ void donor::offer_source(const char *language)
             if (entry == nullptr)
                 continue;
             const lang_entry_t *reference = entries_->find(item, source_->default_lang);
-            const std::string_view name = exchange::or_empty(item->name);
-            add({true, exchange::or_empty(group->name), name,
+            const std::string_view name = view_of(item->name);
+            add({true, view_of(group->name), name,
                  reference == nullptr ? name : joined(reference->texts), joined(entry->texts)});
         }
 }
 
 void donor::offer_units(const char *language)
 {
-    std::vector<bool> wanted;
-    const std::string_view named = file_.languages.size() == 1 ? path_ : std::string_view();
-    for (const exchange::said_language &said : file_.languages)
-        wanted.push_back(exchange::or_empty(exchange::find_language(*to_fill_, said, named)) ==
-                         exchange::or_empty(language));
     for (const exchange::text_unit &unit : file_.units)
-        if (wanted[unit.language] && !unit.fuzzy)
+        if (languages_[unit.language] == language && !unit.fuzzy)
             add({unit.keyed, unit.group, unit.item, unit.reference, unit.text});
 }
 

@@ -23,8 +23,13 @@ public:
     donor(const donor &) = delete;
     donor &operator=(const donor &) = delete;
 
-    // Reads the file for the source that will be filled. False after a line on standard error.
-    bool read(const std::string &path, const LangSource &source);
+    // Reads the file for the source that will be filled. The language, unless it is empty, is that
+    // of a file of another format, whatever it says. False after a line on standard error.
+    bool read(const std::string &path, const LangSource &source, const std::string &language);
+
+    // False for a file of another format, after a line on standard error, when the source has none
+    // of its languages.
+    bool knows_language() const;
 
     // From now on it is asked for texts in that language of the source.
     void choose(const char *language);
@@ -51,10 +56,10 @@ private:
     std::string_view joined(GList *texts);
 
     std::string path_;
-    const LangSource *to_fill_ = nullptr;
     source_guard source_;
     std::optional<entry_index> entries_; // of it
     exchange::file_texts file_;
+    std::vector<std::string_view> languages_; // of the file, as the source names them; else empty
     bool same_encoding_ = true;
 
     // In the chosen language.

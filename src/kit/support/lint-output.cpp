@@ -175,9 +175,28 @@ public:
         out += "}]}";
         out_.flush_when_full();
     }
+    // What a host must know so that such a run is not taken for a clean one.
+    void add_unreadable(const std::string &path, const std::string &why) override
+    {
+        failures_ += failures_.empty() ? "" : ",";
+        failures_ += "\n{\"level\": \"error\", \"message\": {\"text\": ";
+        append_json(failures_, path.empty() ? why : path + ": " + why);
+        failures_ += '}';
+        if (!path.empty()) {
+            failures_ += ", \"locations\": [{\"physicalLocation\": "
+                         "{\"artifactLocation\": {\"uri\": ";
+            append_json(failures_, uri(path.c_str()));
+            failures_ += "}}}]";
+        }
+        failures_ += '}';
+    }
     void end() override
     {
-        out_.text += "\n]\n}]}\n";
+        out_.text.append("\n],\n\"invocations\": [{\"executionSuccessful\": ")
+            .append(failures_.empty() ? "true" : "false")
+            .append(", \"toolExecutionNotifications\": [")
+            .append(failures_)
+            .append("]}]\n}]}\n");
         out_.flush();
     }
 
@@ -210,6 +229,7 @@ private:
     }
 
     buffered out_;
+    std::string failures_; // notifications
     bool empty_ = true;
 };
 

@@ -27,6 +27,8 @@ class lint_output {
 public:
     virtual ~lint_output() = default;
     virtual void add(const shown_finding &found) = 0; // in the order in which they are shown
+    // What cannot be read (empty: several), and why.
+    virtual void add_unreadable(const std::string & /*path*/, const std::string & /*why*/) {}
     virtual void end() {}
 };
 

@@ -1,17 +1,19 @@
 #include "kit/support/lint-run.h"
 
-#include "checker/adjacent.h"
-#include "checker/scan-tree.h"
+#include "kit/support/code-scan.h"
 #include "kit/support/output.h"
 #include "kit/support/progress.h"
 #include "kit/support/sources.h"
 #include "lint/conflict.h"
+#include "source/item-index.h"
 #include "support/file_mem.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <iterator>
+#include <unordered_set>
 
 namespace zel::kit {
 
@@ -22,19 +24,28 @@ bool is_before(place a, place b)
     return a.line != b.line ? a.line < b.line : a.column < b.column;
 }
 
-// What such a request means for the application.
-std::string message_of(const adjacent_request &found)
+const char *text(const char *name) { return name == nullptr ? "" : name; }
+
+// The items of all sources in one, which the scan may add to and mark.
+source_guard gather(const std::vector<std::unique_ptr<lint_source>> &sources)
 {
-    const std::string whole = shown(found.whole);
-    switch (found.of) {
-    case piece::item:
-        return "the application asks for " + whole + ", of which only " + shown(found.read) +
-               " is read: write it in one piece, or as lang_get";
-    case piece::group:
-        return "the group " + whole + " is in pieces, so the request is not read";
-    default:
-        return "the description " + whole + " is in pieces, so the request is not read";
-    }
+    source_guard out(lang_alloc_group());
+    item_index index(out.get());
+    for (const auto &one : sources)
+        for (const edit_t *group : each<edit_t>(one->source()->groups))
+            for (const item_t *item : each<item_t>(group->items))
+                if (index.find(text(group->name), text(item->name)) == nullptr)
+                    index.insert(text(group->name), text(item->name));
+    return out;
+}
+
+void tell_unasked(const lint_source &of, item_index &asked, const shown_listener &to)
+{
+    for (const edit_t *group : each<edit_t>(of.source()->groups))
+        for (const item_t *item : each<item_t>(group->items))
+            if (asked.find(text(group->name), text(item->name))->item->used == 0)
+                to({of.path().c_str(), of.place_of(item), lint::rule_id::unasked, group->name,
+                    item->name, nullptr, "asked for in no file"});
 }
 
 } // namespace
@@ -57,24 +68,33 @@ void lint_source::take_markers()
     std::free(data);
 }
 
+bool lint_source::fail(const std::string &why)
+{
+    std::fprintf(stderr, "lang-kit: %s: %s\n", path_.c_str(), why.c_str());
+    failure_ = why;
+    return false;
+}
+
 bool lint_source::read(const std::string &path)
 {
     path_ = path;
+    if (is_named_pipe(path))
+        return fail("it is a pipe");
     std::string why = "the file cannot be read";
     const auto hear = [&](const read_message &message) {
         if (const char *failure = read_failure(message))
             why.append(": ").append(failure);
         if (message.row->number != read_not_opened)
-            syntax_.push_back({message.at, lint::rule_id::syntax, nullptr, message.row->meaning});
+            syntax_.push_back({message.at,
+                               message.row->number == read_nul_byte ? lint::rule_id::encoding
+                                                                    : lint::rule_id::syntax,
+                               nullptr, message.row->meaning});
     };
     answer_ = read_source(path.c_str(), {std::time(nullptr), hear, &places_});
     if (answer_.result == read_result::good)
         return true;
-    if (answer_.cause != read_cause::syntax) {
-        std::fprintf(stderr, "lang-kit: %s: %s\n", path.c_str(),
-                     answer_.cause == read_cause::memory ? "not enough memory" : why.c_str());
-        return false;
-    }
+    if (answer_.cause != read_cause::syntax)
+        return fail(answer_.cause == read_cause::memory ? "not enough memory" : why);
     take_markers();
     return true;
 }
@@ -89,8 +109,8 @@ void lint_source::judge(const lint::choice &wanted, const shown_listener &to) co
 {
     // What is known before the items are judged; the definitions may stand anywhere.
     std::vector<early> before;
-    if (wanted.rules.has(lint::rule_id::syntax))
-        before = syntax_;
+    std::copy_if(syntax_.begin(), syntax_.end(), std::back_inserter(before),
+                 [&](const early &one) { return wanted.rules.has(one.rule); });
     const auto by_place = [](const early &a, const early &b) { return is_before(a.at, b.at); };
     std::stable_sort(before.begin(), before.end(), by_place);
     std::size_t told = 0;
@@ -121,31 +141,42 @@ void lint_source::judge(const lint::choice &wanted, const shown_listener &to) co
     tell_until({UINT32_MAX, 0});
 }
 
-bool judge_code(const std::vector<std::string> &paths, const shown_listener &to)
+bool judge_code(const code_job &job, const std::vector<std::unique_ptr<lint_source>> &sources,
+                const shown_listener &to)
 {
-    bool good = true;
-    const auto complain = [&](const char *path) {
-        std::fprintf(stderr, "lang-kit: %s: cannot be read\n", path);
-        good = false;
+    const auto reads = [](const auto &one) { return one->source() != nullptr; };
+    const bool all_read = std::all_of(sources.begin(), sources.end(), reads);
+    const source_guard known(all_read ? gather(sources) : source_guard(lang_alloc_group()));
+    std::unordered_set<const item_t *> inserted; // there may be several requests for one
+    const char *none = sources.size() == 1 ? "the source has no item " : "no source has the item ";
+    const auto tell = [&](const char *path, place at, lint::rule_id rule, const char *group,
+                          const char *item, const std::string &message) {
+        if (job.rules.has(rule))
+            to({path, at, rule, group, item, nullptr, message});
     };
-    const auto tell = [&](const adjacent_request &found) {
-        const bool item = found.of == piece::item;
-        to({found.path,
-            {found.line, found.column},
-            lint::rule_id::adjacent,
-            found.group.empty() ? nullptr : found.group.c_str(),
-            item ? found.whole.c_str() : nullptr,
-            nullptr,
-            message_of(found)});
-    };
-    const auto scan = [&](const char *file) {
-        if (!find_adjacent(file, tell))
-            complain(file);
-        return 0;
-    };
-    for (const std::string &path : paths)
-        scan_path(path.c_str(), {scan, complain, complain});
-    return good;
+    const scan_listener listener{
+        [&](const found_request &one) {
+            if (one.inserted)
+                inserted.insert(one.item);
+            if (all_read && !inserted.empty() && inserted.contains(one.item))
+                tell(one.path, one.at, lint::rule_id::unknown, one.group, one.item->name,
+                     none + shown(std::string(one.group) + ":" + one.item->name));
+        },
+        [&](const unread_request &one) {
+            tell(one.path, one.at, lint::rule_id::unread, nullptr, nullptr, message_of(one));
+        },
+        [&](const adjacent_request &one) {
+            tell(one.path, one.at, lint::rule_id::adjacent,
+                 one.group.empty() ? nullptr : one.group.c_str(),
+                 one.of == piece::item ? one.whole.c_str() : nullptr, message_of(one));
+        }};
+    item_index index(known.get());
+    if (!scan_code(index, job.paths, {0, nullptr, &listener, job.wrappers}))
+        return false;
+    if (all_read && job.rules.has(lint::rule_id::unasked))
+        for (const auto &one : sources)
+            tell_unasked(*one, index, to);
+    return true;
 }
 
 } // namespace zel::kit

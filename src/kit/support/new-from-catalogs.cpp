@@ -34,6 +34,7 @@ void say_fault(const std::string &path, const exchange::fault &wrong)
 int make_from_catalogs(const exchange::new_request &request,
                        const std::vector<std::string> &catalogs, const destination &to)
 {
+    const seen_file before(to.path);
     exchange::new_source made(request);
     for (const std::string &path : catalogs) {
         std::string bytes;
@@ -46,7 +47,7 @@ int make_from_catalogs(const exchange::new_request &request,
         }
     }
     print_summary(made, to.path);
-    return write(to, made.source()) ? status_fine : status_fault;
+    return write(to, made.source(), {before}) ? status_fine : status_fault;
 }
 
 } // namespace zel::kit

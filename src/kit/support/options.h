@@ -12,9 +12,9 @@ namespace zel::kit {
 // One option and where its value goes; exactly one of the addresses is set. Texts are the bytes of
 // the command line.
 struct option {
-    const char *name;     // without dashes
-    const char *argument; // what the help calls the value; null for a switch
-    const char *help;
+    const char *name = nullptr;               // without dashes
+    const char *argument = nullptr;           // what the help calls the value; null for a switch
+    const char *help = nullptr;               // one line
     bool *on = nullptr;                       // set by a switch
     std::string *text = nullptr;              // the last value counts
     std::vector<std::string> *list = nullptr; // all values, split at commas when asked for

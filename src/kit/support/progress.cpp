@@ -22,7 +22,7 @@ std::int64_t now_ms()
 // Past the stream: that one shows a carriage return of a name as an escape.
 void write_raw(const std::string &text)
 {
-    static_cast<void>(!write(STDERR_FILENO, text.data(), text.size()));
+    static_cast<void>(!::write(STDERR_FILENO, text.data(), text.size()));
 }
 
 } // namespace

@@ -6,7 +6,9 @@
 #include "lint/counts.h"
 #include "lint/item-case.h"
 #include "lint/rules.h"
+#include "source/entry.h"
 #include "support/file_mem.h"
+#include "support/text.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -69,8 +71,6 @@ private:
     std::string text_;
     std::string quoted_; // of the string that is added
 };
-
-std::string_view or_empty(const char *text) { return text == nullptr ? "" : text; }
 
 // A picture that is no JPEG, or larger than a page should be, is left out.
 std::string screenshot(const std::string &folder, const edit_t *group)
@@ -220,7 +220,7 @@ void source_writer::write_texts(const item_t *item)
         if (entries_[i] == nullptr)
             out_.raw("null");
         else
-            out_.string(lint::join(entries_[i]->texts, buffers_[i]));
+            out_.string(look_at_text(entries_[i]->texts, buffers_[i]));
     }
     out_.raw("]");
 }
@@ -232,7 +232,7 @@ void source_writer::write_comments(const item_t *item)
     out_.raw("[");
     for (const lang_entry_t *comment : each<lang_entry_t>(item->comments)) {
         const std::size_t i = language_at(comment->lang);
-        const std::string_view text = lint::join(comment->texts, buffer);
+        const std::string_view text = look_at_text(comment->texts, buffer);
         if (i < languages_.size() && !text.empty())
             out_.next(first).raw("[").number(i).raw(",").string(text).raw("]");
     }

@@ -1,22 +1,16 @@
 #include "kit/support/sources.h"
 
 #include "source/lang-write.h"
-#include "support/file-call.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <ctime>
-#include <vector>
+#include <filesystem>
+#include <system_error>
 
 namespace zel::kit {
 
 namespace {
-
-// Whether something of the file is not in the source that was read from it.
-bool is_loss(const read_message_row &row)
-{
-    return row.after != outcome::go_on || row.number == read_maybe_cut;
-}
 
 void say(const read_message &message, bool loss)
 {
@@ -31,42 +25,66 @@ void say(const read_message &message, bool loss)
                      message.at.column + 1, level, row.meaning);
 }
 
-// What was read to be written again, as it was before that.
-struct seen_file {
-    std::string path;
-    file_stamp stamp;
-};
-std::vector<seen_file> seen_files;
-
-bool is_as_read(const std::string &path)
+bool is_readable(const std::string &path)
 {
-    return std::none_of(seen_files.begin(), seen_files.end(), [&](const seen_file &seen) {
-        return seen.path == path && has_changed(path.c_str(), seen.stamp);
+    if (!is_named_pipe(path))
+        return true;
+    std::fprintf(stderr, "lang-kit: %s: it is a pipe\n", path.c_str());
+    return false;
+}
+
+// Whether two paths lead to one file.
+bool is_same_file(const std::string &a, const std::string &b)
+{
+    struct stat first {};
+    struct stat second {};
+    return a == b || (stat(a.c_str(), &first) == 0 && stat(b.c_str(), &second) == 0 &&
+                      id_of(first) == id_of(second));
+}
+
+// Whether nobody has saved to the path what the source would undo.
+bool may_replace(const std::string &path, const std::vector<seen_file> &from)
+{
+    return std::none_of(from.begin(), from.end(), [&](const seen_file &seen) {
+        return is_same_file(seen.path, path) && has_changed(seen.path.c_str(), seen.stamp);
     });
 }
 
 } // namespace
 
+bool is_named_pipe(const std::string &path)
+{
+    struct stat status {};
+    std::error_code error;
+    if (stat(path.c_str(), &status) != 0 || !S_ISFIFO(status.st_mode))
+        return false;
+    return !std::filesystem::canonical(path, error).empty();
+}
+
 source_guard read(const std::string &path, source_places *places)
 {
+    if (!is_readable(path))
+        return nullptr;
     const auto hear = [](const read_message &message) {
         say(message, message.row->after != outcome::go_on);
     };
     return std::move(read_source(path.c_str(), {std::time(nullptr), hear, places}).source);
 }
 
-source_guard read_whole(const std::string &path)
+source_file read_whole(const std::string &path, std::int64_t now)
 {
+    source_file file{nullptr, {seen_file(path)}};
+    if (!is_readable(path))
+        return file;
     bool whole = true;
     const auto hear = [&](const read_message &message) {
         say(message, is_loss(*message.row));
         whole = whole && !is_loss(*message.row);
     };
-    seen_files.push_back({path, stamp_of(path.c_str())});
-    source_guard source = std::move(read_source(path.c_str(), {0, hear, nullptr}).source);
+    file.source = std::move(read_source(path.c_str(), {now, hear, nullptr}).source);
     if (!whole)
-        source.reset();
-    return source;
+        file.source.reset();
+    return file;
 }
 
 void keep_to_the_end(source_guard source)
@@ -75,7 +93,7 @@ void keep_to_the_end(source_guard source)
     kept->push_back(source.release());
 }
 
-bool write(const destination &to, LangSource *source)
+bool write(const destination &to, LangSource *source, const std::vector<seen_file> &from)
 {
     if (to.dry_run)
         return true;
@@ -85,7 +103,7 @@ bool write(const destination &to, LangSource *source)
     how.name = to.name.empty() ? nullptr : to.name.c_str();
     how.backup = to.backup;
     how.messages = stderr; // standard output belongs to results
-    how.may_replace = [&to] { return is_as_read(to.path); };
+    how.may_replace = [&] { return may_replace(to.path, from); };
     const int code = write_source(to.path.c_str(), source, how).code;
     if (code == 0)
         return true;

@@ -55,11 +55,11 @@ int run_diff(const word &self, int argc, char **argv)
 {
     std::string format = "text";
     bool places = false;
-    const parsed line =
-        parse(self, argc, argv,
-              {{"format", "NAME", "text or json (text)", nullptr, &format},
-               {"places", nullptr, "also differences of the places in the code", &places}},
-              2, 2);
+    const parsed line = parse(
+        self, argc, argv,
+        {{.name = "format", .argument = "NAME", .help = "text or json (text)", .text = &format},
+         {.name = "places", .help = "also differences of the places in the code", .on = &places}},
+        2, 2);
     if (line.ends)
         return line.status;
     const int chosen = choose(self, "format", format, {"text", "json"});

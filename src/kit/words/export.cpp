@@ -5,7 +5,11 @@
 #include "kit/support/text-file.h"
 #include "kit/words/word-list.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
+
+#include <glib.h>
 
 namespace zel::kit {
 
@@ -40,14 +44,14 @@ std::vector<std::string> file_names(const exchange::format &row, const exchange:
     return names;
 }
 
-// Writes the files of an export into a folder, all or none that differs from what is there.
+// Writes the files of an export, all or none that differs from what is there.
 bool write_files(const exchange::format &row, exchange::exporter &from,
-                 const std::vector<std::string> &names, const std::string &folder)
+                 const std::vector<std::string> &paths)
 {
-    std::vector<text_file> files(names.size());
+    std::vector<text_file> files(paths.size());
     std::vector<exchange::outgoing_file> outgoing;
-    for (std::size_t at = 0; at < names.size(); ++at) {
-        if (!files[at].create(folder.empty() ? names[at] : folder + "/" + names[at]))
+    for (std::size_t at = 0; at < paths.size(); ++at) {
+        if (!files[at].create(paths[at]))
             return false;
         outgoing.push_back({[&file = files[at]](std::string_view text) { file.append(text); }, {}});
     }
@@ -63,26 +67,57 @@ bool write_files(const exchange::format &row, exchange::exporter &from,
     return true;
 }
 
+// Makes the folder, where there is none, and writes the files into it.
+bool write_into(const std::string &folder, bool dry_run, const exchange::format &row,
+                exchange::exporter &from, std::vector<std::string> names)
+{
+    for (std::string &name : names)
+        if (!folder.empty())
+            name.insert(0, folder + "/");
+    if (dry_run) {
+        for (const std::string &name : names)
+            std::printf("%s\n", name.c_str());
+        return true;
+    }
+    if (!folder.empty() && g_mkdir_with_parents(folder.c_str(), 0777) != 0) {
+        std::fprintf(stderr, "lang-kit: %s: %s\n", folder.c_str(), std::strerror(errno));
+        return false;
+    }
+    return write_files(row, from, names);
+}
+
 } // namespace
 
 int run_export(const word &self, int argc, char **argv)
 {
     std::string format_name;
     std::string folder;
+    bool dry_run = false;
     exchange::export_request request;
-    const parsed line =
-        parse(self, argc, argv,
-              {{"format", "FORMAT", exchange::format_help, nullptr, &format_name},
-               {"language", "NAME", "only this language; may be given again", nullptr, nullptr,
-                &request.languages},
-               {"output", "DIR",
-                "where the files go; without it the current directory, or standard "
-                "output for a single file of all languages",
-                nullptr, &folder, nullptr, false, 'o'},
-               {"fuzzy", nullptr, "po: items that are not ready are fuzzy", &request.fuzzy},
-               {"comments", nullptr, "csv: columns for the comments too", &request.comments},
-               {"unused", nullptr, "items too that the application does not use", &request.unused}},
-              1, 1);
+    const parsed line = parse(
+        self, argc, argv,
+        {{.name = "format",
+          .argument = "FORMAT",
+          .help = exchange::format_help,
+          .text = &format_name},
+         {.name = "language",
+          .argument = "NAME",
+          .help = "only this language; may be given again",
+          .list = &request.languages},
+         {.name = "output",
+          .argument = "DIR",
+          .help =
+              "where the files go, made when it is not there; without it the current directory, "
+              "or standard output for a single file of all languages",
+          .text = &folder,
+          .letter = 'o'},
+         {.name = "dry-run", .help = "only say which files would be written", .on = &dry_run},
+         {.name = "fuzzy", .help = "po: items that are not ready are fuzzy", .on = &request.fuzzy},
+         {.name = "comments", .help = "csv: columns for the comments too", .on = &request.comments},
+         {.name = "unused",
+          .help = "items too that the application does not use",
+          .on = &request.unused}},
+        1, 1);
     if (line.ends)
         return line.status;
     const int chosen = choose(self, "format", format_name, exchange::format_names());
@@ -102,10 +137,12 @@ int run_export(const word &self, int argc, char **argv)
         return status_fault;
     }
     if (folder.empty() && row.writes == exchange::files::one) {
+        if (dry_run)
+            return status_fine;
         std::vector<exchange::outgoing_file> standard{
             {[](std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }, {}}};
         row.write(from, standard);
-    } else if (!write_files(row, from, file_names(row, from, line.files.front()), folder)) {
+    } else if (!write_into(folder, dry_run, row, from, file_names(row, from, line.files.front()))) {
         return status_fault;
     }
     if (from.repeated() != 0)

@@ -1,10 +1,10 @@
-#include "exchange/entries.h"
 #include "kit/support/donor.h"
 #include "kit/support/entry-index.h"
 #include "kit/support/options.h"
 #include "kit/support/output.h"
 #include "kit/support/sources.h"
 #include "kit/words/word-list.h"
+#include "source/entry.h"
 #include "source/misc.h"
 
 #include <cstdio>
@@ -33,7 +33,7 @@ public:
     language_filler(LangSource *source, entry_index &entries, const char *language,
                     std::deque<donor> &donors)
         : source_(source), entries_(entries), language_(language), donors_(donors),
-          is_default_(exchange::or_empty(source->default_lang) == language)
+          is_default_(view_of(source->default_lang) == language)
     {
         for (donor &one : donors_)
             one.choose(language);
@@ -52,7 +52,7 @@ private:
     void fill_item(const edit_t *group, item_t *item)
     {
         const std::string_view by_key = first([&](const donor &one) {
-            return one.by_key(exchange::or_empty(group->name), exchange::or_empty(item->name));
+            return one.by_key(view_of(group->name), view_of(item->name));
         });
         if (!by_key.empty()) {
             put(item, by_key, count_.by_key);
@@ -70,10 +70,8 @@ private:
 
     std::string reference_text(const item_t *item) const
     {
-        std::string text;
-        if (const lang_entry_t *entry = entries_.find(item, source_->default_lang))
-            exchange::append_lines(text, entry->texts);
-        return text.empty() ? std::string(exchange::or_empty(item->name)) : text;
+        const std::string text = text_of(entries_.find(item, source_->default_lang));
+        return without_end(text).empty() ? or_empty(item->name) : text;
     }
 
     template <class Ask>
@@ -88,7 +86,7 @@ private:
     void put(item_t *item, std::string_view text, std::size_t &count)
     {
         lang_entry_t *entry = entries_.find(item, language_);
-        exchange::set_text(entry == nullptr ? entries_.append(item, language_) : entry, text);
+        set_text(entry == nullptr ? entries_.append(item, language_) : entry, text);
         item->changed = 1;
         item->ready = 0;
         ++count;
@@ -123,36 +121,49 @@ std::size_t fill_source(LangSource *source, std::deque<donor> &donors)
 int run_fill(const word &self, int argc, char **argv)
 {
     std::vector<std::string> from;
+    std::string language;
     std::string output;
     bool dry_run = false;
     const parsed line =
         parse(self, argc, argv,
-              {{"from", "FILE", "a source, or a file of another format; may be given again",
-                nullptr, nullptr, &from},
-               {"dry-run", nullptr, "only say what would be filled", &dry_run},
-               {"output", "FILE", "write the source there", nullptr, &output, nullptr, false, 'o'}},
+              {{.name = "from",
+                .argument = "FILE",
+                .help = "a source, or a file of another format; may be given again",
+                .list = &from},
+               {.name = "language",
+                .argument = "NAME",
+                .help = "the language of the files, whatever they say; not of sources",
+                .text = &language},
+               {.name = "dry-run", .help = "only say what would be filled", .on = &dry_run},
+               {.name = "output",
+                .argument = "FILE",
+                .help = "write the source there",
+                .text = &output,
+                .letter = 'o'}},
               1, 1);
     if (line.ends)
         return line.status;
     if (from.empty())
         return wrong_use(self, "--from is missing: where are the texts?");
-    source_guard source = read_whole(line.files.front());
-    if (!source)
+    source_file file = read_whole(line.files.front());
+    if (!file)
         return status_fault;
     std::deque<donor> donors;
     for (const std::string &path : from)
-        if (!donors.emplace_back().read(path, *source))
+        if (!donors.emplace_back().read(path, *file.source, language))
             return status_fault;
-    const std::size_t filled = fill_source(source.get(), donors);
+    bool known = true;
+    for (const donor &one : donors)
+        known = one.knows_language() && known;
+    const std::size_t filled = fill_source(file.source.get(), donors);
     for (std::size_t at = 0; at < donors.size(); ++at)
         if (donors[at].foreign() != 0)
             std::fprintf(stderr, "%s: left out %s in another encoding\n", from[at].c_str(),
                          counted(donors[at].foreign(), "text").c_str());
-    const bool written =
-        (filled == 0 && output.empty()) ||
-        write({output.empty() ? line.files.front() : output, dry_run}, source.get());
-    keep_to_the_end(std::move(source));
-    return written ? status_fine : status_fault;
+    const bool written = (filled == 0 && output.empty()) ||
+                         write({output.empty() ? line.files.front() : output, dry_run}, file);
+    keep_to_the_end(std::move(file.source));
+    return !written ? status_fault : known ? status_fine : status_found;
 }
 
 } // namespace zel::kit

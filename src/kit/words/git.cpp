@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -23,10 +24,10 @@ namespace {
 constexpr struct {
     const char *key, *value;
     bool percents;
-} settings[] = {
+} git_settings[] = {
     {"merge.lang-src.name", "language sources, by group, item and language", false},
     {"merge.lang-src.driver", "@ merge --driver=%P %O %A %B", true},
-    {"diff.lang-src.textconv", "@ show --or-file", false},
+    {"diff.lang-src.textconv", "@ show --or-file --", false},
     // In a source and in what "show" prints of one.
     {"diff.lang-src.xfuncname", "^[ \t]*((ITEM|GROUP|LANGUAGE)[ \t].*)$", false},
 };
@@ -39,7 +40,10 @@ constexpr struct {
     const char *pattern, *example;
 } ignored[] = {
     {"*.lang-src-*.bak", "app.lang-src-2024-01-31-12-00-00.bak"},
+    {"*.lang-src.????????", "app.lang-src.0a1b2c3d"}, // left where a program was killed
     {"lang.tmp", "lang.tmp"},
+    {".lang.lock", ".lang.lock"}, // the turn of a save
+    {"lang.lang-ini*", "lang.lang-ini"}, // the editor's settings, their lock and the like
 };
 
 constexpr const char *hook_mark = "# lang-kit git --hook";
@@ -51,7 +55,8 @@ constexpr const char *hook_text =
     "trap 'rm -rf \"$folder\"' EXIT\n"
     "git diff --cached --name-only -z --diff-filter=ACMRT -- '*.lang-src' |\n"
     "    git checkout-index -z --stdin --prefix=\"$folder/\" || exit 1\n"
-    "cd \"$folder\" && find . -type f -name '*.lang-src' -exec @ lint {} +\n";
+    "cd \"$folder\" && find . -type f -name '*.lang-src' -exec @ lint \\\n"
+    "    --without unused,not-ready,same {} +\n";
 
 std::string with_own_command(std::string text, bool percents = false)
 {
@@ -66,6 +71,8 @@ std::string with_own_command(std::string text, bool percents = false)
 // and returns false after a line on standard error.
 class repository {
 public:
+    explicit repository(bool dry_run) : dry_run_(dry_run) {}
+
     bool find();
     bool may_write_files() const;
     bool configure();
@@ -89,6 +96,8 @@ private:
         return false;
     }
     bool may_write(const std::string &name, const std::string &path) const;
+    bool may_write_own(const std::string &name) const;
+    bool is_inside(const std::string &path) const;
     void report(const std::string &where, const std::string &what)
     {
         std::printf("%s: %s\n", where.c_str(), what.c_str());
@@ -99,7 +108,8 @@ private:
     bool add_line(const std::string &file, const std::string &line);
     bool write_hook(const std::string &path);
 
-    std::string top_; // of the working tree
+    const bool dry_run_; // what would be done is said and not done
+    std::string top_;    // of the working tree
     bool changed_ = false;
     bool shared_ = false;
     bool others_ = false;
@@ -120,14 +130,16 @@ bool repository::find()
 
 bool repository::configure()
 {
-    for (const auto &row : settings) {
+    for (const auto &row : git_settings) {
         const std::string value = with_own_command(row.value, row.percents);
         const program_run known = git({"config", "--local", "--get", row.key});
         if (known.out == value + "\n")
             continue;
-        const program_run set = git({"config", "--local", "--replace-all", row.key, value});
-        if (set.status != 0)
-            return say(first_line(set.err));
+        if (!dry_run_) {
+            const program_run set = git({"config", "--local", "--replace-all", row.key, value});
+            if (set.status != 0)
+                return say(first_line(set.err));
+        }
         report("git config " + std::string(row.key), value);
     }
     return true;
@@ -157,11 +169,32 @@ bool repository::may_write(const std::string &name, const std::string &path) con
     return refusal == 0 || say(name + ": " + refusal_text(refusal));
 }
 
-// git itself would wait for a pipe of that name.
+// git itself would wait for a pipe of that name, and does not follow a link.
+bool repository::may_write_own(const std::string &name) const
+{
+    const std::string path = top_ + "/" + name;
+    std::error_code error;
+    if (std::filesystem::is_symlink(path, error))
+        return say(name + ": it is a link, which git does not follow");
+    return may_write(name, path);
+}
+
 bool repository::may_write_files() const
 {
-    return may_write(".gitattributes", top_ + "/.gitattributes") &&
-           may_write(".gitignore", top_ + "/.gitignore");
+    return may_write_own(".gitattributes") && may_write_own(".gitignore");
+}
+
+// Whether a path leads into the working tree or what git itself keeps of this repository.
+bool repository::is_inside(const std::string &path) const
+{
+    namespace fs = std::filesystem;
+    std::error_code error;
+    const std::string real = fs::weakly_canonical(path, error).string();
+    const std::string own = first_line(git({"rev-parse", "--git-common-dir"}).out);
+    for (const fs::path &folder : {fs::path(top_), fs::path(top_) / own})
+        if (real.starts_with(fs::weakly_canonical(folder, error).string() + "/"))
+            return true;
+    return false;
 }
 
 // Appends a line to a file at the top of the working tree.
@@ -180,7 +213,8 @@ bool repository::add_line(const std::string &file, const std::string &line)
     if (!text.empty() && text.back() != '\n')
         text += '\n';
     text += line + "\n";
-    if (const int error = replace_file(path.c_str(), text))
+    const int error = dry_run_ ? 0 : replace_file(path.c_str(), text);
+    if (error != 0)
         return say(file + ": " + std::strerror(error));
     report(file, line);
     shared_ = true;
@@ -236,6 +270,12 @@ bool repository::set_hook()
     const std::string path = name.front() == '/' ? name : top_ + "/" + name;
     if (!may_write(name, path))
         return false;
+    if (!is_inside(path)) {
+        say(name + " is outside of the repository, so that others may use it, and stays; it may "
+                   "call: lang-kit lint SOURCE...");
+        others_ = true;
+        return true;
+    }
     if (is_there(path.c_str())) {
         char *data = nullptr;
         const std::int64_t size = zel_read_file_to_mem(path.c_str(), &data);
@@ -249,7 +289,7 @@ bool repository::set_hook()
             return true;
         }
     }
-    if (!write_hook(path))
+    if (!dry_run_ && !write_hook(path))
         return false;
     report(name, "lang-kit lint before every commit");
     return true;
@@ -260,19 +300,23 @@ bool repository::set_hook()
 int run_git(const word &self, int argc, char **argv)
 {
     bool hook = false;
+    bool dry_run = false;
     const parsed line =
         parse(self, argc, argv,
-              {{"hook", nullptr, "also lint the sources of every commit before it is made", &hook}},
+              {{.name = "hook",
+                .help = "also lint the sources of every commit before it is made",
+                .on = &hook},
+               {.name = "dry-run", .help = "only say what would be set up", .on = &dry_run}},
               0, 0);
     if (line.ends)
         return line.status;
-    repository here;
+    repository here(dry_run);
     if (!here.find() || !here.may_write_files() || !here.configure() || !here.set_attributes() ||
         !here.ignore_files() || (hook && !here.set_hook()))
         return status_fault;
     if (!here.has_changed())
         std::puts("nothing to do");
-    if (here.has_shared_changes())
+    if (here.has_shared_changes() && !dry_run)
         std::puts("now commit .gitattributes and .gitignore, and let every other clone run "
                   "lang-kit git once");
     return here.met_others() ? status_found : status_fine;

@@ -5,12 +5,14 @@
 #include "kit/support/options.h"
 #include "kit/support/output.h"
 #include "kit/support/sources.h"
-#include "kit/support/whole-source.h"
 #include "kit/words/word-list.h"
+#include "merge/compare.h"
+#include "source/write-text.h"
 
 #include <cstdio>
 #include <ctime>
 #include <unistd.h>
+#include <utility>
 
 namespace zel::kit {
 
@@ -87,11 +89,53 @@ bool take_file(const exchange::format &row, const std::string &path, exchange::i
     return !wrong;
 }
 
+std::string written(const LangSource *source)
+{
+    std::string out;
+    text_how how;
+    how.name = "";
+    how.trim = false;
+    source_text text(source, how);
+    while (text.append(out, UINT32_MAX)) {
+    }
+    return out;
+}
+
+// One line for each item that is new, has changed or is gone, and one before them for all else that
+// differs from a source that is there. Whether anything does but the time of saving.
+bool print_differences(LangSource *before, LangSource *after)
+{
+    const source_guard nothing(before == nullptr ? lang_alloc_group() : nullptr);
+    const bool is_new = before == nullptr;
+    if (is_new)
+        before = nothing.get();
+    std::string items;
+    bool others = false;
+    std::pair<const char *, const char *> last; // the item whose line is the last one
+    compare_sources(before, after, true, [&](const difference &one) {
+        others = others || one.item == nullptr;
+        if (one.item == nullptr || last == std::pair(one.group, one.item))
+            return;
+        last = {one.group, one.item};
+        const bool whole = one.field == std::string_view("item");
+        items += !whole ? "~ " : one.how == change::added ? "+ " : "- ";
+        exchange::append_key(items, one.group, one.item);
+        items += '\n';
+    });
+    after->mtime = before->mtime;
+    if (!others && items.empty() && written(before) == written(after))
+        return false;
+    std::printf("%s%s",
+                !is_new && (others || items.empty()) ? "~ languages, groups and order\n" : "",
+                items.c_str());
+    return true;
+}
+
 // A format of whole sources: the file takes the place of the source, which need not be there.
 int take_whole(const import_options &options, const std::vector<std::string> &files)
 {
-    source_guard before;
-    if (access(files[0].c_str(), F_OK) == 0 && !(before = read(files[0])))
+    source_file before{nullptr, {seen_file(files[0])}};
+    if (access(files[0].c_str(), F_OK) == 0 && !(before = read_whole(files[0])))
         return status_fault;
     std::string bytes;
     exchange::fault wrong = exchange::read_input(files[1], bytes);
@@ -102,21 +146,21 @@ int take_whole(const import_options &options, const std::vector<std::string> &fi
         say_fault(files[1], wrong);
         return status_fault;
     }
-    if (!print_differences(before.get(), source.get()) && options.output.empty())
+    if (!print_differences(before.source.get(), source.get()) && options.output.empty())
         return status_fine;
     const std::string &to = options.output.empty() ? files[0] : options.output;
-    return write({to, options.dry_run}, source.get()) ? status_fine : status_fault;
+    return write({to, options.dry_run}, source.get(), before.from) ? status_fine : status_fault;
 }
 
 int take_files(const exchange::format &row, import_options &options,
                const std::vector<std::string> &files)
 {
-    const source_guard source = read(files.front());
-    if (!source)
+    const source_file file = read_whole(files.front());
+    if (!file)
         return status_fault;
     import_report report;
     options.request.hear = [&](const exchange::import_event &event) { report.hear(event); };
-    exchange::importer into(source.get(), options.request);
+    exchange::importer into(file.source.get(), options.request);
     for (std::size_t at = 1; at < files.size(); ++at) {
         report.path = files[at];
         const std::uint32_t guesses = into.guesses();
@@ -128,8 +172,7 @@ int take_files(const exchange::format &row, import_options &options,
     }
     const std::string &to = options.output.empty() ? files.front() : options.output;
     // What has not changed is not written: no backup, no new time.
-    if ((into.changed() != 0 || !options.output.empty()) &&
-        !write({to, options.dry_run}, source.get()))
+    if ((into.changed() != 0 || !options.output.empty()) && !write({to, options.dry_run}, file))
         return status_fault;
     return report.unknown ? status_found : status_fine;
 }
@@ -168,22 +211,34 @@ int import_into(const word &self, import_options &options, const exchange::forma
 int run_import(const word &self, int argc, char **argv)
 {
     import_options options;
-    const parsed line =
-        parse(self, argc, argv,
-              {{"format", "FORMAT", exchange::format_help, nullptr, &options.format_name},
-               {"language", "NAME", "the language of the files, whatever they say", nullptr,
-                &options.request.language},
-               {"comments", nullptr, "take comments too", &options.request.comments},
-               {"fuzzy", nullptr, "take fuzzy texts too", &options.request.guesses},
-               {"dry-run", nullptr, "only say what would change", &options.dry_run},
-               {"output", "FILE", "write the source there", nullptr, &options.output, nullptr,
-                false, 'o'},
-               {"new", nullptr, "make a new source from catalogs alone", &options.make_new},
-               {"default", "NAME", "its default language (english)", nullptr,
-                &options.fresh.default_language},
-               {"group", "NAME", "its group for messages without a context", nullptr,
-                &options.fresh.group}},
-              1, static_cast<std::size_t>(-1));
+    const parsed line = parse(
+        self, argc, argv,
+        {{.name = "format",
+          .argument = "FORMAT",
+          .help = exchange::format_help,
+          .text = &options.format_name},
+         {.name = "language",
+          .argument = "NAME",
+          .help = "the language of the files, whatever they say",
+          .text = &options.request.language},
+         {.name = "comments", .help = "take comments too", .on = &options.request.comments},
+         {.name = "fuzzy", .help = "take fuzzy texts too", .on = &options.request.guesses},
+         {.name = "dry-run", .help = "only say what would change", .on = &options.dry_run},
+         {.name = "output",
+          .argument = "FILE",
+          .help = "write the source there",
+          .text = &options.output,
+          .letter = 'o'},
+         {.name = "new", .help = "make a new source from catalogs alone", .on = &options.make_new},
+         {.name = "default",
+          .argument = "NAME",
+          .help = "its default language (english)",
+          .text = &options.fresh.default_language},
+         {.name = "group",
+          .argument = "NAME",
+          .help = "its group for messages without a context",
+          .text = &options.fresh.group}},
+        1, static_cast<std::size_t>(-1));
     if (line.ends)
         return line.status;
     const int at = choose(self, "format", options.format_name, exchange::format_names());

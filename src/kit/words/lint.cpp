@@ -1,6 +1,8 @@
+#include "kit/support/code-scan.h"
 #include "kit/support/lint-run.h"
 #include "kit/support/options.h"
 #include "kit/support/output.h"
+#include "kit/support/settings.h"
 #include "kit/words/word-list.h"
 #include "lint/rules.h"
 
@@ -55,14 +57,14 @@ bool choose_rules(const word &self, const std::vector<std::string> &names, rule_
     return true;
 }
 
-struct settings {
+struct lint_settings {
     std::string format = "text";
-    std::string fail_on = "error";
-    std::vector<std::string> only, without, languages, code;
+    std::string fail_on, group;
+    std::vector<std::string> only, without, languages, code, keywords;
     bool rules = false;
 };
 
-bool choose(const word &self, const settings &given, lint::choice &wanted)
+bool choose(const word &self, const lint_settings &given, lint::choice &wanted)
 {
     rule_set only, without;
     if (!choose_rules(self, given.only, only) || !choose_rules(self, given.without, without))
@@ -79,9 +81,12 @@ public:
 
     void judge(const std::string &path)
     {
-        lint_source source;
+        sources_.push_back(std::make_unique<lint_source>());
+        lint_source &source = *sources_.back();
         if (!source.read(path)) {
+            sources_.pop_back();
             unreadable_ = true;
+            output_.add_unreadable(path, source.failure());
             return;
         }
         ++files_;
@@ -90,11 +95,14 @@ public:
             if (source.source() == nullptr || lint::defines_language(source.source(), name))
                 defined_.push_back(name);
     }
-    void judge(const std::vector<std::string> &code)
+    void judge(const std::vector<std::string> &code, const wrapper_words *wrappers)
     {
-        if (wanted_.rules.has(lint::rule_id::adjacent) &&
-            !judge_code(code, [this](const shown_finding &one) { add(one); }))
+        if (!code.empty() && !sources_.empty() &&
+            !judge_code({code, wrappers, wanted_.rules}, sources_,
+                        [this](const shown_finding &one) { add(one); })) {
             unreadable_ = true;
+            output_.add_unreadable({}, "some of the code cannot be read");
+        }
     }
     // False after a line for the first language that no source defines: most likely a slip.
     bool knows_languages(const word &self) const
@@ -124,12 +132,13 @@ private:
     const lint::choice &wanted_;
     lint_output &output_;
     counts found_;
+    std::vector<std::unique_ptr<lint_source>> sources_; // that were read
     std::size_t files_ = 0;
     bool unreadable_ = false;
     std::vector<std::string> defined_; // of the wanted languages
 };
 
-std::vector<option> options_for(settings &given)
+std::vector<option> options_for(lint_settings &given)
 {
     return {
         {"format", "NAME", "text, json, sarif or github (text)", nullptr, &given.format},
@@ -139,17 +148,38 @@ std::vector<option> options_for(settings &given)
         {"without", "RULE,...", "all rules but these", nullptr, nullptr, &given.without, true},
         {"language", "NAME", "only what concerns this language; may be given again", nullptr,
          nullptr, &given.languages},
-        {"code", "PATH", "look through this code too, for \"adjacent\"; may be given again",
+        {"code", "PATH",
+         "look through this code too, for \"adjacent\", \"unknown\", \"unread\" and \"unasked\"; "
+         "may be given again",
          nullptr, nullptr, &given.code},
+        {"keyword", "WORD:ITEM", "the application's own word for a request, as in check", nullptr,
+         nullptr, &given.keywords},
+        {"group", "NAME", "the group of keywords without a number for it", nullptr, &given.group},
         {"rules", nullptr, "list the rules with their levels and end", &given.rules},
     };
+}
+
+// What the command line leaves to the project's settings.
+bool take_settings(const std::string &source, lint_settings &given)
+{
+    settings project;
+    if (!read_settings(source, project))
+        return false;
+    take_setting(given.fail_on, project.fail_on);
+    take_setting(given.fail_on, std::string("error"));
+    take_setting(given.without, project.without);
+    take_setting(given.languages, project.languages);
+    take_setting(given.code, project.code);
+    take_setting(given.keywords, project.keywords);
+    take_setting(given.group, project.group);
+    return true;
 }
 
 } // namespace
 
 int run_lint(const word &self, int argc, char **argv)
 {
-    settings given;
+    lint_settings given;
     const parsed line = parse(self, argc, argv, options_for(given), 0, SIZE_MAX);
     if (line.ends)
         return line.status;
@@ -157,18 +187,22 @@ int run_lint(const word &self, int argc, char **argv)
         print_rules();
         return status_fine;
     }
+    if (line.files.empty())
+        return wrong_use(self, std::string("a file is missing: lang-kit lint ") + self.arguments);
+    std::unique_ptr<wrapper_words> wrappers;
+    if (!take_settings(line.files.front(), given) ||
+        !make_wrappers(given.keywords, given.group, wrappers))
+        return status_fault;
     const int format = choose(self, "format", given.format, lint_formats());
     const int fail_on = choose(self, "fail-on", given.fail_on, {"error", "warning", "info"});
     lint::choice wanted;
     if (format < 0 || fail_on < 0 || !choose(self, given, wanted))
         return status_fault;
-    if (line.files.empty())
-        return wrong_use(self, std::string("a file is missing: lang-kit lint ") + self.arguments);
     const std::unique_ptr<lint_output> output = make_lint_output(format);
     run judged(wanted, *output);
     for (const std::string &path : line.files)
         judged.judge(path);
-    judged.judge(given.code);
+    judged.judge(given.code, wrappers.get());
     const int status = judged.end(static_cast<level>(fail_on));
     return judged.knows_languages(self) ? status : status_fault;
 }

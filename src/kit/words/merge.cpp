@@ -15,6 +15,7 @@ struct merge_options {
     std::string output;
     bool ours = false;
     bool theirs = false;
+    bool dry_run = false;
     std::string driver; // the path that the three files stand for
 };
 
@@ -60,25 +61,28 @@ std::string merged_name(const std::vector<std::string> &files, const std::string
 
 int merge_files(const merge_options &options, const std::vector<std::string> &files)
 {
-    source_guard base = read_whole(files[0]);
-    source_guard ours = read_whole(files[1]);
-    source_guard theirs = read_whole(files[2]);
+    source_file base = read_whole(files[0]);
+    source_file ours = read_whole(files[1]);
+    source_file theirs = read_whole(files[2]);
     if (!base || !ours || !theirs)
         return status_fault;
     const side prefer = options.ours ? side::ours : options.theirs ? side::theirs : side::neither;
     const std::vector<conflict> conflicts =
-        merge_sources(base.get(), ours.get(), theirs.get(), prefer);
-    keep_to_the_end(std::move(base));
-    keep_to_the_end(std::move(theirs));
+        merge_sources(base.source.get(), ours.source.get(), theirs.source.get(), prefer);
+    for (source_file *other : {&base, &theirs}) {
+        ours.from.insert(ours.from.end(), other->from.begin(), other->from.end());
+        keep_to_the_end(std::move(other->source));
+    }
     destination to;
     to.path = options.output.empty() ? files[1] : options.output;
+    to.dry_run = options.dry_run;
     to.merged = true;
     if (!options.driver.empty()) {
         to.name = merged_name(files, options.driver);
         to.backup = false;
     }
-    const bool written = write(to, ours.get());
-    keep_to_the_end(std::move(ours));
+    const bool written = write(to, ours);
+    keep_to_the_end(std::move(ours.source));
     if (!written)
         return status_fault;
     if (conflicts.empty())
@@ -92,17 +96,22 @@ int merge_files(const merge_options &options, const std::vector<std::string> &fi
 int run_merge(const word &self, int argc, char **argv)
 {
     merge_options options;
-    const parsed line =
-        parse(self, argc, argv,
-              {{"output", "FILE", "where the result goes; without it it replaces OURS", nullptr,
-                &options.output, nullptr, false, 'o'},
-               {"ours", nullptr, "conflicts go to OURS", &options.ours},
-               {"theirs", nullptr, "conflicts go to THEIRS", &options.theirs},
-               {"driver", "PATH",
-                "for version control: the three files are copies of that one; OURS is replaced "
-                "without a backup",
-                nullptr, &options.driver}},
-              3, 3);
+    const parsed line = parse(
+        self, argc, argv,
+        {{.name = "output",
+          .argument = "FILE",
+          .help = "where the result goes; without it it replaces OURS",
+          .text = &options.output,
+          .letter = 'o'},
+         {.name = "ours", .help = "conflicts go to OURS", .on = &options.ours},
+         {.name = "theirs", .help = "conflicts go to THEIRS", .on = &options.theirs},
+         {.name = "dry-run", .help = "only say what is in conflict", .on = &options.dry_run},
+         {.name = "driver",
+          .argument = "PATH",
+          .help = "for version control: the three files are copies of that one; OURS is replaced "
+                  "without a backup",
+          .text = &options.driver}},
+        3, 3);
     if (line.ends)
         return line.status;
     if (options.ours && options.theirs)

@@ -21,10 +21,11 @@ namespace {
 // Where the page goes: a file that is whole or not there at all, or standard output.
 class page_file {
 public:
-    bool open(const std::string &path)
+    bool open(const std::string &path, bool dry_run)
     {
         path_ = path;
-        if (path.empty())
+        dry_run_ = dry_run;
+        if (path.empty() || dry_run)
             return true;
         target_ = find_target(path.c_str(), links::follow);
         if (target_.refusal != 0)
@@ -33,6 +34,8 @@ public:
     }
     void append(std::string_view text)
     {
+        if (dry_run_)
+            return;
         if (path_.empty())
             std::fwrite(text.data(), 1, text.size(), stdout);
         else
@@ -40,7 +43,8 @@ public:
     }
     bool finish()
     {
-        return path_.empty() || (say(file_.finish(synced::no)) && say(file_.put(target_)));
+        return dry_run_ || path_.empty() ||
+               (say(file_.finish(synced::no)) && say(file_.put(target_)));
     }
 
 private:
@@ -52,6 +56,7 @@ private:
     bool say(int error) const { return error == 0 || say(std::strerror(error)); }
 
     std::string path_;
+    bool dry_run_ = false;
     target_file target_;
     safe_file file_;
 };
@@ -121,18 +126,24 @@ int run_report(const word &self, int argc, char **argv)
 {
     std::string path;
     bool screenshots = false;
-    const parsed line = parse(self, argc, argv,
-                              {{"output", "FILE.html", "where the page goes (standard output)",
-                                nullptr, &path, nullptr, false, 'o'},
-                               {"screenshots", nullptr,
-                                "embed the pictures of the groups, ScreenShots/GROUP.jpg beside "
-                                "the source",
-                                &screenshots}},
-                              1, SIZE_MAX);
+    bool dry_run = false;
+    const parsed line = parse(
+        self, argc, argv,
+        {{.name = "output",
+          .argument = "FILE.html",
+          .help = "where the page goes (standard output)",
+          .text = &path,
+          .letter = 'o'},
+         {.name = "screenshots",
+          .help = "embed the pictures of the groups, ScreenShots/GROUP.jpg beside "
+                  "the source",
+          .on = &screenshots},
+         {.name = "dry-run", .help = "only look whether the sources can be read", .on = &dry_run}},
+        1, SIZE_MAX);
     if (line.ends)
         return line.status;
     page_file page;
-    if (!page.open(path))
+    if (!page.open(path, dry_run))
         return status_fault;
     report_data data([&](std::string_view text) { page.append(text); }, screenshots);
     std::size_t files = 0;

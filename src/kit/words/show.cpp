@@ -157,8 +157,9 @@ int run_show(const word &self, int argc, char **argv)
     bool or_file = false;
     const parsed line =
         parse(self, argc, argv,
-              {{"or-file", nullptr, "print a file that is no source as it is, for version control",
-                &or_file}},
+              {{.name = "or-file",
+                .help = "print a file that is no source as it is, for version control",
+                .on = &or_file}},
               1, 1);
     if (line.ends)
         return line.status;

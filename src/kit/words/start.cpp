@@ -25,14 +25,20 @@ int run_start(const word &self, int argc, char **argv)
 {
     std::string default_language = "english";
     std::string app;
+    bool dry_run = false;
     std::vector<std::string> languages;
     const parsed line =
         parse(self, argc, argv,
-              {{"default", "NAME", "the language of the texts in the code (english)", nullptr,
-                &default_language},
-               {"language", "NAME", "a language to translate into; may be given again", nullptr,
-                nullptr, &languages},
-               {"app", "NAME", "the application's name", nullptr, &app}},
+              {{.name = "default",
+                .argument = "NAME",
+                .help = "the language of the texts in the code (english)",
+                .text = &default_language},
+               {.name = "language",
+                .argument = "NAME",
+                .help = "a language to translate into; may be given again",
+                .list = &languages},
+               {.name = "app", .argument = "NAME", .help = "the application's name", .text = &app},
+               {.name = "dry-run", .help = "only look whether it can be begun", .on = &dry_run}},
               1, 1);
     if (line.ends)
         return line.status;
@@ -44,18 +50,19 @@ int run_start(const word &self, int argc, char **argv)
             return wrong_use(self, "\"" + *name + "\" is there twice");
     }
     const std::string &path = line.files.front();
+    source_file file{source_guard(lang_alloc_group()), {seen_file(path)}};
     if (access(path.c_str(), F_OK) == 0)
         return wrong_use(self, "\"" + path + "\" is there already");
 
-    const source_guard source(lang_alloc_group());
+    LangSource *source = file.source.get();
     source->format = LANG_SOURCE_UTF8;
     source->ctime = std::time(nullptr);
     replace_string(source->default_lang, zel_strdup(default_language.c_str()));
     if (!app.empty())
         replace_string(source->app, zel_strdup(app.c_str()));
     for (const std::string &name : languages)
-        add_language(source.get(), name);
-    return write({path}, source.get()) ? status_fine : status_fault;
+        add_language(source, name);
+    return write({path, dry_run}, file) ? status_fine : status_fault;
 }
 
 } // namespace zel::kit

@@ -1,9 +1,11 @@
 #include "kit/support/options.h"
 #include "kit/support/output.h"
+#include "kit/support/settings.h"
 #include "kit/support/sources.h"
 #include "kit/words/word-list.h"
 #include "lint/counts.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 
@@ -22,9 +24,9 @@ std::string name_of(const language_counts &language)
 constexpr std::size_t bar_columns = 20;
 
 // Tenths of a percent, so that only what is complete is 100.0.
-std::size_t per_mille(const language_counts &language, std::size_t used)
+std::size_t per_mille(std::size_t done, std::size_t used)
 {
-    return used == 0 ? 1000 : language.translated * 1000 / used;
+    return used == 0 ? 1000 : done * 1000 / used;
 }
 
 std::string bar(std::size_t of_1000)
@@ -63,7 +65,7 @@ using row = std::vector<std::string>;
 
 row row_of(const language_counts &one, std::size_t used)
 {
-    const std::size_t done = per_mille(one, used);
+    const std::size_t done = per_mille(one.translated, used);
     return {name_of(one),
             bar(done),
             percent(done),
@@ -134,44 +136,132 @@ void append_language(std::string &out, const std::string &path, const language_c
     out += '}';
 }
 
+struct stat_settings {
+    std::string format = "text";
+    std::string at_least;
+    std::vector<std::string> languages;
+    bool ready = false;
+};
+
+// Percent from "90" or "84.5"; -1 for anything else.
+double percent_of(const std::string &text)
+{
+    char *end = nullptr;
+    const double value = g_ascii_strtod(text.c_str(), &end);
+    const bool good = !text.empty() && g_ascii_isdigit(text[0]) && *end == '\0' && value <= 100;
+    return good ? value : -1;
+}
+
+// The languages of a source that are looked at: those that are named, else all.
+std::vector<language_counts> chosen_of(const source_counts &counts, const stat_settings &given)
+{
+    std::vector<language_counts> out;
+    for (const language_counts &one : counts.languages)
+        if (given.languages.empty() || std::find(given.languages.begin(), given.languages.end(),
+                                                 name_of(one)) != given.languages.end())
+            out.push_back(one);
+    return out;
+}
+
+// A line for each language with fewer texts than wanted: "french: 84.2 % of 31 items, 90 wanted".
+// False when there was one.
+bool print_below(const std::string &start, const source_counts &counts, const stat_settings &given,
+                 std::FILE *to)
+{
+    const double wanted = percent_of(given.at_least);
+    bool enough = true;
+    for (const language_counts &one : counts.languages) {
+        const std::size_t done = given.ready ? one.ready : one.translated;
+        if (static_cast<double>(done) * 100 >= wanted * static_cast<double>(counts.used))
+            continue;
+        enough = false;
+        std::fprintf(to, "%s%s: %s%s of %s, %s wanted\n", start.c_str(), name_of(one).c_str(),
+                     percent(per_mille(done, counts.used)).c_str(), given.ready ? " ready" : "",
+                     counted(counts.used, "item").c_str(), given.at_least.c_str());
+    }
+    return enough;
+}
+
+// Counts one source after the other and prints what is wanted of each.
+class stat_run {
+public:
+    stat_run(const stat_settings &given, bool json, bool several)
+        : given_(given), json_(json), several_(several)
+    {
+    }
+    void count(const std::string &path)
+    {
+        source_guard source = read(path);
+        if (source == nullptr) {
+            status_ = status_fault;
+            return;
+        }
+        source_counts counts = lint::count_texts(source.get());
+        counts.languages = chosen_of(counts, given_);
+        found_ = found_ || !counts.languages.empty();
+        if (!given_.at_least.empty()) {
+            if (!print_below(several_ ? path + ": " : "", counts, given_, json_ ? stderr : stdout))
+                status_ = std::max<int>(status_, status_found);
+        } else if (!json_) {
+            if (!first_)
+                std::puts("");
+            print_table(path, source.get(), counts);
+        }
+        first_ = false;
+        for (const language_counts &one : counts.languages) {
+            text_ += text_.empty() ? "[\n" : ",\n";
+            append_language(text_, path, one, counts.used);
+        }
+        keep_to_the_end(std::move(source));
+    }
+    int end(const word &self)
+    {
+        if (json_)
+            std::puts((text_.empty() ? "[]" : text_ + "\n]").c_str());
+        if (!first_ && !found_ && !given_.languages.empty())
+            return wrong_use(self,
+                             "no source defines the language \"" + given_.languages.front() + "\"");
+        return status_;
+    }
+
+private:
+    const stat_settings &given_;
+    bool json_;
+    bool several_;
+    bool first_ = true;
+    bool found_ = false; // a language that is looked at
+    int status_ = status_fine;
+    std::string text_;
+};
+
 } // namespace
 
 int run_stat(const word &self, int argc, char **argv)
 {
-    std::string format = "text";
+    stat_settings given;
     const parsed line =
-        parse(self, argc, argv, {{"format", "NAME", "text or json (text)", nullptr, &format}}, 1,
-              SIZE_MAX);
+        parse(self, argc, argv,
+              {{"format", "NAME", "text or json (text)", nullptr, &given.format},
+               {"at-least", "PERCENT",
+                "only tell the languages with fewer texts of the items in use, with status 1",
+                nullptr, &given.at_least},
+               {"ready", nullptr, "with --at-least: count the items that are ready", &given.ready},
+               {"language", "NAME", "only this language; may be given again", nullptr, nullptr,
+                &given.languages}},
+              1, SIZE_MAX);
     if (line.ends)
         return line.status;
-    const int chosen = choose(self, "format", format, {"text", "json"});
-    if (chosen < 0)
+    settings project;
+    const int format = choose(self, "format", given.format, {"text", "json"});
+    if (format < 0 || !read_settings(line.files.front(), project))
         return status_fault;
-    int status = status_fine;
-    std::string json;
-    bool first = true;
-    for (const std::string &path : line.files) {
-        source_guard source = read(path);
-        if (source == nullptr) {
-            status = status_fault;
-            continue;
-        }
-        const source_counts counts = lint::count_texts(source.get());
-        if (chosen == 0) {
-            if (!first)
-                std::puts("");
-            print_table(path, source.get(), counts);
-        }
-        first = false;
-        for (const language_counts &one : counts.languages) {
-            json += json.empty() ? "[\n" : ",\n";
-            append_language(json, path, one, counts.used);
-        }
-        keep_to_the_end(std::move(source));
-    }
-    if (chosen == 1)
-        std::puts((json.empty() ? "[]" : json + "\n]").c_str());
-    return status;
+    if (!given.at_least.empty() && percent_of(given.at_least) < 0)
+        return wrong_use(self, "--at-least is a number to 100, not \"" + given.at_least + "\"");
+    take_setting(given.languages, project.languages);
+    stat_run counting(given, format == 1, line.files.size() > 1);
+    for (const std::string &path : line.files)
+        counting.count(path);
+    return counting.end(self);
 }
 
 } // namespace zel::kit

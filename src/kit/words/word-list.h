@@ -6,6 +6,7 @@
 
 namespace zel::kit {
 
+int run_check(const word &self, int argc, char **argv);
 int run_lint(const word &self, int argc, char **argv);
 int run_export(const word &self, int argc, char **argv);
 int run_import(const word &self, int argc, char **argv);
