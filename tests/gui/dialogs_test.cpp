@@ -6,7 +6,6 @@
 #include "editor/toolkit/lang-box.h"
 #include "editor/toolkit/popup.h"
 #include "gui-support.h"
-#include "test-support.h"
 
 #include <gdk/gdkkeysyms.h>
 #include <gmock/gmock.h>

@@ -4,14 +4,11 @@
 #include "editor/frame/edit-start.h"
 #include "editor/state/edit-state.h"
 #include "support/string-copy.h"
-#include "test-support.h"
 
 #include <gdk/gdkkeysyms.h>
 
 #include <deque>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <unistd.h>
 
 namespace gui {
@@ -431,6 +428,15 @@ int height_of(GtkWidget *widget)
     return place.height;
 }
 
+int line_height(GtkWidget *view)
+{
+    PangoLayout *layout = gtk_widget_create_pango_layout(view, "Ag");
+    int line = 0;
+    pango_layout_get_pixel_size(layout, nullptr, &line);
+    g_object_unref(layout);
+    return line;
+}
+
 bool in_sight(GtkWidget *widget)
 {
     GtkWidget *viewport = gtk_widget_get_ancestor(widget, GTK_TYPE_VIEWPORT);
@@ -438,19 +444,6 @@ bool in_sight(GtkWidget *widget)
     gint y = 0;
     gtk_widget_translate_coordinates(widget, viewport, 0, 0, &x, &y);
     return y >= 0 && y + height_of(widget) <= height_of(viewport);
-}
-
-std::string read_file(const std::string &path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-void write_file(const std::string &path, const std::string &text)
-{
-    std::ofstream(path, std::ios::binary) << text;
 }
 
 Test::Test()

@@ -15,15 +15,15 @@ fail() {
 window() {
     for _ in $(seq 200); do
         if xdotool getactivewindow getwindowname 2>/dev/null | grep -qx -- "$1"; then
-            sleep 0.2
+            sleep 0.05
             return
         fi
         sleep 0.05
     done
     fail "no window \"$1\"; there is: $(xdotool getactivewindow getwindowname 2>&1)"
 }
-keys() { xdotool key --delay 40 "$@"; sleep 0.15; }
-text() { xdotool type --delay 15 -- "$1"; sleep 0.2; }
+keys() { xdotool key --delay 20 "$@"; sleep 0.05; }
+text() { xdotool type --delay 8 -- "$1"; sleep 0.05; }
 # A message box: it is closed and the main window is back.
 ok() { window "$box"; keys Return; window "$main"; }
 # A chooser of that title, of whatever kind: the path is typed.

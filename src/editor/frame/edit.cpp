@@ -13,6 +13,7 @@
 #include "editor/panel/dictionary.h"
 #include "editor/state/edit-state.h"
 #include "editor/toolkit/accessible.h"
+#include "editor/toolkit/menu-grab.h"
 #include "editor/toolkit/theme.h"
 #include "editor/toolkit/ui-text.h"
 
@@ -113,7 +114,7 @@ GtkWidget *make_info_frame()
     GtkWidget *frame = gtk_frame_new(nullptr);
     zel::make_bare(frame);
     lang_global.info_box = gtk_vbox_new(FALSE, 1);
-    gtk_container_set_border_width(GTK_CONTAINER(lang_global.info_box), around_pane);
+    gtk_container_set_border_width(GTK_CONTAINER(lang_global.info_box), 2);
     const int width = width_of_captions();
     for (const info_row &row : info_rows)
         gtk_box_pack_start(GTK_BOX(lang_global.info_box), make_info_row(row, width), FALSE, FALSE,
@@ -147,7 +148,7 @@ GtkWidget *make_status_frame()
 {
     GtkWidget *frame = gtk_frame_new(nullptr);
     zel::make_bare(frame);
-    gtk_container_set_border_width(GTK_CONTAINER(frame), 2);
+    gtk_container_set_border_width(GTK_CONTAINER(frame), 1);
     GtkWidget *row = gtk_hbox_new(FALSE, around_pane);
     gtk_container_add(GTK_CONTAINER(frame), row);
     statusWin = gtk_entry_new();
@@ -207,6 +208,7 @@ int edit()
     ini_read(ini);
     zel::apply_theme();
     build_window();
+    zel::close_hidden_menus();
     if (def_file != nullptr && !zel::edit_read_source()) {
         std::puts("Error in language file");
         std::fprintf(stderr, "lang: %s\n", gtk_entry_get_text(GTK_ENTRY(statusWin)));

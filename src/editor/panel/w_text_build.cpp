@@ -114,12 +114,13 @@ void share_below(Zeltext *text, const below_heights &heights, int left)
     }
 }
 
-// A suggestion's line without one keeps the fields in their places from item to item, unless they
-// lack its room. Gives what the other things than the fields ask for.
+// The line of a suggestion or of the description keeps the fields in their places from item to item
+// when it is empty, unless they lack its room. Gives what the other things than the fields ask for.
 int fold_empty_lines(Zeltext *text, int others, int room)
 {
     int saved = 0;
-    const std::array<GtkWidget *, 2> labels{text->suggestion1_label, text->suggestion2_label};
+    const std::array labels{text->suggestion1_label, text->suggestion2_label,
+                            text->description_label};
     const auto is_empty = [](GtkWidget *label) {
         return gtk_widget_get_visible(label) != 0 && *gtk_label_get_text(GTK_LABEL(label)) == '\0';
     };
@@ -137,7 +138,7 @@ int fold_empty_lines(Zeltext *text, int others, int room)
     for (GtkWidget *label : labels) {
         const int wanted = folds && is_empty(label) ? 1 : 0;
         if (requested_height(label) != wanted)
-            gtk_widget_set_size_request(label, -1, wanted == 0 ? -1 : wanted);
+            g_object_set(label, "height-request", wanted == 0 ? -1 : wanted, nullptr);
     }
     return folds ? others - saved : others;
 }
