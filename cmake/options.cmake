@@ -21,6 +21,16 @@ target_compile_options(lang_options INTERFACE
   $<IF:$<CONFIG:Debug>,-fmacro-prefix-map,-ffile-prefix-map>=${PROJECT_SOURCE_DIR}/=
   $<IF:$<CONFIG:Debug>,-fmacro-prefix-map,-ffile-prefix-map>=${PROJECT_BINARY_DIR}/=build/)
 
+# What users get: a write behind an array ends the program, and no variable begins with what a call
+# before it left. Sanitizers find more, and checked copies of functions would hide some of it.
+if(NOT LANG_SANITIZE)
+  include(CheckCXXCompilerFlag)
+  check_cxx_compiler_flag(-ftrivial-auto-var-init=zero LANG_HAS_AUTO_VAR_INIT)
+  set(hardening -fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2
+                $<$<BOOL:${LANG_HAS_AUTO_VAR_INIT}>:-ftrivial-auto-var-init=zero>)
+  target_compile_options(lang_options INTERFACE "$<$<NOT:$<CONFIG:Debug>>:${hardening}>")
+endif()
+
 # The table of what is called in libraries is filled at the start and then read-only.
 target_link_options(lang_options INTERFACE LINKER:-z,relro LINKER:-z,now LINKER:--as-needed)
 

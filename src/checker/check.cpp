@@ -171,10 +171,9 @@ namespace zel {
 
 void forget_uses(LangSource *source)
 {
-    char date[1024]; // as sprintf_date takes it
     source->ctime = std::time(nullptr);
-    sprintf_date(date, "%Y-%m-%d %H:%M:%S", source->ctime);
-    replace_string(source->create_date, zel_strdup(date));
+    const std::string date = date_text("%Y-%m-%d %H:%M:%S", source->ctime);
+    replace_string(source->create_date, zel_strdup(date.c_str()));
     clear_all_file_list(source);
     clear_all_used(source);
 }

@@ -43,18 +43,21 @@ TEST_F(Beside, TheWindowOpensWhereAndAsLargeAsItWasLeft)
 
 TEST_F(Beside, AWindowFromALargerScreenFitsIntoThisOne)
 {
-    constexpr GdkRectangle screen{0, 20, 1280, 1000};
+    static constexpr GdkRectangle screen{0, 20, 1280, 1000};
+    static constexpr GdkRectangle small{0, 0, 800, 600};
     constexpr struct {
         GdkRectangle kept;
         GdkRectangle wanted;
+        const GdkRectangle *within = &screen;
     } rows[] = {
         {{10, 30, 900, 700}, {10, 30, 900, 700}},
         {{2000, 1500, 900, 700}, {380, 290, 900, 700}},
         {{0, 0, 3000, 2000}, {0, 20, 1280, 970}},
         {{-500, -500, 0, -7}, {0, 20, 1, 1}},
+        {{0, 0, 800, 600}, {0, 0, 800, 570}, &small},
     };
     for (const auto &row : rows) {
-        const GdkRectangle is = zel::place_within(row.kept, screen);
+        const GdkRectangle is = zel::place_within(row.kept, *row.within);
         EXPECT_THAT(
             (std::vector<int>{is.x, is.y, is.width, is.height}),
             testing::ElementsAre(row.wanted.x, row.wanted.y, row.wanted.width, row.wanted.height));
@@ -103,7 +106,12 @@ TEST_F(Beside, WhatASearchOrFilterLeavesIsCounted)
 {
     run_editor(source(), [&] {
         ZelTabEdit *tab = ZEL_TAB_EDIT(editWin);
-        const auto found = [tab] { return label(tab->found_label); };
+        const auto found = [tab] {
+            const std::string shown = label(tab->found_label);
+            const char *heard = atk_object_get_name(gtk_widget_get_accessible(tab->found_label));
+            EXPECT_TRUE(heard == nullptr || heard == shown) << heard; // else its own words
+            return shown;
+        };
         EXPECT_EQ(found(), "");
         gtk_entry_set_text(GTK_ENTRY(tab->search_entry), "clo");
         EXPECT_EQ(found(), "1 of 2");

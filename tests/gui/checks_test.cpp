@@ -28,8 +28,6 @@ class Checks : public Editor {
 protected:
     Checks() { write_file(source(), five); }
 
-    static ZelTabEdit *tab() { return ZEL_TAB_EDIT(editWin); }
-    static std::string name() { return panel()->item == nullptr ? "" : panel()->item->name; }
     static std::string remark()
     {
         GtkWidget *told = panel()->finding2_label;
@@ -46,23 +44,9 @@ protected:
         wait_for([&] { return !label(told).empty(); });
         return label(told);
     }
-    // What is coloured in the second translation.
     static std::vector<std::string> coloured()
     {
-        GtkTextBuffer *buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(panel()->trans2_view));
-        GtkTextTag *tag =
-            gtk_text_tag_table_lookup(gtk_text_buffer_get_tag_table(buffer), "application-piece");
-        std::vector<std::string> out;
-        GtkTextIter at;
-        gtk_text_buffer_get_start_iter(buffer, &at);
-        for (; !gtk_text_iter_is_end(&at); gtk_text_iter_forward_char(&at)) {
-            if (!gtk_text_iter_has_tag(&at, tag))
-                continue;
-            if (gtk_text_iter_begins_tag(&at, tag))
-                out.emplace_back();
-            out.back() += static_cast<char>(gtk_text_iter_get_char(&at));
-        }
-        return out;
+        return tagged(panel()->trans2_view, "application-piece");
     }
     // The Item column's cell of a row, drawn: "bold", "fault", both, or nothing.
     static std::string mark(int row)
@@ -79,7 +63,6 @@ protected:
         return std::string(weight >= PANGO_WEIGHT_BOLD ? "bold" : "") +
                (underline == PANGO_UNDERLINE_ERROR ? "fault" : "");
     }
-    static int rows() { return gtk_tree_model_iter_n_children(tab()->sort_model, nullptr); }
     static GtkWidget *findings_filter()
     {
         for (GtkWidget *button : find_all(editWin, GTK_TYPE_TOGGLE_BUTTON))
@@ -90,7 +73,7 @@ protected:
     }
     static void choose_row(const char *name)
     {
-        while (Checks::name() != name && edit_ctrl.next(editWin) == 1)
+        while (Editor::name() != name && edit_ctrl.next(editWin) == 1)
             ;
     }
 };
@@ -130,7 +113,7 @@ TEST_F(Checks, TellWhatIsWrongWhileOneTypes)
         EXPECT_EQ(mark(2), "bold");
         EXPECT_EQ(progress(), "german: 4 of 5, 1 to do, 1 finding");
 
-        gtk_entry_set_text(GTK_ENTRY(tab()->search_entry), "bad");
+        search("bad");
         EXPECT_EQ(remark(), "") << "no item is shown";
     });
 }
@@ -147,9 +130,9 @@ TEST_F(Checks, TheFilterLeavesTheItemsWithFindings)
         EXPECT_EQ(name(), "bad");
         choose_row("end");
         EXPECT_THAT(remark(), HasSubstr("full stop"));
-        gtk_entry_set_text(GTK_ENTRY(tab()->search_entry), "von");
+        search("von");
         EXPECT_EQ(rows(), 1) << "among what is found";
-        gtk_entry_set_text(GTK_ENTRY(tab()->search_entry), "");
+        search("");
         gtk_button_clicked(GTK_BUTTON(findings_filter()));
         EXPECT_EQ(rows(), 5);
     });

@@ -7,7 +7,6 @@
 #include "gui-support.h"
 #include "support/log.h"
 #include "support/string-copy.h"
-#include "test-support.h"
 
 #include <gmock/gmock.h>
 

@@ -6,7 +6,6 @@
 #include "editor/toolkit/lang-box.h"
 #include "editor/toolkit/popup.h"
 #include "gui-support.h"
-#include "test-support.h"
 
 #include <gdk/gdkkeysyms.h>
 #include <gmock/gmock.h>
@@ -14,7 +13,9 @@
 #include <filesystem>
 
 using namespace gui;
+using testing::Contains;
 using testing::ElementsAre;
+using testing::HasSubstr;
 namespace fs = std::filesystem;
 
 namespace {
@@ -124,10 +125,7 @@ TEST_F(Dialogs, ChoosersGiveTheChosenPathOrNothing)
                 {file_sel_write, start.data(), other.data(), path("sub/unborn")},
                 {file_sel_write, start.data(), unborn.data(), unborn}};
     for (const auto &row : rows) {
-        answer_next([](GtkWidget *dialog) {
-            settle(300);
-            gtk_dialog_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT);
-        });
+        answer_next(accept(row.chosen));
         EXPECT_EQ(taken(row.select(nullptr, "preset", row.folder, row.name)), row.chosen);
     }
     EXPECT_EQ(preset, path("a.lang"));
@@ -165,23 +163,41 @@ TEST_F(Dialogs, TheFirstFilterIsForTheEndingAndThePreset)
     EXPECT_EQ(zel::select_to_read(nullptr, "read", preset.c_str(), "lang"), nullptr);
 }
 
-TEST_F(Dialogs, ALetterBeginsAName)
+// The second one finds what the first has written into the toolkit's settings.
+TEST_F(Dialogs, APathIsTypedInEveryChooserAndOneThatIsNotThereIsRefused)
 {
+    write_file(path("aaa"), ""); // what the toolkit selects
     write_file(path("notes.lang-src"), "");
-    answer_next([&](GtkWidget *dialog) {
-        gtk_file_chooser_set_current_folder(GTK_FILE_CHOOSER(dialog), folder.c_str());
-        settle(300);
-        type(dialog, "notes.lang-src");
-        settle(300);
-        GtkWidget *name = gtk_window_get_focus(GTK_WINDOW(dialog));
-        ASSERT_TRUE(GTK_IS_ENTRY(name));
-        EXPECT_STREQ(gtk_entry_get_text(GTK_ENTRY(name)), "notes.lang-src");
-        key(dialog, GDK_KEY_Return);
-        settle(300);
-    });
-    EXPECT_EQ(taken(zel::select_to_read(nullptr, "read", nullptr, "lang-src")),
-              path("notes.lang-src"));
-    // The next chooser would begin with the name, too.
+    fs::create_directory("sub");
+    const auto typed = [&](const char *piece, const char *whole) {
+        return [=](GtkWidget *dialog) {
+            settle(300);
+            type(dialog, "nope");
+            settle(300);
+            key(dialog, GDK_KEY_Return);
+            const auto is_refused = Contains(HasSubstr("nope: there is no such "));
+            EXPECT_TRUE(
+                wait_for([&] { return testing::Matches(is_refused)(label_texts(dialog)); }));
+            key(dialog, GDK_KEY_a, GDK_CONTROL_MASK);
+            type(dialog, piece);
+            settle(300);
+            key(dialog, GDK_KEY_Tab);
+            GtkWidget *field = gtk_window_get_focus(GTK_WINDOW(dialog));
+            EXPECT_TRUE(wait_for([&] {
+                return g_strcmp0(gtk_entry_get_text(GTK_ENTRY(field)), whole) == 0;
+            })) << gtk_entry_get_text(GTK_ENTRY(field));
+            key(dialog, GDK_KEY_Return);
+        };
+    };
+    for (int time = 0; time < 2; ++time) {
+        answer_next(typed("no", "notes.lang-src"));
+        EXPECT_EQ(taken(zel::select_source(nullptr, "open file")), path("notes.lang-src"));
+        answer_next(typed("no", "notes.lang-src"));
+        EXPECT_EQ(taken(zel::select_to_read(nullptr, "read", path("aaa").c_str(), "lang")),
+                  path("notes.lang-src"));
+        answer_next(typed("su", "sub/"));
+        EXPECT_EQ(taken(dir_sel(nullptr, "folder", nullptr)), path("sub"));
+    }
     fs::remove(std::string(g_get_user_config_dir()) + "/gtk-2.0/gtkfilechooser.ini");
 }
 
@@ -224,6 +240,7 @@ TEST_F(Dialogs, SeveralFilesAreFilteredByTheirPatterns)
         EXPECT_TRUE(passes("b.two"));
         EXPECT_FALSE(passes("c.three"));
         settle(300); // the folder comes in by and by
+        gtk_widget_grab_focus(find_all(dialog, GTK_TYPE_TREE_VIEW).back());
         EXPECT_TRUE(wait_for([chooser] {
             gtk_file_chooser_select_all(chooser);
             GSList *chosen = gtk_file_chooser_get_filenames(chooser);

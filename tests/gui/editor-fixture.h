@@ -9,7 +9,6 @@
 #include "editor/table/w_tab_model.h"
 #include "gui-support.h"
 #include "source/lang-read.h"
-#include "test-support.h"
 
 #include <cstring>
 
@@ -32,6 +31,7 @@ GROUP "menu" {
 class Editor : public Test {
 protected:
     Editor() { write_file(path("notes.lang-src"), notes); }
+    ~Editor() override { set_font("Sans 10"); }
 
     std::string source() const { return path("notes.lang-src"); }
 
@@ -46,12 +46,60 @@ protected:
     static std::string status() { return gtk_entry_get_text(GTK_ENTRY(statusWin)); }
     static std::string label(GtkWidget *widget) { return gtk_label_get_text(GTK_LABEL(widget)); }
 
-    static Zeltext *panel() { return ZEL_TEXT(ZEL_TAB_EDIT(editWin)->text_widget); }
+    static ZelTabEdit *tab() { return ZEL_TAB_EDIT(editWin); }
+    static Zeltext *panel() { return ZEL_TEXT(tab()->text_widget); }
+    static GtkTreeView *list() { return GTK_TREE_VIEW(tab()->view); }
+    static int rows() { return gtk_tree_model_iter_n_children(tab()->sort_model, nullptr); }
+    static void search(const char *text)
+    {
+        gtk_entry_set_text(GTK_ENTRY(tab()->search_entry), text);
+    }
+    static void go_to(int row)
+    {
+        edit_ctrl.first(editWin);
+        for (; row > 0; --row)
+            edit_ctrl.next(editWin);
+    }
+    // Of the item that is shown; empty for none.
+    static std::string name() { return panel()->item == nullptr ? "" : panel()->item->name; }
+    static std::string german() { return text_of(panel()->trans2_view); }
+    static void type_german(const char *text)
+    {
+        zel::text_focus_field(panel(), TEXT_TRANS2);
+        type(mainWin, text);
+    }
+    // What bears that tag in a field.
+    static std::vector<std::string> tagged(GtkWidget *view, const char *tag_name)
+    {
+        GtkTextBuffer *buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(view));
+        GtkTextTag *tag =
+            gtk_text_tag_table_lookup(gtk_text_buffer_get_tag_table(buffer), tag_name);
+        std::vector<std::string> out;
+        GtkTextIter at;
+        gtk_text_buffer_get_start_iter(buffer, &at);
+        for (; tag != nullptr && !gtk_text_iter_is_end(&at); gtk_text_iter_forward_char(&at)) {
+            if (gtk_text_iter_begins_tag(&at, tag))
+                out.emplace_back();
+            if (gtk_text_iter_has_tag(&at, tag)) {
+                GtkTextIter next = at;
+                gtk_text_iter_forward_char(&next);
+                out.back() += zel_test::take(gtk_text_iter_get_text(&at, &next));
+            }
+        }
+        return out;
+    }
     static void translate(GtkWidget *view, const char *text)
     {
         gtk_text_buffer_set_text(gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)), text, -1);
     }
     static std::string identity() { return gtk_entry_get_text(GTK_ENTRY(panel()->name_entry)); }
+
+    static void set_font(const char *font)
+    {
+        gtk_settings_set_string_property(gtk_settings_get_default(), "gtk-font-name", font, "test");
+    }
+    // As large as letters get on many desktops; "Sans" is smaller here.
+    static constexpr const char *other_font = "Noto Sans 10";
 
     // Does it, sees the box it brings up, and presses "Ok".
     static std::string box_of(const std::function<void()> &act)

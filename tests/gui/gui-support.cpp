@@ -4,14 +4,11 @@
 #include "editor/frame/edit-start.h"
 #include "editor/state/edit-state.h"
 #include "support/string-copy.h"
-#include "test-support.h"
 
 #include <gdk/gdkkeysyms.h>
 
 #include <deque>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <unistd.h>
 
 namespace gui {
@@ -321,25 +318,37 @@ answer_fn close_window()
     };
 }
 
+answer_fn accept(const std::string &path)
+{
+    return [path](GtkWidget *dialog) {
+        const bool taken = wait_for([&] {
+            gchar *now = gtk_file_chooser_get_filename(GTK_FILE_CHOOSER(dialog));
+            const bool same = now != nullptr && path == now;
+            g_free(now);
+            return same;
+        });
+        EXPECT_TRUE(taken) << "the chooser does not take " << path;
+        gtk_dialog_response(GTK_DIALOG(dialog), taken ? GTK_RESPONSE_ACCEPT : GTK_RESPONSE_CANCEL);
+    };
+}
+
 answer_fn choose(const std::string &path)
 {
     return [path](GtkWidget *dialog) {
-        if (!GTK_IS_FILE_CHOOSER(dialog)) {
+        settle();
+        GtkWidget *field = gtk_window_get_focus(GTK_WINDOW(dialog));
+        if (!GTK_IS_FILE_CHOOSER(dialog) || !GTK_IS_ENTRY(field)) {
             ADD_FAILURE() << "not a file chooser";
             close_window()(dialog);
             return;
         }
-        GtkFileChooser *chooser = GTK_FILE_CHOOSER(dialog);
-        const auto chosen = [&] {
-            gchar *now = gtk_file_chooser_get_filename(chooser);
-            const bool same = now != nullptr && path == now;
-            g_free(now);
-            return same;
-        };
-        settle();
-        gtk_file_chooser_set_filename(chooser, path.c_str());
-        EXPECT_TRUE(wait_for(chosen)) << "the chooser does not take " << path;
-        gtk_dialog_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT);
+        if (g_utf8_validate(path.c_str(), -1, nullptr) != 0) {
+            gtk_entry_set_text(GTK_ENTRY(field), path.c_str());
+        } else { // it cannot be typed
+            gtk_widget_grab_focus(find_all(dialog, GTK_TYPE_TREE_VIEW).back());
+            gtk_file_chooser_set_filename(GTK_FILE_CHOOSER(dialog), path.c_str());
+        }
+        accept(path)(dialog);
     };
 }
 
@@ -350,15 +359,7 @@ answer_fn type_name(const std::string &in_folder, const std::string &name)
         settle();
         gtk_file_chooser_set_current_folder(chooser, in_folder.c_str());
         gtk_file_chooser_set_current_name(chooser, name.c_str());
-        const std::string wanted = in_folder + "/" + name;
-        EXPECT_TRUE(wait_for([&] {
-            gchar *now = gtk_file_chooser_get_filename(chooser);
-            const bool same = now != nullptr && wanted == now;
-            g_free(now);
-            return same;
-        })) << "the chooser does not take "
-            << wanted;
-        gtk_dialog_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT);
+        accept(in_folder + "/" + name)(dialog);
     };
 }
 
@@ -427,6 +428,15 @@ int height_of(GtkWidget *widget)
     return place.height;
 }
 
+int line_height(GtkWidget *view)
+{
+    PangoLayout *layout = gtk_widget_create_pango_layout(view, "Ag");
+    int line = 0;
+    pango_layout_get_pixel_size(layout, nullptr, &line);
+    g_object_unref(layout);
+    return line;
+}
+
 bool in_sight(GtkWidget *widget)
 {
     GtkWidget *viewport = gtk_widget_get_ancestor(widget, GTK_TYPE_VIEWPORT);
@@ -434,19 +444,6 @@ bool in_sight(GtkWidget *widget)
     gint y = 0;
     gtk_widget_translate_coordinates(widget, viewport, 0, 0, &x, &y);
     return y >= 0 && y + height_of(widget) <= height_of(viewport);
-}
-
-std::string read_file(const std::string &path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-void write_file(const std::string &path, const std::string &text)
-{
-    std::ofstream(path, std::ios::binary) << text;
 }
 
 Test::Test()

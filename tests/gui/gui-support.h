@@ -5,6 +5,7 @@
 // there is no display.
 
 #include "editor/toolkit/text-places.h"
+#include "test-support.h"
 
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
@@ -60,6 +61,7 @@ void start_watching();
 answer_fn press(const std::string &button_text); // clicks the button with that label
 answer_fn respond(int response);                 // of a GtkDialog
 answer_fn close_window();                        // as the window manager closes it
+answer_fn accept(const std::string &path);       // a chooser, as soon as that path is chosen
 answer_fn choose(const std::string &path);       // a file or folder chooser: that path, accepted
 answer_fn type_name(const std::string &folder, const std::string &name); // a save chooser
 // Notes the texts of the dialog's labels in *seen (joined by line feeds), then answers.
@@ -85,6 +87,7 @@ std::vector<std::string> &warnings();
 std::string run_editor(const std::string &file, const std::function<void()> &scenario);
 
 int height_of(GtkWidget *widget);
+int line_height(GtkWidget *view); // of its font
 
 // The red, green and blue of each pixel of that part of a drawn window or pixmap, row by row.
 std::string pixels_of(GdkDrawable *drawn, const GdkRectangle &part);
@@ -92,9 +95,8 @@ std::string pixels_of(GdkDrawable *drawn, const GdkRectangle &part);
 // Whether all of the widget is seen in what scrolls around it.
 bool in_sight(GtkWidget *widget);
 
-// --- Files -------------------------------------------------------------------------------------
-std::string read_file(const std::string &path);
-void write_file(const std::string &path, const std::string &text);
+using zel_test::read_file;
+using zel_test::write_file;
 
 // Base of the tests: a fresh folder that is the current directory (and HOME) during the test and
 // goes with it, an empty lang_global, no windows left over, and the checks above.

@@ -5,12 +5,6 @@ main="Tarvik language editor version 1.4"
 box=" "
 editor=
 
-# The choosers begin with the name, in the current folder.
-type_names() {
-    mkdir -p "$XDG_CONFIG_HOME/gtk-2.0"
-    printf '%s\n' '[Filechooser Settings]' LocationMode=filename-entry StartupMode=cwd \
-        >"$XDG_CONFIG_HOME/gtk-2.0/gtkfilechooser.ini"
-}
 fail() {
     echo "$name: $* (line ${BASH_LINENO[*]})" >&2
     [ -z "${SHOT:-}" ] || import -window root "$SHOT"
@@ -21,25 +15,23 @@ fail() {
 window() {
     for _ in $(seq 200); do
         if xdotool getactivewindow getwindowname 2>/dev/null | grep -qx -- "$1"; then
-            sleep 0.2
+            sleep 0.05
             return
         fi
         sleep 0.05
     done
     fail "no window \"$1\"; there is: $(xdotool getactivewindow getwindowname 2>&1)"
 }
-keys() { xdotool key --delay 40 "$@"; sleep 0.15; }
-text() { xdotool type --delay 15 -- "$1"; sleep 0.2; }
+keys() { xdotool key --delay 20 "$@"; sleep 0.05; }
+text() { xdotool type --delay 8 -- "$1"; sleep 0.05; }
 # A message box: it is closed and the main window is back.
 ok() { window "$box"; keys Return; window "$main"; }
-# A chooser of that title: the name is typed, slowly, since it completes it in its own time.
+# A chooser of that title, of whatever kind: the path is typed.
 choose() {
     window "$1"
-    sleep 0.5
-    keys ctrl+a
-    xdotool type --delay 60 -- "$2"
-    sleep 0.5
-    keys Delete Return
+    text "$2"
+    sleep 0.3
+    keys Return
 }
 # Starts the editor and waits for its window.
 start() {

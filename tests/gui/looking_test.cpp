@@ -107,10 +107,10 @@ TEST_F(Looking, TypedAndTakenBackIsAsIfOnlyLookedAt)
         translate(panel()->trans2_view, "");
         edit_ctrl.last(editWin);
         EXPECT_EQ(entries(open->langs), 2U);
-        gtk_entry_set_text(GTK_ENTRY(ZEL_TAB_EDIT(editWin)->search_entry), "open");
+        search("open");
         edit_ctrl.first(editWin);
         EXPECT_EQ(entries(open->langs), 3U);
-        gtk_entry_set_text(GTK_ENTRY(ZEL_TAB_EDIT(editWin)->search_entry), "nothing");
+        search("nothing");
         EXPECT_EQ(entries(open->langs), 2U) << "left by a search";
     });
 }

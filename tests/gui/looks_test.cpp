@@ -1,7 +1,9 @@
 // Sizes and places of what one sees, in small and large windows and with large letters.
 
 #include "editor-fixture.h"
+#include "editor/frame/edit-keys.h"
 #include "editor/table/w_tab_widths.h"
+#include "editor/toolkit/screen.h"
 #include "editor/toolkit/theme.h"
 
 #include <gmock/gmock.h>
@@ -14,31 +16,18 @@ namespace {
 
 class Looks : public Editor {
 protected:
-    ~Looks() override { set_font("Sans 10"); }
-
-    static void set_font(const char *font)
-    {
-        gtk_settings_set_string_property(gtk_settings_get_default(), "gtk-font-name", font, "test");
-    }
-    static int lines_in(GtkWidget *view)
-    {
-        PangoLayout *layout = gtk_widget_create_pango_layout(view, "Ag");
-        int line = 0;
-        pango_layout_get_pixel_size(layout, nullptr, &line);
-        g_object_unref(layout);
-        return height_of(view) / line;
-    }
-    static GtkTreeView *list() { return GTK_TREE_VIEW(ZEL_TAB_EDIT(editWin)->view); }
+    static int lines_in(GtkWidget *view) { return height_of(view) / line_height(view); }
     static GtkWidget *panes() { return gtk_widget_get_ancestor(panel_widget(), GTK_TYPE_PANED); }
-    static GtkWidget *panel_widget() { return ZEL_TAB_EDIT(editWin)->text_widget; }
-    static int divider() { return gtk_paned_get_position(GTK_PANED(panes())); }
-    // The share of the width that the list has.
-    static double list_share()
+    static GtkWidget *panel_widget() { return tab()->text_widget; }
+    static GtkAllocation place_of(GtkWidget *widget)
     {
         GtkAllocation place{};
-        gtk_widget_get_allocation(panes(), &place);
-        return static_cast<double>(divider()) / place.width;
+        gtk_widget_get_allocation(widget, &place);
+        return place;
     }
+    static int divider() { return gtk_paned_get_position(GTK_PANED(panes())); }
+    // The share of the width that the list has.
+    static double list_share() { return static_cast<double>(divider()) / place_of(panes()).width; }
     // The texts of a row as the list draws them, in the order of the columns.
     static std::vector<std::string> drawn_row(int row)
     {
@@ -58,6 +47,15 @@ protected:
             texts.emplace_back(text == nullptr ? "" : text);
             g_free(text);
             g_list_free(cells);
+        }
+    }
+    static void expect_whole_titles(const char *font)
+    {
+        for (int number = 1; number < 6; ++number) {
+            GtkWidget *title = gtk_tree_view_get_column(list(), number)->button;
+            GtkRequisition wanted{};
+            gtk_widget_size_request(title, &wanted);
+            EXPECT_GE(place_of(title).width, wanted.width) << font << ", title " << number;
         }
     }
     static bool scrolls_sideways()
@@ -81,8 +79,9 @@ protected:
 
 TEST_F(Looks, EveryFieldHasItsLinesInTheSmallestWindow)
 {
-    for (const char *font : {"Sans 10", "Sans 14"}) {
+    for (const char *font : {"Sans 10", other_font, "Sans 14"}) {
         for (const unsigned mode : {0U, 1U, 2U}) {
+            SCOPED_TRACE(std::string(font) + ", mode " + std::to_string(mode));
             set_font(font);
             lang_global.editor_mode = mode;
             run_editor(source(), [&] {
@@ -91,17 +90,23 @@ TEST_F(Looks, EveryFieldHasItsLinesInTheSmallestWindow)
                      {panel()->lang1_frame, panel()->lang2_frame, panel_widget()})
                     EXPECT_EQ(gtk_widget_get_style(frame)->ythickness, 0) << "room for no line";
                 for (GtkWidget *view : {panel()->comment1_view, panel()->comment2_view})
-                    EXPECT_GE(lines_in(view), 1) << font << ", mode " << mode;
+                    EXPECT_GE(lines_in(view), 1);
                 for (GtkWidget *view : {panel()->trans1_view, panel()->trans2_view})
-                    EXPECT_GE(lines_in(view), 2) << font << ", mode " << mode;
-                if (std::string("Sans 10") == font) {
-                    EXPECT_TRUE(in_sight(panel()->trans2_view)) << "nothing scrolls, mode " << mode;
+                    EXPECT_GE(lines_in(view), 2);
+                if (std::string("Sans 14") == font) {
+                    GtkWidget *item = gtk_tree_view_get_column(list(), 5)->button;
+                    GtkWidget *scrolled = gtk_widget_get_parent(GTK_WIDGET(list()));
+                    EXPECT_GE(place_of(scrolled).width - place_of(item).x, 50);
+                } else {
+                    EXPECT_TRUE(in_sight(panel()->trans2_view)) << "nothing scrolls";
+                    EXPECT_EQ(divider(), 400);
                 }
+                if (mode == 1)
+                    expect_whole_titles(font);
                 for (const int field : {TEXT_TRANS2, TEXT_COMMENT1, TEXT_COMMENT2, TEXT_TRANS1}) {
                     zel::text_focus_field(panel(), field);
                     settle();
-                    GtkWidget *view = gtk_window_get_focus(GTK_WINDOW(mainWin));
-                    EXPECT_TRUE(in_sight(view)) << font << ", mode " << mode << ", " << field;
+                    EXPECT_TRUE(in_sight(gtk_window_get_focus(GTK_WINDOW(mainWin)))) << field;
                 }
             });
         }
@@ -192,25 +197,7 @@ TEST_F(Looks, TheSmallestWindowShowsTheItems)
             const std::vector<std::string> row = drawn_row(0);
             EXPECT_EQ(row[2].size(), std::strlen("2024-03-04")) << row[2];
             EXPECT_EQ(row[5], "_File");
-            for (int number = 1; number < 6; ++number) {
-                GtkWidget *title = gtk_tree_view_get_column(list(), number)->button;
-                GtkRequisition wanted{};
-                gtk_widget_size_request(title, &wanted);
-                GtkAllocation place{};
-                gtk_widget_get_allocation(title, &place);
-                EXPECT_GE(place.width, wanted.width) << font << ", title " << number;
-            }
-        });
-    }
-}
-
-TEST_F(Looks, TheDividerOfTheSmallestWindowStandsAlikeInAllModes)
-{
-    for (const unsigned mode : {0U, 1U, 2U}) {
-        lang_global.editor_mode = mode;
-        run_editor(source(), [&] {
-            settle(100);
-            EXPECT_EQ(divider(), 400) << mode;
+            expect_whole_titles(font);
         });
     }
 }
@@ -300,3 +287,84 @@ TEST_F(Looks, WhatCannotBeSeenInATextHasASign)
         gtk_text_buffer_set_text(gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)), "", -1);
     });
 }
+
+TEST_F(Looks, TheKeysArePutOnAScreenThatIsTooSmallForTheFont)
+{
+    run_editor(source(), [&] {
+        set_font("Sans 40");
+        settle(50);
+        zel::show_keys();
+        settle(100);
+        GtkWidget *window = window_titled("Keys");
+        ASSERT_NE(window, nullptr);
+        const GdkRectangle screen = zel::work_area(window);
+        EXPECT_LE(place_of(window).width, screen.width);
+        EXPECT_LE(place_of(window).height, screen.height);
+        gtk_dialog_response(GTK_DIALOG(window), GTK_RESPONSE_CLOSE);
+    });
+}
+
+TEST_F(Looks, AFindingHasTheRoomThatItsCaptionLeaves)
+{
+    run_editor(source(), [&] {
+        gtk_window_resize(GTK_WINDOW(mainWin), 1200, 800);
+        GtkWidget *caption = panel()->trans2_label;
+        translate(panel()->trans2_view, "%d <b> ");
+        settle(100);
+        GtkWidget *finding = panel()->finding2_label;
+        ASSERT_NE(gtk_widget_get_visible(finding), 0);
+        const int row = place_of(gtk_widget_get_parent(finding)).width;
+        EXPECT_GT(place_of(finding).width, row / 2);
+        EXPECT_FALSE(pango_layout_is_ellipsized(gtk_label_get_layout(GTK_LABEL(caption))));
+        lang_global.modified = 0;
+    });
+}
+
+TEST_F(Looks, FindingsThatAreCutAreToldInFull)
+{
+    lang_global.editor_mode = 1;
+    run_editor(source(), [&] {
+        edit_ctrl.next(editWin);
+        translate(panel()->trans2_view, "%d <b> ");
+        settle(100);
+        GtkWidget *all = panel()->all_findings;
+        ASSERT_NE(gtk_widget_get_visible(all), 0);
+        const std::string told = label(find_type(all, GTK_TYPE_LABEL));
+        EXPECT_EQ(told.substr(0, 8), "german: ");
+        gchar *beside = gtk_widget_get_tooltip_text(panel()->finding2_label);
+        EXPECT_GT(told.size(), std::strlen(beside)) << told;
+        g_free(beside);
+        EXPECT_EQ(place_of(gtk_widget_get_parent(all)).width, 220) << "no wider than its column";
+        gtk_window_resize(GTK_WINDOW(mainWin), 2400, 800);
+        EXPECT_TRUE(wait_for([all] { return gtk_widget_get_visible(all) == 0; }));
+        gtk_window_resize(GTK_WINDOW(mainWin), 800, 600);
+        EXPECT_TRUE(wait_for([all] { return gtk_widget_get_visible(all) != 0; }));
+        edit_ctrl.prev(editWin);
+        EXPECT_EQ(gtk_widget_get_visible(all), 0) << "another item";
+        lang_global.modified = 0;
+    });
+}
+
+namespace {
+
+// Widths of a day, a group and an item, in a list of so many pixels.
+constexpr struct {
+    int room;
+    int widths[3];
+} lists[] = {
+    {260, {90, 76, 94}}, // the group lacks few pixels and gets them first
+    {240, {90, 70, 80}}, // nobody has them
+    {238, {90, 76, 80}}, // it is scrolled anyway
+    {209, {40, 76, 93}}, // the item is out of sight
+};
+
+TEST(ShareWidth, NamesAreInSightAndNotCutForAFewPixels)
+{
+    using zel::tab_cell;
+    const std::vector<zel::column_need> needs{
+        {tab_cell::date, 90, 150, 40}, {tab_cell::name, 70, 76}, {tab_cell::name, 80, 300}};
+    for (const auto &[room, widths] : lists)
+        EXPECT_EQ(zel::share_width(needs, room), std::vector<int>(widths, widths + 3)) << room;
+}
+
+} // namespace

@@ -226,6 +226,7 @@ TEST_F(RecoveryWindow, AnotherProgramsTextIsNotWrittenOverUnasked)
         EXPECT_THAT(seen, HasSubstr("changed by another program since it was loaded"));
         EXPECT_EQ(read_file(source()), theirs);
         EXPECT_EQ(lang_global.modified, 1);
+        EXPECT_EQ(status(), "Nothing was saved");
 
         answer_next(respond(GTK_RESPONSE_APPLY));
         answer_next(type_name(folder, "mine.lang-src"));

@@ -24,34 +24,12 @@ class Search : public Editor {
 protected:
     Search() { write_file(source(), capitals); }
 
-    static ZelTabEdit *tab() { return ZEL_TAB_EDIT(editWin); }
     static GtkEntry *entry() { return GTK_ENTRY(tab()->search_entry); }
-    static std::string name() { return panel()->item == nullptr ? "" : panel()->item->name; }
-    static int rows() { return gtk_tree_model_iter_n_children(tab()->sort_model, nullptr); }
     static bool in_entry()
     {
         return gtk_window_get_focus(GTK_WINDOW(mainWin)) == tab()->search_entry;
     }
-    // Begin and end of each marked hit in the second translation, in characters.
-    static std::vector<std::pair<int, int>> hits()
-    {
-        GtkTextBuffer *buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(panel()->trans2_view));
-        GtkTextTag *tag =
-            gtk_text_tag_table_lookup(gtk_text_buffer_get_tag_table(buffer), "search-hit");
-        std::vector<std::pair<int, int>> out;
-        GtkTextIter at;
-        gtk_text_buffer_get_start_iter(buffer, &at);
-        for (int offset = 0; tag != nullptr; ++offset) {
-            if (gtk_text_iter_begins_tag(&at, tag))
-                out.emplace_back(offset, -1);
-            if (gtk_text_iter_ends_tag(&at, tag))
-                out.back().second = offset;
-            if (!gtk_text_iter_forward_char(&at) && gtk_text_iter_is_end(&at) &&
-                gtk_text_buffer_get_char_count(buffer) <= offset)
-                break;
-        }
-        return out;
-    }
+    static std::vector<std::string> hits() { return tagged(panel()->trans2_view, "search-hit"); }
 };
 
 } // namespace
@@ -77,6 +55,9 @@ TEST_F(Search, EscapeBringsBackTheItemFromBefore)
         EXPECT_EQ(name(), "");
         key(mainWin, GDK_KEY_Escape);
         EXPECT_EQ(name(), "opener");
+        key(mainWin, GDK_KEY_Return);
+        EXPECT_EQ(name(), "opener") << "Return in an empty search";
+        EXPECT_FALSE(in_entry());
     });
 }
 
@@ -105,21 +86,21 @@ TEST_F(Search, MarksItsHitsAndTakesCapitalsOfAllScriptsAsEqualInASecondTry)
 {
     run_editor(source(), [&] {
         settle(50);
-        gtk_entry_set_text(entry(), "ÖFF");
+        search("ÖFF");
         EXPECT_EQ(rows(), 2);
         edit_ctrl.last(editWin);
         EXPECT_EQ(name(), "opener");
-        EXPECT_THAT(hits(), ElementsAre(std::pair(5, 8)));
-        gtk_entry_set_text(entry(), "öff");
+        EXPECT_THAT(hits(), ElementsAre("öff"));
+        search("öff");
         EXPECT_EQ(rows(), 2) << "the first try";
-        gtk_entry_set_text(entry(), "STRASSE");
+        search("STRASSE");
         EXPECT_EQ(rows(), 1);
         edit_ctrl.first(editWin);
-        EXPECT_THAT(hits(), ElementsAre(std::pair(0, 6), std::pair(10, 16)));
+        EXPECT_THAT(hits(), ElementsAre("Straße", "Straße"));
         zel::text_focus_field(panel(), TEXT_TRANS2);
         key(mainWin, GDK_KEY_BackSpace);
-        EXPECT_THAT(hits(), ElementsAre(std::pair(0, 6)));
-        gtk_entry_set_text(entry(), "");
+        EXPECT_THAT(hits(), ElementsAre("Straße"));
+        search("");
         edit_ctrl.first(editWin);
         EXPECT_THAT(hits(), testing::IsEmpty());
     });

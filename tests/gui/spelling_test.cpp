@@ -6,6 +6,7 @@
 #include "config/ini.h"
 #include "editor/frame/edit-undo.h"
 #include "editor/panel/dictionary.h"
+#include "editor/panel/spelling.h"
 #include "working-dir.h"
 
 #include <gdk/gdkkeysyms.h>
@@ -43,6 +44,7 @@ class Spelling : public Editor {
 protected:
     Spelling()
     {
+        zel::before_first_spelling = 10;
         std::filesystem::create_directories("words/hunspell");
         write_dictionary("aa_ET", "hallo\nwelt\nzwei\n");
         g_setenv("ENCHANT_CONFIG_DIR", path("words").c_str(), TRUE);
@@ -63,22 +65,7 @@ protected:
     {
         return gtk_text_view_get_buffer(GTK_TEXT_VIEW(view));
     }
-    // What is underlined in a field.
-    static std::vector<std::string> wrong(GtkWidget *view)
-    {
-        std::vector<std::string> out;
-        GtkTextTag *tag =
-            gtk_text_tag_table_lookup(gtk_text_buffer_get_tag_table(buffer(view)), "misspelt");
-        GtkTextIter at;
-        gtk_text_buffer_get_start_iter(buffer(view), &at);
-        for (; tag != nullptr && !gtk_text_iter_is_end(&at); gtk_text_iter_forward_char(&at)) {
-            if (gtk_text_iter_begins_tag(&at, tag))
-                out.emplace_back();
-            if (gtk_text_iter_has_tag(&at, tag))
-                out.back() += static_cast<char>(gtk_text_iter_get_char(&at));
-        }
-        return out;
-    }
+    static std::vector<std::string> wrong(GtkWidget *view) { return tagged(view, "misspelt"); }
     static GtkWidget *view() { return panel()->trans2_view; }
     static std::vector<std::string> wrong() { return wrong(view()); }
     static bool becomes(std::vector<std::string> words)
@@ -86,7 +73,7 @@ protected:
         return wait_for([&] { return wrong() == words; });
     }
     // Long enough for everything to have been looked at, since the start and since a change.
-    static void first_look() { settle(800); }
+    static void first_look() { settle(150); }
     static void look() { settle(60); }
 
     static void put_caret(int offset)

@@ -1,5 +1,4 @@
 #include "gui-support.h"
-#include "test-support.h"
 
 #include "app/global.h"
 #include "editor/panel/w_text.h"
@@ -303,20 +302,6 @@ TEST_F(Table, MovesFollowTheOrderShown)
     EXPECT_THAT(names(), ElementsAre("Foo Bar", "foo", "missing"));
     zel_tab_edit_last(table);
     EXPECT_EQ(selected(), "missing");
-}
-
-TEST_F(Table, BrowsingChangesNothing)
-{
-    open(example);
-    EXPECT_TRUE(button_ready());
-    for (int step = 0; step < 5; ++step)
-        zel_tab_edit_next(table);
-    EXPECT_FALSE(button_ready());
-    zel_tab_edit_first(table);
-    EXPECT_TRUE(button_ready());
-    EXPECT_EQ(lang_global.modified, 0);
-    EXPECT_EQ(item("menu", "foo")->ready, 0);
-    EXPECT_EQ(item("menu", "foo")->changed, 0U);
 }
 
 TEST_F(Table, ReadyFromTheButtonAndFromTheCell)

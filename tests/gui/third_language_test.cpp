@@ -85,14 +85,6 @@ protected:
         gtk_widget_destroy(menu);
         return offered;
     }
-    static int line_of(GtkWidget *view)
-    {
-        PangoLayout *layout = gtk_widget_create_pango_layout(view, "Ag");
-        int line = 0;
-        pango_layout_get_pixel_size(layout, nullptr, &line);
-        g_object_unref(layout);
-        return line;
-    }
 };
 
 } // namespace
@@ -112,12 +104,12 @@ TEST_F(Below, TheCaptionsMenuOffersWhatIsNotShownAndTheTextFollowsTheItem)
         EXPECT_EQ(both(), "arabic: إغلاق/french: none");
         EXPECT_EQ(choose_below(TEXT_TRANS2, "None"), (names{"None", "french*"}));
         EXPECT_EQ(both(), "arabic: إغلاق/");
-        gtk_entry_set_text(GTK_ENTRY(ZEL_TAB_EDIT(editWin)->search_entry), "zzz");
+        search("zzz");
         EXPECT_EQ(both(), "/") << "no item";
         EXPECT_EQ(lang_global.modified, 0);
         zel::edit_undo();
         EXPECT_EQ(status(), "Nothing to undo");
-        gtk_entry_set_text(GTK_ENTRY(ZEL_TAB_EDIT(editWin)->search_entry), "");
+        search("");
         for (const edit_t *group : zel::each<edit_t>(def_group->groups))
             for (const item_t *item : zel::each<item_t>(group->items))
                 EXPECT_EQ(zel_get_lang_entry(item->comments, "arabic"), nullptr);
@@ -243,14 +235,17 @@ TEST_F(Below, FieldsKeepTheirLinesAndTheHelpTakesWhatIsLeft)
         longer += "mot ";
     text.replace(text.find("\"Ou\" \"vrir\""), 11, "\"" + longer + "\"");
     write_file(source(), text);
-    for (const unsigned mode : {0U, 1U, 2U}) {
+    for (const auto &[font, mode] : std::vector<std::pair<const char *, unsigned>>{
+             {"Sans 10", 0}, {"Sans 10", 1}, {"Sans 10", 2}, {other_font, 0}, {other_font, 2}}) {
+        SCOPED_TRACE(font);
+        set_font(font);
         lang_global.editor_mode = mode;
         std::filesystem::remove("lang.lang-ini"); // with the size of the window
         run_editor(source(), [&] {
             choose_below(TEXT_TRANS1, "arabic");
             choose_below(TEXT_TRANS2, "french");
             settle(200);
-            const int line = line_of(panel()->trans1_view);
+            const int line = line_height(panel()->trans1_view);
             for (const int field : {TEXT_TRANS1, TEXT_TRANS2}) {
                 EXPECT_GE(height_of(panel()->*zel::fields[field].view), 2 * line) << mode;
                 EXPECT_GE(height_of(below(field).view), line) << mode;

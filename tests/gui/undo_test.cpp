@@ -18,8 +18,6 @@ namespace {
 
 class Undo : public Editor {
 protected:
-    static ZelTabEdit *tab() { return ZEL_TAB_EDIT(editWin); }
-    static std::string german() { return text_of(panel()->trans2_view); }
     static int caret()
     {
         GtkTextBuffer *buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(panel()->trans2_view));
@@ -29,17 +27,6 @@ protected:
     }
     static void undo() { key(mainWin, GDK_KEY_z, GDK_CONTROL_MASK); }
     static void redo() { key(mainWin, GDK_KEY_Z, GDK_CONTROL_MASK | GDK_SHIFT_MASK); }
-    static void go(int place)
-    {
-        zel_tab_edit_first(editWin);
-        for (; place > 0; --place)
-            zel_tab_edit_next(editWin);
-    }
-    static void type_german(const char *text)
-    {
-        zel::text_focus_field(panel(), TEXT_TRANS2);
-        type(mainWin, text);
-    }
 };
 
 } // namespace
@@ -48,10 +35,10 @@ TEST_F(Undo, TypingGoesBackInWordsAcrossItemsWithTheCaret)
 {
     run_editor(source(), [&] {
         type_german("auf und");
-        go(1);
+        go_to(1);
         type_german("!");
         EXPECT_EQ(german(), "Schlie\u00dfen!");
-        go(0);
+        go_to(0);
         undo();
         EXPECT_THAT(identity(), HasSubstr("Close"));
         EXPECT_EQ(german(), "Schlie\u00dfen");
@@ -89,8 +76,8 @@ TEST_F(Undo, AllUndoneAndSavedTheFileHoldsWhatItHeld)
     run_editor(source(), [&] {
         type_german("auf");
         translate(panel()->comment1_view, "a remark");
-        go(1);
-        go(0);
+        go_to(1);
+        go_to(0);
         EXPECT_THAT(saved(), HasSubstr("auf"));
         EXPECT_EQ(lang_global.modified, 0);
         undo();
@@ -107,16 +94,16 @@ TEST_F(Undo, AHiddenItemIsShownAgain)
         const std::string progress = label(tab()->work->progress_label());
         type_german("auf");
         EXPECT_NE(label(tab()->work->progress_label()), progress);
-        go(1);
+        go_to(1);
         choose_entry("Display not translated items");
-        gtk_entry_set_text(GTK_ENTRY(tab()->search_entry), "Close");
+        search("Close");
         undo();
         EXPECT_THAT(identity(), HasSubstr("Open"));
         EXPECT_EQ(german(), "");
         EXPECT_STREQ(gtk_entry_get_text(GTK_ENTRY(tab()->search_entry)), "");
         EXPECT_EQ(label(tab()->work->progress_label()), progress);
         redo();
-        go(1);
+        go_to(1);
         edit_ctrl.empty(editWin); // the item has its text now, and goes
         undo();
         EXPECT_THAT(identity(), HasSubstr("Open"));
@@ -129,7 +116,7 @@ TEST_F(Undo, ReadyMarksComeBackAndTheCellOnesChangeNothing)
     run_editor(source(), [&] {
         GtkToggleButton *ready = GTK_TOGGLE_BUTTON(tab()->ready_button);
         gtk_toggle_button_set_active(ready, TRUE);
-        go(1);
+        go_to(1);
         undo();
         EXPECT_THAT(identity(), HasSubstr("Open"));
         EXPECT_EQ(panel()->item->ready, 0);
@@ -188,7 +175,7 @@ TEST_F(Undo, AnImportAndTheLanguagesAreTakenBackWhole)
         undo();
         EXPECT_EQ(languages(), "english* german* french ");
         EXPECT_THAT(identity(), HasSubstr("Close")) << "where the import changed a text";
-        go(0);
+        go_to(0);
         EXPECT_EQ(german(), "auf") << "typed before the import, and kept";
         redo();
         redo();

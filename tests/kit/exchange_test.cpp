@@ -151,7 +151,7 @@ TEST_F(Exchange, JsonReplacesTheWholeSource)
     write_file("app.json",
                std::regex_replace(read_file("app.json"), std::regex("\"_Save\""), "\"_Keep\""));
     const auto taken = kit("import --format json app.lang-src app.json");
-    EXPECT_EQ(taken.out, "~ languages, groups and order\n+ menu:_Keep\n- menu:_Save\n");
+    EXPECT_EQ(taken.out, "- menu:_Save\n+ menu:_Keep\n");
     EXPECT_THAT(read_file("app.lang-src"), HasSubstr("ITEM   \"_Keep\""));
     write_file("app.json", "{");
     EXPECT_EQ(kit("import --format json app.lang-src app.json").err,

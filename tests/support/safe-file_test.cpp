@@ -71,22 +71,6 @@ TEST_F(safe_files, rest_between_two_pieces)
     }
 }
 
-TEST_F(safe_files, what_is_not_put_in_place_goes_and_what_is_kept_stays)
-{
-    const zel::target_file old = zel::find_target("a", zel::links::replace);
-    {
-        zel::safe_file dropped;
-        ASSERT_EQ(0, dropped.create("temporary", old));
-        dropped.append("text");
-    }
-    EXPECT_EQ(0, count());
-    zel::safe_file kept;
-    ASSERT_EQ(0, kept.create("temporary", old));
-    kept.append("text");
-    kept.keep();
-    EXPECT_EQ("text", read_file("temporary"));
-}
-
 // In a name space of one user the administrator outside has the number of all strangers.
 TEST_F(safe_files, links_of_whom_a_name_space_does_not_know)
 {

@@ -1,5 +1,6 @@
 #include "editor/frame/dir_file_sel.h"
 
+#include "editor/frame/path-field.h"
 #include "editor/frame/recent.h"
 #include "editor/toolkit/popup.h"
 #include "editor/toolkit/ui-text.h"
@@ -7,12 +8,44 @@
 #include "support/log-print.h"
 #include "support/string-copy.h"
 #include "support/string.h"
+#include "support/text.h"
 
+#include <cerrno>
 #include <filesystem>
+#include <unistd.h>
 
 namespace {
 
 using glib_string = std::unique_ptr<gchar, zel::release<g_free>>;
+
+// Why the chosen path cannot be opened; empty when it can, or is to be written.
+std::string why_not(GtkFileChooser *files)
+{
+    const GtkFileChooserAction action = gtk_file_chooser_get_action(files);
+    const glib_string path(gtk_file_chooser_get_filename(files));
+    if (path == nullptr || action == GTK_FILE_CHOOSER_ACTION_SAVE)
+        return {};
+    const std::string shown = zel::utf8_shown(path.get()) + ": ";
+    if (action == GTK_FILE_CHOOSER_ACTION_SELECT_FOLDER)
+        return g_file_test(path.get(), G_FILE_TEST_IS_DIR) != 0
+                   ? ""
+                   : shown + zel::ui_text("reader", "there is no such folder");
+    if (access(path.get(), R_OK) == 0)
+        return {};
+    return shown +
+           (errno == ENOENT ? zel::ui_text("reader", "there is no such file") : g_strerror(errno));
+}
+
+// What is not there to be opened is refused, so that a typing error leads to nothing; the toolkit
+// would take such a file, and make such a folder.
+void open_clicked(GtkWidget *, gpointer dialog)
+{
+    const std::string why = why_not(GTK_FILE_CHOOSER(dialog));
+    if (why.empty())
+        gtk_dialog_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT);
+    else
+        zel::refuse_path(GTK_WIDGET(dialog), why.c_str());
+}
 
 // A chooser dialog, destroyed at the end of the scope.
 struct chooser {
@@ -23,6 +56,11 @@ struct chooser {
     {
         gtk_dialog_set_default_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT);
         g_signal_connect(dialog, "destroy", G_CALLBACK(gtk_widget_destroyed), &dialog);
+        GtkWidget *open =
+            gtk_dialog_get_widget_for_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT);
+        g_signal_handlers_disconnect_matched(open, G_SIGNAL_MATCH_DATA, 0, 0, nullptr, nullptr,
+                                             dialog); // the dialog's own
+        g_signal_connect(open, "clicked", G_CALLBACK(open_clicked), dialog);
     }
     ~chooser()
     {
@@ -34,40 +72,48 @@ struct chooser {
 
     GtkFileChooser *files() const { return GTK_FILE_CHOOSER(dialog); }
 
-    bool accepted() const
+    bool accepted(const char *preset = "") const
     {
+        zel::show_path_field(dialog, preset);
         return gtk_dialog_run(GTK_DIALOG(dialog)) == GTK_RESPONSE_ACCEPT && dialog != nullptr;
     }
-    [[nodiscard]] char *run() const
+    [[nodiscard]] char *run(const char *preset = "") const
     {
-        if (!accepted())
+        if (!accepted(preset))
             return nullptr;
         const glib_string path(gtk_file_chooser_get_filename(files()));
         return zel_strdup(path.get());
     }
+    // Without a folder the toolkit might begin with its list of recent files, which has no field
+    // for a path. It forgets what it is to select when it is told a folder twice.
     void start_in(const char *folder) const
     {
-        if (folder != nullptr && folder[0] != '\0')
-            gtk_file_chooser_set_current_folder(files(), folder);
+        const glib_string here(g_get_current_dir());
+        const bool is_given = folder != nullptr && folder[0] != '\0';
+        gtk_file_chooser_set_current_folder(files(), is_given ? folder : here.get());
     }
-    // A name that is no whole path is one of the folder. An existing file is selected where it is;
-    // only a chooser to write can hold another name.
-    void preset(const char *folder, const char *name, bool writes) const
+    // A name that is no whole path is one of the folder. Only a chooser to write can hold one that
+    // is not there. Gives the name as it is shown.
+    std::string preset(const char *folder, const char *name, bool writes) const
     {
-        if (name == nullptr || name[0] == '\0')
-            return;
         std::error_code error;
         const std::filesystem::path start = folder == nullptr ? "" : folder;
-        const std::filesystem::path whole = std::filesystem::absolute(start / name, error);
-        if (error)
-            return;
-        if (std::filesystem::exists(whole, error)) {
-            gtk_file_chooser_set_filename(files(), whole.c_str());
-        } else if (writes) {
-            start_in(whole.parent_path().c_str());
-            gtk_file_chooser_set_current_name(files(),
-                                              zel::utf8_shown(whole.filename().c_str()).c_str());
+        const std::filesystem::path whole =
+            std::filesystem::absolute(start / zel::or_empty(name), error);
+        if (error || zel::or_empty(name)[0] == '\0') {
+            start_in(folder);
+            return {};
         }
+        const std::string shown = zel::utf8_shown(whole.filename().c_str());
+        const bool is_there = std::filesystem::exists(whole, error);
+        if (writes && is_there) {
+            gtk_file_chooser_set_filename(files(), whole.c_str());
+            return shown;
+        }
+        start_in(writes || is_there ? whole.parent_path().c_str() : folder);
+        if (writes)
+            gtk_file_chooser_set_current_name(files(), shown.c_str());
+        return is_there ? shown : std::string();
     }
 
     GtkWidget *dialog;
@@ -77,9 +123,7 @@ char *select_file(const chooser &choose, char *folder, char *name, bool writes)
 {
     zel_path_to_os(folder);
     zel_path_to_os(name);
-    choose.start_in(folder);
-    choose.preset(folder, name, writes);
-    return choose.run();
+    return choose.run(choose.preset(folder, name, writes).c_str());
 }
 
 // What the first filter lets through.
@@ -117,48 +161,6 @@ void add_filters(const chooser &choose, const char *preset, const char *ending)
     gtk_file_chooser_set_filter(choose.files(), first);
 }
 
-// The part of the chooser that takes a name; the toolkit shows it by a signal that only its own
-// keys send.
-GtkWidget *find_name_taker(GtkWidget *widget)
-{
-    if (g_signal_lookup("location-popup", G_OBJECT_TYPE(widget)) != 0)
-        return widget;
-    GtkWidget *found = nullptr;
-    if (GTK_IS_CONTAINER(widget)) {
-        gtk_container_forall(
-            GTK_CONTAINER(widget),
-            [](GtkWidget *child, gpointer data) {
-                auto *result = static_cast<GtkWidget **>(data);
-                if (*result == nullptr)
-                    *result = find_name_taker(child);
-            },
-            &found);
-    }
-    return found;
-}
-
-// A letter typed where none is taken begins a name, as the toolkit has it for "/" and "~".
-gboolean begin_name(GtkWidget *dialog, GdkEventKey *event, gpointer)
-{
-    const gunichar letter = gdk_keyval_to_unicode(event->keyval);
-    const guint modifiers =
-        gtk_accelerator_get_default_mod_mask() & ~static_cast<guint>(GDK_SHIFT_MASK);
-    const bool with_modifier = (event->state & modifiers) != 0;
-    if (with_modifier || g_unichar_isalnum(letter) == 0 ||
-        GTK_IS_ENTRY(gtk_window_get_focus(GTK_WINDOW(dialog))))
-        return FALSE;
-    GtkWidget *taker = find_name_taker(dialog);
-    if (taker == nullptr)
-        return FALSE;
-    char text[7] = {};
-    g_unichar_to_utf8(letter, text);
-    g_signal_emit_by_name(taker, "location-popup", text);
-    GtkWidget *name = gtk_window_get_focus(GTK_WINDOW(dialog));
-    if (GTK_IS_EDITABLE(name)) // where the letter is selected by getting the keyboard
-        gtk_editable_set_position(GTK_EDITABLE(name), -1);
-    return TRUE;
-}
-
 void recent_chosen(GtkComboBox *combo, gpointer files)
 {
     GtkTreeIter iter;
@@ -166,7 +168,7 @@ void recent_chosen(GtkComboBox *combo, gpointer files)
     if (gtk_combo_box_get_active_iter(combo, &iter) == 0)
         return;
     gtk_tree_model_get(gtk_combo_box_get_model(combo), &iter, 1, &path, -1);
-    gtk_file_chooser_set_filename(GTK_FILE_CHOOSER(files), path);
+    zel::put_path(GTK_WIDGET(files), path);
     g_free(path);
 }
 
@@ -202,12 +204,6 @@ char *select_by_ending(const chooser &choose, const char *preset, const char *en
 {
     const zel::string_guard name(zel_strdup(preset)); // what turns backslashes gets a copy
     add_filters(choose, preset, ending);
-    g_signal_connect(choose.dialog, "key-press-event", G_CALLBACK(begin_name), nullptr);
-    // The toolkit may begin with its list of recent files, where the first letter of a name is
-    // lost.
-    const glib_string here(g_get_current_dir());
-    if (!name)
-        choose.start_in(here.get());
     return select_file(choose, nullptr, name.get(), writes);
 }
 

@@ -24,6 +24,7 @@
 #include <cstring>
 #include <ctime>
 #include <string>
+#include <sys/stat.h>
 #include <vector>
 
 namespace {
@@ -116,27 +117,48 @@ zel::write_answer write_if_allowed(const char *path)
     return zel::write_source(path, def_group, how);
 }
 
+// Hard links: the other names stay with the file that is there now.
+bool has_other_names(const char *path)
+{
+    struct stat status {};
+    return stat(path, &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink > 1;
+}
+
+std::string file_and_text(const char *path, const char *text)
+{
+    return zel::utf8_shown(path) + ": " + zel::ui_text("status", text);
+}
+
 void save_under_name(GtkWidget *widget);
 
 // Writes the source and says how it went; only then are there no changes left.
 void write_and_tell(GtkWidget *widget, const char *path)
 {
     zel::write_answer written{zel::write_not_allowed, {}};
+    bool keeps_names = false;
     while (written.code == zel::write_not_allowed) {
         const zel::overwrite answer = zel::watch_ask(widget, path);
         if (answer == zel::overwrite::other_name)
             save_under_name(widget);
+        else if (answer == zel::overwrite::no)
+            zel::edit_status(zel::ui_text("status", "Nothing was saved"));
         if (answer != zel::overwrite::yes)
             return;
+        keeps_names = has_other_names(path);
         written = write_if_allowed(path);
     }
     if (written.code == 0) {
+        if (keeps_names)
+            zel::edit_status(
+                file_and_text(path, "the file has other names, which keep the old text").c_str());
         zel::edit_set_modified(false);
         zel::recovery_drop();
         zel::watch_saved(path, written.file);
         // The text is also an item of the editor's own texts, which is found by its spelling.
         zel::message(mainWin, "status", "Write file successfull");
     } else {
+        if (!written.why.empty())
+            zel::edit_status((zel::utf8_shown(path) + ": " + written.why).c_str());
         zel::message(widget, "status", "Error write file");
     }
 }

@@ -9,6 +9,8 @@ namespace {
 
 constexpr int nowhere = -1; // in the settings: the centre
 constexpr int room_of_title = 30;
+constexpr int least_width = 800;
+constexpr int least_height = 600;
 
 bool is_maximized(GtkWidget *window)
 {
@@ -52,6 +54,8 @@ GdkRectangle place_within(GdkRectangle place, const GdkRectangle &area)
 
 void keep_window_place(GtkWidget *window)
 {
+    const GdkRectangle least = place_within({0, 0, least_width, least_height}, work_area(window));
+    gtk_widget_set_size_request(window, least.width, least.height);
     if (ini == nullptr)
         return;
     GtkWindow *const top = GTK_WINDOW(window);

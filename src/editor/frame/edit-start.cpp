@@ -1,16 +1,35 @@
 #include "editor/frame/edit-start.h"
 
+#include "app/global.h"
 #include "app/memory.h"
 #include "editor/frame/edit.h"
 #include "editor/state/edit-state.h"
 #include "editor/table/w_tab_edit.h"
-#include "support/log-print.h"
+#include "recovery/place.h"
+#include "support/file-call.h"
+#include "support/log.h"
 #include "support/string-copy.h"
 
 #include <clocale>
 #include <cstdio>
+#include <string>
 
 namespace {
+
+// The log is open since the start where its folder was there. In a fresh home the first complaint
+// is worth making one.
+void open_log()
+{
+    static bool tried = false;
+    if (tried || LogGetFd() != nullptr || lang_global.log_file == nullptr)
+        return;
+    tried = true;
+    if (zel::recovery_folder().empty()) // makes the program's home, or says why there is none
+        return;
+    zel_mkdir((std::string(lang_get_home()) + "/log").c_str(), 0700);
+    LogClose();
+    LogOpen(lang_global.log_file, LOG_OPEN_NEW, "ZEL Language editor");
+}
 
 // What the toolkit complains of is for the log: a translator's terminal shows the editor's own
 // messages only.
@@ -19,6 +38,7 @@ void log_toolkit_message(const gchar *domain, GLogLevelFlags level, const gchar 
     zel::end_on_glib_error(level);
     if ((level & (G_LOG_LEVEL_INFO | G_LOG_LEVEL_DEBUG)) != 0)
         return;
+    open_log();
     LogPrint(1, "%s: %s\n", domain == nullptr ? "" : domain, message == nullptr ? "" : message);
 }
 

@@ -13,6 +13,7 @@
 #include "editor/panel/dictionary.h"
 #include "editor/state/edit-state.h"
 #include "editor/toolkit/accessible.h"
+#include "editor/toolkit/menu-grab.h"
 #include "editor/toolkit/theme.h"
 #include "editor/toolkit/ui-text.h"
 
@@ -52,7 +53,6 @@ GtkWidget *make_window()
 {
     mainWin = gtk_window_new(GTK_WINDOW_TOPLEVEL);
     gtk_window_set_title(GTK_WINDOW(mainWin), "Tarvik language editor version 1.4");
-    gtk_widget_set_size_request(mainWin, 800, 600);
     gtk_window_set_position(GTK_WINDOW(mainWin), GTK_WIN_POS_CENTER);
     set_icon();
     accel_group = gtk_accel_group_new();
@@ -114,7 +114,7 @@ GtkWidget *make_info_frame()
     GtkWidget *frame = gtk_frame_new(nullptr);
     zel::make_bare(frame);
     lang_global.info_box = gtk_vbox_new(FALSE, 1);
-    gtk_container_set_border_width(GTK_CONTAINER(lang_global.info_box), around_pane);
+    gtk_container_set_border_width(GTK_CONTAINER(lang_global.info_box), 2);
     const int width = width_of_captions();
     for (const info_row &row : info_rows)
         gtk_box_pack_start(GTK_BOX(lang_global.info_box), make_info_row(row, width), FALSE, FALSE,
@@ -148,13 +148,13 @@ GtkWidget *make_status_frame()
 {
     GtkWidget *frame = gtk_frame_new(nullptr);
     zel::make_bare(frame);
-    gtk_container_set_border_width(GTK_CONTAINER(frame), 2);
+    gtk_container_set_border_width(GTK_CONTAINER(frame), 1);
     GtkWidget *row = gtk_hbox_new(FALSE, around_pane);
     gtk_container_add(GTK_CONTAINER(frame), row);
     statusWin = gtk_entry_new();
     gtk_editable_set_editable(GTK_EDITABLE(statusWin), FALSE);
     gtk_widget_set_name(statusWin, "status");
-    zel::set_accessible_name(statusWin, "Status");
+    zel::edit_status(nullptr);
     gtk_box_pack_start(GTK_BOX(row), statusWin, TRUE, TRUE, 0);
     changed_sign = gtk_label_new(zel::ui_text("common", "changed"));
     gtk_widget_set_no_show_all(changed_sign, TRUE);
@@ -208,6 +208,7 @@ int edit()
     ini_read(ini);
     zel::apply_theme();
     build_window();
+    zel::close_hidden_menus();
     if (def_file != nullptr && !zel::edit_read_source()) {
         std::puts("Error in language file");
         std::fprintf(stderr, "lang: %s\n", gtk_entry_get_text(GTK_ENTRY(statusWin)));

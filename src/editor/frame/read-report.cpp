@@ -37,6 +37,8 @@ read_report::read_report(const char *path) : path_(utf8_shown(path)) {}
 
 void read_report::hear(const read_message &message)
 {
+    if (const char *failure = read_failure(message))
+        failure_ = failure;
     std::string &kept = message.row->after == outcome::go_on ? warning_ : error_;
     if (kept.empty())
         kept = with_place(message);
@@ -50,7 +52,8 @@ std::string read_report::cause(read_cause why) const
         return ui_text("reader", "there is no such file");
     if (why == read_cause::memory)
         return ui_text("reader", "not enough memory");
-    return ui_text("reader", "the file cannot be read");
+    const std::string text = ui_text("reader", "the file cannot be read");
+    return failure_.empty() ? text : text + ": " + utf8_shown(failure_.c_str());
 }
 
 std::string read_report::text(const read_answer &answer) const

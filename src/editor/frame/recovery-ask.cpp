@@ -94,13 +94,33 @@ std::string details_of(const zel::recovery_question &question)
 
 constexpr int show_list = 1; // a response
 
-void add_column(GtkWidget *view, const char *title, int column)
+constexpr int least_list_width = 600;
+constexpr int least_list_height = 220;
+constexpr int where_width = 140; // the texts share the rest
+
+// All of a text is seen, in as many lines as it takes.
+void wrap_at_width(GtkTreeViewColumn *column, GParamSpec *, gpointer cell)
+{
+    constexpr int margin = 8;
+    const int width = std::max(gtk_tree_view_column_get_width(column) - margin, 1);
+    int before = 0;
+    g_object_get(cell, "wrap-width", &before, nullptr);
+    if (before == width)
+        return;
+    g_object_set(cell, "wrap-width", width, nullptr);
+    gtk_tree_view_column_queue_resize(column);
+}
+
+void add_column(GtkWidget *view, const char *title, int column, int width)
 {
     GtkCellRenderer *cell = gtk_cell_renderer_text_new();
-    g_object_set(cell, "ellipsize", PANGO_ELLIPSIZE_END, "yalign", 0.0, nullptr);
+    g_object_set(cell, "wrap-mode", PANGO_WRAP_WORD_CHAR, "yalign", 0.0, nullptr);
     gtk_tree_view_insert_column_with_attributes(GTK_TREE_VIEW(view), -1, title, cell, "text",
                                                 column, nullptr);
     GtkTreeViewColumn *made = gtk_tree_view_get_column(GTK_TREE_VIEW(view), column);
+    g_signal_connect(made, "notify::width", G_CALLBACK(wrap_at_width), cell);
+    gtk_tree_view_column_set_sizing(made, GTK_TREE_VIEW_COLUMN_FIXED);
+    gtk_tree_view_column_set_fixed_width(made, width);
     gtk_tree_view_column_set_resizable(made, TRUE);
     gtk_tree_view_column_set_expand(made, TRUE);
 }
@@ -118,9 +138,11 @@ GtkWidget *make_list(const std::vector<zel::recovered_difference> &all)
     gtk_widget_set_name(view, "recovered-texts");
     zel::set_accessible_name(view, zel::ui_text("recovery", "Texts that differ"));
     gtk_tree_view_set_rules_hint(GTK_TREE_VIEW(view), TRUE);
-    add_column(view, zel::ui_text("recovery", "Item"), 0);
-    add_column(view, zel::ui_text("recovery", "Source"), 1);
-    add_column(view, zel::ui_text("recovery", "Recovered"), 2);
+    constexpr int scroll_bar = 30;
+    constexpr int text_width = (least_list_width - where_width - scroll_bar) / 2;
+    add_column(view, zel::ui_text("recovery", "Item"), 0, where_width);
+    add_column(view, zel::ui_text("recovery", "Source"), 1, text_width);
+    add_column(view, zel::ui_text("recovery", "Recovered"), 2, text_width);
     return view;
 }
 
@@ -135,7 +157,7 @@ void add_list(GtkWidget *dialog, int response, gpointer differences)
     gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
                                    GTK_POLICY_AUTOMATIC);
     gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_IN);
-    gtk_widget_set_size_request(scrolled, 600, 180);
+    gtk_widget_set_size_request(scrolled, least_list_width, least_list_height);
     gtk_container_set_border_width(GTK_CONTAINER(scrolled), 6);
     gtk_container_add(GTK_CONTAINER(scrolled), make_list(all));
     gtk_box_pack_start(GTK_BOX(gtk_dialog_get_content_area(GTK_DIALOG(dialog))), scrolled, TRUE,

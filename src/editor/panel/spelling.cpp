@@ -13,14 +13,15 @@
 #include <string>
 #include <vector>
 
+guint zel::before_first_spelling = 700;
+
 namespace {
 
 using zel::fields;
 using zel::assist::word;
 
 // A dictionary is loaded once the window is there and the list has been judged.
-constexpr guint before_first_look = 700; // milliseconds
-constexpr gint64 spelling_slice = 4000;  // microseconds
+constexpr gint64 spelling_slice = 4000; // microseconds
 constexpr std::size_t most_suggestions = 5;
 constexpr const char *tag_name = "misspelt";
 
@@ -129,8 +130,8 @@ public:
             scan_.field = nullptr;
         if (timer_ == 0)
             timer_ = looked_ ? g_idle_add_full(G_PRIORITY_LOW, slice, this, nullptr)
-                             : g_timeout_add_full(G_PRIORITY_LOW, before_first_look, slice, this,
-                                                  nullptr);
+                             : g_timeout_add_full(G_PRIORITY_LOW, zel::before_first_spelling, slice,
+                                                  this, nullptr);
     }
     void look_at_all_again()
     {

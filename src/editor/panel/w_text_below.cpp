@@ -3,6 +3,7 @@
 #include "config/ini.h"
 #include "editor/panel/w_text_checks.h"
 #include "editor/toolkit/accessible.h"
+#include "editor/toolkit/text-places.h"
 #include "editor/toolkit/theme.h"
 #include "editor/toolkit/ui-text.h"
 #include "source/misc.h"
@@ -93,6 +94,40 @@ void follow_view(GtkWidget *row, GtkStyle *, gpointer view)
 gboolean pass_by(GtkWidget *view, GtkDirectionType, gpointer)
 {
     g_signal_stop_emission_by_name(view, "focus");
+    return FALSE;
+}
+
+// A text that is cut has dots over the end of its last line, on whose side it ends.
+gboolean draw_dots(GtkWidget *view, GdkEventExpose *event, gpointer)
+{
+    GtkTextView *text = GTK_TEXT_VIEW(view);
+    GdkWindow *window = gtk_text_view_get_window(text, GTK_TEXT_WINDOW_TEXT);
+    GdkRectangle seen{};
+    GdkRectangle end{};
+    GtkTextIter last;
+    gtk_text_view_get_visible_rect(text, &seen);
+    gtk_text_buffer_get_end_iter(gtk_text_view_get_buffer(text), &last);
+    gtk_text_view_get_iter_location(text, &last, &end);
+    if (event->window != window || end.y < seen.y + seen.height)
+        return FALSE;
+    PangoLayout *dots = gtk_widget_create_pango_layout(view, "\u2026");
+    GdkRectangle place{};
+    pango_layout_get_pixel_size(dots, &place.width, &place.height);
+    const bool ends_left =
+        pango_find_base_dir(zel::buffer_text(gtk_text_view_get_buffer(text)).c_str(), -1) ==
+        PANGO_DIRECTION_RTL;
+    place.x = ends_left ? 0 : seen.width - place.width;
+    place.y = seen.height - place.height;
+    GtkStyle *style = gtk_widget_get_style(view);
+    cairo_t *cairo = gdk_cairo_create(window);
+    gdk_cairo_set_source_color(cairo, &style->base[gtk_widget_get_state(view)]);
+    gdk_cairo_rectangle(cairo, &place);
+    cairo_fill(cairo);
+    gdk_cairo_set_source_color(cairo, &style->text[gtk_widget_get_state(view)]);
+    cairo_move_to(cairo, place.x, place.y);
+    pango_cairo_show_layout(cairo, dots);
+    cairo_destroy(cairo);
+    g_object_unref(dots);
     return FALSE;
 }
 
@@ -238,6 +273,7 @@ GtkWidget *text_below_new(Zeltext *text, int field, GtkWidget *view)
     gtk_text_view_set_pixels_above_lines(GTK_TEXT_VIEW(view), 0); // level with the label
     gtk_widget_set_size_request(view, least_width, -1);           // not its text's, which wraps
     g_signal_connect(view, "focus", G_CALLBACK(pass_by), nullptr);
+    g_signal_connect_after(view, "expose-event", G_CALLBACK(draw_dots), nullptr);
     set_accessible_name(view, ui_text("text", "Translation"));
     GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
     gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER,

@@ -114,12 +114,13 @@ void share_below(Zeltext *text, const below_heights &heights, int left)
     }
 }
 
-// A suggestion's line without one keeps the fields in their places from item to item, unless they
-// lack its room. Gives what the other things than the fields ask for.
+// The line of a suggestion or of the description keeps the fields in their places from item to item
+// when it is empty, unless they lack its room. Gives what the other things than the fields ask for.
 int fold_empty_lines(Zeltext *text, int others, int room)
 {
     int saved = 0;
-    const std::array<GtkWidget *, 2> labels{text->suggestion1_label, text->suggestion2_label};
+    const std::array labels{text->suggestion1_label, text->suggestion2_label,
+                            text->description_label};
     const auto is_empty = [](GtkWidget *label) {
         return gtk_widget_get_visible(label) != 0 && *gtk_label_get_text(GTK_LABEL(label)) == '\0';
     };
@@ -137,7 +138,7 @@ int fold_empty_lines(Zeltext *text, int others, int room)
     for (GtkWidget *label : labels) {
         const int wanted = folds && is_empty(label) ? 1 : 0;
         if (requested_height(label) != wanted)
-            gtk_widget_set_size_request(label, -1, wanted == 0 ? -1 : wanted);
+            g_object_set(label, "height-request", wanted == 0 ? -1 : wanted, nullptr);
     }
     return folds ? others - saved : others;
 }
@@ -187,10 +188,9 @@ GtkWidget *label_of(Zeltext *text, GtkWidget *view)
     return text->*field->label;
 }
 
-// The field that gets the keyboard is scrolled to, with its caption and what is below it.
-gboolean show_whole_field(GtkWidget *view, GdkEventFocus *, gpointer data)
+// The field with the keyboard is scrolled to, with its caption and what is below it.
+void show_whole_field(Zeltext *text, GtkWidget *view)
 {
-    Zeltext *text = ZEL_TEXT(data);
     GtkWidget *box = gtk_widget_get_ancestor(view, GTK_TYPE_VIEWPORT);
     GtkWidget *content = gtk_bin_get_child(GTK_BIN(box));
     GtkAdjustment *seen = gtk_viewport_get_vadjustment(GTK_VIEWPORT(box));
@@ -203,14 +203,30 @@ gboolean show_whole_field(GtkWidget *view, GdkEventFocus *, gpointer data)
     const GtkAllocation field = place_of(view);
     GtkAllocation last = field;
     for (const int number : {TEXT_TRANS1, TEXT_TRANS2}) {
-        GtkWidget *below = text->below[number].row;
-        if (text->*fields[number].view == view && gtk_widget_get_visible(below) != 0)
-            last = place_of(below);
+        GtkWidget *label =
+            number == TEXT_TRANS1 ? text->suggestion1_label : text->suggestion2_label;
+        for (GtkWidget *below : {label, text->below[number].row})
+            if (text->*fields[number].view == view && gtk_widget_get_visible(below) != 0)
+                last = place_of(below);
     }
     const int top = place_of(label_of(text, view)).y;
     gtk_adjustment_clamp_page(seen, top, last.y + last.height);
     gtk_adjustment_clamp_page(seen, top, field.y + field.height + margin); // where both do not fit
+}
+
+gboolean field_entered(GtkWidget *view, GdkEventFocus *, gpointer data)
+{
+    show_whole_field(ZEL_TEXT(data), view);
     return FALSE;
+}
+
+// What is below a field comes, and moves it, after it was given the keyboard.
+void content_placed(GtkWidget *, GtkAllocation *, gpointer data)
+{
+    Zeltext *text = ZEL_TEXT(data);
+    for (const field_t &field : fields)
+        if (gtk_widget_has_focus(text->*field.view) != 0)
+            show_whole_field(text, text->*field.view);
 }
 
 // What is wrong with a text gets the room that its caption leaves, and half of the row at least.
@@ -269,7 +285,7 @@ void make_field(Zeltext *text, int number, GtkWidget *box)
     GtkWidget *label = make_caption(view);
     text->*field.view = view;
     text->*field.label = label;
-    g_signal_connect(view, "focus-in-event", G_CALLBACK(show_whole_field), text);
+    g_signal_connect(view, "focus-in-event", G_CALLBACK(field_entered), text);
     GtkWidget *caption = is_comment ? label : make_caption_row(text, number, label);
     gtk_box_pack_start(GTK_BOX(box), caption, FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(box), make_view_frame(view), is_comment ? FALSE : TRUE, TRUE, 0);
@@ -364,6 +380,7 @@ void build_text_panel(Zeltext *text)
     GtkWidget *scrolled = zel::scrolled_box_new(box);
     g_signal_connect(gtk_bin_get_child(GTK_BIN(scrolled)), "size-allocate",
                      G_CALLBACK(share_height), text);
+    g_signal_connect_after(box, "size-allocate", G_CALLBACK(content_placed), text);
     gtk_box_pack_start(GTK_BOX(panes), scrolled, TRUE, TRUE, 0);
     if (lang_global.editor_mode != 0)
         gtk_box_pack_start(GTK_BOX(panes), make_used_in(text), FALSE, FALSE, 0);

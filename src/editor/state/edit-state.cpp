@@ -2,6 +2,7 @@
 
 #include "app/global.h"
 #include "editor/state/edit-history.h"
+#include "editor/toolkit/accessible.h"
 #include "editor/toolkit/ui-text.h"
 #include "source/misc.h"
 #include "support/string-copy.h"
@@ -48,8 +49,12 @@ source_to_write::~source_to_write()
 
 void edit_status(const char *text)
 {
-    if (statusWin != nullptr)
-        gtk_entry_set_text(GTK_ENTRY(statusWin), utf8_shown(text).c_str());
+    if (statusWin == nullptr)
+        return;
+    const std::string shown = utf8_shown(text);
+    gtk_entry_set_text(GTK_ENTRY(statusWin), shown.c_str());
+    // Who hears the name hears the words.
+    set_accessible_name(statusWin, shown.empty() ? "Status" : shown.c_str());
 }
 
 unsigned edit_changes;

@@ -356,7 +356,6 @@ GtkWidget *make_text_side(ZelTabEdit *tab)
     tab->ready_button = gtk_check_button_new_with_label(zel::ui_text("tab-edit", "Ready"));
     gtk_widget_set_tooltip_text(tab->ready_button, zel::ui_text("common", "Toggle ready (ALT+M)"));
     g_signal_connect(tab->ready_button, "toggled", G_CALLBACK(change_ready_cb), tab);
-    gtk_container_set_border_width(GTK_CONTAINER(tab->ready_button), 4);
     g_signal_connect(tab->ready_button, "can-activate-accel", G_CALLBACK(always_reachable),
                      nullptr);
     add_key(tab->ready_button, GDK_KEY_m, GDK_MOD1_MASK);
@@ -386,7 +385,10 @@ void make_search(ZelTabEdit *tab)
         {GTK_WIDGET(tab), tab->view, ZEL_TEXT(tab->text_widget),
          [tab] { tree_filter_changed_cb(nullptr, tab); },
          [tab] {
-             zel_tab_edit_first(GTK_WIDGET(tab));
+             if (tab->search->words().empty())
+                 tab->search->come_back();
+             if (!tab->search->words().empty() || selected_place(tab) < 0)
+                 zel_tab_edit_first(GTK_WIDGET(tab));
              focus_translation(tab);
          },
          [tab](int row) {

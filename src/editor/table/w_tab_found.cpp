@@ -1,6 +1,5 @@
 #include "editor/table/w_tab_found.h"
 
-#include "editor/toolkit/accessible.h"
 #include "editor/toolkit/ui-text.h"
 
 #include <string>
@@ -11,7 +10,6 @@ GtkWidget *tab_found_label_new()
 {
     GtkWidget *label = gtk_label_new(nullptr);
     gtk_misc_set_alignment(GTK_MISC(label), 0.0F, 0.5F);
-    set_accessible_name(label, ui_text("tab-edit", "Found"));
     return label;
 }
 
@@ -28,7 +26,6 @@ void tab_show_found(GtkWidget *label, const tab_found &found)
     else
         text = ui_text("tab-edit", "nothing found");
     gtk_label_set_text(GTK_LABEL(label), text.c_str());
-    set_accessible_description(label, text.c_str());
 }
 
 } // namespace zel

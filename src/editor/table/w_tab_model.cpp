@@ -338,6 +338,17 @@ std::string tab_lang_text(item_t *item, const std::string *lang)
     return text;
 }
 
+std::string tab_whole_text(item_t *item, const std::string *lang)
+{
+    const lang_entry_t *entry =
+        lang == nullptr ? nullptr : misc_select_lang_entry(item, lang->c_str());
+    std::string text;
+    for (const char *line : each<char>(entry == nullptr ? nullptr : entry->texts))
+        text += utf8_shown(line);
+    text.resize(text.find_last_not_of("\r\n") + 1);
+    return text;
+}
+
 } // namespace zel
 
 GType zel_tab_model_get_type()

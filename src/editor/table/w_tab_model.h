@@ -61,6 +61,9 @@ struct tab_rows {
 // most; a blank when there is none.
 [[nodiscard]] std::string tab_lang_text(item_t *item, const std::string *lang);
 
+// All of it, without the line end of its last line; empty for none.
+[[nodiscard]] std::string tab_whole_text(item_t *item, const std::string *lang);
+
 // A row for each used item of the source, none for null; the items get their position numbers and
 // lose their marks of change, and texts that are not UTF-8 are told.
 void tab_rows_collect(tab_rows &rows, LangSource *source);

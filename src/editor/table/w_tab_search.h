@@ -40,6 +40,9 @@ public:
     // The rows are others: there is no item to come back to.
     void forget() { before_ = -1; }
 
+    // Empties the search; where nothing is selected then, the row from before it is.
+    void come_back();
+
     // Marks the hits in the texts of the item that is shown.
     void mark_hits();
 
@@ -51,7 +54,6 @@ private:
     static void typed(GtkTextBuffer *, gpointer self);
 
     void make_row();
-    void come_back();
 
     tab_search_parts parts_;
     GtkWidget *row_ = nullptr;

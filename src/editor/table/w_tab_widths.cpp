@@ -3,6 +3,7 @@
 #include "editor/toolkit/text-runs.h"
 #include "editor/toolkit/ui-text.h"
 #include "source/misc.h"
+#include "support/text.h"
 
 #include <algorithm>
 #include <array>
@@ -72,19 +73,34 @@ void complete(std::vector<int> &widths, const std::vector<column_need> &needs, i
     }
 }
 
+int count_of(const std::vector<column_need> &needs, tab_cell kind)
+{
+    return static_cast<int>(std::count_if(
+        needs.begin(), needs.end(), [kind](const column_need &need) { return need.kind == kind; }));
+}
+
+// Where texts are shown, a long name gets no more than its part before they have theirs.
+std::vector<column_need> before_texts(std::vector<column_need> needs, int room)
+{
+    const int names = count_of(needs, tab_cell::name);
+    const int texts = count_of(needs, tab_cell::text);
+    for (column_need &need : needs)
+        if (need.kind == tab_cell::name && texts != 0)
+            need.whole = std::min(need.whole, need.least + room / (names + 2 * texts));
+    return needs;
+}
+
 // The last columns take what nobody needs: the texts, or the items where no texts are shown.
 void spread(std::vector<int> &widths, const std::vector<column_need> &needs, int room)
 {
-    const auto texts = std::count_if(needs.begin(), needs.end(), [](const column_need &need) {
-        return need.kind == tab_cell::text;
-    });
+    const int texts = count_of(needs, tab_cell::text);
     if (texts == 0) {
         widths.back() += room;
         return;
     }
     for (std::size_t i = 0; i < needs.size(); ++i)
         if (needs[i].kind == tab_cell::text)
-            widths[i] += room / static_cast<int>(texts);
+            widths[i] += room / texts;
 }
 
 // Widths of many texts without a layout for each: by their characters, close enough to tell which
@@ -393,10 +409,13 @@ std::vector<int> share_width(const std::vector<column_need> &needs, int room)
     room -= std::accumulate(widths.begin(), widths.end(), 0);
     complete(widths, needs, room);
     room = std::max(0, room);
-    grow(widths, needs, tab_cell::name, room);
+    grow(widths, before_texts(needs, room), tab_cell::name, room);
+    if (count_of(needs, tab_cell::text) != 0) {
+        grow(widths, needs, tab_cell::text, room);
+        grow(widths, needs, tab_cell::name, room);
+    }
     grow(widths, needs, tab_cell::ready, room);
     grow(widths, needs, tab_cell::date, room);
-    grow(widths, needs, tab_cell::text, room);
     spread(widths, needs, room);
     return widths;
 }
@@ -453,14 +472,23 @@ std::string tab_hidden_text(GtkTreeView *view, GtkTreeViewColumn *column, GtkTre
     const tab_column_row &row = tab_row_of(column);
     if (row.kind != tab_cell::name && row.kind != tab_cell::text && row.kind != tab_cell::date)
         return {};
+    GtkTreeModel *model = gtk_tree_view_get_model(view);
     gchar *shown = nullptr;
-    gtk_tree_model_get(gtk_tree_view_get_model(view), iter, row.column, &shown, -1);
-    const std::string text = shown == nullptr ? "" : zel::shown_in_runs(shown);
+    item_t *item = nullptr;
+    gtk_tree_model_get(model, iter, row.column, &shown, COL_RECORD, &item, -1);
+    const std::string cell = or_empty(shown);
     g_free(shown);
+    std::string whole = cell;
+    if (row.kind == tab_cell::text) {
+        const tab_rows &rows = **ZEL_TAB_MODEL(model)->rows;
+        whole = tab_whole_text(item, (row.column == COL_LANG1 ? rows.lang1 : rows.lang2).get());
+    }
     PangoLayout *layout = gtk_widget_create_pango_layout(GTK_WIDGET(view), nullptr);
-    const int width = text_width(layout, text.c_str()) + cell_margin(view);
+    const int width = text_width(layout, shown_in_runs(cell).c_str()) + cell_margin(view);
     g_object_unref(layout);
-    return width > gtk_tree_view_column_get_width(column) ? text : std::string();
+    const bool is_seen =
+        width <= gtk_tree_view_column_get_width(column) && (whole.empty() || whole == cell);
+    return is_seen ? std::string() : shown_in_runs(whole);
 }
 
 } // namespace zel

@@ -2,8 +2,9 @@
 
 // How wide the columns of the list are: as wide as what they show, as far as the list has room.
 // Titles are always whole, and the items are in sight: where they would not be, the day is shown
-// without its year. Then groups and items get room, then the time beside the day, then the texts. A
-// column that the user has dragged keeps its width.
+// without its year. Then groups and items get room, then the time beside the day; where texts are
+// shown, these come before the time, and before long names get more than their part. A column that
+// the user has dragged keeps its width.
 
 #include <gtk/gtk.h>
 

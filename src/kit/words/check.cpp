@@ -190,10 +190,9 @@ int fails(const word &self, const std::vector<std::string> &on, const outcomes &
 // A source that is there is read whole; where there is none, a new one begins.
 source_file read_or_begin(const std::string &path)
 {
-    if (!is_absent(path))
-        return read_whole(path, std::time(nullptr));
-    seen_file absent(path);
-    return {source_guard(lang_alloc_group()), {std::move(absent)}};
+    if (is_absent(path))
+        return {source_guard(lang_alloc_group()), {seen_file(path)}};
+    return read_whole(path, std::time(nullptr));
 }
 
 } // namespace

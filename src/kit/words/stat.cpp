@@ -239,16 +239,24 @@ private:
 int run_stat(const word &self, int argc, char **argv)
 {
     stat_settings given;
-    const parsed line =
-        parse(self, argc, argv,
-              {{"format", "NAME", "text or json (text)", nullptr, &given.format},
-               {"at-least", "PERCENT",
-                "only tell the languages with fewer texts of the items in use, with status 1",
-                nullptr, &given.at_least},
-               {"ready", nullptr, "with --at-least: count the items that are ready", &given.ready},
-               {"language", "NAME", "only this language; may be given again", nullptr, nullptr,
-                &given.languages}},
-              1, SIZE_MAX);
+    const parsed line = parse(
+        self, argc, argv,
+        {{.name = "format",
+          .argument = "NAME",
+          .help = "text or json (text)",
+          .text = &given.format},
+         {.name = "at-least",
+          .argument = "PERCENT",
+          .help = "only tell the languages with fewer texts of the items in use, with status 1",
+          .text = &given.at_least},
+         {.name = "ready",
+          .help = "with --at-least: count the items that are ready",
+          .on = &given.ready},
+         {.name = "language",
+          .argument = "NAME",
+          .help = "only this language; may be given again",
+          .list = &given.languages}},
+        1, SIZE_MAX);
     if (line.ends)
         return line.status;
     settings project;

@@ -1,0 +1,202 @@
+#include "editor/frame/path-field.h"
+
+#include <string>
+
+namespace {
+
+constexpr const char *field_key = "zel-path-field"; // where a chooser keeps its path_field
+
+// What is known of a chooser's field.
+struct path_field {
+    std::string now;    // the text
+    std::string before; // it changed to that
+    std::string preset; // the file's name that stands in it at first
+    GtkWidget *refusal; // a label, hidden while nothing was refused
+};
+
+path_field *state_of_field(gpointer chooser)
+{
+    return static_cast<path_field *>(g_object_get_data(G_OBJECT(chooser), field_key));
+}
+
+// The first widget inside for which the test holds.
+GtkWidget *find_inside(GtkWidget *widget, bool (*test)(GtkWidget *))
+{
+    struct search {
+        bool (*test)(GtkWidget *);
+        GtkWidget *found;
+    } state{test, test(widget) ? widget : nullptr};
+    if (state.found == nullptr && GTK_IS_CONTAINER(widget)) {
+        gtk_container_forall(
+            GTK_CONTAINER(widget),
+            [](GtkWidget *child, gpointer data) {
+                auto *inner = static_cast<search *>(data);
+                if (inner->found == nullptr)
+                    inner->found = find_inside(child, inner->test);
+            },
+            &state);
+    }
+    return state.found;
+}
+
+bool is_field(GtkWidget *widget)
+{
+    return g_strcmp0(G_OBJECT_TYPE_NAME(widget), "GtkFileChooserEntry") == 0;
+}
+
+// The field when it has the keyboard.
+GtkEntry *typed_in(gpointer chooser)
+{
+    GtkWidget *focus = gtk_window_get_focus(GTK_WINDOW(chooser));
+    return focus != nullptr && is_field(focus) ? GTK_ENTRY(focus) : nullptr;
+}
+
+void put(GtkEntry *entry, const char *text)
+{
+    gtk_entry_set_text(entry, text);
+    gtk_editable_set_position(GTK_EDITABLE(entry), -1);
+}
+
+// The toolkit shows the field in a chooser to open by a signal that only its own keys send.
+void pop_up_field(GtkWidget *chooser, const char *text)
+{
+    GtkWidget *taker = find_inside(chooser, [](GtkWidget *widget) {
+        return g_signal_lookup("location-popup", G_OBJECT_TYPE(widget)) != 0;
+    });
+    if (taker != nullptr)
+        g_signal_emit_by_name(taker, "location-popup", text);
+}
+
+// A letter typed where none is taken begins a path, as the toolkit has it for "/" and "~".
+gboolean begin_path(GtkWidget *chooser, GdkEventKey *event, gpointer)
+{
+    const gunichar letter = gdk_keyval_to_unicode(event->keyval);
+    const guint modifiers =
+        gtk_accelerator_get_default_mod_mask() & ~static_cast<guint>(GDK_SHIFT_MASK);
+    const bool with_modifier = (event->state & modifiers) != 0;
+    if (with_modifier || g_unichar_isalnum(letter) == 0 ||
+        GTK_IS_ENTRY(gtk_window_get_focus(GTK_WINDOW(chooser))))
+        return FALSE;
+    char text[7] = {};
+    g_unichar_to_utf8(letter, text);
+    pop_up_field(chooser, text);
+    if (GtkEntry *entry = typed_in(chooser)) // where the letter is selected by getting the keyboard
+        gtk_editable_set_position(GTK_EDITABLE(entry), -1);
+    return TRUE;
+}
+
+void text_changed(GtkEntry *entry, gpointer chooser)
+{
+    path_field *field = state_of_field(chooser);
+    field->before = std::move(field->now);
+    field->now = gtk_entry_get_text(entry);
+    gtk_widget_hide(field->refusal);
+}
+
+// The toolkit makes the field and takes it away as it likes.
+void focus_moved(GtkWidget *chooser, GtkWidget *focus, gpointer)
+{
+    constexpr const char *watched = "zel-watched";
+    if (focus == nullptr || !is_field(focus) ||
+        g_object_get_data(G_OBJECT(focus), watched) != nullptr)
+        return;
+    g_object_set_data(G_OBJECT(focus), watched, focus);
+    if (gtk_entry_get_text_length(GTK_ENTRY(focus)) == 0)
+        gtk_entry_set_text(GTK_ENTRY(focus), state_of_field(chooser)->preset.c_str());
+    state_of_field(chooser)->now = gtk_entry_get_text(GTK_ENTRY(focus));
+    g_signal_connect_object(focus, "changed", G_CALLBACK(text_changed), chooser, GConnectFlags{});
+}
+
+std::string name_at_cursor(GtkFileChooser *chooser)
+{
+    gchar *file = gtk_file_chooser_get_preview_filename(chooser);
+    gchar *name = file == nullptr ? nullptr : g_filename_display_basename(file);
+    std::string shown = name == nullptr ? "" : name;
+    g_free(name);
+    g_free(file);
+    return shown;
+}
+
+// The list has been read, and the toolkit has selected a file in it and put its name into the
+// field in place of what was typed there meanwhile.
+void selection_changed(GtkFileChooser *chooser, gpointer)
+{
+    GtkEntry *entry = typed_in(chooser);
+    if (entry == nullptr)
+        return;
+    const path_field *field = state_of_field(chooser);
+    const std::string text = gtk_entry_get_text(entry);
+    const std::string typed = field->before;
+    if (text != field->preset && text == name_at_cursor(chooser)) {
+        gtk_file_chooser_unselect_all(chooser);
+        put(entry, typed.c_str());
+    }
+    if (field->preset == gtk_entry_get_text(entry))
+        gtk_editable_select_region(GTK_EDITABLE(entry), 0, -1);
+}
+
+// The toolkit takes a folder in its own time; a chooser that comes up before that begins elsewhere,
+// and loses what stands in its field.
+void wait_for_folder(GtkWidget *chooser)
+{
+    constexpr gint64 longest = 1000000; // microseconds
+    const gint64 end = g_get_monotonic_time() + longest;
+    const guint wake = g_timeout_add(
+        5, [](gpointer) -> gboolean { return TRUE; }, nullptr);
+    gtk_widget_realize(chooser);
+    gtk_grab_add(chooser); // nothing else is typed in meanwhile
+    gchar *folder = nullptr;
+    while (folder == nullptr && g_get_monotonic_time() < end) {
+        g_main_context_iteration(nullptr, TRUE);
+        folder = gtk_file_chooser_get_current_folder(GTK_FILE_CHOOSER(chooser));
+    }
+    g_free(folder);
+    gtk_grab_remove(chooser);
+    g_source_remove(wake);
+}
+
+} // namespace
+
+namespace zel {
+
+void show_path_field(GtkWidget *chooser, const char *preset)
+{
+    auto *field = new path_field{{}, {}, preset, gtk_label_new(nullptr)};
+    g_object_set_data_full(G_OBJECT(chooser), field_key, field,
+                           [](gpointer data) { delete static_cast<path_field *>(data); });
+    atk_object_set_role(gtk_widget_get_accessible(field->refusal), ATK_ROLE_ALERT);
+    gtk_label_set_line_wrap(GTK_LABEL(field->refusal), TRUE);
+    gtk_box_pack_start(GTK_BOX(gtk_dialog_get_content_area(GTK_DIALOG(chooser))), field->refusal,
+                       FALSE, FALSE, 0);
+    g_signal_connect(chooser, "key-press-event", G_CALLBACK(begin_path), nullptr);
+    g_signal_connect(chooser, "set-focus", G_CALLBACK(focus_moved), nullptr);
+    wait_for_folder(chooser);
+    gtk_widget_show(chooser);
+    if (gtk_file_chooser_get_action(GTK_FILE_CHOOSER(chooser)) == GTK_FILE_CHOOSER_ACTION_SAVE)
+        return; // it has a field with the preset's name
+    pop_up_field(chooser, preset);
+    if (GtkEntry *entry = typed_in(chooser))
+        gtk_editable_select_region(GTK_EDITABLE(entry), 0, -1);
+    g_signal_connect(chooser, "selection-changed", G_CALLBACK(selection_changed), nullptr);
+}
+
+void put_path(GtkWidget *chooser, const char *path)
+{
+    if (g_utf8_validate(path, -1, nullptr) != 0)
+        pop_up_field(chooser, path);
+    else
+        gtk_file_chooser_set_filename(GTK_FILE_CHOOSER(chooser), path); // it cannot be typed
+}
+
+void refuse_path(GtkWidget *chooser, const char *why)
+{
+    path_field *field = state_of_field(chooser);
+    if (GtkWidget *entry = find_inside(chooser, is_field)) {
+        gtk_widget_grab_focus(entry);
+        gtk_editable_set_position(GTK_EDITABLE(entry), -1);
+    }
+    gtk_label_set_text(GTK_LABEL(field->refusal), why);
+    gtk_widget_show(field->refusal);
+}
+
+} // namespace zel
