@@ -93,7 +93,9 @@ TEST_F(Git, SaysWhatItDidAndDoesItOnce)
     fs::create_directories("deep/er");
     git("config --unset diff.lang-src.textconv");
     EXPECT_EQ(sh("cd deep/er && PATH=/usr/bin:/bin " + kit_command + "git").out,
-              "git config diff.lang-src.textconv: " + kit_command + "show --or-file --\n");
+              "git config merge.lang-src.driver: " + kit_command +
+                  "merge --driver=%P %O %A %B\ngit config diff.lang-src.textconv: " + kit_command +
+                  "show --or-file --\n");
     EXPECT_FALSE(fs::exists("deep/er/.gitattributes"));
 }
 
