@@ -5,11 +5,10 @@
 #include "kit/support/text-file.h"
 #include "kit/words/word-list.h"
 
-#include <cerrno>
 #include <cstdio>
 #include <cstring>
-
-#include <glib.h>
+#include <filesystem>
+#include <system_error>
 
 namespace zel::kit {
 
@@ -79,8 +78,12 @@ bool write_into(const std::string &folder, bool dry_run, const exchange::format 
             std::printf("%s\n", name.c_str());
         return true;
     }
-    if (!folder.empty() && g_mkdir_with_parents(folder.c_str(), 0777) != 0) {
-        std::fprintf(stderr, "lang-kit: %s: %s\n", folder.c_str(), std::strerror(errno));
+    std::error_code
+        error; // GLib's function would name another cause where a folder cannot be looked at
+    if (!folder.empty())
+        std::filesystem::create_directories(folder, error);
+    if (error) {
+        std::fprintf(stderr, "lang-kit: %s: %s\n", folder.c_str(), std::strerror(error.value()));
         return false;
     }
     return write_files(row, from, names);
