@@ -71,9 +71,9 @@ std::string zel::program_directory()
 void lang_global_init()
 {
     clear_record();
-
-    // that ends the program in the middle of a save.
-    std::signal(SIGXFSZ, SIG_IGN); // a file that grows too large is an error and no end
+    // Beyond the size limit a write then fails, like on a full disk, instead of a signal that ends
+    // the program in the middle of a save.
+    std::signal(SIGXFSZ, SIG_IGN);
     lang_global.start_time = std::time(nullptr);
     std::string log_path = std::string(lang_get_home()) + "/log/lang.log";
     const bool is_cut = log_path.size() >= log_path_size;

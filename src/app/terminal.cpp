@@ -68,11 +68,10 @@ namespace zel {
 void open_missing_streams()
 {
     // Otherwise a file that is opened later would get the number of a missing stream, and messages
-    // would be written into it.
+    // would be written into it. open takes the lowest free number, which is this stream's.
     for (int file = 0; file <= 2; ++file)
         if (fcntl(file, F_GETFD) < 0)
-            static_cast<void>(open("/dev/null",
-                                   file == 0 ? O_RDONLY : O_WRONLY)); // takes this number
+            static_cast<void>(open("/dev/null", file == 0 ? O_RDONLY : O_WRONLY));
 }
 
 void escape_on_terminals()

@@ -164,10 +164,10 @@ void compiler::open(const char *destination, zel::compile_answer &answer)
         language_file_ptr opened = open_language(lang, destination, held, answer);
         if (opened == nullptr)
             continue;
-        // The default language may have no file: its texts still serve the others.
         opened->slot = entries.add_language(zel::or_empty(lang->name));
         files.push_back(std::move(opened));
     }
+    // The default language may have no file: its texts still serve the others.
     default_slot = entries.add_language(source->default_lang);
     // The lines on standard output end with the first failed file; warnings would follow it.
     is_told = answer.code == 0;
