@@ -56,6 +56,7 @@ int lex_get_str(zel_lex_t *lex, char **out)
         return 1;
     }
     *out = zel_strdup(token->lexeme);
+    // An empty text becomes null as well, which is no lack of memory.
     if (*out == nullptr && *token->lexeme != '\0')
         lex->out_of_memory = 1;
     zel_next_token(lex);
@@ -70,6 +71,7 @@ int lex_get_concat_str(zel_lex_t *lex, char **out)
     zel::growing_text joined;
     bool whole = true;
     while (lex_match(zel_token_look_ahead(lex, 0), TOKEN_STRING) != 0)
+        // Takes every string even without memory, so that the scanner stands behind them.
         whole = joined.append(zel_next_token(lex)->lexeme) && whole;
     if (!whole) {
         lex->out_of_memory = 1;
@@ -113,6 +115,7 @@ void zel_lex_read_until_token(zel_lex_t *lex, int kind)
         return;
     for (;;) {
         const int id = zel_next_token(lex)->id;
+        // Without the end of the input this would never return.
         if (id == kind || id == TOKEN_NEWLINE || (id <= TOKEN_EOF && id >= TOKEN_ERR_MEM))
             return;
     }
@@ -121,6 +124,7 @@ void zel_lex_read_until_token(zel_lex_t *lex, int kind)
 int _lex_esc_str(char *destination, const char *source)
 {
     int length = 0;
+    // Without a destination the text is only measured.
     const auto put = [&](char c) {
         if (destination != nullptr)
             destination[length] = c;
