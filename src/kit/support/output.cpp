@@ -53,6 +53,7 @@ void append_json(std::string &out, std::string_view text)
                 out += c;
         }
         text.remove_prefix(valid);
+        // JSON is UTF-8: each byte that is not becomes U+FFFD.
         if (!text.empty()) {
             out += "\xEF\xBF\xBD";
             text.remove_prefix(1);
@@ -76,6 +77,7 @@ std::string counted(std::size_t count, const std::string &one)
 
 std::string with_commas(std::size_t number)
 {
+    // printf's separator would depend on the locale.
     std::string out = std::to_string(number);
     for (std::size_t at = out.size(); at > 3; at -= 3)
         out.insert(at - 3, 1, ',');
@@ -96,6 +98,7 @@ std::string shown(std::string_view text)
     const auto is_middle = [](char c) { return (c & 0xC0) == 0x80; }; // of a UTF-8 character
     if (text.size() <= most)
         return quoted(text);
+    // Cuts between two characters, never inside one.
     std::size_t end = half;
     while (end > 0 && is_middle(text[end]))
         --end;

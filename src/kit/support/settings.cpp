@@ -22,7 +22,7 @@ struct strings_release {
 };
 using strings = std::unique_ptr<gchar *, strings_release>;
 
-// One line, and where its value goes.
+// One line of the file, and where its value goes.
 struct row {
     const char *section;
     const char *key;
@@ -52,7 +52,7 @@ bool complain(const std::string &path, const std::string &text)
     return false;
 }
 
-// The rules of "without" may stand between commas, as in the option.
+// Takes one value. The rules of "without" may stand between commas, as in the option.
 void take(GKeyFile *file, const row &to, settings &out)
 {
     if (to.text != nullptr) {
@@ -76,6 +76,7 @@ bool take_all(const std::string &path, GKeyFile *file, settings &out)
         const strings keys(g_key_file_get_keys(file, *section, nullptr, nullptr));
         for (gchar **key = keys.get(); key != nullptr && *key != nullptr; ++key) {
             const row *to = find_row(*section, *key);
+            // A misspelt setting must not stay unnoticed.
             if (to == nullptr)
                 return complain(path, std::string("there is no setting \"") + *key + "\" in [" +
                                           *section + "]");
@@ -102,6 +103,7 @@ bool read_settings(const std::string &source, settings &out)
     }
     if (!take_all(path, file.get(), out))
         return false;
+    // Relative to the settings' folder, wherever the command runs.
     for (std::string &code : out.code)
         if (code.front() != '/')
             code.insert(0, folder);
