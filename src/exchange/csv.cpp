@@ -11,7 +11,8 @@ namespace {
 
 constexpr std::string_view comment_word = "comment ";
 
-// What a spreadsheet takes a formula by, also in its wide forms, and the sign that prevents it.
+// Signs by which a spreadsheet takes a cell for a formula, also in their wide forms, and the sign
+// that prevents it.
 constexpr std::string_view formula_signs[] = {"=",
                                               "+",
                                               "-",
@@ -35,8 +36,10 @@ void append_cell(std::string &out, std::string_view text)
 {
     std::string carried;
     append_carried(carried, text, holds::cells);
+    // In some locales spreadsheets separate the cells by semicolons.
     const bool quoted = carried.find_first_of(",;\"\n") != std::string::npos ||
                         text.starts_with(' ') || text.ends_with(' ');
+    // A hostile text must not be calculated by the translator's spreadsheet.
     if (begins_formula(carried))
         carried.insert(0, 1, '\'');
     if (!quoted) {
@@ -57,6 +60,7 @@ void append_cell(std::string &out, std::string_view text)
 
 void append_head(std::string &out, const exporter &from)
 {
+    // By the mark a spreadsheet knows that this is UTF-8.
     out += "\xEF\xBB\xBFgroup,item,description";
     for (const lang_t *lang : from.languages()) {
         out += ',';
@@ -91,7 +95,7 @@ void append_row(std::string &out, const exporter &from, const outgoing_item &ite
 
 constexpr std::size_t most_columns = 2000;
 
-// Takes the records one after another.
+// Takes one record after another.
 struct record_reader {
     std::string_view rest;
     char separator = ',';
@@ -160,7 +164,7 @@ bool record_reader::take_line_end()
     return true;
 }
 
-// False at the end and at a fault.
+// Takes the next record. False at the end and at a fault.
 bool record_reader::next()
 {
     count = 0;
@@ -175,7 +179,7 @@ bool record_reader::next()
     return false;
 }
 
-// The one that stands most often in the first line.
+// The separator that stands most often in the first line.
 char find_separator(std::string_view bytes)
 {
     const std::string_view line = bytes.substr(0, bytes.find('\n'));
@@ -248,7 +252,7 @@ fault read_head(record_reader &reader, file_texts &file, columns &found)
     return {};
 }
 
-// The cell as the source has it; empty for a column that the record or the file lacks.
+// Takes the cell's text as the source has it; empty for a column that the record or the file lacks.
 void take_cell(const record_reader &reader, std::size_t column, encoding good, std::string &text)
 {
     text.clear();
@@ -300,7 +304,7 @@ fault read_csv(std::string_view bytes, encoding good, const text_listener &hear)
         unit.line = reader.record_line;
         take_cell(reader, found.group, encoding::any, unit.group);
         take_cell(reader, found.item, encoding::any, unit.item);
-        // A short record has nothing to say in the languages behind its end.
+        // A short record says nothing in the languages behind its end.
         for (std::uint32_t at = 0;
              at < found.languages.size() && found.languages[at].first < reader.count; ++at) {
             unit.language = at;

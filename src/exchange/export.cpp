@@ -71,6 +71,7 @@ exporter::exporter(const export_request &request) : request_(request)
 {
     for (const lang_t *lang : each<lang_t>(request.source->langs)) {
         const auto count = static_cast<std::uint32_t>(languages_.size());
+        // A language that is defined twice is exported once.
         if (lang->name == nullptr || !is_wanted(request, lang->name) ||
             language_at(lang->name, count) != count)
             continue;
@@ -84,7 +85,8 @@ exporter::exporter(const export_request &request) : request_(request)
         wrong_ = {0, "no language is defined"};
 }
 
-// The position of a language, or their number. Entries mostly stand in the order of definitions.
+// The position of a language, or their number for one that is not exported. Entries mostly stand in
+// the order of the definitions, so the guess is tried first.
 std::uint32_t exporter::language_at(const char *name, std::uint32_t guess) const
 {
     if (guess < languages_.size() && same_name(languages_[guess]->name, name))
@@ -107,7 +109,7 @@ void exporter::fill(outgoing_item &out, const edit_t *group, item_t *item) const
         one.text.clear();
         one.comment.clear();
     }
-    // Of two entries in one language the first is the text.
+    // Of two entries in one language, the first one is the text.
     bool has_reference = false;
     std::uint32_t guess = 0;
     for (const lang_entry_t *entry : each<lang_entry_t>(item->langs)) {

@@ -27,6 +27,7 @@ fault read_input(const std::string &path, std::string &bytes)
     struct stat status {};
     std::size_t piece = least_piece; // grows with the text: a pipe does not tell its length
     if (fstat(fileno(file.get()), &status) == 0 && S_ISREG(status.st_mode))
+        // One byte more than the file has, so that its end shows in the first call.
         piece = std::min(static_cast<std::size_t>(status.st_size), largest_file) + 1;
     for (;; piece = std::max(least_piece, bytes.size() / 2)) {
         const std::size_t before = bytes.size();

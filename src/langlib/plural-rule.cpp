@@ -118,7 +118,7 @@ std::string_view plural_form_name(std::string_view rule, std::size_t form)
 std::size_t plural_form(std::string_view rule, std::size_t count, std::uint64_t number)
 {
     edition used = edition_with(rule, count);
-    // No edition has two forms: they are then those of the plainest rule.
+    // Where no edition has two forms, they are those of English: one and all others.
     if (used.rule.empty() && count == 2)
         used = {rule_of_two, {2, 2}};
     if (used.rule.empty())

@@ -15,7 +15,7 @@ namespace zel::kit {
 
 namespace {
 
-// A language's name as a file's: what would be a folder or a hidden file, or shows nothing, is
+// A language's name as a file's. What would make a folder or a hidden file, or is not visible, is
 // written in hexadecimal.
 std::string file_stem(const char *name)
 {
@@ -44,7 +44,7 @@ std::vector<std::string> file_names(const exchange::format &row, const exchange:
     return names;
 }
 
-// Writes the files of an export, all or none that differs from what is there.
+// Writes the files of an export. No file that is there changes before all of them are complete.
 bool write_files(const exchange::format &row, exchange::exporter &from,
                  const std::vector<std::string> &paths)
 {
@@ -67,7 +67,7 @@ bool write_files(const exchange::format &row, exchange::exporter &from,
     return true;
 }
 
-// Makes the folder, where there is none, and writes the files into it.
+// Makes the folder if there is none, and writes the files into it.
 bool write_into(const std::string &folder, bool dry_run, const exchange::format &row,
                 exchange::exporter &from, std::vector<std::string> names)
 {

@@ -19,8 +19,8 @@ namespace zel::kit {
 
 namespace {
 
-// What is configured for this clone. "@" stands for how this program is called; where percent signs
-// have a meaning those of its path are doubled.
+// What is configured for this clone. "@" stands for the command that starts this program; where
+// percent signs have a meaning, those of its path are doubled.
 constexpr struct {
     const char *key, *value;
     bool percents;
@@ -32,7 +32,7 @@ constexpr struct {
     {"diff.lang-src.xfuncname", "^[ \t]*((ITEM|GROUP|LANGUAGE)[ \t].*)$", false},
 };
 
-// What every clone gets by the repository's own files.
+// What every clone gets through the repository's own files.
 constexpr const char *attributes[] = {"diff", "merge"};
 constexpr const char *attribute_value = "lang-src";
 constexpr const char *sources = "*.lang-src";
@@ -42,7 +42,7 @@ constexpr struct {
     {"*.lang-src-*.bak", "app.lang-src-2024-01-31-12-00-00.bak"},
     {"*.lang-src.????????", "app.lang-src.0a1b2c3d"}, // left where a program was killed
     {"lang.tmp", "lang.tmp"},
-    {".lang.lock", ".lang.lock"}, // the turn of a save
+    {".lang.lock", ".lang.lock"},        // the turn of a save
     {"lang.lang-ini*", "lang.lang-ini"}, // the editor's settings, their lock and the like
 };
 
@@ -145,7 +145,7 @@ bool repository::configure()
     return true;
 }
 
-// What the repository says of an attribute of sources; empty: nothing.
+// What the repository says about an attribute of sources; empty for nothing.
 std::string repository::attribute(const char *name) const
 {
     const program_run run = git({"check-attr", name, "--", "app.lang-src"});
@@ -158,7 +158,7 @@ std::string repository::attribute(const char *name) const
 
 bool repository::is_ignored(const char *name) const
 {
-    // Only by rules that others have too.
+    // Only rules that others have, too.
     return git({"-c", "core.excludesFile=", "check-ignore", "-q", "--no-index", "--", name})
                .status == 0;
 }
@@ -283,6 +283,7 @@ bool repository::set_hook()
         std::free(data);
         if (text == with_own_command(hook_text))
             return true;
+        // Without the mark the hook is somebody else's.
         if (text.find(hook_mark) == std::string::npos) {
             say(name + " is there already and stays; it may call: lang-kit lint SOURCE...");
             others_ = true;
