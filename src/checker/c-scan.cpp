@@ -198,6 +198,7 @@ void print_request(const scan &s, const char *where, const char *group, const ch
 
 void make_place(const scan &s, const request &wanted, name_buffer &where)
 {
+    // A place is only shown, so one that does not fit may be cut.
     if (std::snprintf(where, sizeof where, "%05d:%s", wanted.line, s.path) < 0)
         where[0] = '\0';
     zel_path_to_unix(where);
@@ -650,6 +651,7 @@ int check_file(item_index &index, const char *path, const scan_how &how)
     if (how.wrappers == nullptr)
         lex = take_scanner();
     else
+        // Its table has the project's own words, so nobody else can use it.
         with_wrappers.reset(how.wrappers->new_scanner());
     zel_lex_t *scanner = how.wrappers == nullptr ? lex.get() : with_wrappers.get();
     if (scanner == nullptr) {

@@ -85,6 +85,7 @@ int search_directory(tree_walk &w, const char *directory)
     LogPrint(1, "_check_rec: entry >%s<\n", directory);
     const directory_guard entries(g_dir_open(directory, 0, nullptr));
     if (entries == nullptr) {
+        // Logging may change errno.
         const int error = errno;
         LogPrint(1, "_check_rec: ERROR(1) open >%s<\n", directory);
         errno = error;

@@ -99,6 +99,7 @@ void scan_word(zel_lex_buf_t *buf, int first, token_text &text)
             return;
         }
         character = zel_lex_buf_next_char(buf);
+        // The quote is dropped, and what follows it is another token.
         if (character == '"')
             return;
     }
@@ -117,6 +118,7 @@ int skip_blanks(zel_lex_t *lex)
             note_open_end(lex->buf, zel_lex_buf_look_ahead(lex->buf), "a comment");
             continue;
         }
+        // A tab begins a word, which is trimmed at its end.
         if (character != ' ' && character != '\r')
             return character;
     }

@@ -12,6 +12,7 @@ namespace {
 
 std::uint32_t low_bits(const cfg_entry_t *key)
 {
+    // Both formats show 32 bits, whatever the variable holds.
     return static_cast<std::uint32_t>(*static_cast<std::uint64_t *>(key->data));
 }
 

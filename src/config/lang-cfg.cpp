@@ -49,6 +49,7 @@ bool set_names(lang_cfg_t *store, const char *file)
     store->name = zel_strdup2(store->file);
     if (store->name != nullptr)
         zel_del_file_ext(store->name);
+    // A file without a folder has no path, which is no lack of memory.
     return store->cfg != nullptr && store->tmp != nullptr && store->lock != nullptr;
 }
 
@@ -128,6 +129,7 @@ int take_lock(lang_cfg_t *store, bool test)
         return test && errno == EEXIST
                    ? fail_locked(store, "cfg_open: ERROR cfg locked by lockfile\n")
                    : fail_without_lock(store);
+    // Another process may have opened the file between its creation and this lock.
     if (test && flock(fileno(lock), LOCK_EX | LOCK_NB) != 0) {
         std::fclose(lock);
         return fail_locked(store, "cfg_open: ERROR cfg locked by flock\n");
@@ -149,6 +151,7 @@ bool owns_lock(const lang_cfg_t *store)
 
 int open_file(lang_cfg_t *store, bool create)
 {
+    // A link that leads nowhere counts as a file, too: open_plain refuses it.
     if (zel::is_there(store->cfg)) {
         store->fp_cfg = zel::stream_of(zel::open_plain(store->cfg, O_RDWR), "r+");
         if (store->fp_cfg != nullptr)
@@ -183,6 +186,7 @@ int read_file(lang_cfg_t *store)
     if (store->open_end != nullptr)
         std::fprintf(stderr, "lang: %s: the file ends inside %s; it may have been cut\n",
                      store->cfg, store->open_end);
+    // Asked before the stream is closed: afterwards nothing tells.
     const bool failed = zel_lex_buf_read_failed(store->buf) != 0;
     if (failed)
         std::fprintf(stderr, "lang: %s cannot be read: %s\n", store->cfg, std::strerror(errno));

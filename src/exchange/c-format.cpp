@@ -23,6 +23,7 @@ constexpr std::size_t no_length = 9;
 
 std::size_t take_length(std::string_view &text)
 {
+    // The table ends with the empty modifier, with which every text begins.
     std::size_t at = 0;
     while (!text.starts_with(lengths[at]))
         ++at;
@@ -99,6 +100,7 @@ bool format_reader::add(std::size_t position, std::string_view type)
         return false;
     found.resize(std::max(found.size(), position));
     std::string_view &place = found[position - 1];
+    // Two conversions may take one argument if they agree on its type.
     if (!place.empty() && place != type)
         return false;
     place = type;

@@ -47,6 +47,7 @@ void append_cell(std::string &out, std::string_view text)
         return;
     }
     out += '"';
+    // A quote inside of quotes is written twice.
     for (std::string_view rest = carried;;) {
         const std::size_t plain = std::min(rest.find('"'), rest.size());
         out.append(rest.substr(0, plain)) += '"';
@@ -140,6 +141,7 @@ bool record_reader::take_cell()
         wrong = {line, "more than 2000 columns"};
         return false;
     }
+    // The cells keep their memory from record to record.
     if (count == cells.size())
         cells.emplace_back();
     std::string &cell = cells[count++];
@@ -158,6 +160,7 @@ bool record_reader::take_cell()
 
 bool record_reader::take_line_end()
 {
+    // Some programs end lines with CR alone.
     const std::size_t length = rest.starts_with("\r\n") ? 2 : 1;
     rest.remove_prefix(std::min(length, rest.size()));
     ++line;
@@ -207,6 +210,7 @@ struct columns {
 
 void take_formula_sign(std::string &cell)
 {
+    // Taken off only where append_cell has put it.
     if (cell.starts_with('\'') && begins_formula(std::string_view(cell).substr(1)))
         cell.erase(0, 1);
 }
@@ -295,6 +299,7 @@ fault read_csv(std::string_view bytes, encoding good, const text_listener &hear)
     const std::size_t width = reader.count;
     text_unit unit;
     unit.keyed = true;
+    // The cell has the whole comment, so it replaces the one before.
     unit.note.replaces = true;
     while (reader.next()) {
         if (is_empty(reader))

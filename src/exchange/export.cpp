@@ -78,6 +78,7 @@ exporter::exporter(const export_request &request) : request_(request)
         names_.add(hash_of(lang->name), count);
         languages_.push_back(lang);
     }
+    // Most likely a slip: nobody asks for a language in order to get nothing.
     for (const std::string &name : request.languages)
         if (language_at(name.c_str(), 0) == languages_.size())
             wrong_ = {0, "no language \"" + name + "\" is defined"};
@@ -124,6 +125,7 @@ void exporter::fill(outgoing_item &out, const edit_t *group, item_t *item) const
             append_texts(out.reference, entry->texts);
         }
     }
+    // As in reference_text, the name stands for a reference that is missing.
     if (without_end(out.reference).empty())
         out.reference = out.name;
     for (const lang_entry_t *entry : each<lang_entry_t>(item->comments)) {
@@ -149,6 +151,7 @@ void exporter::each_item(const std::function<void(const outgoing_item &)> &write
         // As everywhere, only the first group of a name is looked into, and there the first item.
         const bool first_group = groups.is_first(view_of(group->name), {});
         for (item_t *item : each<item_t>(group->items)) {
+            // Asked before items are left out: an unused item, too, hides a later one of its name.
             const bool first =
                 first_group && items.is_first(view_of(group->name), view_of(item->name));
             if (item->used == 0 && !request_.unused)

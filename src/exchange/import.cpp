@@ -85,6 +85,7 @@ importer::importer(LangSource *source, const import_request &request)
 const char *importer::language_of(const file_texts &file, const text_unit &unit,
                                   std::string_view path)
 {
+    // Each language is looked up, and reported, once for a file.
     while (resolved_.size() <= unit.language) {
         const said_language &said = file.languages[resolved_.size()];
         resolved_.push_back(find_language(*source_, said, path, request_.language));
@@ -131,6 +132,7 @@ void importer::take_text(item_t *item, const char *language, const text_unit &un
         ++guesses_;
         return;
     }
+    // Asked before the text changes, which may be the reference itself.
     const std::string reference = reference_text(*source_, item);
     const std::string after(without_end(unit.text));
     put_text(item->langs, language, after);
@@ -153,6 +155,7 @@ void importer::take_comment(item_t *item, const char *language, const text_unit 
         return;
     std::string after(note);
     if (!unit.note.replaces && !before.empty()) {
+        // Importing a file twice must not repeat its remarks.
         if (before.find(note) != std::string::npos)
             return;
         after = std::string(without_end(before)) + "\n" + after;

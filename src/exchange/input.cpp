@@ -36,6 +36,7 @@ fault read_input(const std::string &path, std::string &bytes)
         bytes.resize(before + count);
         if (bytes.size() > largest_file)
             return {0, "larger than 512 MB"};
+        // fread gives less than it was asked for only at the end and after an error.
         if (count == piece)
             continue;
         if (std::ferror(file.get()) != 0)

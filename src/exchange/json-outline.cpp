@@ -33,11 +33,13 @@ fault outliner::take_string()
     const std::uint32_t begin = line;
     const std::size_t start = ++at;
     while (at < bytes.size() && bytes[at] != '"') {
+        // JSON allows no line end in a string, so the quote is missing on this line.
         if (bytes[at] == '\n')
             return {begin, "a string without its closing quote"};
         // A zero byte can only come as an escape: check_utf8 has refused all others.
         if (bytes.substr(at).starts_with("\\u0000"))
             return {line, "a zero byte"};
+        // A backslash protects the next character, which may be a quote.
         at += bytes[at] == '\\' ? 2 : 1;
     }
     if (at >= bytes.size())

@@ -277,6 +277,7 @@ bool model_reader::read_entries(JsonNode *node, GList *&entries)
     list_tail tail(entries);
     return read_array(node, [&](JsonNode *value) {
         lang_entry_t *entry = alloc_lang_entry(nullptr);
+        // Appended before it is read: after a fault it is freed with the source.
         tail.append(entry);
         return read_object(value, entry, members);
     });
@@ -371,6 +372,7 @@ bool model_reader::read_language(JsonNode *node, list_tail &langs)
     langs.append(lang);
     if (!read_object(node, lang, members))
         return false;
+    // Counted as by the reader of sources.
     ++source_->lang_count;
     source_->edit_lang_count += lang->edit != 0 ? 1 : 0;
     return true;
@@ -432,6 +434,7 @@ source_guard model_reader::read(std::string_view bytes)
         return nullptr;
     source_guard source(lang_alloc_group());
     source_ = source.get();
+    // Two parsers: the outer one's tree is walked while items are parsed.
     const parser_guard outer(json_parser_new());
     items_.reset(json_parser_new());
     if (!parse(outer.get(), outline_.text, 1))

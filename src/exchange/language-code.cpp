@@ -226,6 +226,7 @@ std::string_view name_of_code(std::string_view code)
 std::string xml_code(std::string_view code)
 {
     if (code.empty())
+        // The code for a language that is not known.
         return "und";
     for (const auto &row : scripts)
         if (code.ends_with(row.variant))

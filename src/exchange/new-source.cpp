@@ -179,6 +179,7 @@ item_t *new_source::item_of(const catalog &of, const po_message &message, const 
         return item;
     item =
         keyed ? make_item(group, item_name, message) : make_item(group_of(message), name, message);
+    // Only an own catalog's item has a reference text besides its name.
     if (keyed)
         put_text(item->langs, request_.default_language.c_str(), came(of, name));
     return item;
@@ -217,6 +218,7 @@ fault new_source::take(const std::string &path, std::string_view bytes)
     po_message message;
     catalog of;
     while (reader.next(message)) {
+        // Of several headers, as in catalogs that were joined, the first one counts.
         if (message.is_header() && of.language.empty()) {
             take_header(of, path, message);
             continue;

@@ -154,6 +154,7 @@ std::string joined(const std::vector<std::string> &lines)
 
 void append_po_message(std::string &out, const po_message &message)
 {
+    // In the order of other tools, so that their catalogs can be compared with these.
     for (const std::string &line : message.remarks)
         append_po_comment(out, "#", line);
     for (const std::string &line : message.extracted)

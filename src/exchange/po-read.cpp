@@ -202,6 +202,7 @@ std::string charset_of(std::string_view bytes)
                                          "0123456789._:-";
     std::string_view name = bytes.substr(at + charset_word.size());
     name = name.substr(0, name.find_first_not_of(letters));
+    // A template's placeholder says nothing, and ASCII is UTF-8 as well.
     for (const char *known : {"", "CHARSET", "UTF-8", "utf8", "ASCII", "US-ASCII"})
         if (g_ascii_strncasecmp(name.data(), known, name.size()) == 0 &&
             std::strlen(known) == name.size())
@@ -315,6 +316,7 @@ bool po_reader::recode(std::string_view bytes, const std::string &charset)
     char *text = g_convert(bytes.data(), static_cast<gssize>(bytes.size()), "UTF-8",
                            known_charset(charset), &read, &written, &error);
     if (text == nullptr) {
+        // Either a byte is wrong, or the name in the header.
         if (error->code == G_CONVERT_ERROR_ILLEGAL_SEQUENCE ||
             error->code == G_CONVERT_ERROR_PARTIAL_INPUT)
             wrong_ = {line_at(bytes, std::min<std::size_t>(read, bytes.size())),
@@ -395,6 +397,7 @@ bool po_reader::read_id(po_message &message, std::optional<std::string> po_id::*
     const bool late = part == &po_id::context ? has_text : part == &po_id::plural && !has_text;
     if ((id.*part) || late || (previous && message.id.text))
         return fail("this word stands in the wrong place");
+    // The message begins with its own first word, behind the previous ones.
     if (!previous && !message.id.context && !message.id.text) {
         message.line = scan_->token->line;
         message.obsolete = scan_->line_kind == po_obsolete;

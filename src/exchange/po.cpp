@@ -111,6 +111,7 @@ void shared_parts::fill(const outgoing_item &from)
     append_carried(text, from.reference);
     append_po_text(ids, {}, "msgid", text);
     is_format = false;
+    // Most texts have no percent sign, and this look is cheap.
     if (from.reference.find('%') != std::string::npos)
         if (auto found = c_format_arguments(from.reference); found && !found->empty()) {
             is_format = true;
@@ -150,6 +151,7 @@ void append_message(std::string &out, const exporter &from, const outgoing_item 
             .append(fuzzy && shared.is_format ? ", " : "")
             .append(shared.is_format ? "c-format\n" : "\n");
     out += shared.ids;
+    // Few texts are carried: only these are copied.
     if (must_carry(one.text, holds::utf8)) {
         std::string carried;
         append_carried(carried, one.text);
@@ -208,6 +210,7 @@ fault read_po(std::string_view bytes, encoding good, const text_listener &hear)
     file_texts file{{{}}, {}};
     text_unit unit;
     while (reader.next(message)) {
+        // An obsolete message translates what the catalog's program no longer has.
         if (message.obsolete)
             continue;
         if (message.is_header()) {

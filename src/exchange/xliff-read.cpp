@@ -263,6 +263,7 @@ bool xliff_reader::open(element kind)
     }
     if (is_text) {
         text.clear();
+        // Elements may stand inside the text: the depth tells its own end.
         text_depth = path.size() + 1;
     }
     return true;
@@ -311,6 +312,7 @@ void xliff_reader::close_segment(element kind)
 
 void xliff_reader::close_unit()
 {
+    // A unit is final if all of its segments are.
     unit.final = unit.final || (segments != 0 && final_segments == segments);
     if (partial)
         unit.text.clear();
@@ -363,6 +365,7 @@ bool xliff_reader::read()
     case XML_READER_TYPE_SIGNIFICANT_WHITESPACE:
         if (text_depth != 0 && value != nullptr)
             text += value;
+        // Many small pieces can add up, so the whole is measured.
         return text.size() <= largest_text || fail("a text of more than 8 MB");
     case XML_READER_TYPE_ENTITY_REFERENCE:
         // Entities are never expanded: a few of them could grow without end.

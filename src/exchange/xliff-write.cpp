@@ -138,6 +138,7 @@ void append_unit_1(std::string &out, const exporter &from, const outgoing_item &
                    const unit_parts &parts, std::size_t at)
 {
     const std::string &text = item.texts[at].text;
+    // Without a target there is nothing to approve.
     const bool final = item.item->ready != 0 && !text.empty();
     out += "<trans-unit";
     append_attribute(out, "id", parts.key);

@@ -105,6 +105,7 @@ void read_words(std::FILE *file, char *text, std::size_t size)
     bool comment = false;
     // The file may have grown since its size was asked for.
     for (int c = std::getc(file); c != EOF && length < size; c = std::getc(file)) {
+        // A comment runs from "#" to the end of the line, even inside of quotes.
         comment = (comment || c == '#') && !is_line_end(c);
         if (!comment)
             text[length++] = is_line_end(c) ? ' ' : static_cast<char>(c);
@@ -160,6 +161,7 @@ int argv_get_flags_by_str(int *count, char ***position, const argv_tab_t *table,
     int result = ARGV_ERROR;
     for (; word != nullptr; word = current_word(*count, *position)) {
         const argv_tab_t *row = zel::argv_row(word, table);
+        // Flags end at the first word that is none; it stays for the caller.
         if (row->word == nullptr || row->id == 0)
             break;
         *flags |= static_cast<unsigned>(row->id);

@@ -80,6 +80,7 @@ int gen_check_cfg_file_name(char *out, int size, const char *base, const char *s
         return 1;
     zel::string_guard found;
     for (const zel_list *node = dirs.get(); node != nullptr && found == nullptr; node = node->next)
+        // Directories of newer versions come first and are passed over.
         if (std::strcmp(dir_list_file(node), key.get()) <= 0)
             found = find_in(search.get(), dir_list_file(node), {a, b, c}, name);
     const std::size_t length = found == nullptr ? 0 : std::strlen(found.get());

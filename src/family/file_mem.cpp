@@ -105,6 +105,7 @@ zel_file_mem_t *zel_file_mem_read(zel_file_mem_t *mem, const char *path)
     const zel::file_outcome result =
         zel::logged(zel::read_whole(path, data, count), mem_read_messages, path);
     const zel::string_guard text(data);
+    // Only a record that exists can tell of the lack of memory.
     if (result == zel::NO_MEMORY && mem != nullptr)
         mem->error = 1;
     return result == zel::GOOD ? append_bytes(mem, text.get(), count) : nullptr;

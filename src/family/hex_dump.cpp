@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+// The preprocessor makes the table, so that nothing has to run at the start.
 #define HEX_ROW(high)                                                                              \
     high "0", high "1", high "2", high "3", high "4", high "5", high "6", high "7", high "8",      \
         high "9", high "A", high "B", high "C", high "D", high "E", high "F"

@@ -38,6 +38,7 @@ std::uint32_t trans_str_mask(const trans_id_t *table, const char *text)
         return 0;
     std::uint32_t mask = 0;
     std::string_view rest = text;
+    // A word that the table lacks adds no bit.
     while (!rest.empty()) {
         const std::string_view word = rest.substr(0, rest.find(','));
         mask |= static_cast<std::uint32_t>(trans_str_id(table, std::string(word).c_str(), 0));
@@ -144,6 +145,7 @@ int _lex_esc_str(char *destination, const char *source)
 char *lex_esc_str(const char *source)
 {
     const int length = source == nullptr ? 0 : _lex_esc_str(nullptr, source);
+    // An empty text is null, as in zel_strdup.
     if (length == 0)
         return nullptr;
     char *escaped = static_cast<char *>(std::malloc(static_cast<std::size_t>(length) + 1));

@@ -21,6 +21,7 @@ zel_list *zel_list_prepend(zel_list *node, void *data)
 {
     // zel_list_append also reports a lack of memory.
     zel_list *added = zel_list_append(nullptr, data);
+    // Without memory the list stays as it is.
     if (added == nullptr)
         return node;
     if (node != nullptr) {

@@ -161,6 +161,7 @@ int zel_split_file(const char *path, char **file)
     if (path == nullptr)
         return 1;
     struct stat status {};
+    // A folder's path has no file part, whatever its last name looks like.
     if (zel_stat(path, &status) == 0 && S_ISDIR(status.st_mode)) {
         LogPrint(1, "zel_split_file(0): dir >%s<\n", path);
         return 1;
@@ -206,6 +207,7 @@ int zel_if_ext(const zel_list *extensions, const char *name)
     // Without a list every ending will do.
     if (extensions == nullptr || name == nullptr)
         return 1;
+    // The endings of the list have their dot, too.
     const char *ext = std::strrchr(name, '.');
     for (; ext != nullptr && extensions != nullptr; extensions = extensions->next) {
         const auto *listed = static_cast<const char *>(extensions->data);

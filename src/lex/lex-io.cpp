@@ -217,6 +217,7 @@ void zel_lex_buf_file_set_fp(zel_lex_buf_t *buf, std::FILE *stream)
     if (buf == nullptr)
         return;
     close_stream(buf);
+    // The caller opened the stream, so the caller closes it.
     buf->stream = stream;
     buf->borrowed = 1;
     buf->count = 0;

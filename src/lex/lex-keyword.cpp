@@ -78,6 +78,7 @@ void build_keyword_hash(zel_lex_t *lex)
         return;
     for (unsigned i = 1; i < count; ++i) {
         const char *word = lex->keywords[i]->word;
+        // Of equal words the bisection may find any; the hash would always find the first.
         if (word == nullptr || *word == '\0' ||
             (i > 1 && compare_words(lex, lex->keywords[i - 1]->word, word) == 0))
             return;

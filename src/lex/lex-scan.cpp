@@ -175,6 +175,7 @@ int hex_value(int c)
 {
     if (c >= '0' && c <= '9')
         return c - '0';
+    // Both cases of a letter become the small one.
     const int lower = c | 0x20;
     return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
@@ -331,6 +332,7 @@ int scan_identifier(zel_lex_t *lex, int first)
 {
     zel_token_t *token = lex->work;
     bool fits = add_byte(token, first);
+    // A run ends with its block; the identifier may go on in the next one.
     do
         fits = fits && add_run(lex->buf, token, find_ident_end);
     while (fits && is_class(peek_char(lex->buf), in_ident) && add_byte(token, next_char(lex->buf)));
@@ -399,6 +401,7 @@ void scan_line_marker(zel_lex_t *lex)
         c = read_digits(buf, c, flag);
     while (c != '\n' && c != ZEL_LEX_EOF)
         c = next_char(buf);
+    // A marker that the end of the file cuts off changes nothing.
     if (c != ZEL_LEX_EOF) {
         buf->marker_line = line;
         // The preprocessor's flags: 1 enters a file, 2 returns to one, others do not change it.

@@ -454,6 +454,7 @@ void min_lex_convert_percent_to_chars(char *text)
             *to++ = *from++;
             continue;
         }
+        // What the end of the text cuts off is dropped.
         if (from[1] == '\0' || from[2] == '\0')
             break;
         *to++ = static_cast<char>(hex_digit(from[1], 0) * 16 + hex_digit(from[2], 0));
@@ -559,6 +560,7 @@ int zel_min_lex_get_int(const char **cursor, std::int32_t *out)
     *cursor = skip_space(*cursor);
     char digits[32];
     int count = 0;
+    // Digits beyond these stay in the text.
     while (is_digit(**cursor) && count < static_cast<int>(std::size(digits)) - 1)
         digits[count++] = *(*cursor)++;
     if (count == 0)
@@ -621,6 +623,7 @@ int zel_min_lex_get_line(std::FILE *stream, char *buffer, int size)
 {
     if (stream == nullptr || buffer == nullptr)
         return MIN_LEX_NULL;
+    // Without a size, the buffer has that of a word.
     if (size < 1)
         size = MIN_LEX_WORD;
     int length = 0;

@@ -202,6 +202,7 @@ void say_stopped()
 read_answer read_source(const char *path, const read_how &how)
 {
     reading run(path, how);
+    // A step ends only when nothing is left, so this reads the whole file.
     while (run.step(UINT32_MAX)) {
     }
     return run.answer();

@@ -108,6 +108,7 @@ zel::write_answer replace(zel::safe_file &file, const telling &tell, const zel::
                           const zel::target_file &old)
 {
     const auto may = [&how] { return !how.may_replace || how.may_replace(); };
+    // Asked before anything is done: a refusal leaves everything as it is.
     const int obstacle = how.backup ? zel::backup_obstacle(old) : 0;
     if (obstacle != 0)
         return tell.not_backed_up(zel::backup_name(old, how.now), obstacle);
@@ -132,8 +133,10 @@ zel::write_answer replace(zel::safe_file &file, const telling &tell, const zel::
         return {zel::write_not_allowed, {}};
     }
     if (const int error = file.put(old)) {
+        // First the old file gets its name back, then the failure is told.
         if (how.backup)
             zel::undo_backup(kept, old);
+        // The new text stays in its own file, so that the user does not lose it.
         file.keep();
         return tell.not_renamed(error);
     }

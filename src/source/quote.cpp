@@ -41,6 +41,7 @@ void append_quoted(std::string &out, unsigned indent, const char *text)
 void append_comment(std::string &out, std::string_view text)
 {
     for (std::size_t end = text.find("*/"); end != std::string_view::npos; end = text.find("*/")) {
+        // "*\/" ends no comment; read_comment in last-line.cpp turns it back.
         out.append(text.substr(0, end + 1)).append("\\/");
         text.remove_prefix(end + 2);
     }

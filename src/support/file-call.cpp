@@ -56,6 +56,7 @@ bool has_user(uid_t user)
     // Without the map every number counts as a user's: the careful answer.
     bool found = map == nullptr;
     while (!found && std::fscanf(map, "%u %*u %u", &first, &count) == 2)
+        // Subtracted, because the sum might not fit.
         found = user >= first && user - first < count;
     if (map != nullptr)
         std::fclose(map);
@@ -131,6 +132,7 @@ bool crosses_foreign_link(const char *path)
     for (std::size_t end = 1; end <= length; ++end) {
         if (path[end] != '/' && path[end] != '\0')
             continue;
+        // One area serves all parts: each ends where its NUL is put.
         std::memcpy(part.data(), path, end);
         part[end] = '\0';
         if (is_foreign_link(part.data()))

@@ -166,6 +166,7 @@ int create_held(const char *path, mode_t mode, wait_for how)
             return -1;
         if (fd >= 0) {
             struct stat status {};
+            // Without its number nobody could tell later whose file it is.
             if (fstat(fd, &status) != 0)
                 return unmake(fd, path);
             if (lock(fd) && !is_lost(path, id_of(status)))

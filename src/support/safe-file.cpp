@@ -234,6 +234,7 @@ int safe_file::approach(const target_file &old)
 
 int safe_file::rename_to(const char *place)
 {
+    // Somebody has taken the name: a stranger's file must not get into the place.
     if (is_lost(path_.c_str(), id_))
         return ESTALE;
     if (std::rename(path_.c_str(), place) != 0) {
@@ -257,6 +258,7 @@ int safe_file::write_into(const std::string &place)
     // Empties the file first, so that whoever reads it meanwhile never sees new text run into old.
     if (ftruncate(into.fd_, 0) != 0)
         return errno;
+    // Either all of the text waited in memory, or it stands in the file that cannot be moved.
     into.append(held_);
     if (!path_.empty() && (into.error_ = open_again()) == 0)
         into.copy_from(fd_);
@@ -290,6 +292,7 @@ int safe_file::put(const target_file &old)
     }
     const int error = near_->put(old);
     if (error == 0) {
+        // Callers ask for the id of the file that is in the place.
         const file_id id = near_->id_;
         drop();
         id_ = id;

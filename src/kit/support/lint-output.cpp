@@ -115,6 +115,7 @@ public:
 private:
     void append_place(const shown_finding &found, std::uint32_t number)
     {
+        // 0 would be taken for a line.
         if (found.at.line == 0)
             out_.text += "null";
         else
@@ -136,6 +137,7 @@ public:
                "\"tool\": {\"driver\": {\"name\": \"lang-kit\", \"version\": \"" LANG_VERSION
                "\", \"rules\": [";
         const char *separator = "\n";
+        // Every run brings the rules along: hosts show their meanings beside the findings.
         for (const lint::rule &rule : lint::rules()) {
             out.append(separator).append("{\"id\": \"").append(rule.name);
             out += "\", \"shortDescription\": {\"text\": ";
@@ -205,6 +207,7 @@ public:
 private:
     static const char *level(const lint::rule &rule)
     {
+        // This format has no level "info".
         return rule.severity == lint::level::info ? "note" : lint::level_name(rule.severity);
     }
 
@@ -242,6 +245,7 @@ public:
     {
         const lint::rule &rule = lint::rule_of(found.rule);
         std::string &out = out_.text;
+        // Workflows say "notice".
         out.append("::").append(
             rule.severity == lint::level::info ? "notice" : lint::level_name(rule.severity));
         out += " file=";

@@ -34,6 +34,7 @@ source_guard gather(const std::vector<std::unique_ptr<lint_source>> &sources)
     for (const auto &one : sources)
         for (const edit_t *group : each<edit_t>(one->source()->groups))
             for (const item_t *item : each<item_t>(group->items))
+                // An item that stands in several sources counts once.
                 if (index.find(text(group->name), text(item->name)) == nullptr)
                     index.insert(text(group->name), text(item->name));
     return out;
@@ -43,6 +44,7 @@ void tell_unasked(const lint_source &of, item_index &asked, const shown_listener
 {
     for (const edit_t *group : each<edit_t>(of.source()->groups))
         for (const item_t *item : each<item_t>(group->items))
+            // gather has put the items of all sources into the index.
             if (asked.find(text(group->name), text(item->name))->item->used == 0)
                 to({of.path().c_str(), of.place_of(item), lint::rule_id::unasked, group->name,
                     item->name, nullptr, "asked for in no file"});
@@ -116,6 +118,7 @@ void lint_source::judge(const lint::choice &wanted, const shown_listener &to) co
     std::copy_if(syntax_.begin(), syntax_.end(), std::back_inserter(before),
                  [&](const early &one) { return wanted.rules.has(one.rule); });
     const auto by_place = [](const early &a, const early &b) { return is_before(a.at, b.at); };
+    // Findings in one place keep the order in which they came.
     std::stable_sort(before.begin(), before.end(), by_place);
     std::size_t told = 0;
     const auto tell_until = [&](place at) {
@@ -142,6 +145,7 @@ void lint_source::judge(const lint::choice &wanted, const shown_listener &to) co
             },
             [&](const item_t *) { watched.at(++done); });
     }
+    // Whatever is left stands behind the last item.
     tell_until({UINT32_MAX, 0});
 }
 

@@ -131,6 +131,7 @@ parsed parse(const word &self, int argc, char **argv, const std::vector<option> 
         {"help", 0, 0, G_OPTION_ARG_NONE, &read.help, "print this help and end", nullptr});
     entries.push_back(
         {G_OPTION_REMAINING, 0, 0, G_OPTION_ARG_FILENAME_ARRAY, &read.files, nullptr, nullptr});
+    // An empty entry ends the table.
     entries.push_back({});
 
     const context_guard context(g_option_context_new(nullptr));
@@ -150,6 +151,7 @@ parsed parse(const word &self, int argc, char **argv, const std::vector<option> 
     if (read.help) {
         std::printf("usage: lang-kit %s %s\n\n%s\n\n", self.name, self.arguments, self.summary);
         for (const GOptionEntry &entry : entries)
+            // The entry for the files has no description.
             if (entry.description != nullptr)
                 std::printf("  %-26s  %s\n", spelt(entry).c_str(), entry.description);
         return {true, status_fine, {}};

@@ -38,6 +38,7 @@ void append_json(std::string &out, std::string_view text)
     out += '"';
     while (!text.empty()) {
         const char *bad = nullptr;
+        // A zero byte counts as no UTF-8, too.
         g_utf8_validate(text.data(), static_cast<gssize>(text.size()), &bad);
         const auto valid = static_cast<std::size_t>(bad - text.data());
         for (const char c : text.substr(0, valid)) {
@@ -48,6 +49,7 @@ void append_json(std::string &out, std::string_view text)
             else if (c == '\t')
                 out += "\\t";
             else if (static_cast<unsigned char>(c) < ' ' || c == '\x7f')
+                // JSON allows this one as it is, but terminals act on it.
                 append_json_escape(out, static_cast<unsigned char>(c));
             else
                 out += c;

@@ -70,6 +70,7 @@ private:
         for (std::size_t at = text_.find(begin); at != std::string_view::npos;) {
             const std::size_t behind = end(at);
             keep(at, behind);
+            // At least one byte further, or the search would never end.
             at = text_.find(begin, std::max(behind, at + 1));
         }
     }
@@ -183,6 +184,7 @@ std::string grown_text(std::string_view text, const pseudo_how &how)
     const std::size_t vowel_count = count([](const character &c) { return c.vowel; });
     const auto doubles = [=](const character &c) { return vowel_count == 0 ? !c.kept : c.vowel; };
     const std::size_t doubled = count(doubles);
+    // Rounded up: even a short text grows.
     const std::size_t more = (characters.size() * static_cast<std::size_t>(how.grow) + 99) / 100;
     std::string out;
     std::size_t done = 0;
@@ -194,6 +196,7 @@ std::string grown_text(std::string_view text, const pseudo_how &how)
         out += written;
         if (!doubles(c))
             continue;
+        // Spreads what is added evenly over the letters that are doubled.
         for (std::size_t n = done * more / doubled; n < (done + 1) * more / doubled; ++n)
             out += written;
         ++done;

@@ -245,6 +245,7 @@ void source_writer::write_comments(const item_t *item)
 
 void source_writer::write_item(const item_t *item)
 {
+    // A page shows some places of use, not thousands of them.
     constexpr int most_places = 20;
     out_.raw("[").string(or_empty(item->name)).raw(",");
     // The page's script reads these bits.

@@ -62,6 +62,7 @@ void take(GKeyFile *file, const row &to, settings &out)
         return;
     }
     const bool commas = to.list == &settings::without;
+    // The separator belongs to the whole file, so it is set before each list.
     g_key_file_set_list_separator(file, commas ? ',' : ';');
     const strings list(g_key_file_get_string_list(file, to.section, to.key, nullptr, nullptr));
     for (gchar **one = list.get(); one != nullptr && *one != nullptr; ++one)
@@ -90,6 +91,7 @@ bool take_all(const std::string &path, GKeyFile *file, settings &out)
 
 bool read_settings(const std::string &source, settings &out)
 {
+    // The file lies beside the source: wherever the command runs, it finds the same settings.
     const std::size_t slash = source.rfind('/');
     const std::string folder = slash == std::string::npos ? "" : source.substr(0, slash + 1);
     const std::string path = folder + file_name;

@@ -83,6 +83,7 @@ source_file read_whole(const std::string &path, std::int64_t now)
         whole = whole && !is_loss(*message.row);
     };
     file.source = std::move(read_source(path.c_str(), {now, hear, nullptr}).source);
+    // A source with gaps is not handed out: writing it would delete what was not understood.
     if (!whole)
         file.source.reset();
     return file;

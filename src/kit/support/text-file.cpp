@@ -60,6 +60,7 @@ bool text_file::put_in_place()
 {
     if (same_)
         return true;
+    // Whoever has edited the old file by hand finds it under its date.
     const backup_file kept = make_backup(old_, std::time(nullptr));
     if (kept.error != 0)
         return say(kept.error);

@@ -55,6 +55,7 @@ noted used_at(const edit_t *group, const item_t *item)
     noted out;
     out.group = group->name == nullptr ? "" : group->name;
     out.item = item->name == nullptr ? "" : item->name;
+    // The first place stands for the item.
     const char *where =
         item->used_in == nullptr ? nullptr : static_cast<const char *>(item->used_in->data);
     const char *colon = where == nullptr ? nullptr : std::strchr(where, ':');
@@ -145,6 +146,7 @@ void append_list(std::string &json, const char *name, const std::vector<noted> &
     json += std::string(",\n \"") + name + "\": [";
     for (const noted &one : list) {
         json += &one == list.data() ? "\n  {" : ",\n  {";
+        // What is not read has a rule instead of an item.
         if (one.rule == nullptr) {
             json += "\"group\": ";
             append_json(json, one.group);
@@ -227,6 +229,7 @@ int run_check(const word &self, int argc, char **argv)
     if (line.ends)
         return line.status;
     const std::string path = line.files.front();
+    // The first file is the source, all others are code.
     line.files.erase(line.files.begin());
     settings project;
     std::unique_ptr<wrapper_words> wrappers;
@@ -234,6 +237,7 @@ int run_check(const word &self, int argc, char **argv)
     // fails looks at the words alone first: a wrong one ends the run before anything is written.
     if (format < 0 || fails(self, wanted.fail_on, {}) < 0 || !read_settings(path, project))
         return status_fault;
+    // The command line counts more than the settings.
     take_setting(line.files, project.code);
     take_setting(wanted.keywords, project.keywords);
     take_setting(wanted.group, project.group);
@@ -245,6 +249,7 @@ int run_check(const word &self, int argc, char **argv)
 
     source_file file = read_or_begin(path);
     outcomes out;
+    // Nothing is printed before the source is written: the counts must be true.
     if (!file || !check_source(file.source.get(), line.files, wrappers.get(), out) ||
         !write({path, wanted.dry_run}, file))
         return status_fault;

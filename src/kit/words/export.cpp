@@ -51,6 +51,7 @@ bool write_files(const exchange::format &row, exchange::exporter &from,
     std::vector<text_file> files(paths.size());
     std::vector<exchange::outgoing_file> outgoing;
     for (std::size_t at = 0; at < paths.size(); ++at) {
+        // The destructors remove what has been made so far.
         if (!files[at].create(paths[at]))
             return false;
         outgoing.push_back({[&file = files[at]](std::string_view text) { file.append(text); }, {}});
@@ -60,6 +61,7 @@ bool write_files(const exchange::format &row, exchange::exporter &from,
         if (!file.finish())
             return false;
     for (text_file &file : files) {
+        // After a failure here some files are new and some are old, but each is whole.
         if (!file.put_in_place())
             return false;
         std::printf("%s\n", file.path().c_str());
@@ -131,6 +133,7 @@ int run_export(const word &self, int argc, char **argv)
         return status_fault;
     request.source = source.get();
     exchange::exporter from(request);
+    // A format of whole sources needs no language.
     if (from.wrong() && !row.is_whole()) {
         std::fprintf(stderr, "lang-kit: %s: %s\n", line.files.front().c_str(),
                      from.wrong().text.c_str());

@@ -86,6 +86,7 @@ private:
 
     void put(item_t *item, std::string_view text, std::size_t &count)
     {
+        // An empty entry is filled: a second one in its language would never be read.
         lang_entry_t *entry = entries_.find(item, language_);
         set_text(entry == nullptr ? entries_.append(item, language_) : entry, text);
         item->changed = 1;

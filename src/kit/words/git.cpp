@@ -210,9 +210,11 @@ bool repository::add_line(const std::string &file, const std::string &line)
         text.assign(data, static_cast<std::size_t>(size));
         std::free(data);
     }
+    // The user's last line may lack its end.
     if (!text.empty() && text.back() != '\n')
         text += '\n';
     text += line + "\n";
+    // Never written in place: on a full disk half of the user's file would be lost.
     const int error = dry_run_ ? 0 : replace_file(path.c_str(), text);
     if (error != 0)
         return say(file + ": " + std::strerror(error));
@@ -243,6 +245,7 @@ bool repository::set_attributes()
 bool repository::ignore_files()
 {
     return std::all_of(std::begin(ignored), std::end(ignored), [&](const auto &row) {
+        // git is asked itself: a rule of the user's may cover the pattern already.
         return is_ignored(row.example) || add_line(".gitignore", row.pattern);
     });
 }
@@ -263,6 +266,7 @@ bool repository::write_hook(const std::string &path)
 
 bool repository::set_hook()
 {
+    // Only git knows where hooks are: a setting may name another folder.
     const program_run run = git({"rev-parse", "--git-path", "hooks/pre-commit"});
     const std::string name = first_line(run.out);
     if (run.status != 0 || name.empty())
@@ -312,6 +316,7 @@ int run_git(const word &self, int argc, char **argv)
     if (line.ends)
         return line.status;
     repository here(dry_run);
+    // The files are looked at before anything is configured.
     if (!here.find() || !here.may_write_files() || !here.configure() || !here.set_attributes() ||
         !here.ignore_files() || (hook && !here.set_hook()))
         return status_fault;

@@ -107,6 +107,7 @@ std::string written(const LangSource *source)
 // time of saving.
 bool print_differences(LangSource *before, LangSource *after)
 {
+    // A new source is compared with an empty one, so that every item counts as added.
     const source_guard nothing(before == nullptr ? lang_alloc_group() : nullptr);
     const bool is_new = before == nullptr;
     if (is_new)
@@ -137,6 +138,7 @@ bool print_differences(LangSource *before, LangSource *after)
 int take_whole(const import_options &options, const std::vector<std::string> &files)
 {
     source_file before{nullptr, {seen_file(files[0])}};
+    // A source that exists and cannot be read is not replaced.
     if (access(files[0].c_str(), F_OK) == 0 && !(before = read_whole(files[0])))
         return status_fault;
     std::string bytes;

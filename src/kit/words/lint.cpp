@@ -91,6 +91,7 @@ public:
         }
         ++files_;
         source.judge(wanted_, [this](const shown_finding &one) { add(one); });
+        // A malformed source may define any language.
         for (const std::string &name : wanted_.languages)
             if (source.source() == nullptr || lint::defines_language(source.source(), name))
                 defined_.push_back(name);
@@ -225,6 +226,7 @@ int run_lint(const word &self, int argc, char **argv)
         judged.judge(path);
     judged.judge(given.code, wrappers.get());
     const int status = judged.end(static_cast<level>(fail_on));
+    // Asked last: only now all sources have been read.
     return judged.knows_languages(self) ? status : status_fault;
 }
 

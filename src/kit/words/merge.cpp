@@ -55,6 +55,7 @@ std::string merged_name(const std::vector<std::string> &files, const std::string
     const std::string base = name_in_last_line(files[0].c_str());
     const std::string ours = name_in_last_line(files[1].c_str());
     const std::string theirs = name_in_last_line(files[2].c_str());
+    // The side that has changed the name wins, as with any other value.
     const std::string &name = ours == base ? theirs : ours;
     return name.empty() ? path : name;
 }

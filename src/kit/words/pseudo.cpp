@@ -96,6 +96,7 @@ int run_pseudo(const word &self, int argc, char **argv)
         known = add_definition(source, name);
     const std::size_t changed = make_texts(source, known->name, how);
     std::printf("%s: %s\n", known->name, counted(changed, "new text").c_str());
+    // A source that has not changed is not written: no backup, no new time.
     const bool written = (changed == 0 && !is_new && output.empty()) ||
                          write({output.empty() ? line.files.front() : output, dry_run}, file);
     keep_to_the_end(std::move(file.source));

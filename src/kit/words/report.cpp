@@ -100,6 +100,7 @@ void write_page(page_file &to, Data &&data)
 {
     std::string_view left = report_page.html;
     const std::string allowed = policy();
+    // In the page "@NAME@" stands for what is put in.
     for (std::size_t at = left.find('@'); at != std::string_view::npos; at = left.find('@')) {
         to.append(left.substr(0, at));
         left.remove_prefix(at + 1);

@@ -70,6 +70,7 @@ void source_print::print_text(GList *texts)
     bool at_line_end = false;
     for (const char *text : each<char>(texts)) {
         for (text = or_empty(text); *text != '\0';) {
+            // The quotes are closed and opened again only if more text follows.
             if (at_line_end)
                 out_ += "\"\n    \"";
             const std::size_t plain = std::strcspn(text, escaped_bytes);

@@ -26,12 +26,14 @@ constexpr std::size_t bar_columns = 20;
 // In tenths of a percent, rounded down, so that only what is complete is 100.0.
 std::size_t per_mille(std::size_t done, std::size_t used)
 {
+    // Without an item in use, nothing is left to do.
     return used == 0 ? 1000 : done * 1000 / used;
 }
 
 std::string bar(std::size_t of_1000)
 {
     static constexpr std::array parts{"", "▏", "▎", "▍", "▌", "▋", "▊", "▉"};
+    // Each column can show eighths of a block.
     const std::size_t eighths = of_1000 * bar_columns * 8 / 1000;
     std::string out;
     for (std::size_t i = 0; i < eighths / 8; ++i)
@@ -54,6 +56,7 @@ std::size_t columns_of(const std::string &text)
     const char *end = text.data() + text.size();
     for (const char *at = text.data(); at < end;) {
         const gunichar c = g_utf8_get_char_validated(at, end - at);
+        // A byte that is no UTF-8 takes one column.
         const bool good = c < 0x110000;
         columns += good && g_unichar_iswide(c) ? 2U : good && g_unichar_iszerowidth(c) ? 0U : 1U;
         at = good ? g_utf8_next_char(at) : at + 1;
