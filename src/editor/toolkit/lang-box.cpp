@@ -19,7 +19,6 @@ struct box_state {
 
 void quit(box_state *box, const char *trace)
 {
-    // The line belongs to what a terminal and the log show, which is why both get it.
     std::puts(trace);
     LogPrint(1, "%s\n", trace);
     g_main_loop_quit(box->loop);
@@ -35,7 +34,6 @@ constexpr char closed_trace[] = "destroy_event: msg_box: g_main_loop_quit";
 
 gboolean closed_event(GtkWidget *, GdkEvent *, gpointer data)
 {
-    // TRUE keeps the toolkit from destroying the popup as well.
     quit(static_cast<box_state *>(data), closed_trace);
     return TRUE; // show_box destroys it
 }

@@ -11,8 +11,7 @@ bool is_hidden_menu(GtkWidget *holder)
 
 gboolean close_hidden(gpointer)
 {
-    // A submenu takes the input only when the menu above it gives it back, so each round closes one
-    // menu.
+    // Closing a menu gives the input back to its holder before, which may be a hidden menu, too.
     GtkWidget *holder = gtk_grab_get_current();
     while (is_hidden_menu(holder)) {
         GtkWidget *item = gtk_menu_get_attach_widget(GTK_MENU(holder));

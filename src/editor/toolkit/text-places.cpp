@@ -61,9 +61,9 @@ std::vector<char_span> places_of(const std::string &text, const std::vector<assi
     const char *at = text.c_str();
     int offset = 0;
     for (const auto &[start, length] : parts) {
-        offset += static_cast<int>(g_utf8_pointer_to_offset(at, text.c_str() + start));
         // Each part is counted from the one before it: counting from the text's start every time
         // would be quadratic.
+        offset += static_cast<int>(g_utf8_pointer_to_offset(at, text.c_str() + start));
         at = text.c_str() + start;
         const int chars = static_cast<int>(g_utf8_strlen(at, static_cast<gssize>(length)));
         if (!out.empty() && out.back().end == offset)

@@ -142,7 +142,7 @@ void give_soft_edges(GtkWidget *widget, gpointer)
     GdkGCValues line{};
     gdk_color_parse("#a4a4a0", &line.foreground);
     gdk_colormap_alloc_color(style->colormap, &line.foreground, FALSE, TRUE);
-    // The style frees its own colours with the widget: the old one is given back here, once.
+    // The style will release what stands there: the old one is released here, the new one by it.
     gtk_gc_release(style->black_gc);
     style->black_gc = gtk_gc_get(style->depth, style->colormap, &line, GDK_GC_FOREGROUND);
 }
