@@ -85,7 +85,6 @@ std::string name_of_source(const std::string &absolute)
     if (tail.ends_with(".lang-src"))
         tail.resize(tail.size() - std::strlen(".lang-src"));
     tail.resize(std::min(tail.size(), longest_tail));
-    // The name must be one that every file system takes.
     for (char &c : tail)
         c = is_letter(c) || is_digit(c) || c == '-' || c == '_' ? c : '_';
     return name + "-" + tail;

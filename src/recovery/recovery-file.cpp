@@ -197,7 +197,6 @@ void recovery_writer::begin(const std::string &path, const std::string &absolute
                             const file_state &loaded, std::int64_t now, const LangSource *source,
                             std::function<bool(const lang_entry_t *)> leaves_out)
 {
-    // A thread of the write before may still hold the file.
     abandon();
     place_ = private_place(path);
     name_ = absolute;
@@ -212,7 +211,7 @@ bool recovery_writer::step(std::size_t items)
 {
     if (text_ == nullptr)
         return false;
-    // Each call writes what it has made: the text of a large source is never in memory as a whole.
+    // The text of a large source is never in memory as a whole.
     const bool more = error_ == 0 && text_->append(out_, items);
     if (error_ == 0)
         error_ = file_->append(out_);
