@@ -73,7 +73,7 @@ file_state state_of(const char *path)
 file_news news_of(const char *path, file_state &known)
 {
     struct stat status {};
-    // A file that cannot be looked at has no news: only one that is gone counts as gone.
+    // A file that cannot be looked at has no news: only one that is missing counts as gone.
     if (stat(path, &status) != 0)
         return known.is_there && errno == ENOENT ? file_news::gone : file_news::same;
     // The usual case: while the stamps are the same, nothing is read.

@@ -59,9 +59,8 @@ struct chooser {
         g_signal_connect(dialog, "destroy", G_CALLBACK(gtk_widget_destroyed), &dialog);
         GtkWidget *open =
             gtk_dialog_get_widget_for_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT);
-        g_signal_handlers_disconnect_matched(
-            open, G_SIGNAL_MATCH_DATA, 0, 0, nullptr, nullptr,
-            dialog); // the dialog's own handler, which would accept at once
+        g_signal_handlers_disconnect_matched(open, G_SIGNAL_MATCH_DATA, 0, 0, nullptr, nullptr,
+                                             dialog); // the dialog's own
         g_signal_connect(open, "clicked", G_CALLBACK(open_clicked), dialog);
     }
     ~chooser()
@@ -150,8 +149,8 @@ void add_filters(const chooser &choose, const char *preset, const char *ending)
 {
     std::error_code error;
     auto *shown = new shown_files{std::string(".") + ending, {}};
+    // The filter is asked with whole paths, so the preset must be one, too.
     if (preset != nullptr && preset[0] != '\0')
-        // Whole, since the filter is asked with whole paths.
         shown->preset = std::filesystem::absolute(preset, error).string();
     GtkFileFilter *first = gtk_file_filter_new();
     gtk_file_filter_set_name(first, (std::string("*.") + ending).c_str());

@@ -268,8 +268,8 @@ void cb_open(GtkWidget *widget, gpointer)
     zel::edit_status(nullptr);
     char *chosen = zel::select_source(widget, zel::ui_text("common", "open file"));
     if (chosen == nullptr) {
-        zel::recovery_write_soon(); // the user cancelled after Discard: the edits are still in
-                                    // memory
+        // The user cancelled after Discard: the edits are still in memory.
+        zel::recovery_write_soon();
         return;
     }
     set_file(chosen);
@@ -311,7 +311,7 @@ void cb_save_as(GtkWidget *widget, gpointer)
         save_selected(widget);
     else
         save_under_name(widget);
-    // They belong to the save that asked for them: the next one writes all languages.
+    // They belong to the save that asked for them.
     clear_output_langs();
 }
 
