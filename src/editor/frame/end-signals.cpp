@@ -27,8 +27,8 @@ asked_end asked_ends[] = {{SIGTERM, 0}, {SIGHUP, 0}, {SIGINT, 0}};
 gboolean end_in_order(gpointer data)
 {
     const int number = GPOINTER_TO_INT(data);
-    // The state first: whatever fails after it, the changes are kept.
     LogPrint(1, "end: signal %d\n", number);
+    // The state first: whatever fails after it, the changes are kept.
     zel::recovery_write_now();
     prg_exit();
     LogClose();
@@ -38,9 +38,9 @@ gboolean end_in_order(gpointer data)
 
 bool is_ignored(int number)
 {
+    struct sigaction now {};
     // A handler of three arguments shares its place with the simple one, whose value says nothing
     // then.
-    struct sigaction now {};
     return sigaction(number, nullptr, &now) == 0 && (now.sa_flags & SA_SIGINFO) == 0 &&
            now.sa_handler == SIG_IGN;
 }

@@ -22,9 +22,9 @@ std::string with_place(const zel::read_message &message)
 {
     std::string text;
     if (message.at.line != 0) {
+        // The reader counts columns from 0, people from 1.
         text += std::string(zel::ui_text("status", "line")) + " " +
                 std::to_string(message.at.line) + ", " + zel::ui_text("status", "column") + " " +
-                // The reader counts columns from 0, people from 1.
                 std::to_string(message.at.column + 1) + ": ";
     }
     return text + zel::ui_text("reader", message.row->meaning);

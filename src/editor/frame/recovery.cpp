@@ -153,8 +153,8 @@ source_guard offer(GtkWidget *parent, const zel::recovery_file &file)
         return nullptr;
     }
     const auto differences = [&answer] {
-        const zel::source_to_write
-            whole; // without the entries that exist only because the first item is shown
+        // Without the entries that exist only because the first item is shown.
+        const zel::source_to_write whole;
         return zel::differences_to(def_group, answer.source.get());
     };
     zel::recovery_question question{zel::watched_path(), std::time(nullptr) - file.written,

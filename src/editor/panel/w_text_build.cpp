@@ -109,7 +109,6 @@ void share_below(Zeltext *text, const below_heights &heights, int left)
         --count;
         left -= more;
         GtkWidget *scrolled = zel::text_below_scrolled(text, static_cast<int>(number));
-        // Setting the same height again would start another round of layout, and that one the next.
         if (requested_height(scrolled) != least + more)
             gtk_widget_set_size_request(scrolled, -1, least + more);
         // A scroll bar of one line's height is of no use.

@@ -25,10 +25,9 @@ struct edit_ctrl_t {
 
 // What else the main window asks of the table. Results as above.
 struct edit_more_t {
-    int (*reload)(_GtkWidget *table);   // takes the languages again, then the selected item's texts
-    int (*put_away)(_GtkWidget *table); // before the source is written: removes what exists only
-    int (*bring_back)(
-        _GtkWidget *table); // because the selected item is shown, and puts it back after
+    int (*reload)(_GtkWidget *table);     // the languages again, then the selected item's texts
+    int (*put_away)(_GtkWidget *table);   // before the source is written: removes what only
+    int (*bring_back)(_GtkWidget *table); // showing the item has made; puts it back after
 
     // 1 for an entry that exists only because the selected item is shown, 0 for any other.
     int (*is_made)(_GtkWidget *table, const lang_entry_t *entry);
