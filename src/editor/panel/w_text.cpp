@@ -78,7 +78,8 @@ void class_init(gpointer klass, gpointer)
     G_OBJECT_CLASS(klass)->finalize = finalize;
 }
 
-// Empties the panel. text_lock stays set meanwhile: what happens to the hidden views is no edit.
+// Empties the panel. text_lock stays set as long as it is empty: what happens to the hidden views
+// is no edit.
 void show_nothing(Zeltext *text)
 {
     text->lang_source = nullptr;
@@ -255,7 +256,7 @@ void show(Zeltext *text, LangSource *source, item_t *item, int update)
     text->lang_source = source;
     text->item = item;
     show_item(text);
-    // Set only now: filling the fields has changed them, too.
+    // Cleared only now: storing the item before has asked for them.
     for (int &dirty : text->dirty)
         dirty = 0;
     LogPrint(1, "zel_text_set: exit\n");
