@@ -70,9 +70,9 @@ int zel_popup_set_icon(GtkWidget *widget, GtkWidget *icon)
     popup->icon = icon;
     gtk_widget_set_visible(popup->icon_box, icon != nullptr);
     if (icon != nullptr) {
-        g_signal_connect(icon, "destroy", G_CALLBACK(gtk_widget_destroyed), &popup->icon);
         // An icon that is destroyed from outside must not be destroyed a second time with the next
         // one.
+        g_signal_connect(icon, "destroy", G_CALLBACK(gtk_widget_destroyed), &popup->icon);
         gtk_box_pack_start(GTK_BOX(popup->icon_box), icon, FALSE, FALSE, 0);
         gtk_widget_show(icon);
     }

@@ -107,8 +107,8 @@ bool grow(GtkTextView *view, run &of)
                  is_within(view, before, of))
             of.start = before;
         else
-            return of.right - of.left - of.used <=
-                   chars + 1; // each letter's place is rounded to a pixel
+            // Each letter's place is rounded to a pixel.
+            return of.right - of.left - of.used <= chars + 1;
     }
     return false;
 }

@@ -214,7 +214,6 @@ bool has_theme(const char *name)
     using glib_string = std::unique_ptr<gchar, release<g_free>>;
     const glib_string shared(gtk_rc_get_theme_dir());
     const glib_string own(g_build_filename(g_get_home_dir(), ".themes", nullptr));
-    // The user's folder first, as the toolkit does it.
     for (const gchar *folder : {own.get(), shared.get()}) {
         const glib_string file(g_build_filename(folder, name, "gtk-2.0", "gtkrc", nullptr));
         if (g_file_test(file.get(), G_FILE_TEST_EXISTS))
