@@ -10,8 +10,8 @@ namespace zel::assist {
 
 namespace {
 
-// Languages whose home is not told by their code, as that of de_DE is, and not the first territory
-// by the alphabet.
+// Languages whose home territory is neither their code in capitals, as in de_DE, nor the first by
+// the alphabet.
 constexpr struct {
     std::string_view code;
     std::string_view territory;
@@ -19,7 +19,7 @@ constexpr struct {
 static_assert(std::is_sorted(std::begin(homes), std::end(homes),
                              [](const auto &a, const auto &b) { return a.code < b.code; }));
 
-// Codes are written with both signs, and in any case of letters.
+// Names of dictionaries are written with both signs, and in upper and lower case.
 bool is_same(std::string_view a, std::string_view b)
 {
     const auto plain = [](char c) { return c == '-' ? '_' : lower(static_cast<unsigned char>(c)); };
@@ -36,7 +36,8 @@ std::string named(std::string_view code, std::span<const std::string> there)
     return best;
 }
 
-// A language with a territory, two capitals or three digits, and nothing else.
+// Whether the name is the language with a territory, two capitals or three digits, and nothing
+// else.
 bool is_of_territory(std::string_view name, std::string_view code)
 {
     const auto is_capital = [](char c) { return c >= 'A' && c <= 'Z'; };
@@ -61,6 +62,8 @@ std::string of_any_territory(std::string_view code, std::span<const std::string>
     home.insert(0, std::string(code) + "_");
     if (std::string best = named(home, there); !best.empty())
         return best;
+    // The order of the list is the file system's: the first by the alphabet is the same on every
+    // machine.
     std::string best;
     for (const std::string &one : there)
         if (is_of_territory(one, code) && (best.empty() || one < best))
@@ -68,12 +71,13 @@ std::string of_any_territory(std::string_view code, std::span<const std::string>
     return best;
 }
 
-// A script or a modifier, "sr_Latn" or "sr@latin".
+// Whether the code has a script or a modifier, "sr_Latn" or "sr@latin".
 bool has_form(std::string_view code)
 {
     if (code.find('@') != std::string_view::npos)
         return true;
     const std::size_t at = code.find('_');
+    // A script has four letters, a territory two or three.
     return at != std::string_view::npos && code.size() >= at + 5 &&
            (code.size() == at + 5 || code[at + 5] == '_');
 }
@@ -91,7 +95,10 @@ std::string choose_dictionary(std::string_view language, std::span<const std::st
     const bool formed = has_form(wanted.view());
     language_tag choice;
     std::string best;
+    // The whole chain by exact names first: de_AT is to find "de" before any other territory's
+    // dictionary.
     for (unsigned i = 0; best.empty() && next_choice(wanted, i, choice); ++i)
+        // Another script would mark every word of the text as wrong.
         if (!formed || has_form(choice.view()))
             best = named(choice.view(), there);
     for (unsigned i = 0; best.empty() && !formed && next_choice(wanted, i, choice); ++i)

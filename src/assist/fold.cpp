@@ -13,7 +13,7 @@ namespace {
 constexpr char32_t sharp_s = 0xdf;
 constexpr char32_t capital_sharp_s = 0x1e9e;
 
-// By way of the capital letter, so that letters with two small forms (sigma) are one.
+// Folds by way of the capital letter, so that letters with two small forms (sigma) are one.
 void append_folded(std::string &out, char32_t c)
 {
     if (c < 0x80) {
@@ -68,9 +68,11 @@ folded_words::folded_words(std::string_view text)
     ascii_ = std::all_of(words_.begin(), words_.end(), is_ascii);
 }
 
-// Each word in one of the strings, which are lines of a text.
+// Whether each word stands in one of the strings, which are the lines of a text; different words
+// may stand in different lines.
 bool folded_words::are_in_strings(GList *strings) const
 {
+    // Most texts are one string, which is searched without a copy where that is possible.
     if (strings != nullptr && strings->next == nullptr)
         return is_in(words_, ascii_, zel::or_empty(static_cast<const char *>(strings->data)));
     std::vector<std::string> lines;
@@ -85,6 +87,8 @@ bool folded_words::are_in_strings(GList *strings) const
 
 bool folded_words::are_in(const item_t *item, const char *lang1, const char *lang2) const
 {
+    // An item must hold all words in one place: a word from its name and one from its text do not
+    // make a hit.
     if (is_in(words_, ascii_, zel::or_empty(item->name)))
         return true;
     for (const char *lang : {lang1, lang2}) {
@@ -99,7 +103,7 @@ std::vector<piece> folded_words::hits(std::string_view text) const
 {
     if (words_.empty())
         return {};
-    // Of each folded byte, the character that it comes from.
+    // Folding changes lengths: for each folded byte, remember the character that it comes from.
     std::string folded;
     std::vector<piece> origin;
     for (std::size_t at = 0; at < text.size();) {
@@ -116,6 +120,7 @@ std::vector<piece> folded_words::hits(std::string_view text) const
         }
     std::sort(found.begin(), found.end(),
               [](const piece &a, const piece &b) { return a.at < b.at; });
+    // Words may overlap one another ("ab" and "bc" in "abc"), and the view's tags must not.
     std::vector<piece> out;
     for (const piece &one : found) {
         if (out.empty() || one.at >= out.back().at + out.back().length)

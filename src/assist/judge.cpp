@@ -16,8 +16,8 @@ namespace {
 
 using lint::rule_id;
 
-// What is told in other ways: the state of a text and an item's mark are seen, and what compares
-// items takes a whole source.
+// Rules that are left out here: a text's state and an item's mark are shown by other signs, and
+// rules that compare items need the whole source at every key.
 constexpr lint::rule_set rules_while_typing = lint::rule_set::all()
                                                   .without(rule_id::missing)
                                                   .without(rule_id::empty)
@@ -26,7 +26,7 @@ constexpr lint::rule_set rules_while_typing = lint::rule_set::all()
                                                   .without(rule_id::consistency)
                                                   .without(rule_id::collision);
 
-// As a text is stored: without blank lines at its end and the line end of the line that is last.
+// Cuts the text as storing it does: blank lines at its end, and the line end of the last line.
 void trim(std::string &text)
 {
     const std::size_t last = text.find_last_not_of(" \t\n\v\f\r");
@@ -36,7 +36,8 @@ void trim(std::string &text)
         text.resize(std::min(text.size(), text.find_first_of("\n\r", last)));
 }
 
-// An item as it would be if what is typed was stored. Shares everything else with the item.
+// An item as it would be if what is typed was stored. Everything else is shared with the item,
+// which is not changed.
 class typed_item {
 public:
     typed_item(const item_t *item, std::span<const typed_text> typed) : item_(*item)
@@ -70,6 +71,7 @@ private:
         trim(place.text);
         place.line.data = place.text.data();
         place.entry = {const_cast<char *>(one.lang), place.text.empty() ? nullptr : &place.line};
+        // The first entry of a language is the one that the panel shows and stores.
         GList *&entries = item_.*one.entries;
         GList *node = entries;
         while (node != nullptr &&
@@ -82,6 +84,7 @@ private:
     }
 
     item_t item_;
+    // A deque, since the lists point into what it holds while more is added.
     std::deque<scratch> places_;
 };
 
@@ -97,6 +100,7 @@ void add_single(std::string &out, const lint::percents &text, std::vector<lint::
                 const char *what)
 {
     for (std::size_t i = 0; i < text.conversions.size(); ++i) {
+        // Each partner is used once: two "%s" need two.
         if (std::find(others.begin(), others.end(), text.arguments[i]) != others.end()) {
             take_out(others, text.arguments[i]);
             continue;
@@ -106,7 +110,7 @@ void add_single(std::string &out, const lint::percents &text, std::vector<lint::
     }
 }
 
-// Which conversions differ; empty when that cannot be said one by one.
+// Which conversions differ; empty where counting pairs one by one would mislead.
 std::string differing_conversions(std::string_view own_text, std::string_view reference_text)
 {
     const lint::percents reference = lint::read_percents(reference_text);
@@ -151,7 +155,8 @@ private:
     lint::linter linter_;
 };
 
-// What is said about no language, or about one that is not shown, goes with the first one shown.
+// What a rule says about no language, or about one that is not shown, is told with the first
+// language that is shown.
 std::size_t judge::work::language_of(const lint::finding &found) const
 {
     const bool is_second =
@@ -166,6 +171,8 @@ std::string judge::work::words(const lint::finding &found, item_t *item)
     std::string out;
     if (found.rule == rule_id::format && found.language != nullptr) {
         const auto *entry = static_cast<const lang_entry_t *>(found.record);
+        // The default language is compared with the item's name, as the rule itself does it: the
+        // words must name the same difference.
         const bool is_default = lint::same_language(found.language, source_->default_lang);
         const std::string expected =
             is_default ? or_empty(item->name) : reference_text(*source_, item);
@@ -180,11 +187,13 @@ item_state judge::work::look_at(const edit_t *group, item_t *item, remarks *told
     for (std::size_t i = 0; i < shown_languages; ++i)
         state.lacks[i] = langs_[i] != nullptr && misc_search_empty_in_lang_entry(
                                                      misc_select_lang_entry(item, langs_[i])) != 0;
+    // With no language shown, the linter would look at all of them.
     if (langs_[0] == nullptr && langs_[1] == nullptr)
         return state;
     linter_.check_item(group, item, [&](const lint::finding &found) {
         const std::size_t i = language_of(found);
         const bool counts = lint::rule_of(found.rule).severity != lint::level::info;
+        // Stays at 255: a wrap to 0 would hide all findings.
         if (counts && state.findings[i] != UINT8_MAX)
             ++state.findings[i];
         if (told != nullptr)

@@ -27,8 +27,8 @@ std::string folder_of(const std::string &path)
     return end == std::string::npos ? std::string() : path.substr(0, end + 1);
 }
 
-// Nothing but a regular file is opened, so that neither a pipe waits nor a device does something;
-// it may have been exchanged between the two looks, which is why there are two.
+// Opens regular files only, so that neither a pipe waits nor a device does something. The path may
+// be exchanged between looking and opening, which is why the open file is looked at again.
 int open_regular(const std::string &path, struct stat &status)
 {
     if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
@@ -41,7 +41,8 @@ int open_regular(const std::string &path, struct stat &status)
     return fd;
 }
 
-// As many bytes as the file had when it was opened: one that grows meanwhile does not keep us.
+// Reads as many bytes as the file had when it was opened: one that grows meanwhile would keep us
+// for ever.
 bool read_whole(int fd, std::string &text)
 {
     std::size_t done = 0;
@@ -95,6 +96,7 @@ void neighbour_texts::forget()
     seen_.clear();
     files_ = 0;
     bytes_ = 0;
+    // Gives the memory back: the rows of a large folder take tens of megabytes.
     std::vector<row>().swap(rows_);
     origins_.clear();
     kept_.clear();
@@ -111,6 +113,7 @@ void neighbour_texts::begin(const query &wanted)
     struct stat own {};
     if (wanted.path.empty() || stat(wanted.path.c_str(), &own) != 0)
         return;
+    // The source itself is no neighbour, under whatever name the folder has it.
     seen_.push_back(id_of(own));
     const std::string folder = folder_of(wanted.path);
     folder_.reset(opendir(folder.empty() ? "." : folder.c_str()));
@@ -118,6 +121,7 @@ void neighbour_texts::begin(const query &wanted)
 
 void neighbour_texts::list_some()
 {
+    // Collects names only, and some at a time: the folder may be large, or on a slow disk.
     for (std::size_t count = 0; count < listed_at_once; ++count) {
         const dirent *entry = readdir(folder_.get());
         if (entry == nullptr || names_.size() >= most_names) {
@@ -140,6 +144,8 @@ void neighbour_texts::keep(const LangSource &source, item_t *item)
         query_.reference == source.default_lang)
         found.reference = item->name;
     bool any = false;
+    // Rows are kept by the hash of all their texts: the same texts in many files would only fill
+    // the index.
     std::string all = found.reference;
     for (std::size_t lang = 0; lang < query_.langs.size(); ++lang) {
         if (!query_.langs[lang].empty()) {
@@ -167,7 +173,7 @@ void neighbour_texts::read_some()
         file_.reset();
 }
 
-// Some items of the file that was read, of one group.
+// Keeps some items of one group of the file that was read.
 void neighbour_texts::keep_some()
 {
     if (file_->group == nullptr) {
@@ -192,6 +198,7 @@ void neighbour_texts::keep_some()
 
 void neighbour_texts::open_next()
 {
+    // Names come in their order, so that equal suggestions are from the same file at every start.
     const std::string name = names_.extract(names_.begin()).value();
     if (files_ >= limits_.files || rows_.size() >= limits_.texts) {
         names_.clear();
@@ -203,6 +210,7 @@ void neighbour_texts::open_next()
     if (fd < 0)
         return;
     const auto size = static_cast<std::size_t>(status.st_size);
+    // Links give a file several names in a folder: it is read once.
     const bool is_new = std::find(seen_.begin(), seen_.end(), id_of(status)) == seen_.end();
     const bool is_wanted =
         is_new && size != 0 && size <= limits_.bytes_of_one && bytes_ + size <= limits_.bytes;
@@ -219,6 +227,8 @@ void neighbour_texts::open_next()
 
 void neighbour_texts::do_piece()
 {
+    // Rows go into the index before the next file is opened, so suggestions come from the first
+    // file while the others are still to be read.
     if (folder_ != nullptr)
         list_some();
     else if (next_row_ < rows_.size())

@@ -55,7 +55,7 @@ public:
         bool operator==(const query &) const = default;
     };
 
-    // Begins anew, unless it is as before.
+    // Begins again, unless the query is the same as before.
     void begin(const query &wanted);
 
     // Drops everything.

@@ -18,6 +18,7 @@ std::vector<piece> pieces_of(std::string_view text)
         percents.push_back({place(conversion), conversion.size()});
     for (const std::string_view name : found.symbols)
         percents.push_back({place(name) - 1, name.size() + 2});
+    // The reader gives conversions and symbols in lists of their own.
     std::sort(percents.begin(), percents.end(),
               [](const piece &a, const piece &b) { return a.at < b.at; });
 

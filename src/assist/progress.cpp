@@ -26,6 +26,8 @@ void progress::add(const item_state &state, int sign)
 void progress::set(std::size_t item, const item_state &state)
 {
     entry &place = states_[item];
+    // The sums are kept by difference: adding up all items at every key would be slow in a large
+    // source.
     if (place.known)
         add(place.state, -1);
     else

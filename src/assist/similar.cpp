@@ -12,7 +12,7 @@ constexpr double least_likeness = 0.6;
 constexpr std::size_t longest = 400;       // bytes; a longer text is compared as a whole only
 constexpr std::size_t most_compared = 500; // texts
 
-// The different ones, in order. The ends of a text count, so that short ones have some.
+// The different trigrams, in order. The text's ends count as blanks, so that short texts have some.
 std::vector<std::uint32_t> trigrams(std::string_view text)
 {
     std::vector<std::uint32_t> out;
@@ -38,6 +38,7 @@ std::size_t common(const std::vector<std::uint32_t> &a, const std::vector<std::u
         if (*i == *j)
             ++found;
         const bool step_a = *i <= *j;
+        // Decided before either side moves: both step where the two are equal.
         j += *j <= *i ? 1 : 0;
         i += step_a ? 1 : 0;
     }
@@ -52,6 +53,7 @@ double likeness(const std::vector<std::uint32_t> &a, const std::vector<std::uint
 
 std::size_t hash_of(std::string_view text)
 {
+    // 0 stands for an item whose text is not known yet.
     return std::max<std::size_t>(std::hash<std::string_view>()(text), 1);
 }
 
@@ -72,6 +74,8 @@ void similar_texts::add(std::uint32_t item)
         hashes_.resize(item + 1);
     if (hashes_[item] == hash)
         return;
+    // An item whose text has changed stays in the lists of its old one: best() compares the texts
+    // that the items have now.
     hashes_[item] = hash;
     by_hash_.emplace(hash, item);
     for (const std::uint32_t trigram : trigrams(text))
@@ -103,6 +107,7 @@ std::optional<similar_texts::match>
 similar_texts::best(const std::string &text, const std::function<bool(std::uint32_t)> &wanted) const
 {
     std::optional<match> found = same(text, wanted);
+    // The same text is as good as it gets, and a text that is too long has no trigrams.
     const std::vector<std::uint32_t> own = trigrams(text);
     if (found || own.empty())
         return found;
@@ -115,8 +120,8 @@ similar_texts::best(const std::string &text, const std::function<bool(std::uint3
         for (const std::uint32_t other : items->second)
             ++shared[other];
     }
-    // Sharing n of its own, the other one is at best made of just these. The likeliest first, so
-    // that few texts are compared.
+    // An item that shares n trigrams is at best made of just these: an upper bound that needs no
+    // text. The likeliest come first, so that few texts are compared.
     const auto limit = [&](std::uint32_t other) {
         return 2.0 * shared[other] / static_cast<double>(own.size() + shared[other]);
     };
@@ -124,6 +129,7 @@ similar_texts::best(const std::string &text, const std::function<bool(std::uint3
     for (std::uint32_t other = 0; other < shared.size(); ++other)
         if (limit(other) >= least_likeness)
             others.push_back(other);
+    // Stable, so that the first of equally good items in the source wins.
     std::stable_sort(others.begin(), others.end(),
                      [&](std::uint32_t a, std::uint32_t b) { return shared[a] > shared[b]; });
     others.resize(std::min(others.size(), most_compared));
@@ -131,6 +137,7 @@ similar_texts::best(const std::string &text, const std::function<bool(std::uint3
         if (found && limit(other) <= found->likeness)
             break;
         const double like = likeness(own, trigrams(text_(other)));
+        // Asked last, since it may look at the other item's translations.
         if (like >= least_likeness && (!found || like > found->likeness) && wanted(other))
             found = {other, like};
     }

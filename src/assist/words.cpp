@@ -15,7 +15,7 @@ constexpr char32_t right_quote = 0x2019; // the apostrophe of print
 
 bool is_apostrophe(char32_t c) { return c == '\'' || c == right_quote; }
 
-// Stands in words and is none of their letters: joiners shape the letters beside them.
+// Signs that stand in words and are none of their letters: joiners shape the letters beside them.
 bool is_inside(char32_t c) { return c == soft_hyphen || c == 0x200c || c == 0x200d; }
 
 bool sets_no_blanks(char32_t c)
@@ -55,31 +55,37 @@ struct run {
     void add(char32_t c)
     {
         if (is_inside(c)) {
+            // A joiner belongs to the spelling and stays; a soft hyphen is only a place to break a
+            // line.
             if (c != soft_hyphen)
                 append(letters, c);
             return;
         }
         const bool capital = g_unichar_isupper(c) != FALSE || g_unichar_istitle(c) != FALSE;
+        // A capital behind a small letter: a name like "fileName".
         no_word = no_word || lint::is_digit(c) || (c >= 0x80 && sets_no_blanks(c)) ||
                   (capital && g_unichar_islower(last) != FALSE);
         capitals += capital ? 1U : 0U;
+        // A mark on a letter does not make the word longer.
         count += g_unichar_ismark(c) != FALSE ? 0U : 1U;
         append(letters, c);
         last = c;
     }
     bool is_word(bool underscores_are_marks) const
     {
+        // Words all in capitals are abbreviations. One underscore may be a menu's mnemonic.
         return !no_word && count > 1 && count <= longest_word && capitals < count &&
                (underscores == 0 || (underscores == 1 && underscores_are_marks));
     }
 };
 
-// Reads a text from chunk to chunk, which have blanks or pieces between them.
+// Reads a text chunk by chunk; blanks and pieces stand between the chunks.
 class reader {
 public:
     explicit reader(std::string_view text)
         : text_(text), pieces_(pieces_of(text)), next_piece_(pieces_.begin())
     {
+        // Whether an underscore marks a letter can only be told from the whole text.
         if (text.find('_') != std::string_view::npos)
             underscores_are_marks_ = lint::read_mnemonics(text).sure != 0;
     }
@@ -112,9 +118,10 @@ private:
         return at;
     }
 
-    // Addresses, paths and options.
+    // Whether the chunk is an address, a path or an option.
     static bool is_no_language(std::string_view chunk)
     {
+        // Quotes and brackets in front do not make a path a word.
         while (!chunk.empty() && std::string_view("\"'([{<,;:").find(chunk[0]) != chunk.npos)
             chunk.remove_prefix(1);
         const std::size_t sign = chunk.find('@');
@@ -159,7 +166,7 @@ private:
         }
     }
 
-    // Whether a letter or digit stands there.
+    // Whether a letter, a digit or an underscore stands there.
     bool goes_on(std::size_t at, std::size_t end) const
     {
         if (at >= end)
@@ -168,7 +175,7 @@ private:
         return lint::is_letter(c) || lint::is_digit(c) || c == '_';
     }
 
-    // Where the run ends.
+    // Reads a run and returns where it ends.
     std::size_t read_run(std::size_t at, std::size_t end)
     {
         run found;
@@ -180,9 +187,11 @@ private:
                 ++found.underscores;
                 found.last = 0;
             } else if (is_apostrophe(c) || c == '.') {
+                // An apostrophe or a dot at the end of a word ends it: "dogs'" and "done.".
                 if (!goes_on(behind, end))
                     break;
                 found.no_word = found.no_word || c == '.';
+                // Dictionaries know the typewriter's apostrophe only.
                 found.letters += '\'';
                 found.last = 0;
             } else if (lint::is_letter(c) || lint::is_digit(c) || is_inside(c)) {
@@ -211,6 +220,8 @@ std::vector<word> words_of(std::string_view text) { return reader(text).words();
 
 std::string written_like(std::string_view written, std::string_view letters)
 {
+    // The key stands behind the underscore: the correction gets its mnemonic on the same letter, so
+    // that the user's habit still works.
     std::size_t marked = written.find('_');
     char32_t key = 0;
     if (marked != std::string_view::npos && ++marked < written.size())

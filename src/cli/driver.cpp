@@ -21,7 +21,7 @@
 
 namespace {
 
-// Ids of the words; 0 is what a word without a row gives.
+// Ids of the words; 0 is the id of a word that no row has.
 enum word {
     word_none = 0,
     word_oformat = 1,
@@ -78,7 +78,7 @@ constexpr argv_tab_t compile_list[] = {
 #define DASHES_63 "---------------------------------------------------------------"
 #define DASHES_43 "-------------------------------------------"
 
-// The words that are left: the cursor of every operation of app/argv.h.
+// The words that are left to read: the cursor that every operation of app/argv.h moves.
 struct words {
     int count;
     char **position;
@@ -96,7 +96,7 @@ struct words {
     }
 };
 
-// What a word does to the walk over the command line.
+// Whether the walk over the command line goes on behind a word.
 enum class walk { goes_on, ends };
 
 walk show_usage()
@@ -119,6 +119,7 @@ walk start_editor_in_mode(std::uint32_t mode)
 
 walk run_check(words &left)
 {
+    // The checker's vector begins with the command's own word, as main's begins with the program.
     left.step_back();
     LogPrint(1, "lang_edit: check\n");
     check(left.count, left.position);
@@ -136,6 +137,7 @@ walk run_compile(words &left)
 walk run_edit(words &left)
 {
     char *def_file = nullptr;
+    // Without a file the usage is printed and the editor starts all the same.
     if (!left.take(def_file))
         usage();
     const zel::string_guard file(def_file);
@@ -147,7 +149,7 @@ walk run_edit(words &left)
     return start_editor(def_file);
 }
 
-// The next word, or what stands for it.
+// The next word, or the fallback where none is left.
 zel::string_guard take_or(words &left, const char *fallback)
 {
     char *text = nullptr;
@@ -179,14 +181,16 @@ walk say_missing(const char *message)
     return show_usage();
 }
 
-// Where a source is written over itself and another program has changed it meanwhile, that text is
-// taken.
+// Converts the source. When it is written over itself and another program changes it meanwhile, the
+// new text is read and converted in its place, three times at the most.
 void convert(const char *from, const char *to, std::uint32_t only_used)
 {
     constexpr int most_rounds = 3;
     zel::write_answer written{-1, {}};
     for (int round = 1; round <= most_rounds; ++round) {
         const zel::file_stamp before = zel::stamp_of(zel::or_empty(from));
+        // A source that is written over itself must not lose what the reader cannot take in: the
+        // reader has to know beforehand.
         const bool in_place = zel::stamp_of(zel::or_empty(to)) == before;
         const source_guard def_group = zel::read_for_command(from, in_place);
         if (!def_group) {
@@ -195,6 +199,7 @@ void convert(const char *from, const char *to, std::uint32_t only_used)
         }
         def_group->only_used = only_used;
         zel::write_how how;
+        // The time of the write, not of the start: reading a large source takes a while.
         how.now = std::time(nullptr);
         if (in_place)
             how.may_replace = [&] { return !zel::has_changed(to, before); };
@@ -231,7 +236,7 @@ walk set_output_language(words &left, char *&language)
     return left.take(language) ? walk::goes_on : show_usage();
 }
 
-// The log is open since the start, so this only leaves a line in it.
+// The log has been open since the start, so this only leaves a line in it.
 walk open_second_log(words &left)
 {
     LogOpen("lang.log", LOG_OPEN_NEW | LOG_OPEN_STDOUT, "Tarvik language editor version 1.4");
@@ -248,12 +253,14 @@ walk set_output_lang_2(words &left) { return set_output_language(left, lang_glob
 walk start_zel(words &) { return start_editor_in_mode(1); }
 walk start_zel2(words &) { return start_editor_in_mode(2); }
 
-// What a word by its id does. Other words belong to some job and do nothing by themselves.
+// What to do for a word by its id. A word without a row belongs to some command and does nothing by
+// itself.
 struct command {
     int id;
     walk (*run)(words &left);
 };
 constexpr command commands[] = {
+    // An unknown word has id 0, which makes it a row like any other.
     {word_none, [](words &) { return show_usage(); }},
     {word_oformat, take_format},
     {word_check, run_check},
@@ -282,9 +289,11 @@ int compile_fault()
     return -1;
 }
 
-// The options before the last word. Sets the destination directory; anything but 0 ends the job.
+// Reads the options before the last word, and sets the destination directory. Anything but 0 ends
+// the command.
 int read_compile_options(words &left, char *&destination)
 {
+    // The last word is the file, even where it looks like an option.
     while (left.count >= 2) {
         switch (left.match(compile_list)) {
         case compile_dst_dir:
@@ -350,6 +359,7 @@ int compile_lang_file(int argc, char **argv)
 int lang_edit(int argc, char **argv)
 {
     lang_global_init();
+    // Before the words are read: the toolkit's options may stand anywhere between them.
     zel::take_toolkit_args(&argc, &argv);
     LogPrint(1, "lang_edit: entry\n");
     words left{argc, argv};

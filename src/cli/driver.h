@@ -2,8 +2,8 @@
 
 // The command line: lang [options] [commands].
 
-// Runs the words of the command line; see usage. Returns 0 in every case but a result of the
-// compile command, which main does not look at.
+// Runs the words of the command line; see usage. Always returns 0: what a command reports is on its
+// streams, and one that has to end with another status ends the process itself.
 int lang_edit(int argc, char **argv);
 
 // The compile command; the first word of the vector is the first one after the command word.

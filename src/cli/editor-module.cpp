@@ -14,18 +14,22 @@ namespace {
 
 constexpr const char *module_name = "lang-editor.so";
 
-// Beside the program, as it is built, or in the library directory, as it is installed.
+// Looks beside the program, where the build leaves the module, then in the library directory, where
+// it is installed.
 void *load_module()
 {
     const std::string directory = zel::program_directory();
     const std::string built = directory + module_name;
+    // Only where the file is missing the search goes on: one that is there and cannot be loaded
+    // must say why, and not hide behind an installed module of another version.
     if (access(built.c_str(), F_OK) == 0)
         return dlopen(built.c_str(), RTLD_NOW);
     const std::string installed = directory + LANG_MODULE_FROM_PROGRAM + "/" + module_name;
     return dlopen(installed.c_str(), RTLD_NOW);
 }
 
-// Loaded once, for the rest of the process.
+// Loads the module once; it stays for the rest of the process, since the toolkit cannot be
+// unloaded.
 void *editor_module()
 {
     static void *module = load_module();
@@ -47,7 +51,8 @@ namespace zel {
 
 void take_toolkit_args(int *argc, char ***argv)
 {
-    // What the toolkit does at its start, so that commands work the same with and without it.
+    // What the toolkit does at its start: commands must work the same with and without it. Numbers
+    // are written and read with a point in every locale.
     std::setlocale(LC_ALL, "");
     std::setlocale(LC_NUMERIC, "C");
     bool wanted = false;
@@ -65,6 +70,8 @@ void run_editor(const char *file)
         start(file);
         return;
     }
+    // A build without the editor has no module to load, and the loader's message would send the
+    // user looking for a file.
 #ifdef LANG_WITHOUT_EDITOR
     const char *reason = "it was built without its editor";
 #else

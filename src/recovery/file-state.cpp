@@ -34,7 +34,7 @@ std::string hash_of_file(int fd)
     }
 }
 
-// What the system tells of a file without reading it.
+// Takes what the system tells of a file without reading it.
 void take_stamps(zel::file_state &state, const struct stat &status)
 {
     state.size = status.st_size;
@@ -57,6 +57,7 @@ file_state state_of(const char *path)
 {
     file_state state;
     struct stat status {};
+    // Follows links: the text behind the name is what the user works on.
     const int fd = open_plain(find_target(path, links::follow).path.c_str(), O_RDONLY);
     if (fd < 0)
         return state;
@@ -72,9 +73,10 @@ file_state state_of(const char *path)
 file_news news_of(const char *path, file_state &known)
 {
     struct stat status {};
-    // A file that cannot be looked at has no news: only one that is gone counts as gone.
+    // A file that cannot be looked at has no news: only one that is missing counts as gone.
     if (stat(path, &status) != 0)
         return known.is_there && errno == ENOENT ? file_news::gone : file_news::same;
+    // The usual case: while the stamps are the same, nothing is read.
     if (known.is_there && same_stamps(known, status))
         return file_news::same;
     const file_state now = state_of(path);

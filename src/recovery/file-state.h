@@ -15,7 +15,7 @@ struct file_state {
     std::uint64_t number = 0; // of the file itself; 0 where that is not known
     std::string hash;         // of its bytes, in hexadecimal digits
 
-    // The same text; a new time alone is no other text.
+    // Whether it is the same text; a new time alone does not make it another one.
     bool same_text(const file_state &other) const
     {
         return is_there == other.is_there && size == other.size && hash == other.hash;
@@ -27,8 +27,8 @@ file_state state_of(const char *path);
 
 enum class file_news { same, changed, gone };
 
-// Looks again. The file is read only where its size or time is another one; when it holds the old
-// text all the same, the known state takes the new time.
+// Looks again. Reads the file only where its size or time has changed; when it still holds the old
+// text, the known state takes the new time.
 file_news news_of(const char *path, file_state &known);
 
 // "2,345 bytes of 2024-05-01 12:00:00", for a person.

@@ -51,6 +51,7 @@ std::string recovery_folder()
     const char *user = std::getenv("HOME");
     if (user == nullptr || *user != '/')
         return refuse(folder, "HOME is no absolute path");
+    // A link of somebody else's could lead our texts into a folder that others read.
     if (crosses_foreign_link(folder.c_str()))
         return refuse(folder, "it is behind somebody else's link");
     int error = make_folder(home);
@@ -63,6 +64,7 @@ std::string recovery_folder()
         return refuse(folder, std::strerror(error));
     if (!S_ISDIR(status.st_mode))
         return refuse(folder, "it is no folder");
+    // The folder of another user could be exchanged or read by its owner at any time.
     if (status.st_uid != geteuid())
         return refuse(folder, "it is somebody else's");
     // Texts that nobody has published yet are no business of other users.

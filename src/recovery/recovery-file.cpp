@@ -22,18 +22,21 @@
 
 namespace {
 
-// A recovery file is a source, so that every tool reads it, with a comment on top that says whose.
+// A recovery file is a source, so that every tool reads it, with a comment on top that tells which
+// source it belongs to.
 constexpr std::string_view ending = ".lang-src";
 constexpr std::string_view declined_ending = ".declined.lang-src";
 constexpr const char *first_line =
     "/* Recovery file of the language editor: changes that were not saved.\n";
 
-// The line that tells whose it is.
+// The line of the head that names the source.
 std::string source_line(const std::string &absolute)
 {
     std::string quoted = "source  \"";
     zel::append_escaped(quoted, absolute.c_str());
     std::string line;
+    // A path may hold the end of a comment: it is escaped, or the rest of the head would be read as
+    // text.
     zel::append_comment(line, quoted);
     return line + "\"\n";
 }
@@ -49,7 +52,7 @@ std::string head_of(const std::string &absolute, const zel::file_state &loaded, 
     return head;
 }
 
-// The beginning of the file: enough for any head.
+// Reads the beginning of the file: enough for any head.
 std::string beginning_of(const std::string &path)
 {
     std::string text(64 * 1024, '\0');
@@ -81,7 +84,8 @@ bool read_head(const std::string &absolute, zel::recovery_file &file)
     return true;
 }
 
-// One that lost its end is none: the one before it would not have been replaced by it.
+// Whether the file has its last line. One that was cut off is not offered: it would bring back only
+// a part of the text.
 bool is_whole(const std::string &absolute, const std::string &path)
 {
     std::string line;
@@ -92,7 +96,7 @@ bool is_whole(const std::string &absolute, const std::string &path)
     return !name.empty() && line == found;
 }
 
-// Nobody else reads it, from the first moment.
+// A place for a file that nobody else can read, from the first moment on.
 zel::target_file private_place(const std::string &path)
 {
     zel::target_file place = zel::find_target(path.c_str(), zel::links::replace);
@@ -105,25 +109,27 @@ zel::target_file private_place(const std::string &path)
     return place;
 }
 
-// The process that wrote it, from its name; 0 when none stands there.
+// The process that wrote the file, from its name; 0 when none stands there.
 long process_of(const std::string &name, std::size_t behind)
 {
     const std::size_t at = name.find('-', behind);
     return at == std::string::npos ? 0 : std::strtol(name.c_str() + at + 1, nullptr, 10);
 }
 
-// Whether an editor that is alive wrote it and will write it again.
+// Whether an editor that is still alive wrote the file and will write it again.
 bool is_in_use(long process)
 {
     std::error_code error;
     if (process <= 0 || process == getpid())
         return false;
+    // Numbers of processes are used again: only one that runs this very program counts.
     const auto theirs =
         std::filesystem::read_symlink("/proc/" + std::to_string(process) + "/exe", error);
     return !error && theirs == std::filesystem::read_symlink("/proc/self/exe", error);
 }
 
-// What a session that was killed left half written goes after a day.
+// Removes a half-written file of a session that was killed, after a day: a younger one may still be
+// at work.
 void remove_leftover(const std::filesystem::path &path)
 {
     constexpr std::int64_t day = 24 * 60 * 60;
@@ -205,6 +211,7 @@ bool recovery_writer::step(std::size_t items)
 {
     if (text_ == nullptr)
         return false;
+    // The text of a large source is never in memory as a whole.
     const bool more = error_ == 0 && text_->append(out_, items);
     if (error_ == 0)
         error_ = file_->append(out_);
@@ -216,6 +223,7 @@ bool recovery_writer::step(std::size_t items)
         file_.reset();
         return false;
     }
+    // Set before the thread starts, which may be done before the next line here.
     g_atomic_int_set(&working_, 1);
     // Syncing may take seconds on a slow disk, and somebody is typing.
     thread_ = g_thread_try_new("recovery", work, this, nullptr);
@@ -225,7 +233,8 @@ bool recovery_writer::step(std::size_t items)
     return false;
 }
 
-// Nothing but the file is touched: the caller goes on with the source meanwhile.
+// Touches nothing but the file, since it runs in the thread: the caller works on the source
+// meanwhile.
 void recovery_writer::put_away()
 {
     error_ = file_->finish(synced::yes);
@@ -250,8 +259,8 @@ void recovery_writer::join()
     thread_ = nullptr;
 }
 
-// Called when the process ends, also from a signal: alone means that the other threads are gone,
-// so there is nobody to wait for.
+// Called when the process ends, also from a signal. With alone set the other threads are gone:
+// waiting for one would never end.
 int recovery_writer::finish(bool alone)
 {
     if (!alone)

@@ -31,7 +31,7 @@ struct recovery_file {
     std::string path;
     file_state source; // as it was when it was loaded
     std::int64_t written = 0;
-    bool declined = false; // once; the second time it goes
+    bool declined = false; // once; the second time it is removed
 };
 
 // A new name for a session's recovery file.
@@ -41,8 +41,8 @@ std::string recovery_path(const std::string &folder, const std::string &absolute
 std::vector<recovery_file> find_recovery_files(const std::string &folder,
                                                const std::string &absolute);
 
-// The user does not want it: it is kept for one more start, and goes when it was declined before.
-// 0 or errno.
+// Call when the user does not want the file: it is kept for one more start, and removed when it was
+// declined before. 0 or errno.
 int decline(const recovery_file &file);
 
 // Writes a recovery file beside other work: the text goes out piece by piece, then a thread brings
@@ -54,8 +54,8 @@ public:
     recovery_writer(const recovery_writer &) = delete;
     recovery_writer &operator=(const recovery_writer &) = delete;
 
-    // Begins anew, whatever was under way. The source is only read, and lasts; leaves_out is that
-    // of text_how.
+    // Begins again, whatever was under way. The source is only read and must last until the last
+    // piece; leaves_out is that of text_how.
     void begin(const std::string &path, const std::string &absolute, const file_state &loaded,
                std::int64_t now, const LangSource *source,
                std::function<bool(const lang_entry_t *)> leaves_out);
@@ -71,8 +71,8 @@ public:
     bool is_busy() const;
     int error() const { return error_; }
 
-    // Brings what was begun to its end, now; 0 or errno. Without threads when alone is set: for a
-    // process that has no other thread any more.
+    // Brings what was begun to its end, now; 0 or errno. With alone set it waits for no thread: for
+    // a process that has no other thread any more.
     int finish(bool alone = false);
 
     // Drops what was begun; waits for the thread.

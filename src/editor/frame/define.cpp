@@ -42,14 +42,14 @@ struct dialog_state {
     GtkWidget *scrolled; // this one
     GtkWidget *spin;     // of the what's-new time, or null
     int rows_above;      // widgets of rows_box that stand above the next new language
-    bool gone;           // the window has been destroyed
-    bool renamed;        // a language has another name now
+    bool gone;           // the window has been destroyed, with its parent or by us
+    bool renamed;        // a language has got a new name
 };
 
 const char *text(const char *item) { return zel::ui_text("define", item); }
 
 // Takes over what the entry holds, unless it is what it was filled with: a text that is not UTF-8
-// is shown with replacements and stays as it was. True when something changed.
+// is shown with replacements and stays as it was. True when something has changed.
 bool take_entry(GtkWidget *entry, char *&owned)
 {
     const char *typed = gtk_entry_get_text(GTK_ENTRY(entry));
@@ -60,7 +60,7 @@ bool take_entry(GtkWidget *entry, char *&owned)
     return true;
 }
 
-// What was typed goes into the source, also into the what's-new time without Return.
+// Takes what was typed into the source, the what's-new time also without Return.
 void take_rows(dialog_state *dialog)
 {
     if (dialog->spin != nullptr)
@@ -103,11 +103,12 @@ void switch_off_the_rest()
 
 constexpr const char *hint_key = "zel-hint"; // the dialog's label that says why
 
-// Between the rows and the buttons; there only when there is something to say.
+// Adds the hint between the rows and the buttons; it is shown only when there is something to say.
 void add_hint()
 {
     const char *why = text("Two languages are edited at most: take the mark off another one first");
     GtkWidget *hint = gtk_label_new(why);
+    // The dialog's show_all must not show it.
     gtk_widget_set_no_show_all(hint, TRUE);
     GtkWidget *box = ZEL_POPUP(defineWin)->vbox;
     gtk_box_pack_start(GTK_BOX(box), hint, FALSE, FALSE, caption_gap);
@@ -134,6 +135,7 @@ GtkWidget *make_entry(const char *value, const char *name)
     gtk_widget_set_size_request(entry, name_width, -1);
     gtk_entry_set_text(GTK_ENTRY(entry), zel::utf8_shown(value).c_str());
     gtk_entry_set_activates_default(GTK_ENTRY(entry), TRUE);
+    // Names and files of languages are for the modes that edit them.
     gtk_widget_set_sensitive(entry, lang_global.editor_mode != 0);
     zel::set_accessible_name(entry, name);
     return entry;
@@ -166,13 +168,15 @@ void add_header(GtkWidget *box)
                            FALSE, 0);
 }
 
-// The rows' part is as large as they are while the dialog fits onto the screen; then it scrolls.
+// Makes the rows' part as large as the rows, while the dialog fits onto the screen; then it
+// scrolls.
 void fit_to_screen(const dialog_state *dialog)
 {
     constexpr int title_bar = 40;
     GtkRequisition rows{};
     GtkRequisition whole{};
     gtk_widget_size_request(dialog->rows_box, &rows);
+    // Without the rows the dialog tells how much it takes around them.
     gtk_widget_set_size_request(dialog->scrolled, 0, 0);
     gtk_widget_size_request(defineWin, &whole);
     const GdkRectangle screen = zel::work_area(defineWin);
@@ -187,7 +191,7 @@ void fit_to_screen(const dialog_state *dialog)
     gtk_widget_set_size_request(dialog->scrolled, width, std::min(rows.height, room));
 }
 
-// A new row has its place only now, after it was given the keyboard.
+// Scrolls to a new row. It has its place only now, after it was given the keyboard.
 void rows_placed(GtkWidget *rows_box, GtkAllocation *, gpointer adjustment)
 {
     GtkWidget *row = gtk_container_get_focus_child(GTK_CONTAINER(rows_box));
@@ -209,7 +213,7 @@ GtkWidget *scroll_rows(GtkWidget *rows_box)
     return scrolled;
 }
 
-// A new language: its row comes after the other languages.
+// Adds a new language; its row stands below those of the others.
 void define_button_add(GtkWidget *, gpointer data)
 {
     auto *dialog = static_cast<dialog_state *>(data);
@@ -219,6 +223,7 @@ void define_button_add(GtkWidget *, gpointer data)
     dialog->source->langs = g_list_append(dialog->source->langs, lang);
     defineList = define_create_entry(dialog->rows_box, defineList, lang);
     const auto *row = static_cast<define_row_t *>(g_list_last(defineList)->data);
+    // The box also holds the path and the time, which stay below all rows.
     gtk_box_reorder_child(GTK_BOX(dialog->rows_box), gtk_widget_get_parent(row->name_entry),
                           dialog->rows_above++);
     fit_to_screen(dialog);
@@ -226,7 +231,7 @@ void define_button_add(GtkWidget *, gpointer data)
     zel::edit_set_modified(true);
 }
 
-// The folder as it stands in the settings, or what was typed over it.
+// Takes the export folder from the entry, unless it still shows the one of the settings.
 void take_export_path(GtkWidget *entry)
 {
     const char *shown = gtk_entry_get_text(GTK_ENTRY(entry));
@@ -260,6 +265,8 @@ void add_export_path(dialog_state *dialog)
     gtk_widget_set_size_request(dialog->path_entry, path_width, -1);
     gtk_entry_set_text(GTK_ENTRY(dialog->path_entry),
                        zel::utf8_shown(ini == nullptr ? nullptr : ini->dstDir).c_str());
+    // The path is chosen, not typed: a folder that does not exist would be noticed only at the
+    // export.
     gtk_widget_set_sensitive(dialog->path_entry, FALSE);
     gtk_label_set_mnemonic_widget(GTK_LABEL(caption), dialog->path_entry);
     gtk_box_pack_start(GTK_BOX(line), dialog->path_entry, TRUE, TRUE, 0);
@@ -269,7 +276,7 @@ void add_export_path(dialog_state *dialog)
     gtk_box_pack_start(GTK_BOX(line), browse, FALSE, FALSE, 0);
 }
 
-// The time as people read it, beside the field and for who hears it.
+// Shows the time as people read it, beside the field and for a screen reader.
 void show_date(GtkSpinButton *spin, std::int64_t time)
 {
     const std::string date = time == 0 ? "" : zel::date_text("%Y-%m-%d %H:%M:%S", time);
@@ -282,6 +289,7 @@ void whatsnew_changed_cb(GtkSpinButton *spin, gpointer data)
 {
     auto *source = static_cast<LangSource *>(data);
     const auto value = static_cast<std::int64_t>(gtk_spin_button_get_value(spin));
+    // Showing the value that the source has must not make it modified.
     if (source->whatsnew != value)
         zel::edit_set_modified(true);
     source->whatsnew = value;
@@ -336,13 +344,15 @@ gboolean define_delete_event(GtkWidget *, GdkEvent *, gpointer data)
     return TRUE; // define_open destroys the window, after it has taken the rows
 }
 
-// The rows' widgets are going, with the dialog's own end or with the window above it.
+// The rows' widgets are being destroyed, by the dialog's own end or with the window above it.
 void define_destroy_event(GtkWidget *, gpointer data)
 {
     auto *dialog = static_cast<dialog_state *>(data);
+    // The toolkit may send "destroy" more than once.
     if (dialog->gone)
         return;
     dialog->gone = true;
+    // The last moment at which the entries can be read.
     take_rows(dialog);
     LogPrint(1, "default_destroy: msg_box: g_main_loop_quit\n");
     g_main_loop_quit(dialog->loop);
@@ -411,6 +421,7 @@ int define_open(GtkWidget *parent, LangSource *source)
     add_hint();
     build(&dialog);
     gtk_widget_show_all(ZEL_POPUP(defineWin)->frame);
+    // Only now: hidden widgets ask for no room.
     fit_to_screen(&dialog);
     g_signal_connect(defineWin, "configure-event", G_CALLBACK(define_configure), nullptr);
     g_signal_connect(defineWin, "delete-event", G_CALLBACK(define_delete_event), &dialog);
@@ -423,6 +434,7 @@ int define_open(GtkWidget *parent, LangSource *source)
     g_main_loop_unref(dialog.loop);
     free_rows();
     defineWin = nullptr;
+    // The table's titles and the fields' captions hold the old names.
     if (dialog.renamed)
         zel::edit_reload();
     return 0;

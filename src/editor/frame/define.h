@@ -19,8 +19,8 @@ struct define_row_t {
 extern GtkWidget *defineWin; // the dialog while it is open, else null
 extern GList *defineList;    // of define_row_t, in the order of the languages
 
-// Runs the dialog above the parent's window (null: none) until it is closed; 0. The source changes
-// in place and counts as modified when a value really changed.
+// Runs the dialog above the parent's window (null: none) until it is closed; returns 0. The source
+// is changed in place, and counts as modified when a value has really changed.
 int define_open(GtkWidget *parent, LangSource *source);
 
 // Adds a row for the language to the box and to the list; returns the list.

@@ -18,7 +18,7 @@ namespace {
 
 using glib_string = std::unique_ptr<gchar, zel::release<g_free>>;
 
-// Why the chosen path cannot be opened; empty when it can, or is to be written.
+// Why the chosen path cannot be opened; empty when it can, or when it is to be written.
 std::string why_not(GtkFileChooser *files)
 {
     const GtkFileChooserAction action = gtk_file_chooser_get_action(files);
@@ -36,8 +36,8 @@ std::string why_not(GtkFileChooser *files)
            (errno == ENOENT ? zel::ui_text("reader", "there is no such file") : g_strerror(errno));
 }
 
-// What is not there to be opened is refused, so that a typing error leads to nothing; the toolkit
-// would take such a file, and make such a folder.
+// Refuses what does not exist, so that a typing error leads to nothing; the toolkit would accept
+// such a file, and create such a folder.
 void open_clicked(GtkWidget *, gpointer dialog)
 {
     const std::string why = why_not(GTK_FILE_CHOOSER(dialog));
@@ -55,6 +55,7 @@ struct chooser {
               action, GTK_STOCK_CANCEL, GTK_RESPONSE_CANCEL, accept, GTK_RESPONSE_ACCEPT, nullptr))
     {
         gtk_dialog_set_default_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT);
+        // The parent may be destroyed while the chooser runs, and the chooser with it.
         g_signal_connect(dialog, "destroy", G_CALLBACK(gtk_widget_destroyed), &dialog);
         GtkWidget *open =
             gtk_dialog_get_widget_for_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT);
@@ -85,15 +86,15 @@ struct chooser {
         return zel_strdup(path.get());
     }
     // Without a folder the toolkit might begin with its list of recent files, which has no field
-    // for a path. It forgets what it is to select when it is told a folder twice.
+    // for a path. When it is told a folder twice, it forgets which file to select.
     void start_in(const char *folder) const
     {
         const glib_string here(g_get_current_dir());
         const bool is_given = folder != nullptr && folder[0] != '\0';
         gtk_file_chooser_set_current_folder(files(), is_given ? folder : here.get());
     }
-    // A name that is no whole path is one of the folder. Only a chooser to write can hold one that
-    // is not there. Gives the name as it is shown.
+    // Sets the file that is chosen at first, and returns its name as it is shown. A name that is no
+    // whole path is one in the folder. Only a chooser to write can hold one that does not exist.
     std::string preset(const char *folder, const char *name, bool writes) const
     {
         std::error_code error;
@@ -106,6 +107,7 @@ struct chooser {
         }
         const std::string shown = zel::utf8_shown(whole.filename().c_str());
         const bool is_there = std::filesystem::exists(whole, error);
+        // A file that exists is selected, so that the list shows it.
         if (writes && is_there) {
             gtk_file_chooser_set_filename(files(), whole.c_str());
             return shown;
@@ -126,7 +128,7 @@ char *select_file(const chooser &choose, char *folder, char *name, bool writes)
     return choose.run(choose.preset(folder, name, writes).c_str());
 }
 
-// What the first filter lets through.
+// What the first filter shows.
 struct shown_files {
     std::string ending;
     std::string preset; // whole path, or empty
@@ -138,6 +140,8 @@ gboolean is_shown(const GtkFileFilterInfo *info, gpointer data)
     if (info->display_name != nullptr &&
         g_str_has_suffix(info->display_name, shown->ending.c_str()))
         return TRUE;
+    // The preset is shown whatever its ending: else the user would look for the file that was
+    // named.
     return info->filename != nullptr && shown->preset == info->filename;
 }
 
@@ -145,6 +149,7 @@ void add_filters(const chooser &choose, const char *preset, const char *ending)
 {
     std::error_code error;
     auto *shown = new shown_files{std::string(".") + ending, {}};
+    // The filter is asked with whole paths, so the preset must be one, too.
     if (preset != nullptr && preset[0] != '\0')
         shown->preset = std::filesystem::absolute(preset, error).string();
     GtkFileFilter *first = gtk_file_filter_new();
@@ -172,7 +177,7 @@ void recent_chosen(GtkComboBox *combo, gpointer files)
     g_free(path);
 }
 
-// A list of the sources opened last, under the chooser.
+// Makes a list of the sources opened last, under the chooser.
 GtkWidget *make_recent_row(GtkFileChooser *files)
 {
     GtkListStore *store = gtk_list_store_new(2, G_TYPE_STRING, G_TYPE_STRING); // shown, path
@@ -186,6 +191,7 @@ GtkWidget *make_recent_row(GtkFileChooser *files)
     const bool none = gtk_tree_model_iter_n_children(GTK_TREE_MODEL(store), nullptr) == 0;
     g_object_unref(store);
     GtkCellRenderer *text = gtk_cell_renderer_text_new();
+    // Two paths mostly differ at their ends, and begin alike.
     g_object_set(text, "ellipsize", PANGO_ELLIPSIZE_MIDDLE, nullptr);
     gtk_cell_layout_pack_start(GTK_CELL_LAYOUT(combo), text, TRUE);
     gtk_cell_layout_add_attribute(GTK_CELL_LAYOUT(combo), text, "text", 0);
@@ -195,6 +201,7 @@ GtkWidget *make_recent_row(GtkFileChooser *files)
     GtkWidget *row = gtk_hbox_new(FALSE, 6);
     gtk_box_pack_start(GTK_BOX(row), label, FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(row), combo, TRUE, TRUE, 0);
+    // Without sources the list stays, greyed out: a list that comes and goes would be looked for.
     gtk_widget_set_sensitive(row, none ? FALSE : TRUE);
     gtk_widget_show_all(row);
     return row;

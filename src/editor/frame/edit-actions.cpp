@@ -35,15 +35,16 @@ void set_filter_controls(gboolean on)
     gtk_toggle_tool_button_set_active(GTK_TOGGLE_TOOL_BUTTON(empty_tool), on);
 }
 
-// One of the two controls has changed its state.
+// Call when one of the two controls has changed its state: makes the other follow.
 void filter(gboolean on)
 {
+    // Setting the other control sends its signal, which leads here again.
     if (empty_lock != 0)
         return;
     const zel::flag_guard locked(empty_lock);
     if (def_group == nullptr) {
         zel::edit_status(zel::ui_text("common", "Nothing to do"));
-        lang_global.only_untranslated = 0; // left on by a source that is gone
+        lang_global.only_untranslated = 0; // left on by a source that has been closed
         set_filter_controls(FALSE);
         return;
     }
@@ -53,7 +54,7 @@ void filter(gboolean on)
         edit_ctrl.empty(editWin);
 }
 
-// The desktop's viewer, or where the user finds the file.
+// Shows the manual in the desktop's viewer, or tells where the file is.
 void show_manual(GtkWidget *widget, const char *path)
 {
     using glib_string = std::unique_ptr<gchar, zel::release<g_free>>;
@@ -67,8 +68,8 @@ void show_manual(GtkWidget *widget, const char *path)
     lang_msg_box(widget, text.get());
 }
 
-// Whether the key is one of the editor's own, done or not: while nothing can be marked, Alt+M must
-// not fall through to the menu of that letter.
+// Takes the key if it is one of the editor's own, whether or not it acts: while nothing can be
+// marked, Alt+M must not fall through to the menu of that letter.
 bool take_key(GtkWidget *window, guint keyval, GdkModifierType modifiers)
 {
     if (gtk_accel_groups_activate(G_OBJECT(window), keyval, modifiers))
@@ -78,8 +79,8 @@ bool take_key(GtkWidget *window, guint keyval, GdkModifierType modifiers)
     return count != 0 || (keyval == GDK_KEY_m && modifiers == GDK_MOD1_MASK);
 }
 
-// The field of the edit page that is typed in, if any, with its caret and what is selected in it:
-// an entry that is given the keyboard selects all of its text, and the next letter would replace
+// The field of the edit page that the user types in, if any, with its caret and what is selected in
+// it: an entry that gets the keyboard selects all of its text, and the next letter would replace
 // it.
 class typed_field {
 public:
@@ -137,10 +138,12 @@ void cb_settings(GtkWidget *widget, gpointer)
         zel::nothing_to_do(widget);
         return;
     }
+    // The typing so far is a step of its own, before that of the dialog.
     zel::record_begin();
     const zel::definitions before = zel::read_definitions(def_group);
     define_open(mainWin, def_group);
     zel::record_definitions(def_group, before);
+    // Others may be edited now, or have new names.
     zel::edit_select_output_langs(def_group);
 }
 
@@ -180,7 +183,7 @@ gboolean accel_first_event(GtkWidget *widget, GdkEventKey *event, gpointer)
         return FALSE;
     if (take_key(widget, gdk_keyval_to_lower(event->keyval), modifiers))
         return TRUE;
-    // The key's letter in the first layout, for who types in another script.
+    // The key's letter in the first layout, for users who type in another script.
     guint keyval = 0;
     return gdk_keymap_translate_keyboard_state(
                gdk_keymap_get_for_display(gtk_widget_get_display(widget)), event->hardware_keycode,

@@ -27,6 +27,6 @@ gboolean lang_key_press_event(GtkWidget *widget, GdkEventKey *event, gpointer da
 // cannot act.
 gboolean accel_first_event(GtkWidget *widget, GdkEventKey *event, gpointer data);
 
-// The edit page's tab has been drawn: the list gets the keyboard, and a field that is being typed
-// in gets it back, since a window passing over the tab has it drawn, too.
+// Handler of the edit page's tab when it is drawn: gives the list the keyboard. A field that the
+// user types in gets it back, since a window that passes over the tab has it drawn, too.
 gboolean list_expose_event(GtkWidget *widget, GdkEventExpose *event, gpointer data);

@@ -9,7 +9,7 @@
 
 namespace {
 
-// The toolkit takes Escape for closing the window, which discards; by key nothing is to be lost.
+// The toolkit takes Escape for closing the window, which discards; a key must not lose anything.
 gboolean no_on_escape(GtkWidget *dialog, GdkEventKey *event, gpointer)
 {
     if (event->keyval != GDK_KEY_Escape)
@@ -28,6 +28,7 @@ bool ask_discard(GtkWidget *widget)
         gtk_message_dialog_new(window_of(widget), GTK_DIALOG_MODAL, GTK_MESSAGE_QUESTION,
                                GTK_BUTTONS_YES_NO, "%s", ui_text("common", "Discard changes ?"));
     gtk_window_set_position(GTK_WINDOW(dialog), GTK_WIN_POS_CENTER);
+    // Return gives the safe answer: the changes are kept.
     gtk_dialog_set_default_response(GTK_DIALOG(dialog), GTK_RESPONSE_NO);
     g_signal_connect(dialog, "key-press-event", G_CALLBACK(no_on_escape), nullptr);
     const int answer = gtk_dialog_run(GTK_DIALOG(dialog));
@@ -37,7 +38,7 @@ bool ask_discard(GtkWidget *widget)
 
 void message(GtkWidget *widget, const char *group, const char *text)
 {
-    // All texts of errors begin so, before they are translated.
+    // All texts of errors begin with this word, before they are translated.
     const bool is_error = g_ascii_strncasecmp(text, "error", 5) == 0;
     (is_error ? error_box : lang_msg_box)(widget, ui_text(group, text));
 }

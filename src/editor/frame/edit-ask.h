@@ -17,7 +17,7 @@ void message(GtkWidget *widget, const char *group, const char *text);
 void status_and_message(GtkWidget *widget, const char *status_group, const char *group,
                         const char *text);
 
-// There is no source to work on.
+// Says that there is no source to work on.
 void nothing_to_do(GtkWidget *widget);
 
 } // namespace zel

@@ -40,6 +40,7 @@ const char *export_path(GtkWidget *widget)
 
 bool write_languages(const char *path)
 {
+    // What is written must not hold the entries that the panel has made.
     const zel::source_to_write whole;
     return split_file(def_group, path) == 0;
 }
@@ -60,11 +61,12 @@ void tell_exported(GtkWidget *widget, const char *path)
 
 zel::import_record look_before(const char *language)
 {
+    // Entries that the panel has made would count as changes of the import.
     const zel::source_to_write whole;
     return {def_group, language};
 }
 
-// A file that names no language is called after its own name.
+// A file that names no language gets its own name as the language.
 bool name_language(lang_handle_t *handle, const char *path)
 {
     if (handle->language != nullptr)
@@ -91,6 +93,7 @@ void import_file(GtkWidget *widget, const char *path)
         return;
     }
     std::printf("cb_import: Group %p lang=%s\n", static_cast<void *>(def_group), handle->language);
+    // The step that is being typed must be whole before the texts change under it.
     zel::record_begin();
     const zel::import_record before = look_before(handle->language);
     if (lang_import(def_group, handle.get()) != 0) {
@@ -99,6 +102,7 @@ void import_file(GtkWidget *widget, const char *path)
     }
     zel::source_history().add(before.changes());
     zel::edit_set_modified(true);
+    // The panel must not store its fields: they show the texts from before the import.
     const zel::flag_guard importing(lang_global.importing);
     edit_refresh();
 }
@@ -112,6 +116,7 @@ void cb_export(GtkWidget *widget, gpointer)
         zel::nothing_to_do(widget);
         return;
     }
+    // What is still in the fields is exported, too.
     if (!store_pending_edits()) {
         zel::status_and_message(widget, "common", "common", "ERROR: converting language files");
         return;

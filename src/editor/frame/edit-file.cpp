@@ -54,7 +54,7 @@ void clear_source_values()
         show_value(label, nullptr);
 }
 
-// The table goes first: it shows what is released next.
+// Destroys the table first, since it shows the source that is released next.
 void release_source()
 {
     if (editWin != nullptr)
@@ -63,17 +63,19 @@ void release_source()
     if (def_group != nullptr)
         lang_free_group(&def_group);
     def_group = nullptr;
+    // Its steps point to items that are gone.
     zel::source_history().clear();
 }
 
 void close_source()
 {
+    // The recovery file is written from the source, so its end comes first.
     zel::recovery_end();
     release_source();
     zel::watch_end();
 }
 
-// Takes the file as the current one, with the folder it is in.
+// Makes the file the current one, with the folder that it is in.
 void set_file(char *owned_path)
 {
     zel::replace_string(def_file, owned_path);
@@ -84,7 +86,7 @@ void set_file(char *owned_path)
     std::free(name);
 }
 
-// Edits still in the text panel go into the source.
+// Takes the edits that are still in the text panel into the source.
 void take_pending_edits()
 {
     if (editWin == nullptr)
@@ -107,7 +109,7 @@ bool write_source(const char *path)
     return lang_write_file(path, def_group) == 0;
 }
 
-// The same, while the file is the one that the user has agreed to write over.
+// Writes the source as long as the file is the one that the user has agreed to write over.
 zel::write_answer write_if_allowed(const char *path)
 {
     const zel::source_to_write whole;
@@ -117,7 +119,7 @@ zel::write_answer write_if_allowed(const char *path)
     return zel::write_source(path, def_group, how);
 }
 
-// Hard links: the other names stay with the file that is there now.
+// Hard links: the other names keep the file that is there now.
 bool has_other_names(const char *path)
 {
     struct stat status {};
@@ -131,11 +133,12 @@ std::string file_and_text(const char *path, const char *text)
 
 void save_under_name(GtkWidget *widget);
 
-// Writes the source and says how it went; only then are there no changes left.
+// Writes the source and says how it went. Only a success leaves no changes.
 void write_and_tell(GtkWidget *widget, const char *path)
 {
     zel::write_answer written{zel::write_not_allowed, {}};
     bool keeps_names = false;
+    // Another program may save between the question and the writing: then the question comes again.
     while (written.code == zel::write_not_allowed) {
         const zel::overwrite answer = zel::watch_ask(widget, path);
         if (answer == zel::overwrite::other_name)
@@ -144,6 +147,7 @@ void write_and_tell(GtkWidget *widget, const char *path)
             zel::edit_status(zel::ui_text("status", "Nothing was saved"));
         if (answer != zel::overwrite::yes)
             return;
+        // Asked before: afterwards the file is a new one with a single name.
         keeps_names = has_other_names(path);
         written = write_if_allowed(path);
     }
@@ -154,7 +158,8 @@ void write_and_tell(GtkWidget *widget, const char *path)
         zel::edit_set_modified(false);
         zel::recovery_drop();
         zel::watch_saved(path, written.file);
-        // The text is also an item of the editor's own texts, which is found by its spelling.
+        // The text is also an item of the editor's own texts, whose translation is found by this
+        // spelling.
         zel::message(mainWin, "status", "Write file successfull");
     } else {
         if (!written.why.empty())
@@ -170,6 +175,7 @@ std::string with_ending(const char *chosen)
     constexpr const char *ending = "lang-src";
     const bool has_it = g_str_has_suffix(chosen, ".lang-src");
     std::string path = chosen;
+    // Works in place: the text needs room for the dot, the ending and the NUL.
     path.resize(path.size() + (has_it ? 0 : std::strlen(ending) + 1) + 1);
     zel_gen_file_name_with_ext(path.data(), ending);
     path.resize(std::strlen(path.c_str()));
@@ -191,7 +197,7 @@ void save_under_name(GtkWidget *widget)
     write_and_tell(widget, path.c_str());
 }
 
-// Writes the first output language together with another one.
+// Writes the first output language together with another one into a file of their own.
 bool write_pair(const char *folder, const char *date, const char *other)
 {
     zel::replace_string(lang_global.output_lang_2, zel_strdup(other));
@@ -209,7 +215,8 @@ void save_pairs(GtkWidget *widget)
     if (!folder)
         return;
     edit_refresh();
-    // The table has set both output languages again.
+    // The chooser has run the main loop since the languages were selected: takes them from the
+    // source again, which the refresh above does not do.
     zel::edit_select_output_langs(def_group);
     if (lang_global.output_lang_1 == nullptr)
         return;
@@ -243,7 +250,7 @@ std::vector<item_t *> changed_items(const LangSource *source)
     return changed;
 }
 
-// True when the changes are saved, or the user gives them up.
+// True when the changes are saved, or the user gives them up: then the recovery file is removed.
 bool may_go(GtkWidget *widget)
 {
     if (lang_global.modified != 0 && !zel::ask_discard(widget))
@@ -261,19 +268,23 @@ void cb_open(GtkWidget *widget, gpointer)
     zel::edit_status(nullptr);
     char *chosen = zel::select_source(widget, zel::ui_text("common", "open file"));
     if (chosen == nullptr) {
-        zel::recovery_write_soon(); // what was given up is still there
+        // The user cancelled after Discard: the edits are still in memory.
+        zel::recovery_write_soon();
         return;
     }
     set_file(chosen);
     zel::recovery_drop(); // it may have been written again while the chooser was open
     close_source();
     if (!zel::edit_read_source()) {
+        // The source from before is closed already: the window must not show its values any longer.
         clear_source_values();
         return;
     }
     zel::edit_show_source();
     show_source_values();
+    // Changes of the source before that were discarded have left the mark.
     zel::edit_set_modified(false);
+    // Last, since it may ask a question above the window, which is complete by then.
     zel::edit_guard_source(widget);
 }
 
@@ -300,6 +311,7 @@ void cb_save_as(GtkWidget *widget, gpointer)
         save_selected(widget);
     else
         save_under_name(widget);
+    // They belong to the save that asked for them.
     clear_output_langs();
 }
 
@@ -341,6 +353,7 @@ namespace zel {
 bool edit_read_source()
 {
     note_source_directory(def_file);
+    // Before the reading, so that a change meanwhile is noticed.
     watch_note(def_file);
     read_report report(def_file);
     const auto listener = [&report](const read_message &message) {
@@ -368,17 +381,19 @@ void edit_show_source()
     editWin = edit_ctrl.new_table();
     gtk_widget_set_name(editWin, "item-table");
     g_signal_connect(editWin, "destroy", G_CALLBACK(gtk_widget_destroyed), &editWin);
+    // Before the table is filled: from then on typing is recorded.
     undo_watch(editWin);
     if (edit_ctrl.set != nullptr)
         edit_ctrl.set(editWin, def_group);
     gtk_box_pack_start(GTK_BOX(editBox), editWin, TRUE, TRUE, 0);
-    gtk_widget_show(editWin); // not what it hides inside
+    gtk_widget_show(editWin); // not show_all, which would show what the table hides inside
 }
 
 void edit_guard_source(GtkWidget *parent)
 {
     watch_begin(parent);
     if (source_guard recovered = recovery_offer(parent)) {
+        // The source that was read gives way to the recovered one; its lock and its path stay.
         release_source();
         def_group = recovered.release();
         const std::vector<item_t *> changed = changed_items(def_group);

@@ -10,7 +10,7 @@ void cb_save_as(GtkWidget *widget, gpointer data);            // under another n
 void cb_save_selected_lang(GtkWidget *widget, gpointer data); // language pair
 void cb_exit(GtkWidget *widget, gpointer data);
 
-// The main window is closed: TRUE when the user keeps it.
+// Handler of closing the main window: TRUE when the user keeps it.
 gboolean delete_event(GtkWidget *widget, GdkEvent *event, gpointer data);
 
 // Writes and releases the settings, releases the source.
@@ -25,8 +25,8 @@ bool edit_read_source();
 // Makes the table of def_group on the edit page.
 void edit_show_source();
 
-// Guards the shown source from now on: its lock, the offer of what an earlier editor could not save
-// (which takes its place when the user wants it), its recovery file.
+// Guards the shown source from now on: takes its lock, offers what an earlier editor could not save
+// (which replaces the source when the user wants it), and begins its recovery file.
 void edit_guard_source(GtkWidget *parent);
 
 } // namespace zel

@@ -60,7 +60,7 @@ GtkWidget *make_table(std::vector<GtkWidget *> &texts)
     return table;
 }
 
-// Texts are wrapped where the screen is narrower.
+// Wraps the texts where the screen is narrower than the table.
 void wrap_texts(GtkWidget *table, const std::vector<GtkWidget *> &texts, int room)
 {
     const int excess = request_of(table).width - room;
@@ -68,6 +68,7 @@ void wrap_texts(GtkWidget *table, const std::vector<GtkWidget *> &texts, int roo
     for (GtkWidget *text : texts)
         widest = std::max(widest, request_of(text).width);
     for (GtkWidget *text : texts) {
+        // Only those that are wider than the room: the others stay on one line.
         if (excess <= 0 || request_of(text).width <= widest - excess)
             continue;
         gtk_label_set_line_wrap(GTK_LABEL(text), TRUE);
@@ -75,7 +76,7 @@ void wrap_texts(GtkWidget *table, const std::vector<GtkWidget *> &texts, int roo
     }
 }
 
-// The table in a window that is no larger than the screen, where it scrolls.
+// Adds the table to a window that is no larger than the screen; there it scrolls.
 void add_table(GtkDialog *dialog)
 {
     std::vector<GtkWidget *> texts;
@@ -95,7 +96,8 @@ void add_table(GtkDialog *dialog)
                                 std::min(whole.height, room));
 }
 
-// What a screen reader says when the window comes up: labels have no keyboard to reach them by.
+// Sets what a screen reader says when the window appears: labels get no keyboard, so nobody could
+// reach them.
 void describe_window(GtkWidget *window)
 {
     std::string all;
@@ -117,6 +119,7 @@ namespace zel {
 
 const std::vector<key_row> &editor_keys()
 {
+    // Must stay in step with the manual's table of keys, in its order.
     static const std::vector<key_row> rows{
         {"Ctrl+O", "Load"},
         {"Ctrl+S", "Save"},

@@ -23,7 +23,7 @@ bool in_this_mode(unsigned modes) { return (modes & (1U << lang_global.editor_mo
 
 enum class entry { title, item, check, separator };
 
-// A key is bound, or only shown beside an entry because another entry has it.
+// A key is bound, or only shown beside an entry because another entry is bound to it.
 enum class key_use { none, bound, shown };
 
 struct menu_row {
@@ -160,7 +160,7 @@ constexpr tool_row tool_rows[] = {
 
 void add_key(GtkWidget *item, const menu_row &row)
 {
-    // Keys of a group that no window has are only shown.
+    // A key that is only shown belongs to a group that no window has.
     static GtkAccelGroup *shown_only;
     if (row.use == key_use::none)
         return;
@@ -223,11 +223,13 @@ void add_button(GtkWidget *toolbar, const tool_row &row)
     GtkWidget *button =
         zel_toolbar_append_element(toolbar, toggles ? ZEL_TOOL_TOGGLE : ZEL_TOOL_BUTTON, nullptr,
                                    tooltip, tooltip, icon, nullptr, nullptr);
+    // The toggles are set before the handler is connected: setting is no click.
     if (is_posnr)
         gtk_toggle_tool_button_set_active(GTK_TOGGLE_TOOL_BUTTON(button), lang_global.posnr != 0);
     else if (toggles)
         empty_tool = button;
     g_signal_connect(button, "clicked", G_CALLBACK(row.act), &def_group);
+    // One wide button would make all of them wide.
     gtk_tool_item_set_homogeneous(GTK_TOOL_ITEM(button), FALSE);
 }
 

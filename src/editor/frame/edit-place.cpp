@@ -19,7 +19,8 @@ bool is_maximized(GtkWidget *window)
              GDK_WINDOW_STATE_ICONIFIED)) != 0;
 }
 
-// A window that fills the screen has no place of its own.
+// Keeps the window's place in the settings. A window that fills the screen, or is an icon, has no
+// place of its own.
 gboolean on_configure(GtkWidget *window, GdkEvent *, gpointer)
 {
     if (ini == nullptr || is_maximized(window))
@@ -30,7 +31,7 @@ gboolean on_configure(GtkWidget *window, GdkEvent *, gpointer)
     gint height = 0;
     gtk_window_get_position(GTK_WINDOW(window), &x, &y);
     gtk_window_get_size(GTK_WINDOW(window), &width, &height);
-    // At the edges -1 is a place, too, and would say "nowhere".
+    // A window at the screen's edge may be at -1, which would say "nowhere" in the settings.
     ini->main_x = std::max(x, 0);
     ini->main_y = std::max(y, 0);
     ini->main_w = width;
@@ -62,10 +63,12 @@ void keep_window_place(GtkWidget *window)
     const bool has_place = ini->main_x > nowhere && ini->main_y > nowhere;
     const GdkRectangle kept{std::max(ini->main_x, 0), std::max(ini->main_y, 0), ini->main_w,
                             ini->main_h};
+    // The settings may come from a larger screen, or from a monitor that is switched off now.
     const GdkRectangle area = has_place ? work_area_at(window, kept.x, kept.y) : work_area(window);
     const GdkRectangle place = place_within(kept, area);
     gtk_window_set_default_size(top, place.width, place.height);
     if (has_place) {
+        // The window was made to appear in the centre, which would override the move.
         gtk_window_set_position(top, GTK_WIN_POS_NONE);
         gtk_window_move(top, place.x, place.y);
     }

@@ -6,7 +6,7 @@
 
 namespace zel {
 
-// A window's place within an area; as large as it was, as far as the area has room.
+// Puts a window's place into an area, as large as it was, as far as the area has room.
 [[nodiscard]] GdkRectangle place_within(GdkRectangle place, const GdkRectangle &area);
 
 // Before the window is shown: gives it its least size, 800 × 600 unless that and a title are more

@@ -16,13 +16,14 @@
 
 namespace {
 
-// The log is open since the start where its folder was there. In a fresh home the first complaint
-// is worth making one.
+// Opens the log, which has been open since the start where its folder was there. In a fresh home
+// the first complaint is worth making the folder.
 void open_log()
 {
     static bool tried = false;
     if (tried || LogGetFd() != nullptr || lang_global.log_file == nullptr)
         return;
+    // Tried once: a home that cannot be written would be tried with each message.
     tried = true;
     if (zel::recovery_folder().empty()) // makes the program's home, or says why there is none
         return;
@@ -31,8 +32,8 @@ void open_log()
     LogOpen(lang_global.log_file, LOG_OPEN_NEW, "ZEL Language editor");
 }
 
-// What the toolkit complains of is for the log: a translator's terminal shows the editor's own
-// messages only.
+// Handler of the toolkit's complaints: they go to the log, since a translator's terminal shows the
+// editor's own messages only.
 void log_toolkit_message(const gchar *domain, GLogLevelFlags level, const gchar *message, gpointer)
 {
     zel::end_on_glib_error(level);
@@ -47,7 +48,7 @@ void log_toolkit_message(const gchar *domain, GLogLevelFlags level, const gchar 
 void edit_take_toolkit_args(int *argc, char ***argv)
 {
     gtk_parse_args(argc, argv);
-    // The toolkit speaks the user's language; numbers in files are the same everywhere.
+    // The toolkit sets the user's locale, for its texts; numbers in files are the same everywhere.
     std::setlocale(LC_NUMERIC, "C");
 }
 
@@ -56,6 +57,8 @@ int edit_start(const char *file)
     g_log_set_default_handler(log_toolkit_message, nullptr);
     int count = 0;
     if (!gtk_init_check(&count, nullptr)) {
+        // The name from the command line comes before that of the environment, as it does for the
+        // toolkit.
         const char *display = gdk_get_display_arg_name();
         if (display == nullptr)
             display = g_getenv("DISPLAY");
@@ -65,6 +68,7 @@ int edit_start(const char *file)
             std::fprintf(stderr, "lang: the editor cannot open the display \"%s\"\n", display);
         return 1;
     }
+    // The start of the toolkit has set the locale again.
     std::setlocale(LC_NUMERIC, "C");
     zel_tab_edit_get_ctrls(&edit_ctrl);
     edit_more = zel::tab_edit_more();

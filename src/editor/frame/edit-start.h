@@ -8,7 +8,7 @@ extern "C" {
 // Takes the toolkit's own options out of the command line. Needs no display.
 void edit_take_toolkit_args(int *argc, char ***argv);
 
-// Runs the editor, with the file unless it is null, until it ends: 0. Only now is the display
-// opened; without one, a line on standard error and 1.
+// Runs the editor, with the file unless it is null, until it ends: 0. The display is opened only
+// now; without one it prints a line on standard error and returns 1.
 int edit_start(const char *file);
 }

@@ -42,11 +42,12 @@ item_t *item_of(const edit_step &step)
     return nullptr;
 }
 
-// The item's row number, -1 for one that is not used: its position number tells it.
+// The item's row number, which its position number tells; -1 for an item that is not used.
 int row_of(const item_t *item)
 {
     const auto &rows = (*table()->rows)->rows;
     const std::int32_t row = item->posnr - 1;
+    // An item that is not used has a number from an earlier list, or none.
     const bool is_there = row >= 0 && static_cast<std::size_t>(row) < rows.size() &&
                           rows[static_cast<std::size_t>(row)].item == item;
     return is_there ? row : -1;
@@ -54,7 +55,7 @@ int row_of(const item_t *item)
 
 int place_of(int row) { return zel_tab_model_place_of(ZEL_TAB_MODEL(table()->sort_model), row); }
 
-// Selects the item's row, which no search and no filter hides then.
+// Selects the item's row; what hides it, a search or a filter, is switched off first.
 void go_to(const item_t *item)
 {
     const int row = item == nullptr ? -1 : row_of(item);
@@ -63,12 +64,14 @@ void go_to(const item_t *item)
     if (GtkWidget *notebook = gtk_widget_get_ancestor(editWin, GTK_TYPE_NOTEBOOK))
         gtk_notebook_set_current_page(GTK_NOTEBOOK(notebook),
                                       gtk_notebook_page_num(GTK_NOTEBOOK(notebook), editBox));
+    // One after the other, until the row is shown: a filter that does not hide it stays.
     if (place_of(row) < 0)
         gtk_entry_set_text(GTK_ENTRY(table()->search_entry), "");
     if (place_of(row) < 0)
         gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(table()->work->filter_button()), FALSE);
     if (place_of(row) < 0)
         gtk_check_menu_item_set_active(GTK_CHECK_MENU_ITEM(empty_menu), FALSE);
+    // Selecting the row again would store the fields and fill them again.
     if (panel()->item != item)
         tab_list_go_to(GTK_TREE_VIEW(table()->view), place_of(row));
 }
@@ -81,7 +84,7 @@ std::string shown(const entry_text &text)
     return all;
 }
 
-// Where the changed part of the text ends, in letters.
+// Where the changed part of the text ends, in characters.
 int caret_in(const std::string &text, const std::string &other)
 {
     const std::size_t common = std::min(text.size(), other.size());
@@ -89,10 +92,12 @@ int caret_in(const std::string &text, const std::string &other)
         std::mismatch(text.begin(), text.begin() + static_cast<long>(common), other.begin()).first;
     const long head = start - text.begin();
     long tail = 0;
+    // The two parts must not overlap: "aa" to "aaa" has one letter of difference, at the end.
     while (tail < static_cast<long>(common) - head &&
            *(text.rbegin() + tail) == *(other.rbegin() + tail))
         ++tail;
     std::size_t end = text.size() - static_cast<std::size_t>(tail);
+    // The end may lie within a letter of several bytes.
     while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U)
         ++end;
     return static_cast<int>(g_utf8_strlen(text.c_str(), static_cast<gssize>(end)));
@@ -110,7 +115,8 @@ int field_of(const text_place &place)
     return -1;
 }
 
-// The field goes on as it was: as the item holds its text, or as typed and to be stored again.
+// The field goes on in the state of the step: with the text as the item holds it, or as typed and
+// still to be stored.
 void change_field(int number, const entry_text &text, const entry_text &other)
 {
     Zeltext *of = panel();
@@ -118,6 +124,7 @@ void change_field(int number, const entry_text &text, const entry_text &other)
     GtkTextBuffer *buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(view));
     const std::string letters = shown(text);
     {
+        // Filling the field is no typing.
         const flag_guard filling(lang_global.text_lock);
         clear_text_view_buffer(view);
         gtk_text_buffer_insert_at_cursor(buffer, letters.c_str(), -1);
@@ -125,6 +132,7 @@ void change_field(int number, const entry_text &text, const entry_text &other)
     set_lines(of->*fields[number].entry, text);
     of->item->changed = text.changed;
     of->dirty[number] = text.typed ? 1 : 0;
+    // An entry that was not there before the change counts as made for showing the item.
     of->made[number] = text.there ? 0 : 1;
 
     GtkTextIter caret;
@@ -139,10 +147,10 @@ void change_ready(const ready_change &change, bool before)
     if (panel()->item == change.item)
         gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(table()->ready_button),
                                      (before ? change.before : change.after) != 0);
-    apply_change(change, before); // exactly
+    apply_change(change, before); // the button knows only yes and no, the item may hold any number
 }
 
-// One text or mark, as the most are.
+// Changes one text or mark, which most steps consist of.
 void change_here(const edit_change &change, bool before)
 {
     if (const auto *ready = std::get_if<ready_change>(&change)) {
@@ -159,14 +167,15 @@ void change_here(const edit_change &change, bool before)
         zel_tab_model_row_changed(ZEL_TAB_MODEL(table()->sort_model), row_of(item));
     text_below_show(panel());
     if (panel()->item != nullptr)
-        table()->work->item_shown(row_of(panel()->item)); // its texts are judged anew
+        table()->work->item_shown(row_of(panel()->item)); // its texts are judged again
 }
 
-// Many, or languages: the panel holds nothing meanwhile.
+// Changes many texts, or the languages. The panel shows no item meanwhile.
 void change_source(const edit_step &step, bool before)
 {
     zel_text_set(table()->text_widget, nullptr, nullptr, 1);
     if (before) {
+        // Backwards: of two changes of one text, the earlier one has the text to go back to.
         for (auto change = step.changes.rbegin(); change != step.changes.rend(); ++change)
             apply_change(*change, true);
     } else {
@@ -181,12 +190,14 @@ void take(bool back)
 {
     if (def_group == nullptr || editWin == nullptr)
         return;
+    // What is being typed is the first thing to undo.
     record_begin();
     const edit_step *step = back ? source_history().undo() : source_history().redo();
     if (step == nullptr) {
         edit_status(back ? ui_text("text", "Nothing to undo") : ui_text("text", "Nothing to redo"));
         return;
     }
+    // What is changed below is no new step.
     const record_pause pause;
     edit_status(nullptr);
     go_to(item_of(*step));
@@ -194,6 +205,7 @@ void take(bool back)
         change_here(step->changes[0], back);
     else
         change_source(*step, back);
+    // The last saved state may lie in either direction.
     edit_set_modified(source_history().modified());
 }
 

@@ -10,8 +10,8 @@ namespace zel {
 // Ctrl+Z and Shift+Ctrl+Z of the main window, whose keys are there.
 void undo_add_keys();
 
-// Records what is done in the table from now on, with nothing to undo yet, and puts the entries
-// into its fields' menus.
+// Records what is done in the table from now on, with nothing to undo yet, and adds undo and redo
+// to the menus of its fields.
 void undo_watch(GtkWidget *table);
 
 // Takes a step back, or does the next one again; says so in the status line when there is none.

@@ -39,7 +39,7 @@ constexpr info_row info_rows[] = {
     {"Export path:", &lang_global_t::export_path_label, PANGO_ELLIPSIZE_MIDDLE},
 };
 
-// The icon of the user's theme, else the one among the program's data.
+// Sets the icon of the user's theme, else the one among the program's data.
 void set_icon()
 {
     if (lang_global.doc_base_dir != nullptr) {
@@ -59,6 +59,7 @@ GtkWidget *make_window()
     gtk_window_add_accel_group(GTK_WINDOW(mainWin), accel_group);
     zel::undo_add_keys();
     zel::keys_add_key();
+    // Digits are exchanged before the keys of the window see them.
     g_signal_connect(mainWin, "key_press_event", G_CALLBACK(lang_key_press_event), &def_group);
     g_signal_connect(mainWin, "key-press-event", G_CALLBACK(accel_first_event), &def_group);
     g_signal_connect(mainWin, "delete_event", G_CALLBACK(delete_event), &def_group);
@@ -67,7 +68,8 @@ GtkWidget *make_window()
     return mainWin;
 }
 
-// A little smaller than the rest: the captions have a fixed width, the work below wants the room.
+// Makes a label a little smaller than the rest: the captions have a fixed width, and the room
+// belongs to the work below.
 GtkWidget *make_info_label(const char *text)
 {
     GtkWidget *label = gtk_label_new(text);
@@ -79,12 +81,13 @@ GtkWidget *make_info_label(const char *text)
     return label;
 }
 
-// Wider only where a large font would cut a caption.
+// The width of the captions: more than usual only where a large font would cut one.
 int width_of_captions()
 {
     int width = caption_width;
     for (const info_row &row : info_rows) {
         GtkWidget *label = make_info_label(zel::ui_text("common", row.caption));
+        // A label that is in no window has only a floating reference.
         g_object_ref_sink(label);
         GtkRequisition wanted{};
         gtk_widget_size_request(label, &wanted);
@@ -132,6 +135,8 @@ GtkWidget *make_notebook()
 
     editBox = gtk_vbox_new(FALSE, 0);
     lang_global.edit_tab_label = gtk_label_new(zel::ui_text("common", "Language Edit"));
+    // The tab is drawn when its page comes to the front: this is how the list gets the keyboard
+    // then.
     g_signal_connect(lang_global.edit_tab_label, "expose-event", G_CALLBACK(list_expose_event),
                      &def_group);
     gtk_notebook_append_page(GTK_NOTEBOOK(notebook), editBox, lang_global.edit_tab_label);
@@ -157,6 +162,7 @@ GtkWidget *make_status_frame()
     zel::edit_status(nullptr);
     gtk_box_pack_start(GTK_BOX(row), statusWin, TRUE, TRUE, 0);
     changed_sign = gtk_label_new(zel::ui_text("common", "changed"));
+    // The window is shown with show_all; the sign comes with the first change.
     gtk_widget_set_no_show_all(changed_sign, TRUE);
     gtk_misc_set_padding(GTK_MISC(changed_sign), around_pane, 0);
     gtk_box_pack_start(GTK_BOX(row), changed_sign, FALSE, FALSE, 0);
@@ -175,11 +181,12 @@ void build_window()
     gtk_box_pack_start(GTK_BOX(box), make_info_frame(), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(box), make_notebook(), TRUE, TRUE, 0);
     gtk_box_pack_start(GTK_BOX(box), make_status_frame(), FALSE, FALSE, 0);
+    // Before the window is shown: a window that moves after it has appeared looks broken.
     zel::keep_window_place(mainWin);
     gtk_widget_show_all(mainWin);
 }
 
-// After the end nothing of the window is left for anybody to find.
+// Destroys the window and clears every pointer to its widgets, so that nobody finds one afterwards.
 void take_down_window()
 {
     if (mainWin != nullptr)
@@ -193,7 +200,7 @@ void take_down_window()
     zel::release_dictionaries();
 }
 
-// The settings are let go of, unwritten.
+// Frees the settings without writing them.
 void close_settings()
 {
     ini_free(ini);
@@ -206,14 +213,17 @@ int edit()
 {
     ini = ini_new("lang.lang-ini");
     ini_read(ini);
+    // Before the first window: widgets take their styles when they are made.
     zel::apply_theme();
     build_window();
     zel::close_hidden_menus();
+    // The window is there already, since its status line tells why the file cannot be read.
     if (def_file != nullptr && !zel::edit_read_source()) {
         std::puts("Error in language file");
         std::fprintf(stderr, "lang: %s\n", gtk_entry_get_text(GTK_ENTRY(statusWin)));
         close_settings();
     } else {
+        // Only now: before, there is no state that a signal or a crash could lose.
         zel::end_signals_begin();
         if (def_file != nullptr) {
             zel::edit_show_source();

@@ -28,22 +28,27 @@ gboolean end_in_order(gpointer data)
 {
     const int number = GPOINTER_TO_INT(data);
     LogPrint(1, "end: signal %d\n", number);
+    // The state first: whatever fails after it, the changes are kept.
     zel::recovery_write_now();
     prg_exit();
     LogClose();
+    // The status that a shell gives for a process that the signal has ended.
     lang_exit(128 + number);
 }
 
 bool is_ignored(int number)
 {
     struct sigaction now {};
+    // A handler of three arguments shares its place with the simple one, whose value says nothing
+    // then.
     return sigaction(number, nullptr, &now) == 0 && (now.sa_flags & SA_SIGINFO) == 0 &&
            now.sa_handler == SIG_IGN;
 }
 
 XIOErrorHandler handler_before;
 
-// The widgets are left alone: every call to the display would end here again.
+// Ends without the display. The widgets are left alone: every call to the display would lead here
+// again.
 int end_without_display(Display *)
 {
     static bool ending;
@@ -52,12 +57,14 @@ int end_without_display(Display *)
     ending = true;
     LogPrint(1, "end: the display is gone\n");
     zel::recovery_write_now();
+    // Not prg_exit, which would destroy the table's widgets.
     ini_write(ini);
     ini_free(ini);
     zel::watch_end();
     std::fputs("lang: the display is gone\n", stderr);
     std::fflush(stdout);
     LogClose();
+    // Not exit, whose handlers would talk to the display.
     _exit(1);
 }
 
@@ -79,28 +86,33 @@ void give_back(crash &row)
     row.is_ours = false;
 }
 
-// In the copy: whatever happens to it, it ends.
+// Runs in the copy of the process: whatever happens to it, it ends.
 [[noreturn]] void write_and_end()
 {
     constexpr unsigned patience = 3;
     sigset_t none;
     sigemptyset(&none);
+    // A crash in the copy must not make a copy of its own.
     for (const crash &row : crashes)
         std::signal(row.number, SIG_DFL);
     std::signal(SIGALRM, SIG_DFL);
+    // The handler runs with its own signal blocked, and the copy inherits that.
     sigprocmask(SIG_SETMASK, &none, nullptr);
+    // A lock that another thread held at the crash is never released here.
     alarm(patience);
     zel::recovery_write_now(true);
     _exit(0);
 }
 
-// The process may hold any lock and have any of its memory spoilt, so it does nothing itself but
-// wait. A copy that hangs or crashes in its turn has done no harm.
+// Handler of a crash. The process may hold any lock and have any of its memory spoilt, so it does
+// nothing itself but wait. A copy that hangs or crashes in its turn has done no harm.
 void on_crash(int number)
 {
     static volatile std::sig_atomic_t inside;
+    // A second crash, while the first is dealt with, goes straight on to its end.
     if (inside == 0) {
         inside = 1;
+        // Not fork, whose handlers take locks of the allocator.
         const pid_t copy = _Fork();
         if (copy == 0)
             write_and_end();
@@ -108,6 +120,7 @@ void on_crash(int number)
             waitpid(copy, nullptr, 0);
     }
     for (crash &row : crashes) {
+        // The handler from before must be run by hand: raising the signal would skip its message.
         const auto before = row.before.sa_handler;
         if (row.number == number && row.is_ours && before != SIG_DFL && before != SIG_IGN)
             before(number); // ends the process where there is no memory
@@ -117,7 +130,8 @@ void on_crash(int number)
     raise(number); // once this handler has returned
 }
 
-// Not where something else than the program's own handler for want of memory looks after it.
+// Takes the signal over, unless something else than the program's own handler for want of memory
+// already handles it.
 void take(crash &row)
 {
     struct sigaction action {};

@@ -1,7 +1,7 @@
 #pragma once
 
-// Ends that nobody chose in the window: signals, a display that is gone, a crash. The unsaved state
-// goes into the recovery file first.
+// Ends that nobody chose in the window: signals, a lost display, a crash. The unsaved state is
+// written to the recovery file first.
 
 namespace zel {
 

@@ -19,7 +19,7 @@ path_field *state_of_field(gpointer chooser)
     return static_cast<path_field *>(g_object_get_data(G_OBJECT(chooser), field_key));
 }
 
-// The first widget inside for which the test holds.
+// Returns the first widget inside, or the widget itself, for which the test holds.
 GtkWidget *find_inside(GtkWidget *widget, bool (*test)(GtkWidget *))
 {
     struct search {
@@ -44,7 +44,7 @@ bool is_field(GtkWidget *widget)
     return g_strcmp0(G_OBJECT_TYPE_NAME(widget), "GtkFileChooserEntry") == 0;
 }
 
-// The field when it has the keyboard.
+// The field while it has the keyboard, else null.
 GtkEntry *typed_in(gpointer chooser)
 {
     GtkWidget *focus = gtk_window_get_focus(GTK_WINDOW(chooser));
@@ -57,7 +57,8 @@ void put(GtkEntry *entry, const char *text)
     gtk_editable_set_position(GTK_EDITABLE(entry), -1);
 }
 
-// The toolkit shows the field in a chooser to open by a signal that only its own keys send.
+// Shows the field. In a chooser to open, the toolkit does so only by a signal that its own keys
+// send.
 void pop_up_field(GtkWidget *chooser, const char *text)
 {
     GtkWidget *taker = find_inside(chooser, [](GtkWidget *widget) {
@@ -67,10 +68,11 @@ void pop_up_field(GtkWidget *chooser, const char *text)
         g_signal_emit_by_name(taker, "location-popup", text);
 }
 
-// A letter typed where none is taken begins a path, as the toolkit has it for "/" and "~".
+// A letter that is typed outside of a field begins a path, as the toolkit has it for "/" and "~".
 gboolean begin_path(GtkWidget *chooser, GdkEventKey *event, gpointer)
 {
     const gunichar letter = gdk_keyval_to_unicode(event->keyval);
+    // Shift only makes a capital; with other keys the letter is a command.
     const guint modifiers =
         gtk_accelerator_get_default_mod_mask() & ~static_cast<guint>(GDK_SHIFT_MASK);
     const bool with_modifier = (event->state & modifiers) != 0;
@@ -93,7 +95,8 @@ void text_changed(GtkEntry *entry, gpointer chooser)
     gtk_widget_hide(field->refusal);
 }
 
-// The toolkit makes the field and takes it away as it likes.
+// Handler of "set-focus": the toolkit makes the field and destroys it as it likes, so each one that
+// gets the keyboard is watched.
 void focus_moved(GtkWidget *chooser, GtkWidget *focus, gpointer)
 {
     constexpr const char *watched = "zel-watched";
@@ -101,6 +104,7 @@ void focus_moved(GtkWidget *chooser, GtkWidget *focus, gpointer)
         g_object_get_data(G_OBJECT(focus), watched) != nullptr)
         return;
     g_object_set_data(G_OBJECT(focus), watched, focus);
+    // The preset's name is not put over a text that somebody has typed already.
     if (gtk_entry_get_text_length(GTK_ENTRY(focus)) == 0)
         gtk_entry_set_text(GTK_ENTRY(focus), state_of_field(chooser)->preset.c_str());
     state_of_field(chooser)->now = gtk_entry_get_text(GTK_ENTRY(focus));
@@ -117,7 +121,7 @@ std::string name_at_cursor(GtkFileChooser *chooser)
     return shown;
 }
 
-// The list has been read, and the toolkit has selected a file in it and put its name into the
+// The list has been read: the toolkit has selected a file in it, and has put its name into the
 // field in place of what was typed there meanwhile.
 void selection_changed(GtkFileChooser *chooser, gpointer)
 {
@@ -126,6 +130,7 @@ void selection_changed(GtkFileChooser *chooser, gpointer)
         return;
     const path_field *field = state_of_field(chooser);
     const std::string text = gtk_entry_get_text(entry);
+    // A copy: taking the selection away changes the field, and so what is remembered of it.
     const std::string typed = field->before;
     if (text != field->preset && text == name_at_cursor(chooser)) {
         gtk_file_chooser_unselect_all(chooser);
@@ -135,12 +140,14 @@ void selection_changed(GtkFileChooser *chooser, gpointer)
         gtk_editable_select_region(GTK_EDITABLE(entry), 0, -1);
 }
 
-// The toolkit takes a folder in its own time; a chooser that comes up before that begins elsewhere,
-// and loses what stands in its field.
+// Waits until the toolkit has taken the folder, which it does in its own time: a chooser that
+// appears before begins in another folder, and loses what stands in its field.
 void wait_for_folder(GtkWidget *chooser)
 {
+    // A folder on a network may never come: then the chooser appears as it is.
     constexpr gint64 longest = 1000000; // microseconds
     const gint64 end = g_get_monotonic_time() + longest;
+    // The iteration below sleeps until something happens: the timer makes it look at the clock.
     const guint wake = g_timeout_add(
         5, [](gpointer) -> gboolean { return TRUE; }, nullptr);
     gtk_widget_realize(chooser);
@@ -177,6 +184,7 @@ void show_path_field(GtkWidget *chooser, const char *preset)
     pop_up_field(chooser, preset);
     if (GtkEntry *entry = typed_in(chooser))
         gtk_editable_select_region(GTK_EDITABLE(entry), 0, -1);
+    // Only now: the chooser's own first selection is no reading of the list.
     g_signal_connect(chooser, "selection-changed", G_CALLBACK(selection_changed), nullptr);
 }
 
@@ -191,6 +199,7 @@ void put_path(GtkWidget *chooser, const char *path)
 void refuse_path(GtkWidget *chooser, const char *why)
 {
     path_field *field = state_of_field(chooser);
+    // The chooser may show no field just now: then only the label tells.
     if (GtkWidget *entry = find_inside(chooser, is_field)) {
         gtk_widget_grab_focus(entry);
         gtk_editable_set_position(GTK_EDITABLE(entry), -1);

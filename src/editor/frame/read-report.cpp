@@ -22,6 +22,7 @@ std::string with_place(const zel::read_message &message)
 {
     std::string text;
     if (message.at.line != 0) {
+        // The reader counts columns from 0, people from 1.
         text += std::string(zel::ui_text("status", "line")) + " " +
                 std::to_string(message.at.line) + ", " + zel::ui_text("status", "column") + " " +
                 std::to_string(message.at.column + 1) + ": ";
@@ -40,12 +41,14 @@ void read_report::hear(const read_message &message)
     if (const char *failure = read_failure(message))
         failure_ = failure;
     std::string &kept = message.row->after == outcome::go_on ? warning_ : error_;
+    // The first message is the cause; what follows it is often only its consequence.
     if (kept.empty())
         kept = with_place(message);
 }
 
 std::string read_report::cause(read_cause why) const
 {
+    // A syntax error tells its place and needs no other words.
     if (why == read_cause::syntax && !error_.empty())
         return error_;
     if (why == read_cause::absent)
@@ -65,6 +68,7 @@ std::string read_report::text(const read_answer &answer) const
     const LangSource *source = answer.source.get();
     std::string text = path_ + ": " + counted(used_items(source), "item", "items") + ", " +
                        counted(g_list_length(source->langs), "language", "languages");
+    // What was not read matters more than what was only noticed.
     const std::string &noticed = error_.empty() ? warning_ : error_;
     return noticed.empty() ? text : text + "; " + noticed;
 }

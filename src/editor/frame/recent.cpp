@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t most_sources = 10;
 
-// By this group our sources are found among what other programs opened.
+// The group by which our sources are found among the files of other programs.
 char group[] = "lang-source";
 
 using glib_string = std::unique_ptr<gchar, zel::release<g_free>>;
@@ -34,6 +34,7 @@ void remember_source(const char *path)
     const glib_string uri(g_filename_to_uri(whole.get(), nullptr, nullptr));
     if (!uri)
         return;
+    // The toolkit's record takes writable texts.
     char mime[] = "application/x-lang-source";
     char name[] = "lang";
     char command[] = "lang edit %f";
@@ -50,12 +51,14 @@ std::vector<std::string> recent_sources()
         auto *info = static_cast<GtkRecentInfo *>(node->data);
         const glib_string path(
             g_filename_from_uri(gtk_recent_info_get_uri(info), nullptr, nullptr));
+        // A file that has been deleted stays in the desktop's list.
         if (path && gtk_recent_info_has_group(info, group) != 0 &&
             gtk_recent_info_exists(info) != 0)
             all.push_back({gtk_recent_info_get_modified(info), path.get()});
         gtk_recent_info_unref(info);
     }
     g_list_free(items);
+    // Stable: two files of one second keep the order of the list.
     std::stable_sort(all.begin(), all.end(),
                      [](const opened &a, const opened &b) { return a.when > b.when; });
     std::vector<std::string> paths;

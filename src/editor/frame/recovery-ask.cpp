@@ -12,7 +12,8 @@
 
 namespace {
 
-// What the editor notes by itself beside a change that somebody made.
+// Fields that the editor writes by itself beside a change that somebody made: nobody is asked about
+// them.
 constexpr std::string_view not_told[] = {"changed", "colwidth group", "colwidth item",
                                          "colwidth ctrl", "rowheight"};
 constexpr std::string_view texts[] = {"text", "comment", "item"};
@@ -31,6 +32,7 @@ std::string where_of(const zel::difference &one)
     if (one.item != nullptr)
         where.append(":").append(one.item);
     const std::string_view field = one.field;
+    // These fields are the usual ones, and say nothing more than the item's name.
     if (field != "text" && field != "item" && field != "group" && field != "language")
         where.append(where.empty() ? "" : ", ").append(field);
     if (one.language != nullptr)
@@ -98,13 +100,15 @@ constexpr int least_list_width = 600;
 constexpr int least_list_height = 220;
 constexpr int where_width = 140; // the texts share the rest
 
-// All of a text is seen, in as many lines as it takes.
+// Wraps the text at the width that its column has now, so that all of it is shown in as many lines
+// as it takes.
 void wrap_at_width(GtkTreeViewColumn *column, GParamSpec *, gpointer cell)
 {
     constexpr int margin = 8;
     const int width = std::max(gtk_tree_view_column_get_width(column) - margin, 1);
     int before = 0;
     g_object_get(cell, "wrap-width", &before, nullptr);
+    // Setting the width asks for another layout, which sends this signal again.
     if (before == width)
         return;
     g_object_set(cell, "wrap-width", width, nullptr);
@@ -146,11 +150,12 @@ GtkWidget *make_list(const std::vector<zel::recovered_difference> &all)
     return view;
 }
 
-// The list comes up below the question, which goes on.
+// Shows the list below the question, which goes on.
 void add_list(GtkWidget *dialog, int response, gpointer differences)
 {
     if (response != show_list)
         return;
+    // The dialog would take the button for an answer and end.
     g_signal_stop_emission_by_name(dialog, "response");
     const auto &all = *static_cast<const std::vector<zel::recovered_difference> *>(differences);
     GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
@@ -162,8 +167,10 @@ void add_list(GtkWidget *dialog, int response, gpointer differences)
     gtk_container_add(GTK_CONTAINER(scrolled), make_list(all));
     gtk_box_pack_start(GTK_BOX(gtk_dialog_get_content_area(GTK_DIALOG(dialog))), scrolled, TRUE,
                        TRUE, 0);
+    // Questions have a fixed size, and a list is worth a larger one.
     gtk_window_set_resizable(GTK_WINDOW(dialog), TRUE);
     gtk_widget_show_all(scrolled);
+    // One list is enough.
     gtk_dialog_set_response_sensitive(GTK_DIALOG(dialog), show_list, FALSE);
 }
 
@@ -195,6 +202,7 @@ bool ask_recovery(GtkWidget *parent, const recovery_question &question)
                            GTK_STOCK_NO, GTK_RESPONSE_NO, GTK_STOCK_YES, GTK_RESPONSE_YES, nullptr);
     gtk_dialog_set_default_response(GTK_DIALOG(dialog), GTK_RESPONSE_YES);
     gtk_window_set_position(GTK_WINDOW(dialog), GTK_WIN_POS_CENTER);
+    // A copy, since the handler needs it to be writable data.
     auto differences = question.differences;
     g_signal_connect(dialog, "response", G_CALLBACK(add_list), &differences);
     const int answer = gtk_dialog_run(GTK_DIALOG(dialog));

@@ -12,7 +12,7 @@
 
 namespace zel {
 
-// What the recovery file has otherwise.
+// One difference between the source and the recovery file.
 struct recovered_difference {
     std::string where;  // "group:item", and what of it
     std::string before; // in the source that was read
@@ -29,7 +29,7 @@ struct recovery_question {
     std::vector<recovered_difference> differences;
 };
 
-// True for yes. Closing the question is no.
+// True for yes. Closing the question means no.
 bool ask_recovery(GtkWidget *parent, const recovery_question &question);
 
 } // namespace zel

@@ -25,8 +25,8 @@ constexpr int no_folder = -1;
 
 struct session {
     zel::recovery_writer writer;
-    std::string path;                // of this session's file; empty: none can be written
-    std::string taken;               // what the user took; goes once there is this session's file
+    std::string path;  // of this session's file; empty: none can be written
+    std::string taken; // what the user took; removed once there is this session's file
     std::optional<unsigned> written; // zel::edit_changes that the file holds, if there is one
     unsigned started = 0;            // those of what is being written
     int restarts = 0;
@@ -45,16 +45,20 @@ bool is_made_by_looking(const lang_entry_t *entry)
 
 void begin(zel::recovery_writer &writer, const std::string &path)
 {
+    // What is still in the fields belongs to the state.
     if (editWin != nullptr && edit_ctrl.update != nullptr)
         edit_ctrl.update(editWin);
+    // Before the writer begins: a change while it writes must count as newer.
     now.started = zel::edit_changes;
     writer.begin(path, zel::watched_path(), zel::watched_state(), std::time(nullptr), def_group,
                  is_made_by_looking);
 }
 
-// In the status line too: where there can be no recovery file, there may be no log.
+// Tells that nothing can be kept, in the status line as well: where there can be no recovery file,
+// there may be no log.
 void say_unkept(int error)
 {
+    // Told once for each cause: the status line is needed for other things every half minute.
     if (error == now.said)
         return;
     now.said = error;
@@ -78,7 +82,7 @@ void stop_pieces()
     now.idle = 0;
 }
 
-// What was being written is in its place, or could not be put there.
+// Takes the result of the last writing: the file is in its place, or could not be put there.
 void take_result()
 {
     if (!now.result_waits)
@@ -88,6 +92,7 @@ void take_result()
     if (error == 0) {
         now.written = now.started;
         now.said = 0;
+        // Only now is the state that was taken safe in a file of this session.
         remove_taken();
         return;
     }
@@ -97,8 +102,8 @@ void take_result()
     say_unkept(error);
 }
 
-// Begins again where somebody has typed meanwhile, but not for ever: who types without a pause has
-// a file too.
+// Writes one piece. Begins again where somebody has typed meanwhile, but not for ever: who types
+// without a pause must get a file, too.
 gboolean write_piece(gpointer)
 {
     if (now.started != zel::edit_changes && now.restarts < most_restarts) {
@@ -108,6 +113,7 @@ gboolean write_piece(gpointer)
     if (now.writer.step(zel::recovery_items_at_a_time))
         return TRUE;
     now.idle = 0;
+    // The thread may still work: the next look takes its result.
     now.result_waits = true;
     return FALSE;
 }
@@ -120,11 +126,13 @@ bool is_changed()
 
 gboolean look(gpointer)
 {
+    // The last one is still under way: this look is left out.
     if (now.idle != 0 || now.writer.is_busy())
         return TRUE;
     take_result();
     if (lang_global.modified == 0 && now.written)
-        zel::recovery_drop(); // all of it was undone
+        zel::recovery_drop(); // everything was undone
+    // Only with changes is it worth a message.
     if (def_group != nullptr && lang_global.modified != 0 && now.path.empty())
         say_unkept(no_folder);
     if (!is_changed())
@@ -135,23 +143,25 @@ gboolean look(gpointer)
     return TRUE;
 }
 
-// The state that the file holds, when the user wants it.
+// Returns the state that the file holds, when the user wants it.
 source_guard offer(GtkWidget *parent, const zel::recovery_file &file)
 {
     zel::read_answer answer = zel::read_source(file.path.c_str(), {lang_global.start_time, {}, {}});
+    // A file that cannot be read stays where it is: a person may still rescue it by hand.
     if (!answer.source) {
         LogPrint(1, "recovery: ERROR %s cannot be read\n", file.path.c_str());
         return nullptr;
     }
     const auto differences = [&answer] {
-        const zel::source_to_write whole; // without what showing the first item has made
+        // Without the entries that exist only because the first item is shown.
+        const zel::source_to_write whole;
         return zel::differences_to(def_group, answer.source.get());
     };
     zel::recovery_question question{zel::watched_path(), std::time(nullptr) - file.written,
                                     !file.source.same_text(zel::watched_state()), file.declined,
                                     differences()};
     if (question.differences.empty()) {
-        unlink(file.path.c_str()); // all of it has been saved
+        unlink(file.path.c_str()); // all of it has been saved already
         return nullptr;
     }
     if (zel::ask_recovery(parent, question))
@@ -169,6 +179,7 @@ namespace zel {
 source_guard recovery_offer(GtkWidget *parent)
 {
     now.taken.clear();
+    // The other editor writes a recovery file of its own, which is in use.
     if (!watch_is_alone())
         return nullptr;
     const std::string folder = recovery_folder();
@@ -186,6 +197,7 @@ source_guard recovery_offer(GtkWidget *parent)
 void recovery_begin()
 {
     const std::string folder = recovery_folder();
+    // A name of this session's own: the file that was offered stays until this one is written.
     now.path = folder.empty() ? folder : recovery_path(folder, watched_path(), std::time(nullptr));
     now.written.reset();
     now.said = 0;
@@ -208,6 +220,7 @@ void recovery_end()
 void recovery_drop()
 {
     stop_pieces();
+    // Waits for the thread: a file that it puts in place later would offer saved changes.
     now.writer.abandon();
     now.result_waits = false;
     remove_taken();
@@ -223,11 +236,13 @@ void recovery_write_now(bool alone)
     if (!is_changed())
         return;
     if (alone) {
+        // A writer of its own: the session's may be in the middle of anything.
         recovery_writer writer;
         begin(writer, recovery_path(recovery_folder(), watched_path(), std::time(nullptr)));
         writer.finish(true);
         return;
     }
+    // The pieces so far are of an older state; the whole is written at once.
     stop_pieces();
     begin(now.writer, now.path);
     now.writer.finish();

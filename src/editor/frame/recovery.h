@@ -9,32 +9,33 @@
 
 namespace zel {
 
-// How often it is looked whether something has changed; tests shorten it before recovery_begin.
+// How often the editor checks whether something has changed; tests shorten it before
+// recovery_begin.
 extern guint recovery_interval; // milliseconds
 
 // How much of the source is written in one piece.
 inline constexpr std::size_t recovery_items_at_a_time = 300;
 
-// The source is shown and watched. Offers the recovery files that fit it: the state that the user
-// takes, for the caller to show in the source's place, or null.
+// Call when the source is shown and watched. Offers the recovery files that fit it. Returns the
+// state that the user takes, for the caller to show in the source's place, or null.
 [[nodiscard]] source_guard recovery_offer(GtkWidget *parent);
 
-// From now on the current source's changes are written.
-// that was offered, which is unsaved from the first moment.
+// From now on the current source's changes are written, also those of a state that was offered,
+// which is unsaved from the first moment.
 void recovery_begin();
 
-// The source is no longer current; its recovery file stays where it is.
+// Call when the source is no longer current; its recovery file stays where it is.
 void recovery_end();
 
-// The changes are saved, or given up: there is nothing to recover.
+// Call when the changes are saved or given up: removes the recovery file.
 void recovery_drop();
 
-// Does not wait for the next half minute with unsaved changes.
+// Writes unsaved changes without waiting for the next half minute.
 void recovery_write_soon();
 
-// Writes the state at once, and is done when it returns, if there are unsaved changes. With alone
-// set in a process that has no other thread and is about to die: the file gets a name of its own,
-// and the one before stays.
+// Writes the state at once if there are unsaved changes, and is done when it returns. alone: for a
+// process that has no other thread and is about to die; the file gets a name of its own, and the
+// one before stays.
 void recovery_write_now(bool alone = false);
 
 // Whether nothing is being written at the moment and no changes wait for it.

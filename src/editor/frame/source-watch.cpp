@@ -24,13 +24,14 @@ struct watch {
 };
 watch current;
 
-// Whether both name one file, or would.
+// Whether both paths name the same file, or would if it existed.
 bool is_watched(const char *path)
 {
     struct stat one {};
     struct stat other {};
     if (current.path.empty())
         return false;
+    // By the files themselves, so that links and other spellings of the path count.
     if (stat(path, &one) == 0 && stat(current.path.c_str(), &other) == 0)
         return zel::id_of(one) == zel::id_of(other);
     return zel::absolute_path(path) == current.path;
@@ -65,6 +66,7 @@ gboolean look_again(GtkWidget *, GdkEventFocus *, gpointer)
     if (current.path.empty())
         return FALSE;
     const zel::file_news news = zel::news_of(current.path.c_str(), current.known);
+    // Told once: coming back to the window is no news.
     if (news == current.told)
         return FALSE;
     current.told = news;
@@ -93,6 +95,7 @@ void watch_begin(GtkWidget *parent)
         return;
     const std::string text = with_path("another editor has this source open") + " (" +
                              utf8_shown(current.lock.holder().c_str()) + ").";
+    // In both: the box is closed at once, the status line stays.
     edit_status(text.c_str());
     const std::string more =
         text + "\n" +
@@ -124,13 +127,16 @@ void watch_saved(const char *path, const file_id &written)
 
 bool watch_allows(const char *path)
 {
+    // Compared with the state that the user was asked about, not with the loaded one.
     return !is_watched(path) || news_of(current.path.c_str(), current.agreed) != file_news::changed;
 }
 
 overwrite watch_ask(GtkWidget *parent, const char *path)
 {
+    // A time that has changed over the same text is no reason to ask.
     const bool is_changed =
         is_watched(path) && news_of(current.path.c_str(), current.known) == file_news::changed;
+    // The text may change again while the question is open; watch_allows notices that.
     current.agreed = is_changed ? state_of(current.path.c_str()) : current.known;
     if (!is_changed)
         return overwrite::yes;

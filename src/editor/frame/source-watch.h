@@ -12,14 +12,14 @@
 
 namespace zel {
 
-// What is about to be read: the file's text is remembered from before the reading, so that a change
+// Call before a file is read: remembers its text from before the reading, so that a change
 // meanwhile is noticed later.
 void watch_note(const char *path);
 
-// The source was read and is shown: takes its lock. When another editor has it, a message says so.
+// Call when the source is shown: takes its lock. When another editor has it, a message says so.
 void watch_begin(GtkWidget *parent);
 
-// The source is no longer current: no lock file is left.
+// Call when the source is no longer current: removes its lock file.
 void watch_end();
 
 // Whether this editor is the only one that is known to have the source open.
@@ -29,19 +29,19 @@ bool watch_is_alone();
 const std::string &watched_path();
 const file_state &watched_state();
 
-// The watched file was written by us, as that file.
+// Call when we have written the watched file, with the file that was written.
 void watch_saved(const char *path, const file_id &written);
 
-// Before the file at the path is written over. When that is the source's, and another program has
-// changed it, the user decides; no is the default.
+// Call before the file at the path is written over. When it is the source's file, and another
+// program has changed it, the user decides; no is the default.
 enum class overwrite { yes, no, other_name };
 overwrite watch_ask(GtkWidget *parent, const char *path);
 
-// Whether the file at the path still is as it was when that was asked or answered.
+// Whether the file at the path is still the one that the user was asked about.
 bool watch_allows(const char *path);
 
-// The main window tells in the status line, when it gets the keyboard back, what has become of the
-// file meanwhile.
+// When the main window gets the keyboard back, the status line tells what has become of the file
+// meanwhile.
 void watch_window(GtkWidget *window);
 
 } // namespace zel

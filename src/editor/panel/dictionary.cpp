@@ -37,9 +37,10 @@ public:
         const auto known = answers_.find(word);
         if (known != answers_.end())
             return known->second;
+        // Everything is dropped at once: the words of the shown texts are soon known again.
         if (answers_.size() >= most_answers)
             answers_.clear();
-        // Below zero is an error; of that nobody is told.
+        // Below zero is an error: a word that cannot be judged is not underlined.
         const bool right =
             enchant_dict_check(dict_, word.data(), static_cast<ssize_t>(word.size())) <= 0;
         answers_.emplace(word, right);
@@ -73,8 +74,8 @@ private:
     std::unordered_map<std::string, bool> answers_;
 };
 
-// enchant makes the user's own lists of words without looking where it does. Over somebody else's
-// link, and in the working folder, there are none: nothing can be made below that name.
+// enchant makes the user's own lists of words without looking where. Behind somebody else's link,
+// or in the working folder, they must not be made: below this name nothing can be.
 EnchantBroker *init_broker()
 {
     constexpr const char *variable = "ENCHANT_CONFIG_DIR";
@@ -100,13 +101,14 @@ public:
     }
     ~library()
     {
+        // The dictionaries belong to the broker, which must be freed after them.
         loaded_.clear();
         enchant_broker_free(broker_);
     }
     library(const library &) = delete;
     library &operator=(const library &) = delete;
 
-    // The dictionary's name, empty for none.
+    // The name of the dictionary for the language, empty for none.
     const std::string &name_for(const std::string &language)
     {
         const auto known = names_.find(language);
@@ -115,7 +117,7 @@ public:
         return names_[language] = assist::choose_dictionary(language, there_);
     }
 
-    // The loaded one, which comes first then; null when it is not.
+    // The loaded dictionary, which moves to the front; null when it is not loaded.
     enchant_dictionary *loaded(const std::string &name)
     {
         const auto found = std::find_if(loaded_.begin(), loaded_.end(),
@@ -130,11 +132,13 @@ public:
     {
         EnchantDict *dict = enchant_broker_request_dict(broker_, name.c_str());
         if (dict == nullptr) {
+            // It is listed and cannot be loaded: forget it, so that the next best one is chosen.
             there_.erase(std::remove(there_.begin(), there_.end(), std::string(name)),
                          there_.end());
             names_.clear();
             return nullptr;
         }
+        // The last one was used least recently.
         if (loaded_.size() == most_loaded)
             loaded_.pop_back();
         loaded_.insert(loaded_.begin(), std::make_unique<enchant_dictionary>(broker_, dict, name));
@@ -174,7 +178,7 @@ bool is_dictionary_ready(const std::string &language)
 
 dictionary *find_dictionary(const std::string &language)
 {
-    // Where one cannot be loaded another may do.
+    // A dictionary that cannot be loaded leaves the list: another may do, until none is left.
     for (;;) {
         const std::string name = the_library().name_for(language);
         if (name.empty())

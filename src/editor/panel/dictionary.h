@@ -33,8 +33,8 @@ protected:
 // Whether the program can find dictionaries at all.
 bool has_dictionaries();
 
-// Whether there is a dictionary for the language, a name or a code. Loads none; what could not be
-// loaded is not there.
+// Whether there is a dictionary for the language, a name or a code. Loads none; one that could not
+// be loaded before counts as missing.
 bool is_dictionary_there(const std::string &language);
 
 // Whether the next call would have nothing to load.
@@ -44,7 +44,7 @@ bool is_dictionary_ready(const std::string &language);
 // there is none. Loading takes some 100 ms for a big one.
 dictionary *find_dictionary(const std::string &language);
 
-// Lets go of all dictionaries.
+// Frees all dictionaries.
 void release_dictionaries();
 
 } // namespace zel

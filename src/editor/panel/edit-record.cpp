@@ -12,16 +12,16 @@ using zel::entry_text;
 using zel::fields;
 using zel::keystroke;
 
-// A field of a panel.
+// One field of a panel.
 struct watched {
     Zeltext *text;
     int number;
 };
 
-// The field whose step is open; no panel when that has gone.
+// The field whose step is open; its panel is null once that has been destroyed.
 watched typed_in;
 
-// What the user does now; 0 between two things.
+// Number of the user's action that is going on; 0 between two.
 std::uint64_t action;
 std::uint64_t last_action;
 
@@ -36,13 +36,15 @@ zel::text_place place_of(const watched &field)
     return {field.text->item, fields[field.number].entries, entry->lang};
 }
 
-// The field's text before a change; as the item holds it while nothing was typed.
+// The field's text before a change. While nothing was typed it is read from the item, since the
+// view may show other bytes.
 entry_text text_before(const watched &field)
 {
     const int *dirty = field.text->dirty;
     const bool is_typed = dirty[field.number] != 0;
     entry_text text = is_typed ? entry_text{true, true, 0, zel::buffer_lines(buffer_of(field))}
                                : zel::read_text(place_of(field));
+    // An entry that was made to show the item does not count as there: undo removes it again.
     text.there = is_typed || field.text->made[field.number] == 0;
     const bool touched = std::any_of(dirty, dirty + TEXT_FIELDS, [](int is) { return is != 0; });
     text.changed = touched ? 1 : field.text->item->changed;
@@ -54,6 +56,7 @@ void finish_typing()
     edit_history &history = zel::source_history();
     if (!history.is_open())
         return;
+    // Without the panel only the item can tell the text.
     if (typed_in.text != nullptr)
         history.finish({true, true, 1, zel::buffer_lines(buffer_of(typed_in))});
     else
@@ -62,6 +65,7 @@ void finish_typing()
 
 void set_typed_in(const watched &field)
 {
+    // The panel may be destroyed with a step open; the pointer becomes null then.
     auto *pointer = reinterpret_cast<gpointer *>(&typed_in.text);
     if (typed_in.text != nullptr)
         g_object_remove_weak_pointer(G_OBJECT(typed_in.text), pointer);
@@ -69,13 +73,14 @@ void set_typed_in(const watched &field)
     g_object_add_weak_pointer(G_OBJECT(typed_in.text), pointer);
 }
 
-// The field's text is about to change: by typing, or to show something else.
+// Call before the field's text changes: by typing, or because the panel shows something else.
 void before_change(const watched &field, keystroke key)
 {
     edit_history &history = zel::source_history();
     const bool is_open_here =
         typed_in.text == field.text && typed_in.number == field.number && history.is_open();
     if (lang_global.text_lock != 0 || zel::record_pause::depth != 0) {
+        // The field is about to show another text: this is the last moment to read what was typed.
         if (is_open_here)
             finish_typing();
         return;
@@ -126,6 +131,8 @@ void record_typing(Zeltext *text)
     for (int number = 0; number < TEXT_FIELDS; ++number) {
         auto *field = new watched{text, number};
         GtkTextBuffer *buffer = buffer_of(*field);
+        // The closure owns the record, which lives as long as the buffer. It serves the second
+        // handler, too.
         g_signal_connect_data(
             buffer, "insert-text", G_CALLBACK(on_insert), field,
             [](gpointer data, GClosure *) { delete static_cast<watched *>(data); },
@@ -139,7 +146,8 @@ void record_typing(Zeltext *text)
 void record_begin()
 {
     finish_typing();
-    // What was changed without a step, as what a program brought back, is not undone by any.
+    // What has changed the source without a step, as a recovered file does, is not undone by any:
+    // no undo may call the source saved.
     if (lang_global.modified != 0 && !source_history().modified())
         source_history().lose_saved();
 }
@@ -157,6 +165,7 @@ void record_definitions(LangSource *source, const definitions &before)
     if (source == nullptr) // released while the dialog was open
         return;
     finish_typing();
+    // The dialog may have been closed without a change: that is no step.
     definitions after = read_definitions(source);
     if (!(after == before))
         source_history().add({definitions_change{source, before, std::move(after)}});

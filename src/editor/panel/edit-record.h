@@ -1,6 +1,6 @@
 #pragma once
 
-// Writes down what is done in the windows, for undoing: the history of the source is fed from here.
+// Records what the user does in the windows, for undoing: the source's history is fed from here.
 
 #include <gtk/gtk.h>
 
@@ -9,20 +9,21 @@
 
 namespace zel {
 
-// Records what is typed into the panel's fields from now on, until the panel goes.
+// Records what is typed into the panel's fields from now on, until the panel is destroyed.
 void record_typing(Zeltext *text);
 
-// Ends the step that is being typed, so that the history is whole. Comes before whatever else is
+// Ends the step that is being typed, so that the history is whole. Call before anything else is
 // recorded, and before the source is changed for it.
 void record_begin();
 
-// The item's mark is about to change. A mark that does not count leaves the source unmodified.
+// Call before the item's mark changes. A mark that does not count leaves the source unmodified.
 void record_ready(item_t *item, std::int32_t ready, bool counts);
 
-// The dialog of the languages was open; before: what they were, after record_begin.
+// Call after the dialog of the languages has closed; before: what they were, read after
+// record_begin.
 void record_definitions(LangSource *source, const definitions &before);
 
-// What happens while it lives is no edit of the user's.
+// While one lives, changes of the fields are the program's and are not recorded.
 class record_pause {
 public:
     record_pause() { ++depth; }

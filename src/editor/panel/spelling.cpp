@@ -20,7 +20,7 @@ namespace {
 using zel::fields;
 using zel::assist::word;
 
-// A dictionary is loaded once the window is there and the list has been judged.
+// A dictionary is loaded only once the window is there and the list has been judged.
 constexpr gint64 spelling_slice = 4000; // microseconds
 constexpr std::size_t most_suggestions = 5;
 constexpr const char *tag_name = "misspelt";
@@ -57,7 +57,7 @@ std::size_t bytes_before(const std::string &text, int offset)
     return static_cast<std::size_t>(g_utf8_offset_to_pointer(text.c_str(), offset) - text.c_str());
 }
 
-// A text that is being looked at.
+// A text that is being checked, word by word.
 struct text_scan {
     spelled_field *field = nullptr; // none is looked at
     std::string text;
@@ -74,7 +74,8 @@ struct text_scan {
         wrong.clear();
         if (of.typed_at < 0)
             return;
-        // What is being typed is no word yet.
+        // The word that is being typed is not checked yet: it would be underlined at each of its
+        // first letters.
         const std::size_t caret = bytes_before(text, of.typed_at);
         words.erase(std::remove_if(words.begin(), words.end(),
                                    [caret](const word &one) {
@@ -83,7 +84,7 @@ struct text_scan {
                                    }),
                     words.end());
     }
-    // False when the time was up before the end.
+    // Checks words until the time is up; false when that is before the end.
     bool go_on(zel::dictionary &words_known, gint64 end)
     {
         for (; next < words.size(); ++next) {
@@ -96,7 +97,7 @@ struct text_scan {
     }
 };
 
-// The panel's spelling; it goes with the panel.
+// The spelling of a panel, which is destroyed together with it.
 class speller {
 public:
     explicit speller(Zeltext *text) : text_(text)
@@ -106,6 +107,7 @@ public:
     }
     ~speller()
     {
+        // Timer and handlers point to this object and to its fields.
         if (timer_ != 0)
             g_source_remove(timer_);
         for (const spelled_field &field : fields_)
@@ -126,8 +128,11 @@ public:
     void look_again(spelled_field &field)
     {
         field.stale = true;
+        // What has been found so far belongs to the old text: the check begins again.
         if (scan_.field == &field)
             scan_.field = nullptr;
+        // The first check waits until the window is drawn; later ones begin as soon as nothing else
+        // is to be done.
         if (timer_ == 0)
             timer_ = looked_ ? g_idle_add_full(G_PRIORITY_LOW, slice, this, nullptr)
                              : g_timeout_add_full(G_PRIORITY_LOW, zel::before_first_spelling, slice,
@@ -151,14 +156,16 @@ private:
     bool looked_ = false; // the first time has come
 };
 
-// False when there is more to do.
+// Checks the field for a while; false when there is more to do.
 bool speller::look_at(spelled_field &field, gint64 end)
 {
     const std::string language = language_of(field);
+    // Switched off, or without a dictionary: the old underlines must go, too.
     if (!ini_spelling(ini) || language.empty() || !zel::is_dictionary_there(language)) {
         zel::tag_places(field.buffer(), field.tag, {});
         return true;
     }
+    // Loading a dictionary takes a whole slice: the words wait for the next one.
     const bool was_ready = zel::is_dictionary_ready(language);
     zel::dictionary *words = zel::find_dictionary(language);
     if (!was_ready || words == nullptr)
@@ -172,7 +179,7 @@ bool speller::look_at(spelled_field &field, gint64 end)
     return true;
 }
 
-// One text or one dictionary at a time, so that the window stays quick.
+// A slice: one text, or one dictionary, so that the window answers keys in between.
 gboolean speller::slice(gpointer data)
 {
     auto *self = static_cast<speller *>(data);
@@ -184,6 +191,7 @@ gboolean speller::slice(gpointer data)
             continue;
         if (self->look_at(field, end))
             field.stale = false;
+        // Each slice ends here: a key that waits is handled before the next field.
         self->timer_ = g_idle_add_full(G_PRIORITY_LOW, slice, self, nullptr);
         break;
     }
@@ -193,12 +201,13 @@ gboolean speller::slice(gpointer data)
 void on_change(GtkTextBuffer *, gpointer data)
 {
     auto *field = static_cast<spelled_field *>(data);
+    // Only where the user types, the caret marks a word that is not finished.
     const bool typed = lang_global.text_lock == 0 && gtk_widget_is_focus(GTK_WIDGET(field->view));
     field->typed_at = typed ? field->caret() : -1;
     field->owner->look_again(*field);
 }
 
-// The caret has left the word that was typed.
+// Call when the caret has left the word that was typed: now it is checked.
 void leave_word(spelled_field &field)
 {
     if (field.typed_at < 0)
@@ -220,10 +229,11 @@ gboolean on_focus_out(GtkWidget *, GdkEventFocus *, gpointer data)
     return FALSE;
 }
 
-// The toolkit's menu does not tell where it was opened.
+// Remembers where the menu will be opened: the toolkit's menu does not tell.
 gboolean on_button(GtkWidget *, GdkEventButton *event, gpointer data)
 {
     auto *field = static_cast<spelled_field *>(data);
+    // A click beside the text is at no word.
     field->menu_at = -1;
     if (event->window != gtk_text_view_get_window(field->view, GTK_TEXT_WINDOW_TEXT))
         return FALSE;
@@ -240,12 +250,13 @@ gboolean on_button(GtkWidget *, GdkEventButton *event, gpointer data)
 
 gboolean on_menu_key(GtkWidget *, gpointer data)
 {
+    // A menu that a key opens is for the word at the caret.
     static_cast<spelled_field *>(data)->menu_at = -1;
     return FALSE;
 }
 
-// By its name a view gets the colour of the line (editor/theme). A name is set once: that sets the
-// style anew.
+// The view's name decides the colour of the line (toolkit/theme). Set only when it is another one:
+// setting it sends "style-set", which calls this again.
 void colour_misspelt(GtkWidget *view, GtkStyle *, gpointer)
 {
     const char *name = zel::is_dark(view) ? "dark-text" : "light-text";
@@ -253,7 +264,7 @@ void colour_misspelt(GtkWidget *view, GtkStyle *, gpointer)
         gtk_widget_set_name(view, name);
 }
 
-// What stands there in the field.
+// The text that now stands at the word's place in the field.
 std::string text_at(const chosen_word &word)
 {
     GtkTextIter start;
@@ -268,17 +279,18 @@ std::string text_at(const chosen_word &word)
 
 constexpr const char *replacement_key = "zel-replacement";
 
-// As if it was typed, so that it counts as an edit and is one step to undo.
+// Puts the suggestion in as if it was typed, so that it counts as an edit and is one step to undo.
 void take_suggestion(GtkWidget *item, gpointer data)
 {
     const auto &word = *static_cast<chosen_word *>(data);
     const std::string written = text_at(word);
     const std::vector<::word> now = zel::assist::words_of(written);
-    // The text may have become another one under the open menu.
+    // The text may have changed under the open menu: then nothing is replaced.
     if (now.size() != 1 || now[0].letters != word.letters)
         return;
     const auto *letters =
         static_cast<const char *>(g_object_get_data(G_OBJECT(item), replacement_key));
+    // The mnemonic's underscore and the kind of apostrophe stay as they are written.
     const std::string replacement = zel::assist::written_like(written, letters);
     GtkTextBuffer *buffer = word.field->buffer();
     GtkTextIter start;
@@ -296,6 +308,7 @@ void add_word(GtkWidget *, gpointer data)
     const auto &word = *static_cast<chosen_word *>(data);
     if (zel::dictionary *words = zel::find_dictionary(word.field->owner->language_of(*word.field)))
         words->add(word.letters);
+    // The word may stand in any of the fields.
     word.field->owner->look_at_all_again();
 }
 
@@ -305,7 +318,7 @@ void switch_checks(GtkCheckMenuItem *item, gpointer data)
     static_cast<spelled_field *>(data)->owner->look_at_all_again();
 }
 
-// An entry that acts on the word, which it keeps.
+// Makes an entry that acts on the word, of which it keeps a copy.
 GtkWidget *word_entry(const char *text, const chosen_word &word, void (*act)(GtkWidget *, gpointer))
 {
     GtkWidget *item = gtk_menu_item_new_with_label(text);
@@ -324,7 +337,7 @@ void make_bold(GtkWidget *item)
     pango_attr_list_unref(attributes);
 }
 
-// What stands above the menu's own entries for a word that the dictionary does not know.
+// The entries above the menu's own, for a word that the dictionary does not know.
 std::vector<GtkWidget *> word_entries(const chosen_word &word, zel::dictionary &words)
 {
     std::vector<GtkWidget *> items;
@@ -334,6 +347,7 @@ std::vector<GtkWidget *> word_entries(const chosen_word &word, zel::dictionary &
         make_bold(item);
         items.push_back(item);
     }
+    // A line that says so: a menu without suggestions would look as if nothing had been checked.
     if (items.empty()) {
         items.push_back(gtk_menu_item_new_with_label(zel::ui_text("text", "(no suggestions)")));
         gtk_widget_set_sensitive(items[0], FALSE);
@@ -350,13 +364,15 @@ chosen_word word_for_menu(spelled_field &field)
     const int offset = field.menu_at < 0 ? field.caret() : field.menu_at;
     const int length = gtk_text_buffer_get_char_count(field.buffer());
     const std::size_t at = bytes_before(text, std::min(offset, length));
+    // The caret right behind a word counts as in it.
     for (const word &one : zel::assist::words_of(text))
         if (one.place.at <= at && at <= one.place.at + one.place.length)
             return {&field, zel::places_of(text, {one.place})[0], one.letters};
     return {&field, {0, 0}, ""};
 }
 
-// The place of the menu's first line, behind the editor's other entries.
+// The place of the menu's first line: the switch stands above it, behind the entries of cutting and
+// pasting.
 int first_line_of(GtkMenu *menu)
 {
     GList *children = gtk_container_get_children(GTK_CONTAINER(menu));
@@ -376,6 +392,7 @@ void fill_menu(GtkTextView *, GtkMenu *menu, gpointer data)
         return;
     const bool on = ini_spelling(ini);
     zel::dictionary *words = on ? zel::find_dictionary(language) : nullptr;
+    // Listed, and cannot be loaded: no switch for what does not work.
     if (on && words == nullptr)
         return;
     GtkWidget *toggle = gtk_check_menu_item_new_with_label(zel::ui_text("text", "Check spelling"));
@@ -407,7 +424,7 @@ void speller::watch(spelled_field &field, int number)
     g_signal_connect(field.view, "button-press-event", G_CALLBACK(on_button), &field);
     g_signal_connect(field.view, "popup-menu", G_CALLBACK(on_menu_key), &field);
     g_signal_connect(field.view, "style-set", G_CALLBACK(colour_misspelt), &field);
-    // Behind the others, so that the words stand on top.
+    // After the handlers of others, so that the words stand on top of the menu.
     g_signal_connect_after(field.view, "populate-popup", G_CALLBACK(fill_menu), &field);
 }
 

@@ -10,7 +10,7 @@ namespace zel {
 
 extern guint before_first_spelling; // milliseconds from the first text, so that the window is quick
 
-// Looks at the panel's fields from now on, until the panel goes.
+// Checks the panel's fields from now on, until the panel is destroyed.
 void watch_spelling(Zeltext *text);
 
 } // namespace zel

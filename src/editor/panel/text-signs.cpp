@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr const char *action_key = "zel-action"; // how deep a buffer is in a user's action
+constexpr const char *action_key = "zel-action"; // how deep a buffer is in actions of the user
 
 // The sign for a character that the view shows as nothing or as a plain blank; null for others.
 const char *sign_of(gunichar character, bool at_end)
@@ -56,6 +56,7 @@ struct painter {
     {
         const GdkColor &ink = gtk_widget_get_style(GTK_WIDGET(of))->text[GTK_STATE_NORMAL];
         constexpr double full = 65535;
+        // Faint, so that nobody takes a sign for a letter of the text.
         cairo_set_source_rgba(cairo, ink.red / full, ink.green / full, ink.blue / full, 0.45);
     }
     painter(const painter &) = delete;
@@ -77,6 +78,7 @@ struct painter {
         gint width = 0;
         gint height = 0;
         pango_layout_get_pixel_size(layout, &width, &height);
+        // Centred on the character's place: a character without width has its sign on the border.
         cairo_move_to(cairo, x + (place.width - width) / 2.0, y + (place.height - height) / 2.0);
         pango_cairo_show_layout(cairo, layout);
     }
@@ -92,10 +94,11 @@ gboolean exposed(GtkWidget *widget, GdkEventExpose *event, gpointer)
     gtk_text_view_window_to_buffer_coords(view, GTK_TEXT_WINDOW_TEXT, 0, event->area.y, &x, &y);
     GtkTextIter at;
     GtkTextIter end;
+    // Only the lines that are drawn now are looked at.
     gtk_text_view_get_iter_at_location(view, &at, 0, y);
     gtk_text_view_get_iter_at_location(view, &end, G_MAXINT, y + event->area.height);
     painter paint(view, event->window);
-    // Known for a whole run of blanks, so that each is looked at once.
+    // Found out once for a whole run of blanks: looking ahead from each of them would be quadratic.
     bool in_blanks = false;
     bool at_end = false;
     for (; gtk_text_iter_compare(&at, &end) <= 0; gtk_text_iter_forward_char(&at)) {
@@ -124,7 +127,8 @@ void action_ends(GtkTextBuffer *buffer, gpointer)
     g_object_set_data(G_OBJECT(buffer), action_key, GINT_TO_POINTER(depth - 1));
 }
 
-// A text of the source may hold any line end, and keeps it: only people's hands are looked at.
+// Insertions of the program keep their line ends, since a text of the source may hold any: only
+// what people paste is changed.
 void inserting(GtkTextBuffer *buffer, GtkTextIter *at, gchar *text, gint bytes, gpointer)
 {
     const auto size = static_cast<std::size_t>(bytes);
@@ -138,6 +142,8 @@ void inserting(GtkTextBuffer *buffer, GtkTextIter *at, gchar *text, gint bytes, 
         else if (i + 1 == size || text[i + 1] != '\n')
             plain += '\n';
     }
+    // The insertion goes on with the changed text, which comes here again without a carriage
+    // return. The iterator stays valid, as the caller expects.
     g_signal_stop_emission_by_name(buffer, "insert-text");
     gtk_text_buffer_insert(buffer, at, plain.data(), static_cast<gint>(plain.size()));
 }
@@ -148,6 +154,7 @@ namespace zel {
 
 void show_signs(GtkTextView *view)
 {
+    // After the toolkit's own handler, which would paint over the signs.
     g_signal_connect_after(view, "expose-event", G_CALLBACK(exposed), nullptr);
 }
 

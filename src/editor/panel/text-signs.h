@@ -1,6 +1,6 @@
 #pragma once
 
-// What cannot be seen in a text: signs for it, and line ends from elsewhere.
+// Signs for what cannot be seen in a text, and line ends of other systems.
 
 #include <gtk/gtk.h>
 
@@ -10,7 +10,7 @@ namespace zel {
 // end. The text stays as it is.
 void show_signs(GtkTextView *view);
 
-// What a person pastes or drops gets this system's line ends.
+// From now on what a person pastes or drops gets this system's line ends.
 void take_plain_line_ends(GtkTextBuffer *buffer);
 
 } // namespace zel

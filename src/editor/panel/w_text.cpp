@@ -30,6 +30,8 @@ void append_text(GtkWidget *view, const char *text)
     GtkTextBuffer *buffer = buffer_of(view);
     GtkTextIter end;
     gtk_text_buffer_get_end_iter(buffer, &end);
+    // A source may hold any bytes, and the toolkit takes UTF-8 only. A text that nobody types in is
+    // never stored from here, so its bytes are safe.
     gtk_text_buffer_insert(buffer, &end, zel::utf8_shown(text).c_str(), -1);
 }
 
@@ -44,6 +46,7 @@ bool shows_nothing(GtkTextBuffer *buffer)
 
 void zel_text_changed(GtkTextBuffer *, gpointer dirty)
 {
+    // The panel itself fills the field: that is no edit.
     if (lang_global.text_lock != 0)
         return;
     *static_cast<int *>(dirty) = 1;
@@ -75,7 +78,8 @@ void class_init(gpointer klass, gpointer)
     G_OBJECT_CLASS(klass)->finalize = finalize;
 }
 
-// text_lock stays set while the panel is empty: what happens to the hidden views is no edit.
+// Empties the panel. text_lock stays set as long as it is empty: what happens to the hidden views
+// is no edit.
 void show_nothing(Zeltext *text)
 {
     text->lang_source = nullptr;
@@ -113,6 +117,7 @@ void bind_entry(Zeltext *text, int number, const char *lang)
 {
     GList *&entries = text->item->*fields[number].entries;
     lang_entry_t *entry = zel_get_lang_entry(entries, lang);
+    // Such an entry must not get into a file: see drop_made_entry.
     text->made[number] = entry == nullptr;
     if (entry == nullptr) {
         entry = alloc_lang_entry(lang);
@@ -122,7 +127,8 @@ void bind_entry(Zeltext *text, int number, const char *lang)
     text->*fields[number].entry = entry;
 }
 
-// Takes the field's entry out of the item again when nothing but showing the item made it.
+// Removes the field's entry from the item again, when it was made only to show the item and is
+// still empty.
 void drop_made_entry(Zeltext *text, int number)
 {
     lang_entry_t *&entry = text->*fields[number].entry;
@@ -187,6 +193,8 @@ void show_item(Zeltext *text)
     const char *lang2 = nullptr;
     misc_select_edit_lang(text->lang_source, &lang1, &lang2);
     show_used_in(text);
+    // Cleared first: a field of a language that is not shown any more keeps no text of the item
+    // before.
     for (const field_t &field : fields) {
         gtk_label_set_text(GTK_LABEL(text->*field.label), "");
         clear_text_view_buffer(text->*field.view);
@@ -197,7 +205,7 @@ void show_item(Zeltext *text)
     show_identity(text);
 }
 
-// Drops blank lines at the end of the text and the line end of the line that is last then.
+// Drops blank lines at the end of the text, and then the line end of its last line.
 GList *trim_lines(GList *lines)
 {
     for (GList *last = g_list_last(lines); last != nullptr; last = g_list_last(lines)) {
@@ -217,6 +225,8 @@ void store(Zeltext *text)
     bool written = false;
     for (const int number : field_order) {
         const field_t &field = fields[number];
+        // A field that nobody typed in is not stored: the view may show other bytes than the source
+        // has.
         if (text->*field.entry == nullptr || text->dirty[number] == 0)
             continue;
         LogPrint(1, "%s", field.log);
@@ -231,6 +241,8 @@ void show(Zeltext *text, LangSource *source, item_t *item, int update)
 {
     LogPrint(1, "zel_text_set: entry\n");
     lang_global.text_lock = 1;
+    // Before the fields are bound to the new item: what was typed belongs to the entries of the old
+    // one.
     if (update != 0)
         store(text);
     for (int number = 0; number < TEXT_FIELDS; ++number) {
@@ -244,6 +256,7 @@ void show(Zeltext *text, LangSource *source, item_t *item, int update)
     text->lang_source = source;
     text->item = item;
     show_item(text);
+    // Cleared only now: storing the item before has asked for them.
     for (int &dirty : text->dirty)
         dirty = 0;
     LogPrint(1, "zel_text_set: exit\n");
@@ -366,8 +379,9 @@ void text_put_away(Zeltext *text)
 {
     for (int number = 0; number < TEXT_FIELDS; ++number) {
         drop_made_entry(text, number);
+        // Saving brings the others to the file: they are no longer ours to remove.
         if (text->*fields[number].entry != nullptr)
-            text->made[number] = 0; // it is in the file now
+            text->made[number] = 0;
     }
 }
 
@@ -380,6 +394,8 @@ void text_bring_back(Zeltext *text)
     misc_select_edit_lang(text->lang_source, &lang1, &lang2);
     for (const int number : field_order) {
         const char *lang = number == TEXT_COMMENT1 || number == TEXT_TRANS1 ? lang1 : lang2;
+        // Entries of the file stay bound all the time: only those that were put away are made
+        // again.
         if (lang != nullptr && text->*fields[number].entry == nullptr)
             bind_entry(text, number, lang);
     }
@@ -400,6 +416,8 @@ bool text_focus_field(Zeltext *text, int field)
     if (field < 0 || field >= TEXT_FIELDS || text->*fields[field].entry == nullptr)
         return false;
     GtkWidget *view = text->*fields[field].view;
+    // The end is where the work goes on; a caret at the start would put the first letter before the
+    // text.
     GtkTextIter end;
     gtk_text_buffer_get_end_iter(buffer_of(view), &end);
     gtk_text_buffer_place_cursor(buffer_of(view), &end);

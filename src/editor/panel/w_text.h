@@ -3,9 +3,9 @@
 // The text panel beside the item list: the selected item's identity and, for each of the two shown
 // languages, a comment and a translation to edit.
 //
-// The fields are bound to the item's entries of the model; what was typed goes back into them with
-// zel_text_update, which zel_text_set does for the item before. The item must live until then.
-// The operations return 1, or 0 after a GLib warning when the widget is null or another one.
+// The fields are bound to the item's entries of the model; zel_text_update stores there what was
+// typed, and zel_text_set does so for the item before. The item must live until then. The
+// operations return 1, or 0 after a GLib warning when the widget is null or of another type.
 
 #include "editor/panel/w_text_panel.h"
 
@@ -15,10 +15,10 @@ GtkWidget *zel_text_new();
 int zel_text_set_pos(GtkWidget *widget, int pos);
 int zel_text_set_group_name(GtkWidget *widget, const char *name);
 
-// Shows an item, with an empty entry made for every field that has none; without a source or an
+// Shows an item, and makes an empty entry for every field that has none; without a source or an
 // item the panel is emptied. update: pending edits of the item before are stored first. Entries
-// made for the item before that are still empty go again: in a compiled file an empty entry leaves
-// the item out, and looking must not do that.
+// that were made for the item before and are still empty are removed: in a compiled file an empty
+// entry leaves the item out, and looking must not do that.
 int zel_text_set(GtkWidget *widget, LangSource *source, item_t *item, int update);
 
 // Stores the fields that were typed in.
@@ -46,8 +46,8 @@ int text_focused_field(Zeltext *text);
 // Gives a field the keyboard, with the caret behind its text; false when it is not shown.
 bool text_focus_field(Zeltext *text, int field);
 
-// Around writing the source: takes the empty entries that were made for the shown item out of it,
-// and makes them anew.
+// Around writing the source: removes the empty entries that were made for the shown item, and makes
+// them again.
 bool text_is_made(const Zeltext *text, const lang_entry_t *entry); // whether it is one of them
 void text_put_away(Zeltext *text);
 void text_bring_back(Zeltext *text);

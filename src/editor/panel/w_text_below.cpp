@@ -36,7 +36,7 @@ bool is_language(const LangSource *source, const char *name)
     return false;
 }
 
-// The language that is shown there; null for none.
+// The language that is shown below the field; null for none.
 const char *lang_below(Zeltext *text, int field)
 {
     const char *name = chosen(field);
@@ -45,13 +45,15 @@ const char *lang_below(Zeltext *text, int field)
     if (name == nullptr || text->item == nullptr || text->*fields[field].entry == nullptr)
         return nullptr;
     misc_select_edit_lang(text->lang_source, &lang1, &lang2);
+    // A text that is on the screen already is not shown twice. The second field gives way to the
+    // first.
     const bool is_seen =
         g_strcmp0(name, lang1) == 0 || g_strcmp0(name, lang2) == 0 ||
         (field == TEXT_TRANS2 && g_strcmp0(name, lang_below(text, TEXT_TRANS1)) == 0);
     return !is_seen && is_language(text->lang_source, name) ? name : nullptr;
 }
 
-// What may be chosen: languages that are not shown elsewhere.
+// Languages that may be chosen: those that are not shown elsewhere.
 std::vector<std::string> languages_for(Zeltext *text, int field)
 {
     std::vector<std::string> names;
@@ -79,25 +81,27 @@ GdkColor mixed(const GdkColor &a, const GdkColor &b, unsigned parts_of_a, unsign
     return {0, mix(a.red, b.red), mix(a.green, b.green), mix(a.blue, b.blue)};
 }
 
-// The view lies on the panel's ground, so that nobody takes it for a field.
+// Draws the view on the panel's ground, so that nobody takes it for a field.
 void follow_view(GtkWidget *row, GtkStyle *, gpointer view)
 {
     const GtkStyle *style = gtk_widget_get_style(row);
     const GdkColor &ground = style->bg[GTK_STATE_NORMAL];
+    // Less faint than the label beside it: this text is to be read.
     const GdkColor letters = mixed(style->fg[GTK_STATE_NORMAL], ground, 3, 4);
     for (const GtkStateType state : {GTK_STATE_NORMAL, GTK_STATE_INSENSITIVE})
         gtk_widget_modify_base(GTK_WIDGET(view), state, &ground);
     gtk_widget_modify_text(GTK_WIDGET(view), GTK_STATE_NORMAL, &letters);
 }
 
-// A click gives it the keyboard, to copy by; the Tab key passes it by on the way to the next field.
+// A click gives the view the keyboard, to copy by; Tab passes it by on the way to the next field.
 gboolean pass_by(GtkWidget *view, GtkDirectionType, gpointer)
 {
     g_signal_stop_emission_by_name(view, "focus");
     return FALSE;
 }
 
-// A text that is cut has dots over the end of its last line, on whose side it ends.
+// Draws dots over the end of the last line that is seen, where the text is cut; on the side that
+// the text runs to.
 gboolean draw_dots(GtkWidget *view, GdkEventExpose *event, gpointer)
 {
     GtkTextView *text = GTK_TEXT_VIEW(view);
@@ -108,6 +112,7 @@ gboolean draw_dots(GtkWidget *view, GdkEventExpose *event, gpointer)
     gtk_text_view_get_visible_rect(text, &seen);
     gtk_text_buffer_get_end_iter(gtk_text_view_get_buffer(text), &last);
     gtk_text_view_get_iter_location(text, &last, &end);
+    // The whole text is seen, or the event is for another window of the view.
     if (event->window != window || end.y < seen.y + seen.height)
         return FALSE;
     PangoLayout *dots = gtk_widget_create_pango_layout(view, "\u2026");
@@ -137,6 +142,7 @@ void show_language(text_below &below, const char *name)
     GtkLabel *label = GTK_LABEL(below.label);
     const bool is_long = g_utf8_strlen(shown.c_str(), -1) > longest_name;
     gtk_label_set_text(label, shown.c_str());
+    // A label that may be cut asks for no width of its own: it gets a fixed one.
     gtk_label_set_ellipsize(label, is_long ? PANGO_ELLIPSIZE_END : PANGO_ELLIPSIZE_NONE);
     gtk_label_set_width_chars(label, is_long ? longest_name : -1);
     gtk_widget_set_tooltip_text(below.label, is_long ? shown.c_str() : nullptr);
@@ -155,6 +161,7 @@ void show_text(text_below &below, lang_entry_t *entry)
     text_colour_pieces_of(below.view);
     gtk_widget_set_tooltip_text(below.view, all.c_str());
     gtk_widget_set_sensitive(below.view, is_missing ? FALSE : TRUE);
+    // The text of the item before may have been scrolled.
     GtkTextIter start;
     gtk_text_buffer_get_start_iter(buffer, &start);
     gtk_text_buffer_place_cursor(buffer, &start);
@@ -197,6 +204,8 @@ void keep(GtkWidget *widget, const char *key, T *kept)
 void choose(GtkCheckMenuItem *item, gpointer data)
 {
     const auto *made = static_cast<const choice *>(data);
+    // Both the old and the new entry of the group send the signal: only the one that is switched on
+    // counts.
     if (gtk_check_menu_item_get_active(item) == 0)
         return;
     ini_set_below(ini, static_cast<std::size_t>(made->at.field), made->lang.c_str());
@@ -209,17 +218,19 @@ void append(GtkMenuShell *menu, GtkWidget *item)
     gtk_widget_show(item);
 }
 
-// None, then the languages; the one that is shown is marked.
+// Appends "None", then the languages; the one that is shown is marked.
 void append_choices(GtkMenuShell *menu, const place &at, const std::vector<std::string> &names)
 {
     const char *now = lang_below(at.text, at.field);
     GSList *group = nullptr;
+    // No name stands for none, also in the settings.
     std::vector<std::string> all{""};
     all.insert(all.end(), names.begin(), names.end());
     for (const std::string &name : all) {
         const std::string label = name.empty() ? ui_text("text", "None") : utf8_shown(name.c_str());
         GtkWidget *item = gtk_radio_menu_item_new_with_label(group, label.c_str());
         group = gtk_radio_menu_item_get_group(GTK_RADIO_MENU_ITEM(item));
+        // Before the handler is connected: marking is no choice.
         if (now != nullptr && name == now)
             gtk_check_menu_item_set_active(GTK_CHECK_MENU_ITEM(item), TRUE);
         auto *made = new choice{at, name};
@@ -229,7 +240,7 @@ void append_choices(GtkMenuShell *menu, const place &at, const std::vector<std::
     }
 }
 
-// A field's own menu has the choice as its last entry.
+// Appends the choice to a field's own menu.
 void fill_menu(GtkTextView *, GtkMenu *menu, gpointer data)
 {
     const place &at = *static_cast<const place *>(data);
@@ -256,6 +267,7 @@ gboolean caption_pressed(GtkWidget *caption, GdkEventButton *event, gpointer dat
     gtk_widget_set_sensitive(title, FALSE);
     append(GTK_MENU_SHELL(menu), title);
     append_choices(GTK_MENU_SHELL(menu), at, names);
+    // Attached, so that the menu is on the caption's screen and is destroyed with it.
     gtk_menu_attach_to_widget(GTK_MENU(menu), caption, nullptr);
     g_signal_connect(menu, "selection-done", G_CALLBACK(gtk_widget_destroy), nullptr);
     gtk_menu_popup(GTK_MENU(menu), nullptr, nullptr, nullptr, nullptr, event->button, event->time);
@@ -288,6 +300,7 @@ GtkWidget *text_below_new(Zeltext *text, int field, GtkWidget *view)
     gtk_box_pack_start(GTK_BOX(below.row), below.label, FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(below.row), scrolled, TRUE, TRUE, 0);
     gtk_widget_show_all(below.row);
+    // The panel's show_all must not show a row that has no language.
     gtk_widget_set_no_show_all(below.row, TRUE);
     gtk_widget_hide(below.row);
     return below.row;
@@ -314,7 +327,7 @@ GtkWidget *text_below_scrolled(Zeltext *text, int field)
     return gtk_widget_get_parent(below_of(text, field).view);
 }
 
-// Letters of other scripts may come from a font with higher lines, so the text itself is measured.
+// Measures the text itself, since letters of other scripts may come from a font with higher lines.
 below_height text_below_height(Zeltext *text, int field)
 {
     const text_below &below = below_of(text, field);
@@ -325,6 +338,7 @@ below_height text_below_height(Zeltext *text, int field)
     GtkTextIter start;
     GtkTextIter end;
     gtk_text_buffer_get_start_iter(buffer, &start);
+    // No more letters than the most lines can hold: a long text would be laid out as a whole.
     gtk_text_buffer_get_iter_at_offset(buffer, &end, most_measured);
     gchar *measured = gtk_text_buffer_get_text(buffer, &start, &end, FALSE);
     PangoLayout *layout = gtk_widget_create_pango_layout(below.view, measured);
@@ -334,6 +348,8 @@ below_height text_below_height(Zeltext *text, int field)
         place.width - gtk_text_view_get_left_margin(view) - gtk_text_view_get_right_margin(view);
     pango_layout_set_width(layout, std::max(width, 1) * PANGO_SCALE);
     pango_layout_set_wrap(layout, PANGO_WRAP_WORD_CHAR);
+    // Before the view has its place its width says nothing, and one letter a line would be
+    // measured.
     const int lines = place.width <= 1 ? 1 : pango_layout_get_line_count(layout);
     below_height height{0, 0};
     for (int line = 0; line < std::min(lines, below_lines); ++line) {

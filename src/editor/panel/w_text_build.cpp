@@ -43,7 +43,9 @@ GtkWidget *make_text_view(int height)
     gtk_text_view_set_left_margin(text_view, margin);
     gtk_text_view_set_right_margin(text_view, margin);
     gtk_text_view_set_pixels_above_lines(text_view, above_lines);
+    // Tab leads to the next field, which is what people do after each text.
     gtk_text_view_set_accepts_tab(text_view, FALSE);
+    // Before anything is inserted: these look at every text from the first one on.
     zel::keep_in_pieces(gtk_text_view_get_buffer(text_view));
     zel::take_plain_line_ends(gtk_text_view_get_buffer(text_view));
     zel::keep_runs_whole(text_view, zel::text_piece_tag);
@@ -65,6 +67,7 @@ GtkWidget *make_view_frame(GtkWidget *view)
     return frame;
 }
 
+// A line's height is asked of the font, not of the text: an empty field has none.
 int line_height(GtkWidget *view)
 {
     PangoFontMetrics *metrics = pango_context_get_metrics(
@@ -89,10 +92,11 @@ int requested_height(GtkWidget *widget)
 
 using below_heights = std::array<zel::below_height, 2>;
 
-// Shares out what is left above a line of each among the texts below the translations; what the
-// shorter one does not need is the other's.
+// Each text below a translation gets one line; what is left is shared out among them. What the
+// shorter one does not need goes to the other.
 void share_below(Zeltext *text, const below_heights &heights, int left)
 {
+    // The shorter one first: only then is known what it leaves.
     std::array<std::size_t, 2> order{0, 1};
     if (heights[0].most > heights[1].most)
         std::swap(order[0], order[1]);
@@ -107,15 +111,16 @@ void share_below(Zeltext *text, const below_heights &heights, int left)
         GtkWidget *scrolled = zel::text_below_scrolled(text, static_cast<int>(number));
         if (requested_height(scrolled) != least + more)
             gtk_widget_set_size_request(scrolled, -1, least + more);
-        // A bar of one line's height is of no use.
+        // A scroll bar of one line's height is of no use.
         gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER,
                                        more < least ? GTK_POLICY_NEVER : GTK_POLICY_AUTOMATIC);
         gtk_widget_set_has_tooltip(text->below[number].view, least + more < most);
     }
 }
 
-// The line of a suggestion or of the description keeps the fields in their places from item to item
-// when it is empty, unless they lack its room. Gives what the other things than the fields ask for.
+// An empty line of a suggestion or of the description stays, so that the fields do not jump from
+// item to item; it is folded to one pixel when the fields lack the room. Returns the height that
+// everything but the fields asks for.
 int fold_empty_lines(Zeltext *text, int others, int room)
 {
     int saved = 0;
@@ -131,6 +136,7 @@ int fold_empty_lines(Zeltext *text, int others, int room)
         pango_layout_get_pixel_size(gtk_label_get_layout(GTK_LABEL(label)), nullptr, &height);
         GtkRequisition now{};
         gtk_widget_get_child_requisition(label, &now);
+        // A line that is folded now is counted as if it stood: else it would come and go in turn.
         others += height - now.height;
         saved += height - 1;
     }
@@ -154,11 +160,13 @@ void share_height(GtkWidget *viewport, GtkAllocation *place, gpointer data)
     const int line = line_height(text->trans1_view);
     if (languages == 0)
         return;
-    // What the fields of one language have; the rest of what is wanted is for other things.
+    // The heights that the fields of one language have now; what else is wanted is for other
+    // things.
     const int comment_now = requested_height(scrolled_of(text, TEXT_COMMENT1));
     const int trans_now = requested_height(scrolled_of(text, TEXT_TRANS1));
     const below_heights below{zel::text_below_height(text, TEXT_TRANS1),
                               zel::text_below_height(text, TEXT_TRANS2)};
+    // The texts below may have changed since their heights were set.
     int below_more = below[0].least + below[1].least; // than they have now
     for (const int number : {TEXT_TRANS1, TEXT_TRANS2})
         if (below[static_cast<std::size_t>(number)].most != 0)
@@ -168,6 +176,8 @@ void share_height(GtkWidget *viewport, GtkAllocation *place, gpointer data)
     const int others =
         fold_empty_lines(text, wanted.height - languages * (comment_now + trans_now) + below_more,
                          place->height - languages * (comment.lines + trans.lines) * line);
+    // Translations take the rest, since they expand: only the comments' height is calculated, and
+    // the least of a translation.
     const int room = (place->height - others) / languages - trans.height;
     const int comment_height =
         std::clamp(room, comment.lines * line, std::max(comment.height, comment.lines * line));
@@ -188,7 +198,7 @@ GtkWidget *label_of(Zeltext *text, GtkWidget *view)
     return text->*field->label;
 }
 
-// The field with the keyboard is scrolled to, with its caption and what is below it.
+// Scrolls to the field with the keyboard, with its caption and what is below it.
 void show_whole_field(Zeltext *text, GtkWidget *view)
 {
     GtkWidget *box = gtk_widget_get_ancestor(view, GTK_TYPE_VIEWPORT);
@@ -210,8 +220,9 @@ void show_whole_field(Zeltext *text, GtkWidget *view)
                 last = place_of(below);
     }
     const int top = place_of(label_of(text, view)).y;
+    // First the whole, then the field itself: the last call wins where both do not fit.
     gtk_adjustment_clamp_page(seen, top, last.y + last.height);
-    gtk_adjustment_clamp_page(seen, top, field.y + field.height + margin); // where both do not fit
+    gtk_adjustment_clamp_page(seen, top, field.y + field.height + margin);
 }
 
 gboolean field_entered(GtkWidget *view, GdkEventFocus *, gpointer data)
@@ -220,7 +231,7 @@ gboolean field_entered(GtkWidget *view, GdkEventFocus *, gpointer data)
     return FALSE;
 }
 
-// What is below a field comes, and moves it, after it was given the keyboard.
+// What is below a field is shown after the field was given the keyboard, and moves it.
 void content_placed(GtkWidget *, GtkAllocation *, gpointer data)
 {
     Zeltext *text = ZEL_TEXT(data);
@@ -229,13 +240,15 @@ void content_placed(GtkWidget *, GtkAllocation *, gpointer data)
             show_whole_field(text, text->*field.view);
 }
 
-// What is wrong with a text gets the room that its caption leaves, and half of the row at least.
+// The caption gives what it does not need to the remarks beside it, which get half of the row at
+// least.
 void share_caption_row(GtkWidget *row, GtkAllocation *place, gpointer finding)
 {
     GtkWidget *caption = GTK_WIDGET(g_object_get_data(G_OBJECT(row), caption_key));
     const bool alone = gtk_widget_get_visible(GTK_WIDGET(finding)) == 0;
     gboolean expands = FALSE;
     gtk_box_query_child_packing(GTK_BOX(row), caption, &expands, nullptr, nullptr, nullptr);
+    // Only what has changed is set: each call starts another layout of the row.
     if ((expands != 0) != alone)
         gtk_box_set_child_packing(GTK_BOX(row), caption, alone, TRUE, 0, GTK_PACK_START);
     PangoLayout *layout =
@@ -308,7 +321,7 @@ GtkWidget *make_language_frame(Zeltext *text, int comment, int trans)
     return frame;
 }
 
-// As wide as the panel is, and in no way of the divider's place.
+// An entry asks for few letters and fills the panel: its text must not move the divider.
 GtkWidget *make_name_entry()
 {
     GtkWidget *entry = gtk_entry_new();
@@ -321,6 +334,7 @@ GtkWidget *make_name_entry()
 void make_identity(Zeltext *text, GtkWidget *box)
 {
     text->description_label = gtk_label_new(nullptr);
+    // A long description must not make the panel wider: it is cut, and whole in its tooltip.
     gtk_widget_set_size_request(text->description_label, 60, -1);
     gtk_misc_set_alignment(GTK_MISC(text->description_label), 0.0F, 0.5F);
     gtk_label_set_ellipsize(GTK_LABEL(text->description_label), PANGO_ELLIPSIZE_END);
@@ -377,9 +391,11 @@ void build_text_panel(Zeltext *text)
     text->lang2_frame = make_language_frame(text, TEXT_COMMENT2, TEXT_TRANS2);
     gtk_box_pack_start(GTK_BOX(box), text->lang1_frame, TRUE, TRUE, 0);
     gtk_box_pack_start(GTK_BOX(box), text->lang2_frame, TRUE, TRUE, 0);
+    // The box scrolls only when even the least heights do not fit.
     GtkWidget *scrolled = zel::scrolled_box_new(box);
     g_signal_connect(gtk_bin_get_child(GTK_BIN(scrolled)), "size-allocate",
                      G_CALLBACK(share_height), text);
+    // After the toolkit's own handler: only then are the fields where they will be drawn.
     g_signal_connect_after(box, "size-allocate", G_CALLBACK(content_placed), text);
     gtk_box_pack_start(GTK_BOX(panes), scrolled, TRUE, TRUE, 0);
     if (lang_global.editor_mode != 0)

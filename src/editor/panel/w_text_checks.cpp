@@ -14,6 +14,7 @@ namespace {
 
 void colour_link(GtkWidget *view, GtkStyle *, gpointer tag)
 {
+    // A blue that can be read on the ground that the theme gives the view.
     g_object_set(tag, "foreground", zel::is_dark(view) ? "#8ab8ff" : "#1448a8", nullptr);
 }
 
@@ -41,12 +42,15 @@ std::string joined(const std::vector<zel::assist::remark> &told, const char *bet
 void show_remarks(GtkWidget *label, GtkWidget *view, const std::vector<zel::assist::remark> &told)
 {
     const std::string text = joined(told, "; ");
+    // Called after every key: as a rule nothing has changed, and setting a label lays out the
+    // panel.
     if (text == gtk_label_get_text(GTK_LABEL(label)))
         return;
     bool counts = false;
     for (const zel::assist::remark &one : told)
         counts = counts || one.counts;
     PangoAttrList *attributes = pango_attr_list_new();
+    // Bold for what counts; hints stay plain.
     pango_attr_list_insert(attributes,
                            pango_attr_weight_new(counts ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL));
     gtk_label_set_attributes(GTK_LABEL(label), attributes);
@@ -54,10 +58,11 @@ void show_remarks(GtkWidget *label, GtkWidget *view, const std::vector<zel::assi
     gtk_label_set_text(GTK_LABEL(label), text.c_str());
     gtk_widget_set_tooltip_text(label, text.empty() ? nullptr : joined(told, "\n").c_str());
     gtk_widget_set_visible(label, !text.empty());
+    // A screen reader says the remarks with the field, which has the keyboard, not with the label.
     zel::set_accessible_description(view, text.c_str());
 }
 
-// The findings are read to their ends: below each other where a label cuts them.
+// The remarks are shown in full below each other, as soon as one of the labels is cut.
 void findings_placed(GtkWidget *, GtkAllocation *, gpointer data)
 {
     Zeltext *text = ZEL_TEXT(data);
@@ -141,9 +146,11 @@ GtkWidget *text_all_findings_new(Zeltext *text, int width)
     gtk_widget_show(label);
     text->all_findings = scrolled_box_new(label);
     gtk_widget_show_all(text->all_findings);
+    // The panel's show_all must not show it while it is empty.
     gtk_widget_set_no_show_all(text->all_findings, TRUE);
     gtk_widget_hide(text->all_findings);
     for (GtkWidget *finding : {text->finding1_label, text->finding2_label})
+        // Only when a label has its place is it known whether it is cut.
         g_signal_connect(finding, "size-allocate", G_CALLBACK(findings_placed), text);
     return text->all_findings;
 }

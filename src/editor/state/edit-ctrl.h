@@ -18,18 +18,18 @@ struct edit_ctrl_t {
     int (*last)(_GtkWidget *table);
     int (*check_changed)(_GtkWidget *table);
     int (*list_focus)(_GtkWidget *table); // the list gets the keyboard
-    int (*refresh)(_GtkWidget *table);    // selects the first row anew, so the texts are reloaded
+    int (*refresh)(_GtkWidget *table);    // selects the first row again, so the texts are reloaded
     int (*whatsnew)(_GtkWidget *table);   // both filter the list again
     int (*empty)(_GtkWidget *table);
 };
 
 // What else the main window asks of the table. Results as above.
 struct edit_more_t {
-    int (*reload)(_GtkWidget *table);     // the languages anew, then the selected item's texts
-    int (*put_away)(_GtkWidget *table);   // before the source is written: what only showing the
-    int (*bring_back)(_GtkWidget *table); // selected item has made goes out of it, and back after
+    int (*reload)(_GtkWidget *table);     // the languages again, then the selected item's texts
+    int (*put_away)(_GtkWidget *table);   // before the source is written: removes what only
+    int (*bring_back)(_GtkWidget *table); // showing the item has made; puts it back after
 
-    // 1 for an entry that only showing the selected item has made, 0 for any other.
+    // 1 for an entry that exists only because the selected item is shown, 0 for any other.
     int (*is_made)(_GtkWidget *table, const lang_entry_t *entry);
 };
 

@@ -47,6 +47,8 @@ std::size_t size_of(const edit_step &step)
     return size;
 }
 
+// Must stay in step with trim_lines of the panel, which stores a typed text: blank lines at the end
+// and the last line's end are no part of it.
 std::vector<std::string> without_blank_end(std::vector<std::string> lines)
 {
     while (!lines.empty() && lines.back().find_first_not_of(" \t\n\v\f\r") == std::string::npos)
@@ -58,6 +60,7 @@ std::vector<std::string> without_blank_end(std::vector<std::string> lines)
 
 void write_text(const text_place &place, const entry_text &text)
 {
+    // The item's mark is part of the state: an undone text leaves the item as unchanged as it was.
     place.item->changed = text.changed;
     lang_entry_t *entry = find_entry(place);
     GList *&entries = place.item->*place.entries;
@@ -86,11 +89,14 @@ void write_definitions(LangSource *source, const definitions &all)
     source->whatsnew = all.whatsnew;
     GList *rest = g_list_nth(source->langs, static_cast<guint>(all.langs.size()));
     if (rest != nullptr) {
+        // Cuts the list off behind the languages that stay, so that the rest can be freed as a
+        // list.
         (rest->prev == nullptr ? source->langs : rest->prev->next) = nullptr;
         rest->prev = nullptr;
         free_lang_list(rest);
     }
     zel::list_tail tail(source->langs);
+    // Records that stay are filled again, not replaced: pointers to them stay good.
     for (std::size_t have = g_list_length(source->langs); have < all.langs.size(); ++have) {
         lang_t *lang = alloc_lang();
         if (lang == nullptr)
@@ -122,24 +128,29 @@ void edit_history::clear()
     steps_.clear();
     done_ = 0;
     size_ = 0;
+    // A version that no step has: what is loaded next counts as saved, and no undo leads back to
+    // it.
     base_ = saved_ = ++last_version_;
     open_ = false;
     sealed_ = true;
 }
 
-// Letters join while they follow one another, up to the first letter of the next word; what was
-// pasted or cut stands alone.
+// Letters join while they follow one another, up to the first letter of the next word; a paste or a
+// cut is a step of its own.
 bool edit_history::joins(const text_place &place, const keystroke &key) const
 {
     if (!open_ || sealed_ || !(open_place() == place))
         return false;
     const bool takes_out = key.removed != 0;
     const bool took_out = last_.removed != 0;
+    // One action of the user is one step, wherever it changes the text. Without an action, a
+    // program that replaces text sends a removal and then an insertion, which belong together, too.
     if (key.action == last_.action && (key.action != 0 || (took_out && !takes_out)))
         return true;
     if (takes_out != took_out || key.removed + key.inserted != 1 ||
         last_.removed + last_.inserted != 1 || (last_.blank && !key.blank))
         return false;
+    // Backspace moves the place back by one letter, Delete leaves it.
     if (takes_out)
         return key.at == last_.at || key.at + 1 == last_.at;
     return key.at == last_.at + 1;
@@ -163,6 +174,7 @@ const text_place &edit_history::open_place() const
 
 void edit_history::finish(entry_text after)
 {
+    // The step was counted without its new text; count it again, now that the text is known.
     if (!open_)
         return;
     edit_step &step = steps_.back();
@@ -181,13 +193,15 @@ void edit_history::add(std::vector<edit_change> changes, bool counts)
         return;
     edit_step step;
     step.changes = std::move(changes);
+    // A step that does not count has the version of the one before it, so that the source is as
+    // modified as it was.
     step.version = counts ? ++last_version_ : version();
     push(std::move(step));
     sealed_ = true;
     drop_oldest();
 }
 
-// What was undone before is gone with the first step of another way.
+// Drops the undone steps first: with a step that leads another way they cannot be done again.
 void edit_history::push(edit_step step)
 {
     for (; steps_.size() > done_; steps_.pop_back())
@@ -200,6 +214,8 @@ void edit_history::push(edit_step step)
 
 void edit_history::drop_oldest()
 {
+    // What the oldest step led to becomes the state before the first one: undo reaches it no more,
+    // but whether the source is modified is still known.
     for (; size_ > limit_ && done_ > 0; --done_) {
         size_ -= steps_.front().size;
         base_ = steps_.front().version;
@@ -220,6 +236,7 @@ void edit_history::mark_saved()
     sealed_ = true;
 }
 
+// No step ever gets this version, so the source stays modified until the next save.
 void edit_history::lose_saved() { saved_ = std::numeric_limits<std::uint64_t>::max(); }
 
 edit_history &source_history()
@@ -249,6 +266,7 @@ void set_lines(lang_entry_t *entry, const entry_text &text)
     free_lang_entry_text(entry->texts);
     entry->texts = nullptr;
     list_tail tail(entry->texts);
+    // Text that was read keeps its blank lines: undo must bring back the very lines of the file.
     for (const std::string &line : text.typed ? without_blank_end(text.lines) : text.lines)
         tail.append(zel_strdup2(line.c_str()));
 }
@@ -275,6 +293,8 @@ void apply_change(const edit_change &change, bool before)
 
 import_record::import_record(LangSource *source, const char *lang)
     : source_(source), lang_(lang), definitions_(read_definitions(source))
+// An import may touch any text of its language: only the whole language before and after tells what
+// it did.
 {
     for (const edit_t *group : each<edit_t>(source->groups)) {
         for (item_t *item : each<item_t>(group->items)) {

@@ -1,7 +1,8 @@
 #pragma once
 
-// What was done to the source since it was loaded, as steps that can be undone and done again. It
-// knows the model only: the windows tell it what happens, ask for a step and show it.
+// What the user has done to the source since it was loaded, as steps that can be undone and done
+// again. The history knows the model only: the windows tell it what happens, ask for a step and
+// show it.
 //
 // A step holds the whole state before and after it of every text it touched, so that undoing never
 // depends on what was shown or stored in between, and bytes that a window cannot show come back.
@@ -96,7 +97,7 @@ public:
     void clear(); // with nothing done and nothing modified
 
     // Typing: a change of a text is about to happen. One that does not join the step before begins
-    // one of its own, which is open until its text is known: finish comes before anything else.
+    // a step of its own, which is open until its text is known: call finish before anything else.
     bool joins(const text_place &place, const keystroke &key) const;
     void join(const keystroke &key) { last_ = key; }
     void begin(text_place place, entry_text before, const keystroke &key);
@@ -104,10 +105,10 @@ public:
     const text_place &open_place() const;
     void finish(entry_text after);
 
-    // What was done at once. A step that does not count leaves the source unmodified.
+    // Adds what was done at once. A step that does not count leaves the source unmodified.
     void add(std::vector<edit_change> changes, bool counts = true);
 
-    // The step to take back, or to do again; null when there is none. Nothing is open then.
+    // The step to take back, or to do again; null when there is none, or while a step is open.
     const edit_step *undo();
     const edit_step *redo();
     bool can_undo() const { return done_ > 0; }
@@ -148,7 +149,8 @@ definitions read_definitions(const LangSource *source);
 // Brings the model to what it was before the change, or after it.
 void apply_change(const edit_change &change, bool before);
 
-// What an import is about to replace: look before it, then ask what it did.
+// Which texts an import changes: make it before the import, and ask it afterwards for what was
+// done.
 class import_record {
 public:
     import_record(LangSource *source, const char *lang);

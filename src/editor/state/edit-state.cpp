@@ -23,6 +23,7 @@ edit_more_t edit_more;
 
 void edit_refresh()
 {
+    // Called also while there is no table yet, and while no source is open.
     if (def_group != nullptr && editWin != nullptr && edit_ctrl.refresh != nullptr)
         edit_ctrl.refresh(editWin);
 }
@@ -53,7 +54,7 @@ void edit_status(const char *text)
         return;
     const std::string shown = utf8_shown(text);
     gtk_entry_set_text(GTK_ENTRY(statusWin), shown.c_str());
-    // Who hears the name hears the words.
+    // A screen reader says the name instead of the text of the entry: it must be the text.
     set_accessible_name(statusWin, shown.empty() ? "Status" : shown.c_str());
 }
 
@@ -63,6 +64,8 @@ void edit_set_modified(bool modified)
 {
     edit_changes += modified ? 1 : 0;
     lang_global.modified = modified ? 1 : 0;
+    // The history remembers which of its steps was saved: undo past it makes the source modified
+    // again.
     if (!modified)
         source_history().mark_saved();
     if (changed_sign != nullptr)
@@ -80,6 +83,7 @@ void edit_select_output_langs(LangSource *source)
     const char *first = nullptr;
     const char *second = nullptr;
     misc_select_edit_lang(source, &first, &second);
+    // Copies, since the names belong to a source that may be closed before they are used.
     replace_string(lang_global.output_lang_1, zel_strdup(first));
     replace_string(lang_global.output_lang_2, zel_strdup(second));
 }

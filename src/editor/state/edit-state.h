@@ -22,8 +22,8 @@ extern GtkWidget *empty_menu; // the two controls of the untranslated filter
 extern GtkWidget *empty_tool;
 extern int empty_lock; // set while one of them is made to follow the other
 
-// Shows the source's texts anew in the table, its first row selected; nothing without a source or a
-// table.
+// Shows the source's texts in the table again, its first row selected; does nothing without a
+// source or a table.
 void edit_refresh();
 
 namespace zel {
@@ -31,8 +31,8 @@ namespace zel {
 // The same with the row that is selected.
 void edit_reload();
 
-// The source as it is to be written, for the life of a scope: without the entries that only looking
-// at the selected item has made.
+// The source as it is to be written, for the life of a scope: without the entries that exist only
+// because the selected item is shown.
 class source_to_write {
 public:
     source_to_write();
@@ -44,10 +44,11 @@ public:
 // The status line; null empties it.
 void edit_status(const char *text);
 
-// Counts the changes, so that it can be told whether there were some since.
+// Counts the changes: a caller that remembers the number can tell later whether there were some.
 extern unsigned edit_changes;
 
-// Whether the source has changes that were not saved: lang_global's modified, and the sign of it.
+// Sets whether the source has unsaved changes: lang_global's modified, and the sign beside the
+// status line.
 void edit_set_modified(bool modified);
 
 // The value beside "Export path:"; null empties it.

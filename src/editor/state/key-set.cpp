@@ -5,6 +5,7 @@
 namespace zel {
 
 key_set::key_set()
+    // A reference of our own: clear() must find the group, whatever has become of the window.
     : group_(accel_group == nullptr ? nullptr : GTK_ACCEL_GROUP(g_object_ref(accel_group)))
 {
 }
@@ -20,6 +21,7 @@ void key_set::add(guint keyval, GdkModifierType modifiers, std::function<void()>
     if (group_ == nullptr)
         return;
     keys_.push_back(std::make_unique<bound>(bound{std::move(act), nullptr}));
+    // Each key lives in memory of its own: the closure points to it while the vector grows.
     bound *key = keys_.back().get();
     key->closure = g_cclosure_new(G_CALLBACK(pressed), key, nullptr);
     gtk_accel_group_connect(group_, keyval, modifiers, static_cast<GtkAccelFlags>(0), key->closure);

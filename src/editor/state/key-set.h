@@ -1,6 +1,6 @@
 #pragma once
 
-// Keys of the main window that belong to something that goes before the window does.
+// Keys of the main window that act on something which is destroyed before the window is.
 
 #include <gtk/gtk.h>
 
@@ -20,7 +20,7 @@ public:
 
     void add(guint keyval, GdkModifierType modifiers, std::function<void()> act);
 
-    // Gives the keys back.
+    // Disconnects all keys; the set takes no new ones afterwards.
     void clear();
 
 private:

@@ -7,7 +7,8 @@ namespace {
 GtkCellRendererClass *text_class; // the toolkit's
 GtkCellRendererClass *pixbuf_class;
 
-// What is drawn has the marks that keep a right-to-left text whole; the list's own text has none.
+// Puts the marks that keep a right-to-left text whole into what is drawn; the list's own text has
+// none.
 void mark_runs(GtkCellRenderer *cell)
 {
     gchar *text = nullptr;
@@ -19,7 +20,7 @@ void mark_runs(GtkCellRenderer *cell)
         g_object_set(cell, "text", marked.c_str(), nullptr);
 }
 
-// For a text in one paragraph the width to wrap at is the width to shorten to.
+// For a text in one paragraph the width to wrap at is also the width to shorten to.
 void render_text(GtkCellRenderer *cell, GdkDrawable *window, GtkWidget *widget,
                  GdkRectangle *background, GdkRectangle *area, GdkRectangle *expose,
                  GtkCellRendererState flags)
@@ -31,12 +32,14 @@ void render_text(GtkCellRenderer *cell, GdkDrawable *window, GtkWidget *widget,
     PangoEllipsizeMode shortened = PANGO_ELLIPSIZE_NONE;
     g_object_get(cell, "wrap-width", &before, "ellipsize", &shortened, nullptr);
     const gint room = shortened == PANGO_ELLIPSIZE_NONE ? -1 : MAX(area->width - 2 * padding, 0);
+    // Setting a property notifies its listeners, and this is done for each cell that is drawn.
     if (room != before)
         g_object_set(cell, "wrap-width", room, nullptr);
     text_class->render(cell, window, widget, background, area, expose, flags);
 }
 
-// Letters of other scripts may be higher, and so may an underline be: all rows are alike.
+// Gives all rows the height of a line of the font: letters of other scripts may be higher, and so
+// may an underline be, but the list has rows of one height.
 void size_text(GtkCellRenderer *cell, GtkWidget *widget, GdkRectangle *area, gint *x, gint *y,
                gint *width, gint *height)
 {
@@ -80,13 +83,14 @@ void draw_square(cairo_t *cairo, double size)
     cairo_stroke(cairo);
 }
 
-// The shape as the display keeps it: drawn once, then stamped in every row. The cell owns it.
+// The shape as the display keeps it: drawn once, then stamped in every row. The cell keeps it.
 cairo_surface_t *shape_of(GtkCellRenderer *cell, bool round, int size, cairo_t *like)
 {
     const char *key = round ? "zel-round" : "zel-square";
     auto *shape = static_cast<cairo_surface_t *>(g_object_get_data(G_OBJECT(cell), key));
     if (shape != nullptr)
         return shape;
+    // Alpha only: the colour comes with each row.
     shape = cairo_surface_create_similar(cairo_get_target(like), CAIRO_CONTENT_ALPHA, size, size);
     cairo_t *cairo = cairo_create(shape);
     (round ? draw_round : draw_square)(cairo, size);
@@ -118,6 +122,7 @@ void render_ready(GtkCellRenderer *cell, GdkDrawable *window, GtkWidget *widget,
     g_object_get(cell, "indicator-size", &size, nullptr);
     const GdkColor &ink = gtk_widget_get_style(widget)->text[state_of(widget, flags)];
     cairo_t *cairo = gdk_cairo_create(window);
+    // The toolkit asks for a part of the row at times: what is outside must stay as it is.
     if (expose != nullptr) {
         gdk_cairo_rectangle(cairo, expose);
         cairo_clip(cairo);
@@ -134,7 +139,7 @@ void ready_class_init(gpointer klass, gpointer)
     GTK_CELL_RENDERER_CLASS(klass)->render = render_ready;
 }
 
-// The selected row may have the colour of its mark: a line in that of its letters is around it.
+// Draws a line around the mark of the selected row, whose colour may be that of the mark.
 void render_mark(GtkCellRenderer *cell, GdkDrawable *window, GtkWidget *widget,
                  GdkRectangle *background, GdkRectangle *area, GdkRectangle *expose,
                  GtkCellRendererState flags)
@@ -166,7 +171,7 @@ void mark_class_init(gpointer klass, gpointer)
     GTK_CELL_RENDERER_CLASS(klass)->render = render_mark;
 }
 
-// A class of the parent's size that only draws otherwise.
+// A class of the parent's size that only draws in another way.
 GType class_of(GType parent, const char *name, GClassInitFunc init)
 {
     GTypeQuery query{};

@@ -1,7 +1,7 @@
 #pragma once
 
 // Renderers of the list, which draw a screenful in half the time of the toolkit's own, and in
-// colours that are seen in every theme.
+// colours that stand out in every theme.
 
 #include <gtk/gtk.h>
 
@@ -17,8 +17,8 @@ namespace zel {
 // apart in every theme: round and filled for "radio", else an empty square.
 [[nodiscard]] GtkCellRenderer *ready_cell_new();
 
-// A picture cell whose picture has a line around it in a selected row, in the colour of the row's
-// text, so that it is seen whatever colour the theme selects with.
+// A picture cell that draws a line around its picture in a selected row, in the colour of the row's
+// text, so that the picture stands out whatever colour the theme selects with.
 [[nodiscard]] GtkCellRenderer *mark_cell_new();
 
 } // namespace zel

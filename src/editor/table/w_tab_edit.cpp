@@ -61,7 +61,7 @@ const zel::tab_row *selected_row(ZelTabEdit *tab, int *number = nullptr)
     return row < 0 ? nullptr : &rows_of(tab).rows[static_cast<std::size_t>(row)];
 }
 
-// Keeps where the row stands in the list; -1 for no row.
+// Remembers where the row stands in the list; -1 for no row.
 void remember_selected(ZelTabEdit *tab, int row)
 {
     if (tab->selected_path != nullptr)
@@ -76,16 +76,18 @@ void mark_row(ZelTabEdit *tab, int row)
     const int before = rows_of(tab).active;
     if (before == row)
         return;
+    // Set before the rows are drawn: the cells ask which one is the current row.
     rows_of(tab).active = row;
     zel_tab_model_row_changed(shown_rows(tab), before);
     zel_tab_model_row_changed(shown_rows(tab), row);
 }
 
-// The row stays where it is, also in a list that is sorted by the marks: it would run away from
-// under the hand, and its neighbours with it. The next click on a header puts it in its place.
+// Draws the row again, and leaves it where it is, also in a list that is sorted by the marks: it
+// would run away from under the hand, and its neighbours with it. The next click on a header puts
+// it in its place.
 void ready_changed(ZelTabEdit *tab, int row) { zel_tab_model_row_changed(shown_rows(tab), row); }
 
-// An item may be marked ready before it is: the status line says so.
+// An item may be marked ready before it has its texts: the status line says so.
 void tell_missing_text(ZelTabEdit *tab)
 {
     const char *lang = zel::text_missing_language(ZEL_TEXT(tab->text_widget));
@@ -104,6 +106,7 @@ void change_ready_cb(GtkToggleButton *button, gpointer data)
     const zel::tab_row *row = selected_row(tab, &number);
     if (row == nullptr)
         return;
+    // The history takes the value from before: it comes first.
     zel::record_ready(row->item, gtk_toggle_button_get_active(button), true);
     zel::edit_set_modified(true);
     row->item->ready = gtk_toggle_button_get_active(button);
@@ -112,7 +115,7 @@ void change_ready_cb(GtkToggleButton *button, gpointer data)
         tell_missing_text(tab);
 }
 
-// The button follows the selected row; that is no change of the source.
+// Makes the button follow the selected row, which is no change of the source.
 void show_ready(ZelTabEdit *tab, const item_t *item)
 {
     g_signal_handlers_block_by_func(tab->ready_button, reinterpret_cast<gpointer>(change_ready_cb),
@@ -124,8 +127,8 @@ void show_ready(ZelTabEdit *tab, const item_t *item)
     gtk_widget_set_sensitive(tab->ready_button, item != nullptr);
 }
 
-// The cell is a mark for one's own work: unlike the button beside the texts it leaves the source
-// unchanged, so nobody is asked about saving.
+// The cell is a mark for the user's own work: unlike the button beside the texts it leaves the
+// source unmodified, so nobody is asked about saving.
 void ready_toggled_callback(GtkCellRendererToggle *, gchar *path_text, gpointer data)
 {
     ZelTabEdit *tab = ZEL_TAB_EDIT(data);
@@ -133,6 +136,7 @@ void ready_toggled_callback(GtkCellRendererToggle *, gchar *path_text, gpointer 
     int number = -1;
     if (gtk_tree_model_get_iter_from_string(tab->sort_model, &iter, path_text) != 0)
         number = zel_tab_model_row_of(shown_rows(tab), &iter);
+    // The model may have changed since the toolkit made the path.
     if (number < 0) {
         g_warning("%s: bad tree path?", G_STRLOC);
         return;
@@ -155,12 +159,13 @@ void show_row(ZelTabEdit *tab, const zel::tab_row &row, int number)
     show_ready(tab, row.item);
     zel_text_set_pos(tab->text_widget, number + 1);
     zel_text_set_group_name(tab->text_widget, row.group->name);
+    // The number and the group come before the item, since the panel shows them with it.
     zel_text_set(tab->text_widget, rows_of(tab).source, row.item, 1);
     zel::tab_show_shot(tab->last_group, row.group->name);
 }
 
-// The panel's views are hidden and shown again in between: the field that was typed in gets the
-// keyboard back, so that one goes on typing in the next item.
+// The panel hides its views and shows them again in between: the field that was typed in gets the
+// keyboard back, so that the user goes on typing in the next item.
 void tree_selection_changed_cb(GtkTreeSelection *, gpointer data)
 {
     ZelTabEdit *tab = ZEL_TAB_EDIT(data);
@@ -168,6 +173,8 @@ void tree_selection_changed_cb(GtkTreeSelection *, gpointer data)
         return;
     const zel::flag_guard busy(tab->busy);
     const int field = zel::text_focused_field(ZEL_TEXT(tab->text_widget));
+    // An import has changed the texts beneath: storing the fields would write the old ones over
+    // them.
     empty_text(tab, lang_global.importing != 0 ? 0 : 1);
     int number = -1;
     const zel::tab_row *row = selected_row(tab, &number);
@@ -177,6 +184,7 @@ void tree_selection_changed_cb(GtkTreeSelection *, gpointer data)
         show_row(tab, *row, number);
     else
         show_ready(tab, nullptr);
+    // After the panel: all three read its fields.
     tab->work->item_shown(number);
     tab->suggest->item_shown(number);
     tab->search->mark_hits();
@@ -184,7 +192,8 @@ void tree_selection_changed_cb(GtkTreeSelection *, gpointer data)
         gtk_widget_grab_focus(tab->view);
 }
 
-// In another order the selected row stays selected, and in sight. The list has moved it already.
+// Keeps the selected row in sight when the order changes. The list itself has moved the selection
+// already.
 void rows_reordered_cb(GtkTreeModel *, GtkTreePath *, GtkTreeIter *, gpointer, gpointer data)
 {
     ZelTabEdit *tab = ZEL_TAB_EDIT(data);
@@ -193,7 +202,7 @@ void rows_reordered_cb(GtkTreeModel *, GtkTreePath *, GtkTreeIter *, gpointer, g
         gtk_tree_view_scroll_to_cell(view_of(tab), tab->selected_path, nullptr, FALSE, 0, 0);
 }
 
-// Exchanges the rows while the list does not watch: a fraction of what a signal per row costs.
+// Exchanges the rows while the list does not watch: this costs a fraction of a signal for each row.
 void show_rows(ZelTabEdit *tab, const std::vector<std::uint32_t> &shown)
 {
     gtk_tree_view_set_model(view_of(tab), nullptr);
@@ -216,7 +225,8 @@ std::vector<std::uint32_t> matching_rows(ZelTabEdit *tab, Match matches)
     return shown;
 }
 
-// When the search by bytes finds nothing, upper and lower case of all scripts count as equal.
+// Filters the rows. When the search by bytes finds nothing, upper and lower case of all scripts
+// count as equal.
 void refilter(ZelTabEdit *tab)
 {
     tab->search_words = zel::tab_search_words(gtk_entry_get_text(GTK_ENTRY(tab->search_entry)));
@@ -227,6 +237,7 @@ void refilter(ZelTabEdit *tab)
         matching_rows(tab, [&](item_t *item) { return filter_func(filter, item); });
     const zel::assist::folded_words &folded = tab->search->words();
     if (shown.empty() && !folded.empty()) {
+        // The words are searched in the folded form now; the other filters stay.
         filter.words = nullptr;
         shown = matching_rows(tab, [&](item_t *item) {
             return filter_func(filter, item) && folded.are_in(item, filter.lang1, filter.lang2);
@@ -235,6 +246,7 @@ void refilter(ZelTabEdit *tab)
     zel::tab_show_found(tab->found_label,
                         {shown.size(), rows_of(tab).rows.size(), tab->search_words != nullptr,
                          filter.only_untranslated, tab->work->filters()});
+    // Only now: the filter and the label have used the words.
     zel::free_search_words(tab->search_words);
     tab->search_words = nullptr;
     show_rows(tab, shown);
@@ -247,28 +259,32 @@ gboolean tree_filter_changed_cb(GtkWidget *, gpointer data)
         return TRUE;
     const zel::flag_guard busy(tab->busy);
     const bool in_text = zel::text_focused_field(ZEL_TEXT(tab->text_widget)) >= 0;
+    // Before the selection is dropped: the search remembers where to come back to.
     tab->search->begin(rows_of(tab).active);
     if (selected_place(tab) >= 0) {
         mark_row(tab, -1);
         remember_selected(tab, -1);
+        // What is typed is stored before its row may be hidden.
         empty_text(tab, 1);
         show_ready(tab, nullptr);
         tab->work->item_shown(-1);
         tab->suggest->item_shown(-1);
     }
     refilter(tab);
+    // The fields are hidden now: without this the keyboard would act on nothing.
     if (in_text)
         gtk_widget_grab_focus(tab->view);
     return TRUE;
 }
 
-// The key works from another page of the notebook, too, where the button is not seen.
+// The key works on another page of the notebook, too, where the button is not shown.
 gboolean always_reachable(GtkWidget *widget, guint, gpointer)
 {
     return gtk_widget_is_sensitive(widget);
 }
 
-// The field that is translated into: that of the shown language which is not the source's own.
+// Gives the keyboard to the field that is translated into: that of the shown language which is not
+// the source's own.
 void focus_translation(ZelTabEdit *tab)
 {
     const char *lang1 = nullptr;
@@ -278,6 +294,7 @@ void focus_translation(ZelTabEdit *tab)
     misc_select_edit_lang(tab->lang_source, &lang1, &lang2);
     const bool first_is_own = g_strcmp0(lang1, tab->lang_source->default_lang) == 0;
     Zeltext *text = ZEL_TEXT(tab->text_widget);
+    // One of the languages may be missing.
     if (!zel::text_focus_field(text, first_is_own ? TEXT_TRANS2 : TEXT_TRANS1))
         zel::text_focus_field(text, first_is_own ? TEXT_TRANS1 : TEXT_TRANS2);
 }
@@ -287,12 +304,14 @@ void row_activated_cb(GtkTreeView *, GtkTreePath *, GtkTreeViewColumn *, gpointe
     focus_translation(ZEL_TAB_EDIT(data));
 }
 
-// The source is gone already: nothing of it is looked at any more.
+// The table is being destroyed, and the source may be gone already: reads nothing of it any more.
 void destroy_cb(GtkObject *, gpointer data)
 {
     ZelTabEdit *tab = ZEL_TAB_EDIT(data);
+    // The toolkit may send "destroy" more than once.
     if (tab->pix_active == nullptr)
         return;
+    // Emptying the list sends the signals of a selection.
     tab->busy = 1;
     tab->work->stop();
     tab->suggest->stop();
@@ -304,7 +323,8 @@ void destroy_cb(GtkObject *, gpointer data)
     zel::tab_drop_shot();
 }
 
-// A key of the main window; it acts at once, where "activate" would first draw the button pressed.
+// Adds a key of the main window; it acts at once, where "activate" would first draw the button
+// pressed.
 void add_key(GtkWidget *button, guint key, GdkModifierType modifier)
 {
     if (accel_group != nullptr)
@@ -325,6 +345,7 @@ void make_models(ZelTabEdit *tab)
     tab->sort_model = GTK_TREE_MODEL(zel_tab_model_new(rows));
     gtk_tree_sortable_set_sort_column_id(GTK_TREE_SORTABLE(tab->sort_model), COL_POS,
                                          GTK_SORT_ASCENDING);
+    // After the list's own handler, which has moved the selection then.
     g_signal_connect_after(tab->sort_model, "rows-reordered", G_CALLBACK(rows_reordered_cb), tab);
     tab->rows = new std::shared_ptr<zel::tab_rows>(std::move(rows));
 }
@@ -385,6 +406,7 @@ void make_search(ZelTabEdit *tab)
         {GTK_WIDGET(tab), tab->view, ZEL_TEXT(tab->text_widget),
          [tab] { tree_filter_changed_cb(nullptr, tab); },
          [tab] {
+             // Return without words ends the search, with the item from before it.
              if (tab->search->words().empty())
                  tab->search->come_back();
              if (!tab->search->words().empty() || selected_place(tab) < 0)
@@ -416,6 +438,7 @@ void instance_init(GTypeInstance *instance, gpointer)
     make_models(tab);
     GtkWidget *list = make_list(tab);
     GtkWidget *panes = zel::tab_panes_new(list, make_text_side(tab));
+    // Work and help need the panel and the rows; the filter button goes into the row of the search.
     make_search(tab);
     make_work_and_help(tab);
     gtk_box_pack_start(GTK_BOX(tab->search->row()), tab->work->filter_button(), FALSE, FALSE, 0);
@@ -438,6 +461,7 @@ void finalize(GObject *object)
     g_object_unref(tab->filter_model);
     g_object_unref(tab->store);
     zel::replace_string(tab->last_group, nullptr);
+    // What holds the models and the rows is deleted before the rows themselves.
     delete tab->work;
     delete tab->suggest;
     delete tab->search;
@@ -458,7 +482,8 @@ void set_title(GtkTreeViewColumn *column, const std::unique_ptr<std::string> &la
             column, zel::utf8_shown(lang == nullptr ? nullptr : lang->c_str()).c_str());
 }
 
-// The rows keep names of their own: the languages may be renamed or removed while the list is seen.
+// The rows keep names of their own: the user may rename or remove languages while the list is
+// shown.
 void select_languages(ZelTabEdit *tab)
 {
     zel::tab_rows &rows = rows_of(tab);
@@ -484,25 +509,29 @@ void fill(ZelTabEdit *tab, LangSource *source)
     empty_text(tab, 1);
     show_ready(tab, nullptr);
     tab->lang_source = source;
+    // The text of the search is emptied without a filter run of its own, since the table is busy.
     gtk_entry_set_text(GTK_ENTRY(tab->search_entry), "");
     tab->search->begin(-1);
     tab->search->forget();
     zel::edit_select_output_langs(source);
+    // The old rows must not be asked for cells while they are exchanged.
     show_rows(tab, {});
     select_languages(tab);
     zel::tab_rows_collect(rows_of(tab), source);
     std::vector<std::uint32_t> all(rows_of(tab).rows.size());
     std::iota(all.begin(), all.end(), 0U);
     zel_tab_model_show(ZEL_TAB_MODEL(tab->store), std::move(all));
+    // Before the filter: it may ask which rows have findings.
     tab->work->rows_changed();
     tab->suggest->rows_changed();
     refilter(tab);
+    // Last, since the widths come from the rows.
     zel::tab_widths_measure(view_of(tab));
 }
 
 void go_to(ZelTabEdit *tab, int place) { zel::tab_list_go_to(view_of(tab), place); }
 
-// By so many rows from the selected one; without one, nowhere.
+// Moves by so many rows from the selected one; without one, nowhere.
 void step(ZelTabEdit *tab, int rows)
 {
     const int place = selected_place(tab);
@@ -521,7 +550,7 @@ void go_to_last(ZelTabEdit *tab)
     tab->last_path = nullptr;
 }
 
-// The languages may be others, and have other names.
+// Takes the languages again: others may be shown, or the same under new names.
 void follow_languages(ZelTabEdit *tab)
 {
     select_languages(tab);
@@ -534,7 +563,8 @@ void follow_languages(ZelTabEdit *tab)
 void refresh(ZelTabEdit *tab)
 {
     follow_languages(tab);
-    // With one row, which is selected already, the moves select nothing anew.
+    // With one row, which is selected already, the moves below select nothing, and the panel would
+    // keep the old texts.
     const bool stays = zel_tab_model_count(shown_rows(tab)) == 1 && selected_place(tab) == 0;
     go_to_last(tab);
     go_to(tab, 0);
@@ -552,7 +582,7 @@ void reload(ZelTabEdit *tab)
 
 void filter_anew(ZelTabEdit *tab) { tree_filter_changed_cb(nullptr, tab); }
 
-// What all operations on the table share; the name is the operation's own.
+// What all operations on the table share; name is that of the operation, for the warning.
 template <class Operation>
 int on_table(GtkWidget *widget, const char *name, Operation operation)
 {
@@ -637,6 +667,7 @@ namespace zel {
 edit_more_t tab_edit_more()
 {
     return {
+        // The names are those of no function: they stand in the warning only.
         [](GtkWidget *widget) { return on_table(widget, "tab_edit_reload", reload); },
         [](GtkWidget *widget) {
             return on_table(widget, "tab_edit_put_away",

@@ -4,8 +4,9 @@
 // and beside it the selected item's texts and its "Ready" button. The main window reaches it
 // through edit_ctrl only.
 //
-// The table keeps a reference to the source; it may outlive it as long as it is only destroyed.
-// The operations return 1, or 0 after a GLib warning when the widget is null or another one.
+// The table keeps a reference to the source. It may outlive the source if nothing but destroying it
+// is done then. The operations return 1, or 0 after a GLib warning when the widget is null or of
+// another type.
 
 #include <gtk/gtk.h>
 
@@ -59,7 +60,7 @@ struct ZelTabEditClass {
 GType zel_tab_edit_get_type();
 GtkWidget *zel_tab_edit_new();
 
-// Shows the source, its first row selected; picks the two shown languages anew.
+// Shows the source, its first row selected; asks the source again for the two shown languages.
 int zel_tab_edit_set(GtkWidget *widget, LangSource *source);
 
 // Stores the pending edits of the selected item.
@@ -74,11 +75,11 @@ int zel_tab_edit_last(GtkWidget *widget);
 int zel_tab_edit_check_changed(GtkWidget *widget); // does nothing
 int zel_tab_edit_list_focus(GtkWidget *widget);    // the list gets the keyboard
 
-// The source changed beneath: takes its languages anew and selects the first row anew, so that the
-// texts are loaded again.
+// Call after the source has changed beneath: takes its languages again and selects the first row
+// again, so that the texts are reloaded.
 int zel_tab_edit_refresh(GtkWidget *widget);
 
-// Filter anew.
+// Both filter the list again.
 int zel_tab_edit_whatsnew(GtkWidget *widget);
 int zel_tab_edit_empty(GtkWidget *widget);
 

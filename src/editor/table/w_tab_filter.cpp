@@ -62,6 +62,7 @@ void free_search_words(GList *words) { g_list_free_full(words, g_free); }
 
 bool filter_func(const zel::tab_filter &filter, item_t *item)
 {
+    // The cheapest look first; the words cost most.
     if (item->ctime < filter.since)
         return false;
     if (filter.words == nullptr && !filter.only_untranslated)
@@ -70,6 +71,7 @@ bool filter_func(const zel::tab_filter &filter, item_t *item)
     lang_entry_t *entry2 = misc_select_lang_entry(item, filter.lang2);
     const bool found = filter.words == nullptr || name_matches(filter, item) ||
                        entry_matches(filter, entry1) || entry_matches(filter, entry2);
+    // The filters add up: the words first, then the missing text.
     if (!found || !filter.only_untranslated)
         return found;
     return misc_search_empty_in_lang_entry(entry1) != 0 ||

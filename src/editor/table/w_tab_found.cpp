@@ -21,6 +21,8 @@ void tab_show_found(GtkWidget *label, const tab_found &found)
     else if (found.shown != 0)
         text = std::to_string(found.shown) + " " + ui_text("tab-edit", "of") + " " +
                std::to_string(found.all);
+    // An empty list is good news when only the untranslated are shown, and needs another word than
+    // a search without hits.
     else if (found.untranslated && !found.searched && !found.other_filter && found.all != 0)
         text = ui_text("tab-edit", "all translated");
     else

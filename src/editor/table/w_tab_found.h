@@ -10,8 +10,8 @@ namespace zel {
 
 [[nodiscard]] GtkWidget *tab_found_label_new();
 
-// What the list shows: so many of all rows, with words searched for, or of a filter. Nothing is
-// told while it shows all.
+// What the list shows: so many of all rows, with words searched for, or with a filter. The label is
+// empty while the list shows all.
 struct tab_found {
     std::size_t shown;
     std::size_t all;

@@ -20,6 +20,7 @@ constexpr int icon_width = 20;
 constexpr std::size_t day_length = 10; // of "2024-03-04 10:11:12"
 constexpr std::size_t year_length = 5;
 
+// The columns: title, kind, column of the model, sort id, least pixels, where a text is cut.
 constexpr tab_column_row columns[] = {
     {nullptr, tab_cell::icon, COL_ICON, no_sort, icon_width, PANGO_ELLIPSIZE_NONE},
     {"Pos", tab_cell::number, COL_POS, COL_POS, 0, PANGO_ELLIPSIZE_NONE},
@@ -31,7 +32,7 @@ constexpr tab_column_row columns[] = {
     {"Language 2", tab_cell::text, COL_LANG2, no_sort, 90, PANGO_ELLIPSIZE_END},
 };
 
-// No part is shown that is not all seen.
+// Shows of the date only what has room as a whole: a time that is cut would be misread.
 void show_date(GtkTreeViewColumn *column, GtkCellRenderer *renderer, GtkTreeModel *model,
                GtkTreeIter *iter, gpointer)
 {
@@ -51,6 +52,7 @@ GtkCellRenderer *make_text_cell(const tab_column_row &row)
 {
     GtkCellRenderer *renderer = zel::text_cell_new();
     g_object_set(renderer, "single-paragraph-mode", TRUE, "ellipsize", row.ellipsize, nullptr);
+    // Numbers are compared digit by digit from the right.
     if (row.kind == tab_cell::number)
         g_object_set(renderer, "xalign", 1.0F, nullptr);
     return renderer;
@@ -77,9 +79,11 @@ GtkTreeViewColumn *make_column(const tab_column_row &row,
     GtkTreeViewColumn *column =
         gtk_tree_view_column_new_with_attributes(title, renderer, attribute, row.column, nullptr);
     if (row.kind == tab_cell::date) {
+        // The date's text depends on the width: it is made for each cell.
         gtk_tree_view_column_clear_attributes(column, renderer);
         gtk_tree_view_column_set_cell_data_func(column, renderer, show_date, nullptr, nullptr);
     }
+    // Fixed widths: else the toolkit would measure every row of the list.
     gtk_tree_view_column_set_sizing(column, GTK_TREE_VIEW_COLUMN_FIXED);
     gtk_tree_view_column_set_fixed_width(column, icon_width);
     gtk_tree_view_column_set_resizable(column, row.kind != tab_cell::icon);
@@ -89,8 +93,8 @@ GtkTreeViewColumn *make_column(const tab_column_row &row,
     return column;
 }
 
-// A click on a "Ready" cell marks its item and does nothing else; the toolkit would also select the
-// row, which takes the item that is worked on out of the panel.
+// A click on a "Ready" cell marks its item and does nothing else. The toolkit would also select the
+// row, and so take the item that is worked on out of the panel.
 gboolean ready_pressed(GtkWidget *widget, GdkEventButton *event, gpointer)
 {
     GtkTreeView *view = GTK_TREE_VIEW(widget);
@@ -102,6 +106,7 @@ gboolean ready_pressed(GtkWidget *widget, GdkEventButton *event, gpointer)
                                       nullptr) == 0)
         return FALSE;
     const bool marks = zel::tab_row_of(column).kind == tab_cell::ready;
+    // A double click sends two presses and one more event, which would mark the item a third time.
     if (marks && event->type == GDK_BUTTON_PRESS) {
         GList *renderers = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(column));
         gchar *text = gtk_tree_path_to_string(path);
@@ -113,7 +118,7 @@ gboolean ready_pressed(GtkWidget *widget, GdkEventButton *event, gpointer)
     return marks;
 }
 
-// The whole of a text that has no room in its cell.
+// Shows the whole of a text that has no room in its cell.
 gboolean show_tooltip(GtkWidget *widget, gint x, gint y, gboolean by_keyboard, GtkTooltip *tooltip,
                       gpointer)
 {
@@ -123,6 +128,7 @@ gboolean show_tooltip(GtkWidget *widget, gint x, gint y, gboolean by_keyboard, G
     if (gtk_tree_view_get_tooltip_context(view, &x, &y, by_keyboard, nullptr, &path, &iter) == 0)
         return FALSE;
     GtkTreeViewColumn *column = nullptr;
+    // A tooltip by keyboard is for the cell with the cursor.
     if (by_keyboard != 0)
         gtk_tree_view_get_cursor(view, nullptr, &column);
     else
@@ -163,8 +169,10 @@ tab_list tab_list_new(GtkTreeModel *model,
     g_signal_connect(view, "button-press-event", G_CALLBACK(ready_pressed), nullptr);
     g_signal_connect(view, "query-tooltip", G_CALLBACK(show_tooltip), nullptr);
     gtk_widget_set_has_tooltip(list.view, TRUE);
+    // All rows have one height: the list does not need to measure those out of sight.
     gtk_tree_view_set_fixed_height_mode(view, TRUE);
     gtk_tree_view_set_rules_hint(view, TRUE);
+    // Letters that are typed belong to the search field above the list.
     gtk_tree_view_set_enable_search(view, FALSE);
     zel::set_accessible_name(list.view, ui_text("tab-edit", "Items"));
     return list;

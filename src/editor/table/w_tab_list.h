@@ -17,7 +17,7 @@ struct tab_list {
                                     void (*toggled)(GtkCellRendererToggle *, gchar *, gpointer),
                                     gpointer data);
 
-// Asks the list to select a row; nothing without such a row.
+// Selects the row at that place; does nothing when there is none.
 void tab_list_go_to(GtkTreeView *view, int place);
 
 } // namespace zel

@@ -13,7 +13,7 @@ constexpr glong lang_text_length = 32; // characters
 
 constexpr int unsorted = GTK_TREE_SORTABLE_UNSORTED_SORT_COLUMN_ID;
 
-// Of the iterators, only the place is used.
+// The place is all that the iterators hold.
 int place_of(const GtkTreeIter *iter) { return GPOINTER_TO_INT(iter->user_data); }
 
 bool set_iter(ZelTabModel *model, GtkTreeIter *iter, int place)
@@ -21,6 +21,7 @@ bool set_iter(ZelTabModel *model, GtkTreeIter *iter, int place)
     *iter = {};
     if (place < 0 || place >= zel_tab_model_count(model))
         return false;
+    // An iterator of an older order has another stamp and is refused.
     iter->stamp = model->stamp;
     iter->user_data = GINT_TO_POINTER(place);
     return true;
@@ -37,6 +38,7 @@ const char *first_line(item_t *item, const std::unique_ptr<std::string> &lang)
 
 void check_texts(const zel::tab_rows &rows, const zel::tab_row &row)
 {
+    // With the position number, which is what the user sees in the list.
     const int pos = row.item->posnr;
     if (rows.with_langs) {
         lang_check_utf8(nullptr, pos, "lang1", first_line(row.item, rows.lang1));
@@ -145,6 +147,7 @@ void get_value(GtkTreeModel *model, GtkTreeIter *iter, gint column, GValue *valu
     g_value_init(value, column_type(model, column));
     const int row = zel_tab_model_row_of(self, iter);
     const zel::tab_rows &rows = **self->rows;
+    // A view may still ask for a row while the rows are exchanged.
     if (row >= 0 && static_cast<std::size_t>(row) < rows.rows.size())
         set_cell(rows, row, column, value);
 }
@@ -189,7 +192,7 @@ void tree_model_init(gpointer iface, gpointer)
     tree_model->iter_parent = iter_parent;
 }
 
-// Rows that compare equal stand in file order, whichever way the list is sorted.
+// Sorts the rows; those that compare equal stand in file order, whichever way the list is sorted.
 void sort_rows(ZelTabModel *model, std::vector<std::uint32_t> &shown)
 {
     const std::vector<zel::tab_row> &rows = (*model->rows)->rows;
@@ -203,7 +206,8 @@ void sort_rows(ZelTabModel *model, std::vector<std::uint32_t> &shown)
     });
 }
 
-// Sorts while a view watches: it is told where each row came from, and so keeps the row selected.
+// Sorts while a view watches: the view is told where each row came from, and so keeps the selected
+// one.
 void reorder(ZelTabModel *model)
 {
     const std::size_t count = model->shown->size();
@@ -219,6 +223,7 @@ void reorder(ZelTabModel *model)
         came_from[place] = old_place[(*model->shown)[place]];
         moved = moved || came_from[place] != static_cast<gint>(place);
     }
+    // A signal makes the view draw all of its rows again.
     if (!moved)
         return;
     ++model->stamp;
@@ -244,6 +249,7 @@ void set_sort_column_id(GtkTreeSortable *sortable, gint id, GtkSortType order)
         return;
     model->sort_id = id;
     model->sort_order = order;
+    // The header's arrow changes also where no row moves.
     gtk_tree_sortable_sort_column_changed(sortable);
     reorder(model);
 }
@@ -313,6 +319,7 @@ void tab_rows_collect(tab_rows &rows, LangSource *source)
         for (item_t *item : each<item_t>(group->items)) {
             if (item->used == 0)
                 continue;
+            // Numbered in file order, over all groups: the number is the row's place plus one.
             rows.rows.push_back({group, item});
             item->changed = 0;
             item->posnr = static_cast<std::int32_t>(rows.rows.size());
@@ -331,6 +338,7 @@ std::string tab_lang_text(item_t *item, const std::string *lang)
     std::string text = utf8_shown(static_cast<const char *>(entry->texts->data));
     if (text.empty())
         return " ";
+    // The count of bytes first: most texts are short, and counting letters reads all of them.
     if (text.size() > lang_text_length && g_utf8_strlen(text.c_str(), -1) > lang_text_length) {
         const char *cut = g_utf8_offset_to_pointer(text.c_str(), lang_text_length);
         text.resize(static_cast<std::size_t>(cut - text.c_str()));
@@ -380,6 +388,7 @@ void zel_tab_model_show(ZelTabModel *model, std::vector<std::uint32_t> shown)
 {
     *model->shown = std::move(shown);
     sort_rows(model, *model->shown);
+    // Iterators of the rows before are refused from now on.
     ++model->stamp;
 }
 
@@ -399,6 +408,7 @@ int zel_tab_model_row_of(ZelTabModel *model, const GtkTreeIter *iter)
 
 int zel_tab_model_place_of(ZelTabModel *model, int row)
 {
+    // Searches from the start, which is enough: it is asked for single rows only.
     const auto found =
         std::find(model->shown->begin(), model->shown->end(), static_cast<std::uint32_t>(row));
     return found == model->shown->end() ? -1 : static_cast<int>(found - model->shown->begin());

@@ -61,15 +61,15 @@ struct tab_rows {
 // most; a blank when there is none.
 [[nodiscard]] std::string tab_lang_text(item_t *item, const std::string *lang);
 
-// All of it, without the line end of its last line; empty for none.
+// The whole text, without the line end of its last line; empty for none.
 [[nodiscard]] std::string tab_whole_text(item_t *item, const std::string *lang);
 
 // A row for each used item of the source, none for null; the items get their position numbers and
 // lose their marks of change, and texts that are not UTF-8 are told.
 void tab_rows_collect(tab_rows &rows, LangSource *source);
 
-// Drops all rows of the source that is gone; the models stay usable and empty once their own row
-// numbers are set anew.
+// Drops all rows when their source has been closed. The models stay usable, and are empty once
+// their own row numbers are set again.
 void tab_rows_clear(tab_rows &rows);
 
 } // namespace zel
@@ -107,7 +107,7 @@ int zel_tab_model_row_at(ZelTabModel *model, int place);
 int zel_tab_model_row_of(ZelTabModel *model, const GtkTreeIter *iter);
 int zel_tab_model_place_of(ZelTabModel *model, int row);
 
-// Tells the view that a row's cells are to be drawn anew; nothing when it is not shown.
+// Tells the view to draw a row's cells again; does nothing when the row is not shown.
 void zel_tab_model_row_changed(ZelTabModel *model, int row);
 
 // Compares two rows by a sort id: -1, 0 or 1; 0 for an id that is none.

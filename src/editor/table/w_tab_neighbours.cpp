@@ -15,7 +15,7 @@ tab_neighbours::tab_neighbours(std::function<void()> more) : more_(std::move(mor
 void tab_neighbours::begin(const assist::neighbour_texts::query &wanted)
 {
     texts_.begin(wanted);
-    // A key counts in whatever window it is pressed.
+    // A snooper, since a key counts in whatever window it is pressed.
     if (snooper_ == 0) {
         snooper_ = gtk_key_snooper_install(key_pressed, this);
         last_key_ = g_get_monotonic_time(); // one may have been pressed just now
@@ -44,11 +44,13 @@ gint tab_neighbours::key_pressed(GtkWidget *, GdkEventKey *, gpointer self)
 gboolean tab_neighbours::turn(gpointer data)
 {
     auto *self = static_cast<tab_neighbours *>(data);
+    // The user types: other files can wait.
     if (g_get_monotonic_time() - self->last_key_ < after_a_key)
         return TRUE;
     if (self->texts_.step(std::chrono::steady_clock::now() + reading_slice))
         return TRUE;
     self->timer_ = 0;
+    // Nothing is left to read: the snooper would be called at every key for nothing.
     gtk_key_snooper_remove(self->snooper_);
     self->snooper_ = 0;
     self->more_();

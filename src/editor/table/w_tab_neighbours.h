@@ -21,10 +21,10 @@ public:
     tab_neighbours(const tab_neighbours &) = delete;
     tab_neighbours &operator=(const tab_neighbours &) = delete;
 
-    // Reads, unless the same was read before.
+    // Begins to read, unless the same was read before.
     void begin(const assist::neighbour_texts::query &wanted);
 
-    // Nothing is read any more, and what was is dropped.
+    // Stops reading, and drops what was read.
     void stop();
 
     std::optional<assist::suggestion> best(const std::string &reference, std::size_t lang) const

@@ -9,7 +9,7 @@ namespace {
 constexpr int list_width = 400;
 constexpr int small_width = 800; // of a window in which the list has just that
 
-// With texts in the list it needs more.
+// The list's share of a wide window: with texts in the list it needs more.
 double list_share() { return lang_global.editor_mode == 0 ? 0.45 : 0.55; }
 
 struct panes_state {
@@ -32,9 +32,11 @@ gboolean moved_by_keys(GtkWidget *, GtkScrollType, gpointer data)
 void size_allocated(GtkWidget *widget, GtkAllocation *place, gpointer data)
 {
     auto *state = static_cast<panes_state *>(data);
+    // A pane has one pixel before the window gives out sizes.
     if (place->width == state->width || place->width <= 1)
         return;
     state->width = place->width;
+    // The user's own place is kept at every size of the window.
     if (state->is_moved)
         return;
     const bool is_small = place->width <= small_width;
@@ -55,7 +57,8 @@ GtkWidget *tab_panes_new(GtkWidget *list, GtkWidget *texts)
     auto *state = new panes_state;
     g_object_set_data_full(G_OBJECT(panes), "zel-panes", state,
                            [](gpointer kept) { delete static_cast<panes_state *>(kept); });
-    // Its own window, the divider, is all of it that gets a click.
+    // The divider is the only part of the widget with a window of its own, so every click here is
+    // on it.
     g_signal_connect(panes, "button-press-event", G_CALLBACK(moved_by_pointer), state);
     g_signal_connect(panes, "move-handle", G_CALLBACK(moved_by_keys), state);
     g_signal_connect(panes, "size-allocate", G_CALLBACK(size_allocated), state);

@@ -27,7 +27,7 @@ GtkWidget *make_icon_button(const char *stock, GtkIconSize size, const char *too
     return button;
 }
 
-// The key works from another page of the notebook, too, where the button is not seen.
+// The key works on another page of the notebook, too, where the button is not shown.
 gboolean always_reachable(GtkWidget *widget, guint, gpointer)
 {
     return gtk_widget_is_sensitive(widget);
@@ -42,6 +42,7 @@ void mark(GtkWidget *view, const assist::folded_words &words)
 {
     GtkTextBuffer *buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(view));
     GtkTextTag *tag = gtk_text_tag_table_lookup(gtk_text_buffer_get_tag_table(buffer), hit_tag);
+    // Most items are shown without a search: their views need no tag.
     if (tag == nullptr && words.empty())
         return;
     if (tag == nullptr) {
@@ -71,7 +72,7 @@ void tab_search::make_row()
                                        ui_text("common", "Find (Ctrl+F)"));
     g_signal_connect(find, "clicked", G_CALLBACK(find_clicked), this);
     g_signal_connect(find, "can-activate-accel", G_CALLBACK(always_reachable), nullptr);
-    // It acts at once, where "activate" would first draw the button pressed.
+    // "clicked" acts at once, where "activate" would first draw the button pressed.
     if (accel_group != nullptr)
         gtk_widget_add_accelerator(find, "clicked", accel_group, GDK_KEY_f, GDK_CONTROL_MASK,
                                    static_cast<GtkAccelFlags>(0));
@@ -104,6 +105,7 @@ void tab_search::find_clicked(GtkButton *, gpointer data)
     GtkWidget *page = self->parts_.table;
     for (GtkWidget *parent = gtk_widget_get_parent(page); parent != nullptr;
          page = parent, parent = gtk_widget_get_parent(page)) {
+        // The table may lie on pages within pages: each of them is turned to.
         if (GTK_IS_NOTEBOOK(parent))
             gtk_notebook_set_current_page(GTK_NOTEBOOK(parent),
                                           gtk_notebook_page_num(GTK_NOTEBOOK(parent), page));
@@ -121,6 +123,7 @@ void tab_search::clear_clicked(GtkButton *, gpointer data)
 void tab_search::begin(int selected)
 {
     const char *text = gtk_entry_get_text(GTK_ENTRY(entry_));
+    // Only the beginning of a search remembers the row: later letters come with a hit selected.
     if (!is_searching_ && *text != '\0' && selected >= 0)
         before_ = selected;
     is_searching_ = *text != '\0';
@@ -130,6 +133,7 @@ void tab_search::begin(int selected)
 void tab_search::come_back()
 {
     gtk_entry_set_text(GTK_ENTRY(entry_), "");
+    // A row that the user has selected among the hits is the one that is wanted.
     if (before_ >= 0 && !parts_.has_selection())
         parts_.go_to_row(before_);
 }
@@ -148,16 +152,18 @@ gboolean tab_search::list_key(GtkWidget *, GdkEventKey *event, gpointer data)
         GDK_CONTROL_MASK | GDK_MOD1_MASK | GDK_SUPER_MASK | GDK_HYPER_MASK | GDK_META_MASK;
     auto *self = static_cast<tab_search *>(data);
     const gunichar letter = gdk_keyval_to_unicode(event->keyval);
+    // Letters with these keys are commands of the window.
     if (letter == 0 || !g_unichar_isgraph(letter) || (event->state & others) != 0)
         return FALSE;
     gtk_widget_grab_focus(self->entry_);
-    // Given the keyboard, it has selected its text, which the letter would replace.
+    // The entry selects its text when it gets the keyboard, and the letter would replace that.
     gtk_editable_set_position(GTK_EDITABLE(self->entry_), -1);
     return gtk_widget_event(self->entry_, reinterpret_cast<GdkEvent *>(event));
 }
 
 void tab_search::typed(GtkTextBuffer *, gpointer self)
 {
+    // While the panel fills its fields nothing is marked; the table asks for it afterwards.
     if (lang_global.text_lock == 0)
         static_cast<tab_search *>(self)->mark_hits();
 }

@@ -18,7 +18,7 @@ struct tab_search_parts {
     GtkWidget *table;
     GtkWidget *view; // the list
     Zeltext *panel;
-    std::function<void()> changed;      // the search text is another
+    std::function<void()> changed;      // the search text has changed
     std::function<void()> activate;     // Return: to the first hit
     std::function<void(int)> go_to_row; // selects the row, where it is shown
     std::function<bool()> has_selection;
@@ -34,13 +34,13 @@ public:
     GtkWidget *entry() const { return entry_; }
     const assist::folded_words &words() const { return words_; }
 
-    // Before the list is filtered anew; the row that is selected now, or -1.
+    // Call before the list is filtered again, with the row that is selected now, or -1.
     void begin(int selected);
 
-    // The rows are others: there is no item to come back to.
+    // Call after the rows have changed: there is no item to come back to.
     void forget() { before_ = -1; }
 
-    // Empties the search; where nothing is selected then, the row from before it is.
+    // Empties the search; selects the row from before it, where nothing is selected then.
     void come_back();
 
     // Marks the hits in the texts of the item that is shown.

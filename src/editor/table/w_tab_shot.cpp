@@ -27,8 +27,9 @@ void shot_path(char *path, const char *group)
 
 constexpr int frame = 4; // pixels around a picture
 
-// A group's picture in its image widget. It is read when the page is looked at, since most are not,
-// and made small enough for the page unless somebody asks for all of it.
+// A group's picture in its image widget. The file is read only when the user looks at the page,
+// since most pictures are never seen, and made small enough for the page unless the user asks for
+// all of it.
 struct shot {
     GtkWidget *image;
     std::string path;
@@ -37,7 +38,7 @@ struct shot {
     bool is_full = false;
     int width = 0; // of the page that it was made small for
     int height = 0;
-    guint waiting = 0; // to be shown anew
+    guint waiting = 0; // the idle handler that shows it again
 
     shot(GtkWidget *in, const char *at) : image(in), path(at) {}
     shot(const shot &) = delete;
@@ -51,7 +52,7 @@ struct shot {
     }
 };
 
-// What the page leaves for a picture without scrollbars.
+// Measures the room that the page leaves for a picture without scrollbars.
 void measure_page(shot &of)
 {
     GtkAllocation page{};
@@ -66,6 +67,7 @@ void show_picture(shot &of)
     const int height = gdk_pixbuf_get_height(of.picture);
     const double part =
         std::min(static_cast<double>(of.width) / width, static_cast<double>(of.height) / height);
+    // A small picture is not made larger.
     if (of.is_full || part >= 1) {
         gtk_image_set_from_pixbuf(GTK_IMAGE(of.image), of.picture);
         return;
@@ -91,6 +93,7 @@ gboolean show_anew(gpointer data)
 void page_is_seen(GtkWidget *, gpointer data)
 {
     shot &of = *static_cast<shot *>(data);
+    // Also a file that cannot be read is tried once only.
     if (!of.is_read) {
         of.is_read = true;
         of.picture = gdk_pixbuf_new_from_file(of.path.c_str(), nullptr);
@@ -101,11 +104,13 @@ void page_is_seen(GtkWidget *, gpointer data)
         show_anew(&of);
 }
 
-// Not at once: the toolkit is giving out sizes.
+// The page has another size. The picture follows from an idle handler, since the toolkit is giving
+// out sizes just now, and a new picture would ask for another round.
 void page_has_size(GtkWidget *, GtkAllocation *place, gpointer image)
 {
     auto *of = static_cast<shot *>(g_object_get_data(G_OBJECT(image), "zel-shot"));
     const bool is_other = of->width + frame != place->width || of->height + frame != place->height;
+    // Only a picture that was made small depends on the page.
     if (of->picture != nullptr && !of->is_full && is_other && of->waiting == 0)
         of->waiting = g_idle_add(show_anew, of);
 }
@@ -123,6 +128,7 @@ gboolean page_clicked(GtkWidget *page, GdkEventButton *event, gpointer image)
 {
     if (event->button != 1 || event->type != GDK_BUTTON_PRESS)
         return FALSE;
+    // The Return key acts on the page that was clicked last.
     gtk_widget_grab_focus(page);
     change_size(GTK_WIDGET(image));
     return TRUE;
@@ -150,7 +156,8 @@ GtkWidget *make_image(const char *path)
     return image;
 }
 
-// The page's own part, which outlives its pictures.
+// Connects the handlers of the page, which outlives its pictures: each is disconnected with its
+// image.
 void watch_page(GtkWidget *image)
 {
     GtkWidget *viewport = gtk_widget_get_parent(image);
@@ -187,11 +194,12 @@ void tab_show_shot(char *&last_group, const char *group)
     std::printf("file >%s<\n", path);
     GtkWidget *image = make_image(path);
     lang_global.shot_image = image;
-    // The page may go before the table does.
+    // The page may be destroyed before the table is.
     g_signal_connect(image, "destroy", G_CALLBACK(gtk_widget_destroyed), &lang_global.shot_image);
     gtk_scrolled_window_add_with_viewport(GTK_SCROLLED_WINDOW(lang_global.shot_window), image);
     watch_page(image);
     gtk_widget_show(image);
+    // Set also when there is no such file: it is not looked for again at each row of the group.
     replace_string(last_group, zel_strdup2(group));
 }
 

@@ -8,7 +8,7 @@ namespace zel {
 // never null) says that it is the one shown; nothing without the page.
 void tab_show_shot(char *&last_group, const char *group);
 
-// Takes the picture away.
+// Removes the picture.
 void tab_drop_shot();
 
 } // namespace zel

@@ -17,7 +17,7 @@ namespace zel {
 
 namespace {
 
-// Behind the judging of the rows, which is seen at once.
+// Indexing comes after the judging of the rows, whose marks the user sees at once.
 constexpr guint before_indexing = 300; // milliseconds
 constexpr guint between_indexing = 8;
 constexpr gint64 indexing_slice = 4000; // microseconds
@@ -31,7 +31,7 @@ GtkWidget *label_of(Zeltext *panel, int field)
     return field == TEXT_TRANS1 ? panel->suggestion1_label : panel->suggestion2_label;
 }
 
-// In one line.
+// The text in one line.
 std::string flat(const std::string &text)
 {
     std::string out = utf8_shown(text.c_str());
@@ -40,12 +40,13 @@ std::string flat(const std::string &text)
     return out;
 }
 
-// As if it was typed, so that it counts as an edit and can be undone as one.
+// Puts the text in as if it was typed, so that it counts as an edit and is one step to undo.
 void put(GtkWidget *view, const std::string &text, bool instead)
 {
     GtkTextBuffer *buffer = buffer_of(view);
     GtkTextIter start;
     GtkTextIter end;
+    // One action: the undo takes back both the removal and the insertion.
     gtk_text_buffer_begin_user_action(buffer);
     if (instead) {
         gtk_text_buffer_get_bounds(buffer, &start, &end);
@@ -55,6 +56,7 @@ void put(GtkWidget *view, const std::string &text, bool instead)
     }
     gtk_text_buffer_insert_interactive_at_cursor(buffer, text.c_str(), -1, TRUE);
     gtk_text_buffer_end_user_action(buffer);
+    // The caret may be out of sight after a long text.
     gtk_text_view_scroll_mark_onscreen(GTK_TEXT_VIEW(view), gtk_text_buffer_get_insert(buffer));
     gtk_widget_grab_focus(view);
 }
@@ -88,7 +90,7 @@ const std::string *tab_suggest::lang_of(int field) const
     return (field == TEXT_TRANS1 ? rows_->lang1 : rows_->lang2).get();
 }
 
-// Into the shown languages but the source's own one.
+// Whether the field is translated into: it shows a language which is not the source's own.
 bool tab_suggest::is_translated_into(int field) const
 {
     const std::string *lang = lang_of(field);
@@ -96,7 +98,7 @@ bool tab_suggest::is_translated_into(int field) const
            g_strcmp0(lang->c_str(), rows_->source->default_lang) != 0;
 }
 
-// The translation that is typed in, else the one that is translated into; -1 for none.
+// The translation that has the keyboard, else the one that is translated into; -1 for none.
 int tab_suggest::field_to_fill() const
 {
     const int focused = text_focused_field(panel_);
@@ -123,6 +125,7 @@ void tab_suggest::rows_changed()
     if (timer_ != 0)
         g_source_remove(timer_);
     index_.reset(rows_->rows.size());
+    // Slices begin again with the first row.
     next_row_ = 0;
     item_shown(-1);
     timer_ = g_timeout_add_full(G_PRIORITY_LOW, before_indexing, slice, this, nullptr);
@@ -133,10 +136,14 @@ gboolean tab_suggest::slice(gpointer data)
     auto *self = static_cast<tab_suggest *>(data);
     const gint64 end = g_get_monotonic_time() + indexing_slice;
     std::uint32_t looks = 0;
+    // The clock is read once for several rows, since a row takes less time than many looks at it.
     do {
         if (self->next_row_ >= self->index_.count()) {
             self->timer_ = 0;
+            // The item is shown before the index is complete: what was found for it may be better
+            // now.
             self->suggest_all();
+            // The neighbours come last, since their texts count less and their files must be read.
             self->read_neighbours();
             return FALSE;
         }
@@ -148,6 +155,7 @@ gboolean tab_suggest::slice(gpointer data)
 
 void tab_suggest::read_neighbours()
 {
+    // Neighbours are found by the source's folder, and compared in its own language.
     if (rows_->source == nullptr || def_file == nullptr || rows_->source->default_lang == nullptr)
         return;
     assist::neighbour_texts::query wanted{def_file, rows_->source->default_lang, {}};
@@ -170,10 +178,11 @@ std::optional<assist::suggestion> tab_suggest::own_suggestion(std::uint32_t row,
                               best->likeness};
 }
 
-// The source's own comes first where both are equally alike.
+// The better of the two suggestions; the source's own wins where both are equally alike.
 std::optional<assist::suggestion> tab_suggest::suggestion(std::uint32_t row, int field) const
 {
     auto own = own_suggestion(row, field);
+    // A text that is the same cannot be beaten: the neighbours are not asked.
     if (own && own->likeness >= 1)
         return own;
     auto other = neighbours_.best(reference_of(row), static_cast<std::size_t>(field));
@@ -198,11 +207,12 @@ void tab_suggest::suggest(int field)
     show(field);
 }
 
-// Looked at with each letter that is typed, so most are told apart by their lengths.
+// Called with each letter that is typed: most texts are told apart by their lengths.
 bool tab_suggest::is_there_already(int field) const
 {
     const std::string &text = offers_[static_cast<std::size_t>(field)].text;
     GtkTextBuffer *buffer = buffer_of(panel_->*fields[field].view);
+    // No text has fewer bytes than characters.
     const auto most = static_cast<std::size_t>(gtk_text_buffer_get_char_count(buffer));
     return most <= text.size() && g_utf8_strlen(text.c_str(), -1) == static_cast<glong>(most) &&
            buffer_text(buffer) == text;
@@ -212,6 +222,7 @@ void tab_suggest::show(int field)
 {
     const offer &made = offers_[static_cast<std::size_t>(field)];
     GtkWidget *label = label_of(panel_, field);
+    // What stands in the field already is no suggestion.
     const std::string line = is_there_already(field) ? "" : made.line;
     if (line == gtk_label_get_text(GTK_LABEL(label)))
         return;
@@ -238,7 +249,7 @@ void tab_suggest::item_shown(int row)
 {
     if (row_ >= 0 && static_cast<std::size_t>(row_) < index_.count() && row != row_ &&
         static_cast<std::uint32_t>(row_) < next_row_)
-        index_.add(static_cast<std::uint32_t>(row_)); // its text may be another now
+        index_.add(static_cast<std::uint32_t>(row_)); // its text may have changed
     row_ = row >= 0 && static_cast<std::size_t>(row) < index_.count() ? row : -1;
     suggest_all();
 }
@@ -246,9 +257,11 @@ void tab_suggest::item_shown(int row)
 void tab_suggest::take_suggestion()
 {
     int field = field_to_fill();
+    // The field of the source's own language has no suggestion: the key acts on the other one.
     if (field >= 0 && !is_translated_into(field))
         field = field == TEXT_TRANS1 ? TEXT_TRANS2 : TEXT_TRANS1;
     const std::string text = field < 0 ? "" : offers_[static_cast<std::size_t>(field)].text;
+    // The user has pressed a key, and must see why nothing happens.
     if (text.empty() || is_there_already(field)) {
         edit_status(ui_text("tab-edit", "No suggestion"));
         return;
@@ -290,6 +303,7 @@ void tab_suggest::add_keys()
     constexpr std::size_t digits = 9;
     const auto add = [this](guint keyval, std::function<void()> act) {
         keys_.add(keyval, GDK_CONTROL_MASK, [act = std::move(act)] {
+            // The line of the last key would look like an answer to this one.
             edit_status(nullptr);
             act();
         });
@@ -297,6 +311,7 @@ void tab_suggest::add_keys()
     add(GDK_KEY_space, [this] { take_suggestion(); });
     add(GDK_KEY_b, [this] { copy_other(); });
     for (std::size_t digit = 1; digit <= digits; ++digit)
+        // Both rows of digits: the keys of the number pad have names of their own.
         for (const guint first : {guint{GDK_KEY_0}, guint{GDK_KEY_KP_0}})
             add(first + static_cast<guint>(digit), [this, digit] { insert_piece(digit); });
 }

@@ -31,13 +31,13 @@ public:
     tab_suggest(const tab_suggest &) = delete;
     tab_suggest &operator=(const tab_suggest &) = delete;
 
-    // The rows, their languages or many of their texts are others.
+    // Call after the rows, their languages or many of their texts have changed.
     void rows_changed();
 
-    // The panel shows the row's item now (-1: none), and has stored the one before.
+    // Call when the panel shows the row's item (-1: none), and has stored the one before.
     void item_shown(int row);
 
-    // The table goes: nothing is looked at or listened to any more.
+    // The table is being destroyed: stops the timers and removes the keys.
     void stop();
 
 private:

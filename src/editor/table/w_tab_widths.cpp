@@ -22,8 +22,8 @@ constexpr const char *whole_key = "zel-whole"; // and the pixels with which all 
 constexpr const char *least_key = "zel-least"; // and without which it is shortened
 constexpr const char *texts_key = "zel-texts"; // where a view keeps what it measured
 
-// Gives each of these columns what it lacks to be whole; of too little, all get equal parts, except
-// that a part of the time is of no use.
+// Gives each column of the kind what it lacks to be whole. Where the room is too little, all get
+// equal parts; a part of the time, though, is of no use, and is not given.
 void grow(std::vector<int> &widths, const std::vector<column_need> &needs, tab_cell kind, int &room)
 {
     std::vector<std::size_t> order;
@@ -31,6 +31,7 @@ void grow(std::vector<int> &widths, const std::vector<column_need> &needs, tab_c
         if (needs[i].kind == kind)
             order.push_back(i);
     const auto lacks = [&](std::size_t i) { return std::max(needs[i].whole - widths[i], 0); };
+    // Those that lack least first: what they do not need is left for the others.
     std::sort(order.begin(), order.end(),
               [&](std::size_t a, std::size_t b) { return lacks(a) < lacks(b); });
     for (std::size_t done = 0; done < order.size(); ++done) {
@@ -43,7 +44,7 @@ void grow(std::vector<int> &widths, const std::vector<column_need> &needs, tab_c
     }
 }
 
-// Shortens what can be shortened where the last name would be out of sight otherwise.
+// Shortens the date where the last name would be out of sight otherwise.
 void shorten(std::vector<int> &widths, const std::vector<column_need> &needs, int room)
 {
     constexpr int in_sight = 50;
@@ -59,7 +60,8 @@ void shorten(std::vector<int> &widths, const std::vector<column_need> &needs, in
             widths[i] = needs[i].shortest;
 }
 
-// No name is cut for a few pixels, if there are these or the list has to be scrolled anyway.
+// Completes names that lack a few pixels, if there are these, or if the list has to be scrolled
+// anyway: a name without its last letter annoys, and gains nothing.
 void complete(std::vector<int> &widths, const std::vector<column_need> &needs, int &room)
 {
     constexpr int few = 10;
@@ -79,7 +81,8 @@ int count_of(const std::vector<column_need> &needs, tab_cell kind)
         needs.begin(), needs.end(), [kind](const column_need &need) { return need.kind == kind; }));
 }
 
-// Where texts are shown, a long name gets no more than its part before they have theirs.
+// Limits the names where texts are shown: a long name gets no more than its part before they have
+// theirs.
 std::vector<column_need> before_texts(std::vector<column_need> needs, int room)
 {
     const int names = count_of(needs, tab_cell::name);
@@ -90,7 +93,7 @@ std::vector<column_need> before_texts(std::vector<column_need> needs, int room)
     return needs;
 }
 
-// The last columns take what nobody needs: the texts, or the items where no texts are shown.
+// The last columns take the rest: the texts, or the items where no texts are shown.
 void spread(std::vector<int> &widths, const std::vector<column_need> &needs, int room)
 {
     const int texts = count_of(needs, tab_cell::text);
@@ -103,11 +106,11 @@ void spread(std::vector<int> &widths, const std::vector<column_need> &needs, int
             widths[i] += room / texts;
 }
 
-// Widths of many texts without a layout for each: by their characters, close enough to tell which
-// few are worth a layout.
+// Estimates the widths of many texts by their characters, without a layout for each: close enough
+// to tell which few are worth a layout.
 class estimate {
 public:
-    // Of the layout's font; made anew only for another one.
+    // The estimate for the layout's font; measured again only for another font.
     static const estimate &of(PangoLayout *layout)
     {
         static std::string font;
@@ -121,7 +124,7 @@ public:
         g_free(name);
         return last;
     }
-    // No byte is wider.
+    // Upper bound for one byte's width.
     std::size_t widest() const { return static_cast<std::size_t>(widest_); }
     int operator()(const char *text) const
     {
@@ -158,7 +161,7 @@ int text_width(PangoLayout *layout, const char *text)
     return width;
 }
 
-// The widest of the texts it is shown.
+// Finds the widest of many texts: the estimate picks some candidates, and the font measures these.
 class widest_text {
 public:
     explicit widest_text(const estimate &guess) : guess_(guess) {}
@@ -167,6 +170,7 @@ public:
         if (text == nullptr)
             return;
         const bool full = best_.size() == candidates;
+        // A short text cannot be among the widest, whatever its letters are.
         if (full &&
             std::strlen(text) <= static_cast<std::size_t>(best_.front().width) / guess_.widest())
             return;
@@ -199,7 +203,7 @@ private:
     std::vector<candidate> best_;
 };
 
-// A text of the language columns is cut anyway: the first rows tell what is usual.
+// A text of the language columns is cut anyway: the first rows tell the usual width.
 int usual_text(PangoLayout *layout, const zel::tab_rows &rows, const std::string *lang)
 {
     constexpr std::size_t sampled = 60;
@@ -210,7 +214,7 @@ int usual_text(PangoLayout *layout, const zel::tab_rows &rows, const std::string
     return width;
 }
 
-// What the view and the renderer leave free beside a text.
+// The pixels that the view and the renderer leave free beside a text.
 int cell_margin(GtkTreeView *view)
 {
     constexpr int renderer_padding = 5; // and some air
@@ -222,14 +226,14 @@ int cell_margin(GtkTreeView *view)
     return separator + 2 * line + renderer_padding;
 }
 
-// Pixels of a column's texts: of what is seen in any case, and of the widest.
+// The pixels of a column's texts: of what is shown in any case, and of the widest.
 struct text_need {
     int least = 0;
     int whole = 0;
     int shortest = 0; // 0: the same as least
 };
 
-// What is measured once for all columns.
+// Measures that all columns share.
 struct measures {
     PangoLayout *layout;
     const zel::tab_rows &rows;
@@ -242,7 +246,7 @@ struct measures {
         widest_text groups(guess);
         widest_text items(guess);
         const edit_t *last = nullptr;
-        // Fetched ahead, the names of a large source take a quarter of the time.
+        // Fetching the names ahead cuts the time for a large source to a quarter.
         constexpr std::size_t ahead = 8;
         for (std::size_t i = 0; i < rows.rows.size(); ++i) {
             if (i + 2 * ahead < rows.rows.size()) {
@@ -250,6 +254,7 @@ struct measures {
                 __builtin_prefetch(rows.rows[i + ahead].item->name);
             }
             const zel::tab_row &row = rows.rows[i];
+            // Rows of one group follow one another: its name is measured once.
             if (row.group != last)
                 groups.add(row.group->name);
             last = row.group;
@@ -262,6 +267,7 @@ struct measures {
     {
         switch (row.kind) {
         case tab_cell::number:
+            // The highest number has the most digits.
             return {text_width(layout, std::to_string(rows.rows.size()).c_str()), 0};
         case tab_cell::date:
             return {text_width(layout, "0000-00-00"), text_width(layout, "0000-00-00 00:00:00"),
@@ -277,13 +283,13 @@ struct measures {
     }
 };
 
-// The texts of the columns; none before something was measured.
+// The measures of the columns' texts; empty before the first measuring.
 std::vector<text_need> &texts_of(GtkTreeView *view)
 {
     return *static_cast<std::vector<text_need> *>(g_object_get_data(G_OBJECT(view), texts_key));
 }
 
-// The arrow of the sort order in a title that has no room for it yet takes none.
+// Whether the arrow of the sort order takes no room, since the title has none for it yet.
 bool has_small_arrow(GtkTreeViewColumn *column)
 {
     gint width = 0;
@@ -297,7 +303,7 @@ void make_arrow_small(GtkTreeViewColumn *column, bool small)
         gtk_widget_set_size_request(column->arrow, small ? 1 : -1, small ? 1 : -1);
 }
 
-// A title with and, where that is how it may be seen, without its arrow.
+// The width of a title with its arrow, and without it where the title may be shown so.
 text_need title_need(GtkTreeViewColumn *column)
 {
     GtkRequisition arrow{};
@@ -306,6 +312,7 @@ text_need title_need(GtkTreeViewColumn *column)
     gtk_widget_size_request(column->button, &title);
     const int without = arrow.width - 1;
     const int whole = title.width + (has_small_arrow(column) ? without : 0);
+    // The column that sorts must show its arrow.
     const bool can_do_without = zel::tab_row_of(column).kind == tab_cell::ready &&
                                 gtk_tree_view_column_get_sort_indicator(column) == 0;
     return {can_do_without ? whole - without : whole, whole};
@@ -313,6 +320,7 @@ text_need title_need(GtkTreeViewColumn *column)
 
 column_need need_of(GtkTreeViewColumn *column, const text_need &text, int margin)
 {
+    // The user has dragged this column: it keeps its width, whatever it shows.
     if (column->use_resized_width != 0)
         return {tab_cell::icon, column->resized_width, column->resized_width};
     const tab_column_row &row = zel::tab_row_of(column);
@@ -322,10 +330,11 @@ column_need need_of(GtkTreeViewColumn *column, const text_need &text, int margin
     return {row.kind, least, std::max({least, title.whole, text.whole + margin}), shortest};
 }
 
-// Gives the columns their widths; false when they have them already.
+// Gives the columns their widths; false when they had them already.
 bool lay_out(GtkTreeView *view, int room)
 {
     const std::vector<text_need> &texts = texts_of(view);
+    // Nothing is measured yet: the columns have the widths that they were made with.
     if (texts.empty())
         return false;
     const int margin = cell_margin(view);
@@ -333,6 +342,7 @@ bool lay_out(GtkTreeView *view, int room)
     std::vector<column_need> needs;
     for (GtkTreeViewColumn *column : zel::each<GtkTreeViewColumn>(list)) {
         needs.push_back(need_of(column, texts[needs.size()], margin));
+        // Kept for tab_shown_part, which is asked for each cell.
         g_object_set_data(G_OBJECT(column), whole_key, GINT_TO_POINTER(needs.back().whole));
         g_object_set_data(G_OBJECT(column), least_key, GINT_TO_POINTER(needs.back().least));
     }
@@ -350,8 +360,8 @@ bool lay_out(GtkTreeView *view, int room)
     return changed;
 }
 
-// The toolkit draws after each round of sizes: the columns must have theirs before the view goes
-// on.
+// Gives the columns their widths in the same round in which the view gets its own. The toolkit
+// draws after each round: later widths would be seen as a jump.
 void size_allocate(GtkWidget *widget, GtkAllocation *place)
 {
     GtkWidgetClass *parent = GTK_WIDGET_CLASS(g_type_class_peek(GTK_TYPE_TREE_VIEW));
@@ -360,7 +370,7 @@ void size_allocate(GtkWidget *widget, GtkAllocation *place)
     parent->size_allocate(widget, place);
 }
 
-// A tree view that calls this before it gives its columns their places.
+// A tree view that calls size_allocate above before it gives its columns their places.
 GType view_type()
 {
     static GType type = 0;
@@ -387,6 +397,7 @@ void lay_out_now(GtkTreeView *view)
 void style_changed(GtkWidget *widget, GtkStyle *before, gpointer)
 {
     GtkTreeView *view = GTK_TREE_VIEW(widget);
+    // A theme may change its colours only, and measuring a large source takes time.
     const bool same =
         before != nullptr &&
         pango_font_description_equal(before->font_desc, gtk_widget_get_style(widget)->font_desc);
@@ -394,6 +405,7 @@ void style_changed(GtkWidget *widget, GtkStyle *before, gpointer)
         zel::tab_widths_measure(view);
 }
 
+// The arrow of the sort order has moved to another title.
 void sorting_changed(GtkTreeSortable *, gpointer data) { lay_out_now(GTK_TREE_VIEW(data)); }
 
 } // namespace
@@ -407,6 +419,7 @@ std::vector<int> share_width(const std::vector<column_need> &needs, int room)
                    [](const column_need &need) { return need.least; });
     shorten(widths, needs, room);
     room -= std::accumulate(widths.begin(), widths.end(), 0);
+    // In the order of what is missed most: names, then texts, whole titles, and the time.
     complete(widths, needs, room);
     room = std::max(0, room);
     grow(widths, before_texts(needs, room), tab_cell::name, room);
@@ -436,7 +449,9 @@ GtkWidget *tab_view_new(GtkTreeModel *model)
     g_object_set_data_full(
         G_OBJECT(view), texts_key, new std::vector<text_need>,
         [](gpointer texts) { delete static_cast<std::vector<text_need> *>(texts); });
+    // Another font needs other widths.
     g_signal_connect(view, "style-set", G_CALLBACK(style_changed), nullptr);
+    // After the view's own handler, which moves the arrow.
     g_signal_connect_object(model, "sort-column-changed", G_CALLBACK(sorting_changed), view,
                             G_CONNECT_AFTER);
     return view;
@@ -470,6 +485,7 @@ tab_date_part tab_shown_part(GtkTreeViewColumn *column)
 std::string tab_hidden_text(GtkTreeView *view, GtkTreeViewColumn *column, GtkTreeIter *iter)
 {
     const tab_column_row &row = tab_row_of(column);
+    // Numbers and marks are always whole.
     if (row.kind != tab_cell::name && row.kind != tab_cell::text && row.kind != tab_cell::date)
         return {};
     GtkTreeModel *model = gtk_tree_view_get_model(view);
@@ -479,6 +495,7 @@ std::string tab_hidden_text(GtkTreeView *view, GtkTreeViewColumn *column, GtkTre
     const std::string cell = or_empty(shown);
     g_free(shown);
     std::string whole = cell;
+    // The list shows a part of the first line only: the tooltip has the whole text.
     if (row.kind == tab_cell::text) {
         const tab_rows &rows = **ZEL_TAB_MODEL(model)->rows;
         whole = tab_whole_text(item, (row.column == COL_LANG1 ? rows.lang1 : rows.lang2).get());

@@ -27,7 +27,7 @@ struct tab_column_row {
     PangoEllipsizeMode ellipsize;
 };
 
-// Pixels without which a column is not worth its place, and with which all of it is seen.
+// The pixels without which a column is not worth its place, and those with which it is shown whole.
 struct column_need {
     tab_cell kind;
     int least;
@@ -45,14 +45,14 @@ const tab_column_row &tab_row_of(GtkTreeViewColumn *column);
 // A tree view whose columns follow its width once they were measured; each needs its row.
 [[nodiscard]] GtkWidget *tab_view_new(GtkTreeModel *model);
 
-// The rows or the titles are others. The view shows a ZelTabModel.
+// Measures again, after the rows or the titles have changed. The view shows a ZelTabModel.
 void tab_widths_measure(GtkTreeView *view);
 
 // What the column of the dates has room for.
 enum class tab_date_part { month_and_day, day, time };
 tab_date_part tab_shown_part(GtkTreeViewColumn *column);
 
-// The text of a cell when not all of it is seen, else empty.
+// The text of a cell that shows only a part of it, else empty.
 [[nodiscard]] std::string tab_hidden_text(GtkTreeView *view, GtkTreeViewColumn *column,
                                           GtkTreeIter *iter);
 

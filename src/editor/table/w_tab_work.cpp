@@ -16,7 +16,7 @@ namespace zel {
 
 namespace {
 
-// Slices leave the toolkit its turn; waiting for the first lets the window come up before.
+// Slices let the toolkit have its turn; the wait before the first one lets the window appear.
 constexpr guint before_judging = 50; // milliseconds
 constexpr guint between_judging = 4;
 constexpr gint64 judging_slice = 4000; // microseconds
@@ -87,6 +87,7 @@ void tab_work::judge_row(assist::judge &judge, std::uint32_t row)
 
 const assist::item_state &tab_work::state_of(std::uint32_t row)
 {
+    // The cell is drawn before its slice has come: judged now, it is not drawn twice.
     if (!progress_.is_known(row)) {
         assist::judge judge = make_judge();
         judge_row(judge, row);
@@ -97,6 +98,7 @@ const assist::item_state &tab_work::state_of(std::uint32_t row)
 void tab_work::judge_all()
 {
     assist::judge judge = make_judge();
+    // The slices have judged the rows before next_row_ already.
     for (std::size_t row = progress_.first_unknown(next_row_); row < progress_.count();
          row = progress_.first_unknown(row))
         judge_row(judge, static_cast<std::uint32_t>(row));
@@ -109,6 +111,7 @@ gboolean tab_work::slice(gpointer data)
     assist::judge judge = self->make_judge();
     const gint64 end = g_get_monotonic_time() + judging_slice;
     std::uint32_t looks = 0;
+    // The clock is read once for several rows, since a row takes microseconds.
     do {
         const std::size_t row = self->progress_.first_unknown(self->next_row_);
         self->next_row_ = static_cast<std::uint32_t>(row);
@@ -130,6 +133,8 @@ void tab_work::rows_changed()
     progress_.reset(parts_.rows->rows.size());
     next_row_ = 0;
     item_row_ = -1;
+    // Old sums and remarks must not stand beside the new rows until the slices have come to their
+    // end.
     gtk_label_set_text(GTK_LABEL(progress_label_), "");
     text_show_remarks(parts_.panel, {});
     timer_ = g_timeout_add_full(G_PRIORITY_LOW, before_judging, slice, this, nullptr);
@@ -144,6 +149,7 @@ void tab_work::watch_panel()
 
 void tab_work::typed(GtkTextBuffer *, gpointer self)
 {
+    // The panel fills its fields: item_shown comes afterwards.
     if (lang_global.text_lock == 0)
         static_cast<tab_work *>(self)->judge_shown();
 }
@@ -155,10 +161,12 @@ void tab_work::judge_shown()
     const auto row = static_cast<std::uint32_t>(item_row_);
     const tab_row &of = parts_.rows->rows[row];
     assist::remarks told;
+    // With the languages of this moment; a judge keeps pointers to their names.
     const assist::item_state state =
         make_judge().look_at(of.group, of.item, text_typed(parts_.panel), &told);
     text_show_remarks(parts_.panel, told);
     text_colour_pieces(parts_.panel);
+    // Most letters change neither the row's marks nor the sums.
     if (progress_.is_known(row) && progress_.of(row) == state)
         return;
     progress_.set(row, state);
@@ -171,6 +179,7 @@ void tab_work::item_shown(int row)
     const int before = item_row_;
     item_row_ = row;
     if (before >= 0 && static_cast<std::size_t>(before) < progress_.count() && before != row) {
+        // The item before has been stored, and may have been changed in other ways than typing.
         assist::judge judge = make_judge();
         judge_row(judge, static_cast<std::uint32_t>(before));
     }
@@ -185,6 +194,7 @@ void tab_work::mark_cells()
     GList *columns = gtk_tree_view_get_columns(parts_.view);
     for (GList *node = columns; node != nullptr; node = node->next) {
         auto *column = GTK_TREE_VIEW_COLUMN(node->data);
+        // The marks belong to the item's name.
         if (tab_row_of(column).column != COL_ITEM)
             continue;
         GList *cells = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(column));
@@ -195,7 +205,7 @@ void tab_work::mark_cells()
     g_list_free(columns);
 }
 
-// Bold: a text is missing. Underlined as a fault: a rule finds one.
+// Bold means that a text is missing; the underline of a fault that a rule finds one.
 void tab_work::show_cell(GtkTreeViewColumn *, GtkCellRenderer *cell, GtkTreeModel *,
                          GtkTreeIter *iter, gpointer data)
 {
@@ -218,6 +228,7 @@ bool tab_work::hides(std::uint32_t row)
 {
     if (!gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(filter_)) || row >= progress_.count())
         return false;
+    // A filter must know all rows: the slices would hide them one by one.
     if (!progress_.is_all_known())
         judge_all();
     return !progress_.of(row).has_findings();
@@ -225,6 +236,7 @@ bool tab_work::hides(std::uint32_t row)
 
 void tab_work::show_progress()
 {
+    // Sums of a part would look like those of the whole, and change several times a second.
     if (!progress_.is_all_known() || parts_.rows->source == nullptr)
         return;
     const tab_rows &rows = *parts_.rows;
@@ -233,6 +245,8 @@ void tab_work::show_progress()
     for (std::size_t i = 0; i < assist::shown_languages; ++i) {
         const char *lang = name_of(*langs[i]);
         const bool alone = *langs[1 - i] == nullptr;
+        // The source's own language has nothing to translate, unless it is the only one that is
+        // shown.
         if (lang == nullptr || (g_strcmp0(lang, rows.source->default_lang) == 0 && !alone))
             continue;
         const auto &[translated, findings] = progress_.of_language(i);
@@ -249,6 +263,7 @@ void tab_work::show_progress()
 
 bool tab_work::has_work(std::uint32_t row)
 {
+    // The cheapest look first: unready items need no judging.
     if (parts_.rows->rows[row].item->ready == 0)
         return true;
     const assist::item_state &state = state_of(row);
@@ -266,14 +281,16 @@ int tab_work::selected_place() const
     return zel_tab_model_place_of(parts_.shown, zel_tab_model_row_of(parts_.shown, &iter));
 }
 
-// From the selected row on; without one from the end of the list that is behind one.
+// Goes to the next item with work, from the selected row on; without a selected row, from the end
+// of the list that lies behind the direction.
 bool tab_work::go_to_work(int direction)
 {
     const int count = zel_tab_model_count(parts_.shown);
     const int selected = selected_place();
     int place = selected < 0 && direction < 0 ? count : selected;
     for (place += direction; place >= 0 && place < count; place += direction) {
-        // The items lie anywhere in memory: without this each look would wait for its own.
+        // The items lie anywhere in memory: fetching them ahead keeps each look from waiting for
+        // its own.
         const int ahead = zel_tab_model_row_at(parts_.shown, place + 16 * direction);
         if (ahead >= 0)
             __builtin_prefetch(&parts_.rows->rows[static_cast<std::size_t>(ahead)].item->ready);
@@ -298,6 +315,7 @@ void tab_work::done_and_next()
 
 void tab_work::key_pressed(void (*act)(tab_work *work))
 {
+    // Without rows the keys belong to nobody, and the status line keeps its text.
     if (progress_.count() == 0)
         return;
     edit_status(nullptr);

@@ -38,10 +38,10 @@ public:
     GtkWidget *filter_button() const { return filter_; }
     GtkWidget *progress_label() const { return progress_label_; }
 
-    // The rows, their languages or many of their texts are others.
+    // Call after the rows, their languages or many of their texts have changed.
     void rows_changed();
 
-    // The panel shows the row's item now (-1: none), and has stored the one before.
+    // Call when the panel shows the row's item (-1: none), and has stored the one before.
     void item_shown(int row);
 
     // Whether the filter of findings is on.
@@ -50,7 +50,7 @@ public:
     // Whether the filter of findings hides the row.
     bool hides(std::uint32_t row);
 
-    // The table goes: nothing is looked at or listened to any more.
+    // The table is being destroyed: stops the timer and removes the keys.
     void stop();
 
 private:

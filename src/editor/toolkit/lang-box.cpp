@@ -14,7 +14,7 @@ namespace {
 // One box while it is up.
 struct box_state {
     GMainLoop *loop;
-    bool gone; // destroyed, with its parent
+    bool gone; // destroyed together with the parent's window
 };
 
 void quit(box_state *box, const char *trace)
@@ -45,13 +45,15 @@ void destroyed_cb(GtkWidget *, gpointer data)
     quit(box, closed_trace);
 }
 
-// Lines as they come, wrapped where they would make the box wider than this.
+// Lines stay as they are, and are wrapped only where they would make the box wider than this.
 constexpr int widest_text = 560;
 
 GtkWidget *make_text(const std::string &text)
 {
     GtkWidget *label = gtk_label_new(text.c_str());
     gtk_label_set_justify(GTK_LABEL(label), GTK_JUSTIFY_CENTER);
+    // Only lines that are too long are wrapped: a label that wraps takes a width of the toolkit's
+    // choice, also for a short text.
     GtkRequisition wanted{};
     gtk_widget_size_request(label, &wanted);
     if (wanted.width > widest_text) {
@@ -73,6 +75,7 @@ void show_box(GtkWidget *parent, const char *text, const char *icon)
     GtkWidget *popup = zel_popup_new();
     winMsg = popup;
     gtk_window_set_position(GTK_WINDOW(popup), GTK_WIN_POS_CENTER);
+    // Screen readers announce the text at once only for a window of this role with this name.
     zel::set_accessible_name(popup, shown.c_str());
     atk_object_set_role(gtk_widget_get_accessible(popup), ATK_ROLE_ALERT);
     zel_popup_set_icon(popup, gtk_image_new_from_stock(icon, GTK_ICON_SIZE_DIALOG));
@@ -88,6 +91,7 @@ void show_box(GtkWidget *parent, const char *text, const char *icon)
     zel::popup_run(popup, parent, box.loop);
     g_main_loop_unref(box.loop);
     winMsg = outer;
+    // The handler points into this function's frame: it must not outlive the box.
     if (!box.gone) {
         g_signal_handler_disconnect(popup, destroyed);
         gtk_widget_destroy(popup);

@@ -11,6 +11,7 @@ bool is_hidden_menu(GtkWidget *holder)
 
 gboolean close_hidden(gpointer)
 {
+    // Closing a menu gives the input back to its holder before, which may be a hidden menu, too.
     GtkWidget *holder = gtk_grab_get_current();
     while (is_hidden_menu(holder)) {
         GtkWidget *item = gtk_menu_get_attach_widget(GTK_MENU(holder));
@@ -19,6 +20,7 @@ gboolean close_hidden(gpointer)
         if (above != nullptr && GTK_IS_MENU_SHELL(above))
             gtk_menu_shell_cancel(GTK_MENU_SHELL(above));
         GtkWidget *before = holder;
+        // A menu that keeps the input although it has been cancelled would hold us here for ever.
         holder = gtk_grab_get_current();
         if (holder == before)
             break;
@@ -26,7 +28,8 @@ gboolean close_hidden(gpointer)
     return FALSE;
 }
 
-// The toolkit is still at work on the menu: it is closed afterwards, but before the next key.
+// The toolkit is still opening the menu at this moment. The idle handler closes it afterwards, and
+// its high priority brings it before the next key.
 gboolean holder_changed(GSignalInvocationHint *, guint, const GValue *, gpointer)
 {
     if (is_hidden_menu(gtk_grab_get_current()))
@@ -44,6 +47,7 @@ void close_hidden_menus()
     if (watched)
         return;
     watched = true;
+    // A hook sees the signal of every widget: menus are made all the time, by text fields, too.
     g_signal_add_emission_hook(g_signal_lookup("grab-notify", GTK_TYPE_WIDGET), 0, holder_changed,
                                nullptr, nullptr);
 }

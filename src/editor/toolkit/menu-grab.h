@@ -7,7 +7,7 @@
 
 namespace zel {
 
-// From now on a menu that holds the input and is not seen is closed, with the menus above it. A
+// From now on closes a menu that holds the input without being seen, with the menus above it. A
 // second call does nothing.
 void close_hidden_menus();
 

@@ -32,6 +32,8 @@ void popup_init(GTypeInstance *instance, gpointer)
     gtk_box_pack_start(GTK_BOX(popup->vbox), popup->button_box, FALSE, TRUE, 0);
 
     popup->icon = nullptr;
+    // popup_run asks for decorations before the popup is shown, and only a realized window has
+    // them.
     gtk_widget_realize(GTK_WIDGET(popup));
 }
 
@@ -68,6 +70,8 @@ int zel_popup_set_icon(GtkWidget *widget, GtkWidget *icon)
     popup->icon = icon;
     gtk_widget_set_visible(popup->icon_box, icon != nullptr);
     if (icon != nullptr) {
+        // An icon that is destroyed from outside must not be destroyed a second time with the next
+        // one.
         g_signal_connect(icon, "destroy", G_CALLBACK(gtk_widget_destroyed), &popup->icon);
         gtk_box_pack_start(GTK_BOX(popup->icon_box), icon, FALSE, FALSE, 0);
         gtk_widget_show(icon);
@@ -80,6 +84,8 @@ namespace zel {
 GtkWindow *window_of(GtkWidget *widget)
 {
     while (widget != nullptr) {
+        // An entry of a menu has no window of its own: go from menu to menu up to the widget that
+        // the outermost one is attached to.
         GtkWidget *menu = gtk_widget_get_ancestor(widget, GTK_TYPE_MENU);
         if (menu == nullptr)
             break;
@@ -97,8 +103,11 @@ void popup_run(GtkWidget *popup, GtkWidget *parent, GMainLoop *loop)
     if (above != nullptr) {
         gtk_window_set_transient_for(GTK_WINDOW(popup), above);
         gtk_window_set_destroy_with_parent(GTK_WINDOW(popup), TRUE);
+        // The window may be destroyed while the loop runs.
         g_object_add_weak_pointer(G_OBJECT(above), reinterpret_cast<gpointer *>(&above));
     }
+    // No minimize or maximize: a modal popup that is out of sight would leave a window that takes
+    // no input.
     gdk_window_set_decorations(gtk_widget_get_window(popup), GDK_DECOR_TITLE);
     gtk_window_set_modal(GTK_WINDOW(popup), TRUE);
     gtk_widget_show_all(popup);

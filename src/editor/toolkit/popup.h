@@ -39,7 +39,8 @@ namespace zel {
 GtkWindow *window_of(GtkWidget *widget);
 
 // Shows the popup modally above the parent's window (null: none) and runs the loop until it is
-// quit. The popup goes with that window; the window's own modal state is as before afterwards.
+// quit. The popup is destroyed with that window; afterwards the window is as modal as it was
+// before.
 void popup_run(GtkWidget *popup, GtkWidget *parent, GMainLoop *loop);
 
 // A button of the popup's row, as wide as asked; Return presses the default one, Escape the one

@@ -4,7 +4,7 @@
 
 namespace {
 
-// The window manager's area of the first desktop; false when it tells none.
+// Reads the window manager's area of the first desktop; false when it sets none.
 bool managed_area(GdkScreen *screen, GdkRectangle &area)
 {
     GdkAtom type = GDK_NONE;
@@ -16,6 +16,7 @@ bool managed_area(GdkScreen *screen, GdkRectangle &area)
                          gdk_atom_intern_static_string("CARDINAL"), 0, 4 * sizeof(long), FALSE,
                          &type, &format, &length, &data) == 0)
         return false;
+    // The toolkit hands over values of 32 bits as longs, and counts their length in bytes.
     const bool whole = format == 32 && length >= static_cast<gint>(4 * sizeof(long));
     if (whole) {
         const long *values = reinterpret_cast<const long *>(data);
@@ -32,6 +33,8 @@ GdkRectangle area_of(GdkScreen *screen, gint monitor)
     gdk_screen_get_monitor_geometry(screen, monitor, &area);
     GdkRectangle managed{};
     GdkRectangle both{};
+    // The manager's area spans all monitors: only its part on this one counts. A manager that sets
+    // an area beside the monitor is not believed.
     if (managed_area(screen, managed) && gdk_rectangle_intersect(&area, &managed, &both) != 0)
         return both;
     return area;

@@ -4,15 +4,15 @@
 
 namespace {
 
-// A run of letters without a break is split off and shaped anew for each line that it wraps into,
-// with all that follows: 36 s for 100,000 letters. A change of tags ends the run, and so does a tag
-// that changes nothing.
+// The toolkit splits off a run of letters without a break and shapes it again, with all that
+// follows, for each line that it wraps into: 36 s for 100,000 letters. A change of tags ends the
+// run, and so does a tag that changes nothing.
 constexpr int long_paragraph = 2000; // characters
 constexpr int piece = 500;
 
 constexpr const char *tag_name = "piece";
 
-// Tags every second piece of the paragraph between the offsets in it.
+// Tags every second piece of the paragraph between these offsets in it.
 void cut(GtkTextBuffer *buffer, const GtkTextIter &paragraph, int from, int to)
 {
     GtkTextTag *tag = gtk_text_tag_table_lookup(gtk_text_buffer_get_tag_table(buffer), tag_name);
@@ -22,6 +22,9 @@ void cut(GtkTextBuffer *buffer, const GtkTextIter &paragraph, int from, int to)
         const int next = std::min((at / piece + 1) * piece, to);
         GtkTextIter end = start;
         gtk_text_iter_forward_chars(&end, next - at);
+        // The parity comes from the place in the paragraph, so pieces that are cut later fit those
+        // that stand. What is inserted into a tagged piece has its tag, which is why the others are
+        // cleared.
         if (at / piece % 2 != 0)
             gtk_text_buffer_apply_tag(buffer, tag, &start, &end);
         else
@@ -31,7 +34,8 @@ void cut(GtkTextBuffer *buffer, const GtkTextIter &paragraph, int from, int to)
     }
 }
 
-// Only what is new is cut, but for the paragraph that is long with it: texts come in many strings.
+// Cuts only what is new, since texts come in many strings; a paragraph that has become long with it
+// is cut whole.
 void inserted(GtkTextBuffer *buffer, GtkTextIter *end, gchar *text, gint bytes, gpointer)
 {
     if (gtk_text_buffer_get_char_count(buffer) < long_paragraph)
@@ -61,6 +65,8 @@ namespace zel {
 void keep_in_pieces(GtkTextBuffer *buffer)
 {
     gtk_text_buffer_create_tag(buffer, tag_name, nullptr);
+    // After the toolkit's own handler: only then is the text in the buffer, with its end at the
+    // iterator.
     g_signal_connect_after(buffer, "insert-text", G_CALLBACK(inserted), nullptr);
 }
 

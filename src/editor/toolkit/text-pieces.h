@@ -6,8 +6,8 @@
 
 namespace zel {
 
-// From now on, what is inserted into the buffer is kept in pieces where a paragraph is long.
-// Nothing of it is seen, and the text stays as it is.
+// From now on cuts long paragraphs into pieces as text is inserted into the buffer. The user sees
+// nothing of it, and the text stays as it is.
 void keep_in_pieces(GtkTextBuffer *buffer);
 
 } // namespace zel

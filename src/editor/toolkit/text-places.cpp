@@ -17,6 +17,7 @@ std::vector<char_span> tagged(GtkTextBuffer *buffer, GtkTextTag *tag)
     std::vector<char_span> out;
     GtkTextIter at;
     gtk_text_buffer_get_start_iter(buffer, &at);
+    // The search for a toggle skips one at the place that it begins at.
     if (!gtk_text_iter_begins_tag(&at, tag) && !gtk_text_iter_forward_to_tag_toggle(&at, tag))
         return out;
     do {
@@ -60,6 +61,8 @@ std::vector<char_span> places_of(const std::string &text, const std::vector<assi
     const char *at = text.c_str();
     int offset = 0;
     for (const auto &[start, length] : parts) {
+        // Each part is counted from the one before it: counting from the text's start every time
+        // would be quadratic.
         offset += static_cast<int>(g_utf8_pointer_to_offset(at, text.c_str() + start));
         at = text.c_str() + start;
         const int chars = static_cast<int>(g_utf8_strlen(at, static_cast<gssize>(length)));
@@ -73,6 +76,8 @@ std::vector<char_span> places_of(const std::string &text, const std::vector<assi
 
 void tag_places(GtkTextBuffer *buffer, GtkTextTag *tag, const std::vector<char_span> &places)
 {
+    // Removing and setting a tag makes the view lay out its paragraphs, also when nothing changes
+    // in the end.
     if (places == tagged(buffer, tag))
         return;
     GtkTextIter start;

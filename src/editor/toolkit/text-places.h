@@ -27,8 +27,8 @@ struct char_span {
 [[nodiscard]] std::vector<char_span> places_of(const std::string &text,
                                                const std::vector<assist::piece> &parts);
 
-// Tags these places, which stand in their order, and no others. Where the tag is right already,
-// nothing is laid out anew.
+// Tags these places, which stand in their order, and no others. Where the tag is right already, the
+// toolkit lays nothing out again.
 void tag_places(GtkTextBuffer *buffer, GtkTextTag *tag, const std::vector<char_span> &places);
 
 } // namespace zel

@@ -9,6 +9,7 @@
 
 namespace {
 
+// A longer piece is left to the toolkit: each letter is measured one by one at every redraw.
 constexpr int longest_run = 200; // characters
 constexpr const char *ltr_mark = "\u200e";
 constexpr const char *rtl_mark = "\u200f";
@@ -20,7 +21,7 @@ bool may_have_rtl(const std::string &text)
                        [](char c) { return static_cast<unsigned char>(c) >= first_rtl; });
 }
 
-// Whether the first letter that tells, outside of the places, is of such a script.
+// Whether the first letter outside of the places that has a direction is of a right-to-left script.
 bool begins_rtl(const std::string &text, const std::vector<zel::char_span> &places)
 {
     if (!may_have_rtl(text))
@@ -54,6 +55,7 @@ GdkRectangle place_of(GtkTextView *view, const GtkTextIter &at)
 {
     GdkRectangle place{};
     gtk_text_view_get_iter_location(view, &at, &place);
+    // The toolkit gives letters that run to the left a negative width.
     if (place.width < 0) {
         place.x += place.width;
         place.width = -place.width;
@@ -93,8 +95,8 @@ bool is_within(GtkTextView *view, const GtkTextIter &at, const run &of)
            pango_unichar_direction(gtk_text_iter_get_char(&at)) != PANGO_DIRECTION_RTL;
 }
 
-// Letters that stand between those of the piece belong to the run. False when what is seen there
-// is more than these.
+// Widens the run by the letters that are drawn between those of the piece. False when something
+// else is drawn there, too: painting over it would hide letters of the text.
 bool grow(GtkTextView *view, run &of)
 {
     for (int chars = 0; chars < longest_run && measure(view, of); ++chars) {
@@ -105,7 +107,8 @@ bool grow(GtkTextView *view, run &of)
                  is_within(view, before, of))
             of.start = before;
         else
-            return of.right - of.left - of.used <= chars + 1; // rounded
+            // Each letter's place is rounded to a pixel.
+            return of.right - of.left - of.used <= chars + 1;
     }
     return false;
 }
@@ -138,7 +141,7 @@ void add_attributes(PangoAttrList *list, const GtkTextAttributes *of, guint from
     }
 }
 
-// Each letter as the view draws it.
+// The attributes that the view draws each letter with, selection included.
 PangoAttrList *attributes_of(GtkTextView *view, const run &of)
 {
     GtkTextBuffer *buffer = gtk_text_view_get_buffer(view);
@@ -182,7 +185,8 @@ PangoLayout *layout_of(GtkTextView *view, const run &of)
     return layout;
 }
 
-// The caret within the run; at its ends where what is before and behind it goes on.
+// Draws the caret within the run. The text around it runs to the left, so the run's start is at its
+// right edge and its end at its left.
 void draw_caret(cairo_t *cairo, GtkTextView *view, const run &of, PangoLayout *layout, int x, int y)
 {
     GtkTextBuffer *buffer = gtk_text_view_get_buffer(view);
@@ -197,7 +201,7 @@ void draw_caret(cairo_t *cairo, GtkTextView *view, const run &of, PangoLayout *l
         at = x + of.right - of.left;
     } else if (gtk_text_iter_equal(&caret, &of.end)) {
         if (of.goes_on)
-            return; // it is drawn there
+            return; // the next line's run draws it
     } else {
         gchar *before = gtk_text_iter_get_slice(&of.start, &caret);
         PangoRectangle place{};
@@ -216,6 +220,7 @@ void draw(GtkTextView *view, GdkWindow *window, const run &of)
     gint x = 0;
     gint y = 0;
     gtk_text_view_buffer_to_window_coords(view, GTK_TEXT_WINDOW_TEXT, of.left, of.y, &x, &y);
+    // Wipes out what the toolkit has drawn there, which stands in another order.
     cairo_t *cairo = gdk_cairo_create(window);
     cairo_rectangle(cairo, x, y, of.right - of.left, of.height);
     gdk_cairo_set_source_color(cairo,
@@ -229,7 +234,7 @@ void draw(GtkTextView *view, GdkWindow *window, const run &of)
     cairo_destroy(cairo);
 }
 
-// The parts of a piece that stand on lines of their own.
+// The parts of a piece that the view has broken over several lines.
 std::vector<run> parts_of(GtkTextView *view, const GtkTextIter &start, const GtkTextIter &end)
 {
     std::vector<run> parts{{start, end}};
@@ -263,6 +268,7 @@ gboolean exposed(GtkWidget *widget, GdkEventExpose *event, gpointer tag_name)
                                   static_cast<const char *>(tag_name));
     if (tag == nullptr || event->window != gtk_text_view_get_window(view, GTK_TEXT_WINDOW_TEXT))
         return FALSE;
+    // Only the lines that are drawn now are looked at: the text may be long.
     gint y = 0;
     gtk_text_view_window_to_buffer_coords(view, GTK_TEXT_WINDOW_TEXT, 0, event->area.y, nullptr,
                                           &y);
@@ -294,6 +300,7 @@ namespace zel {
 
 void keep_runs_whole(GtkTextView *view, const char *tag_name)
 {
+    // After the toolkit's own handler, which would paint over the runs.
     g_signal_connect_after(view, "expose-event", G_CALLBACK(exposed), const_cast<char *>(tag_name));
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 
-// Conversions, symbols and tags in texts that are written from right to left. What a text view lays
-// out follows the order of its letters' scripts, which takes a piece like "%d" apart: its sign goes
-// to the other side of its letter. Here such a piece is seen as one run from left to right all the
-// same. The text stays as it is, and nothing is put into it.
+// Conversions, symbols and tags in texts that are written from right to left. A text view orders
+// what it lays out by the scripts of its letters, which takes a piece like "%d" apart: the sign is
+// drawn on the other side of its letter. Here such a piece is drawn as one run from left to right
+// all the same. The text stays as it is, and nothing is put into it.
 
 #include <gtk/gtk.h>
 

@@ -8,8 +8,8 @@
 
 namespace {
 
-// What holds in every theme: the toolbar fits into 800 pixels, a frame without a line takes no
-// room, and the thin line under a misspelt word is seen on its ground.
+// Holds in every theme: the toolbar fits into 800 pixels, a frame without a line takes no room, and
+// the thin line under a misspelt word stands out from its ground.
 constexpr char common_rc[] = R"(
 style "lang-toolbar" {
   GtkToolbar::space-size = 7
@@ -34,9 +34,9 @@ style "lang-dark-text" {
 widget "*.dark-text" style "lang-dark-text"
 )";
 
-// The toolkit's default is raw: black double edges, and a selected row that goes grey as soon as
-// one types somewhere else. An edge is drawn darker than the ground on two sides and lighter, which
-// nobody sees, on the others: frames of text take a ground that both are seen on.
+// The toolkit's default is raw: black double edges, and a selected row that turns grey as soon as
+// the user types somewhere else. It draws an edge darker than the ground on two sides and lighter,
+// which nobody sees, on the others: frames of text get a ground that both stand out from.
 constexpr char own_rc[] = R"(
 gtk-button-images = 1
 gtk-menu-images = 1
@@ -137,10 +137,12 @@ void give_soft_edges(GtkWidget *widget, gpointer)
     GtkStyle *own = gtk_style_copy(gtk_widget_get_style(widget));
     gtk_widget_set_style(widget, own);
     g_object_unref(own);
+    // Attaching may have made another style of the copy: ask the widget for it.
     GtkStyle *style = gtk_widget_get_style(widget);
     GdkGCValues line{};
     gdk_color_parse("#a4a4a0", &line.foreground);
     gdk_colormap_alloc_color(style->colormap, &line.foreground, FALSE, TRUE);
+    // The style will release what stands there: the old one is released here, the new one by it.
     gtk_gc_release(style->black_gc);
     style->black_gc = gtk_gc_get(style->depth, style->colormap, &line, GDK_GC_FOREGROUND);
 }
@@ -157,13 +159,16 @@ GdkColor between(const GdkColor &one, const GdkColor &other, int percent_of_othe
 constexpr const char *faint_key = "zel-faint"; // where a label keeps how it is shown
 enum faintness { plain = 1, faint, changing };
 
-// A label gets the theme's colours when it gets into its window, and other ones with another theme.
+// Handler of "style-set": a label gets the theme's colours when it is put into its window, and
+// others when the user changes the theme.
 void make_faint(GtkWidget *label, GtkStyle *, gpointer)
 {
     const int wanted = GPOINTER_TO_INT(g_object_get_data(G_OBJECT(label), faint_key));
+    // Changing the colour below sends this signal again.
     if (wanted == changing)
         return;
     g_object_set_data(G_OBJECT(label), faint_key, GINT_TO_POINTER(changing));
+    // Our own colour must be out before the theme's is read, else each call would fade it further.
     gtk_widget_modify_fg(label, GTK_STATE_NORMAL, nullptr);
     gtk_widget_ensure_style(label);
     const GtkStyle *style = gtk_widget_get_style(label);
@@ -203,6 +208,7 @@ namespace zel {
 
 bool has_theme(const char *name)
 {
+    // The toolkit's built-in default counts as no theme: our own styles replace it.
     if (name[0] == '\0' || g_strcmp0(name, "Raleigh") == 0)
         return false;
     using glib_string = std::unique_ptr<gchar, release<g_free>>;
@@ -224,6 +230,7 @@ bool is_dark(GtkWidget *view)
 
 void draw_line_in_dark(GtkWidget *field)
 {
+    // After the toolkit's own handler, whose edge the line covers.
     g_signal_connect_after(field, "expose-event", G_CALLBACK(draw_line_when_dark), nullptr);
 }
 
@@ -253,6 +260,7 @@ void show_faint(GtkWidget *label, bool is_faint)
 void soften_edges(GtkWidget *widget)
 {
     if (!user_has_theme())
+        // After the style is attached: before, it has no colours that could be exchanged.
         g_signal_connect_after(widget, "realize", G_CALLBACK(give_soft_edges), nullptr);
 }
 
@@ -262,6 +270,7 @@ void apply_theme()
     if (applied)
         return;
     applied = true;
+    // Of two styles that match, the later one wins: the common ones hold in every theme.
     if (!user_has_theme())
         gtk_rc_parse_string(own_rc);
     gtk_rc_parse_string(common_rc);

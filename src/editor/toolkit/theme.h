@@ -10,7 +10,8 @@ namespace zel {
 // the window needs to fit. Called with the display open, before the first window.
 void apply_theme();
 
-// Whether a theme of that name has a part for this toolkit; one that has none shows nothing.
+// Whether a theme of that name has a part for this toolkit. Without one the toolkit shows its raw
+// default, whatever the user has chosen.
 bool has_theme(const char *name);
 
 // Whether the view shows light letters on dark ground.
@@ -27,8 +28,8 @@ void draw_line_in_dark(GtkWidget *field);
 // A frame that only holds something together: no line, and no room for one.
 void make_bare(GtkWidget *frame);
 
-// A label in a colour half way to its ground, or in its own again. An insensitive one would be
-// engraved by some themes, and stand out.
+// Shows the label in a colour half way to its ground, or in its own again. The label stays
+// sensitive: some themes engrave an insensitive one, which makes it stand out.
 void show_faint(GtkWidget *label, bool is_faint);
 
 // Takes the black out of a widget's edges where the user has no theme.

@@ -11,6 +11,8 @@ namespace zel {
 const char *ui_text(const char *group, const char *item, const char *file, int line)
 {
     const char *text = _lang_get_string(group, item, file, line);
+    // A translation file is the user's as well, and may be broken: the toolkit would warn and show
+    // nothing.
     return g_utf8_validate(text, -1, nullptr) ? text : item;
 }
 
