@@ -14,8 +14,8 @@
 //         "texts": [ { "language": "english", "lines": ["_Open"] } ],
 //         "comments": [] } ] } ] }
 //
-// A member that is missing has its usual value; one that is not known is a fault, so that no slip
-// of the pen loses anything.
+// A member that is missing has its usual value; one that is not known is a fault, so that a slip
+// loses nothing.
 
 #include "exchange/export.h"
 #include "source/model.h"
