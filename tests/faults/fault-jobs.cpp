@@ -46,31 +46,19 @@ void prepare_source_elsewhere()
     fs::create_directories("Morvalix 6.00/log");
 }
 
-void prepare_second_source()
+// What others bring: a branch, and translations in every format.
+void prepare_others()
 {
     prepare_source();
     write_file("base.lang-src", old_source());
     std::string theirs = old_source();
     theirs.replace(theirs.find("\"Close\" }"), 7, "\"Shut\"");
     write_file("theirs.lang-src", theirs);
-}
-
-// What a translator brings, in every format.
-void prepare_translations()
-{
-    prepare_second_source();
     write_file("new.csv", "group,item,description,german\ng,Close,,Schliessen\n");
-    write_file("new.po", "msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=UTF-8\\n\"\n\n"
-                         "msgctxt \"g:Close\"\nmsgid \"Close\"\nmsgstr \"Schliessen\"\n");
-    write_file("new.xliff",
-               "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<xliff version=\"1.2\" "
-               "xmlns=\"urn:oasis:names:tc:xliff:document:1.2\">\n<file original=\"notes:1\" "
-               "source-language=\"en\" target-language=\"de\" datatype=\"plaintext\">\n<body>"
-               "<trans-unit id=\"g:Close\"><source>Close</source><target>Schliessen</target>"
-               "</trans-unit></body></file></xliff>\n");
-    write_file("new.json",
-               "{ \"language_source\": 1, \"format\": \"utf8\", \"app\": \"notes:1\", "
-               "\"default_language\": \"english\", \"languages\": [], \"groups\": [] }\n");
+    write_file("new.po", "msgctxt \"g:Close\"\nmsgid \"Close\"\nmsgstr \"Schliessen\"\n");
+    write_file("new.xliff", "<xliff version=\"1.2\"><file><body><trans-unit id=\"g:Close\"><target>"
+                            "Schliessen</target></trans-unit></body></file></xliff>\n");
+    write_file("new.json", "{ \"language_source\": 1, \"languages\": [], \"groups\": [] }\n");
 }
 
 const std::string *find(const files &all, const std::string &name)
@@ -259,7 +247,7 @@ fault_job command(const char *name, words of, look what, void (*prepare)() = pre
     return {name, LANG_PROGRAM, std::move(of), nullptr, prepare, what};
 }
 
-fault_job kit(const char *name, words of, look what, void (*prepare)() = prepare_translations)
+fault_job kit(const char *name, words of, look what, void (*prepare)() = prepare_others)
 {
     of.insert(of.begin(), "lang-kit");
     return {name, LANG_KIT, std::move(of), nullptr, prepare, what, 2};
@@ -276,11 +264,10 @@ const fault_job jobs[] = {
     command("excel", {"excel", "unicode", source_name, "keys.slk"}, source_stays),
     kit("export", {"export", "--format", "po", "-o", "out", source_name}, source_stays,
         prepare_source),
-    kit("merge", {"merge", "base.lang-src", source_name, "theirs.lang-src"}, old_text_stays,
-        prepare_second_source),
+    kit("merge", {"merge", "base.lang-src", source_name, "theirs.lang-src"}, old_text_stays),
     kit("merge driver",
         {"merge", "--driver", "app", "base.lang-src", source_name, "theirs.lang-src"},
-        text_is_whole, prepare_second_source),
+        text_is_whole),
     kit("import csv", {"import", "--format", "csv", source_name, "new.csv"}, old_text_stays),
     kit("import po", {"import", "--format", "po", "--language", "german", source_name, "new.po"},
         old_text_stays),
