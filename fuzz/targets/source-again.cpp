@@ -5,14 +5,25 @@
 #include "support.h"
 
 #include "source/lang-read.h"
+#include "support/text.h"
 
 namespace {
 
-// Every name, and how many strings each text has: what no writing changes.
-std::string shape_of(const LangSource *source)
+// Every name and text, and in how many pieces it is; blanks at a text's end belong to nobody.
+std::string content_of(const LangSource *source)
 {
-    std::string shape;
-    const auto add = [&](const char *name) { shape.append(name == nullptr ? "" : name) += '\n'; };
+    std::string content;
+    const auto add = [&](const char *name) { content.append(name == nullptr ? "" : name) += '\n'; };
+    const auto add_text = [&](const lang_entry_t *entry) {
+        add(entry->lang);
+        std::string text;
+        for (const char *line : zel::each<char>(entry->texts))
+            text += line;
+        while (!text.empty() && zel::is_space(text.back()))
+            text.pop_back();
+        content += std::to_string(g_list_length(entry->texts)) + " ";
+        add(text.c_str());
+    };
     for (const lang_t *lang : zel::each<lang_t>(source->langs))
         add(lang->name);
     for (const edit_t *group : zel::each<edit_t>(source->groups)) {
@@ -20,13 +31,11 @@ std::string shape_of(const LangSource *source)
         for (const item_t *item : zel::each<item_t>(group->items)) {
             add(item->name);
             for (GList *entries : {item->langs, item->comments})
-                for (const lang_entry_t *entry : zel::each<lang_entry_t>(entries)) {
-                    add(entry->lang);
-                    shape += std::to_string(g_list_length(entry->texts)) + " ";
-                }
+                for (const lang_entry_t *entry : zel::each<lang_entry_t>(entries))
+                    add_text(entry);
         }
     }
-    return shape;
+    return content;
 }
 
 } // namespace
@@ -37,10 +46,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const zel::read_answer first = zel::read_source(path, {});
     if (first.source == nullptr)
         return 0;
+    const std::string content = content_of(first.source.get());
     const std::string once = fuzz::written(first.source.get());
     const zel::read_answer second = zel::read_source(fuzz::as_file("again", once), {});
     fuzz::require(second.source != nullptr, "what was written reads");
-    fuzz::require(shape_of(second.source.get()) == shape_of(first.source.get()), "and is the same");
+    fuzz::require(content_of(second.source.get()) == content, "and is the same");
     fuzz::require(fuzz::written(second.source.get()) == once, "and is written the same");
     return 0;
 }

@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 namespace zel_test {
 
@@ -45,13 +46,19 @@ void prepare_source_elsewhere()
     fs::create_directories("Morvalix 6.00/log");
 }
 
-void prepare_second_source()
+// What others bring: a branch, and translations in every format.
+void prepare_others()
 {
     prepare_source();
     write_file("base.lang-src", old_source());
     std::string theirs = old_source();
     theirs.replace(theirs.find("\"Close\" }"), 7, "\"Shut\"");
     write_file("theirs.lang-src", theirs);
+    write_file("new.csv", "group,item,description,german\ng,Close,,Schliessen\n");
+    write_file("new.po", "msgctxt \"g:Close\"\nmsgid \"Close\"\nmsgstr \"Schliessen\"\n");
+    write_file("new.xliff", "<xliff version=\"1.2\"><file><body><trans-unit id=\"g:Close\"><target>"
+                            "Schliessen</target></trans-unit></body></file></xliff>\n");
+    write_file("new.json", "{ \"language_source\": 1, \"languages\": [], \"groups\": [] }\n");
 }
 
 const std::string *find(const files &all, const std::string &name)
@@ -96,6 +103,13 @@ std::string old_text_stays(const job_outcome &run, const job_outcome &whole)
         if (name.ends_with(".bak") && text == old_source())
             return all_whole(run, whole);
     return "the old text is gone";
+}
+
+// The source is the old one, or the new one.
+std::string text_is_whole(const job_outcome &run, const job_outcome &whole)
+{
+    const std::string *now = find(run.left, source_name);
+    return now == nullptr ? "the source is gone" : all_whole(run, whole);
 }
 
 // What is said to be passed over is missing in the new source, and in the old one beside it it is
@@ -224,63 +238,45 @@ std::string recovery_stays(const job_outcome &run, const job_outcome &whole)
 }
 
 #ifdef LANG_PROGRAM
+using words = std::vector<const char *>;
+using look = decltype(fault_job::look);
+
+fault_job command(const char *name, words of, look what, void (*prepare)() = prepare_source)
+{
+    of.insert(of.begin(), "lang");
+    return {name, LANG_PROGRAM, std::move(of), nullptr, prepare, what};
+}
+
+fault_job kit(const char *name, words of, look what, void (*prepare)() = prepare_others)
+{
+    of.insert(of.begin(), "lang-kit");
+    return {name, LANG_KIT, std::move(of), nullptr, prepare, what, 2};
+}
+
 const fault_job jobs[] = {
-    {"convert",
-     LANG_PROGRAM,
-     {"lang", "convert", source_name, "new.lang-src"},
-     nullptr,
-     prepare_source,
-     source_stays},
-    {"convert in place",
-     LANG_PROGRAM,
-     {"lang", "convert", source_name, source_name},
-     nullptr,
-     prepare_source,
-     old_text_stays},
-    {"convert elsewhere",
-     LANG_PROGRAM,
-     {"lang", "convert", source_elsewhere, source_elsewhere},
-     nullptr,
-     prepare_source_elsewhere,
-     old_text_stays},
-    {"check",
-     LANG_PROGRAM,
-     {"lang", "check", source_name, "code.c"},
-     nullptr,
-     prepare_source,
-     old_text_stays_or_folder_is_told},
-    {"check a folder",
-     LANG_PROGRAM,
-     {"lang", "check", source_name, "."},
-     nullptr,
-     prepare_source,
-     old_text_stays_or_folder_is_told},
-    {"compile",
-     LANG_PROGRAM,
-     {"lang", "compile", "-dst-dir", "out", source_name},
-     nullptr,
-     prepare_source,
-     source_stays},
-    {"excel",
-     LANG_PROGRAM,
-     {"lang", "excel", "unicode", source_name, "keys.slk"},
-     nullptr,
-     prepare_source,
-     source_stays},
-    {"export",
-     LANG_KIT,
-     {"lang-kit", "export", "--format", "po", "-o", "out", source_name},
-     nullptr,
-     prepare_source,
-     source_stays,
-     2},
-    {"merge",
-     LANG_KIT,
-     {"lang-kit", "merge", "base.lang-src", source_name, "theirs.lang-src"},
-     nullptr,
-     prepare_second_source,
-     old_text_stays,
-     2},
+    command("convert", {"convert", source_name, "new.lang-src"}, source_stays),
+    command("convert in place", {"convert", source_name, source_name}, old_text_stays),
+    command("convert elsewhere", {"convert", source_elsewhere, source_elsewhere}, old_text_stays,
+            prepare_source_elsewhere),
+    command("check", {"check", source_name, "code.c"}, old_text_stays_or_folder_is_told),
+    command("check a folder", {"check", source_name, "."}, old_text_stays_or_folder_is_told),
+    command("compile", {"compile", "-dst-dir", "out", source_name}, source_stays),
+    command("excel", {"excel", "unicode", source_name, "keys.slk"}, source_stays),
+    kit("export", {"export", "--format", "po", "-o", "out", source_name}, source_stays,
+        prepare_source),
+    kit("merge", {"merge", "base.lang-src", source_name, "theirs.lang-src"}, old_text_stays),
+    kit("merge driver",
+        {"merge", "--driver", "app", "base.lang-src", source_name, "theirs.lang-src"},
+        text_is_whole),
+    kit("import csv", {"import", "--format", "csv", source_name, "new.csv"}, old_text_stays),
+    kit("import po", {"import", "--format", "po", "--language", "german", source_name, "new.po"},
+        old_text_stays),
+    kit("import xliff",
+        {"import", "--format", "xliff", "--language", "german", source_name, "new.xliff"},
+        old_text_stays),
+    kit("import json", {"import", "--format", "json", source_name, "new.json"}, old_text_stays),
+    kit("fill", {"fill", "--from", "new.csv", source_name}, old_text_stays),
+    kit("pseudo", {"pseudo", source_name}, old_text_stays),
     {"library", nullptr, {}, use_library, prepare_texts, nothing_else},
     {"recovery file", nullptr, {}, save_recovery, prepare_recovery, recovery_stays},
     {"settings", nullptr, {}, save_settings, prepare_settings, settings_stay},

@@ -120,7 +120,8 @@ private:
             return false;
         entries_.clear();
         each_text(source_.get(), [this](const key &where, item_t *item, lang_entry_t *entry) {
-            entries_[where] = {item, entry};
+            if (std::get<2>(where) != "pseudo") // nobody types what is made
+                entries_[where] = {item, entry};
         });
         const texts again = typed_;
         for (const auto &[where, text] : again)
