@@ -1,4 +1,4 @@
-// The tests that the tables of decisions name are there.
+// What the documents name is there: links of an installation, and the tests of decisions.
 
 #include "data/shell.h"
 
@@ -27,12 +27,14 @@ std::set<std::string> names_of_tests()
             (path.extension() != ".cpp" && path.filename() != "CMakeLists.txt" &&
              path.extension() != ".cmake"))
             continue;
-        const std::string text = zel_test::read_file(path);
-        const std::regex test(R"(\nTEST(?:_F|_P)?\((\w+), +(\w+)\))");
-        for (std::sregex_iterator at(text.begin(), text.end(), test), end; at != end; ++at)
-            names.insert((*at)[1].str() + "." + (*at)[2].str());
-        for (const std::string &name : matches(text, R"(add_test\(NAME (\w+))"))
-            names.insert(name);
+        std::istringstream lines(zel_test::read_file(path));
+        for (std::string line; std::getline(lines, line);)
+            if (std::smatch found; line.find("add_test(NAME ") != std::string::npos &&
+                                   std::regex_search(line, found, std::regex(R"(NAME (\w+))")))
+                names.insert(found[1]);
+            else if (line.starts_with("TEST") &&
+                     std::regex_search(line, found, std::regex(R"(\((\w+), (\w+)\))")))
+                names.insert(found[1].str() + "." + found[2].str());
     }
     return names;
 }
@@ -58,6 +60,30 @@ TEST(Decisions, EachNamesTheTestThatHoldsIt)
         EXPECT_GT(rows, 100U) << page;
     }
     EXPECT_LE(without, 12U) << "a decision that no test holds is a wish";
+}
+
+// As cmake/install.cmake has it.
+bool is_installed(const std::string &path)
+{
+    const std::regex installed(
+        R"((README|CHANGELOG)\.md|examples/.*|docs/(?!architecture|decisions).*\.(md|png))");
+    return std::regex_match(path, installed) && std::filesystem::exists(in_root(path));
+}
+
+TEST(Documents, LinksOfInstalledOnesLeadToInstalledOnes)
+{
+    std::vector<std::filesystem::path> pages{"README.md", "CHANGELOG.md"};
+    for (const auto &entry : std::filesystem::directory_iterator(in_root("docs")))
+        pages.push_back("docs" / entry.path().filename());
+    std::size_t links = 0;
+    for (const std::filesystem::path &page : pages)
+        if (page.extension() == ".md" && is_installed(page))
+            for (const std::string &link : matches(zel_test::text_of(page), R"(\]\(([^)#:]+)\))")) {
+                ++links;
+                EXPECT_TRUE(is_installed((page.parent_path() / link).lexically_normal()))
+                    << page << " leads to " << link;
+            }
+    EXPECT_GT(links, 20U);
 }
 
 } // namespace
