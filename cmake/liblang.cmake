@@ -2,8 +2,11 @@
 # shared and as a static library that show only the names of liblang.map, and what finds them.
 
 set(liblang_map ${PROJECT_SOURCE_DIR}/src/langlib/liblang.map)
-set(liblang_objects $<TARGET_OBJECTS:lang_support> $<TARGET_OBJECTS:lang_lex>
-                    $<TARGET_OBJECTS:lang_langlib>)
+set(liblang_objects)
+foreach(folder support lex langlib)
+  # A precompiled header counts among them, and is none.
+  list(APPEND liblang_objects $<FILTER:$<TARGET_OBJECTS:lang_${folder}>,EXCLUDE,[.]gch$>)
+endforeach()
 
 add_library(lang_shared SHARED ${liblang_objects})
 target_link_libraries(lang_shared PRIVATE lang_options PkgConfig::GLIB)

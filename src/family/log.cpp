@@ -121,8 +121,6 @@ std::uint32_t LogGetFlags() { return log_flags; }
 
 const char *LogGetFile() { return logFile; }
 
-std::FILE *LogGetFd() { return logFd; }
-
 zel_log_t *zel_log_open(const char *path, const char *version, unsigned flags)
 {
     if (path == nullptr)

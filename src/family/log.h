@@ -39,9 +39,8 @@ std::uint32_t LogSetFlags(int bits);
 std::uint32_t LogClrFlags(int bits);
 std::uint32_t LogGetFlags();
 
-// The path given to LogOpen and the file's stream; both null while there is none.
+// The path given to LogOpen; null while there is none.
 const char *LogGetFile();
-std::FILE *LogGetFd();
 
 // What a log of its own writes besides the text.
 enum {

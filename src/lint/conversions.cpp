@@ -85,6 +85,7 @@ struct conversion {
     bool spaced;          // with the blank flag
     std::size_t stars;    // arguments for width and precision,
     std::size_t star_positions[2];
+    int reach; // see percents
 };
 
 bool take_star(cursor &c, conversion &found)
@@ -115,8 +116,10 @@ std::optional<conversion> read_conversion(std::string_view text)
         found.spaced = found.spaced || c.look() == ' ';
     if (!take_star(c, found))
         c.number();
-    if (c.take('.') && !take_star(c, found))
-        c.number();
+    found.reach = percents::to_the_end;
+    if (c.take('.'))
+        found.reach =
+            take_star(c, found) ? percents::by_argument : static_cast<int>(c.number().value_or(0));
     width size = take_width(c);
     const char letter = c.look();
     const auto *row = std::find_if(std::begin(letters), std::end(letters),
@@ -172,16 +175,25 @@ struct argument_count {
     bool placed = false;  // there was one with a position
 };
 
-void take_argument(percents &found, std::size_t position, taken takes, argument_count &count)
+void take_argument(percents &found, std::size_t position, taken takes, argument_count &count,
+                   int reach = percents::to_the_end)
 {
     found.mixed = found.mixed || (position == 0 ? count.placed : count.next != 0);
     count.placed = count.placed || position != 0;
     const std::size_t at = position == 0 ? count.next++ : position - 1;
     if (at >= most_arguments)
         return;
-    if (found.arguments.size() <= at)
+    if (found.arguments.size() <= at) {
         found.arguments.resize(at + 1);
+        found.reaches.resize(at + 1);
+    }
+    // An argument may be used twice: what reads most of it counts.
+    const bool is_again = found.arguments[at].kind == takes.kind;
+    const bool is_less = is_again && (found.reaches[at] == percents::to_the_end ||
+                                      (reach >= 0 && reach < found.reaches[at]));
     found.arguments[at] = takes;
+    if (!is_less)
+        found.reaches[at] = reach;
 }
 
 void add_conversion(percents &found, std::string_view written, const conversion &read,
@@ -190,7 +202,7 @@ void add_conversion(percents &found, std::string_view written, const conversion 
     for (std::size_t i = 0; i < read.stars; ++i)
         take_argument(found, read.star_positions[i], {argument::whole, width::plain}, count);
     if (read.takes.kind != argument::none)
-        take_argument(found, read.position, read.takes, count);
+        take_argument(found, read.position, read.takes, count, read.reach);
     found.writes = found.writes || read.takes.kind == argument::written;
     found.spaced = read.spaced && (found.spaced || found.conversions.empty());
     found.conversions.push_back(written);
@@ -243,6 +255,18 @@ percents described(const char *description)
         left.remove_prefix(std::min(comma + 1, left.size()));
     }
     return found;
+}
+
+bool reads_more(const percents &own, const percents &expected)
+{
+    for (std::size_t i = 0; i < std::min(own.reaches.size(), expected.reaches.size()); ++i) {
+        const int reads = own.reaches[i];
+        const int may = expected.reaches[i];
+        if (expected.arguments[i].kind == argument::string && may != percents::to_the_end &&
+            reads != may && (may < 0 || reads < 0 || reads > may))
+            return true;
+    }
+    return false;
 }
 
 std::string shown(const percents &found)

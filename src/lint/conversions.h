@@ -33,10 +33,12 @@ struct taken {
 struct percents {
     std::vector<std::string_view> conversions; // as they are written, without %%
     std::vector<taken> arguments;              // by their position
-    std::vector<std::string_view> symbols;     // their names
-    bool mixed = false;                        // some conversions have positions, some not
-    bool writes = false;                       // there is a %n
-    bool stray = false;                        // a percent sign begins nothing
+    std::vector<int> reaches; // of the same: how many bytes of a string are read, or one of these
+    static constexpr int to_the_end = -1, by_argument = -2;
+    std::vector<std::string_view> symbols; // their names
+    bool mixed = false;                    // some conversions have positions, some not
+    bool writes = false;                   // there is a %n
+    bool stray = false;                    // a percent sign begins nothing
     bool spaced = false; // all conversions have a blank behind the sign, as in "50% off"
 
     // A text for printf: it has conversions and nothing that printf does not know.
@@ -50,6 +52,10 @@ percents read_percents(std::string_view text, const percents *known = nullptr);
 // The conversions that an item's description names for the arguments, "formater=%25s,%25d"; none
 // without such a description.
 percents described(const char *description);
+
+// Whether printf would read more of a string for the text than for the item: "%s" in the place of
+// "%.4s". Both have the same arguments.
+bool reads_more(const percents &own, const percents &expected);
 
 // The conversions, with a blank between them; "nothing" when there are none.
 std::string shown(const percents &found);

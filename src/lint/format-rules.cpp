@@ -38,6 +38,9 @@ bool judge_conversions(const percents &own, const percents &expected, std::strin
         message = "some conversions have a position and some have none: " + shown(own);
     } else if (own.arguments != expected.arguments) {
         message = "the item asks for " + shown(expected) + ", the text for " + shown(own);
+    } else if (reads_more(own, expected)) {
+        message = "the item reads a part of a string, " + shown(expected) +
+                  ", the text more of it, " + shown(own);
     } else if (own.stray) {
         message = "a percent sign begins no conversion; write \"%%\" for the sign itself";
     }

@@ -168,3 +168,5 @@ int LogClose()
     logStderr = 0;
     return 0;
 }
+
+std::FILE *LogGetFd() { return logFd; }

@@ -31,6 +31,9 @@ extern "C" int LogOpen(const char *file, unsigned flags, const char *version);
 // Writes the end lines, closes, and releases the path. Returns 0.
 extern "C" int LogClose();
 
+// The stream of the log's file; null while there is none.
+std::FILE *LogGetFd();
+
 namespace zel {
 
 inline constexpr std::string_view log_end_marker = "________EOF________";

@@ -37,9 +37,11 @@ TEST_F(Status, TellsTheFileAtTheStartAndAfterALoad)
 TEST_F(Status, SaysWhyALoadFailed)
 {
     const struct {
-        const char *text;
+        std::string text;
         const char *why;
     } rows[] = {
+        {std::string("GROUP \"g\" { ITEM \"i\" { LANG \"e\" { \"a\0b\" } } }", 45),
+         "a NUL byte ends the text here, and what follows is lost"},
         {"version 1\n  nonsense {\n", ": line 2, column 3: no statement begins here"},
         {"GROUP \"g\" {\n ITEM \"i\" { READY x } }\n",
          ": 0 items, 0 languages; line 2, column 19: READY needs a number"},

@@ -347,7 +347,9 @@ bool edit_read_source()
         print_read_message(message);
         report.hear(message);
     };
-    read_answer answer = read_source(def_file, {lang_global.start_time, listener, nullptr});
+    read_how how{lang_global.start_time, listener};
+    how.to_write = true; // the next save would drop what stands behind a NUL byte
+    read_answer answer = read_source(def_file, how);
     if (answer.result == read_result::stopped)
         say_stopped();
     edit_status(report.text(answer).c_str());

@@ -52,6 +52,8 @@ std::string read_report::cause(read_cause why) const
         return ui_text("reader", "there is no such file");
     if (why == read_cause::memory)
         return ui_text("reader", "not enough memory");
+    if (failure_.empty() && !warning_.empty()) // it reads, but would lose a text by a save
+        return warning_;
     const std::string text = ui_text("reader", "the file cannot be read");
     return failure_.empty() ? text : text + ": " + utf8_shown(failure_.c_str());
 }

@@ -5,4 +5,5 @@ add_executable(exchange_bare_test
   ${CMAKE_CURRENT_SOURCE_DIR}/exchange/bare/without-libraries_test.cpp ${exchange_sources})
 target_link_libraries(exchange_bare_test PRIVATE lang_options lang_source test_main GTest::gmock)
 target_include_directories(exchange_bare_test PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+target_compile_definitions(exchange_bare_test PRIVATE LANG_SOURCE_ROOT="${PROJECT_SOURCE_DIR}")
 gtest_discover_tests(exchange_bare_test DISCOVERY_TIMEOUT 60)
