@@ -76,8 +76,8 @@ TEST_F(Git, SaysWhatItDidAndDoesItOnce)
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.err, "");
     EXPECT_THAT(run.out, testing::StartsWith(announced + "now commit"));
-    EXPECT_THAT(run.out, HasSubstr("git config merge.lang-src.driver: " + kit_command +
-                                   "merge --driver=%P %O %A %B\n"));
+    EXPECT_THAT(run.out, HasSubstr("git config merge.lang-src.driver: lang-kit merge "
+                                   "--driver=%P %O %A %B\n"));
     EXPECT_EQ(read_file(".gitattributes"), "*.lang-src diff=lang-src merge=lang-src\n");
     const std::string ignored = read_file(".gitignore");
     EXPECT_EQ(ignored,
@@ -88,11 +88,14 @@ TEST_F(Git, SaysWhatItDidAndDoesItOnce)
     EXPECT_EQ(again.status, 0);
     EXPECT_EQ(read_file(".git/config"), config);
     EXPECT_EQ(read_file(".gitignore"), ignored);
-    // From anywhere in the tree; what is lacking again is done again.
+    // From anywhere in the tree; what is lacking again is done again. Outside of the path the
+    // program has its whole name.
     fs::create_directories("deep/er");
     git("config --unset diff.lang-src.textconv");
-    EXPECT_EQ(sh("cd deep/er && " + kit_command + "git").out,
-              "git config diff.lang-src.textconv: " + kit_command + "show --or-file --\n");
+    EXPECT_EQ(sh("cd deep/er && PATH=/usr/bin:/bin " + kit_command + "git").out,
+              "git config merge.lang-src.driver: " + kit_command +
+                  "merge --driver=%P %O %A %B\ngit config diff.lang-src.textconv: " + kit_command +
+                  "show --or-file --\n");
     EXPECT_FALSE(fs::exists("deep/er/.gitattributes"));
 }
 

@@ -42,7 +42,7 @@ constexpr struct {
     {"*.lang-src-*.bak", "app.lang-src-2024-01-31-12-00-00.bak"},
     {"*.lang-src.????????", "app.lang-src.0a1b2c3d"}, // left where a program was killed
     {"lang.tmp", "lang.tmp"},
-    {".lang.lock", ".lang.lock"}, // the turn of a save
+    {".lang.lock", ".lang.lock"},        // the turn of a save
     {"lang.lang-ini*", "lang.lang-ini"}, // the editor's settings, their lock and the like
 };
 
