@@ -20,9 +20,10 @@ LANG_TEXTS ?= texts
 LANG_LANGUAGES ?=
 LANG_BUILD ?= $(dir $(lastword $(MAKEFILE_LIST)))lang-build
 LANG_MADE := $(LANG_TEXTS)/.made
+LANG_FAULTS = unread,unused
 LANG_RUN = $(if $(LANG_PROGRAM),LANG_PROGRAM='$(LANG_PROGRAM)') $(if $(LANG_KIT),LANG_KIT='$(LANG_KIT)') \
 	$(if $(LANG_LINT),LANG_LINT='$(LANG_LINT)') $(if $(LANG_MINIMUM),LANG_MINIMUM='$(LANG_MINIMUM)') \
-	$(if $(LANG_FAIL_ON_UNUSED),LANG_CHECK='--fail-on unread,unused') $(LANG_BUILD)
+	$(if $(LANG_FAIL_ON_UNUSED),LANG_CHECK='--fail-on $(LANG_FAULTS)') $(LANG_BUILD)
 # The path must be read now: another file may be included behind this one.
 LANG_BUILD := $(LANG_BUILD)
 

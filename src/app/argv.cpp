@@ -12,7 +12,8 @@ int err_print;
 std::FILE *err_fp;
 const char *arg_last; // the word that a match examined last, not owned
 
-// Message per result code; codes beyond the table have that of ARGV_ERROR.
+// Message per result code; codes beyond the table have that of ARGV_ERROR. The text that stands
+// there twice is deliberate: the messages are an interface.
 constexpr std::array messages = {
     "No error",
     "ERROR",
@@ -68,6 +69,8 @@ int check_argv(int *count, char ***position, const argv_tab_t *table)
     const char *word = current_word(*count, *position);
     if (word == nullptr)
         return 0;
+    // A word too short for "--" and a letter is not remembered: a message about a missing value
+    // goes on naming the word before it.
     if (std::strlen(word) < 3)
         return zel_str_to_num(nullptr, table);
     arg_last = word;

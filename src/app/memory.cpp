@@ -39,6 +39,8 @@ int most_to_reserve()
 bool grow_heap(int size)
 {
     mallopt(M_TOP_PAD, size);
+    // Near a limit malloc maps the block elsewhere and the heap's end stays: nothing was reserved.
+    // Without volatile the compiler would remove the pair of calls.
     const void *before = sbrk(0);
     void *volatile block = std::malloc(first_block); // larger than what is there: the heap grows
     std::free(block);
@@ -50,11 +52,14 @@ int end_status;
 
 void handle_glib_message(const char *domain, GLogLevelFlags level, const char *text, void *data)
 {
+    // Lack of memory ends the program with its own message and status, before GLib's handler would
+    // abort. Every other message is GLib's to print.
     zel::end_on_glib_error(level);
     g_log_default_handler(domain, level, text, data);
 }
 
-// GLib's allocator of small pieces says what it lacks and aborts. Any other abort goes on as usual.
+// GLib's allocator of small pieces prints what it lacks and aborts. Mapping some memory tells this
+// abort from any other, which goes on as usual.
 void end_for_abort(int)
 {
     constexpr std::size_t some = 1024 * 1024;
@@ -76,6 +81,7 @@ void prepare_heap()
 {
     constexpr std::uintptr_t large_page = 2 * 1024 * 1024;
     int reserved = most_to_reserve();
+    // Freed memory stays in the heap for the next texts. Only large blocks are mapped one by one.
     mallopt(M_TRIM_THRESHOLD, 1024 * 1024 * 1024);
     mallopt(M_MMAP_THRESHOLD, 2 * first_block);
     const auto begin = reinterpret_cast<std::uintptr_t>(sbrk(0));
@@ -94,6 +100,8 @@ void end_without_memory(const char *program, int status)
     program_name = program;
     end_status = status;
     std::set_new_handler(end_for_memory);
+    // SA_RESETHAND: when the handler returns, abort() raises the signal again, and its default
+    // action ends the program.
     struct sigaction action {};
     action.sa_handler = end_for_abort;
     action.sa_flags = static_cast<int>(SA_RESETHAND);
@@ -104,13 +112,14 @@ void end_without_memory(const char *program, int status)
 
 void end_for_memory()
 {
+    // Flushed here because _exit does not do it, and exit would run handlers that may need memory.
     std::fflush(stdout);
     for (const std::string_view part : {std::string_view(program_name), ": not enough memory\n"sv})
         static_cast<void>(!write(STDERR_FILENO, part.data(), part.size()));
     _exit(end_status);
 }
 
-// The only error that GLib itself ends a process for, in what the program asks of it.
+// Lack of memory is the only error that GLib ends a process for, in what this program asks of it.
 void end_on_glib_error(int level)
 {
     if ((level & G_LOG_LEVEL_ERROR) != 0)

@@ -19,7 +19,8 @@ void append_escape(std::string &out, unsigned char byte)
     out += text.data();
 }
 
-// Control characters: those of ASCII, and U+0080 to U+009F, which some terminals obey too.
+// Escapes control characters: those of ASCII, and U+0080 to U+009F, which some terminals obey, too.
+// Otherwise a hostile source or path could move the cursor or rename the window.
 std::string escaped(std::string_view text)
 {
     std::string out;
@@ -42,11 +43,13 @@ std::string escaped(std::string_view text)
 ssize_t write_escaped(void *cookie, const char *data, std::size_t size)
 {
     const int file = static_cast<int>(reinterpret_cast<std::intptr_t>(cookie));
+    // A cookie's writer reports an error as 0 bytes, never as a negative number.
     return zel::write_all(file, escaped({data, size})) == 0 ? static_cast<ssize_t>(size) : 0;
 }
 
 void escape_on_terminal(std::FILE *&stream, int file, int buffering)
 {
+    // Files and pipes get every byte as it is: programs read them.
     if (isatty(file) == 0)
         return;
     cookie_io_functions_t calls{};
@@ -64,9 +67,11 @@ namespace zel {
 
 void open_missing_streams()
 {
+    // Otherwise a file that is opened later would get the number of a missing stream, and messages
+    // would be written into it. open takes the lowest free number, which is this stream's.
     for (int file = 0; file <= 2; ++file)
         if (fcntl(file, F_GETFD) < 0)
-            static_cast<void>(open("/dev/null", file == 0 ? O_RDONLY : O_WRONLY)); // the lowest
+            static_cast<void>(open("/dev/null", file == 0 ? O_RDONLY : O_WRONLY));
 }
 
 void escape_on_terminals()

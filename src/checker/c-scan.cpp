@@ -26,7 +26,7 @@ using name_buffer = char[NAME_SIZE];
 // Every level of strings inside strings needs a longer text around it; deeper ones are no scripts.
 constexpr unsigned MAX_STRING_DEPTH = 64;
 
-// What one file's scan carries along.
+// What the scan of one file carries along.
 struct scan {
     zel::item_index &index;
     symtab_t *symbols;
@@ -57,7 +57,7 @@ place place_of(const scan &s, const zel_token_t *token)
     va_end(values);
 }
 
-// Tells the listener the first fault of the request.
+// Tells the listener about the first fault of the request: later ones only follow from it.
 void tell_unread(scan &s, piece of, unread_cause cause = unread_cause::no_literal)
 {
     if (s.how.to != nullptr && !s.told)
@@ -73,14 +73,16 @@ void append(scan &s, name_buffer &buffer, const char *text, piece of)
     const std::size_t added = std::min(whole, NAME_SIZE - 1 - length);
     std::memcpy(buffer + length, text, added);
     buffer[length + added] = '\0';
+    // The name goes on where the buffer ends: what is looked up is not what the program asks for.
     if (added != whole)
         tell_unread(s, of, unread_cause::goes_on);
 }
 
-// The text of a string or the value of a name; null after a message.
+// Returns the text of a string or the value of a name; null after a message.
 const char *text_of(scan &s, const zel_token_t *token, int error, piece of = piece::item)
 {
     if (token->id == TOKEN_STRING) {
+        // A NUL byte ends the text for everything that follows here.
         if (token->length != std::strlen(token->lexeme))
             tell_unread(s, of, unread_cause::goes_on);
         return token->lexeme;
@@ -115,7 +117,7 @@ void take_literals(zel_lex_t *lex, std::string &text)
         text += zel_next_token(lex)->lexeme;
 }
 
-// The pieces of a text that follow the one that was read. As outside of requests, literals may be
+// Takes the pieces of a text that follow the one just read. As outside of requests, literals may be
 // scripts.
 std::string take_pieces(scan &s, zel_lex_t *lex)
 {
@@ -137,7 +139,7 @@ std::string take_pieces(scan &s, zel_lex_t *lex)
     return out;
 }
 
-// For a listener, when an item without a description was read: whether that was all of it.
+// For a listener, after an item without a description: looks whether that was all of the text.
 void look_behind(scan &s, zel_lex_t *lex, const char *group, const std::string &name)
 {
     const zel_token_t *next = zel_token_look_ahead(lex, 1);
@@ -154,7 +156,8 @@ void look_behind(scan &s, zel_lex_t *lex, const char *group, const std::string &
     s.told = true;
 }
 
-// Where a comma should be, after the first piece of a part, there is another: it is told.
+// For a listener: where a comma should be, behind the first piece of a part, stands another token.
+// If that is a piece, too, the request comes in pieces.
 void look_at_piece(scan &s, zel_lex_t *lex, piece of, const char *read)
 {
     const zel_token_t *token = zel_current_token(lex);
@@ -170,7 +173,7 @@ void look_at_piece(scan &s, zel_lex_t *lex, piece of, const char *read)
     s.told = true;
 }
 
-// Behind a part of a request, of which that was read.
+// Reads the comma behind a part of a request; read is what was read of that part.
 bool read_comma(scan &s, zel_lex_t *lex, int error, piece of, const char *read)
 {
     const zel_token_t *token = zel_next_token(lex);
@@ -195,12 +198,13 @@ void print_request(const scan &s, const char *where, const char *group, const ch
 
 void make_place(const scan &s, const request &wanted, name_buffer &where)
 {
+    // A place is only shown, so one that does not fit may be cut.
     if (std::snprintf(where, sizeof where, "%05d:%s", wanted.line, s.path) < 0)
         where[0] = '\0';
     zel_path_to_unix(where);
 }
 
-// The request's item, found or inserted, and marked as used; null without memory.
+// Finds or inserts the request's item and marks it as used; null without memory.
 zel::indexed_item *use_item(const scan &s, const request &wanted, const char *name)
 {
     zel::indexed_item *found = s.index.find(wanted.group, name);
@@ -250,6 +254,7 @@ int read_entry(scan &s, zel_lex_t *lex, int type)
         return 1;
     }
     used->item->typ = type;
+    // A place without memory counts as a failed copy: the command then writes nothing.
     zel::add_use(*used, where);
     print_request(s, where, wanted.group, name);
     if (s.how.to != nullptr)
@@ -337,6 +342,7 @@ int read_described_entry(scan &s, zel_lex_t *lex, bool with_symbol)
         say(s, "\nERROR(25): insert item >%s<", name);
         return 1;
     }
+    // The request that is scanned last decides about the description.
     zel::replace_string(used->item->description, description.release());
     name_buffer where;
     make_place(s, wanted, where);
@@ -350,6 +356,7 @@ int read_tokens(scan &s, zel_lex_t *lex);
 void read_request(scan &s, zel_lex_t *lex, const request_form &form)
 {
     s.request = place_of(s, zel_current_token(lex));
+    // In a definition of the request's own name the parameters are no texts: nothing is told.
     s.told = s.is_defined;
     s.is_defined = false;
     skip_to_arguments(lex, form);
@@ -393,7 +400,7 @@ int read_app(scan &s, char **app, zel_lex_t *lex)
     return 0;
 }
 
-// NAME "value". The compiler may see more of it, or another one, than the scan keeps.
+// NAME "value". The compiler may see a longer value than the scan keeps, or another one.
 void read_name(scan &s, zel_lex_t *lex)
 {
     const std::string name = zel_next_token(lex)->lexeme;
@@ -402,18 +409,20 @@ void read_name(scan &s, zel_lex_t *lex)
     const zel_token_t *value = zel_next_token(lex);
     const char *known = symtab_get(s.symbols, name.c_str());
     const bool differs = known != nullptr && std::strcmp(known, value->lexeme) != 0;
+    // A second definition changes nothing: it is added for the message about it.
     if (known == nullptr || s.how.messages != nullptr)
         symtab_add(s.symbols, name.c_str(), value->lexeme);
     if (s.how.to == nullptr)
         return;
     const std::uint32_t line = value->line;
     const zel_token_t *next = zel_token_look_ahead(lex, 1);
+    // A value that goes on behind the literal is only known in part.
     if (differs || (next->id != TOKEN_EOF && next->line == line))
         symtab_doubt(s.symbols, name.c_str());
 }
 
-// After "#": define NAME "value", or the application's name. What does not belong to a definition
-// stays for the loop; a wrapper's own is passed over.
+// After "#": reads define NAME "value", or the application's name. What does not belong to a
+// definition stays for the loop; a wrapper's own definition is passed over.
 void read_definition(scan &s, zel_lex_t *lex)
 {
     if (zel_token_look_ahead(lex, 1)->id != WORD_DEFINE)
@@ -442,7 +451,7 @@ bool may_hold_request(const char *text)
 }
 
 // The scanners that no text needs at the moment. Every file and every literal that may be a script
-// takes one; if each were made anew, checking a tree with requests would take 30 percent longer.
+// takes one; with a new one for each, checking a tree with requests would take 30 percent longer.
 struct idle_scanners {
     std::array<zel_lex_t *, 4> kept;
     std::size_t count;
@@ -452,7 +461,7 @@ idle_scanners idle;
 void keep_scanner(zel_lex_t *lex) noexcept
 {
     const auto is_small = [](const zel_token_t *token) {
-        return token->capacity == ZEL_LEX_LEXEME; // none hoards one text's room
+        return token->capacity == ZEL_LEX_LEXEME; // none keeps a long text's room
     };
     if (idle.count == idle.kept.size() || !is_small(lex->work) || !is_small(lex->current) ||
         !is_small(lex->ahead))
@@ -488,7 +497,7 @@ int read_text(scan &s, const char *text, place at)
     return read_tokens(inner, lex.get());
 }
 
-// A string literal and those that follow it directly.
+// Reads a string literal and those that follow it directly.
 int read_literals(scan &s, zel_lex_t *lex, const zel_token_t *token)
 {
     const place at = place_of(s, token);
@@ -501,7 +510,7 @@ int read_literals(scan &s, zel_lex_t *lex, const zel_token_t *token)
 
 void read_wrapped(scan &s, zel_lex_t *lex, const zel_token_t *token);
 
-// What begins with the token, which is no string.
+// Acts on the token, which is no string.
 void read_word(scan &s, zel_lex_t *lex, const zel_token_t *token)
 {
     const int kind = token->id;
@@ -517,7 +526,7 @@ void read_word(scan &s, zel_lex_t *lex, const zel_token_t *token)
                 read_request(s, lex, form);
 }
 
-// A call of an application's own word.
+// Reads a call of one of the application's own functions.
 void read_wrapped(scan &s, zel_lex_t *lex, const zel_token_t *token)
 {
     const wrapper *form = s.how.wrappers->of(token);
@@ -539,6 +548,7 @@ void read_wrapped(scan &s, zel_lex_t *lex, const zel_token_t *token)
     make_place(s, wanted, where);
     zel::indexed_item *used = use_item(s, wanted, call.item.c_str());
     if (used == nullptr)
+        // A lost request: the command must not write the source.
         return zel::copy_failed();
     used->item->typ = REQUEST_TEXT;
     zel::add_use(*used, where);
@@ -549,6 +559,7 @@ int read_tokens(scan &s, zel_lex_t *lex)
 {
     const bool has_wrappers = s.how.wrappers != nullptr && s.string_depth == 0;
     for (;;) {
+        // The jump looks for "lang" alone and would miss the application's own words.
         if (!has_wrappers)
             zel::skip_plain_code(lex);
         const zel_token_t *token = zel_next_token(lex);
@@ -572,6 +583,7 @@ struct printed_scan {
           index(root == nullptr ? none.get() : root), s{index, symbols, path, how}
     {
     }
+    // The order counts: index refers to none, and s to index and how.
     source_guard none;
     zel::item_index index;
     scan_how how{lang_global.start_time, stdout, nullptr, nullptr};
@@ -639,6 +651,7 @@ int check_file(item_index &index, const char *path, const scan_how &how)
     if (how.wrappers == nullptr)
         lex = take_scanner();
     else
+        // Its table has the project's own words, so nobody else can use it.
         with_wrappers.reset(how.wrappers->new_scanner());
     zel_lex_t *scanner = how.wrappers == nullptr ? lex.get() : with_wrappers.get();
     if (scanner == nullptr) {
@@ -661,7 +674,7 @@ int check_file(item_index &index, const char *path, const scan_how &how)
     const int result = read_tokens(s, scanner);
     if (zel_lex_buf_read_failed(buffer.get()) == 0)
         return result;
-    // Its requests are not all found: items would count as not used.
+    // Not all of its requests were found: their items would count as unused.
     if (how.messages != nullptr)
         std::fprintf(stderr, "check: %s cannot be read to its end: %s\n", shown,
                      std::strerror(errno));

@@ -62,7 +62,7 @@ constexpr std::string_view define = "define";
 
 using byte_place = const unsigned char *;
 
-// The walk over one block.
+// The walk over one block of the input.
 struct block_walk {
     byte_place end;
     byte_place at;             // how far it is taken
@@ -83,7 +83,7 @@ struct block_walk {
     byte_place blanks_end(byte_place from) const;
 };
 
-// Leaves the token that is being passed over to the scanner.
+// Steps back to the first byte of the token that is being passed, and leaves it to the scanner.
 bool block_walk::stop_before()
 {
     while (at != known && (parts[at[-1]] & DELIMITER) == 0)
@@ -100,6 +100,7 @@ bool block_walk::pass_feed(byte_place feed)
 
 bool block_walk::pass_letter()
 {
+    // At the end of the block the word may go on in the next one.
     if (end - at < 4 || ((at[1] | 0x20) == 'a' && (at[2] | 0x20) == 'n' && (at[3] | 0x20) == 'g'))
         return stop_before();
     ++at;
@@ -108,6 +109,7 @@ bool block_walk::pass_letter()
 
 bool block_walk::pass_return()
 {
+    // Before a line feed a carriage return is space; anywhere else it drops out of a word.
     if (at[0] != '\r' || at[1] != '\n')
         return stop_before();
     ++at;
@@ -126,9 +128,11 @@ bool block_walk::pass_block_comment()
             known = at;
             return true;
         } else if (*at == '*' && at[1] == '\r') {
+            // The carriage return drops out, so the comment may end here.
             break;
         }
     }
+    // The comment ends in another block, or the scanner has to tell where.
     *this = before;
     return false;
 }
@@ -151,7 +155,7 @@ bool block_walk::pass_slash()
     return true;
 }
 
-// The end of an identifier; end when it is not surely there.
+// Returns the end of an identifier; end when it is not surely there.
 byte_place block_walk::run_end(byte_place from) const
 {
     while (from != end && (parts[*from] & IN_IDENT) != 0)
@@ -172,8 +176,8 @@ bool is_define(byte_place word, byte_place word_end)
                       [](unsigned char a, char b) { return lower(a) == b; });
 }
 
-// A "#" counts before "define", and that only with a name and a string behind it. The name of the
-// application, and a request's, begin with letters that are left alone.
+// A "#" matters before "define", and that only if a name and a string follow. The name of the
+// application, and that of a request, begin with letters that are left to the scanner.
 bool block_walk::pass_hash()
 {
     const byte_place word = blanks_end(at + 1);
@@ -197,7 +201,7 @@ bool block_walk::pass_hash()
     return true;
 }
 
-// Passes what stands here; false when the scanner is to go on. at + 1 is in the block.
+// Passes what stands here; false when the scanner has to go on. at + 1 must be in the block.
 bool block_walk::pass()
 {
     switch (kinds[*at]) {
@@ -225,6 +229,7 @@ void block_walk::run()
     for (;;) {
         while (at + 1 < end && kinds[*at] == PLAIN)
             ++at;
+        // The last byte cannot be judged without the one behind it.
         if (at + 1 >= end) {
             stop_before();
             return;
@@ -238,6 +243,7 @@ bool block_is_open(const zel_lex_t *lex)
 {
     constexpr unsigned flags = LEX_NEWLINE_SPACE | LEX_LINE_MARKERS | LEX_NO_COMMENTS;
     const zel_lex_buf_t *buf = lex->buf;
+    // All that the walk relies on: a client's own function would have to see every byte.
     return lex->ahead->id == 0 && lex->get_token == zel_get_token &&
            lex->do_numeric == lex_do_numeric && (lex->flags & flags) == LEX_NEWLINE_SPACE &&
            buf != nullptr && buf->direct != 0 && buf->held == 0 &&

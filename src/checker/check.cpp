@@ -55,8 +55,8 @@ int check_path(zel::item_index &index, const char *path, std::int64_t now)
     return result;
 }
 
-// The source at the path, or an empty one where there is none or its text is none. A source that
-// is there and cannot be read through is left alone: what it holds would be lost.
+// Reads the source at the path, or begins an empty one if there is none or its text is malformed. A
+// source that exists but cannot be read to its end is left alone: what it holds would be lost.
 check_result read_or_begin(const char *path, std::int64_t now, source_guard &source, bool &begun)
 {
     LogPrint(1, "check: read file >%s<\n", path);
@@ -80,8 +80,8 @@ check_result read_or_begin(const char *path, std::int64_t now, source_guard &sou
     return source == nullptr ? check_result::failed : check_result::done;
 }
 
-// A new source in place of a malformed one: the old text, with all its translations, is in the
-// backup, and whoever reads this can mend it.
+// Tells of a new source in place of a malformed one: the old text, with all its translations, is in
+// the backup, and whoever reads this can mend it.
 void say_begun(const char *path, const write_answer &written)
 {
     if (written.code == 0)
@@ -93,7 +93,7 @@ void say_begun(const char *path, const write_answer &written)
         std::fprintf(stderr, "check: %s could not be read; it is as it was\n", path);
 }
 
-// Looks for every request of every path. False when the run is to end.
+// Scans every path for requests. False when the run is to end.
 bool scan_paths(LangSource *source, int count, char **paths, std::int64_t now)
 {
     LogPrint(1, "check: check directorys start\n");
@@ -116,9 +116,11 @@ check_result check_once(const char *path, int count, char **words, std::int64_t 
     const check_result result = read_or_begin(path, now, source, begun);
     if (result != check_result::done)
         return result;
+    // An item that no scan finds again counts as unused from now on.
     forget_uses(source.get());
     if (!scan_paths(source.get(), count, words, now))
         return check_result::ended;
+    // Requests may be lost: their items would be written as unused.
     if (failed_copies() != failed_before) {
         std::fprintf(stderr, "check: not enough memory, %s is as it was\n", path);
         return check_result::failed;
@@ -180,6 +182,7 @@ void forget_uses(LangSource *source)
 
 check_result run_check(int count, char **words, std::int64_t now)
 {
+    // Another program may save again and again; after these rounds it has its way.
     constexpr int most_rounds = 3;
     LogPrint(1, "check: entry\n");
     argv_prep(&count, &words);

@@ -20,10 +20,10 @@ enum class check_result {
 
 // Runs the command. The first word is the command's own name; then at most one option, the language
 // source, and the files and directories to scan. A path that is a regular file is scanned whatever
-// its name. A source that is not there, or malformed outside its groups, begins anew; the second is
-// told on standard error with the name of the backup. When another program changes the source
-// meanwhile, standard error tells, and all of it begins again. Items without a creation time, and
-// those that are inserted, were made at the time given.
+// its name. Where there is no source, or a malformed one, a new one is begun; in the second case
+// standard error names the backup. If another program changes the source meanwhile, standard error
+// says so, and the run begins again. Items without a creation time, and those that are inserted,
+// get the given time as theirs.
 check_result run_check(int count, char **words, std::int64_t now);
 
 // Dates the source as a run does and forgets where its items are used: what a scan begins with.

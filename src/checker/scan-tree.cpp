@@ -52,7 +52,7 @@ int search_directory(tree_walk &w, const char *directory);
 
 int step_down(tree_walk &w, const char *path, file_id id)
 {
-    // A link back up the tree.
+    // A link back up the tree: following it would never end.
     if (std::find(w.open.begin(), w.open.end(), id) != w.open.end())
         return 0;
     LogPrint(1, "_check_rec: step down >%s<\n", path);
@@ -69,11 +69,12 @@ int search_entry(tree_walk &w, const char *path, const char *name)
     const bool known = zel_stat(path, &status) == 0;
     if (known && S_ISDIR(status.st_mode))
         return step_down(w, path, {status.st_dev, status.st_ino});
+    // A link that leads nowhere is no loss, and the scan itself complains about its own files.
     if (!known && errno != ENOENT && errno != ELOOP && !is_scanned(name))
         w.to.not_seen(path);
     LogPrint(1, "_check_rec: check file >%s<>%s<\n", path, name);
-    // Pipes and devices are no sources, and reading one might not end. What has no status (a link
-    // that leads nowhere) is left to the scan to complain about.
+    // Pipes and devices are no sources, and reading one might not end. What has no status, such as
+    // a link that leads nowhere, is left to the scan to complain about.
     if (!is_scanned(name) || (known && !S_ISREG(status.st_mode)))
         return 0;
     return w.to.scan(path);
@@ -84,6 +85,7 @@ int search_directory(tree_walk &w, const char *directory)
     LogPrint(1, "_check_rec: entry >%s<\n", directory);
     const directory_guard entries(g_dir_open(directory, 0, nullptr));
     if (entries == nullptr) {
+        // Logging may change errno.
         const int error = errno;
         LogPrint(1, "_check_rec: ERROR(1) open >%s<\n", directory);
         errno = error;
@@ -92,6 +94,7 @@ int search_directory(tree_walk &w, const char *directory)
     }
     std::string path;
     for (;;) {
+        // Only errno tells an error from the end of the directory.
         errno = 0;
         const char *name = g_dir_read_name(entries.get()); // never "." and ".."
         if (name == nullptr)
@@ -115,6 +118,7 @@ int scan_directory(const char *directory, const tree_scan &to)
 {
     tree_walk w{to, {}};
     struct stat status;
+    // A link below may lead back to the start.
     if (zel_stat(directory, &status) == 0)
         w.open.push_back({status.st_dev, status.st_ino});
     return search_directory(w, directory);

@@ -39,6 +39,7 @@ void symtab_free(symtab_t *table) { delete table; }
 int symtab_add(symtab_t *table, const char *name, const char *value)
 {
     const std::uint32_t hash = zel::hash_of(name);
+    // The first definition stays.
     if (find(table, hash, name) != zel::hash_index::none) {
         std::printf("symtab_add: duplicate key >%s<\n", name);
         return 1;

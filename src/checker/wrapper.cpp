@@ -35,6 +35,7 @@ void add(argument &to, const zel_token_t *token, const symtab_t *symbols)
         to.text += value;
     else
         to.literal = false;
+    // A declaration consists of names and these signs.
     constexpr std::string_view marks = "*&[]";
     const int id = token->id;
     const bool is_mark =
@@ -47,8 +48,8 @@ int depth_change(int id)
     return id == '(' || id == '[' || id == '{' ? 1 : id == ')' || id == ']' || id == '}' ? -1 : 0;
 }
 
-// The arguments through the closing parenthesis, or as far as they are before a request of lang.h;
-// none where the input ends before that.
+// Reads the arguments through the closing parenthesis, or as far as they come before a request of
+// lang.h; none if the input ends before that.
 std::vector<argument> read_arguments(zel_lex_t *lex, const symtab_t *symbols,
                                      const std::function<void(const zel_token_t *)> &request)
 {
@@ -62,6 +63,7 @@ std::vector<argument> read_arguments(zel_lex_t *lex, const symtab_t *symbols,
         if (depth < 0)
             return out;
         if (id == ',' && depth == 0) {
+            // What is beyond runs into the last argument: no wrapper can name it.
             if (out.size() < most_arguments)
                 out.emplace_back();
             continue;
@@ -99,6 +101,7 @@ std::optional<wrapper> parse_wrapper(std::string_view text)
             return std::nullopt;
         at = rest;
     }
+    // One number more than needed is the group's.
     const std::size_t least = forms ? 2 : 1;
     if (at != end || count < least || count > least + 1)
         return std::nullopt;
@@ -111,6 +114,7 @@ std::optional<wrapper> parse_wrapper(std::string_view text)
 wrapper_words::wrapper_words(std::vector<wrapper> wrappers, std::string group)
     : wrappers_(std::move(wrappers)), group_(std::move(group))
 {
+    // Shortened first: the table points into the words.
     wrappers_.resize(std::min(wrappers_.size(), most_wrappers));
     table_.assign(std::begin(check_words), std::end(check_words) - 1);
     for (std::size_t i = 0; i < wrappers_.size(); ++i)
@@ -137,9 +141,11 @@ wrapper_call read_wrapper_call(zel_lex_t *lex, const wrapper_words &words, const
         return call;
     zel_next_token(lex);
     std::vector<argument> given = read_arguments(lex, symbols, request);
+    // A declaration of the function is no call.
     if (given.empty() || std::any_of(given.begin(), given.end(),
                                      [](const argument &one) { return one.is_declaration(); }))
         return call;
+    // Resized before anything refers to an argument; one that is missing has no text.
     given.resize(std::max({given.size(), form.item, form.plural, form.group}));
     const argument &item = given[form.item - 1];
     call.at = item.at;
@@ -161,6 +167,7 @@ void skip_definition(zel_lex_t *lex)
     int last = token->id;
     for (;;) {
         const zel_token_t *next = zel_token_look_ahead(lex, 1);
+        // A definition goes on behind a backslash at the end of a line.
         if (next->id == TOKEN_EOF || (next->line != line && last != '\\'))
             return;
         token = zel_next_token(lex);

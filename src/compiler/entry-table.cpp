@@ -42,6 +42,8 @@ std::uint32_t entry_table::slot_of(std::string_view name) const
 
 std::uint32_t entry_table::slot_at(std::size_t position, const char *name)
 {
+    // Items mostly list their languages in the same order. So the language last seen at this
+    // position is usually the right one, and one comparison replaces a look-up.
     if (position == guesses_.size())
         guesses_.push_back({name, slot_of(name)});
     guess &last = guesses_[position];
@@ -56,6 +58,7 @@ void entry_table::load(const item_t *item)
     std::size_t position = 0;
     for (const lang_entry_t *entry : each<lang_entry_t>(item->langs)) {
         const std::uint32_t slot = slot_at(position++, or_empty(entry->lang));
+        // The first entry of a language counts, as in find_entry.
         if (slot != no_slot && found_[slot] == nullptr)
             found_[slot] = entry;
     }

@@ -31,6 +31,7 @@ void append_escaped(std::string &out, const char *text)
         else if (*at == '\t')
             out += ' ';
         else if (*at != '\0')
+            // An escape character, a blank and a colon are a line's end: deliberate, byte for byte.
             out += "\x1b :";
         at += *at != '\0' ? 1 : 0;
     }
@@ -46,7 +47,8 @@ void append_cell(std::string &out, const char *key)
 void append_record(std::string &out, const edit_t *group, const item_t *item)
 {
     std::array<char, KEY_SIZE> key;
-    // A longer key is cut.
+    // Both columns carry the key, and a record ends with CR alone: deliberate, byte for byte. A key
+    // that does not fit is cut.
     if (std::snprintf(key.data(), key.size(), "%s.%s", zel::or_empty(group->name),
                       zel::or_empty(item->name)) < 0)
         key[0] = '\0';
@@ -61,7 +63,8 @@ bool is_stream(const struct stat &status)
     return S_ISCHR(status.st_mode) || S_ISFIFO(status.st_mode);
 }
 
-// A pipe gets some seconds to find its reader. -1 with errno.
+// Opens a pipe and waits some seconds for somebody to read it: a plain open would wait for ever.
+// Returns -1 with errno.
 int open_stream(const char *path)
 {
     constexpr int tries = 50;
@@ -73,12 +76,14 @@ int open_stream(const char *path)
             break;
         nanosleep(&between, nullptr);
     }
+    // Only the opening must not block: write_all has to wait for a slow reader.
     if (fd >= 0)
         fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) & ~O_NONBLOCK);
     return fd;
 }
 
-// Where the table goes: a file, put in place when it is whole, or what can only be written into.
+// Destination of the table. A regular file is written beside its place and moved there when it is
+// whole; a terminal, another device or a pipe can only be written into.
 class table_output {
 public:
     ~table_output()
@@ -99,7 +104,8 @@ const char *table_output::open(const char *path)
 {
     old_ = zel::find_target(path, zel::links::follow);
     struct stat status {};
-    // A pipe with a name may be somebody's trap; one that a shell made, for whomever, has none.
+    // A pipe with a name may be somebody's trap, so the user must own it. A shell's pipe has no
+    // name and may belong to anybody.
     const auto is_trusted = [&] {
         return !S_ISFIFO(status.st_mode) || !old_.is_there || status.st_uid == geteuid();
     };
@@ -146,6 +152,8 @@ int write_str(std::FILE *stream, const char *text)
 int to_excel_unicode_text(LangSource *source, const char *path, const char * /*lang*/,
                           const char * /*comment_lang*/)
 {
+    // The lines on standard output are an interface: scripts look for them. The causes go to
+    // standard error beside them.
     std::puts("to_excel_unicode_text: entry");
     table_output output;
     if (const char *cause = output.open(path)) {

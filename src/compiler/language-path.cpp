@@ -17,7 +17,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t name_limit = 2038; // bytes of a language's name; a cut one is another
+// Bytes of a language's name. A longer one would be cut on its way and name another folder.
+constexpr std::size_t name_limit = 2038;
 
 bool has_step_up(std::string_view path)
 {
@@ -30,7 +31,8 @@ bool has_step_up(std::string_view path)
     return false;
 }
 
-// Names of folders that cre_dir takes for a place of their own.
+// Whether cre_dir would take a part of the name for a drive or a network share, that is, for a
+// place outside the destination.
 bool has_root(const std::string &directory)
 {
     std::vector<char> token(directory.size() + 3);
@@ -48,7 +50,7 @@ bool has_root(const std::string &directory)
     }
 }
 
-// Whether a part of the path behind the destination is somebody else's link.
+// Whether a part of the path below the destination is somebody else's symbolic link.
 bool has_foreign_link_below(std::size_t destination, const std::string &path)
 {
     for (std::size_t end = destination; end != std::string::npos;) {
@@ -59,8 +61,8 @@ bool has_foreign_link_below(std::size_t destination, const std::string &path)
     return false;
 }
 
-// Whether the path stays in the destination when its links are followed, as far as it is there, or
-// leaves it by the user's own links alone.
+// Whether the path stays inside the destination once its links are resolved, or leaves it by the
+// user's own links alone. Parts that do not exist yet are taken as they stand.
 bool stays_below(const std::string &destination, const std::string &path)
 {
     if (!has_foreign_link_below(destination.size(), path))
@@ -74,6 +76,7 @@ bool stays_below(const std::string &destination, const std::string &path)
 
 void end_once(std::string &path)
 {
+    // Sources name the file with or without its ending: either way the file has it once.
     constexpr std::string_view ending = zel::compiled_ending;
     if (path.ends_with(ending))
         path.resize(path.size() - ending.size());
@@ -89,11 +92,15 @@ zel::language_path path_below(const char *destination, const lang_t *lang)
     gen_path(path.data(), 0, destination, directory.c_str(), file, nullptr);
     zel::language_path result{path.data(), false};
     end_once(result.path);
+    // All of this is checked before the folder is made: a hostile source must not make folders
+    // elsewhere.
     const std::string folder = std::string(destination) + "/" + directory;
     if (name.size() > name_limit || has_step_up(directory) || has_step_up(file) ||
         has_root(directory) || !stays_below(destination, folder))
         return result;
     cre_dir(destination, directory.c_str());
+    // Checked again with the file's own name: that may be a link, and somebody may have put one in
+    // the folder's place meanwhile.
     result.is_allowed = stays_below(destination, result.path);
     return result;
 }
@@ -106,6 +113,7 @@ language_path path_of_language(const lang_t *lang, const char *destination)
 {
     if (destination != nullptr)
         return path_below(destination, lang);
+    // Without a destination the path is the source's own, and no folder confines it.
     language_path result{zel::or_empty(lang->file)};
     end_once(result.path);
     return result;

@@ -1,6 +1,6 @@
 #pragma once
 
-// Where the compiled file of a language goes.
+// Path of the compiled file of a language.
 
 #include <string>
 

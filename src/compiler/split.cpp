@@ -21,8 +21,8 @@
 
 namespace {
 
-// One language's file under construction. There may be more languages than handles: only the first
-// ones hold theirs between two writes.
+// One language's file while it is being written. A source may name more languages than the process
+// has handles, so only the first files keep theirs between two writes.
 struct language_file {
     language_file(const lang_t *of, zel::target_file at, zel::handle held)
         : lang(of), place(std::move(at)), how(held)
@@ -37,20 +37,22 @@ struct language_file {
     std::uint32_t slot = zel::entry_table::no_slot;
     int error = 0;
 
+    // Writes the waiting text if it has at least so many bytes: few large writes are faster.
     int flush(std::size_t least = 0)
     {
         if (text.size() < least || text.empty())
             return 0;
+        // On a full disk the failed file gives its space back, so that the others may still fit.
         if (error == 0 && (error = file.append(text)) != 0)
-            file.drop(); // the room that it takes is another one's
+            file.drop();
         if (how == zel::handle::rests)
             file.rest();
         text.clear();
         return error;
     }
 
-    // The file is whole. It is not synced, which would take longer than compiling: after a power
-    // cut it is made again from the source.
+    // Completes the file without syncing it, which would take longer than compiling: after a power
+    // cut the file can be compiled again from its source.
     int finish()
     {
         flush();
@@ -70,8 +72,8 @@ void keep_first(zel::compile_answer &answer, const std::string &path, int error)
         answer = {1, path, error};
 }
 
-// Null, after the messages, when the file cannot be made; then the answer says why. Standard output
-// ends with the first one that cannot.
+// Returns null, after the messages, when the file cannot be made; the answer then says why. The
+// lines on standard output end with the first such file.
 language_file_ptr open_language(const lang_t *lang, const char *destination, zel::handle how,
                                 zel::compile_answer &answer)
 {
@@ -96,6 +98,7 @@ language_file_ptr open_language(const lang_t *lang, const char *destination, zel
         std::printf("READY open lang file ->%s<-\n", file);
     if (how == zel::handle::rests)
         opened->file.rest();
+    // A "*/" in the file's name must not end the comment in the first line.
     std::string name;
     zel::append_comment(name, file);
     zel::append_format(opened->text, zel::compiled_first_line, name.c_str());
@@ -135,7 +138,7 @@ struct compiler {
     std::vector<language_file_ptr> files;
     zel::entry_table entries;
     std::uint32_t default_slot = zel::entry_table::no_slot;
-    bool is_told = true; // which items lack a text
+    bool is_told = true; // whether items without a text are reported
 
     void open(const char *destination, zel::compile_answer &answer);
     void write();
@@ -145,7 +148,8 @@ struct compiler {
     void put(zel::compile_answer &answer);
 };
 
-// How many files may hold a handle: half of those that the process may have.
+// How many files may keep their handle: half of those that the process may open. The log, the
+// libraries and the files without a handle of their own need the rest.
 std::size_t handles_to_hold()
 {
     rlimit most{};
@@ -163,7 +167,9 @@ void compiler::open(const char *destination, zel::compile_answer &answer)
         opened->slot = entries.add_language(zel::or_empty(lang->name));
         files.push_back(std::move(opened));
     }
+    // The default language may have no file: its texts still serve the others.
     default_slot = entries.add_language(source->default_lang);
+    // The lines on standard output end with the first failed file; warnings would follow it.
     is_told = answer.code == 0;
 }
 
@@ -184,6 +190,8 @@ void compiler::append_head(language_file &out) const
 
 void compiler::append_item(language_file &out, const item_t *item) const
 {
+    // The language's own entry wins even if it is empty. Only an item without one gets the default
+    // language's texts, marked as such.
     if (const lang_entry_t *entry = entries.find(out.slot))
         append_entry(out.text, item, entry, false, how.posnr);
     else if (const lang_entry_t *fallback = entries.find(default_slot))
@@ -195,7 +203,7 @@ void compiler::append_item(language_file &out, const item_t *item) const
 
 void compiler::write_group(const edit_t *group)
 {
-    // Together the texts that wait take no more than this, however many languages there are.
+    // Caps the memory of all waiting texts together, however many languages there are.
     constexpr std::size_t waiting = 32 * 1024 * 1024;
     constexpr std::size_t worth_a_write = 256 * 1024;
     const std::size_t least =
@@ -207,6 +215,7 @@ void compiler::write_group(const edit_t *group)
     for (const item_t *item : zel::each<item_t>(group->items)) {
         if (item->used == 0)
             continue;
+        // One walk over the source serves all languages: an item's entries are looked up once.
         entries.load(item);
         for (const language_file_ptr &out : files) {
             append_item(*out, item);
@@ -223,8 +232,8 @@ void compiler::write()
         write_group(group);
 }
 
-// Puts the files in place, once all of them are as far as they can be: one that could not be
-// written keeps none of the others from its place.
+// Moves the files to their places after each has been completed as far as possible: a file that
+// could not be written does not keep the others from theirs.
 void compiler::put(zel::compile_answer &answer)
 {
     for (const language_file_ptr &out : files)
@@ -256,12 +265,15 @@ ssize_t write_to_language(void *cookie, const char *data, std::size_t size)
 {
     auto *out = static_cast<language_file *>(cookie);
     out->text.append(data, size);
+    // A cookie's writer reports an error as 0 bytes, never as a negative number.
     errno = out->flush();
     return errno == 0 ? static_cast<ssize_t>(size) : 0;
 }
 
 int close_language(void *cookie)
 {
+    // The stream owns the language's file. Closing the stream completes the file and puts it in
+    // place, so the caller learns of a full disk from fclose.
     const language_file_ptr out(static_cast<language_file *>(cookie));
     errno = out->finish();
     if (errno == 0)
@@ -317,11 +329,13 @@ int open_lang_files(GList *langs, const char *destination)
 {
     zel::compile_answer answer;
     for (lang_t *lang : zel::each<lang_t>(langs)) {
+        // Nobody knows how many streams the caller opens, so none keeps a handle.
         language_file_ptr opened = open_language(lang, destination, zel::handle::rests, answer);
         if (opened == nullptr)
             return -1;
         lang->stream = stream_of(std::move(opened));
         if (lang->stream == nullptr)
+            // The streams that are open already stay so: close_lang_files closes them.
             return -1;
     }
     return 0;

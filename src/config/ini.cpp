@@ -22,7 +22,7 @@ struct number_row {
     std::int32_t first; // before reading
 };
 
-// Bound in this order, which is that of the file.
+// Bound in this order, which is also the order in the file.
 constexpr string_row strings[] = {
     {"language", "languageFile", &ini_t::languageFile},
     {"language", "dstDir", &ini_t::dstDir},
@@ -34,7 +34,8 @@ constexpr number_row numbers[] = {
 };
 static_assert(std::size(numbers) == std::tuple_size_v<decltype(ini_t::numbers)>);
 
-// Bound only when they are in the file or get a value: who never uses them keeps the file as it is.
+// Bound only when the file has them or they get a value: whoever never uses them keeps the file as
+// it is.
 constexpr const char *below_section = "editor";
 constexpr const char *below_keys[] = {"below1", "below2"};
 static_assert(std::size(below_keys) == std::tuple_size_v<decltype(ini_t::below)>);
@@ -53,7 +54,7 @@ void take_below(ini_t *settings)
             bind_below(settings, which);
 }
 
-// The store's numbers have 64 bits, the fields 32: each key has a variable of its own.
+// The store's numbers have 64 bits and the fields 32, so each key has a variable of its own.
 void fields_to_keys(ini_t *settings)
 {
     for (std::size_t row = 0; row < std::size(numbers); ++row)
@@ -98,6 +99,7 @@ int ini_read(ini_t *settings)
 {
     if (settings == nullptr)
         return 1;
+    // Keys that the file lacks keep the values of their fields.
     fields_to_keys(settings);
     lang_cfg_open(settings->store, 0);
     keys_to_fields(settings);
@@ -105,13 +107,14 @@ int ini_read(ini_t *settings)
                       spelling_key);
     take_below(settings);
     lang_cfg_print_all(settings->store);
+    // Deliberate: the file's folder is not used, every start begins with the default one.
     zel::replace_string(settings->dstDir, zel_strdup(lang_global.default_dst_dir));
     return 0;
 }
 
 bool ini_spelling(const ini_t *settings) { return settings == nullptr || settings->spelling != 0; }
 
-// Nobody who never switches it off gets another file for it.
+// Binds the key only now: whoever never switches spelling off keeps the file as it is.
 void ini_set_spelling(ini_t *settings, bool on)
 {
     if (settings == nullptr)
@@ -131,6 +134,7 @@ void ini_set_below(ini_t *settings, std::size_t which, const char *lang)
 {
     if (settings == nullptr)
         return;
+    // Binding takes over a text that was read, so it comes before the new text.
     bind_below(settings, which);
     zel::replace_string(settings->below[which], zel_strdup(lang));
 }

@@ -13,11 +13,12 @@
 
 namespace {
 
-// The text of the token being scanned; what does not fit is dropped.
+// Collects the text of the token being scanned; what does not fit is dropped.
 struct token_text {
     explicit token_text(zel_token_t *filled) : token(filled) {}
     void add(int character)
     {
+        // A NUL would end the text for everybody who reads the lexeme.
         if (character != 0 && length < ZEL_LEX_LEXEME - 1)
             token->lexeme[length++] = static_cast<char>(character);
         end();
@@ -39,7 +40,7 @@ private:
     int length = 0;
 };
 
-// Remembers what the input ends inside of: such a file may have been cut.
+// Remembers in what the input ends: such a file may have been cut.
 void note_open_end(const zel_lex_buf_t *buf, int character, const char *what)
 {
     auto *store = static_cast<lang_cfg_t *>(buf->read_context);
@@ -98,13 +99,14 @@ void scan_word(zel_lex_buf_t *buf, int first, token_text &text)
             return;
         }
         character = zel_lex_buf_next_char(buf);
+        // The quote is dropped, and what follows it is another token.
         if (character == '"')
             return;
     }
 }
 
-// What stands between tokens; returns the first character of the next one. The scanner's position
-// is that of the character.
+// Skips what stands between tokens and returns the first character of the next one. The scanner's
+// position is that of this character.
 int skip_blanks(zel_lex_t *lex)
 {
     for (;;) {
@@ -116,6 +118,7 @@ int skip_blanks(zel_lex_t *lex)
             note_open_end(lex->buf, zel_lex_buf_look_ahead(lex->buf), "a comment");
             continue;
         }
+        // A tab begins a word, which is trimmed at its end.
         if (character != ' ' && character != '\r')
             return character;
     }
@@ -158,8 +161,8 @@ const zel_token_t *skip_line(zel_lex_t *lex, const zel_token_t *token)
     return token;
 }
 
-// A word behind so many minus signs. The first sign is the entry's; a text that nobody bound keeps
-// the others.
+// Stores a word that stands behind so many minus signs. The first sign is the entry's own; a text
+// that nobody has bound keeps the others.
 void set_value(cfg_entry_t *entry, std::size_t signs, const char *word)
 {
     if (entry->type == CFG_VOID && signs > 1)
@@ -197,7 +200,9 @@ const zel_token_t *read_value(zel_lex_t *lex, cfg_entry_t *entry)
 // line = word "=" value. Returns the token that ended it.
 const zel_token_t *read_key(lang_cfg_t *store, cfg_entry_t *section, const zel_token_t *word)
 {
+    // Made even if "=" is missing: an entry without data is never written.
     cfg_entry_t *entry = zel::cfg_key(store, section, word->lexeme);
+    // The next token takes this one's place.
     const int line = static_cast<int>(word->line);
     const zel_token_t *token = zel_next_token(store->lex);
     if (token->id != CFG_TOK_ASSIGN || entry == nullptr) {
@@ -237,6 +242,7 @@ void set_long(cfg_entry_t *entry, const char *word)
 void set_double(cfg_entry_t *entry, const char *word)
 {
     double value = 0;
+    // The file has a decimal point in every locale.
     if (convert(word, [&](const char *text, char **end) { value = g_ascii_strtod(text, end); }))
         *static_cast<double *>(entry->data) = entry->negative != 0 ? -value : value;
 }
@@ -260,6 +266,7 @@ void cfg_set_entry(cfg_entry_t *entry, const char *word)
         return;
     switch (entry->type) {
     case CFG_HEX:
+        // A hexadecimal number is a pattern of bits: it has no sign.
         entry->negative = 0;
         set_unsigned(entry, word, 16);
         break;
@@ -294,6 +301,7 @@ void cfg_read_statements(lang_cfg_t *store)
         if (token->id == CFG_TOK_SECTION) {
             section = cfg_section(store, token->lexeme);
         } else if (token->id == CFG_TOK_WORD) {
+            // Keys before the first section have a section without a name.
             if (section == nullptr)
                 section = cfg_section(store, "");
             if (section == nullptr)

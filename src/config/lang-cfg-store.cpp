@@ -36,6 +36,7 @@ private:
 
     static std::uint32_t hash(const cfg_entry_t *section, const char *name)
     {
+        // The lowest four bits of such an address are always the same.
         const auto home = reinterpret_cast<std::uintptr_t>(section) >> 4;
         return hash_of(name) ^ static_cast<std::uint32_t>(home) * 0x85EBCA6BU;
     }
@@ -84,6 +85,7 @@ cfg_entry_t *append_entry(zel_list *&head, zel_list *&last, const char *name, in
 
 namespace zel {
 
+// Without memory C callers get null: no exception may pass through them.
 cfg_index *cfg_index_new() { return new (std::nothrow) cfg_index; }
 
 void cfg_index_free(cfg_index *index) { delete index; }

@@ -12,6 +12,7 @@ namespace {
 
 std::uint32_t low_bits(const cfg_entry_t *key)
 {
+    // Both formats show 32 bits, whatever the variable holds.
     return static_cast<std::uint32_t>(*static_cast<std::uint64_t *>(key->data));
 }
 
@@ -39,16 +40,17 @@ void write_string(std::FILE *stream, const cfg_entry_t *key)
         lex_write_split_str_by_sep(stream, 0, text, '\n', 1);
 }
 
-// Six decimals and a point whatever the locale says.
+// Six decimals, and a decimal point in every locale.
 void write_double(std::FILE *stream, const cfg_entry_t *key)
 {
+    // The largest number has 309 digits before the point.
     gchar text[512];
     g_ascii_formatd(text, sizeof text, "%f", *static_cast<double *>(key->data));
     std::fprintf(stream, "%s\n", text);
 }
 
-// Whether the reader takes this text, as it stands, for the same text. Behind a minus sign it may
-// begin with more of them.
+// Whether the reader returns this text unchanged when it stands without quotes. Behind a minus sign
+// it may begin with more of them.
 bool reads_back(std::string_view text, bool behind_sign)
 {
     if (text.find_first_of("=\"\\\n") != std::string_view::npos)
@@ -61,7 +63,7 @@ bool reads_back(std::string_view text, bool behind_sign)
            not_last.find(text.back()) == std::string_view::npos;
 }
 
-// A word that the reader gives back unchanged: in quotes where it must be.
+// Writes a word so that the reader returns it unchanged: in quotes where it must be.
 void write_word(std::FILE *stream, const char *text, bool behind_sign)
 {
     if (reads_back(text, behind_sign)) {
@@ -87,7 +89,7 @@ void write_text(std::FILE *stream, const cfg_entry_t *key)
 
 using print_fn = void (*)(std::FILE *, const cfg_entry_t *);
 
-// How a key of each type is written, by type; the section's row is empty.
+// Writer of each type of key; the section's row is empty.
 constexpr print_fn write_value[] = {nullptr,      write_hex,    write_octal, write_long,
                                     write_string, write_double, write_text};
 static_assert(std::size(write_value) == CFG_VOID + 1);
@@ -144,6 +146,7 @@ void list_key(const cfg_entry_t *key)
 
 void write_key(std::FILE *stream, const cfg_entry_t *key)
 {
+    // The key was read without a value, or nobody has given it one.
     if (key->data == nullptr)
         return;
     if (!known_type(key)) {
@@ -187,6 +190,7 @@ void cfg_print_store(lang_cfg_t *store)
         if (section->name[0] != '\0')
             zel::print_and_log(1, "cfg_print_all: ------->[%s]\n", section->name);
         else
+            // The mixed languages are deliberate: the text is an interface.
             zel::print_and_log(1, "cfg_print_all: ------->File ebene\n");
         for (const zel_list *key = cfg_keys(section); key != nullptr; key = key->next)
             list_key(static_cast<const cfg_entry_t *>(key->data));

@@ -49,10 +49,11 @@ bool set_names(lang_cfg_t *store, const char *file)
     store->name = zel_strdup2(store->file);
     if (store->name != nullptr)
         zel_del_file_ext(store->name);
+    // A file without a folder has no path, which is no lack of memory.
     return store->cfg != nullptr && store->tmp != nullptr && store->lock != nullptr;
 }
 
-// What a key's data owns: its own text, or the string that its variable points to.
+// Frees what a key's data owns: its own text, or the string that its variable points to.
 void free_key(void *record)
 {
     auto *key = static_cast<cfg_entry_t *>(record);
@@ -84,7 +85,7 @@ int fail_locked(lang_cfg_t *store, const char *message)
     return fail(store, CFG_LOCKED);
 }
 
-// A message with errno, on standard output and in the log.
+// Prints a message with errno on standard output and in the log; returns the result.
 int fail_write(const char *what, int error, int result)
 {
     zel::print_and_log(1, "cfg_write: ERROR %s errno %d\n", what, error);
@@ -100,8 +101,8 @@ int fail_without_lock(lang_cfg_t *store)
     return fail(store, CFG_LOCKED);
 }
 
-// Makes the lock file. Without a test whatever stands there makes way, unread and unwritten. Null
-// with errno.
+// Makes the lock file. Without a test, whatever has its name is removed, unread and unwritten.
+// Returns null with errno.
 std::FILE *make_lock(const char *path, bool test)
 {
     constexpr int most_tries = 100; // others may be making theirs
@@ -118,7 +119,7 @@ std::FILE *make_lock(const char *path, bool test)
     return lock;
 }
 
-// The lock file, made anew: with a test it must not be there yet, and nobody else may hold it.
+// Makes the lock file. With a test there must be none yet, and nobody else may hold it.
 int take_lock(lang_cfg_t *store, bool test)
 {
     if (!test)
@@ -128,6 +129,7 @@ int take_lock(lang_cfg_t *store, bool test)
         return test && errno == EEXIST
                    ? fail_locked(store, "cfg_open: ERROR cfg locked by lockfile\n")
                    : fail_without_lock(store);
+    // Another process may have opened the file between its creation and this lock.
     if (test && flock(fileno(lock), LOCK_EX | LOCK_NB) != 0) {
         std::fclose(lock);
         return fail_locked(store, "cfg_open: ERROR cfg locked by flock\n");
@@ -137,7 +139,7 @@ int take_lock(lang_cfg_t *store, bool test)
     return CFG_OK;
 }
 
-// Whether the lock file is this store's, as far as that can be told.
+// Whether the lock file is this store's own, as far as that can be told.
 bool owns_lock(const lang_cfg_t *store)
 {
     struct stat status {};
@@ -149,6 +151,7 @@ bool owns_lock(const lang_cfg_t *store)
 
 int open_file(lang_cfg_t *store, bool create)
 {
+    // A link that leads nowhere counts as a file, too: open_plain refuses it.
     if (zel::is_there(store->cfg)) {
         store->fp_cfg = zel::stream_of(zel::open_plain(store->cfg, O_RDWR), "r+");
         if (store->fp_cfg != nullptr)
@@ -169,8 +172,8 @@ int open_file(lang_cfg_t *store, bool create)
     return CFG_OK;
 }
 
-// CFG_OK, or CFG_NOT_OPENED where the system does not give all of the file: what it holds would be
-// lost with the next write.
+// Reads the file. Returns CFG_NOT_OPENED where the system does not give all of it: the next write
+// would lose the rest.
 int read_file(lang_cfg_t *store)
 {
     errno = 0;
@@ -183,6 +186,7 @@ int read_file(lang_cfg_t *store)
     if (store->open_end != nullptr)
         std::fprintf(stderr, "lang: %s: the file ends inside %s; it may have been cut\n",
                      store->cfg, store->open_end);
+    // Asked before the stream is closed: afterwards nothing tells.
     const bool failed = zel_lex_buf_read_failed(store->buf) != 0;
     if (failed)
         std::fprintf(stderr, "lang: %s cannot be read: %s\n", store->cfg, std::strerror(errno));
@@ -191,11 +195,12 @@ int read_file(lang_cfg_t *store)
     return failed ? CFG_NOT_OPENED : CFG_OK;
 }
 
-// The whole text of the file; false without memory.
+// Builds the whole text of the file; false without memory.
 bool make_text(lang_cfg_t *store, std::string &text)
 {
     char *area = nullptr;
     std::size_t size = 0;
+    // The writers print to a stream, safe_file takes a text.
     store->fp_tmp = open_memstream(&area, &size);
     if (store->fp_tmp == nullptr)
         return false;
@@ -258,6 +263,7 @@ int lang_cfg_add_entry(lang_cfg_t *store, const char *section, const char *key, 
         entry->data = address;
         return CFG_OK;
     }
+    // A value that was read before its key was bound moves into the variable.
     const zel::string_guard text(entry->data == address ? nullptr
                                                         : static_cast<char *>(entry->data));
     entry->type = type;
@@ -289,10 +295,12 @@ int lang_cfg_write(lang_cfg_t *store)
         std::puts("lang_write_cfg: error 1");
         return CFG_NULL;
     }
+    // Settings that were never read must not replace the file: they are only defaults.
     if (store->status != CFG_OK) {
         std::puts("lang_write_cfg: error 2");
         return CFG_BAD_STATUS;
     }
+    // A link in the file's place is replaced and not followed.
     const zel::target_file old = zel::find_target(store->cfg, zel::links::replace);
     zel::safe_file file;
     if (const int error = file.create(store->tmp, old)) {
@@ -321,6 +329,7 @@ int lang_cfg_get_long(lang_cfg_t *store, std::int64_t *result, std::int64_t fall
         cfg_entry_t number{CFG_LONG, 0, nullptr, result, nullptr};
         if (entry->data != nullptr)
             zel::cfg_set_entry(&number, static_cast<const char *>(entry->data));
+        // The sign is the entry's own: number has none.
         if (entry->negative != 0)
             *result = static_cast<std::int64_t>(0 - static_cast<std::uint64_t>(*result));
     }
@@ -331,6 +340,7 @@ int lang_cfg_close(lang_cfg_t *store)
 {
     if (store == nullptr)
         return CFG_NULL;
+    // Asked while the lock is open: afterwards nothing tells whose file that is.
     const bool own = owns_lock(store);
     close_streams(store);
     if (own)
@@ -354,7 +364,7 @@ int lang_cfg_set_file_name(lang_cfg_t *store, const char *file)
 {
     if (store == nullptr || file == nullptr || file[0] == '\0')
         return 1;
-    const std::string name = file; // which may be one of those that go
+    const std::string name = file; // may be one of the names that set_names frees
     lang_cfg_close(store);
     return set_names(store, name.c_str()) ? 0 : 1;
 }

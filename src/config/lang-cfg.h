@@ -11,7 +11,7 @@
 //
 // A ";" where a key or a value could begin starts a comment up to the end of the line. While a
 // store is open a lock file, the name followed by ".lock", stands beside the file. Neither is ever
-// read or written through a link, and what bears the lock's name makes way.
+// read or written through a link, and whatever has the lock's name is removed.
 
 #include <cstdint>
 #include <memory>

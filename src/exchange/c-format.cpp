@@ -8,7 +8,7 @@ namespace {
 
 using arguments = std::vector<std::string_view>;
 
-// More than any text has; a number beyond makes no table of that size.
+// More than any text has. A larger number must not make a table of its size.
 constexpr std::size_t most_arguments = 100;
 
 constexpr std::string_view lengths[] = {"hh", "h", "ll", "l", "L", "q", "j", "z", "t", ""};
@@ -23,6 +23,7 @@ constexpr std::size_t no_length = 9;
 
 std::size_t take_length(std::string_view &text)
 {
+    // The table ends with the empty modifier, with which every text begins.
     std::size_t at = 0;
     while (!text.starts_with(lengths[at]))
         ++at;
@@ -62,7 +63,8 @@ std::string_view type_of(char letter, std::size_t length)
     }
 }
 
-// "NUMBER$"; 0 when it does not stand there, too large a number for one that counts nothing.
+// Takes "NUMBER$" and returns the number; 0 when it does not stand there, a number beyond the table
+// for one that counts nothing.
 std::size_t take_position(std::string_view &text)
 {
     const std::size_t end = text.find_first_not_of("0123456789");
@@ -75,7 +77,7 @@ std::size_t take_position(std::string_view &text)
     return number == 0 ? most_arguments + 1 : number;
 }
 
-// Takes the conversions of one text.
+// Collects the types of the arguments that the conversions of one text take.
 struct format_reader {
     std::string_view text;
     arguments found;
@@ -93,10 +95,12 @@ bool format_reader::add(std::size_t position, std::string_view type)
     (position == 0 ? unnumbered : numbered) = true;
     if (position == 0)
         position = found.size() + 1;
+    // A text numbers all of its arguments or none.
     if (numbered == unnumbered || position > most_arguments || type.empty())
         return false;
     found.resize(std::max(found.size(), position));
     std::string_view &place = found[position - 1];
+    // Two conversions may take one argument if they agree on its type.
     if (!place.empty() && place != type)
         return false;
     place = type;
@@ -109,7 +113,7 @@ bool format_reader::read_star()
     return add(take_position(text), "d");
 }
 
-// Digits or an asterisk.
+// Takes a width or a precision: digits or an asterisk.
 bool format_reader::read_width()
 {
     if (text.starts_with('*'))
@@ -118,7 +122,7 @@ bool format_reader::read_width()
     return true;
 }
 
-// What follows a percent sign.
+// Takes what follows a percent sign.
 bool format_reader::read_conversion()
 {
     if (text.starts_with('%')) {
@@ -153,6 +157,7 @@ std::optional<arguments> c_format_arguments(std::string_view text)
         if (!reader.read_conversion())
             return std::nullopt;
     }
+    // Nobody knows the type of an argument that no conversion takes.
     if (std::find(reader.found.begin(), reader.found.end(), "") != reader.found.end())
         return std::nullopt;
     return reader.found;

@@ -32,8 +32,8 @@ void append_carrier(std::string &out, char byte)
     out += static_cast<char>(0x80 | (value & 0x3F));
 }
 
-// Whether a control but tab, line feed and carriage return, or one of the two characters that are
-// none, stands at the start.
+// Whether a character that XML cannot hold stands at the start: a control but tab, line feed and
+// carriage return, or U+FFFE or U+FFFF.
 bool is_unknown_to_xml(std::string_view text)
 {
     const auto c = static_cast<unsigned char>(text.front());
@@ -42,9 +42,10 @@ bool is_unknown_to_xml(std::string_view text)
     return text.starts_with("\xEF\xBF\xBE") || text.starts_with("\xEF\xBF\xBF");
 }
 
-// How many bytes of the character at the start are carried, 0 for one that travels as it is.
+// How many bytes of the character at the start are carried; 0 for one that travels as it is.
 std::size_t carried_length(std::string_view text, holds what)
 {
+    // A text's own character of that range is carried, too: else it would come back as a byte.
     if (is_carrier(text))
         return 3;
     if (what == holds::cells && (text.front() == '\t' || text.front() == '\r'))
@@ -57,6 +58,7 @@ std::size_t carried_length(std::string_view text, holds what)
 // The position of the first character of a valid text that is carried, or its size.
 std::size_t find_carried(std::string_view text, holds what)
 {
+    // In nearly every text this look alone rules out a carrier.
     const bool may_lead = std::memchr(text.data(), lead, text.size()) != nullptr;
     if (!may_lead &&
         (what == holds::utf8 || (what == holds::cells && text.find_first_of("\t\r") == text.npos)))
@@ -115,10 +117,12 @@ void uncarry(std::string &text, encoding good)
     std::string out;
     out.reserve(text.size());
     for (std::string_view rest = text; !rest.empty();) {
+        // No text holds a NUL, so no carrier stands for one.
         const bool carries = is_carrier(rest) && carried_byte(rest) != '\0';
         out += carries ? carried_byte(rest) : rest.front();
         rest.remove_prefix(carries ? 3 : 1);
     }
+    // If the result is not UTF-8, the characters were the text's own.
     if (good == encoding::any || valid_length(out) == out.size())
         text = std::move(out);
 }

@@ -11,7 +11,8 @@ namespace {
 
 constexpr std::string_view comment_word = "comment ";
 
-// What a spreadsheet takes a formula by, also in its wide forms, and the sign that prevents it.
+// Signs by which a spreadsheet takes a cell for a formula, also in their wide forms, and the sign
+// that prevents it.
 constexpr std::string_view formula_signs[] = {"=",
                                               "+",
                                               "-",
@@ -35,8 +36,10 @@ void append_cell(std::string &out, std::string_view text)
 {
     std::string carried;
     append_carried(carried, text, holds::cells);
+    // In some locales spreadsheets separate the cells by semicolons.
     const bool quoted = carried.find_first_of(",;\"\n") != std::string::npos ||
                         text.starts_with(' ') || text.ends_with(' ');
+    // A hostile text must not be calculated by the translator's spreadsheet.
     if (begins_formula(carried))
         carried.insert(0, 1, '\'');
     if (!quoted) {
@@ -44,6 +47,7 @@ void append_cell(std::string &out, std::string_view text)
         return;
     }
     out += '"';
+    // A quote inside of quotes is written twice.
     for (std::string_view rest = carried;;) {
         const std::size_t plain = std::min(rest.find('"'), rest.size());
         out.append(rest.substr(0, plain)) += '"';
@@ -57,6 +61,7 @@ void append_cell(std::string &out, std::string_view text)
 
 void append_head(std::string &out, const exporter &from)
 {
+    // By the mark a spreadsheet knows that this is UTF-8.
     out += "\xEF\xBB\xBFgroup,item,description";
     for (const lang_t *lang : from.languages()) {
         out += ',';
@@ -91,7 +96,7 @@ void append_row(std::string &out, const exporter &from, const outgoing_item &ite
 
 constexpr std::size_t most_columns = 2000;
 
-// Takes the records one after another.
+// Takes one record after another.
 struct record_reader {
     std::string_view rest;
     char separator = ',';
@@ -136,6 +141,7 @@ bool record_reader::take_cell()
         wrong = {line, "more than 2000 columns"};
         return false;
     }
+    // The cells keep their memory from record to record.
     if (count == cells.size())
         cells.emplace_back();
     std::string &cell = cells[count++];
@@ -154,13 +160,14 @@ bool record_reader::take_cell()
 
 bool record_reader::take_line_end()
 {
+    // Some programs end lines with CR alone.
     const std::size_t length = rest.starts_with("\r\n") ? 2 : 1;
     rest.remove_prefix(std::min(length, rest.size()));
     ++line;
     return true;
 }
 
-// False at the end and at a fault.
+// Takes the next record. False at the end and at a fault.
 bool record_reader::next()
 {
     count = 0;
@@ -175,7 +182,7 @@ bool record_reader::next()
     return false;
 }
 
-// The one that stands most often in the first line.
+// The separator that stands most often in the first line.
 char find_separator(std::string_view bytes)
 {
     const std::string_view line = bytes.substr(0, bytes.find('\n'));
@@ -203,6 +210,7 @@ struct columns {
 
 void take_formula_sign(std::string &cell)
 {
+    // Taken off only where append_cell has put it.
     if (cell.starts_with('\'') && begins_formula(std::string_view(cell).substr(1)))
         cell.erase(0, 1);
 }
@@ -248,7 +256,7 @@ fault read_head(record_reader &reader, file_texts &file, columns &found)
     return {};
 }
 
-// The cell as the source has it; empty for a column that the record or the file lacks.
+// Takes the cell's text as the source has it; empty for a column that the record or the file lacks.
 void take_cell(const record_reader &reader, std::size_t column, encoding good, std::string &text)
 {
     text.clear();
@@ -291,6 +299,7 @@ fault read_csv(std::string_view bytes, encoding good, const text_listener &hear)
     const std::size_t width = reader.count;
     text_unit unit;
     unit.keyed = true;
+    // The cell has the whole comment, so it replaces the one before.
     unit.note.replaces = true;
     while (reader.next()) {
         if (is_empty(reader))
@@ -300,7 +309,7 @@ fault read_csv(std::string_view bytes, encoding good, const text_listener &hear)
         unit.line = reader.record_line;
         take_cell(reader, found.group, encoding::any, unit.group);
         take_cell(reader, found.item, encoding::any, unit.item);
-        // A short record has nothing to say in the languages behind its end.
+        // A short record says nothing in the languages behind its end.
         for (std::uint32_t at = 0;
              at < found.languages.size() && found.languages[at].first < reader.count; ++at) {
             unit.language = at;

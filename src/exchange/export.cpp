@@ -71,12 +71,14 @@ exporter::exporter(const export_request &request) : request_(request)
 {
     for (const lang_t *lang : each<lang_t>(request.source->langs)) {
         const auto count = static_cast<std::uint32_t>(languages_.size());
+        // A language that is defined twice is exported once.
         if (lang->name == nullptr || !is_wanted(request, lang->name) ||
             language_at(lang->name, count) != count)
             continue;
         names_.add(hash_of(lang->name), count);
         languages_.push_back(lang);
     }
+    // Most likely a slip: nobody asks for a language in order to get nothing.
     for (const std::string &name : request.languages)
         if (language_at(name.c_str(), 0) == languages_.size())
             wrong_ = {0, "no language \"" + name + "\" is defined"};
@@ -84,7 +86,8 @@ exporter::exporter(const export_request &request) : request_(request)
         wrong_ = {0, "no language is defined"};
 }
 
-// The position of a language, or their number. Entries mostly stand in the order of definitions.
+// The position of a language, or their number for one that is not exported. Entries mostly stand in
+// the order of the definitions, so the guess is tried first.
 std::uint32_t exporter::language_at(const char *name, std::uint32_t guess) const
 {
     if (guess < languages_.size() && same_name(languages_[guess]->name, name))
@@ -107,7 +110,7 @@ void exporter::fill(outgoing_item &out, const edit_t *group, item_t *item) const
         one.text.clear();
         one.comment.clear();
     }
-    // Of two entries in one language the first is the text.
+    // Of two entries in one language, the first one is the text.
     bool has_reference = false;
     std::uint32_t guess = 0;
     for (const lang_entry_t *entry : each<lang_entry_t>(item->langs)) {
@@ -122,6 +125,7 @@ void exporter::fill(outgoing_item &out, const edit_t *group, item_t *item) const
             append_texts(out.reference, entry->texts);
         }
     }
+    // As in reference_text, the name stands for a reference that is missing.
     if (without_end(out.reference).empty())
         out.reference = out.name;
     for (const lang_entry_t *entry : each<lang_entry_t>(item->comments)) {
@@ -147,6 +151,7 @@ void exporter::each_item(const std::function<void(const outgoing_item &)> &write
         // As everywhere, only the first group of a name is looked into, and there the first item.
         const bool first_group = groups.is_first(view_of(group->name), {});
         for (item_t *item : each<item_t>(group->items)) {
+            // Asked before items are left out: an unused item, too, hides a later one of its name.
             const bool first =
                 first_group && items.is_first(view_of(group->name), view_of(item->name));
             if (item->used == 0 && !request_.unused)

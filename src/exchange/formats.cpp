@@ -11,6 +11,7 @@ namespace zel::exchange {
 
 namespace {
 
+// A file without a named format is read by the first row that has its ending.
 constexpr format table[] = {
     {"po", ".po", files::per_language, write_po, read_po},
     {"xliff", ".xliff", files::per_language, write_xliff, read_xliff},

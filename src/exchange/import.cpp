@@ -14,7 +14,8 @@ std::string_view language_part(std::string_view code)
     return code.substr(0, code.find_first_of("_@"));
 }
 
-// Whether the file has what the source has: as bytes, or as they travel where they are no UTF-8.
+// Whether the file has the same text as the source: as bytes, or, where these are not UTF-8, as
+// they travel.
 bool is_same(std::string_view before, std::string_view after)
 {
     if (without_end(before) == without_end(after))
@@ -42,6 +43,7 @@ const char *find_language(const LangSource &source, const said_language &said,
 {
     if (!instead.empty())
         return find_language(source, {instead, {}}, {});
+    // A name counts more than a code: two languages may have one code.
     for (const std::string_view wanted : {std::string_view(said.name), stem_of(path)})
         for (const lang_t *lang : each<lang_t>(source.langs))
             if (!wanted.empty() && same_text(wanted, lang->name))
@@ -62,6 +64,7 @@ const char *find_language(const LangSource &source, const said_language &said,
             ++wholes;
         }
     }
+    // Only one language may fit: a wrong guess would overwrite another one's texts.
     return wholes == 1 ? whole : wholes == 0 && parts == 1 ? part : nullptr;
 }
 
@@ -77,10 +80,12 @@ importer::importer(LangSource *source, const import_request &request)
 {
 }
 
-// The unit's language as the source names it; null, said once, for one that it has not.
+// The unit's language as the source names it; null, said once, for a language that the source
+// lacks.
 const char *importer::language_of(const file_texts &file, const text_unit &unit,
                                   std::string_view path)
 {
+    // Each language is looked up, and reported, once for a file.
     while (resolved_.size() <= unit.language) {
         const said_language &said = file.languages[resolved_.size()];
         resolved_.push_back(find_language(*source_, said, path, request_.language));
@@ -94,7 +99,7 @@ const char *importer::language_of(const file_texts &file, const text_unit &unit,
 fault importer::take(const format &row, const std::string &path, std::string_view bytes)
 {
     resolved_.clear();
-    // A file of all languages says nothing by its own name.
+    // The name of a file with all languages says nothing about any of them.
     const std::string_view named = row.writes == files::per_language ? path : std::string_view();
     return row.read(bytes, encoding_of(*source_), [&](const file_texts &file, text_unit &unit) {
         if (const char *language = language_of(file, unit, named))
@@ -104,6 +109,7 @@ fault importer::take(const format &row, const std::string &path, std::string_vie
 
 void importer::take_unit(const char *language, text_unit &unit)
 {
+    // An empty text never deletes one.
     if (unit.text.empty() && (!request_.comments || unit.note.text.empty()))
         return;
     const indexed_item *found =
@@ -126,10 +132,12 @@ void importer::take_text(item_t *item, const char *language, const text_unit &un
         ++guesses_;
         return;
     }
+    // Asked before the text changes, which may be the reference itself.
     const std::string reference = reference_text(*source_, item);
     const std::string after(without_end(unit.text));
     put_text(item->langs, language, after);
     item->changed = 1;
+    // Somebody has to look at a new text, unless the file says that somebody has.
     if (!unit.final)
         item->ready = 0;
     ++changed_;
@@ -138,7 +146,7 @@ void importer::take_text(item_t *item, const char *language, const text_unit &un
         say(import_kind::outdated, unit, language, unit.reference, reference);
 }
 
-// A new remark goes below what is there already.
+// Takes a remark. A new one goes below those that are there.
 void importer::take_comment(item_t *item, const char *language, const text_unit &unit)
 {
     const std::string_view note = without_end(unit.note.text);
@@ -147,6 +155,7 @@ void importer::take_comment(item_t *item, const char *language, const text_unit 
         return;
     std::string after(note);
     if (!unit.note.replaces && !before.empty()) {
+        // Importing a file twice must not repeat its remarks.
         if (before.find(note) != std::string::npos)
             return;
         after = std::string(without_end(before)) + "\n" + after;

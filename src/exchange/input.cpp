@@ -27,6 +27,7 @@ fault read_input(const std::string &path, std::string &bytes)
     struct stat status {};
     std::size_t piece = least_piece; // grows with the text: a pipe does not tell its length
     if (fstat(fileno(file.get()), &status) == 0 && S_ISREG(status.st_mode))
+        // One byte more than the file has, so that its end shows in the first call.
         piece = std::min(static_cast<std::size_t>(status.st_size), largest_file) + 1;
     for (;; piece = std::max(least_piece, bytes.size() / 2)) {
         const std::size_t before = bytes.size();
@@ -35,6 +36,7 @@ fault read_input(const std::string &path, std::string &bytes)
         bytes.resize(before + count);
         if (bytes.size() > largest_file)
             return {0, "larger than 512 MB"};
+        // fread gives less than it was asked for only at the end and after an error.
         if (count == piece)
             continue;
         if (std::ferror(file.get()) != 0)

@@ -33,10 +33,13 @@ fault outliner::take_string()
     const std::uint32_t begin = line;
     const std::size_t start = ++at;
     while (at < bytes.size() && bytes[at] != '"') {
+        // JSON allows no line end in a string, so the quote is missing on this line.
         if (bytes[at] == '\n')
             return {begin, "a string without its closing quote"};
+        // A zero byte can only come as an escape: check_utf8 has refused all others.
         if (bytes.substr(at).starts_with("\\u0000"))
             return {line, "a zero byte"};
+        // A backslash protects the next character, which may be a quote.
         at += bytes[at] == '\\' ? 2 : 1;
     }
     if (at >= bytes.size())
@@ -49,6 +52,7 @@ fault outliner::take_string()
 
 fault outliner::open()
 {
+    // A hostile file must not exhaust the stack of the parser.
     if (++depth > most_nesting)
         return {line, "brackets deeper than a source has"};
     has_root = true;
@@ -80,8 +84,8 @@ fault outliner::close()
 constexpr std::string_view blanks = " \t\r";
 constexpr std::string_view others = ":,+-.0123456789abcdefghijklmnopqrstuvwxyzE";
 
-// Whether it begins a value outside of the one that a text holds: the parser takes several, and
-// loses the memory of all but the last.
+// Whether the character begins a value outside of the one that a text holds. The parser would take
+// several values and lose the memory of all but the last.
 bool outliner::stands_alone(char c) const
 {
     if (c == '{' || c == '[')

@@ -19,7 +19,7 @@ namespace {
 
 using parser_guard = std::unique_ptr<JsonParser, release<g_object_unref>>;
 
-// Reads one value into the model; every failure goes through fail.
+// Reads one value into the model. Every failure goes through fail.
 class model_reader {
 public:
     model_reader(std::int64_t now, fault &wrong) : now_(now), wrong_(wrong) {}
@@ -118,6 +118,7 @@ struct step {
 
 bool model_reader::fail(const std::string &text)
 {
+    // The first fault is the cause of the others.
     if (!wrong_)
         wrong_ = {line_, (path_.empty() ? "" : path_ + ": ") + text};
     return false;
@@ -154,6 +155,7 @@ bool model_reader::read_object(JsonNode *node, T *record, const member<T> (&memb
             return std::strcmp(row.name, name) == 0;
         });
         const step here(path_, name);
+        // What is not known would be lost without a word.
         if (found == std::end(members))
             return fail("not known");
         if (!(this->*found->read)(value, record))
@@ -190,14 +192,14 @@ bool model_reader::read_string(JsonNode *node, std::string &text, bool &null)
     if (!holds(node, G_TYPE_STRING))
         return fail("no string");
     text = json_node_get_string(node);
-    // Halves of characters as escapes are let through by the parser.
+    // The parser lets escapes through that are halves of characters.
     if (valid_length(text) != text.size())
         return fail("half a character");
     uncarry(text, encoding::any);
     return true;
 }
 
-// As the reader of sources does, an empty name is stored as none.
+// An empty name is stored as none, as by the reader of sources.
 bool model_reader::read_name(JsonNode *node, char *&text)
 {
     std::string value;
@@ -236,7 +238,7 @@ bool model_reader::read_number(JsonNode *node, Number &number, std::int64_t leas
 
 bool model_reader::read_int(JsonNode *node, std::int32_t &number)
 {
-    // What the reader of sources takes: it knows no sign.
+    // Only what the reader of sources takes: it knows no sign.
     return read_number(node, number, 0, INT32_MAX);
 }
 
@@ -275,6 +277,7 @@ bool model_reader::read_entries(JsonNode *node, GList *&entries)
     list_tail tail(entries);
     return read_array(node, [&](JsonNode *value) {
         lang_entry_t *entry = alloc_lang_entry(nullptr);
+        // Appended before it is read: after a fault it is freed with the source.
         tail.append(entry);
         return read_object(value, entry, members);
     });
@@ -285,7 +288,8 @@ bool model_reader::places_of(JsonNode *node, item_t *item)
     return read_strings(node, item->used_in, copy_name);
 }
 
-// The outline has an item's position; it is parsed and read alone.
+// In an item's place the outline has its number. The item is parsed and read alone, so that the
+// parser never holds the whole source.
 bool model_reader::read_item(JsonNode *node, list_tail &items)
 {
     static constexpr member<item_t> members[] = {
@@ -302,7 +306,7 @@ bool model_reader::read_item(JsonNode *node, list_tail &items)
         {"texts", &model_reader::entries_of<&item_t::langs>},
         {"comments", &model_reader::entries_of<&item_t::comments>},
     };
-    // What else could stand here would have the number of an item, or none.
+    // Anything else that could stand here would have the number of another item, or none.
     if (!holds(node, G_TYPE_INT64) || next_item_ == outline_.items.size() ||
         json_node_get_int(node) != static_cast<std::int64_t>(next_item_))
         return fail("no object");
@@ -368,6 +372,7 @@ bool model_reader::read_language(JsonNode *node, list_tail &langs)
     langs.append(lang);
     if (!read_object(node, lang, members))
         return false;
+    // Counted as by the reader of sources.
     ++source_->lang_count;
     source_->edit_lang_count += lang->edit != 0 ? 1 : 0;
     return true;
@@ -429,6 +434,7 @@ source_guard model_reader::read(std::string_view bytes)
         return nullptr;
     source_guard source(lang_alloc_group());
     source_ = source.get();
+    // Two parsers: the outer one's tree is walked while items are parsed.
     const parser_guard outer(json_parser_new());
     items_.reset(json_parser_new());
     if (!parse(outer.get(), outline_.text, 1))

@@ -8,6 +8,7 @@ namespace {
 
 void append_string(std::string &out, std::string_view text)
 {
+    // JSON holds only UTF-8: other bytes are carried.
     std::string carried;
     append_carried(carried, text);
     out += '"';
@@ -68,6 +69,7 @@ void append_entries(std::string &out, const char *name, GList *entries)
     out += ']';
 }
 
+// In step with the members that json-read.cpp knows.
 void append_item(std::string &out, const item_t *item)
 {
     append_member(out, "  { \"name\": ", item->name);

@@ -14,7 +14,8 @@
 //         "texts": [ { "language": "english", "lines": ["_Open"] } ],
 //         "comments": [] } ] } ] }
 //
-// What lacks has its usual value; what is not known is a fault, so that nothing is lost by a slip.
+// A member that is missing has its usual value; one that is not known is a fault, so that no slip
+// of the pen loses anything.
 
 #include "exchange/export.h"
 #include "source/model.h"

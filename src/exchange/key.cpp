@@ -19,7 +19,7 @@ void append_hex(std::string &out, char byte)
     out += hex_digits[value & 15];
 }
 
-// What is written behind a backslash for the byte, 0 for none.
+// The letter that stands behind a backslash for the byte; 0 for none.
 char letter_of(char byte)
 {
     return byte == '"' ? '\0' : escape_letter(static_cast<unsigned char>(byte));
@@ -35,6 +35,7 @@ void append_escaped(std::string &out, std::string_view name, bool is_group)
             else if (is_control(c))
                 append_hex(out, c);
             else if (c == ':' && is_group)
+                // The first plain colon ends the group; an item's colons need no escape.
                 out += "\\:";
             else
                 out += c;
@@ -54,7 +55,7 @@ int hex_value(char c)
     return at == std::string_view::npos ? -1 : static_cast<int>(at);
 }
 
-// Undoes one escape, its backslash already taken, and takes it.
+// Undoes one escape whose backslash has been taken, and takes it.
 bool read_escape(std::string_view &text, std::string &name)
 {
     if (text.empty())
@@ -78,7 +79,7 @@ bool read_escape(std::string_view &text, std::string &name)
     return false;
 }
 
-// Reads up to the end, or to the first colon that stands for itself when that ends the name.
+// Reads up to the end, or, if a colon ends the name, up to the first one that stands for itself.
 bool read_escaped(std::string_view &text, std::string &name, bool ends_at_colon)
 {
     name.clear();

@@ -7,7 +7,7 @@ namespace zel::exchange {
 
 namespace {
 
-// Of several names of a code the first is given for it.
+// Of several names for a code, the first one is given for it.
 constexpr struct {
     std::string_view name;
     std::string_view code;
@@ -216,7 +216,7 @@ std::string_view name_of_code(std::string_view code)
         if (same_word(row.code, code))
             return row.name;
     const std::size_t end = code.find_first_of("_@.");
-    // Also "zh_HK" is some Chinese: the first country's name stands for the language.
+    // "zh_HK" is some kind of Chinese, too: the first country's name stands for the language.
     for (const auto &row : languages)
         if (same_word(row.code.substr(0, row.code.find_first_of("_@")), code.substr(0, end)))
             return row.name;
@@ -226,6 +226,7 @@ std::string_view name_of_code(std::string_view code)
 std::string xml_code(std::string_view code)
 {
     if (code.empty())
+        // The code for a language that is not known.
         return "und";
     for (const auto &row : scripts)
         if (code.ends_with(row.variant))

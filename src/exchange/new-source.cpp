@@ -39,12 +39,13 @@ reference_parts split_reference(std::string_view reference)
         line = reference.substr(colon + 1);
         reference = reference.substr(0, colon);
     }
+    // A name with blanks stands between these two characters.
     if (reference.starts_with(open) && reference.ends_with(close))
         reference = reference.substr(open.size(), reference.size() - open.size() - close.size());
     return {reference, line};
 }
 
-// As sources have a place: the line in five digits before the file.
+// Writes a place as sources have it: the line in five digits before the file.
 std::string place_of(std::string_view reference)
 {
     const auto [file, line] = split_reference(reference);
@@ -86,6 +87,7 @@ void new_source::add_language(const std::string &name)
     lang_t *lang = alloc_lang();
     lang->name = zel_strdup(name.c_str());
     std::string file = name;
+    // A slash would lead the file into another folder.
     std::replace(file.begin(), file.end(), '/', '-');
     lang->file = zel_strdup((file + ".lang").c_str());
     lang->edit = source_->lang_count < 2 ? 1 : 0; // the first two are the ones shown
@@ -93,7 +95,8 @@ void new_source::add_language(const std::string &name)
     source_->langs = g_list_append(source_->langs, lang);
 }
 
-// The header's own name; a word for its code, or the code where none means just that; the file's.
+// The language's name: the header's own; else a word for its code, or the code where no word means
+// just that; else the file's.
 std::string new_source::name_language(const std::string &path, std::string_view header)
 {
     std::string name;
@@ -132,7 +135,8 @@ std::string new_source::group_of(const po_message &message) const
     return file.empty() ? "messages" : std::string(stem_of(file));
 }
 
-// A message without a context may bear the name of another one in a group of that name.
+// Makes an item. A message without a context may have the name of another one in a group of the
+// same name: then the group gets a number.
 item_t *new_source::make_item(const std::string &group, const std::string &name,
                               const po_message &message)
 {
@@ -151,7 +155,7 @@ item_t *new_source::make_item(const std::string &group, const std::string &name,
     return item;
 }
 
-// A text of a catalog; only those of lang-kit's own carry bytes.
+// A text of a catalog. Only lang-kit's own catalogs carry bytes.
 std::string new_source::came(const catalog &of, std::string text)
 {
     if (of.own)
@@ -159,13 +163,14 @@ std::string new_source::came(const catalog &of, std::string text)
     return text;
 }
 
-// The item for the id or the plural id of a message, made when no catalog had it before.
+// The item for the id or the plural id of a message; made if no catalog has had it before.
 item_t *new_source::item_of(const catalog &of, const po_message &message, const std::string &name)
 {
     std::string group;
     std::string item_name;
     const bool keyed =
         of.own && message.id.context && split_key(*message.id.context, group, item_name);
+    // Catalogs tell messages apart by context and id together.
     std::string identity = message.id.context ? *message.id.context + context_end : std::string();
     if (!keyed)
         identity += name;
@@ -174,6 +179,7 @@ item_t *new_source::item_of(const catalog &of, const po_message &message, const 
         return item;
     item =
         keyed ? make_item(group, item_name, message) : make_item(group_of(message), name, message);
+    // Only an own catalog's item has a reference text besides its name.
     if (keyed)
         put_text(item->langs, request_.default_language.c_str(), came(of, name));
     return item;
@@ -202,6 +208,7 @@ void new_source::take_message(const catalog &of, const po_message &message)
         return;
     if (*message.id.plural != *message.id.text)
         take_text(of, message, *message.id.plural, message.texts.back());
+    // The first and the last form are taken; those between have no place in a source.
     forms_ += message.texts.size() > 2 ? static_cast<std::uint32_t>(message.texts.size()) - 2 : 0;
 }
 
@@ -211,6 +218,7 @@ fault new_source::take(const std::string &path, std::string_view bytes)
     po_message message;
     catalog of;
     while (reader.next(message)) {
+        // Of several headers, as in catalogs that were joined, the first one counts.
         if (message.is_header() && of.language.empty()) {
             take_header(of, path, message);
             continue;

@@ -8,7 +8,7 @@ namespace zel::exchange {
 
 namespace {
 
-// The letter behind the backslash for each byte that is escaped, else 0.
+// The letter behind the backslash for each byte that is escaped; 0 for the others.
 constexpr std::array<char, 256> make_escapes()
 {
     std::array<char, 256> letters{};
@@ -43,7 +43,7 @@ void append_quoted_line(std::string &out, std::string_view text)
     out += "\"\n";
 }
 
-// A backslash at the end of a remark would join the next line to it, so a blank comes behind that.
+// Ends a remark. A backslash at its end would join the next line to it, so a blank follows it.
 void end_remark(std::string &out) { out += out.ends_with('\\') ? " \n" : "\n"; }
 
 void append_flags(std::string &out, const po_message &message)
@@ -96,7 +96,7 @@ std::string_view po_header_field(std::string_view header, std::string_view name)
     return {};
 }
 
-// A text with a line end before its own end stands on a line for each, below an empty string.
+// A text with a line end before its own end is written line by line, below an empty string.
 void append_po_text(std::string &out, std::string_view prefix, std::string_view keyword,
                     std::string_view text)
 {
@@ -154,6 +154,7 @@ std::string joined(const std::vector<std::string> &lines)
 
 void append_po_message(std::string &out, const po_message &message)
 {
+    // In the order of other tools, so that their catalogs can be compared with these.
     for (const std::string &line : message.remarks)
         append_po_comment(out, "#", line);
     for (const std::string &line : message.extracted)

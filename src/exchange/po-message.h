@@ -12,7 +12,7 @@
 //   msgid_plural "..."          (plurals only; then msgstr[0], msgstr[1] ...)
 //   msgstr "_Öffnen"
 //
-// In front of a line "#~" puts the message away. Texts are UTF-8.
+// A "#~" in front of its lines marks a message as obsolete. Texts are UTF-8.
 
 #include <cstdint>
 #include <optional>
@@ -54,7 +54,7 @@ std::string joined(const std::vector<std::string> &lines);
 // Appends the message, but not the empty line between two.
 void append_po_message(std::string &out, const po_message &message);
 
-// The parts of it. A prefix "#~ " stands before each line of a text.
+// Append the parts of a message. A prefix "#~ " stands before each line of a text.
 void append_po_text(std::string &out, std::string_view prefix, std::string_view keyword,
                     std::string_view text);
 void append_po_comment(std::string &out, std::string_view sign, std::string_view line);

@@ -38,7 +38,7 @@ int finish(zel_token_t *token, int id)
     return id;
 }
 
-// Appends what stands next in the block up to one of the bytes. The readers' input is one block,
+// Appends what stands next in the block, up to one of the bytes. The reader's input is one block,
 // and nothing is held back inside a string or comment.
 bool add_until(zel_lex_buf_t *buf, zel_token_t *token, const char *ends)
 {
@@ -68,7 +68,7 @@ int digit_of(int c, int base)
     return value < base ? value : -1;
 }
 
-// The digits of an octal (at most three) or hexadecimal escape; -1 without any.
+// Reads the digits of an octal (at most three) or hexadecimal escape; -1 without any.
 int read_digits(zel_lex_buf_t *buf, int base, int most)
 {
     int value = -1;
@@ -79,7 +79,8 @@ int read_digits(zel_lex_buf_t *buf, int base, int most)
 
 constexpr int joined_line = 256; // a backslash at the end of a line joins the next one
 
-// The byte of an escape, its backslash taken; -1 for one that is none. No text holds a zero byte.
+// Returns the byte of an escape whose backslash has been taken; -1 if it is none. No text holds a
+// zero byte, so that counts as none.
 int read_escape(zel_lex_buf_t *buf)
 {
     constexpr char letters[] = "nt\"\\rabfv";
@@ -103,7 +104,7 @@ int read_escape(zel_lex_buf_t *buf)
 int scan_string(zel_lex_buf_t *buf, zel_token_t *token)
 {
     for (;;) {
-        // What the escape looked ahead at is taken first.
+        // A character that an escape has looked ahead at is taken first.
         if (buf->held == 0 && !add_until(buf, token, "\"\\"))
             return finish(token, TOKEN_ERR_MEM);
         const int c = next_char(buf);
@@ -119,7 +120,7 @@ int scan_string(zel_lex_buf_t *buf, zel_token_t *token)
     }
 }
 
-// What follows a "#".
+// Scans what follows a "#".
 int scan_comment(zel_lex_buf_t *buf, zel_token_t *token)
 {
     const int sign = peek_char(buf);
@@ -176,7 +177,7 @@ bool is_in_content_type(std::string_view bytes, std::size_t position)
     return quote != std::string_view::npos && before.substr(quote + 1).starts_with("Content-Type:");
 }
 
-// The first place that names an encoding and is no remark.
+// The first place that names an encoding and is not in a remark.
 std::size_t find_charset(std::string_view bytes)
 {
     for (std::size_t line = 0; line < bytes.size();) {
@@ -191,7 +192,7 @@ std::size_t find_charset(std::string_view bytes)
     return std::string_view::npos;
 }
 
-// The encoding that the header names, null when the text is UTF-8 or nothing is said.
+// The encoding that the header names; empty for UTF-8, and when it names none.
 std::string charset_of(std::string_view bytes)
 {
     const std::size_t at = find_charset(bytes);
@@ -201,6 +202,7 @@ std::string charset_of(std::string_view bytes)
                                          "0123456789._:-";
     std::string_view name = bytes.substr(at + charset_word.size());
     name = name.substr(0, name.find_first_not_of(letters));
+    // A template's placeholder says nothing, and ASCII is UTF-8 as well.
     for (const char *known : {"", "CHARSET", "UTF-8", "utf8", "ASCII", "US-ASCII"})
         if (g_ascii_strncasecmp(name.data(), known, name.size()) == 0 &&
             std::strlen(known) == name.size())
@@ -208,7 +210,8 @@ std::string charset_of(std::string_view bytes)
     return std::string(name);
 }
 
-// The name under which the system knows an encoding in which the backslash is one.
+// The system's name for an encoding. By some names the system means one in which the backslash is
+// another character, and no escape would be found.
 const char *known_charset(const std::string &charset)
 {
     constexpr const char *others[][2] = {
@@ -225,6 +228,7 @@ void name_utf8(std::string &header)
     if (at == std::string::npos)
         return;
     const std::size_t begin = at + charset_word.size();
+    // The text is UTF-8 from here on, whatever it was.
     header.replace(begin, header.find_first_of(" \n;", begin) - begin, "UTF-8");
 }
 
@@ -312,6 +316,7 @@ bool po_reader::recode(std::string_view bytes, const std::string &charset)
     char *text = g_convert(bytes.data(), static_cast<gssize>(bytes.size()), "UTF-8",
                            known_charset(charset), &read, &written, &error);
     if (text == nullptr) {
+        // Either a byte is wrong, or the name in the header.
         if (error->code == G_CONVERT_ERROR_ILLEGAL_SEQUENCE ||
             error->code == G_CONVERT_ERROR_PARTIAL_INPUT)
             wrong_ = {line_at(bytes, std::min<std::size_t>(read, bytes.size())),
@@ -333,7 +338,7 @@ bool po_reader::fail(const std::string &text)
     return false;
 }
 
-// Takes the next token, and the signs before it.
+// Takes the next token and the signs before it.
 bool po_reader::advance()
 {
     for (;;) {
@@ -353,6 +358,7 @@ bool po_reader::advance()
         case TOKEN_ERR_MEM:
             return fail("not enough memory");
         default:
+            // A sign counts up to the end of its line.
             if (scan_->token->line != scan_->line)
                 scan_->line_kind = 0;
             return true;
@@ -374,6 +380,7 @@ bool po_reader::read_string(std::string &text)
         if (!advance())
             return false;
     }
+    // The catalog was checked, but escapes may spell any bytes.
     if (valid_length(text) == text.size())
         return true;
     wrong_ = {line, "escapes that make no UTF-8"};
@@ -390,6 +397,7 @@ bool po_reader::read_id(po_message &message, std::optional<std::string> po_id::*
     const bool late = part == &po_id::context ? has_text : part == &po_id::plural && !has_text;
     if ((id.*part) || late || (previous && message.id.text))
         return fail("this word stands in the wrong place");
+    // The message begins with its own first word, behind the previous ones.
     if (!previous && !message.id.context && !message.id.text) {
         message.line = scan_->token->line;
         message.obsolete = scan_->line_kind == po_obsolete;
@@ -406,6 +414,7 @@ bool po_reader::read_text(po_message &message)
     if (!advance())
         return false;
     if (message.id.plural) {
+        // The forms stand in their order, without gaps.
         const std::string form = std::to_string(message.texts.size());
         if (scan_->token->id != '[' || !advance() || form != scan_->token->lexeme || !advance() ||
             scan_->token->id != ']')
@@ -455,6 +464,7 @@ bool po_reader::read_word(po_message &message)
 bool po_reader::next(po_message &message)
 {
     message.clear();
+    // A message ends where no further msgstr follows.
     while (!wrong_ && scan_->token->id != TOKEN_EOF &&
            (message.texts.empty() || scan_->token->id == po_msgstr))
         if (!read_word(message))

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::string_view name_field = "X-Language-Name";
 
-// A value of the header on one line.
+// A value of the header, which must stay on one line.
 std::string one_line(std::string_view text)
 {
     std::string out;
@@ -50,7 +50,7 @@ void append_head(std::string &out, const LangSource &source, const lang_t *lang)
     append_po_text(out, {}, "msgstr", header);
 }
 
-// Each line of a text as a programmer's remark, behind a label.
+// Appends each line of a text as a programmer's remark, behind a label.
 void append_remark(std::string &out, std::string_view label, std::string_view text)
 {
     if (text.empty())
@@ -64,7 +64,7 @@ void append_remark(std::string &out, std::string_view label, std::string_view te
     }
 }
 
-// A place of use, "00031:src/window.c", as catalogs have it.
+// Writes a place of use, "00031:src/window.c", as catalogs have it.
 std::string reference_of(std::string_view place)
 {
     const std::size_t colon = place.find(':');
@@ -76,13 +76,13 @@ std::string reference_of(std::string_view place)
     }
     std::string name;
     append_name(name, place);
-    // A backslash at the end of the line would join the next one to it.
+    // A backslash at the end of the line would join the next line to it.
     if (name.find_first_of(" \t") != std::string::npos || name.ends_with('\\'))
         name = "\xE2\x81\xA8" + name + "\xE2\x81\xA9";
     return line.empty() ? name : name + ":" + std::string(line);
 }
 
-// What of a message is the same in all languages.
+// What is the same in a message of every language.
 struct shared_parts {
     std::string remarks;
     std::string references;
@@ -111,6 +111,7 @@ void shared_parts::fill(const outgoing_item &from)
     append_carried(text, from.reference);
     append_po_text(ids, {}, "msgid", text);
     is_format = false;
+    // Most texts have no percent sign, and this look is cheap.
     if (from.reference.find('%') != std::string::npos)
         if (auto found = c_format_arguments(from.reference); found && !found->empty()) {
             is_format = true;
@@ -120,6 +121,7 @@ void shared_parts::fill(const outgoing_item &from)
 
 bool fits(const shared_parts &shared, std::string_view reference, std::string_view text)
 {
+    // Tools for catalogs refuse a text whose line ends at either end are not the original's.
     if (reference.starts_with('\n') != text.starts_with('\n') ||
         reference.ends_with('\n') != text.ends_with('\n'))
         return false;
@@ -140,6 +142,7 @@ void append_message(std::string &out, const exporter &from, const outgoing_item 
                       item.default_comment);
     append_remark(out, one_line(name) + ": ", one.comment);
     out += shared.references;
+    // A text that does not fit is marked, so that somebody looks at it.
     const bool fuzzy = !one.text.empty() && ((from.request().fuzzy && item.item->ready == 0) ||
                                              !fits(shared, item.reference, one.text));
     if (fuzzy || shared.is_format)
@@ -148,6 +151,7 @@ void append_message(std::string &out, const exporter &from, const outgoing_item 
             .append(fuzzy && shared.is_format ? ", " : "")
             .append(shared.is_format ? "c-format\n" : "\n");
     out += shared.ids;
+    // Few texts are carried: only these are copied.
     if (must_carry(one.text, holds::utf8)) {
         std::string carried;
         append_carried(carried, one.text);
@@ -206,6 +210,7 @@ fault read_po(std::string_view bytes, encoding good, const text_listener &hear)
     file_texts file{{{}}, {}};
     text_unit unit;
     while (reader.next(message)) {
+        // An obsolete message translates what the catalog's program no longer has.
         if (message.obsolete)
             continue;
         if (message.is_header()) {

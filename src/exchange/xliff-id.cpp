@@ -8,6 +8,7 @@ constexpr std::string_view digits = "0123456789ABCDEF";
 
 bool is_plain(char c)
 {
+    // An underscore begins an escape, so it cannot stand for itself.
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '.' ||
            c == '-' || c == ':';
 }
@@ -37,6 +38,7 @@ bool read_xliff_id(std::string_view id, std::string &key)
         }
         const std::size_t high = at + 2 < id.size() ? digits.find(id[at + 1]) : digits.npos;
         const std::size_t low = high == digits.npos ? high : digits.find(id[at + 2]);
+        // No key holds a zero byte.
         if (low == digits.npos || high + low == 0)
             return false;
         key += static_cast<char>(high * 16 + low);

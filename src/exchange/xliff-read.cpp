@@ -17,7 +17,7 @@ namespace {
 
 using xml_guard = std::unique_ptr<xmlTextReader, release<xmlFreeTextReader>>;
 
-// The elements that mean something; of the others only what they hold is looked at.
+// The elements that mean something. Of any other, only what it holds is looked at.
 enum class element {
     other,
     xliff,
@@ -44,7 +44,7 @@ constexpr struct {
 
 constexpr std::size_t most_depth = 100;
 
-// Whether the position in front of the first element holds a document type.
+// Whether a document type stands before the first element.
 bool has_document_type(std::string_view bytes)
 {
     for (;;) {
@@ -58,13 +58,13 @@ bool has_document_type(std::string_view bytes)
     }
 }
 
-// Goes on to the next sign, from that many bytes on; to the end when there is none.
+// Goes on to the next such sign, from that many bytes on; to the end when there is none.
 void skip_to(std::string_view &bytes, std::string_view sign, std::size_t from)
 {
     bytes.remove_prefix(std::min(bytes.find(sign, from), bytes.size()));
 }
 
-// The values that an element has between its name and its end; bytes is left there.
+// Counts the values that an element has between its name and its end; leaves bytes there.
 std::size_t count_values(std::string_view &bytes)
 {
     for (std::size_t count = 0;; ++count) {
@@ -76,7 +76,8 @@ std::size_t count_values(std::string_view &bytes)
     }
 }
 
-// An element with more attributes than any tool writes: the library compares each with each.
+// Finds an element with more attributes than any tool writes. The library compares each with each,
+// so a hostile file could keep it busy for hours.
 fault find_crowded_element(std::string_view bytes)
 {
     constexpr std::size_t most_attributes = 1000;
@@ -107,8 +108,8 @@ struct xliff_reader {
     text_unit unit;
     std::string file_code; // of the root, for all files
 
-    // Of the unit that is open. In 2.1 its text is in segments, and between them what is the same
-    // in every language; a text of which a segment is missing is none.
+    // About the open unit. In version 2.1 its text is in segments, and between them stands what is
+    // the same in every language. A text of which a segment is missing is none.
     std::string comment;
     std::string remarks;
     std::size_t segments = 0;
@@ -117,7 +118,7 @@ struct xliff_reader {
     std::string segment_source;
     bool has_target = false; // the segment
 
-    // Of the source, target or note that is open.
+    // About the open source, target or note.
     std::string text;
     std::size_t text_depth = 0; // 0: none is
     std::string note_kind;
@@ -182,6 +183,7 @@ void xliff_reader::open_unit()
     std::string key = attribute("id");
     unit.group.clear();
     unit.item.clear();
+    // Version 1 takes any id. In version 2 an id is a name, so xliff_id has escaped it.
     if (version == 1)
         uncarry(key, encoding::any);
     unit.keyed = (version == 1 || read_xliff_id(attribute("id"), key)) &&
@@ -220,7 +222,7 @@ void xliff_reader::open_target()
     unit.fuzzy = unit.fuzzy || state == "new" || state == "needs-translation";
 }
 
-// What stands for characters inside a text: only a code point of its own is known.
+// Opens an element inside a text that stands for characters: only a code point of its own is known.
 bool xliff_reader::open_inline(std::string_view name)
 {
     if (name != "cp")
@@ -235,7 +237,7 @@ bool xliff_reader::open_inline(std::string_view name)
     return true;
 }
 
-// An element has begun; the path does not have it yet.
+// Call when an element begins; the path does not have it yet.
 bool xliff_reader::open(element kind)
 {
     const element around = parent(0);
@@ -261,6 +263,7 @@ bool xliff_reader::open(element kind)
     }
     if (is_text) {
         text.clear();
+        // Elements may stand inside the text: the depth tells its own end.
         text_depth = path.size() + 1;
     }
     return true;
@@ -300,6 +303,7 @@ void xliff_reader::close_segment(element kind)
 {
     if (has_target)
         return;
+    // What stands between segments is the same in every language.
     if (kind == element::ignorable)
         unit.text += segment_source;
     else
@@ -308,6 +312,7 @@ void xliff_reader::close_segment(element kind)
 
 void xliff_reader::close_unit()
 {
+    // A unit is final if all of its segments are.
     unit.final = unit.final || (segments != 0 && final_segments == segments);
     if (partial)
         unit.text.clear();
@@ -321,7 +326,7 @@ void xliff_reader::close_unit()
     hear(file, unit);
 }
 
-// The innermost element has ended.
+// Call when the innermost element ends.
 void xliff_reader::close()
 {
     if (path.size() == text_depth)
@@ -360,15 +365,17 @@ bool xliff_reader::read()
     case XML_READER_TYPE_SIGNIFICANT_WHITESPACE:
         if (text_depth != 0 && value != nullptr)
             text += value;
+        // Many small pieces can add up, so the whole is measured.
         return text.size() <= largest_text || fail("a text of more than 8 MB");
     case XML_READER_TYPE_ENTITY_REFERENCE:
+        // Entities are never expanded: a few of them could grow without end.
         return fail("an entity that is not defined");
     default:
         return true;
     }
 }
 
-// The first error is the cause of all others.
+// Keeps the first error, the cause of all others.
 void note_error(void *reader, xmlErrorPtr error)
 {
     auto &self = *static_cast<xliff_reader *>(reader);
@@ -391,7 +398,7 @@ fault read_xliff(std::string_view bytes, encoding good, const text_listener &hea
         return {1, "a document type, which may bring texts from elsewhere"};
     if (fault wrong = find_crowded_element(bytes))
         return wrong;
-    // No entity is expanded, nothing is loaded, and the limits of the library hold.
+    // No entity is expanded, nothing is loaded from elsewhere, and the library's limits hold.
     const xml_guard xml(xmlReaderForMemory(bytes.data(), static_cast<int>(bytes.size()), nullptr,
                                            "UTF-8", XML_PARSE_NONET | XML_PARSE_IGNORE_ENC));
     if (!xml)

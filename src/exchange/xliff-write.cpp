@@ -8,7 +8,7 @@ namespace zel::exchange {
 
 namespace {
 
-// How a character must be written, empty for as it is.
+// How a character must be written; empty if it stands for itself.
 std::string_view entity_of(char c, bool in_attribute)
 {
     switch (c) {
@@ -82,7 +82,7 @@ head head_of(const exporter &from, std::size_t at)
     return out;
 }
 
-// What of a unit is the same in all languages.
+// What is the same in a unit of every language.
 struct unit_parts {
     std::string key;
     std::string source;
@@ -138,6 +138,7 @@ void append_unit_1(std::string &out, const exporter &from, const outgoing_item &
                    const unit_parts &parts, std::size_t at)
 {
     const std::string &text = item.texts[at].text;
+    // Without a target there is nothing to approve.
     const bool final = item.item->ready != 0 && !text.empty();
     out += "<trans-unit";
     append_attribute(out, "id", parts.key);
@@ -188,7 +189,7 @@ void append_unit_2(std::string &out, const exporter &from, const outgoing_item &
     out += "</segment>\n</unit>\n";
 }
 
-// What one version writes.
+// What one version of the format writes.
 struct version {
     void (*append_head)(std::string &out, const head &one);
     void (*append_unit)(std::string &out, const exporter &from, const outgoing_item &item,

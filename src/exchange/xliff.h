@@ -21,7 +21,7 @@ void write_xliff(exporter &from, std::vector<outgoing_file> &to);               
 void write_xliff2(exporter &from, std::vector<outgoing_file> &to);                  // 2.1
 fault read_xliff(std::string_view bytes, encoding good, const text_listener &hear); // any of both
 
-// An id of 2.1 for a key, and back; false for an id that is none.
+// Makes an id of version 2.1 from a key, and back; false for a text that is no such id.
 std::string xliff_id(std::string_view key);
 bool read_xliff_id(std::string_view id, std::string &key);
 

@@ -19,7 +19,7 @@ using zel::argv_reported;
 
 const char *current_word(int count, char **position) { return count < 1 ? nullptr : *position; }
 
-// The current word when it begins with a digit; else null.
+// Returns the current word if it begins with a digit, else null.
 const char *number_word(int count, char **position)
 {
     const char *word = current_word(count, position);
@@ -34,19 +34,21 @@ int get_number(int *count, char ***position, const char *format, int missing, Nu
         return missing;
     Number value{};
     *out = std::sscanf(word, format, &value) == 1 ? value : Number{};
+    // The word is used even if its number cannot be read: it began like one.
     argv_prep(count, position);
     return ARGV_OK;
 }
 
 const char *integer_format(std::string_view word)
 {
+    // As in C, the word's beginning tells the base.
     if (word.size() < 2 || word[0] != '0')
         return "%d";
     return word[1] == 'x' || word[1] == 'X' ? "%x" : "%o";
 }
 
-// Makes room for so many slots. The array grows in steps of powers of two, so that a long text is
-// not copied once per word.
+// Makes room for so many slots. The array grows in powers of two, so that a long text is not copied
+// once per word.
 bool make_room(char ***vector, int slots)
 {
     const std::size_t size = std::bit_ceil(static_cast<std::size_t>(slots)) * sizeof(char *);
@@ -59,7 +61,7 @@ bool make_room(char ***vector, int slots)
     return true;
 }
 
-// Appends an owned word.
+// Appends a word and owns it from now on, even if there is no room for it.
 void append_word(char *word, int *count, char ***vector)
 {
     if (word == nullptr || !make_room(vector, *count + 1)) {
@@ -80,6 +82,7 @@ void append_null(int *count, char ***vector, int slots)
 const char *end_of_quoted(const char *text)
 {
     for (; *text != '\0' && *text != '"'; ++text)
+        // A backslash at the very end protects nothing.
         if (*text == '\\' && text[1] != '\0')
             ++text;
     return text;
@@ -94,12 +97,15 @@ const char *end_of_plain(const char *text)
 
 bool is_line_end(int c) { return c == '\r' || c == '\n'; }
 
-// Copies a file of words without its comments, as one line, into a text of size bytes and its NUL.
+// Copies a file of words, without its comments and as one line, into a text of size bytes and its
+// NUL.
 void read_words(std::FILE *file, char *text, std::size_t size)
 {
     std::size_t length = 0;
     bool comment = false;
+    // The file may have grown since its size was asked for.
     for (int c = std::getc(file); c != EOF && length < size; c = std::getc(file)) {
+        // A comment runs from "#" to the end of the line, even inside of quotes.
         comment = (comment || c == '#') && !is_line_end(c);
         if (!comment)
             text[length++] = is_line_end(c) ? ' ' : static_cast<char>(c);
@@ -155,6 +161,7 @@ int argv_get_flags_by_str(int *count, char ***position, const argv_tab_t *table,
     int result = ARGV_ERROR;
     for (; word != nullptr; word = current_word(*count, *position)) {
         const argv_tab_t *row = zel::argv_row(word, table);
+        // Flags end at the first word that is none; it stays for the caller.
         if (row->word == nullptr || row->id == 0)
             break;
         *flags |= static_cast<unsigned>(row->id);
@@ -183,6 +190,7 @@ int _argv_get_double(int *count, char ***position, double *out)
 
 int _argv_get_width_height(int *count, char ***position, int *width, int *height)
 {
+    // An upper-case X will do, unlike in zel_str_get_width_height.
     if (!zel::read_width_height(current_word(*count, *position), "xX", *width, *height))
         return ARGV_NO_WIDTH_HEIGHT;
     argv_prep(count, position);
@@ -209,6 +217,7 @@ void gen_argv(const char *text, int *count, char ***vector)
         if (quoted)
             ++text;
         const char *end = quoted ? end_of_quoted(text) : end_of_plain(text);
+        // Two quotes with nothing between them make no word.
         if (end != text)
             append_word(dup_ptr_from_to(text, text, end), count, vector);
         text = *end == '\0' ? end : end + 1;

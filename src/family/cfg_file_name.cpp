@@ -22,13 +22,13 @@ struct file_version {
     int c;
 };
 
-// The version that candidate number 1 to 4 asks for: each gives up one number more.
+// Version that candidate number 1 to 4 asks for: each gives up one number more, from the right.
 file_version candidate_version(const file_version &wanted, int number)
 {
     return {number < 4 ? wanted.a : 0, number < 3 ? wanted.b : 0, number < 2 ? wanted.c : 0};
 }
 
-// The first candidate in the directory that exists; null when none does.
+// Returns the first candidate in the directory that exists; null when none does.
 zel::string_guard find_in(const char *search, const char *dir, const file_version &wanted,
                           const char *name)
 {
@@ -45,7 +45,8 @@ zel::string_guard find_in(const char *search, const char *dir, const file_versio
     return nullptr;
 }
 
-// The version directories below the search directory, newest first; null, logged, without any.
+// Returns the version directories below the search directory, newest first; null, after a line in
+// the log, when there are none.
 dir_list_guard version_dirs(const char *search)
 {
     if (zel_access(search, F_OK) != 0) {
@@ -70,6 +71,7 @@ int gen_check_cfg_file_name(char *out, int size, const char *base, const char *s
     LogPrint(1, "gen_check_cfg_file_name: entry\n");
     const zel::string_guard search(
         zel_strdup_printf("%s/%s", zel::or_empty(base), zel::or_empty(sub)));
+    // With three digits each, comparing the names compares the versions.
     const zel::string_guard key(zel_strdup_printf("%03d-%03d", major, minor));
     if (search == nullptr || key == nullptr)
         return 1;
@@ -78,9 +80,11 @@ int gen_check_cfg_file_name(char *out, int size, const char *base, const char *s
         return 1;
     zel::string_guard found;
     for (const zel_list *node = dirs.get(); node != nullptr && found == nullptr; node = node->next)
+        // Directories of newer versions come first and are passed over.
         if (std::strcmp(dir_list_file(node), key.get()) <= 0)
             found = find_in(search.get(), dir_list_file(node), {a, b, c}, name);
     const std::size_t length = found == nullptr ? 0 : std::strlen(found.get());
+    // A path that does not fit is not cut: it would name another file.
     if (length == 0 || static_cast<int>(length) >= size) {
         LogPrint(1, "gen_check_cfg_file_name: WARNING no cfg file found\n");
         return 1;

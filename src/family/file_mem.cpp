@@ -28,12 +28,13 @@ zel::file_outcome write_whole(const char *path, const char *data, std::int64_t s
     if (fd < 0)
         return zel::NOT_OPENED;
     const bool written = zel::write_all(fd, {data, static_cast<std::size_t>(size)}) == 0;
+    // Some file systems report a full disk only when the file is closed.
     const bool closed = close(fd) == 0;
     return written && closed ? zel::GOOD : zel::FAILED;
 }
 
-// Room for a text of so many bytes and its NUL. It grows in powers of two, so that appending piece
-// by piece is linear although the record keeps no capacity.
+// Makes room for a text of so many bytes and its NUL. Grows in powers of two, so that appending
+// piece by piece is linear although the record keeps no capacity.
 bool make_room(zel_file_mem_t &mem, std::int64_t size)
 {
     const std::size_t room = std::bit_ceil(static_cast<std::size_t>(size) + 1);
@@ -65,11 +66,13 @@ zel_file_mem_t *append_bytes(zel_file_mem_t *mem, const char *text, std::int64_t
         mem = new_record();
     if (mem == nullptr)
         return nullptr;
-    // A part of the record's own data moves with it.
+    // A part of the record's own data moves with that data.
     const auto at =
         reinterpret_cast<std::uintptr_t>(text) - reinterpret_cast<std::uintptr_t>(mem->data);
+    // A text in front of the data gives a huge number: one comparison is enough.
     const bool own = at <= static_cast<std::uintptr_t>(mem->size);
     if (!make_room(*mem, mem->size + length)) {
+        // The record keeps what it has, and notes that something is missing.
         mem->error = 1;
         return mem;
     }
@@ -102,6 +105,7 @@ zel_file_mem_t *zel_file_mem_read(zel_file_mem_t *mem, const char *path)
     const zel::file_outcome result =
         zel::logged(zel::read_whole(path, data, count), mem_read_messages, path);
     const zel::string_guard text(data);
+    // Only a record that exists can tell of the lack of memory.
     if (result == zel::NO_MEMORY && mem != nullptr)
         mem->error = 1;
     return result == zel::GOOD ? append_bytes(mem, text.get(), count) : nullptr;
@@ -112,6 +116,7 @@ zel_file_mem_t *zel_file_mem_append(zel_file_mem_t *mem, const char *text, int l
     if (text == nullptr)
         return mem;
     const std::int64_t size = length_of(text, length);
+    // An empty text makes no record.
     return size == 0 ? mem : append_bytes(mem, text, size);
 }
 

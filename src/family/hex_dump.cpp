@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+// The preprocessor makes the table, so that nothing has to run at the start.
 #define HEX_ROW(high)                                                                              \
     high "0", high "1", high "2", high "3", high "4", high "5", high "6", high "7", high "8",      \
         high "9", high "A", high "B", high "C", high "D", high "E", high "F"
@@ -19,7 +20,7 @@ namespace {
 constexpr int bytes_per_line = 16;
 constexpr int widest_byte = 5; // two digits and " - "
 
-// What stands behind the byte at this place of the line, counted from 1.
+// Returns what follows the byte at this place of the line, counted from 1.
 const char *gap_after(int place)
 {
     if (place == bytes_per_line)
@@ -35,6 +36,7 @@ int hex_dump_byte_line(char *out, int limit, const unsigned char **cursor, int r
     const char *start = out;
     int used = 0;
     *out = '\0';
+    // Stops before a byte that might not fit: half a byte would read as another one.
     while (used < most && out - start + widest_byte < limit) {
         out = stpcpy(out, byte_hex_tab[*(*cursor)++]);
         out = stpcpy(out, gap_after(++used));
@@ -46,8 +48,10 @@ int hex_dump_byte_line_ext(char *out, int limit, const unsigned char **cursor, i
 {
     const unsigned char *bytes = *cursor;
     const int used = hex_dump_byte_line(out, limit, cursor, remaining);
+    // The limit counts the numbers alone: the caller has room for the characters as well.
     out = stpcpy(out + std::strlen(out), "  ");
     for (int i = 0; i < used; ++i)
+        // ASCII only, so that no byte changes the terminal and every locale shows the same.
         *out++ = bytes[i] >= 32 && bytes[i] <= 126 ? static_cast<char>(bytes[i]) : '.';
     *out = '\0';
     return used;

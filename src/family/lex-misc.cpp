@@ -38,6 +38,7 @@ std::uint32_t trans_str_mask(const trans_id_t *table, const char *text)
         return 0;
     std::uint32_t mask = 0;
     std::string_view rest = text;
+    // A word that the table lacks adds no bit.
     while (!rest.empty()) {
         const std::string_view word = rest.substr(0, rest.find(','));
         mask |= static_cast<std::uint32_t>(trans_str_id(table, std::string(word).c_str(), 0));
@@ -56,6 +57,7 @@ int lex_get_str(zel_lex_t *lex, char **out)
         return 1;
     }
     *out = zel_strdup(token->lexeme);
+    // An empty text becomes null as well, which is no lack of memory.
     if (*out == nullptr && *token->lexeme != '\0')
         lex->out_of_memory = 1;
     zel_next_token(lex);
@@ -70,6 +72,7 @@ int lex_get_concat_str(zel_lex_t *lex, char **out)
     zel::growing_text joined;
     bool whole = true;
     while (lex_match(zel_token_look_ahead(lex, 0), TOKEN_STRING) != 0)
+        // Takes every string even without memory, so that the scanner stands behind them.
         whole = joined.append(zel_next_token(lex)->lexeme) && whole;
     if (!whole) {
         lex->out_of_memory = 1;
@@ -113,6 +116,7 @@ void zel_lex_read_until_token(zel_lex_t *lex, int kind)
         return;
     for (;;) {
         const int id = zel_next_token(lex)->id;
+        // Without the end of the input this would never return.
         if (id == kind || id == TOKEN_NEWLINE || (id <= TOKEN_EOF && id >= TOKEN_ERR_MEM))
             return;
     }
@@ -121,6 +125,7 @@ void zel_lex_read_until_token(zel_lex_t *lex, int kind)
 int _lex_esc_str(char *destination, const char *source)
 {
     int length = 0;
+    // Without a destination the text is only measured.
     const auto put = [&](char c) {
         if (destination != nullptr)
             destination[length] = c;
@@ -140,6 +145,7 @@ int _lex_esc_str(char *destination, const char *source)
 char *lex_esc_str(const char *source)
 {
     const int length = source == nullptr ? 0 : _lex_esc_str(nullptr, source);
+    // An empty text is null, as in zel_strdup.
     if (length == 0)
         return nullptr;
     char *escaped = static_cast<char *>(std::malloc(static_cast<std::size_t>(length) + 1));

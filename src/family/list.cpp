@@ -9,7 +9,7 @@
 
 namespace {
 
-// An empty key or value is stored as null and sorts as an empty string.
+// An empty key or value is stored as null and sorts like an empty string.
 int compare_strings(const char *a, const char *b)
 {
     return std::strcmp(zel::or_empty(a), zel::or_empty(b));
@@ -19,12 +19,15 @@ int compare_strings(const char *a, const char *b)
 
 zel_list *zel_list_prepend(zel_list *node, void *data)
 {
+    // zel_list_append also reports a lack of memory.
     zel_list *added = zel_list_append(nullptr, data);
+    // Without memory the list stays as it is.
     if (added == nullptr)
         return node;
     if (node != nullptr) {
         added->next = node;
         added->prev = node->prev;
+        // The node may stand inside its list: the new one goes in before it.
         if (node->prev != nullptr)
             node->prev->next = added;
         node->prev = added;
@@ -57,6 +60,7 @@ zel_list *zel_list_prev(zel_list *node) { return node == nullptr ? nullptr : nod
 
 zel_list *zel_list_nth(zel_list *list, int n)
 {
+    // n counts from 1; anything less asks for the first node.
     for (; n > 1 && list != nullptr; --n)
         list = list->next;
     return list;
@@ -102,6 +106,7 @@ key_val *key_val_new(const char *key, const char *val)
         return nullptr;
     record->key = zel_strdup(key);
     record->val = zel_strdup(val);
+    // An empty text becomes null, which is no lack of memory: is_copy tells the two apart.
     if (zel::is_copy(record->key, key) && zel::is_copy(record->val, val))
         return record;
     key_val_free(record);

@@ -23,7 +23,7 @@ constexpr off_t least_log_size = 2 * static_cast<off_t>(zel::log_end_marker.size
 constexpr std::array speed_words = {"SPEED_ENTRY ",     "SPEED_EXIT ", "SPEED_CYCLE_START ",
                                     "SPEED_CYCLE_END ", "SPEED_URL ",  "SPEED_ERROR "};
 
-// The size of a regular file that may hold a whole log; -1 after saying why not.
+// Returns the size of a regular file that may hold a whole log; -1 after telling why not.
 off_t size_of_log(const char *file)
 {
     struct stat status {};
@@ -42,10 +42,11 @@ off_t size_of_log(const char *file)
     return status.st_size;
 }
 
-// 1 when the last bytes of the open file are no end marker, else 0.
+// Returns 1 if the open file does not end with the marker, else 0.
 int check_end(int fd, off_t size, const char *file)
 {
     const auto length = static_cast<off_t>(zel::log_end_marker.size());
+    // An error is no sign of a crash, so it answers 0.
     if (lseek(fd, size - length, SEEK_SET) < 0) {
         dbg_printf("LogCheckCrash: exit(4), unable to lseek %s errno(%d) >%s<\n", file, errno,
                    std::strerror(errno));
@@ -59,6 +60,7 @@ int check_end(int fd, off_t size, const char *file)
     }
     if (std::string_view(end.data(), end.size()) == zel::log_end_marker)
         return 0;
+    // The spelling is deliberate: the text is an interface.
     dbg_printf("LogCheckCrash: exit(6), eof does't match\n");
     return 1;
 }
@@ -73,6 +75,7 @@ void LogSpeed(int kind, const char *text)
     const char *word = known ? speed_words[static_cast<std::size_t>(kind)] : "NONE";
     const zel::log_lock lock;
     zel::each_log_output([word, text](std::FILE *stream) {
+        // The number is always 0; its place is kept for readers of the log.
         std::fprintf(stream, "%s%lu \"%s\"\n", word, 0UL, text == nullptr ? " " : text);
     });
 }
@@ -88,6 +91,7 @@ int LogWrite(const void *data, std::size_t size, std::size_t count)
 
 int LogPrintData(int level, const unsigned char *data, int length)
 {
+    // A line of 16 bytes has 49 characters, and before each byte there must be room for five more.
     constexpr int line_limit = 55;
     std::array<char, line_limit> line{};
     while (length > 0) {
@@ -128,6 +132,7 @@ zel_log_t *zel_log_open(const char *path, const char *version, unsigned flags)
     zel_log_guard log(static_cast<zel_log_t *>(std::calloc(1, sizeof(zel_log_t))));
     if (log == nullptr)
         return nullptr;
+    // As for the program's own log, the last one is kept as ".old".
     log->stream = zel::open_new_log(path);
     if (log->stream == nullptr)
         return nullptr;

@@ -18,6 +18,7 @@ namespace {
 
 bool read_size_part(std::string_view part, int &value)
 {
+    // sscanf needs a NUL, and the part stands inside a longer text.
     std::array<char, 32> text{};
     if (part.empty() || part.size() >= text.size())
         return false;
@@ -49,6 +50,7 @@ bool read_width_height(const char *text, const char *marks, int &width, int &hei
     if (mark == std::string_view::npos || !read_size_part(pair.substr(0, mark), first) ||
         !read_size_part(pair.substr(mark + 1), second))
         return false;
+    // Both numbers change, or none.
     width = first;
     height = second;
     return true;
@@ -64,6 +66,7 @@ int zel_strlen(const char *text)
 char *zel_substr(const char *text, int start, int length)
 {
     const std::string_view whole = text == nullptr ? "" : text;
+    // Positions count from 1.
     if (start < 1 || static_cast<std::size_t>(start) > whole.size())
         return nullptr;
     const std::string_view rest = whole.substr(static_cast<std::size_t>(start) - 1);
@@ -77,6 +80,7 @@ int zel_get_sub_str(char **cursor, char *out, char separator, int size)
     char *text = *cursor;
     if (text == nullptr || *text == '\0')
         return 0;
+    // The cursor stands on the separator that ended the last part.
     if (*text == separator)
         ++text;
     char *end = text;
@@ -96,6 +100,7 @@ char *zel_str_trim_hk(char *text)
 {
     if (text == nullptr)
         return nullptr;
+    // The length still counts the quote, so the NUL moves, too.
     if (*text == '"')
         std::memmove(text, text + 1, std::strlen(text));
     const std::size_t length = std::strlen(text);
@@ -114,7 +119,7 @@ int zel_str_count_lf(const char *text)
 
 int zel_str_float_cmp(const char *text, float number)
 {
-    // With a point in every locale.
+    // A decimal point in every locale.
     const float value = text == nullptr ? 0.0F : static_cast<float>(g_ascii_strtod(text, nullptr));
     if (value < number)
         return -1;
@@ -156,6 +161,7 @@ int zel_split_file(const char *path, char **file)
     if (path == nullptr)
         return 1;
     struct stat status {};
+    // A folder's path has no file part, whatever its last name looks like.
     if (zel_stat(path, &status) == 0 && S_ISDIR(status.st_mode)) {
         LogPrint(1, "zel_split_file(0): dir >%s<\n", path);
         return 1;
@@ -198,8 +204,10 @@ int check_file_exist_read(const char *path)
 
 int zel_if_ext(const zel_list *extensions, const char *name)
 {
+    // Without a list every ending will do.
     if (extensions == nullptr || name == nullptr)
         return 1;
+    // The endings of the list have their dot, too.
     const char *ext = std::strrchr(name, '.');
     for (; ext != nullptr && extensions != nullptr; extensions = extensions->next) {
         const auto *listed = static_cast<const char *>(extensions->data);

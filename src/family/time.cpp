@@ -11,6 +11,7 @@ double milliseconds(const timeval &time)
 
 double read_watch(zel_time_t &watch)
 {
+    // The wall clock: whoever sets it changes what is measured.
     gettimeofday(&watch.now_tv, nullptr);
     return milliseconds(watch.now_tv);
 }

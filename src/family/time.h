@@ -20,7 +20,7 @@ struct zel_time_t {
 void zel_time_free(zel_time_t *watch);
 using zel_time_guard = std::unique_ptr<zel_time_t, zel::release<zel_time_free>>;
 
-// Starts the watch, and its lap, anew.
+// Starts the watch and its lap again.
 void zel_time_reset(zel_time_t *watch);
 
 // Seconds or milliseconds since the reset; seconds since the previous lap reading. 0.0 for null.

@@ -83,6 +83,7 @@ std::span<const word> words() { return table; }
 int run(int argc, char **argv)
 {
     const int status = run_word(argc, argv);
+    // A full disk may show only here, and a part of the results must not pass for all of them.
     if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0)
         return status;
     std::fprintf(stderr, "lang-kit: standard output: %s\n", std::strerror(errno));

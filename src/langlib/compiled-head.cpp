@@ -7,6 +7,7 @@ namespace zel {
 
 char *read_language_name(const char *path)
 {
+    // In step with the scanner of _lang_load.
     const zel_lex_guard lex(zel_lex_new(compiled_keywords, LEX_NUMBER_ONE_KIND |
                                                                LEX_KEYWORD_NOCASE | LEX_ESCAPES |
                                                                LEX_NEWLINE_SPACE));
@@ -22,9 +23,11 @@ char *read_language_name(const char *path)
     zel_lex_set_buf(lex.get(), buf);
     char *name = nullptr;
     const zel_token_t *token = zel_next_token(lex.get());
+    // The head ends with the first group or entry: the texts are not read.
     while (token->id != TOKEN_EOF && token->id != KEY_GROUP && token->id != '{') {
         const bool named = token->id == KEY_LANGUAGE;
         token = zel_next_token(lex.get());
+        // The last name counts, as when the file is loaded.
         if (named && (token->id == TOKEN_STRING || token->id == TOKEN_IDENT))
             replace_string(name, zel_strdup(token->lexeme));
     }

@@ -17,7 +17,7 @@ struct kept {
     const char *text() const { return reinterpret_cast<const char *>(this + 1); }
 };
 
-// Open addressing, at most half full; null is free.
+// Hash table with open addressing, at most half full; a null row is free.
 struct form_table {
     lang_index *store; // holds the rows too; null before the first form
     const kept **rows;
@@ -37,7 +37,7 @@ const kept **row_of(const kept **rows, std::size_t size, std::size_t hash, std::
     return &rows[at];
 }
 
-// Room for one more. False without memory.
+// Makes room for one more form. False without memory.
 bool make_room()
 {
     constexpr std::size_t first_size = 64;
@@ -46,6 +46,7 @@ bool make_room()
     if (table.count * 2 < table.size)
         return true;
     const std::size_t larger = table.size == 0 ? first_size : table.size * 2;
+    // The old rows stay in the store until drop_forms: doubling bounds what they take.
     auto **rows =
         static_cast<const kept **>(lang_store_allocate(table.store, larger * sizeof(kept *)));
     if (rows == nullptr)
@@ -84,6 +85,7 @@ const char *find_or_keep(std::string_view form)
 
 const char *kept_form(std::string_view form)
 {
+    // Several threads may ask for the same form at once.
     pthread_mutex_lock(&lock);
     const char *text = find_or_keep(form);
     pthread_mutex_unlock(&lock);

@@ -83,6 +83,7 @@ struct arguments {
 
     bool without_gaps() const
     {
+        // printf cannot step over an argument whose type it does not know.
         return std::none_of(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(count),
                             [](const argument &one) { return one.type == none; });
     }
@@ -90,7 +91,7 @@ struct arguments {
 
 bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
-// At most three digits; false with more.
+// Reads at most three digits; false with more.
 bool read_digits(const char *&at, std::size_t &number)
 {
     const char *first = at;
@@ -119,7 +120,7 @@ length read_length(const char *&at)
     return plain;
 }
 
-// "2$": the position, counted from 0, and at moves behind it; false when there is none.
+// Reads "2$": sets the position, counted from 0, and moves behind it; false when there is none.
 bool read_position(const char *&at, std::size_t &position)
 {
     const char *end = at;
@@ -131,11 +132,12 @@ bool read_position(const char *&at, std::size_t &position)
     return true;
 }
 
-// One conversion, behind its "%"; at moves behind it.
+// Reads one conversion, behind its "%", and moves behind it.
 bool read_conversion(const char *&at, arguments &asked)
 {
     std::size_t position = 0;
     const bool placed = read_position(at, position);
+    // A format either numbers all of its arguments or none.
     if ((asked.count > 0 && placed != asked.positions))
         return false;
     asked.positions = placed;
@@ -144,6 +146,7 @@ bool read_conversion(const char *&at, arguments &asked)
     const char *flags = at;
     at += std::strspn(at, "-+ #0'");
     const auto flag_count = static_cast<std::size_t>(at - flags);
+    // A "*" is refused below: it would take an argument of its own.
     std::size_t digits = 0;
     if (!read_digits(at, digits))
         return false;
@@ -159,7 +162,7 @@ bool read_conversion(const char *&at, arguments &asked)
         (flag_count > 0 && std::strspn(flags, row.flags) < flag_count))
         return false;
     ++at;
-    // "%lf" is "%f".
+    // "%lf" means the same as "%f".
     const length passed = row.argument == real && size == l ? plain : size;
     const auto read = precision ? static_cast<std::uint16_t>(digits) : to_the_end;
     return asked.use(position,

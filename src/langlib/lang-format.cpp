@@ -20,9 +20,9 @@ bool split(const char *text, char separator, char assignment, min_lex_msg_guard 
     return whole;
 }
 
-// The expected conversions ("%d", "%s") in the order of the arguments, as ids of a split text; null
-// when the description names none. "formater=%25s,%25d" among elements separated by ";". False
-// without memory.
+// Makes a split text whose ids are the expected conversions ("%d", "%s") in the order of the
+// arguments; null when the description names none. Reads "formater=%25s,%25d" among elements
+// separated by ";". False without memory.
 bool expected_conversions(const char *description, min_lex_msg_guard &expected)
 {
     min_lex_msg_guard elements;
@@ -76,6 +76,7 @@ void check_format(char *text, zel_list *expected)
             return;
         char *letter = find_letter(percent);
         const auto *element = static_cast<const min_lex_elem_t *>(expected->data);
+        // Behind the first conversion that does not match, none can be trusted.
         if (letter == nullptr || !matches(*letter, min_lex_split_msg_id(element))) {
             blank(percent);
             return;
@@ -97,9 +98,10 @@ const char *_lang_get_string_fmt(const char *description, const char *group, con
     min_lex_msg_guard expected;
     if (!expected_conversions(description, expected))
         return item; // an unchecked text could ask for arguments that are not there
-    // The text is the table's, where it changes for all requests to come. Whoever has it already
-    // has it checked.
+    // The text belongs to the table and changes there for all requests to come. Whoever holds it
+    // already has it checked, too.
     if (expected != nullptr) {
+        // Two threads may check the same text at once.
         pthread_mutex_lock(&checking);
         check_format(const_cast<char *>(text), expected.get());
         pthread_mutex_unlock(&checking);

@@ -20,7 +20,7 @@ lang_handle_t lang;
 
 namespace {
 
-// Messages that go to the debug print and to the log.
+// Prints a message for debugging and writes it to the log.
 void say(const char *text)
 {
     dbg_printf("%s", text);
@@ -35,10 +35,10 @@ void say_text(const char *format, const char *text)
 }
 
 // Key and value of the entry that is being read, one behind the other. The key's group stays from
-// entry to entry, the room from file to file.
+// entry to entry, the memory from file to file.
 class entry_text {
 public:
-    // Null or empty: no group. False without memory.
+    // Null or empty means no group. False without memory.
     bool set_group(const char *group)
     {
         text_.cut(0);
@@ -52,7 +52,7 @@ public:
     }
     bool has_group() const { return group_end_ != 0; }
 
-    // False without memory.
+    // Begins an entry with its key. False without memory.
     bool start(const char *name)
     {
         constexpr std::string_view nul("\0\0", 2); // behind the key, and the value's mark
@@ -67,7 +67,7 @@ public:
     // Adds to the value; false without memory.
     bool append(const char *part) { return text_.append(part); }
 
-    // A new entry of the store; null without memory.
+    // Makes a new entry in the store; null without memory.
     zel::lang_entry *make(lang_index *store) const
     {
         const std::size_t length = text_.length();
@@ -77,6 +77,7 @@ public:
             return nullptr;
         char *strings = reinterpret_cast<char *>(entry + 1);
         std::memcpy(strings, text_.data(), length + 1);
+        // rule_for in lang-plural looks for the mark just before the value.
         strings[value_ - 1] = is_default == 0 ? '\0' : zel::stand_in_mark;
         entry->text.is_default = is_default;
         entry->text.key = strings;
@@ -94,7 +95,8 @@ private:
     std::size_t value_ = 0;     // where it starts
 };
 
-// What reading needs and what it leaves: statements change the handle, entries go to the list.
+// What reading needs and what it leaves behind: statements change the handle, entries go to the
+// list.
 struct reader {
     lang_handle_t *handle;
     zel_lex_t *lex;
@@ -163,7 +165,7 @@ void read_ctime(reader &in)
         static_cast<std::uint32_t>(std::strtoull(zel_next_token(in.lex)->lexeme, nullptr, 10));
 }
 
-// "12:", which the compiler puts first on request.
+// "12:", which the compiler puts first when it is asked for positions.
 bool is_position(const char *text)
 {
     const std::size_t length = std::strlen(text);
@@ -178,6 +180,7 @@ outcome read_body(reader &in)
         const int line = static_cast<int>(token->line);
         switch (token->id) {
         case TOKEN_STRING:
+            // Only the first string may be a position: another one that looks like it is a text.
             if (!(first && in.handle->posnr == 1 && is_position(token->lexeme)) &&
                 !in.text.append(token->lexeme))
                 return without_memory("entry");
@@ -250,7 +253,7 @@ outcome read_statement(reader &in, const zel_token_t *token)
     return outcome::goes_on;
 }
 
-// At the end of a file, which may not be its own end.
+// Call at the end of a file, which may have come too early.
 void log_end(const reader &in, const char *path)
 {
     if (zel_lex_buf_read_failed(zel_lex_get_buf(in.lex)) != 0)
@@ -275,6 +278,7 @@ void read_file(reader &in, const char *path)
         return;
     }
     zel_lex_set_buf(in.lex, buf);
+    // The group of the file before does not reach into this one.
     in.text.set_group(nullptr);
     outcome result = outcome::goes_on;
     const zel_token_t *token = zel_next_token(in.lex);
@@ -288,7 +292,7 @@ void read_file(reader &in, const char *path)
     zel_lex_free_buf(in.lex);
 }
 
-// 0 when there is no such file.
+// Returns the kind of file, or 0 when there is no such file.
 mode_t kind_of(const char *path)
 {
     struct stat status;
@@ -314,6 +318,7 @@ bool read_directory(reader &in, const char *path)
     }
     for (zel_list *name = names.get(); name != nullptr; name = name->next) {
         char file[path_size];
+        // A path that does not fit is not read: once cut, it would name another file.
         if (gen_path_ext(file, 0, sizeof file, path, dir_list_file(name), nullptr) == 0 &&
             !may_be_endless(file))
             read_file(in, file);
@@ -338,7 +343,8 @@ bool read_path(reader &in, const char *path)
     return in.entries.head != nullptr;
 }
 
-// The handles that a chain owns are one behind the other, however many.
+// Frees the handles that a chain owns. Their stores are emptied one by one, so that no chain,
+// however long, makes the recursion deep.
 void free_chain(lang_index *store)
 {
     while (store != nullptr && zel::link_of(store).owns_next) {
@@ -390,6 +396,7 @@ int _lang_load(lang_handle_t *handle, const char *path)
     if (handle == nullptr)
         handle = &lang;
     zel::lang_symbols_make();
+    // From here on requests get their items, and so they do after a failure.
     handle->loaded = 0;
     if (path == nullptr) {
         say("_lang_load: entry no file name given > exit\n");
@@ -413,6 +420,7 @@ int _lang_load(lang_handle_t *handle, const char *path)
     if (!read)
         return -1;
 
+    // Built aside: without memory the handle keeps its old table.
     lang_handle_t built{};
     if (zel::lang_table_build(&built, in.store, entries.get()) != 0) {
         LogPrint(1, "_lang_load: ERROR not enough memory (entry)\n");
@@ -442,6 +450,8 @@ lang_handle_t *_lang_new(const char *path, std::int32_t import_mode)
         return nullptr;
     }
     handle->import_mode = import_mode;
+    // A handle without texts is returned, too: its requests get their items. The message is an
+    // interface, whatever the cause.
     if (_lang_load(handle, path) < 0)
         say("_lang_new: ERROR: not enough memory\n");
     else
@@ -480,6 +490,7 @@ void zel::lang_move_in(lang_handle_t *to, lang_handle_t *from)
     to->ctime = from->ctime;
     to->index = from->index;
     std::free(from);
+    // Set last: a thread that sees it finds everything else in place.
     __atomic_store_n(&to->loaded, 1, __ATOMIC_RELEASE);
 }
 

@@ -38,7 +38,7 @@ struct text_file {
     text_file *then; // the one that is asked after it
 };
 
-// In the order of their paths.
+// The compiled files that were found, in the order of their paths.
 struct text_files {
     zel::lang_store_guard store{zel::lang_store_new()};
     text_file *first = nullptr;
@@ -46,7 +46,7 @@ struct text_files {
     bool complete = store != nullptr; // false without memory
 };
 
-// A copy in a store; null without memory.
+// Copies a text into a store; null without memory.
 char *keep(lang_index *store, std::string_view text)
 {
     auto *copy = static_cast<char *>(zel::lang_store_allocate(store, text.size() + 1));
@@ -80,6 +80,7 @@ void add_file(text_files &files, std::string_view path)
         files.complete = false;
         return;
     }
+    // The name inside the file counts more than the file's own name.
     if (!zel::read_language(file->name, file->tag, file->row))
         zel::read_language(file->stem, file->tag, file->row);
     *files.end = file;
@@ -97,7 +98,8 @@ bool is_compiled(std::string_view name)
     return name.size() > std::strlen(zel::compiled_ending) && name.ends_with(zel::compiled_ending);
 }
 
-// The files of a folder and, with below, of the folders in it. False when it cannot be read.
+// Finds the files of a folder and, with below, of the folders in it. False when the folder cannot
+// be read.
 bool find_files(text_files &files, const char *folder, bool below)
 {
     const dir_list_guard names(dir_list_sort(dir_list(nullptr, folder, nullptr)));
@@ -112,6 +114,7 @@ bool find_files(text_files &files, const char *folder, bool below)
         else if (is_compiled(name) && is_kind(path.data(), S_IFREG))
             add_file(files, {path.data(), path.length()});
         else if (below && is_kind(path.data(), S_IFDIR))
+            // One level is enough, and no link can lead round and round.
             find_files(files, path.data(), false);
     }
     return true;
@@ -137,6 +140,7 @@ const char *wanted_languages()
     for (const char *name : {"LC_ALL", "LC_MESSAGES", "LANG"})
         if (locale[0] == '\0')
             locale = setting(name);
+    // Without a locale the C library does not look at LANGUAGE either.
     if (locale[0] == '\0' || is_no_language(locale))
         return "";
     const char *list = setting("LANGUAGE");
@@ -212,7 +216,7 @@ std::string_view code_of(const language_tag &tag)
     return tag.view().substr(0, tag.view().find_first_of("_@"));
 }
 
-// Whether one of the list's languages is that language, or near to it: it is taken there.
+// Whether the list names this language, or one that is near to it: then it is taken there.
 bool comes_later(std::string_view list, std::string_view code)
 {
     language_tag tag;
@@ -234,6 +238,7 @@ void take_language(const text_files &files, std::string_view name, std::string_v
     const std::string_view near = zel::near_language(code_of(wanted));
     language_tag choice;
     for (unsigned i = 0; zel::next_choice(wanted, i, choice); ++i)
+        // A near language that the user names later keeps its later place.
         if (near.empty() || choice.view() != near || !comes_later(others, near))
             take_first(files, taken, [&choice](const text_file &file) {
                 return file.tag.view() == choice.view();
@@ -269,6 +274,7 @@ lang_locale_t *describe(const text_file &file, const lang_handle_t &handle, lang
                                             0,
                                             0,
                                             nullptr};
+    // The first and the last slot are sentinels.
     for (std::int32_t slot = 1; slot < handle.count - 1; ++slot) {
         made->texts += 1;
         made->defaults += handle.lang[slot].is_default;
@@ -284,7 +290,7 @@ void release(lang_handle_t *handle)
     std::free(handle);
 }
 
-// A handle with the file and its record; null when it cannot be read or there is no memory.
+// Loads a file into a handle with its record; null when it cannot be read or without memory.
 lang_handle_t *load(const text_file &file)
 {
     lang_handle_t *handle = lang_new(file.path);
@@ -303,7 +309,7 @@ lang_handle_t *load(const text_file &file)
     return handle;
 }
 
-// The record of the first names that of the second, where it has one.
+// Chains the second handle behind the first, and the second one's record, if it has one.
 void chain(lang_handle_t *first, lang_handle_t *second)
 {
     zel::lang_link &link = zel::link_of(first->index);
@@ -361,6 +367,7 @@ lang_handle_t *lang_locale_new(const char *directory, const char *languages)
 
 const lang_locale_t *lang_locale_choose(const char *directory, const char *languages)
 {
+    // Several threads may come here at once: only the first one loads.
     pthread_mutex_lock(&loading);
     lang_handle_t *handle = nullptr;
     if (__atomic_load_n(&lang.loaded, __ATOMIC_ACQUIRE) == 0)
@@ -416,6 +423,7 @@ int lang_locale_chain(lang_handle_t *first, lang_handle_t *second)
     if (first->loaded == 0 || first->index == nullptr || first->import_mode != 0 ||
         (second != nullptr && second->import_mode != 0))
         return 1;
+    // A chain that leads back to its start would never end.
     for (const lang_handle_t *one = second; one != nullptr;
          one = one->index == nullptr ? nullptr : zel::link_of(one->index).next)
         if (one == first)

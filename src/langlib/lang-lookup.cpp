@@ -19,8 +19,8 @@ void log_missing(const char *group, const char *item, const char *file, int line
              or_null(file), line, or_null(group), or_null(item));
 }
 
-// The slot that answers, or null. A pair without one of its names has none, and an entry without a
-// text counts as missing.
+// Returns the slot that answers, or null. A pair that lacks one of its names has none, and an entry
+// without a text counts as missing.
 const lang_text_t *find_text(const lang_handle_t *handle, const char *group, const char *item)
 {
     if (group == nullptr || item == nullptr)
@@ -29,8 +29,8 @@ const lang_text_t *find_text(const lang_handle_t *handle, const char *group, con
     return text != nullptr && text->value != nullptr ? text : nullptr;
 }
 
-// What the chain of a handle has for a text that the handle lacks, or (the stand-in) has of the
-// default language only. A stand-in is better than none.
+// Asks the chain of a handle for a text that the handle lacks, or has only as a stand-in from the
+// default language. A stand-in is better than none.
 const lang_text_t *ask_chain(const lang_handle_t *handle, const lang_text_t *stand_in,
                              const char *group, const char *item)
 {
@@ -54,7 +54,7 @@ const char *__lang_get_str(lang_handle_t *handle, const char *group, const char 
 {
     if (handle == nullptr)
         handle = &lang;
-    // Once this is set, all that the handle holds is complete, whichever thread loaded it.
+    // Once this is set, everything in the handle is complete, whichever thread loaded it.
     if (__atomic_load_n(&handle->loaded, __ATOMIC_ACQUIRE) == 0)
         return untranslated(item);
     const lang_text_t *text = find_text(handle, group, item);
@@ -68,6 +68,7 @@ const char *__lang_get_str(lang_handle_t *handle, const char *group, const char 
             *found = 0;
         return untranslated(item);
     }
+    // An import takes only texts of the language itself.
     if (handle->import_mode != 0 && text->is_default == 1)
         return nullptr;
     if (found != nullptr)
@@ -99,6 +100,7 @@ const char *_lang_str(const char *group, const char *item, const char *file, int
 std::int32_t lang_check_string(const char *group, const char *item)
 {
     const char *text = _lang_get_string(group, item, nullptr, 0);
+    // Compares the pointers: a translation may read like its item.
     return item != nullptr && text != item ? 1 : 0;
 }
 
@@ -111,6 +113,7 @@ zel_info_t *_lang_get_info(lang_handle_t *handle, zel_info_t **record, std::int3
     zel_info_t *info = record != nullptr && *record != nullptr ? *record : zel_info_new();
     if (info == nullptr)
         return nullptr;
+    // The record belongs to whoever gets the answer.
     if (record != nullptr)
         *record = nullptr;
     const char *activity_text = _lang_get_str(handle, group, activity, file, line);

@@ -12,8 +12,8 @@
 
 namespace {
 
-// The rule of a loaded handle's language, up to the end of its line in the table. Several threads
-// may come here at once: they find the same.
+// Returns the rule of a loaded handle's language, up to the end of its line in the table. Several
+// threads may come here at once: all of them find the same.
 std::string_view rule_of(const lang_handle_t *handle)
 {
     const char *&known = zel::link_of(handle->index).plural;
@@ -23,6 +23,7 @@ std::string_view rule_of(const lang_handle_t *handle)
         zel::language_row row;
         const bool found = handle->language != nullptr &&
                            zel::read_language(handle->language, tag, row) && !row.plural.empty();
+        // An empty line remembers that there is no rule, so that nobody looks for it again.
         rule = found ? row.plural.data() : "\n";
         __atomic_store_n(&known, rule, __ATOMIC_RELAXED);
     }
@@ -66,6 +67,7 @@ const char *lang_plural_of(lang_handle_t *handle, const char *text, std::int64_t
     const std::size_t position =
         zel::plural_form(rule_for(handle == nullptr ? &lang : handle, text, count), count,
                          number < 0 ? std::uint64_t{0} - bits : bits);
+    // The last form ends where the text ends, so it needs no copy.
     const std::string_view last = zel::text_form(all, count - 1);
     if (position + 1 == count)
         return last.data();

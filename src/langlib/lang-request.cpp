@@ -7,7 +7,7 @@
 
 namespace {
 
-// Takes a token of that kind; what it should have been is logged when it is another.
+// Takes a token of that kind; logs what was expected if it is of another.
 const zel_token_t *expect(zel_lex_t *lex, int kind, const char *expected)
 {
     const zel_token_t *token = zel_next_token(lex);
@@ -41,6 +41,7 @@ char *_zel_lex_lang_get(zel_lex_t *lex)
     const int line = static_cast<int>(zel_current_token(lex)->line);
     if (!read_string(lex, first) || !read_char(lex, ',', "','") || !read_string(lex, second))
         return nullptr;
+    // Two strings are group and item; with a third one the first only describes.
     if (lex_match(zel_token_look_ahead(lex, 1), ')') == 1) {
         zel_next_token(lex);
         return zel_strdup(_lang_get_string(first.get(), second.get(), zel_lex_get_file(lex), line));

@@ -17,9 +17,9 @@ namespace {
 
 constexpr std::size_t longest_name = 33;
 
-// The symbols of a list by their names, up to one of its nodes; what stands behind that is looked
-// through. Without it the search for a name, and for the end, would walk the list for every symbol
-// that is set. Empty when all its bytes are 0.
+// Finds the symbols of a list by their names, up to one of its nodes; those behind that node are
+// searched one by one. Without the index the search for a name, and for the end, would walk the
+// list for every symbol that is set. It is empty when all its bytes are 0.
 class symbol_index {
 public:
     void release() { std::free(slots_); }
@@ -102,6 +102,7 @@ void cover(zel_list *symbols)
         return;
     zel_list *node = index->last() == nullptr ? symbols : index->last()->next;
     for (; node != nullptr; node = node->next)
+        // Half an index would hide a symbol, so without memory there is none.
         if (!index->add(node))
             return drop_index(index);
 }
@@ -135,6 +136,7 @@ lang_sym_t *find_symbol(const zel_list *symbols, std::string_view name)
 
 const char *find_value(zel_list *symbols, std::string_view name)
 {
+    // A symbol of the caller's list hides the system's.
     const lang_sym_t *symbol = find_symbol(symbols, name);
     if (symbol != nullptr && symbol->value != nullptr)
         return symbol->value;
@@ -195,7 +197,7 @@ void lang_symbols_make()
     if (__atomic_load_n(&lang_symbols, __ATOMIC_ACQUIRE) != nullptr)
         return;
     zel_list *made = lang_sym_set(nullptr, "PERCENT", "%", LANG_SYM_SYSTEM);
-    // Another thread may have been quicker.
+    // Another thread may have been quicker: its list stays.
     if (!__atomic_compare_exchange_n(&lang_symbols, &none, made, false, __ATOMIC_ACQ_REL,
                                      __ATOMIC_ACQUIRE))
         lang_sym_free(made);
@@ -213,6 +215,7 @@ zel_list *lang_sym_set(zel_list *symbols, const char *name, const char *value, s
 {
     if (type == 0)
         type = LANG_SYM_APP;
+    // Copied first: it may be the value that the symbol has now.
     zel::string_guard value_copy(zel_strdup(value));
     if (!zel::is_copy(value_copy.get(), value))
         return symbols;
@@ -253,6 +256,7 @@ char *_lang_rep_sym(zel_list *symbols, const char *text)
 {
     if (text == nullptr || *text == '\0')
         return nullptr;
+    // Two walks, the first of which only measures, spare a growing buffer.
     std::size_t size = 1;
     substitute(symbols, text, [&size](std::string_view piece) { size += piece.size(); });
     char *result = static_cast<char *>(std::malloc(size));

@@ -117,10 +117,10 @@ void insertion_sort(sort_rows rows, std::size_t depth)
     }
 }
 
-// Where the rows of each byte value begin; one end more.
+// Where the rows of each byte value begin, and one end more.
 using buckets = std::array<std::uint32_t, byte_values + 1>;
 
-// Orders the rows by one byte and keeps the order of equal ones. False when they all have the same.
+// Orders the rows by one byte; equal ones keep their order. False when all have the same byte.
 bool distribute(sort_rows rows, sort_rows spare, std::size_t depth, buckets &starts)
 {
     starts.fill(0);
@@ -149,6 +149,7 @@ void sort_by_bytes(sort_rows rows, sort_rows spare, std::size_t depth)
             return insertion_sort(rows, depth);
         buckets starts;
         if (!distribute(rows, spare, depth, starts)) {
+            // All of these keys have ended, so they are equal.
             if (byte_at(rows[0], depth) == 0)
                 return;
             continue;
@@ -167,7 +168,7 @@ void sort_by_bytes(sort_rows rows, sort_rows spare, std::size_t depth)
     }
 }
 
-// So many rows in a row are no accident: such a file is searched without an index.
+// A walk over so many rows is no accident: such a file is searched without an index.
 constexpr std::uint32_t longest_walk = 128;
 
 std::uint64_t mix(std::uint64_t a, std::uint64_t b)
@@ -177,7 +178,7 @@ std::uint64_t mix(std::uint64_t a, std::uint64_t b)
     return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
 }
 
-// At most half full. False without memory.
+// Makes the index's rows, of which at most half will be used. False without memory.
 bool make_rows(lang_index *index, std::size_t keys)
 {
     const std::size_t size = std::bit_ceil(keys * 2);
@@ -190,7 +191,7 @@ bool make_rows(lang_index *index, std::size_t keys)
     return index->rows != nullptr;
 }
 
-// Where the walk for a hash begins. The bits that a row keeps of it are others.
+// Where the walk for a hash begins. It uses other bits than a row keeps.
 std::uint32_t first_row(const lang_index *index, std::uint32_t hash)
 {
     return (hash * 0x9E3779B1U >> 7 ^ hash) & index->mask;
@@ -214,8 +215,8 @@ bool same_key(const sort_row &a, const sort_row &b)
     return a.entry->hash == b.entry->hash && std::strcmp(a.entry->text.key, b.entry->text.key) == 0;
 }
 
-// From the rows of the table's slots 1 and on. Where it cannot be made, or a bisection serves
-// better, there are no index rows.
+// Builds the index from the rows, which stand in the table's slots from 1 on. Where it cannot be
+// made, or a bisection serves better, there are no index rows.
 void build_index(const lang_handle_t *handle, sort_rows rows)
 {
     lang_index *index = handle->index;
@@ -294,6 +295,7 @@ void *lang_store_allocate(lang_index *store, std::size_t size)
     size = (size + alignof(std::max_align_t) - 1) / alignof(std::max_align_t) *
            alignof(std::max_align_t);
     if (size > static_cast<std::size_t>(store->free_to - store->free_from)) {
+        // A large piece has a chunk of its own: what is left of the current one stays in use.
         if (size > store->next_size / 4)
             return add_chunk(store, size);
         char *memory = add_chunk(store, store->next_size);

@@ -21,8 +21,8 @@ constexpr std::array entities = {
     entity{'\'', "&apos;"}, entity{'"', "&quot;"},
 };
 
-// Control characters, which the markup formatter of GLib writes by their number too: all but the
-// tab, the line ends, and the next-line character.
+// Whether GLib's markup formatter writes the character by its number: all control characters but
+// the tab, the line ends and the next-line character.
 bool is_control(gunichar c)
 {
     return (c < 0x20 && c != '\t' && c != '\n' && c != '\r') ||
@@ -31,7 +31,8 @@ bool is_control(gunichar c)
 
 void print(FILE *stream, std::string_view text) { fwrite(text.data(), 1, text.size(), stream); }
 
-// What stands for a character; empty where it stands for itself. The area holds a number.
+// Returns what stands for a character; empty where it stands for itself. The area holds the text of
+// a number.
 std::string_view entity_of(gunichar c, char (&area)[16])
 {
     for (const entity &one : entities)
@@ -42,8 +43,8 @@ std::string_view entity_of(gunichar c, char (&area)[16])
     return {area, static_cast<std::size_t>(std::snprintf(area, sizeof area, "&#x%x;", c))};
 }
 
-// The text as XML character data, in runs that stand for themselves. Each byte that is no UTF-8
-// becomes U+FFFD.
+// Prints the text as XML character data, in runs that stand for themselves. Each byte that is not
+// UTF-8 becomes U+FFFD.
 void print_escaped(FILE *stream, const char *text)
 {
     constexpr auto incomplete = static_cast<gunichar>(-2);

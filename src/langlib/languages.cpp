@@ -117,7 +117,8 @@ bool all(std::string_view text, bool (*is)(char))
     return std::all_of(text.begin(), text.end(), is);
 }
 
-// A script of four letters, a territory of two letters or three digits; false for anything else.
+// Reads a script of four letters, or a territory of two letters or three digits; false for anything
+// else.
 bool read_part(std::string_view part, tag_parts &parts)
 {
     if (part.size() == 4 && all(part, is_letter) && parts.script[0] == '\0') {
@@ -194,7 +195,7 @@ bool read_parts(std::string_view rest, tag_parts &parts)
     } else if (!read_coded_parts(rest.substr(0, rest.find('.')), parts)) {
         return false;
     }
-    // A language in two scripts is told by its modifier in settings.
+    // Settings tell a language's script by its modifier.
     for (const script_name &one : scripts)
         if (one.is_modifier && std::strcmp(parts.script, one.script) == 0 &&
             parts.modifier[0] == '\0') {
@@ -220,7 +221,7 @@ void write_tag(language_tag &tag, std::string_view code, const char *script, con
         }
 }
 
-// Languages that are read instead of each other.
+// Languages that stand in for each other.
 struct near_pair {
     std::string_view wanted;
     std::string_view other;
@@ -252,6 +253,7 @@ bool find_language(std::string_view name, language_row &row)
         return false;
     for (std::string_view rest = languages; !rest.empty();) {
         std::string_view line = cut_at(rest, '\n');
+        // The columns of the table, in its order.
         for (std::string_view *field :
              {&row.code, &row.other_codes, &row.english, &row.own, &row.other_names, &row.plural})
             *field = cut_at(line, '\t');
@@ -264,6 +266,7 @@ bool find_language(std::string_view name, language_row &row)
 
 bool read_language(std::string_view name, language_tag &tag, language_row &row)
 {
+    // Each cut costs a walk through the table, so a name that long is none.
     constexpr std::size_t longest_name = 127;
     tag = {};
     row = {};

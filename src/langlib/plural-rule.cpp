@@ -89,7 +89,7 @@ struct edition {
     plural_forms forms;
 };
 
-// The first edition that has so many forms; without one its rule is empty.
+// Returns the first edition that has so many forms; one without a rule when there is none.
 edition edition_with(std::string_view rule, std::size_t count)
 {
     while (!rule.empty()) {
@@ -118,6 +118,7 @@ std::string_view plural_form_name(std::string_view rule, std::size_t form)
 std::size_t plural_form(std::string_view rule, std::size_t count, std::uint64_t number)
 {
     edition used = edition_with(rule, count);
+    // Where no edition has two forms, they are those of English: one and all others.
     if (used.rule.empty() && count == 2)
         used = {rule_of_two, {2, 2}};
     if (used.rule.empty())
@@ -125,12 +126,14 @@ std::size_t plural_form(std::string_view rule, std::size_t count, std::uint64_t 
     std::size_t position = 0;
     while (!used.rule.empty()) {
         const form one = take_form(used.rule);
+        // A text without the rare forms gives their numbers to a later one.
         if (one.is_rare && count != used.forms.all)
             continue;
         if (condition_holds(one.condition, number))
             break;
         ++position;
     }
+    // A number that meets no condition takes the last form.
     return std::min(position, count - 1);
 }
 

@@ -25,6 +25,7 @@ bool load_block(zel_lex_buf_t *buf)
     if (buf->stream != nullptr)
         buf->count =
             static_cast<std::uint32_t>(std::fread(buf->data, 1, buf->capacity, buf->stream));
+    // Keeps the errno of the first failed read: the caller asks for it much later.
     if (buf->count < buf->capacity && buf->read_error == 0 && zel_lex_buf_read_failed(buf) != 0)
         buf->read_error = errno;
     return buf->count != 0;
@@ -37,12 +38,14 @@ int read_file(zel_lex_buf_t *buf, void *)
     return buf->data[buf->index++];
 }
 
-// Follows a file that somebody still writes. The pause keeps an idle wait from eating a processor.
+// Follows a file that is still being written. The pause keeps an idle wait from using up a
+// processor.
 int read_file_tail(zel_lex_buf_t *buf, void *)
 {
     if (buf->stream == nullptr)
         return ZEL_LEX_EOF;
     while (buf->index >= buf->count && !load_block(buf)) {
+        // Otherwise the stream remembers the end of the file and never reads again.
         std::clearerr(buf->stream);
         usleep(1000);
     }
@@ -51,6 +54,7 @@ int read_file_tail(zel_lex_buf_t *buf, void *)
 
 std::uint64_t seek_memory(zel_lex_buf_t *buf, std::uint64_t offset)
 {
+    // Line and column stay as they are: nobody counts the line feeds on the way.
     buf->position = offset;
     buf->index = offset > buf->count ? buf->count : static_cast<std::uint32_t>(offset);
     buf->held = 0;
@@ -82,6 +86,7 @@ void set_reader(zel_lex_buf_t *buf, zel_lex_read_fn function)
 {
     buf->read_char = function;
     buf->read_context = nullptr;
+    // The scanner may take runs straight from the block: no client's function stands between.
     buf->direct = 1;
 }
 
@@ -115,7 +120,8 @@ zel_lex_buf_t *new_record()
     return buf;
 }
 
-// The system opens a directory for reading and only then has nothing to give.
+// Whether the stream is a directory: the system opens one for reading and only then has nothing to
+// give.
 bool is_directory(std::FILE *stream)
 {
     struct stat status {};
@@ -130,6 +136,7 @@ int buf_shared_next_char(zel_lex_buf_t *buf) { return take_char(buf); }
 
 int buf_shared_look_ahead(zel_lex_buf_t *buf)
 {
+    // 0 means that nothing is held, so a NUL byte that is looked at ahead is lost.
     if (buf->held == 0)
         buf->held = next_char(buf);
     return buf->held;
@@ -168,7 +175,7 @@ void zel_lex_buf_mem_set_buf(zel_lex_buf_t *buf, const void *data, std::uint32_t
     buf->kind = ZEL_LEX_BUF_MEMORY;
     buf->seek = seek_memory;
     set_reader(buf, read_memory);
-    // The block is only read; the record holds it like an own one.
+    // The block is only read; the record points to it as to one of its own.
     buf->data = static_cast<unsigned char *>(const_cast<void *>(data));
     buf->size = length;
     buf->count = length;
@@ -190,10 +197,12 @@ zel_lex_buf_t *zel_lex_buf_file_new(const char *path)
         LogPrint(1, "zel_lex_buf_file_new: ERROR not enough memory\n");
         return nullptr;
     }
+    // The stream comes later, through zel_lex_buf_file_set_fp.
     if (path == nullptr)
         return buf.release();
     buf->stream = zel_fopen(path, "rb");
     if (buf->stream == nullptr || is_directory(buf->stream)) {
+        // Freeing may change errno, which the caller reports.
         const int error = buf->stream == nullptr ? errno : EISDIR;
         LogPrint(1, "zel_lex_buf_file_new: ERROR open file >%s<\n", path);
         buf.reset();
@@ -208,6 +217,7 @@ void zel_lex_buf_file_set_fp(zel_lex_buf_t *buf, std::FILE *stream)
     if (buf == nullptr)
         return;
     close_stream(buf);
+    // The caller opened the stream, so the caller closes it.
     buf->stream = stream;
     buf->borrowed = 1;
     buf->count = 0;
@@ -231,6 +241,7 @@ int zel_lex_buf_set_read_char(zel_lex_buf_t *buf, zel_lex_read_fn function, void
 {
     buf->read_char = function;
     buf->read_context = context;
+    // From now on every character goes through the client's function.
     buf->direct = 0;
     return 0;
 }

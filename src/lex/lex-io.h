@@ -53,14 +53,14 @@ struct zel_lex_buf_t {
 // A memory buffer over the caller's block, which is neither copied nor owned.
 [[nodiscard]] zel_lex_buf_t *zel_lex_buf_mem_new(const void *data, std::uint32_t length);
 
-// Points a buffer at another block: own data and the file name are released, counters start anew.
+// Points a buffer at another block: own data and the file name are released, counters start again.
 void zel_lex_buf_mem_set_buf(zel_lex_buf_t *buf, const void *data, std::uint32_t length);
 
 // A file buffer; with a path it is opened. Null, logged, when the file cannot be opened (with
 // errno) or without memory. Without a path the buffer has no open file.
 [[nodiscard]] zel_lex_buf_t *zel_lex_buf_file_new(const char *path);
 
-// Reads from a stream that the caller opened and closes; counters start anew.
+// Reads from a stream that the caller opened and closes; counters start again.
 void zel_lex_buf_file_set_fp(zel_lex_buf_t *buf, std::FILE *stream);
 std::FILE *zel_lex_buf_file_get_fp(zel_lex_buf_t *buf);
 

@@ -13,7 +13,8 @@ int compare_words(const zel_lex_t *lex, const char *a, const char *b)
     return (lex->flags & LEX_KEYWORD_NOCASE) != 0 ? zel::compare_nocase(a, b) : std::strcmp(a, b);
 }
 
-// Letters differ in case by one bit; for a hash it may be dropped from every byte.
+// Letters differ in case by one bit. The hash drops that bit from every byte, so that words which
+// differ in case alone share a slot.
 unsigned word_hash(const char *word, std::size_t length)
 {
     const auto first = static_cast<unsigned char>(word[0] | 0x20);
@@ -30,6 +31,7 @@ int bisect_keyword(const zel_lex_t *lex, const char *word)
     unsigned mid = high / 2;
     for (;;) {
         const Keytab *row = lex->keywords[mid];
+        // Row 0, which is the scanner's, and a row without a word sort behind every word.
         const int order =
             mid == 0 || row->word == nullptr ? 1 : compare_words(lex, row->word, word);
         if (order == 0)
@@ -76,6 +78,7 @@ void build_keyword_hash(zel_lex_t *lex)
         return;
     for (unsigned i = 1; i < count; ++i) {
         const char *word = lex->keywords[i]->word;
+        // Of equal words the bisection may find any; the hash would always find the first.
         if (word == nullptr || *word == '\0' ||
             (i > 1 && compare_words(lex, lex->keywords[i - 1]->word, word) == 0))
             return;
@@ -90,6 +93,7 @@ void build_keyword_hash(zel_lex_t *lex)
 std::uint16_t count_keywords(const Keytab *table)
 {
     std::uint16_t count = 0;
+    // Row 0 counts without a look: its id is 0, like that of the row at the end.
     if (table != nullptr)
         do
             ++count;
@@ -97,11 +101,12 @@ std::uint16_t count_keywords(const Keytab *table)
     return count;
 }
 
-// Sorted by insertion: rows of equal words keep their order.
+// Sorts by insertion: rows of equal words keep their order.
 void sort_keywords(zel_lex_t *lex)
 {
     for (unsigned i = 2; i < lex->keyword_count; ++i) {
         const Keytab *row = lex->keywords[i];
+        // The rest stays as it is: build_keyword_hash leaves such a table to the bisection.
         if (row->word == nullptr)
             return;
         unsigned at = i;
@@ -120,6 +125,7 @@ namespace zel {
 bool build_keywords(zel_lex_t *lex, const Keytab *table)
 {
     const std::uint16_t count = count_keywords(table);
+    // One slot more, for the row that ends the table.
     auto **index = static_cast<const Keytab **>(std::calloc(count + 1U, sizeof(Keytab *)));
     if (index == nullptr)
         return false;

@@ -47,6 +47,7 @@ const char *zel_lex_get_file(zel_lex_t *lex)
 
 int lex_write_char(std::FILE *stream, int byte)
 {
+    // No text can hold a NUL.
     if (byte == 0)
         return 0;
     const char letter = zel::escape_letter(static_cast<unsigned char>(byte));
@@ -65,6 +66,7 @@ int lex_write_str(std::FILE *stream, const char *text, int n)
         std::fputs(" \"\"", stream);
         return 0;
     }
+    // The result counts the quotes, but not the blank before them.
     int written = 2;
     std::fputs(" \"", stream);
     for (int i = 0; text[i] != '\0' && (n < 1 || i < n); ++i)
@@ -77,7 +79,7 @@ namespace {
 
 constexpr int piece_limit = 1024;
 
-// Length of the next piece: through the separator, or as much as a piece holds.
+// Returns the length of the next piece: through the separator, or as much as a piece may hold.
 int piece_length(const char *text, char separator)
 {
     int n = 0;

@@ -36,6 +36,7 @@ constexpr std::array<unsigned char, 256> make_classes()
     std::array<unsigned char, 256> classes{};
     for (unsigned c = 0; c < 256; ++c) {
         const int byte = static_cast<int>(c);
+        // Each byte of a character beyond ASCII counts as a letter, in every locale.
         if (zel::is_letter(byte) || zel::is_digit(byte) || c == '_' || c >= 128)
             classes[c] |= in_ident;
         if (c != '"' && c != '\\' && c != '\n' && c != '\r')
@@ -174,12 +175,13 @@ int hex_value(int c)
 {
     if (c >= '0' && c <= '9')
         return c - '0';
+    // Both cases of a letter become the small one.
     const int lower = c | 0x20;
     return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
 
-// The byte that the two characters after \x stand for; what "%x" makes of them where they are no
-// digits.
+// Returns the byte for the two characters after \x; where they are no digits, what "%x" makes of
+// them.
 int hex_byte(int high, int low)
 {
     const char digits[] = {static_cast<char>(high), static_cast<char>(low), '\0'};
@@ -211,7 +213,7 @@ int string_escape(int letter)
     }
 }
 
-// What one escape did to the string: goes on, or the kind that ends it.
+// What one escape did to the string: this, or the kind of token that ends it.
 constexpr int string_goes_on = 0;
 
 int scan_hex_escape(zel_lex_buf_t *buf, zel_token_t *token)
@@ -232,6 +234,7 @@ int scan_string_escape(zel_lex_t *lex, zel_token_t *token)
     if (letter == 'x' || letter == 'X')
         return scan_hex_escape(buf, token);
     if (letter == '\n' || letter == '\r') {
+        // A backslash at the start of the next line belongs to the line break.
         if (peek_char(buf) == '\\')
             next_char(buf);
         return string_goes_on;
@@ -319,6 +322,7 @@ int scan_character(zel_lex_t *lex)
     }
     if (c == ZEL_LEX_EOF)
         return finish(token, TOKEN_EOF);
+    // The token's text is the character's number.
     token->length = static_cast<std::uint32_t>(
         std::snprintf(token->lexeme, static_cast<std::size_t>(token->capacity), "%d", c));
     return finish(token, next_char(lex->buf) == '\'' ? TOKEN_CHAR : TOKEN_NUMBER);
@@ -328,6 +332,7 @@ int scan_identifier(zel_lex_t *lex, int first)
 {
     zel_token_t *token = lex->work;
     bool fits = add_byte(token, first);
+    // A run ends with its block; the identifier may go on in the next one.
     do
         fits = fits && add_run(lex->buf, token, find_ident_end);
     while (fits && is_class(peek_char(lex->buf), in_ident) && add_byte(token, next_char(lex->buf)));
@@ -337,7 +342,7 @@ int scan_identifier(zel_lex_t *lex, int first)
     return finish(token, find_keyword(lex, token->lexeme, token->length));
 }
 
-// A run of digits as a number, cut to 32 bits; the character after them is the result.
+// Reads a run of digits as a number, cut to 32 bits; returns the character after them.
 int read_digits(zel_lex_buf_t *buf, int first, std::uint32_t &number)
 {
     std::uint64_t value = 0;
@@ -359,6 +364,7 @@ void enter_marker_file(zel_lex_t *lex, const zel_token_t *name)
         lex->out_of_memory = 1;
         return;
     }
+    // The slot may still hold the name of a file that was left.
     std::free(lex->marker_files[lex->marker_count]);
     lex->marker_files[lex->marker_count] = copy;
     lex->buf->marker_file = lex->marker_count++;
@@ -384,6 +390,7 @@ void scan_line_marker(zel_lex_t *lex)
     while (c != '"' && c != ZEL_LEX_EOF)
         c = next_char(buf);
     for (c = c == '"' ? next_char(buf) : c; c != '"' && c != ZEL_LEX_EOF; c = next_char(buf))
+        // A name that is too long is read to its end and not kept: enter_marker_file refuses it.
         if (name->length <= marker_name_limit && !add_byte(name, c))
             lex->out_of_memory = 1;
     end_text(name);
@@ -394,8 +401,10 @@ void scan_line_marker(zel_lex_t *lex)
         c = read_digits(buf, c, flag);
     while (c != '\n' && c != ZEL_LEX_EOF)
         c = next_char(buf);
+    // A marker that the end of the file cuts off changes nothing.
     if (c != ZEL_LEX_EOF) {
         buf->marker_line = line;
+        // The preprocessor's flags: 1 enters a file, 2 returns to one, others do not change it.
         if (flag < 2)
             enter_marker_file(lex, name);
         else if (flag == 2)
@@ -416,11 +425,12 @@ int scan_pair(zel_lex_t *lex, int single, int second, int pair)
 int scan_number(zel_lex_t *lex, int first)
 {
     const int kind = lex->do_numeric(lex, first, 0);
+    // Errors are negative and keep their kind.
     return finish(lex->work,
                   kind > 0 && (lex->flags & LEX_NUMBER_ONE_KIND) != 0 ? TOKEN_NUMBER : kind);
 }
 
-// A "/": what kind of token it is, or string_goes_on after a comment.
+// After "/": returns the kind of the token, or 0 behind a comment.
 int scan_slash(zel_lex_t *lex)
 {
     zel_lex_buf_t *buf = lex->buf;
@@ -431,6 +441,7 @@ int scan_slash(zel_lex_t *lex)
     const bool closed = second == '*' ? skip_block_comment(buf) : skip_line_comment(buf);
     if (closed)
         return 0;
+    // Only a block comment can be cut: a line comment may well end with the file.
     lex->open_comment = second == '*' ? 1 : 0;
     return finish(lex->work, TOKEN_EOF);
 }
@@ -442,7 +453,7 @@ const unsigned char *skip_blanks(const unsigned char *p, const unsigned char *en
     return p;
 }
 
-// Takes the white space that stands next in the block, line feeds too where they are space.
+// Takes the white space that stands next in the block; line feeds, too, where they are space.
 void skip_white_space(zel_lex_t *lex)
 {
     zel_lex_buf_t *buf = lex->buf;
@@ -464,7 +475,8 @@ void skip_white_space(zel_lex_t *lex)
     }
 }
 
-// A sign is a token by itself, or another one together with the sign behind it. A kind of 0: none.
+// A sign is a token by itself, or together with the sign behind it another one. A byte with a kind
+// of 0 is no sign.
 struct sign {
     int behind = 0;
     int kind = 0;
@@ -484,7 +496,7 @@ constexpr auto signs = [] {
     return table;
 }();
 
-// Acts on one character: the kind of the token it begins, or 0 when it is passed over.
+// Acts on one character: returns the kind of the token it begins, or 0 when it is passed over.
 int scan_from(zel_lex_t *lex, int c)
 {
     switch (c) {
@@ -512,6 +524,7 @@ int scan_from(zel_lex_t *lex, int c)
     if (is_digit(c))
         return scan_number(lex, c);
     const sign &known = signs[static_cast<unsigned char>(c)];
+    // A byte without a meaning of its own begins an identifier, so that none is lost.
     if (known.kind == 0)
         return scan_identifier(lex, c);
     return known.behind == 0 ? finish(lex->work, c) : scan_pair(lex, c, known.behind, known.kind);
@@ -521,7 +534,7 @@ bool is_octal(int c) { return c >= '0' && c <= '7'; }
 bool is_hex(int c) { return hex_value(c) >= 0; }
 bool is_decimal_or_point(int c) { return is_digit(c) || c == '.'; }
 
-// Takes what follows of one class; says through seen whether the character came among it.
+// Takes the characters of one class that follow; sets seen if the given one is among them.
 bool add_while(zel_lex_t *lex, bool (*accepts)(int), int character, bool &seen)
 {
     while (accepts(peek_char(lex->buf))) {

@@ -27,18 +27,20 @@ void clear_token(zel_token_t *token)
 {
     token->id = 0;
     token->length = 0;
+    // lose_text has hidden the area; from here on the token may use it again.
     if (token->capacity == 0)
         token->capacity = token->room;
     token->lexeme[0] = '\0';
 }
 
-// The area stays the token's, so that a scanner goes on through its input however little memory
-// there is.
+// The token keeps its area, so that a scanner goes on through its input however little memory there
+// is.
 int lose_text(zel_lex_t *lex, zel_token_t *token)
 {
     lex->out_of_memory = 1;
     if (token->capacity != 0)
         token->room = token->capacity;
+    // Without capacity nothing more is added: half a text would pass for a whole one.
     token->capacity = 0;
     token->length = 0;
     token->lexeme[0] = '\0';
@@ -51,6 +53,7 @@ bool grow(zel_token_t *token, std::size_t n)
 {
     const std::size_t length = token->length;
     const std::size_t wanted = std::max(length + n + ZEL_LEX_LEXEME, length + length / 2);
+    // The capacity is an int.
     if (wanted > 0x7fffffff || token->capacity == 0)
         return false;
     char *grown = static_cast<char *>(std::realloc(token->lexeme, wanted));
@@ -63,7 +66,7 @@ bool grow(zel_token_t *token, std::size_t n)
 
 } // namespace zel
 
-// A client's own token function fills the text and knows nothing of its length.
+// A client's own token function fills the text without setting its length.
 static std::uint32_t length_of(const zel_token_t *token)
 {
     const std::size_t text = token->lexeme == nullptr ? 0 : std::strlen(token->lexeme);
@@ -74,6 +77,7 @@ int lex_token_cpy(zel_token_t *destination, const zel_token_t *source)
 {
     const std::uint32_t length = length_of(source);
     if (length != 0 && destination->capacity < source->capacity) {
+        // The old text is not needed, so nothing is copied into the new area.
         char *grown = static_cast<char *>(std::malloc(static_cast<std::size_t>(source->capacity)));
         if (grown == nullptr) {
             LogPrint(1, "lex_token_cpy: ERROR not enough memory\n");

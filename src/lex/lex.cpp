@@ -26,6 +26,7 @@ void start_scanner(zel_lex_t *lex, unsigned flags)
 void release_marker_files(zel_lex_t *lex)
 {
     for (char *&name : lex->marker_files) {
+        // The table is filled from its front.
         if (name == nullptr)
             break;
         std::free(name);
@@ -105,13 +106,14 @@ int zel_lex_start(zel_lex_t *lex)
     return 0;
 }
 
-// Tokens change hands by exchanging their areas, not by copying the text.
+// Tokens change places by exchanging their areas, so no text is copied.
 zel_token_t *zel_next_token(zel_lex_t *lex)
 {
     if (lex == nullptr)
         return nullptr;
     if (lex->ahead->id != 0) {
         std::swap(*lex->current, *lex->ahead);
+        // An id of 0 marks the place as empty; its area stays.
         lex->ahead->id = 0;
     } else {
         lex->get_token(lex);
@@ -122,6 +124,7 @@ zel_token_t *zel_next_token(zel_lex_t *lex)
 
 zel_token_t *zel_token_look_ahead(zel_lex_t *lex, int)
 {
+    // The scanner looks ahead by one token, whatever number is asked for.
     if (lex == nullptr)
         return nullptr;
     if (lex->ahead->id == 0) {
@@ -158,6 +161,7 @@ void zel_lex_set_buf(zel_lex_t *lex, zel_lex_buf_t *buf)
 {
     lex->buf = buf;
     lex->open_comment = 0;
+    // What was read ahead in the old buffer must not come first.
     empty_tokens(lex);
 }
 

@@ -17,7 +17,7 @@ namespace {
 using zel::is_digit;
 using zel::is_space;
 
-// Value of a hexadecimal digit; other characters count as the given number.
+// Value of a hexadecimal digit; any other character counts as the given number.
 unsigned hex_digit(char character, unsigned other)
 {
     if (is_digit(character))
@@ -36,7 +36,7 @@ std::int32_t decimal(const char *text)
 
 void out_of_memory(int line) { _zel_fatal("min_lex", line, "Not enough memory"); }
 
-constexpr unsigned not_hex = 255; // what the splitter takes a character for that is no digit
+constexpr unsigned not_hex = 255; // value that the splitter gives a character that is no digit
 
 void free_element(void *data)
 {
@@ -46,12 +46,13 @@ void free_element(void *data)
     std::free(element);
 }
 
-// val is null for an element without one.
+// Appends an element; without a value, val is null.
 bool append_element(zel::list_end &list, const char *id, const char *val)
 {
     auto *element = static_cast<min_lex_elem_t *>(std::calloc(1, sizeof(min_lex_elem_t)));
     if (element == nullptr)
         return false;
+    // An empty value is not the same as none: zel_strdup2 keeps it.
     *element = {zel_strdup2(id), zel_strdup2(val)};
     if (element->id != nullptr && (val == nullptr || element->val != nullptr) &&
         list.append(element))
@@ -60,7 +61,7 @@ bool append_element(zel::list_end &list, const char *id, const char *val)
     return false;
 }
 
-// Reads up to the separator, the assignment character or the end, where it returns.
+// Copies up to the separator, the assignment character or the end; returns where that stands.
 const char *read_id(const char *text, char separator, char assignment, char *id)
 {
     while (*text != '\0' && *text != assignment && *text != separator)
@@ -69,7 +70,7 @@ const char *read_id(const char *text, char separator, char assignment, char *id)
     return text;
 }
 
-// "%" and two characters are a byte; at the end of the text what is missing of them adds nothing.
+// "%" and two characters are one byte; at the end of the text, missing characters add nothing.
 const char *read_escape(const char *text, char *&val)
 {
     if (text[0] == '\0')
@@ -94,7 +95,7 @@ const char *read_val(const char *text, char separator, char *val)
     return text;
 }
 
-// One element and the separator behind it; null when it could not be kept.
+// Splits off one element and the separator behind it; null when it could not be kept.
 const char *split_element(zel::list_end &list, const char *text, char separator, char assignment,
                           char *id, char *val)
 {
@@ -116,7 +117,7 @@ zel_list *find(zel_list *list, const char *id)
     return list;
 }
 
-// The value of the node's element; null for no node and for no value.
+// The value of the node's element; null without a node or without a value.
 const char *value_of(zel_list *node)
 {
     return node == nullptr ? nullptr : static_cast<min_lex_elem_t *>(node->data)->val;
@@ -127,6 +128,7 @@ zel_list *remove_element(zel_list *list, zel_list *node)
     if (node == nullptr)
         return list;
     void *element = node->data;
+    // Removing a node forgets the end of its list, so that is asked for first.
     zel_list *last = zel::remembered_end(list);
     if (last == node)
         last = node->prev;
@@ -151,7 +153,7 @@ struct output {
 
 bool known_type(int type) { return type == MIN_LEX_TYPE_INT || type == MIN_LEX_TYPE_STR; }
 
-// Reads what follows the type. The fallback of an unknown type is passed over as a pointer.
+// Reads what follows the type. The fallback of an unknown type is skipped as a pointer.
 output read_output(output_args &args, int type)
 {
     output group{type, va_arg(args.list, void *), 0, nullptr};
@@ -162,7 +164,7 @@ output read_output(output_args &args, int type)
     return group;
 }
 
-// Stores a value (null: the fallback). A string stored before is released.
+// Stores a value, or for null the fallback. Frees a string that the first pass has stored.
 void store(const output &group, const char *value, bool stored_before)
 {
     if (group.type == MIN_LEX_TYPE_INT) {
@@ -176,12 +178,13 @@ void store(const output &group, const char *value, bool stored_before)
     *out = zel_strdup(value == nullptr ? group.str_fallback : value);
 }
 
-// First pass: every output gets its fallback. Returns how many did.
+// First pass: gives every output its fallback. Returns how many there are.
 int store_fallbacks(output_args &args, const char *id)
 {
     int count = 0;
     for (; id != nullptr; id = va_arg(args.list, const char *)) {
         const int type = va_arg(args.list, int);
+        // Nobody knows what follows an unknown type, so the walk ends.
         if (!known_type(type))
             break;
         const output group = read_output(args, type);
@@ -193,7 +196,7 @@ int store_fallbacks(output_args &args, const char *id)
     return count;
 }
 
-// Second pass: takes the elements out of the list. 0, or the number of the failure.
+// Second pass: takes the elements out of the list. Returns 0, or the number of the failure.
 std::int32_t store_values(output_args &args, const char *id, zel_list *&list, int stored)
 {
     for (int number = 1; id != nullptr && list != nullptr;
@@ -227,7 +230,7 @@ const char *skip_space(const char *text)
     return text;
 }
 
-// The inside of a quoted string and its closing quote, which may be missing.
+// Reads the inside of a quoted string and its closing quote, which may be missing.
 int read_quoted(const char **cursor, char *buffer, int size)
 {
     const char *text = *cursor;
@@ -247,7 +250,7 @@ int read_quoted(const char **cursor, char *buffer, int size)
     return result;
 }
 
-// A word needs two bytes more than its length, or one more when white space follows it.
+// A word needs two bytes more than its length, or one more if white space follows it.
 int read_word(const char **cursor, char *buffer, int size)
 {
     const char *text = *cursor;
@@ -287,6 +290,7 @@ bool split_msg(zel_list *&list, const char *text, char separator, char assignmen
     const string_guard id(static_cast<char *>(std::malloc(size)));
     const string_guard val(static_cast<char *>(std::malloc(size)));
     list_end end(list, remembered_end(list));
+    // Reported below, like an element that cannot be kept.
     if (!id || !val)
         text = nullptr;
     while (text != nullptr && *text != '\0')
@@ -358,6 +362,7 @@ zel_list *min_lex_split_msg_get_int_free(zel_list *list, const char *id, std::in
 {
     if (out == nullptr)
         return list;
+    // Set first: without the element get_int_free2 leaves the output as it is.
     *out = fallback;
     return min_lex_split_msg_get_int_free2(list, id, out);
 }
@@ -403,6 +408,7 @@ std::int32_t min_lex_split_msg_get_ext(const char *text, char separator, char as
     const int stored = store_fallbacks(args, id);
     va_end(args.list);
 
+    // Whatever fails from here on, every output has its fallback.
     zel_list *list = min_lex_split_msg(nullptr, text, separator, assignment);
     if (list == nullptr)
         return 1;
@@ -448,6 +454,7 @@ void min_lex_convert_percent_to_chars(char *text)
             *to++ = *from++;
             continue;
         }
+        // What the end of the text cuts off is dropped.
         if (from[1] == '\0' || from[2] == '\0')
             break;
         *to++ = static_cast<char>(hex_digit(from[1], 0) * 16 + hex_digit(from[2], 0));
@@ -509,6 +516,7 @@ int _min_lex_get_str_until_common(const char **cursor, char *buffer, std::size_t
         ++end;
     if (required && *end == '\0')
         return MIN_LEX_NOTHING;
+    // The cursor moves on even if the text turns out too long for the buffer.
     const bool behind = !required && *end != '\0' && *end == delimiter;
     *cursor = behind ? end + 1 : end;
     const auto length = static_cast<std::size_t>(end - start);
@@ -552,6 +560,7 @@ int zel_min_lex_get_int(const char **cursor, std::int32_t *out)
     *cursor = skip_space(*cursor);
     char digits[32];
     int count = 0;
+    // Digits beyond these stay in the text.
     while (is_digit(**cursor) && count < static_cast<int>(std::size(digits)) - 1)
         digits[count++] = *(*cursor)++;
     if (count == 0)
@@ -568,6 +577,7 @@ int zel_min_lex_find_char(const char **cursor, char character)
     const int result = zel_min_lex_match_char(cursor, character);
     if (result == MIN_LEX_FOUND)
         return result;
+    // Unlike zel_min_lex_match_char, it moves to the end when nothing is found.
     *cursor += std::strlen(*cursor);
     return MIN_LEX_AT_END;
 }
@@ -576,6 +586,7 @@ int zel_min_lex_match_char(const char **cursor, char character)
 {
     if (no_text(cursor))
         return MIN_LEX_NULL;
+    // strchr would find the closing NUL, which is no character of the text.
     const char *found = character == '\0' ? nullptr : std::strchr(*cursor, character);
     if (found == nullptr)
         return MIN_LEX_NOT_FOUND;
@@ -612,6 +623,7 @@ int zel_min_lex_get_line(std::FILE *stream, char *buffer, int size)
 {
     if (stream == nullptr || buffer == nullptr)
         return MIN_LEX_NULL;
+    // Without a size, the buffer has that of a word.
     if (size < 1)
         size = MIN_LEX_WORD;
     int length = 0;
@@ -625,9 +637,11 @@ int zel_min_lex_get_line(std::FILE *stream, char *buffer, int size)
             buffer[length] = '\0';
             return length;
         }
+        // Dropped everywhere, so that lines with CR LF read like others.
         if (character != '\r')
             buffer[length++] = static_cast<char>(character);
     }
+    // The rest of the line is left to the next call.
     buffer[length] = '\0';
     return MIN_LEX_TOO_LONG;
 }

@@ -32,6 +32,7 @@ std::string_view look_at_text(GList *texts, std::string &buffer)
 {
     if (texts == nullptr)
         return {};
+    // A text of one string, by far the most frequent, needs no copy.
     if (texts->next == nullptr)
         return view_of(static_cast<const char *>(texts->data));
     buffer.clear();
@@ -49,6 +50,7 @@ std::string_view without_end(std::string_view text)
 std::string reference_text(const LangSource &source, const item_t *item)
 {
     std::string text = text_of(find_entry(item->langs, source.default_lang));
+    // A blank text tells a translator nothing; the item's name, often the text in the code, does.
     return without_end(text).empty() ? or_empty(item->name) : text;
 }
 
@@ -57,6 +59,7 @@ void set_text(lang_entry_t *entry, std::string_view text)
     free_lang_entry_text(entry->texts);
     entry->texts = nullptr;
     list_tail lines(entry->texts);
+    // One string per line, with its line feed: the source file then shows a change line by line.
     while (!text.empty()) {
         const std::size_t end = text.find('\n');
         const std::string line(text.substr(0, end == std::string_view::npos ? end : end + 1));
@@ -77,6 +80,7 @@ void put_text(GList *&entries, const char *language, std::string_view text)
 
 std::string_view description_of(const item_t *item)
 {
+    // The writer puts "none" for a missing description.
     const std::string_view text = view_of(item->description);
     return text == "none" ? std::string_view() : text;
 }

@@ -7,7 +7,7 @@
 
 namespace {
 
-// A name read or copied from an empty string is null.
+// An empty name is stored as null when it is read or copied: both compare as equal.
 bool same_name(const char *name, const char *wanted)
 {
     return std::strcmp(zel::or_empty(name), wanted) == 0;
@@ -55,6 +55,7 @@ edit_t *new_group(const char *name)
 {
     edit_t *group = lang_alloc_edit();
     if (group == nullptr) {
+        // Both lines are deliberate: the messages are an interface.
         std::puts("insert_group: error alloc edit");
         std::puts("insert_item: error insert group");
         return nullptr;
@@ -68,11 +69,13 @@ item_t *new_group_item(LangSource *source, const char *name)
     item_t *item = alloc_item();
     if (item == nullptr) {
         std::puts("insert_item: error alloc item");
+        // Both lines are deliberate: the messages are an interface.
         std::puts("insert_item: error insert item");
         return nullptr;
     }
     item->name = zel_strdup(name);
     item->source = source;
+    // The item is kept even without its first text: the message is all that happens.
     if (!add_default_entry(item, source->default_lang, name))
         std::puts("insert_item: error insert item");
     return item;

@@ -15,7 +15,7 @@ bool same_name(const char *stored, const char *wanted)
     return std::strcmp(or_empty(stored), wanted) == 0;
 }
 
-// Of an item within its group.
+// Hash of an item's name, mixed with its group: the same names occur in many groups.
 std::uint32_t item_hash(std::uint32_t group, const char *name)
 {
     return hash_of(or_empty(name)) ^ group * 0x85EBCA6BU;
@@ -25,13 +25,14 @@ std::uint32_t item_hash(std::uint32_t group, const char *name)
 
 item_index::item_index(LangSource *source) : source_(source), group_tail_(source->groups)
 {
+    // Counts first: a table that grows step by step would move its rows again and again.
     std::size_t count = 0;
     for (const edit_t *group : each<edit_t>(source->groups))
         count += g_list_length(group->items);
     items_.reserve(count);
     item_names_.reserve(count);
     for (edit_t *group : each<edit_t>(source->groups)) {
-        // Only the first group of a name is ever looked into.
+        // Look-ups see only the first group of a name, and in it the first item of a name.
         if (find_group(or_empty(group->name)) != hash_index::none)
             continue;
         const std::uint32_t at = add_group(group);
@@ -82,7 +83,7 @@ indexed_item *item_index::find(const char *group, const char *item)
 indexed_item *item_index::insert(const char *group, const char *item)
 {
     if (find(group, item) != nullptr) {
-        insert_group_item(source_, group, item); // says that it is there
+        insert_group_item(source_, group, item); // prints that the item exists
         return nullptr;
     }
     std::uint32_t group_at = find_group(group);

@@ -21,6 +21,7 @@ int refuse(int result, const char *message)
 
 int check(const LangSource *source, const lang_handle_t *handle)
 {
+    // Numbers and texts are an interface: callers tell the cases apart by the number.
     if (source == nullptr)
         return refuse(1, "lang_import: ERROR Group null ptr\n");
     if (handle == nullptr)
@@ -50,13 +51,14 @@ void define(LangSource *source, const char *language)
     zel::string_guard file(zel_strdup_printf("%s%s", language, zel::compiled_ending));
     lang_t *lang = name == nullptr || file == nullptr ? nullptr : alloc_lang();
     if (lang == nullptr)
+        // Without memory the language stays undefined; its texts are imported all the same.
         return;
     lang->name = name.release();
     lang->file = file.release();
     source->langs = g_list_append(source->langs, lang);
 }
 
-// Without memory the item keeps what it has.
+// Copies first: without memory the item keeps the text that it has.
 void set_text(item_t *item, const char *language, const char *text)
 {
     zel::string_guard copy(zel_strdup(text));
@@ -68,6 +70,7 @@ void set_text(item_t *item, const char *language, const char *text)
         free_lang_entry_text(entry->texts);
         entry->texts = nullptr;
     } else {
+        // The doubled word is deliberate: the text is an interface.
         dbg_printf("      not found found, append\n");
         entry = alloc_lang_entry(language);
         if (entry == nullptr)
@@ -83,7 +86,7 @@ void import_item(const edit_t *group, item_t *item, lang_handle_t *handle)
         dbg_printf("  item UNKNOWN\n");
     else
         dbg_printf("  item >%s<\n", item->name);
-    // What has no name is never found; the lookup would take the empty name for it.
+    // Nothing without a name is ever found: the look-up would take null for the empty name.
     const bool named = group->name != nullptr && item->name != nullptr;
     std::int32_t found = 0;
     const char *text =

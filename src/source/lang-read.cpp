@@ -22,6 +22,7 @@ using zel::outcome;
 using zel::read_cause;
 using zel::read_how;
 
+// The name and the number are fixed parts of the text, not this file's own lines.
 void log_exit(int line) { LogPrint(1, "lang_read_file: ERROR(exit) %s:%d\n", "lang-read", line); }
 
 void log_failure(int number, int line, const char *path)
@@ -34,20 +35,22 @@ void log_failure(int number, int line, const char *path)
 
 zel_lex_buf_t *open_input(const char *path, std::string_view text)
 {
+    // A view without data asks for the file; an empty text is an empty source.
     return text.data() == nullptr
                ? zel_lex_buf_file_new(path)
                : zel_lex_buf_mem_new(text.data(), static_cast<std::uint32_t>(text.size()));
 }
 
-// Why a file that could not be opened could not be.
+// Tells why a file could not be opened.
 read_cause why_not_opened(const char *path)
 {
+    // If a folder on the way cannot be searched, the file may well exist: it is not absent.
     struct stat status;
     const bool there = stat(path, &status) == 0 || (errno != ENOENT && errno != ENOTDIR);
     return there ? read_cause::unreadable : read_cause::absent;
 }
 
-// One run over one file, in pieces.
+// One run over one source file. It goes piece by piece, so that a window can do other work between.
 class reading {
 public:
     reading(const char *path, const read_how &how);
@@ -68,12 +71,12 @@ private:
     source_guard source_;
     zel_lex_guard lex_;
     unsigned failed_before_ = 0;
-    read_how hearing_; // as was given, and loses_text_ is set
+    read_how hearing_; // the caller's, with a listener that sets loses_text_ as well
     bool loses_text_ = false;
     zel_lex_buf_guard buf_;
     std::optional<zel::statement_reader> reader_;
     outcome result_ = outcome::go_on;
-    read_cause cause_ = read_cause::syntax; // if it is not read
+    read_cause cause_ = read_cause::syntax; // why the file is not read, if it is not
     int number_ = 0;                        // of the message about the file itself
     int error_ = 0;
     bool is_done_ = false;
@@ -88,8 +91,10 @@ reading::reading(const char *path, const read_how &how) : shown_(path == nullptr
         log_exit(128);
         return;
     }
+    // Copies that failed before this run are no loss of this file.
     failed_before_ = zel::failed_copies();
     hearing_ = how;
+    // The caller keeps how alive as long as this run: the listener refers to it.
     hearing_.listener = [this, &how](const zel::read_message &message) {
         loses_text_ = loses_text_ || message.row->number == zel::read_nul_byte;
         if (how.listener)
@@ -101,6 +106,7 @@ reading::reading(const char *path, const read_how &how) : shown_(path == nullptr
         const int error = errno;
         not_read(zel::read_not_opened, error, why_not_opened(shown_));
     } else if (buf_->kind == ZEL_LEX_BUF_FILE && buf_->stream == nullptr) {
+        // Without a path there is a buffer, but no stream in it.
         not_read(zel::read_no_path, 0, read_cause::absent);
     } else {
         zel_lex_set_buf(lex_.get(), buf_.get());
@@ -128,10 +134,13 @@ void reading::end()
     if (zel_lex_buf_read_failed(buf_.get()) != 0) {
         not_read(zel::read_not_opened, buf_->read_error, read_cause::unreadable);
     } else if (zel::failed_copies() != failed_before_ || zel_lex_out_of_memory(lex_.get()) != 0) {
+        // The model has gaps: saving it would destroy texts that the file still has.
         cause_ = read_cause::memory;
         if (result_ == outcome::go_on)
             not_read(zel::read_not_opened, 0, read_cause::memory);
     } else if (loses_text_ && hearing_.to_write && result_ == outcome::go_on) {
+        // What stands behind the NUL byte is not in the model: a save would delete it from the
+        // file.
         result_ = outcome::give_up;
         cause_ = read_cause::unreadable;
     }
@@ -142,6 +151,7 @@ zel::read_answer reading::answer()
     if (!reader_)
         return {nullptr, zel::read_result::unreadable, read_cause::memory};
     if (result_ == outcome::go_on) {
+        // A file that was cut reads like a whole one, so this is a warning and no error.
         if ((buf_->stream != nullptr && zel::lacks_last_line(fileno(buf_->stream))) ||
             zel_lex_open_comment(lex_.get()) != 0)
             reader_->fail(zel::read_maybe_cut, {0, 0});
@@ -150,6 +160,7 @@ zel::read_answer reading::answer()
     }
     if (number_ != 0)
         reader_->fail(number_, {0, 0}, error_);
+    // Freeing the source writes log lines, and the line about the failure is the last one.
     source_.reset();
     lex_.reset();
     buf_.reset();
@@ -183,6 +194,7 @@ void note_source_directory(const char *path)
 
 void say_stopped()
 {
+    // The numbers are fixed parts of the texts, not this file's own lines.
     std::printf("lang_read_file: ERROR(exit) %s:%d\n", "lang-read", 303);
     log_exit(304);
 }
@@ -190,6 +202,7 @@ void say_stopped()
 read_answer read_source(const char *path, const read_how &how)
 {
     reading run(path, how);
+    // A step ends only when nothing is left, so this reads the whole file.
     while (run.step(UINT32_MAX)) {
     }
     return run.answer();
@@ -201,6 +214,7 @@ source_guard read_for_command(const char *path, bool to_write)
     read_answer answer =
         read_source(path, {lang_global.start_time, print_read_message, nullptr, {}, to_write});
     if (answer.result == read_result::stopped) {
+        // Status 0 is deliberate, although the source is not usable: scripts rely on it.
         say_stopped();
         lang_exit(0);
     }
@@ -215,6 +229,7 @@ void say_no_memory(const char *path, const read_answer &answer)
 }
 
 struct source_reading::state {
+    // The order counts: run refers to path and how, so they are made first and destroyed last.
     std::string path;
     read_how how;
     reading run;

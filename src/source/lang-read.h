@@ -48,8 +48,8 @@ struct read_answer {
 // Reads a file into a new source. Logs, prints nothing, never ends the process.
 read_answer read_source(const char *path, const read_how &how);
 
-// The same in pieces, for who must not be held up. What how points to, text and places, is there
-// until the end.
+// The same in pieces, for a window that has to react between them. Whatever how points to, text and
+// places, must outlive this object.
 class source_reading {
 public:
     source_reading(const char *path, const read_how &how);
@@ -60,7 +60,7 @@ public:
     // Reads so many items and statements at most; false once there are no more.
     bool step(std::uint32_t pieces);
 
-    // What came of it, once; after the last step.
+    // Returns the answer. Call once, after the last step.
     read_answer answer();
 
 private:
@@ -71,10 +71,10 @@ private:
 // Files beside the source are found through lang_global's src_dir: set to the path's directory.
 void note_source_directory(const char *path);
 
-// What a command says after a stopped read, before it ends.
+// Prints what a command says after a stopped read, before it ends.
 void say_stopped();
 
-// One line on standard error, if that was the cause.
+// Prints one line on standard error if lack of memory was the cause.
 void say_no_memory(const char *path, const read_answer &answer);
 
 // read_source for commands: messages are printed by print_read_message, the source's directory is

@@ -16,7 +16,8 @@ namespace {
 
 constexpr const char *temporary = "lang.tmp";
 
-// What a save says of itself, and what it answers when it cannot be done.
+// Prints the messages of a save and builds the answer of one that fails. The texts and the numbers
+// in them are an interface; the cause stands beside them, on standard error.
 class telling {
 public:
     telling(const char *path, const zel::write_how &how)
@@ -65,7 +66,7 @@ private:
     std::FILE *to_;
 };
 
-// Whether the source itself bears the name of the temporary file.
+// Whether the source itself bears the name of the temporary file, which would then overwrite it.
 bool is_temporary_file(const zel::target_file &old)
 {
     return old.is_file() && zel::is_named(temporary, zel::id_of(old.status));
@@ -74,6 +75,7 @@ bool is_temporary_file(const zel::target_file &old)
 void append_source(zel::safe_file &file, const LangSource *source, const char *path,
                    const zel::write_how &how)
 {
+    // A large source is never in memory as one text.
     constexpr std::size_t worth_a_write = 256 * 1024;
     zel::source_text text(source, {how.name == nullptr ? path : how.name, how.only_lang_1,
                                    how.only_lang_2, true, nullptr});
@@ -87,7 +89,7 @@ void append_source(zel::safe_file &file, const LangSource *source, const char *p
     file.append(out);
 }
 
-// Writes the whole text to a new file and the disk. 0 or errno.
+// Writes the whole text to a new file and syncs it. Returns 0 or errno.
 int write_new_file(zel::safe_file &file, const LangSource *source, const char *path,
                    const zel::write_how &how, const zel::target_file &old)
 {
@@ -101,19 +103,21 @@ int write_new_file(zel::safe_file &file, const LangSource *source, const char *p
     return error;
 }
 
-// Keeps the old file and lets the new one take its place.
+// Backs up the old file and moves the new one to its place.
 zel::write_answer replace(zel::safe_file &file, const telling &tell, const zel::write_how &how,
                           const zel::target_file &old)
 {
     const auto may = [&how] { return !how.may_replace || how.may_replace(); };
+    // Asked before anything is done: a refusal leaves everything as it is.
     const int obstacle = how.backup ? zel::backup_obstacle(old) : 0;
     if (obstacle != 0)
         return tell.not_backed_up(zel::backup_name(old, how.now), obstacle);
-    // What can fail for want of room comes before anything happens to the old file.
+    // Whatever needs space on the disk happens before anything happens to the old file.
     if (const int error = file.approach(old)) {
         file.keep();
         return tell.not_renamed(error);
     }
+    // Until the end of this function, other programs that save into this folder wait.
     const zel::folder_turn turn(old.path);
     if (!may())
         return {zel::write_not_allowed, {}};
@@ -122,14 +126,17 @@ zel::write_answer replace(zel::safe_file &file, const telling &tell, const zel::
         kept = zel::make_backup(old, how.now);
     if (kept.error != 0)
         return tell.not_backed_up(kept.path, kept.error);
-    // The name may have had to wait for another second, or the turn was taken away.
+    // Asks again: the backup may have waited a second for a free name, and the turn may have been
+    // lost meanwhile.
     if (!kept.moved && !may()) {
         zel::undo_backup(kept, old);
         return {zel::write_not_allowed, {}};
     }
     if (const int error = file.put(old)) {
+        // First the old file gets its name back, then the failure is told.
         if (how.backup)
             zel::undo_backup(kept, old);
+        // The new text stays in its own file, so that the user does not lose it.
         file.keep();
         return tell.not_renamed(error);
     }
@@ -151,6 +158,8 @@ write_answer write_source(const char *given, LangSource *source, const write_how
     const target_file old = find_target(path, links::follow);
     if (old.refusal != 0)
         return tell.refused(old, how.now);
+    // The file's head bears the new time, so the model has it before the file is written. A save
+    // that fails gives the model its old time back.
     const std::int64_t mtime = source->mtime;
     if (!how.keep_mtime)
         source->mtime = how.now;

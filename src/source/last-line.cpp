@@ -16,7 +16,7 @@ namespace {
 constexpr std::string_view before_path = "\n/* EOF ";
 constexpr std::string_view behind_path = " */";
 
-// The end of the file, as much as the line can be long; nothing when it cannot be read.
+// Reads the end of the file, as far back as the last line can reach; nothing when that fails.
 std::optional<std::string> read_end(int file)
 {
     constexpr off_t longest_name = 8192; // of the path in that line
@@ -32,7 +32,7 @@ std::optional<std::string> read_end(int file)
     return text;
 }
 
-// What append_comment wrote.
+// Turns back what append_comment did.
 std::string read_comment(std::string_view text)
 {
     std::string out;
@@ -47,6 +47,8 @@ std::string read_comment(std::string_view text)
 
 bool lacks_last_line(int file)
 {
+    // Only files that this program wrote have the line, so only they can lack it. In step with the
+    // first line in source_text::append_head.
     constexpr std::string_view head = "/* !!!! DO NOT EDIT";
     std::string first(head.size(), '\0');
     if (pread(file, first.data(), first.size(), 0) < 0 || first != head)

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr std::size_t searched_bytes = 4191; // of a line
+constexpr std::size_t searched_bytes = 4191; // of a line; the rest of a longer one is not searched
 
 bool is_blank_line(const char *line)
 {
@@ -49,6 +49,8 @@ void misc_remove_empty_lines(lang_entry_t *entry)
 {
     if (entry == nullptr)
         return;
+    // Lines are emptied, not removed, from the end up to the last line with text. That one loses
+    // the blanks at its end.
     for (GList *node = g_list_last(entry->texts); node != nullptr; node = node->prev) {
         char *line = static_cast<char *>(node->data);
         if (line == nullptr)

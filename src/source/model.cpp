@@ -7,7 +7,7 @@
 
 namespace {
 
-// What finds no memory counts, so that a reader knows that it has missed something.
+// A record that finds no memory is counted, so that a reader knows that something is missing.
 template <class T>
 T *alloc_zeroed()
 {
@@ -45,6 +45,7 @@ LangSource *lang_alloc_group()
     source->colwidth_group = 200;
     source->colwidth_item = 200;
     source->colwidth_ctrl = 300;
+    // The same words that the writer puts for a missing value.
     source->app = zel_strdup("unknown");
     source->default_lang = zel_strdup("english");
     return source->app != nullptr && source->default_lang != nullptr ? source.release() : nullptr;

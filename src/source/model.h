@@ -88,7 +88,7 @@ struct LangSource {
 [[nodiscard]] lang_t *alloc_lang();
 [[nodiscard]] lang_entry_t *alloc_lang_entry(const char *lang); // null stays null
 
-// Releases; a null list or record is ignored. Those that take an address set the pointer to null.
+// Free a list or record; null is ignored. Those that take an address set the pointer to null.
 void free_lang_entry_text(GList *texts);
 void free_lang_entry_list(GList *entries);
 void free_lang_list(GList *langs); // closes open streams; logs

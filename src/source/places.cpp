@@ -7,6 +7,8 @@ namespace zel {
 
 place source_places::of(const void *record) const
 {
+    // Records are mostly asked for in the order in which they were read: the neighbours of the last
+    // hit are tried before the sorted copy.
     constexpr std::size_t near = 64; // an item's entries stand together
     const std::size_t end = std::min(found_.size(), cursor_ + near);
     for (std::size_t at = cursor_ < near ? 0 : cursor_ - near; at < end; ++at) {
@@ -15,6 +17,7 @@ place source_places::of(const void *record) const
             return found_[at].at;
         }
     }
+    // std::less orders any two pointers; "<" promises nothing for records of different blocks.
     const auto before = [](const row &a, const row &b) {
         return std::less<const void *>{}(a.record, b.record);
     };

@@ -8,6 +8,7 @@
 
 namespace {
 
+// Texts are written in pieces of at least this size: a write for each line takes much longer.
 constexpr std::size_t large_text = 256 * 1024;
 
 } // namespace
@@ -40,6 +41,7 @@ void append_quoted(std::string &out, unsigned indent, const char *text)
 void append_comment(std::string &out, std::string_view text)
 {
     for (std::size_t end = text.find("*/"); end != std::string_view::npos; end = text.find("*/")) {
+        // "*\/" ends no comment; read_comment in last-line.cpp turns it back.
         out.append(text.substr(0, end + 1)).append("\\/");
         text.remove_prefix(end + 2);
     }
@@ -52,12 +54,14 @@ void append_format(std::string &out, const char *format, ...)
     va_start(args, format);
     std::va_list again;
     va_copy(again, args);
+    // Nearly every text fits here; a longer one is formatted again, straight into its place.
     std::array<char, 256> area;
     const int length = std::vsnprintf(area.data(), area.size(), format, args);
     va_end(args);
     if (length > 0 && static_cast<std::size_t>(length) < area.size()) {
         out.append(area.data(), static_cast<std::size_t>(length));
     } else if (length > 0) {
+        // vsnprintf needs room for its closing NUL, which is removed afterwards.
         const std::size_t before = out.size();
         out.resize(before + static_cast<std::size_t>(length) + 1);
         std::vsnprintf(out.data() + before, static_cast<std::size_t>(length) + 1, format, again);

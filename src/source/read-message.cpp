@@ -116,12 +116,14 @@ std::span<const read_message_row> read_messages() { return rows; }
 
 const read_message_row &read_message_of(int number)
 {
+    // Every caller passes a number of this table: the last row is only the end of the search.
     return *std::find_if(std::begin(rows), std::end(rows) - 1,
                          [=](const read_message_row &row) { return row.number == number; });
 }
 
 const char *read_failure(const read_message &message)
 {
+    // For this message, kind is the errno of the failed call.
     return message.row->number == read_not_opened && message.kind != 0 ? std::strerror(message.kind)
                                                                        : nullptr;
 }
@@ -135,6 +137,7 @@ void print_read_message(const read_message &message)
 {
     const read_message_row &row = *message.row;
     switch (row.number) {
+    // These two go to standard error: standard output carries only the texts that scripts know.
     case read_maybe_cut:
         std::fprintf(stderr, "lang: %s: %s\n", message.path, row.meaning);
         return;
@@ -143,6 +146,7 @@ void print_read_message(const read_message &message)
         return;
     case read_not_opened:
         std::printf(row.text, row.number, message.path);
+        // A missing file is told from the text above; any other cause is added.
         if (const char *why = read_failure(message); why != nullptr && message.kind != ENOENT)
             std::fprintf(stderr, "lang: %s: %s\n", message.path, why);
         return;

@@ -51,8 +51,8 @@ using read_listener = std::function<void(const read_message &)>;
 // that were written over it.
 bool is_loss(const read_message_row &row);
 
-// Prints it as the program does, on standard output. What this program alone says goes to standard
-// error: that a file may have been cut or holds a NUL byte, and why one cannot be read.
+// Prints the message on standard output. Three things go to standard error: that a file may have
+// been cut, that it holds a NUL byte, and why it cannot be read.
 void print_read_message(const read_message &message);
 
 // Why the file that the message is about cannot be read, in the system's words; null for any other

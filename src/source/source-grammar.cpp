@@ -43,7 +43,8 @@ enum keyword {
 };
 static_assert(key_mtime == 20029, "the ids show in messages");
 
-// What an integer can hold; more would come back with a sign, which no reader takes.
+// Limited to what 32 bits with a sign hold: a larger number would be written back with a minus
+// sign, which no reader takes.
 std::int32_t signed_number(const zel_token_t *token)
 {
     const long number = std::strtol(token->lexeme, nullptr, 10);
@@ -78,7 +79,7 @@ bool is_attribute(int key)
 
 namespace zel {
 
-// Row 0 is the scanner's, the last row ends the table.
+// Row 0 belongs to the scanner; a row without a word ends the table.
 const Keytab source_keywords[] = {
     {nullptr, 0},
     {"format", key_format},
@@ -139,6 +140,7 @@ outcome source_reader::read_time(std::int64_t &time, int message_number)
     const zel_token_t *token = next();
     if (token->id != TOKEN_DEC)
         return fail(message_number, token);
+    // Without a sign, as the writer puts it: good until 2106.
     time = unsigned_number(token);
     return outcome::go_on;
 }
@@ -155,6 +157,7 @@ outcome source_reader::read_string(char *&text, int message_number)
 
 const char *source_reader::text_of(const zel_token_t *token)
 {
+    // The scanner keeps NUL bytes, the model's C strings cannot: the listener hears of the loss.
     if (std::memchr(token->lexeme, '\0', token->length) != nullptr)
         fail(read_nul_byte, token);
     return token->lexeme;
@@ -187,6 +190,7 @@ outcome source_reader::read_entry(list_tail &entries, place start)
     lang_entry_t *entry = alloc_lang_entry(*token->lexeme == '\0' ? nullptr : text_of(token));
     if (entry == nullptr)
         return fail(945, token);
+    // Appended before its texts are read: after an error in them the item keeps what was read.
     entries.append(entry);
     note(entry, start);
     token = next();
@@ -260,6 +264,7 @@ outcome source_reader::read_attribute(item_t *item, int key)
     case key_ready:
         return read_number(item->ready, 731);
     case key_category:
+    // Both words fill one field; the writer knows only DESCRIPTION.
     case key_description:
         return read_string(item->description, 775);
     case key_ctime:
@@ -299,6 +304,7 @@ outcome source_reader::read_item(item_t *item, place start)
         fail(689, token);
         return fail(691, start);
     }
+    // The result is dropped on purpose: the closing brace alone decides whether the item counts.
     read_item_body(item);
     token = next();
     return token->id == '}' ? outcome::go_on : fail(701, token);
@@ -312,6 +318,7 @@ outcome statement_reader::add_item(place start)
     const outcome result = read_item(item.get(), start);
     if (result != outcome::go_on)
         return result;
+    // Only whole items are counted; the guard frees any other.
     if (item->used != 0)
         ++group->used;
     item->source = source;
@@ -339,8 +346,8 @@ outcome statement_reader::read_group_element()
     }
 }
 
-// GROUP STRING "{", and pieces follow: element ... "}". A name or brace that is none is said and
-// taken for it.
+// GROUP STRING "{", and pieces follow: element ... "}". If the name or the brace is missing, that
+// is reported, and the token in its place is taken for it.
 outcome statement_reader::begin_group(place start)
 {
     group = lang_alloc_edit();
@@ -393,6 +400,7 @@ void statement_reader::read_define_format(place at)
     const bool first = source->format == LANG_SOURCE_NONE;
     if (!first)
         fail(474, at);
+    // Any other word is taken, too, and has no effect.
     const int kind = next()->id;
     if (first && kind == key_ascii)
         source->format = LANG_SOURCE_ASCII;
@@ -474,7 +482,7 @@ outcome statement_reader::read_statement(const zel_token_t *token)
     }
 }
 
-// A statement, or one element or the end of the group that is being read.
+// Reads a statement, or one element or the end of the group that is open.
 outcome statement_reader::read_piece()
 {
     if (group == nullptr)

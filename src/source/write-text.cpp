@@ -37,6 +37,7 @@ void append_group_head(std::string &out, const edit_t *group)
 void append_group_end(std::string &out, const edit_t *group)
 {
     out += "}  /* end GROUP \"";
+    // A "*/" in the name must not end the comment.
     std::string name;
     zel::append_escaped(name, group->name);
     zel::append_comment(out, name);
@@ -73,6 +74,7 @@ void source_text::append_head(std::string &out) const
     append_format(out, "whatsnew %u\nctime %u\nmtime %u\n",
                   static_cast<unsigned>(source_->whatsnew), static_cast<unsigned>(source_->ctime),
                   static_cast<unsigned>(source_->mtime));
+    // Without a sign: good until 2106.
     out += "define format ";
     out += source_->format == LANG_SOURCE_UTF8 ? "utf8\n" : "ascii\n";
     append_statement(out, "app \"", source_->app == nullptr ? "unknown" : source_->app, "\"\n");
@@ -88,6 +90,7 @@ void source_text::append_languages(std::string &out) const
             continue;
         append_statement(out, "define file \"", lang->file, "\" lang \"");
         append_statement(out, "", lang->name, "\"");
+        // A selection has two languages, and the editor shows both of them.
         append_format(out, " %d %d %d\n", lang->value_1, lang->value_2,
                       selected_only_ ? 1 : lang->edit);
     }
@@ -102,6 +105,7 @@ void source_text::append_entries(std::string &out, const char *keyword, GList *e
             continue;
         if (entry->texts == nullptr && how_.leaves_out && how_.leaves_out(entry))
             continue;
+        // Trims the model itself, so that it agrees with the file after a save.
         if (how_.trim)
             misc_remove_empty_lines(entry);
         out.append("    ").append(keyword) += ' ';
@@ -116,6 +120,7 @@ void source_text::append_attributes(std::string &out, const item_t *item) const
 {
     append_statement(out, "    DESCRIPTION  \"",
                      item->description == nullptr ? "none" : item->description, "\"\n");
+    // CTIME has a sign, so from 2038 on a minus; read_item_ctime turns that back.
     append_format(out,
                   "    TYP       %d\n"
                   "    ROWHEIGHT %d\n"
@@ -150,8 +155,8 @@ void source_text::append_item(std::string &out, const edit_t *group, const item_
     out += "  }\n";
 }
 
-// An item, or the end of its group. The end of the lists is looked for only once it is reached:
-// they may have grown.
+// Appends an item, or the end of its group. Looks for the end of the lists only when it gets there:
+// they may have grown meanwhile.
 bool source_text::append_next(std::string &out, std::size_t &items)
 {
     const auto *group = static_cast<const edit_t *>(group_->data);
@@ -166,6 +171,7 @@ bool source_text::append_next(std::string &out, std::size_t &items)
         const auto *item = static_cast<const item_t *>(next->data);
         if (is_written(item))
             append_item(out, group, item);
+        // Items that are left out count, too: that bounds the time of a step.
         --items;
         return true;
     }

@@ -12,19 +12,19 @@
 namespace zel {
 
 struct text_how {
-    const char *name = nullptr;        // in the last line: where the text goes
+    const char *name = nullptr;        // the path for the last line
     const char *only_lang_1 = nullptr; // both given: these languages and no other
     const char *only_lang_2 = nullptr;
-    bool trim = true; // white space at the end of texts goes, out of the source too; else the
-                      // source is only read
+    bool trim = true; // white space at the end of texts is removed, from the source as well; else
+                      // the source is only read
     std::function<bool(const lang_entry_t *)> leaves_out; // entries of no text that are not written
 };
 
-// Between two pieces the source may get other texts, and entries, items or groups more; what was
-// passed by is not looked at again. Groups and items must not go.
+// Between two pieces texts of the source may change, and entries, items and groups may be added;
+// what has been written is not looked at again. No group or item may be removed.
 class source_text {
 public:
-    // Nothing is copied; all of it must last.
+    // Copies nothing: source and names must outlive this object.
     source_text(const LangSource *source, text_how how);
 
     // Appends the next pieces with that many items, or to the end: false when that was appended.

@@ -7,7 +7,7 @@
 
 namespace zel {
 
-// Takes the text up to the sign, or all of it, off the rest; the sign goes, too.
+// Takes the text up to the sign, or all of it, off the rest, and the sign with it.
 inline std::string_view cut_at(std::string_view &rest, char sign)
 {
     const std::size_t end = std::min(rest.find(sign), rest.size());

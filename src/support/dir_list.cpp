@@ -21,11 +21,13 @@ using dir_guard = std::unique_ptr<DIR, zel::release<close_dir>>;
 
 dir_guard open_dir(const char *path)
 {
+    // A null path counts as a missing folder, so that the log has an errno to show.
     errno = path == nullptr ? ENOENT : 0;
     return dir_guard(path == nullptr ? nullptr : opendir(path));
 }
 
-// The next entry's name without "." and ".."; null at the end. Lives until the next call.
+// Returns the next entry's name without "." and ".."; null at the end. The name is valid until the
+// next call.
 const char *next_entry(DIR *dir)
 {
     while (const dirent *entry = readdir(dir))
@@ -58,7 +60,7 @@ enum {
     CRE_GO_ON = -1 // not a result: the next token is due
 };
 
-// The path as far as it exists, one name further, and what is left to do.
+// State of cre_dir: the path as far as it exists, one name further, and the text that is left.
 struct dir_maker {
     const char *cursor;
     std::string token; // room for every token; text of the one read last
@@ -109,9 +111,10 @@ int create(const dir_maker &maker)
     return zel_mkdir(maker.work.c_str(), 0774) == 0 ? CRE_GO_ON : not_created();
 }
 
-// A name has been added to the work path: the directory is there afterwards.
+// Call after a name has been added to the work path. Makes the directory if there is none.
 int make_sure(dir_maker &maker)
 {
+    // A path that is too long is not made: once cut, it would name another directory.
     if (maker.work.size() >= work_path_size)
         return not_created();
     const char *path = maker.work.c_str();
@@ -120,6 +123,7 @@ int make_sure(dir_maker &maker)
         if (const int result = create(maker); result != CRE_GO_ON)
             return result;
     } else {
+        // Only logged: the directory may be a mere step on the way.
         if (zel_access(path, W_OK) != 0)
             LogPrint(1, "cre_dir dir     ->%s<- INFO 10 no write access\n", path);
         if (zel_access(path, R_OK) != 0)
@@ -206,6 +210,7 @@ zel_list *dir_list(zel_list *list, const char *path, const char *ending)
         if (ending != nullptr && !std::string_view(name).ends_with(ending))
             continue;
         zel::string_guard copy(zel_strdup(name));
+        // Without memory the list ends early: callers use what there is.
         if (copy == nullptr || !end.append(copy.get()))
             break;
         static_cast<void>(copy.release());
@@ -261,6 +266,7 @@ int cd_next_token(const char **cursor, char *buffer)
     } else if (zel::is_separator(text[0]) && text[1] == text[0]) {
         kind = CD_NETWORK;
     } else if (text[0] == '.' && zel::is_separator(text[1])) {
+        // "./" names no directory of its own.
         kind = CD_SEPARATOR;
     } else if (zel::is_separator(text[0])) {
         kind = CD_SEPARATOR;

@@ -10,6 +10,7 @@
 #include <string>
 #include <unistd.h>
 
+// Paths need no conversion on this system.
 int zel_open(const char *path, int flags, mode_t mode) { return open(path, flags, mode); }
 
 std::FILE *zel_fopen(const char *path, const char *mode) { return std::fopen(path, mode); }
@@ -37,6 +38,7 @@ int _zel_unlink(const char *file, int line, const char *path)
         static constexpr char message[] = "zel_unlink: %s:%d ERROR  errno %d >%s<>%s<\n";
         LogPrint(1, message, file, line, error, path, std::strerror(error));
         std::fprintf(stderr, message, file, line, error, path, std::strerror(error));
+        // Printing may have changed errno, which callers look at.
         errno = error;
     }
     return result;
@@ -44,15 +46,17 @@ int _zel_unlink(const char *file, int line, const char *path)
 
 namespace {
 
-// Whether the number is a user's here. In a name space of few users the administrator outside and
-// everybody else there have one and the same number, which is nobody's here.
+// Whether the number is a user's in this process's name space. In a name space with few users, the
+// administrator outside and every other outsider share one number, which is nobody's here.
 bool has_user(uid_t user)
 {
     std::FILE *map = std::fopen("/proc/self/uid_map", "re");
     unsigned first = 0;
     unsigned count = 0;
+    // Without the map every number counts as a user's: the careful answer.
     bool found = map == nullptr;
     while (!found && std::fscanf(map, "%u %*u %u", &first, &count) == 2)
+        // Subtracted, because the sum might not fit.
         found = user >= first && user - first < count;
     if (map != nullptr)
         std::fclose(map);
@@ -67,6 +71,7 @@ file_stamp stamp_of(const char *path)
 {
     struct stat status {};
     if (stat(path, &status) != 0)
+        // A missing file is known to be missing; after any other error nothing is known.
         return {errno == ENOENT, {}, 0, 0, 0};
     return {true, id_of(status), status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
 }
@@ -74,6 +79,7 @@ file_stamp stamp_of(const char *path)
 bool has_changed(const char *path, const file_stamp &before)
 {
     const file_stamp now = stamp_of(path);
+    // A file that is missing now does not count as changed.
     return before.is_known && now.is_known && now.id != file_id{} && now != before;
 }
 
@@ -86,6 +92,7 @@ bool is_named(const char *path, const file_id &id)
 bool is_lost(const char *path, const file_id &id)
 {
     struct stat status {};
+    // After any other error than ENOENT the file may still have its name.
     return lstat(path, &status) == 0 ? id_of(status) != id : errno == ENOENT;
 }
 
@@ -96,6 +103,7 @@ bool is_there(const char *path)
     struct stat status {};
     if (path == nullptr)
         return false;
+    // After any other error something may be there that this user cannot see.
     return lstat(path, &status) == 0 ||
            (errno != ENOENT && errno != ENOTDIR && errno != ENAMETOOLONG);
 }
@@ -109,6 +117,8 @@ bool is_foreign_link(const char *path)
         return false;
     const std::size_t name = std::string_view(path).rfind('/') + 1; // 0 without a folder
     const std::string holder = std::string(path, name) + ".";
+    // A link of nobody's is trusted only in a folder of nobody's into which nobody else can write:
+    // such a link was made outside the name space, by its administrator.
     return has_user(link.st_uid) || stat(holder.c_str(), &folder) != 0 || has_user(folder.st_uid) ||
            (folder.st_mode & (S_IWGRP | S_IWOTH)) != 0;
 }
@@ -118,10 +128,11 @@ bool crosses_foreign_link(const char *path)
     std::array<char, PATH_MAX> part;
     const std::size_t length = std::strlen(path);
     if (length >= part.size())
-        return false; // the system does not take it
+        return false; // the system refuses such a path itself
     for (std::size_t end = 1; end <= length; ++end) {
         if (path[end] != '/' && path[end] != '\0')
             continue;
+        // One area serves all parts: each ends where its NUL is put.
         std::memcpy(part.data(), path, end);
         part[end] = '\0';
         if (is_foreign_link(part.data()))
@@ -139,6 +150,7 @@ void close_quietly(int fd)
 
 int open_fresh(const char *path, mode_t mode)
 {
+    // O_EXCL never opens what is there and follows no link at the end.
     return open(path, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
 }
 
@@ -155,8 +167,9 @@ int open_plain(const char *path, int flags)
     struct stat status {};
     if (lstat(path, &status) != 0)
         return -1;
-    // Asked before, because opening a device may already do something, and after, because it may be
-    // another file by then. A pipe would wait for its other end.
+    // Checked before opening, because opening a device may already do something, and after it,
+    // because the name may have become another file's. Without O_NONBLOCK a pipe would wait for its
+    // other end.
     errno = refusal_of(status);
     if (errno != 0)
         return -1;
@@ -184,6 +197,7 @@ int write_all(int fd, std::string_view data)
         const ssize_t written = write(fd, data.data(), data.size());
         if (written < 0 && errno == EINTR)
             continue;
+        // A write of no bytes would otherwise be repeated for ever.
         if (written <= 0)
             return written == 0 ? EIO : errno;
         data.remove_prefix(static_cast<std::size_t>(written));
@@ -193,7 +207,7 @@ int write_all(int fd, std::string_view data)
 
 int sync_file(int fd)
 {
-    // Some file systems have nothing to sync and say so.
+    // Some file systems have nothing to sync and say so: that is no failure.
     while (fsync(fd) != 0)
         if (errno != EINTR)
             return errno == EINVAL || errno == ENOTSUP || errno == ENOSYS ? 0 : errno;
@@ -219,6 +233,7 @@ int open_folder_of(const char *path)
 
 int sync_folder_of(const char *path)
 {
+    // After a power cut the new name exists only if its folder was written, too.
     const int fd = open_folder_of(path);
     if (fd < 0)
         return errno;

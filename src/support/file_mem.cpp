@@ -56,6 +56,7 @@ file_outcome read_whole(const char *path, char *&data, std::int64_t &count)
         return NOT_OPENED;
     zel::string_guard text(
         static_cast<char *>(std::malloc(static_cast<std::size_t>(status.st_size) + 2)));
+    // The file may have grown or shrunk since stat: what is read ends at the earlier size.
     if (text != nullptr)
         count = read_all(fd, text.get(), status.st_size);
     close(fd);

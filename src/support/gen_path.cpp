@@ -21,6 +21,7 @@ struct joined_path {
 
     bool add(std::string_view piece)
     {
+        // An empty piece fits even where there is no room.
         if (piece.size() >= limit - length)
             return piece.empty();
         std::memmove(buffer + length, piece.data(), piece.size());
@@ -85,6 +86,7 @@ int gen_path(char *buffer, int append, const char *first, ...)
     }
     if (append == 0)
         *buffer = '\0';
+    // Nobody knows the buffer's size here: the caller vouches for it.
     joined_path path{buffer, SIZE_MAX, std::strlen(buffer)};
     std::va_list args;
     va_start(args, first);
@@ -103,6 +105,7 @@ int gen_path_ext(char *buffer, int append, std::size_t size, const char *first, 
         return 1;
     if (append == 0)
         *buffer = '\0';
+    // The buffer need not hold a NUL within its size.
     const std::size_t length = strnlen(buffer, size);
     if (length >= size - 1 && length > 0)
         return 1;

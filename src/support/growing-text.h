@@ -40,7 +40,7 @@ public:
     const char *data() const { return data_; }
     std::size_t length() const { return length_; }
 
-    // Hands the text over, to be released with free, and begins anew.
+    // Hands the text over, to be released with free, and begins again with none.
     char *release()
     {
         char *text = data_;

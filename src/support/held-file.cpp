@@ -17,13 +17,14 @@ namespace {
 
 using std::chrono::steady_clock;
 
-constexpr auto patience = std::chrono::seconds(8); // with one who does not move
+constexpr auto patience = std::chrono::seconds(8); // with a holder that does nothing
 constexpr auto most_patience = std::chrono::minutes(5);
 
-// What a name that is taken turned out to be.
+// What became of a name that was taken.
 enum class taken { gone, held, stays };
 
-// Whether nobody holds a lock on the file. Where locks are not to be had, nobody does.
+// Whether this process has got the lock. On a file system without locks nobody else can hold one,
+// so that counts as having it.
 bool lock(int fd) { return flock(fd, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK; }
 
 taken remove_name(const char *path)
@@ -31,8 +32,9 @@ taken remove_name(const char *path)
     return unlink(path) == 0 || errno == ENOENT ? taken::gone : taken::stays;
 }
 
-// Removes what bears the name, unless somebody is at work. Whoever removes a file holds its lock
-// and has seen that it still bears the name, so that nobody removes what has just been made.
+// Removes the file of this name unless somebody is at work on it. Whoever removes a file holds its
+// lock and has checked that the name is still the file's, so nobody removes a file that has just
+// been made.
 taken remove_leftover(const char *path)
 {
     const int fd = zel::open_plain(path, O_RDONLY);
@@ -54,17 +56,18 @@ taken remove_leftover(const char *path)
     return result;
 }
 
-// Gives up a file that was just made. -1 with errno.
+// Removes a file that has just been made. Returns -1 with errno.
 int unmake(int fd, const char *path)
 {
     const int error = errno;
+    // First the name, then the lock: without the lock the name may become another process's.
     unlink(path);
     close(fd);
     errno = error;
     return -1;
 }
 
-// The process that holds a lock on the file, as far as the system tells; else 0.
+// Returns the process that holds a lock on the file, or 0 where the system does not tell.
 long holder_of(const struct stat &status)
 {
     std::FILE *locks = std::fopen("/proc/locks", "re");
@@ -84,29 +87,32 @@ long holder_of(const struct stat &status)
     return found;
 }
 
-// Waits for who holds a name, as long as somebody else does each time, or writes.
+// Waits while somebody holds a name. The patience starts again whenever the holder has changed or
+// has written.
 class waiting {
 public:
     explicit waiting(const char *path) : path_(path) {}
 
-    // A pause; false when waiting is no use any longer.
+    // Pauses. False when it is no use to wait any longer.
     bool go_on()
     {
         struct stat now {};
         const bool is_seen = lstat(path_, &now) == 0;
         if (!is_seen && errno == ENOENT)
             return true;
+        // Each write changes the file's ctime: the holder is at work.
         if (is_seen && (zel::id_of(now) != zel::id_of(seen_) || !is_same(now.st_ctim))) {
             moved_ = steady_clock::now();
             seen_ = now;
         }
+        // Most saves take milliseconds, so the first pauses are short.
         usleep(pause_);
         pause_ = std::min<useconds_t>(pause_ * 2, 30'000);
         return steady_clock::now() - moved_ < patience;
     }
     bool has_been_long() const { return steady_clock::now() - begin_ > most_patience; }
 
-    // After go_on has ended: takes the name from its holder.
+    // Call after go_on has returned false. Takes the name from its holder.
     taken take() const
     {
         const auto seconds = static_cast<int>(patience.count());
@@ -116,6 +122,7 @@ public:
         else
             std::fprintf(stderr, "lang: another program has held %s for %d seconds\n", path_,
                          seconds);
+        // If the name has a new holder, that one gets its own time.
         return zel::is_named(path_, zel::id_of(seen_)) ? remove_name(path_) : taken::gone;
     }
 
@@ -132,7 +139,7 @@ private:
     steady_clock::time_point moved_ = begin_;
 };
 
-// Lets those open the file who may write in the folder, and nobody else.
+// Lets everybody open the file who may write into the folder, and nobody else.
 void share_with_writers(int fd, const char *folder)
 {
     struct stat status {};
@@ -159,6 +166,7 @@ int create_held(const char *path, mode_t mode, wait_for how)
             return -1;
         if (fd >= 0) {
             struct stat status {};
+            // Without its number nobody could tell later whose file it is.
             if (fstat(fd, &status) != 0)
                 return unmake(fd, path);
             if (lock(fd) && !is_lost(path, id_of(status)))
@@ -174,6 +182,7 @@ int create_held(const char *path, mode_t mode, wait_for how)
         if (what == taken::held && !wait.go_on() && wait.take() == taken::stays)
             break;
     }
+    // The errno that tells callers of another program.
     errno = EAGAIN;
     return -1;
 }
@@ -192,6 +201,8 @@ folder_turn::~folder_turn()
     struct stat status {};
     if (fd_ < 0)
         return;
+    // The name goes before the lock, and only if it is still this turn's: another program may have
+    // lost patience and taken it.
     if (fstat(fd_, &status) == 0 && is_named(path_.c_str(), id_of(status)))
         unlink(path_.c_str());
     close_quietly(fd_);

@@ -22,7 +22,7 @@ void each_entry(const zel_info_t *info, Function &&function)
         function(*static_cast<const zel_info_entry_t *>(node->data));
 }
 
-// False, and the entry is released, without memory.
+// Appends the entry. Without memory it frees the entry and returns false.
 bool append(zel_info_t &info, zel_info_entry_t *entry)
 {
     zel::list_end end(info.entries, info.last);
@@ -75,6 +75,7 @@ zel_info_t *zel_info_add(zel_info_t **info, std::uint32_t level, std::uint32_t c
     if (*info == nullptr)
         return nullptr;
     auto *entry = zel_info_entry_new(level, code, modul, activity, msg, o_activity, o_msg);
+    // Without memory the message is lost; the record stays usable.
     if (entry == nullptr || !append(**info, entry))
         return *info;
     if (level > static_cast<std::uint32_t>((*info)->level)) {
@@ -89,6 +90,7 @@ int zel_info_add_entry(zel_info_t *info, zel_info_entry_t *entry)
 {
     if (info == nullptr || entry == nullptr)
         return 1;
+    // 0 even without memory: append has freed the entry, and the caller would free it again.
     append(*info, entry);
     return 0;
 }
@@ -155,6 +157,7 @@ void zel_info_free(zel_info_t *info)
 {
     if (info == nullptr)
         return;
+    // Whether anybody printed them or not, the messages are in the log.
     zel_info_log_print(info);
     zel_info_cleanup(info);
     std::free(info);

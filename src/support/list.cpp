@@ -11,7 +11,8 @@ std::uint32_t zel_list_free_count;
 
 namespace {
 
-// Without a lock: threads with lists of their own may meet here and a node go uncounted.
+// Counts without a lock: threads with lists of their own may meet here, and a node may go
+// uncounted.
 void count_one(std::uint32_t &counter)
 {
     const std::atomic_ref shared(counter);
@@ -38,12 +39,15 @@ known_list &slot_of(const zel_list *list)
 
 void release_node(zel_list *node)
 {
+    // Counted before the memory is returned: the address may come back as another list's head, and
+    // what is remembered of the old one must not hold any longer.
     releases.fetch_add(1, std::memory_order_relaxed);
     std::free(node);
     count_one(zel_list_free_count);
 }
 
-// Every release: cuts the list off the nodes before it, then lets go of data and node one by one.
+// Every release comes here: cuts the list off from the nodes before it, then frees data and nodes
+// one by one.
 template <class Release>
 void release_all(zel_list *list, Release &&release_data)
 {
@@ -85,6 +89,7 @@ zel_list *merge(zel_list *a, zel_list *b, int (*compare)(const void *, const voi
     zel_list head{};
     zel_list *last = &head;
     while (a != nullptr && b != nullptr) {
+        // Equal elements keep their order.
         zel_list *&taken = compare(a->data, b->data) > 0 ? b : a;
         last->next = taken;
         taken->prev = last;
@@ -183,6 +188,7 @@ namespace zel {
 zel_list *remembered_end(const zel_list *list)
 {
     const known_list &slot = slot_of(list);
+    // Any release since then may have freed the end.
     const bool holds = list != nullptr && slot.head == list &&
                        slot.releases == releases.load(std::memory_order_relaxed);
     return holds ? slot.last : nullptr;

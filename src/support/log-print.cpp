@@ -23,10 +23,12 @@ void print_to(std::FILE *stream, int level, const char *format, std::va_list arg
         fprint_time(stream);
         zel::fprint_thread(stream);
     }
+    // Printing uses up the arguments, and several outputs share them.
     std::va_list copy;
     va_copy(copy, args);
     std::vfprintf(stream, format, copy);
     va_end(copy);
+    // After a crash the log has every line.
     std::fflush(stream);
 }
 
@@ -102,6 +104,7 @@ void zel::print_and_log(int level, const char *format, ...)
     va_start(args, format);
     std::vprintf(format, args);
     va_end(args);
+    // Printing has used up the arguments.
     va_start(args, format);
     vfLogPrint(level, format, args);
     va_end(args);

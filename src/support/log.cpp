@@ -28,16 +28,17 @@ void print_end(std::FILE *stream)
     print_stamp_line(stream);
 }
 
-// A log is written where its path says and nowhere else: over no link, and over nobody else's on
-// the way there.
+// Whether somebody else's link on the way leads the log elsewhere: it is written where its path
+// says, or not at all.
 bool leads_elsewhere(const char *file)
 {
+    // The errno for the debug message that names this cause, too.
     errno = ELOOP;
     return zel::crosses_foreign_link(file);
 }
 
-// Moves the log of the run before, or a link of that name, out of the way; there need not be one.
-// Anything else stays.
+// Renames the log of the last run, or a link of that name, to ".old". Anything else stays where it
+// is.
 void rotate(const char *file)
 {
     struct stat status {};
@@ -48,7 +49,7 @@ void rotate(const char *file)
         return;
     zel_unlink(old.get());
     if (zel_rename(file, old.get()) != 0)
-        unlink(file); // it is made anew all the same
+        unlink(file); // a new log is made all the same
 }
 
 } // namespace
@@ -68,6 +69,7 @@ std::FILE *open_new_log(const char *file)
     if (leads_elsewhere(file))
         return nullptr;
     rotate(file);
+    // Fails if something has taken the name meanwhile: it is not this program's.
     return zel::stream_of(zel::open_fresh(file, 0666), "w+b");
 }
 

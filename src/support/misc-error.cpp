@@ -15,6 +15,7 @@ int report(const char *kind, const char *file, int line, const char *text)
 
 int _zel_fatal(const char *file, int line, const char *text)
 {
+    // A fatal error does not end the process here: the caller decides that.
     return report("FATAL", file, line, text);
 }
 

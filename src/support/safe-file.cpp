@@ -18,7 +18,8 @@ namespace {
 
 using std::chrono::steady_clock;
 
-// A full disk, or the user's limit on the size of files, is an error and no end.
+// While it lives, a write beyond the user's limit on the size of files fails, like one on a full
+// disk, instead of ending the process.
 class no_size_signal {
 public:
     no_size_signal() : before_(std::signal(SIGXFSZ, SIG_IGN)) {}
@@ -30,8 +31,8 @@ private:
     void (*before_)(int);
 };
 
-// Whether the open file stood at the place until another one took it: the system still knows by
-// which name it was reached last.
+// Whether the open file stood at the place until another file replaced it: the system still knows
+// the last name of the open file.
 bool was_at(int fd, const char *place)
 {
     std::error_code error;
@@ -44,7 +45,7 @@ bool was_at(int fd, const char *place)
     return !error && name.native() == (folder / path.filename()).native() + " (deleted)";
 }
 
-// What a name beside the path begins with.
+// Returns what every name beside the path begins with.
 std::string start_beside(const std::string &path)
 {
     constexpr std::size_t longest_name = 200;     // room for more letters in every file system
@@ -52,12 +53,15 @@ std::string start_beside(const std::string &path)
     return path.substr(0, name + std::min(path.size() - name, longest_name)) + ".";
 }
 
-// A name in the folder of the path. It need not be secret, as an exclusive creation follows it.
+// Returns a new name in the path's folder. It need not be secret, since the file is created
+// exclusively.
 std::string name_beside(const std::string &path)
 {
     constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyz0123456789";
     std::string beside = start_beside(path);
     std::array<unsigned char, 8> random{};
+    // Early after the start the system may have no random bytes. The clock will do: a name that is
+    // taken is tried again with another.
     if (getrandom(random.data(), random.size(), GRND_NONBLOCK) < 0)
         random[0] = static_cast<unsigned char>(steady_clock::now().time_since_epoch().count());
     for (const unsigned char byte : random)
@@ -65,13 +69,14 @@ std::string name_beside(const std::string &path)
     return beside;
 }
 
-// The folder, or what the place is, lets nobody put another file there.
+// Whether the error says that nobody can put another file there, because of the folder or of what
+// the place is.
 bool is_refused(int error)
 {
     return error == EACCES || error == EPERM || error == EROFS || error == EBUSY;
 }
 
-// Readable by others only once it is clear that they may.
+// Others may read the file only once it has the old one's mode.
 mode_t mode_at_first(const zel::target_file &old) { return old.is_file() ? 0600 : 0666; }
 
 } // namespace
@@ -112,6 +117,7 @@ int safe_file::create_beside(const target_file &old)
         path = name_beside(old.path);
         fd = open_fresh(path.c_str(), mode_at_first(old));
     }
+    // Nobody else aims at a random name: rename_to need not look for another file under it.
     is_own_name_ = true;
     return take(fd, std::move(path), old);
 }
@@ -122,9 +128,11 @@ int safe_file::create_output(const target_file &old, handle how)
         return error_ = error;
     writes_into_ = old.is_file();
     std::string path = start_beside(old.path) + "tmp";
+    // A file without a handle has no lock either, so it does not take the name that all share.
     const int fd =
         how == handle::rests ? -1 : create_held(path.c_str(), mode_at_first(old), wait_for::nobody);
     int error = fd >= 0 ? take(fd, std::move(path), old) : create_beside(old);
+    // Where no new file can be made, put() writes into the old one.
     if (writes_into_ && is_refused(error))
         error = error_ = 0;
     return error;
@@ -137,6 +145,7 @@ int safe_file::open_again()
     fd_ = open_plain(path_.c_str(), O_RDWR | O_APPEND);
     if (fd_ < 0)
         return errno;
+    // While no handle was open, another file may have taken the name.
     struct stat status {};
     if (fstat(fd_, &status) != 0)
         return errno;
@@ -145,6 +154,7 @@ int safe_file::open_again()
 
 int safe_file::append(std::string_view text)
 {
+    // No file beside the place: the text waits in memory until put() writes into the old file.
     if (path_.empty() && writes_into_) {
         held_ += text;
         return error_;
@@ -160,6 +170,7 @@ int safe_file::append(std::string_view text)
 
 void safe_file::rest()
 {
+    // Some file systems report a full disk only here.
     if (fd_ >= 0 && close(fd_) != 0 && error_ == 0)
         error_ = errno;
     fd_ = -1;
@@ -195,6 +206,7 @@ int safe_file::copy_from(int fd)
 
 int safe_file::copy_near(const target_file &old)
 {
+    // A renaming cannot cross file systems, so the text is copied to the target's first.
     near_ = std::make_unique<safe_file>();
     int error = near_->create_beside(old);
     if (error == 0)
@@ -213,7 +225,7 @@ int safe_file::approach(const target_file &old)
 {
     struct stat folder {};
     const std::string name = folder_part(old.path);
-    // A folder that cannot be looked at is none to copy to; the renaming will say why.
+    // If the folder cannot be examined, no copy is made: the renaming will report the cause.
     if (near_ != nullptr || stat(name.empty() ? "." : name.c_str(), &folder) != 0 ||
         folder.st_dev == id_.device)
         return 0;
@@ -222,14 +234,15 @@ int safe_file::approach(const target_file &old)
 
 int safe_file::rename_to(const char *place)
 {
+    // Somebody has taken the name: a stranger's file must not get into the place.
     if (is_lost(path_.c_str(), id_))
         return ESTALE;
     if (std::rename(path_.c_str(), place) != 0) {
         const int error = errno;
         return is_lost(path_.c_str(), id_) ? ESTALE : error;
     }
-    // Between the look and the renaming another file may have got a name that others use; and
-    // between the renaming and now another save may have followed this one.
+    // Between the look and the renaming another file may have got a name that others share. And
+    // after the renaming another save may already have replaced this file.
     return is_own_name_ || !is_lost(place, id_) || was_at(fd_, place) ? 0 : ESTALE;
 }
 
@@ -241,10 +254,11 @@ int safe_file::write_into(const std::string &place)
     if (into.fd_ < 0 || fstat(into.fd_, &status) != 0)
         return errno;
     if (status.st_nlink != 1)
-        return EACCES; // its other name may be one that somebody aims at
-    // First, so that whoever reads meanwhile sees no new text that goes over into an old one.
+        return EACCES; // a second name may be a trap: that file would change, too
+    // Empties the file first, so that whoever reads it meanwhile never sees new text run into old.
     if (ftruncate(into.fd_, 0) != 0)
         return errno;
+    // Either all of the text waited in memory, or it stands in the file that cannot be moved.
     into.append(held_);
     if (!path_.empty() && (into.error_ = open_again()) == 0)
         into.copy_from(fd_);
@@ -263,12 +277,13 @@ int safe_file::put(const target_file &old)
             return write_into(old.path);
         if (error == 0) {
             keep();
+            // The new file is in its place, whether or not its folder can be synced.
             if (how_ == synced::yes)
                 sync_folder_of(old.path.c_str());
             return 0;
         }
-        // Two views of one file system are two for renaming. And where the name was taken away, the
-        // text was not.
+        // Two mounts of one file system are two for renaming. And if the name was taken away, the
+        // open file still has the text.
         if ((error != EXDEV && error != ESTALE) || fd_ < 0)
             return error;
         error = copy_near(old);
@@ -277,6 +292,7 @@ int safe_file::put(const target_file &old)
     }
     const int error = near_->put(old);
     if (error == 0) {
+        // Callers ask for the id of the file that is in the place.
         const file_id id = near_->id_;
         drop();
         id_ = id;
@@ -293,6 +309,7 @@ void safe_file::keep()
 void safe_file::drop()
 {
     near_.reset();
+    // Another process may have taken the name: then the file is not this one's to remove.
     if (!path_.empty() && is_named(path_.c_str(), id_))
         unlink(path_.c_str());
     path_.clear();

@@ -26,6 +26,7 @@ char *copy_of(const char *text, std::size_t length)
 
 char *_zel_strdup(const char *text, const char *, int)
 {
+    // An empty text becomes null, as in the whole model; zel_strdup2 keeps the difference.
     if (text == nullptr || *text == '\0')
         return nullptr;
     char *copy = copy_of(text, std::strlen(text));
@@ -55,7 +56,7 @@ char *_zel_str_add(char *owned, const char *add, const char *file, int line)
         return _zel_strdup(add, file, line);
     const std::size_t length = std::strlen(owned);
     const std::size_t added = std::strlen(add);
-    // A part of the owned string moves with it.
+    // If the added text is a part of the owned string, it moves with that string.
     const auto at = reinterpret_cast<std::uintptr_t>(add) - reinterpret_cast<std::uintptr_t>(owned);
     char *grown = static_cast<char *>(std::realloc(owned, length + added + 2));
     if (grown == nullptr) {

@@ -88,6 +88,7 @@ int zel_str_replace_char(char *text, char from, char to)
 
 int zel_str_to_num(const char *text, const argv_tab_t *table)
 {
+    // No text, like a text that the table lacks, has the number of the closing row.
     while (table->word != nullptr && (text == nullptr || std::strcmp(table->word, text) != 0))
         ++table;
     return table->id;
@@ -122,6 +123,7 @@ char *zel_strdup_vprintf(const char *format, std::va_list args)
 
 int zel_path_to_unix(char *path) { return zel_str_replace_char(path, '\\', '/'); }
 
+// This system writes paths in the same way.
 int zel_path_to_os(char *path) { return zel_path_to_unix(path); }
 
 int zel_split_path_file(const char *path, char **dir, char **file)
@@ -138,6 +140,7 @@ int zel_split_path_file(const char *path, char **dir, char **file)
 char *zel_del_file_ext(char *path)
 {
     char *dot = path == nullptr ? nullptr : std::strrchr(path, '.');
+    // Neither a name that begins with a dot nor a dot in a folder's name has an ending.
     if (dot != nullptr && dot != path && std::strpbrk(dot, "/\\:") == nullptr)
         *dot = '\0';
     return path;

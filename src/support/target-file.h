@@ -26,11 +26,11 @@ enum class links { follow, replace };
 // folder of his. Otherwise it is refused with EACCES; what is no regular file, as by refusal_of.
 target_file find_target(const char *path, links how);
 
-// Why it is refused, in words.
+// Returns the reason for a refusal in words.
 const char *refusal_text(int refusal);
 
-// Why the file may not be written, or made where there is none, although another one could be put
-// beside its place: errno. 0: it may, as far as can be seen before.
+// Returns the errno for which the file cannot be written, or made if there is none, although a file
+// could be made beside its place. Returns 0 if it can, as far as that shows beforehand.
 int write_obstacle(const target_file &old);
 
 // Gives an open file the mode of the old one, its group and owner where the system lets it, its
@@ -41,8 +41,9 @@ void take_attributes(int fd, const target_file &old);
 // The old file's name with that time: path-YYYY-MM-DD-HH-MM-SS.bak.
 std::string backup_name(const target_file &old, std::int64_t time);
 
-// Why the folder does not let go of the old file's name, so that it can be neither kept under
-// another one nor replaced: errno. 0: it does, as far as can be seen before, or there is none.
+// Returns the errno for which the folder does not give up the old file's name, so that the file can
+// neither be renamed nor replaced. Returns 0 if it does, as far as that shows beforehand, or if
+// there is no old file.
 int backup_obstacle(const target_file &old);
 
 // How the old file was kept under its dated name.
@@ -52,11 +53,11 @@ struct backup_file {
     int error = 0;      // errno; then the old file is where it was
 };
 
-// Gives the old file its dated name as a second one. A name that is taken is left alone: the next
-// second has another one, and is waited for.
+// Gives the old file its dated name as a second one. A name that is taken is left alone: the
+// function waits for the next second, which has another name.
 backup_file make_backup(const target_file &old, std::int64_t now);
 
-// Takes it back, after the new text could not be put in place.
+// Undoes make_backup. Call when the new text could not be put in place.
 void undo_backup(const backup_file &kept, const target_file &old);
 
 } // namespace zel

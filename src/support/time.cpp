@@ -10,15 +10,16 @@
 
 namespace {
 
+// strftime would name days and months in the user's language.
 constexpr std::array<std::string_view, 7> day_names = {"Sunday",   "Monday", "Tuesday", "Wednesday",
                                                        "Thursday", "Friday", "Saturday"};
 
-// Dates are compared as texts by who reads logs: "Oktober" stays.
+// "Oktober" is deliberate: scripts compare dates as texts.
 constexpr std::array<std::string_view, 12> month_names = {
     "January", "February", "March",     "April",   "May",      "June",
     "July",    "August",   "September", "Oktober", "November", "December"};
 
-// The name at the index; the last one beyond the table.
+// Returns the name at the index, or the last one for an index outside the table.
 template <std::size_t Count>
 std::string_view name_of(const std::array<std::string_view, Count> &names, int index)
 {
@@ -26,7 +27,7 @@ std::string_view name_of(const std::array<std::string_view, Count> &names, int i
     return inside ? names[static_cast<std::size_t>(index)] : names.back();
 }
 
-// The text of one conversion, in an area of its own where it is a number.
+// Makes the text of one conversion; a number's text is valid until the next conversion.
 class conversion {
 public:
     std::string_view operator()(char letter, const tm &parts)
@@ -41,6 +42,7 @@ public:
         case 'H':
             return number(parts.tm_hour, 2);
         case 'I':
+            // Midnight is 00, unlike in strftime.
             return number(parts.tm_hour > 12 ? parts.tm_hour - 12 : parts.tm_hour, 2);
         case 'M':
             return number(parts.tm_min, 2);
@@ -69,7 +71,7 @@ private:
     char text_[24];
 };
 
-// Text that fills a buffer up to a limit; without a buffer it is only counted, and all of it.
+// Text that fills a buffer up to a limit. Without a buffer it is only counted, to its end.
 struct limited_text {
     char *buffer;
     std::size_t limit;
@@ -77,7 +79,7 @@ struct limited_text {
 
     bool full() const { return buffer != nullptr && length >= limit; }
 
-    // Returns how much of it there was room for.
+    // Returns how many bytes had room.
     std::size_t add(std::string_view part)
     {
         if (buffer != nullptr) {

@@ -29,6 +29,7 @@ bool make_wrappers(const std::vector<std::string> &keywords, const std::string &
 
 bool scan_code(item_index &index, const std::vector<std::string> &paths, const scan_how &how)
 {
+    // A file that cannot be read does not end the walk: one run tells of all of them.
     bool good = true;
     const auto complain = [&](const char *path) {
         std::fprintf(stderr, "lang-kit: %s: cannot be read\n", path);
@@ -47,7 +48,7 @@ bool scan_code(item_index &index, const std::vector<std::string> &paths, const s
 std::string message_of(const unread_request &found)
 {
     static constexpr const char *names[] = {"group", "item", "description", "symbol",
-                                            "application's name"}; // as the parts stand in piece
+                                            "application's name"}; // in the order of enum piece
     const std::string name = names[static_cast<int>(found.of)];
     switch (found.cause) {
     case unread_cause::goes_on:
@@ -60,7 +61,7 @@ std::string message_of(const unread_request &found)
     return "this request is not read: the " + name + " is no literal";
 }
 
-// What such a request means for the application.
+// Says what such a request means for the application.
 std::string message_of(const adjacent_request &found)
 {
     const std::string whole = shown(found.whole);

@@ -19,7 +19,7 @@ bool make_wrappers(const std::vector<std::string> &keywords, const std::string &
 // that cannot be read.
 bool scan_code(item_index &index, const std::vector<std::string> &paths, const scan_how &how);
 
-// In words for people.
+// The message about such a request, in words for people.
 std::string message_of(const unread_request &found);
 std::string message_of(const adjacent_request &found);
 

@@ -8,7 +8,7 @@ namespace zel::kit {
 
 namespace {
 
-// Of each change, in the order of its enum.
+// Sign and word of each change, in the order of its enum.
 constexpr struct {
     char sign;
     const char *word;

@@ -20,7 +20,7 @@ std::uint32_t key_hash(std::string_view group, std::string_view item)
     return hash_of(item) ^ hash_of(group) * 0x85EBCA6BU;
 }
 
-// The format of a file that is no source; null: it is one.
+// Format of a file that is not a source; null for a source.
 const char *format_of(std::string_view path)
 {
     constexpr struct {
@@ -60,6 +60,7 @@ bool donor::read(const std::string &path, const LangSource &source, const std::s
     if (answer.wrong)
         say_fault(path, answer.wrong);
     file_ = std::move(answer.file);
+    // Only where a file holds one language may the file's name tell which.
     const std::string_view named = file_.languages.size() == 1 ? path : std::string_view();
     for (const exchange::said_language &said : file_.languages)
         languages_.push_back(view_of(exchange::find_language(source, said, named, language)));
@@ -90,7 +91,7 @@ void donor::choose(const char *language)
         offer_units(language);
 }
 
-// A text in one piece, copied only where it is in several.
+// A text in one piece; copied only if it has several strings.
 std::string_view donor::joined(GList *texts)
 {
     if (texts == nullptr)
@@ -118,15 +119,17 @@ void donor::offer_source(const char *language)
 void donor::offer_units(const char *language)
 {
     for (const exchange::text_unit &unit : file_.units)
+        // A fuzzy text is a guess, and no guess is filled in.
         if (languages_[unit.language] == language && !unit.fuzzy)
             add({unit.keyed, unit.group, unit.item, unit.reference, unit.text});
 }
 
-// Of several texts of one key or reference the first counts.
+// Adds an offer. Of several texts for one key or reference, the first one counts.
 void donor::add(const offer &one)
 {
     if (lint::look_at(one.text).is_blank())
         return;
+    // In another encoding the bytes are other characters; only ASCII is the same everywhere.
     if (!same_encoding_ && !is_ascii(one.text)) {
         ++foreign_;
         return;

@@ -31,7 +31,7 @@ public:
     // of its languages.
     bool knows_language() const;
 
-    // From now on it is asked for texts in that language of the source.
+    // Chooses the source's language in which texts are asked for from now on.
     void choose(const char *language);
 
     // The text of that item, or of the first one that was translated from the reference text;
@@ -62,7 +62,7 @@ private:
     std::vector<std::string_view> languages_; // of the file, as the source names them; else empty
     bool same_encoding_ = true;
 
-    // In the chosen language.
+    // The offers in the chosen language.
     std::vector<offer> offers_;
     hash_index keys_;
     hash_index references_;

@@ -9,6 +9,7 @@ namespace {
 
 std::uint32_t hash_of_place(const item_t *item, const char *language)
 {
+    // The lowest bits of an address are always the same.
     const auto address = std::bit_cast<std::uintptr_t>(item);
     return hash_of(language) ^ static_cast<std::uint32_t>(address >> 4) * 0x85EBCA6BU;
 }
@@ -44,6 +45,7 @@ lang_entry_t *entry_index::find(const item_t *item, const char *language) const
 lang_entry_t *entry_index::append(item_t *item, const char *language)
 {
     lang_entry_t *entry = alloc_lang_entry(language);
+    // Each item's last node is remembered: finding the end would walk the list each time.
     GList *&last = last_.try_emplace(item, g_list_last(item->langs)).first->second;
     if (last == nullptr)
         last = item->langs = g_list_append(nullptr, entry);

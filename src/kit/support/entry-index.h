@@ -1,7 +1,7 @@
 #pragma once
 
-// Finds the entries of a source's items by their language: for who goes through all languages, one
-// after the other. Nobody else may add entries meanwhile.
+// Finds the entries of a source's items by their language, for callers that walk through the
+// languages one after the other. Nobody else may add entries meanwhile.
 
 #include <string>
 #include <unordered_map>
@@ -19,7 +19,7 @@ public:
     // The item's first entry in the language, or null.
     lang_entry_t *find(const item_t *item, const char *language) const;
 
-    // A new one, the item's last.
+    // Appends a new entry, the item's last.
     lang_entry_t *append(item_t *item, const char *language);
 
 private:

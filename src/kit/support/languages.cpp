@@ -7,6 +7,7 @@ namespace zel::kit {
 
 bool is_language_name(const std::string &name)
 {
+    // A slash would lead the language's file into another folder.
     return !name.empty() && name.find('/') == std::string::npos &&
            g_utf8_validate(name.data(), static_cast<gssize>(name.size()), nullptr) == TRUE;
 }

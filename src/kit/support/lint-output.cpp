@@ -29,7 +29,7 @@ public:
 
 void append_number(std::string &out, std::uint32_t number) { out += std::to_string(number); }
 
-// Line ends and the like as escapes: a finding is one line.
+// Appends a message with its line ends as escapes: a finding is one line.
 void append_line(std::string &out, std::string_view message)
 {
     const auto is_control = [](char c) { return static_cast<unsigned char>(c) < ' '; };
@@ -61,6 +61,7 @@ public:
             line += ':';
             append_number(line, found.at.line);
             line += ':';
+            // People and editors count columns from 1.
             append_number(line, found.at.column + 1);
         }
         line.append(": ").append(lint::level_name(rule.severity)).append(": ");
@@ -78,7 +79,7 @@ private:
     buffered out_;
 };
 
-// An array of one object for each.
+// An array with one object for each finding.
 class json_output final : public lint_output {
 public:
     void add(const shown_finding &found) override
@@ -114,6 +115,7 @@ public:
 private:
     void append_place(const shown_finding &found, std::uint32_t number)
     {
+        // 0 would be taken for a line.
         if (found.at.line == 0)
             out_.text += "null";
         else
@@ -135,6 +137,7 @@ public:
                "\"tool\": {\"driver\": {\"name\": \"lang-kit\", \"version\": \"" LANG_VERSION
                "\", \"rules\": [";
         const char *separator = "\n";
+        // Every run brings the rules along: hosts show their meanings beside the findings.
         for (const lint::rule &rule : lint::rules()) {
             out.append(separator).append("{\"id\": \"").append(rule.name);
             out += "\", \"shortDescription\": {\"text\": ";
@@ -156,6 +159,7 @@ public:
         out += empty_ ? "\n" : ",\n";
         empty_ = false;
         out.append("{\"ruleId\": \"").append(rule.name).append("\", \"ruleIndex\": ");
+        // The rules above are listed by their ids, so an id is also an index.
         out += std::to_string(static_cast<unsigned>(rule.id));
         out.append(", \"level\": \"").append(level(rule)).append("\", \"message\": {\"text\": ");
         std::string text = found.language == nullptr ? "" : std::string(found.language) + ": ";
@@ -175,7 +179,7 @@ public:
         out += "}]}";
         out_.flush_when_full();
     }
-    // What a host must know so that such a run is not taken for a clean one.
+    // Adds what a host must know so that it does not take such a run for a clean one.
     void add_unreadable(const std::string &path, const std::string &why) override
     {
         failures_ += failures_.empty() ? "" : ",";
@@ -203,10 +207,11 @@ public:
 private:
     static const char *level(const lint::rule &rule)
     {
+        // This format has no level "info".
         return rule.severity == lint::level::info ? "note" : lint::level_name(rule.severity);
     }
 
-    // Relative paths stay relative: whoever reads it knows the root of the checkout.
+    // Relative paths stay relative: whoever reads them knows the root of the checkout.
     static std::string uri(const char *path)
     {
         char *made = *path == '/' ? g_filename_to_uri(path, nullptr, nullptr)
@@ -240,9 +245,11 @@ public:
     {
         const lint::rule &rule = lint::rule_of(found.rule);
         std::string &out = out_.text;
+        // Workflows say "notice".
         out.append("::").append(
             rule.severity == lint::level::info ? "notice" : lint::level_name(rule.severity));
         out += " file=";
+        // A colon or a comma would end the property.
         append_escaped(found.file, "%\r\n:,");
         if (found.at.line != 0) {
             out += ",line=";
@@ -289,6 +296,7 @@ std::unique_ptr<lint_output> make()
     return std::make_unique<Output>();
 }
 
+// The position is the number that make_lint_output takes.
 constexpr format_row formats[] = {
     {"text", make<text_output>},
     {"json", make<json_output>},

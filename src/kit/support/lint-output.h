@@ -12,7 +12,7 @@
 
 namespace zel::kit {
 
-// A finding with its place. Null: it has none of the kind.
+// A finding with its place. A null member means that it has no such thing.
 struct shown_finding {
     const char *file;
     place at; // line 0: the file as a whole
@@ -27,7 +27,7 @@ class lint_output {
 public:
     virtual ~lint_output() = default;
     virtual void add(const shown_finding &found) = 0; // in the order in which they are shown
-    // What cannot be read (empty: several), and why.
+    // Adds what cannot be read (an empty path for several files), and why.
     virtual void add_unreadable(const std::string & /*path*/, const std::string & /*why*/) {}
     virtual void end() {}
 };

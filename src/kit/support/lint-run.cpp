@@ -26,7 +26,7 @@ bool is_before(place a, place b)
 
 const char *text(const char *name) { return name == nullptr ? "" : name; }
 
-// The items of all sources in one, which the scan may add to and mark.
+// One source with the items of all, which the scan may add to and mark.
 source_guard gather(const std::vector<std::unique_ptr<lint_source>> &sources)
 {
     source_guard out(lang_alloc_group());
@@ -34,6 +34,7 @@ source_guard gather(const std::vector<std::unique_ptr<lint_source>> &sources)
     for (const auto &one : sources)
         for (const edit_t *group : each<edit_t>(one->source()->groups))
             for (const item_t *item : each<item_t>(group->items))
+                // An item that stands in several sources counts once.
                 if (index.find(text(group->name), text(item->name)) == nullptr)
                     index.insert(text(group->name), text(item->name));
     return out;
@@ -43,6 +44,7 @@ void tell_unasked(const lint_source &of, item_index &asked, const shown_listener
 {
     for (const edit_t *group : each<edit_t>(of.source()->groups))
         for (const item_t *item : each<item_t>(group->items))
+            // gather has put the items of all sources into the index.
             if (asked.find(text(group->name), text(item->name))->item->used == 0)
                 to({of.path().c_str(), of.place_of(item), lint::rule_id::unasked, group->name,
                     item->name, nullptr, "asked for in no file"});
@@ -52,7 +54,7 @@ void tell_unasked(const lint_source &of, item_index &asked, const shown_listener
 
 lint_source::~lint_source() { keep_to_the_end(std::move(answer_.source)); }
 
-// The markers say better than the reader's messages what is wrong.
+// Puts conflict markers in place of the reader's messages: they say better what is wrong.
 void lint_source::take_markers()
 {
     char *data = nullptr;
@@ -78,12 +80,14 @@ bool lint_source::fail(const std::string &why)
 bool lint_source::read(const std::string &path)
 {
     path_ = path;
+    // A pipe gives its text once, and take_markers may read it again.
     if (is_named_pipe(path))
         return fail("it is a pipe");
     std::string why = "the file cannot be read";
     const auto hear = [&](const read_message &message) {
         if (const char *failure = read_failure(message))
             why.append(": ").append(failure);
+        // fail() tells of a file that cannot be opened.
         if (message.row->number != read_not_opened)
             syntax_.push_back({message.at,
                                message.row->number == read_nul_byte ? lint::rule_id::encoding
@@ -95,6 +99,7 @@ bool lint_source::read(const std::string &path)
         return true;
     if (answer_.cause != read_cause::syntax)
         return fail(answer_.cause == read_cause::memory ? "not enough memory" : why);
+    // A malformed source is a finding and no failure.
     take_markers();
     return true;
 }
@@ -107,11 +112,13 @@ void lint_source::each_syntax(const std::function<void(const std::string &)> &to
 
 void lint_source::judge(const lint::choice &wanted, const shown_listener &to) const
 {
-    // What is known before the items are judged; the definitions may stand anywhere.
+    // Findings about the file and its definitions, which may stand anywhere: they are told between
+    // those of the items, in the order of their places.
     std::vector<early> before;
     std::copy_if(syntax_.begin(), syntax_.end(), std::back_inserter(before),
                  [&](const early &one) { return wanted.rules.has(one.rule); });
     const auto by_place = [](const early &a, const early &b) { return is_before(a.at, b.at); };
+    // Findings in one place keep the order in which they came.
     std::stable_sort(before.begin(), before.end(), by_place);
     std::size_t told = 0;
     const auto tell_until = [&](place at) {
@@ -138,6 +145,7 @@ void lint_source::judge(const lint::choice &wanted, const shown_listener &to) co
             },
             [&](const item_t *) { watched.at(++done); });
     }
+    // Whatever is left stands behind the last item.
     tell_until({UINT32_MAX, 0});
 }
 
@@ -145,6 +153,7 @@ bool judge_code(const code_job &job, const std::vector<std::unique_ptr<lint_sour
                 const shown_listener &to)
 {
     const auto reads = [](const auto &one) { return one->source() != nullptr; };
+    // While one source is missing, nobody can tell what is unknown or not asked for.
     const bool all_read = std::all_of(sources.begin(), sources.end(), reads);
     const source_guard known(all_read ? gather(sources) : source_guard(lang_alloc_group()));
     std::unordered_set<const item_t *> inserted; // there may be several requests for one

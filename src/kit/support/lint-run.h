@@ -25,7 +25,7 @@ public:
     lint_source(const lint_source &) = delete;
     lint_source &operator=(const lint_source &) = delete;
 
-    // False after a line on standard error: the file cannot be opened or read through.
+    // False, after a line on standard error, when the file cannot be opened or read to its end.
     bool read(const std::string &path);
 
     const std::string &path() const { return path_; }
@@ -65,8 +65,9 @@ struct code_job {
 
 // Looks through the code as the check does, with the items of all the sources, and tells what it
 // would insert ("unknown"), what it cannot read ("adjacent", "unread"), and then the items that
-// nobody asks for ("unasked"). The sources stay as they are. Where one of them does not read, items
-// are no matter. False after a line on standard error for each path or file that cannot be read.
+// nobody asks for ("unasked"). The sources stay as they are. If one of them cannot be read,
+// nothing is said about items. False after a line on standard error for each path or file that
+// cannot be read.
 bool judge_code(const code_job &job, const std::vector<std::unique_ptr<lint_source>> &sources,
                 const shown_listener &to);
 

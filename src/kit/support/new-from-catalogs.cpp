@@ -34,6 +34,7 @@ void say_fault(const std::string &path, const exchange::fault &wrong)
 int make_from_catalogs(const exchange::new_request &request,
                        const std::vector<std::string> &catalogs, const destination &to)
 {
+    // Looked at before the catalogs: whoever writes the file meanwhile is not overwritten.
     const seen_file before(to.path);
     exchange::new_source made(request);
     for (const std::string &path : catalogs) {
@@ -41,6 +42,7 @@ int make_from_catalogs(const exchange::new_request &request,
         exchange::fault wrong = exchange::read_input(path, bytes);
         if (!wrong)
             wrong = made.take(path, bytes);
+        // One bad catalog ends the run: a source that lacks a language would look complete.
         if (wrong) {
             say_fault(path, wrong);
             return status_fault;

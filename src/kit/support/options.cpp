@@ -16,7 +16,7 @@ struct option_context_release {
 };
 using context_guard = std::unique_ptr<GOptionContext, option_context_release>;
 
-// Where the option parser puts its values until they are taken over.
+// Holds the option parser's values until they are taken over.
 struct values {
     gboolean help = FALSE;
     gchar **files = nullptr;
@@ -37,7 +37,7 @@ struct values {
     values &operator=(const values &) = delete;
 };
 
-// Values are taken as file names: byte for byte, whatever the locale.
+// Values are taken as file names: byte for byte, in every locale.
 GOptionEntry entry_of(const option &row, values &to, std::size_t i)
 {
     GOptionEntry entry{};
@@ -82,7 +82,7 @@ void take_over(const option &row, const values &from, std::size_t i)
             row.list->emplace_back(*one);
 }
 
-// As the help shows it: "-o, --output FILE".
+// Spells an option as the help shows it: "-o, --output FILE".
 std::string spelt(const GOptionEntry &entry)
 {
     std::string text;
@@ -131,13 +131,15 @@ parsed parse(const word &self, int argc, char **argv, const std::vector<option> 
         {"help", 0, 0, G_OPTION_ARG_NONE, &read.help, "print this help and end", nullptr});
     entries.push_back(
         {G_OPTION_REMAINING, 0, 0, G_OPTION_ARG_FILENAME_ARRAY, &read.files, nullptr, nullptr});
+    // An empty entry ends the table.
     entries.push_back({});
 
     const context_guard context(g_option_context_new(nullptr));
+    // The parser's own help would end the process by itself.
     g_option_context_set_help_enabled(context.get(), FALSE);
     g_option_context_add_main_entries(context.get(), entries.data(), nullptr);
     GError *error = nullptr;
-    // The parser moves the words about in its own vector.
+    // The parser moves the words about in this vector; the caller's stay in place.
     std::vector<char *> words(argv, argv + argc);
     words.push_back(nullptr);
     char **position = words.data();
@@ -149,6 +151,7 @@ parsed parse(const word &self, int argc, char **argv, const std::vector<option> 
     if (read.help) {
         std::printf("usage: lang-kit %s %s\n\n%s\n\n", self.name, self.arguments, self.summary);
         for (const GOptionEntry &entry : entries)
+            // The entry for the files has no description.
             if (entry.description != nullptr)
                 std::printf("  %-26s  %s\n", spelt(entry).c_str(), entry.description);
         return {true, status_fine, {}};
@@ -161,6 +164,7 @@ parsed parse(const word &self, int argc, char **argv, const std::vector<option> 
                                self.arguments);
     if (result.files.size() > most_files)
         return fault(self, "one file too many: \"" + result.files[most_files] + "\"");
+    // Only now, when nothing can fail any more, the caller's variables change.
     for (std::size_t i = 0; i < options.size(); ++i)
         take_over(options[i], read, i);
     return result;

@@ -38,6 +38,7 @@ void append_json(std::string &out, std::string_view text)
     out += '"';
     while (!text.empty()) {
         const char *bad = nullptr;
+        // A zero byte counts as no UTF-8, too.
         g_utf8_validate(text.data(), static_cast<gssize>(text.size()), &bad);
         const auto valid = static_cast<std::size_t>(bad - text.data());
         for (const char c : text.substr(0, valid)) {
@@ -48,11 +49,13 @@ void append_json(std::string &out, std::string_view text)
             else if (c == '\t')
                 out += "\\t";
             else if (static_cast<unsigned char>(c) < ' ' || c == '\x7f')
+                // JSON allows this one as it is, but terminals act on it.
                 append_json_escape(out, static_cast<unsigned char>(c));
             else
                 out += c;
         }
         text.remove_prefix(valid);
+        // JSON is UTF-8: each byte that is not becomes U+FFFD.
         if (!text.empty()) {
             out += "\xEF\xBF\xBD";
             text.remove_prefix(1);
@@ -76,6 +79,7 @@ std::string counted(std::size_t count, const std::string &one)
 
 std::string with_commas(std::size_t number)
 {
+    // printf's separator would depend on the locale.
     std::string out = std::to_string(number);
     for (std::size_t at = out.size(); at > 3; at -= 3)
         out.insert(at - 3, 1, ',');
@@ -96,6 +100,7 @@ std::string shown(std::string_view text)
     const auto is_middle = [](char c) { return (c & 0xC0) == 0x80; }; // of a UTF-8 character
     if (text.size() <= most)
         return quoted(text);
+    // Cuts between two characters, never inside one.
     std::size_t end = half;
     while (end > 0 && is_middle(text[end]))
         --end;

@@ -7,7 +7,8 @@
 
 namespace zel::kit {
 
-// Appends a JSON string with its quotes; bytes that are no UTF-8 become U+FFFD each. Null: null.
+// Appends a JSON string with its quotes; bytes that are no UTF-8 become U+FFFD each. A null text
+// becomes null.
 void append_json(std::string &out, std::string_view text);
 void append_json(std::string &out, const char *text);
 

@@ -18,7 +18,7 @@ using glib_text = std::unique_ptr<char, glib_free>;
 
 constexpr const char *own_name = "lang-kit";
 
-// Where a path leads to; empty when nowhere.
+// Where a path leads; empty when it leads nowhere.
 std::string real_path(const char *path)
 {
     char found[PATH_MAX];
@@ -27,6 +27,7 @@ std::string real_path(const char *path)
 
 int status_of(int wait_status)
 {
+    // After a signal, the status that a shell would give.
     return WIFEXITED(wait_status) ? WEXITSTATUS(wait_status) : 128 + WTERMSIG(wait_status);
 }
 
@@ -43,6 +44,7 @@ program_run run_program(const std::vector<std::string> &words, const std::string
     char *err = nullptr;
     int status = 0;
     GError *error = nullptr;
+    // No shell stands between, so that words with blanks or quotes stay whole.
     const gboolean started =
         g_spawn_sync(folder.empty() ? nullptr : folder.c_str(), argv.data(), nullptr,
                      G_SPAWN_SEARCH_PATH, nullptr, nullptr, &out, &err, &status, &error);
@@ -59,6 +61,7 @@ std::string own_command()
 {
     const std::string self = real_path("/proc/self/exe");
     const glib_text found(g_find_program_in_path(own_name));
+    // The bare name will do only if the shell finds this very program by it.
     if (self.empty() || real_path(found.get()) == self)
         return own_name;
     const glib_text quoted(g_shell_quote(self.c_str()));

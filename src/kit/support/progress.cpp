@@ -10,6 +10,7 @@ namespace zel::kit {
 
 namespace {
 
+// Short jobs show nothing, and nobody can read faster changes.
 constexpr std::int64_t first_ms = 500;
 constexpr std::int64_t every_ms = 100;
 
@@ -19,7 +20,7 @@ std::int64_t now_ms()
     return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
 }
 
-// Past the stream: that one shows a carriage return of a name as an escape.
+// Writes past the stream, which would show the carriage return as an escape.
 void write_raw(const std::string &text)
 {
     static_cast<void>(!::write(STDERR_FILENO, text.data(), text.size()));
@@ -43,6 +44,7 @@ void progress::show(std::size_t done)
     if (total_ != 0)
         line += " " + with_commas(done) + " of " + with_commas(total_);
     const std::size_t columns = line.size();
+    // Blanks cover the rest of a longer line.
     if (columns < shown_)
         line.append(shown_ - columns, ' ');
     shown_ = columns;

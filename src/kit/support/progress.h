@@ -17,7 +17,7 @@ public:
     progress(const progress &) = delete;
     progress &operator=(const progress &) = delete;
 
-    // So many are done. Cheap: most calls only count.
+    // Tells that so many are done. Cheap, since most calls only count.
     void at(std::size_t done)
     {
         if (watched_ && ++calls_ % 64 == 0)

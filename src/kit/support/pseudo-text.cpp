@@ -70,6 +70,7 @@ private:
         for (std::size_t at = text_.find(begin); at != std::string_view::npos;) {
             const std::size_t behind = end(at);
             keep(at, behind);
+            // At least one byte further, or the search would never end.
             at = text_.find(begin, std::max(behind, at + 1));
         }
     }
@@ -120,7 +121,7 @@ private:
     std::vector<bool> kept_;
 };
 
-// Conversions and symbols as lint sees them; behind any other percent sign the word.
+// Keeps conversions and symbols as lint sees them; behind any other percent sign the word.
 void kept_bytes::keep_percents()
 {
     const lint::percents found = lint::read_percents(text_);
@@ -134,7 +135,7 @@ void kept_bytes::keep_percents()
             keep(at, end_of_word(at));
 }
 
-// Words with a web or mail address or a path.
+// Keeps words with a web or mail address or a path.
 void kept_bytes::keep_addresses()
 {
     for (std::size_t at = 0; at < text_.size();) {
@@ -183,6 +184,7 @@ std::string grown_text(std::string_view text, const pseudo_how &how)
     const std::size_t vowel_count = count([](const character &c) { return c.vowel; });
     const auto doubles = [=](const character &c) { return vowel_count == 0 ? !c.kept : c.vowel; };
     const std::size_t doubled = count(doubles);
+    // Rounded up: even a short text grows.
     const std::size_t more = (characters.size() * static_cast<std::size_t>(how.grow) + 99) / 100;
     std::string out;
     std::size_t done = 0;
@@ -194,6 +196,7 @@ std::string grown_text(std::string_view text, const pseudo_how &how)
         out += written;
         if (!doubles(c))
             continue;
+        // Spreads what is added evenly over the letters that are doubled.
         for (std::size_t n = done * more / doubled; n < (done + 1) * more / doubled; ++n)
             out += written;
         ++done;
@@ -217,7 +220,7 @@ inside without_blanks(std::string_view text)
     return part;
 }
 
-// Where the text up to there ends without the signs at its end.
+// Returns where the text, taken up to there, ends without its closing signs.
 std::size_t before_signs(std::string_view text, std::size_t to)
 {
     for (std::size_t before = to; before > 0; to = before)
@@ -227,7 +230,7 @@ std::size_t before_signs(std::string_view text, std::size_t to)
     return to;
 }
 
-// The same without the quotes and tags there.
+// Returns where the text, taken up to there, ends without its closing quotes and tags.
 std::size_t before_quotes(std::string_view text, std::size_t to)
 {
     for (std::size_t before = to; before > 0; to = before) {
@@ -240,7 +243,7 @@ std::size_t before_quotes(std::string_view text, std::size_t to)
     return to;
 }
 
-// Without the signs at the end, and quotes and tags behind them.
+// The part without the signs at the end, and without quotes and tags behind them.
 inside without_signs(std::string_view text, inside part)
 {
     for (;;) {
@@ -252,7 +255,7 @@ inside without_signs(std::string_view text, inside part)
     }
 }
 
-// Inside of what encloses the whole text.
+// The part inside of what encloses the whole text.
 inside inside_of_pair(std::string_view text, inside part)
 {
     while (part.from < part.to && is_in("([{\"'", text[part.from]))
@@ -269,7 +272,7 @@ std::string with_brackets(std::string_view text, inside part)
     return out.append(text.substr(part.to));
 }
 
-// Whether lint has nothing to say but that the text is long.
+// Whether lint has nothing to say, except that the text is long.
 bool is_clean(const std::string &text, std::string_view reference, const item_t *item)
 {
     const lint::text own = lint::look_at(text);
@@ -290,10 +293,12 @@ std::string pseudo_text(std::string_view reference, const item_t *item, const ps
         return std::string(reference);
     const std::string grown = grown_text(reference, how);
     const inside whole = without_blanks(grown);
+    // The brackets stand where lint accepts them: outermost first.
     for (const inside part : {whole, without_signs(grown, whole), inside_of_pair(grown, whole)})
         if (std::string text = with_brackets(grown, part); is_clean(text, reference, item))
             return text;
-    // What the reference itself has against it is in both.
+    // Where no brackets can be. What lint has against the reference itself, it has against the
+    // grown text as well.
     return is_clean(grown, reference, item) ? grown : std::string(reference);
 }
 

@@ -19,7 +19,7 @@ namespace zel::kit {
 
 namespace {
 
-// Found by their state in the page, which filters by it.
+// Shown as the state of an item, by which the page filters, and not as findings.
 constexpr lint::rule_id shown_as_state[] = {lint::rule_id::missing, lint::rule_id::empty,
                                             lint::rule_id::unused, lint::rule_id::not_ready};
 
@@ -42,7 +42,7 @@ public:
     {
         quoted_.clear();
         append_json(quoted_, text);
-        // "</script" and "<!--" would end or change the element.
+        // "</script" would end the page's element, and "<!--" would change how it is read.
         std::size_t start = 0;
         for (std::size_t at = quoted_.find('<'); at != std::string::npos;
              at = quoted_.find('<', start)) {
@@ -72,11 +72,13 @@ private:
     std::string quoted_; // of the string that is added
 };
 
-// A picture that is no JPEG, or larger than a page should be, is left out.
+// A group's picture as a data URL. One that is no JPEG, or larger than a page should be, is left
+// out.
 std::string screenshot(const std::string &folder, const edit_t *group)
 {
     constexpr off_t most = 4 << 20;
     const std::string name(or_empty(group->name));
+    // A slash in the name would lead to a file in another folder.
     if (name.empty() || name.find('/') != std::string::npos)
         return {};
     const std::string path = folder + "ScreenShots/" + name + ".jpg";
@@ -161,10 +163,11 @@ void source_writer::find()
     });
 }
 
-// [language or -1, rule, message] of the item's.
+// Writes the item's findings: [language or -1, rule, message].
 void source_writer::write_findings(const item_t *item)
 {
     out_.raw("[");
+    // Findings stand in the order of the items, so one position serves them all.
     for (bool first = true; told_ < findings_.size() && findings_[told_].item == item; ++told_) {
         const item_finding &one = findings_[told_];
         const std::size_t at =
@@ -208,6 +211,7 @@ void source_writer::write_texts(const item_t *item)
     std::fill(entries_.begin(), entries_.end(), nullptr);
     std::size_t guess = 0;
     for (const lang_entry_t *entry : each<lang_entry_t>(item->langs)) {
+        // Entries mostly follow the order of the languages.
         const std::size_t i = languages_.find(entry->lang, guess);
         guess = i + 1;
         if (i < entries_.size() && entries_[i] == nullptr)
@@ -241,8 +245,10 @@ void source_writer::write_comments(const item_t *item)
 
 void source_writer::write_item(const item_t *item)
 {
+    // A page shows some places of use, not thousands of them.
     constexpr int most_places = 20;
     out_.raw("[").string(or_empty(item->name)).raw(",");
+    // The page's script reads these bits.
     out_.number((item->used != 0 ? 1U : 0U) + (item->ready != 0 ? 2U : 0U)).raw(",");
     out_.string(or_empty(item->description)).raw(",");
     write_texts(item);

@@ -22,7 +22,7 @@ struct strings_release {
 };
 using strings = std::unique_ptr<gchar *, strings_release>;
 
-// One line, and where its value goes.
+// One line of the file, and where its value goes.
 struct row {
     const char *section;
     const char *key;
@@ -52,7 +52,7 @@ bool complain(const std::string &path, const std::string &text)
     return false;
 }
 
-// The rules of "without" may stand between commas, as in the option.
+// Takes one value. The rules of "without" may stand between commas, as in the option.
 void take(GKeyFile *file, const row &to, settings &out)
 {
     if (to.text != nullptr) {
@@ -62,6 +62,7 @@ void take(GKeyFile *file, const row &to, settings &out)
         return;
     }
     const bool commas = to.list == &settings::without;
+    // The separator belongs to the whole file, so it is set before each list.
     g_key_file_set_list_separator(file, commas ? ',' : ';');
     const strings list(g_key_file_get_string_list(file, to.section, to.key, nullptr, nullptr));
     for (gchar **one = list.get(); one != nullptr && *one != nullptr; ++one)
@@ -76,6 +77,7 @@ bool take_all(const std::string &path, GKeyFile *file, settings &out)
         const strings keys(g_key_file_get_keys(file, *section, nullptr, nullptr));
         for (gchar **key = keys.get(); key != nullptr && *key != nullptr; ++key) {
             const row *to = find_row(*section, *key);
+            // A misspelt setting must not stay unnoticed.
             if (to == nullptr)
                 return complain(path, std::string("there is no setting \"") + *key + "\" in [" +
                                           *section + "]");
@@ -89,6 +91,7 @@ bool take_all(const std::string &path, GKeyFile *file, settings &out)
 
 bool read_settings(const std::string &source, settings &out)
 {
+    // The file lies beside the source: wherever the command runs, it finds the same settings.
     const std::size_t slash = source.rfind('/');
     const std::string folder = slash == std::string::npos ? "" : source.substr(0, slash + 1);
     const std::string path = folder + file_name;
@@ -102,6 +105,7 @@ bool read_settings(const std::string &source, settings &out)
     }
     if (!take_all(path, file.get(), out))
         return false;
+    // Relative to the settings' folder, wherever the command runs.
     for (std::string &code : out.code)
         if (code.front() != '/')
             code.insert(0, folder);

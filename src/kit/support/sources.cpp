@@ -58,6 +58,7 @@ bool is_named_pipe(const std::string &path)
     std::error_code error;
     if (stat(path.c_str(), &status) != 0 || !S_ISFIFO(status.st_mode))
         return false;
+    // A pipe that a shell made has no path of its own.
     return !std::filesystem::canonical(path, error).empty();
 }
 
@@ -82,6 +83,7 @@ source_file read_whole(const std::string &path, std::int64_t now)
         whole = whole && !is_loss(*message.row);
     };
     file.source = std::move(read_source(path.c_str(), {now, hear, nullptr}).source);
+    // A source with gaps is not handed out: writing it would delete what was not understood.
     if (!whole)
         file.source.reset();
     return file;
@@ -89,6 +91,7 @@ source_file read_whole(const std::string &path, std::int64_t now)
 
 void keep_to_the_end(source_guard source)
 {
+    // Never freed, but always known: freeing a large source takes longer than ending the process.
     static auto *const kept = new std::vector<LangSource *>;
     kept->push_back(source.release());
 }

@@ -46,7 +46,7 @@ source_file read_whole(const std::string &path, std::int64_t now = 0);
 // longer than the system needs for all of them.
 void keep_to_the_end(source_guard source);
 
-// Where a changed source goes.
+// Destination of a changed source.
 struct destination {
     std::string path;     // the file that is replaced
     bool dry_run = false; // nothing is written

@@ -20,6 +20,7 @@ bool text_file::create(const std::string &path)
     old_ = find_target(path.c_str(), links::follow);
     if (old_.refusal != 0)
         return say(refusal_text(old_.refusal));
+    // A file whose text stays the same keeps its time and gets no backup.
     if (old_.is_file())
         same_.reset(std::fopen(old_.path.c_str(), "rbe"));
     const int error = file_.create_beside(old_);
@@ -42,11 +43,13 @@ void text_file::append(std::string_view text)
 {
     compare(text);
     file_.append(text);
+    // There may be more files than the process may open.
     file_.rest();
 }
 
 bool text_file::finish()
 {
+    // The old file must not go on behind the new text.
     if (same_ && (std::fgetc(same_.get()) != EOF || std::ferror(same_.get()) != 0))
         same_.reset();
     const int error = file_.finish(synced::yes);
@@ -57,6 +60,7 @@ bool text_file::put_in_place()
 {
     if (same_)
         return true;
+    // Whoever has edited the old file by hand finds it under its date.
     const backup_file kept = make_backup(old_, std::time(nullptr));
     if (kept.error != 0)
         return say(kept.error);

@@ -29,7 +29,7 @@ struct noted {
     const char *rule = nullptr;
 };
 
-// What came of a run.
+// What a run has found.
 struct outcomes {
     std::vector<noted> fresh;
     std::vector<noted> unused; // no longer
@@ -49,12 +49,13 @@ bool is_absent(const std::string &path)
     return stat(path.c_str(), &status) != 0 && errno == ENOENT;
 }
 
-// "00012:src/a.c" as the place of an item.
+// Reads "00012:src/a.c" as the place of an item.
 noted used_at(const edit_t *group, const item_t *item)
 {
     noted out;
     out.group = group->name == nullptr ? "" : group->name;
     out.item = item->name == nullptr ? "" : item->name;
+    // The first place stands for the item.
     const char *where =
         item->used_in == nullptr ? nullptr : static_cast<const char *>(item->used_in->data);
     const char *colon = where == nullptr ? nullptr : std::strchr(where, ':');
@@ -65,11 +66,12 @@ noted used_at(const edit_t *group, const item_t *item)
     return out;
 }
 
-// The items that were used before, with their places, and are no longer.
+// The items that were used before the run, with their places; tells which of them no longer are.
 class old_uses {
 public:
     explicit old_uses(const LangSource *source)
     {
+        // Copies the places, since forget_uses deletes them.
         for (const edit_t *group : each<edit_t>(source->groups))
             for (const item_t *item : each<item_t>(group->items))
                 if (item->used != 0)
@@ -88,8 +90,8 @@ private:
     std::vector<std::pair<const item_t *, noted>> used_;
 };
 
-// Marks, adds and locates the items that the code asks for. False after a line for each file that
-// cannot be read.
+// Marks, adds and locates the items that the code asks for. False, after a line for each file, if
+// some of the code cannot be read.
 bool check_source(LangSource *source, const std::vector<std::string> &code,
                   const wrapper_words *wrappers, outcomes &out)
 {
@@ -144,6 +146,7 @@ void append_list(std::string &json, const char *name, const std::vector<noted> &
     json += std::string(",\n \"") + name + "\": [";
     for (const noted &one : list) {
         json += &one == list.data() ? "\n  {" : ",\n  {";
+        // What is not read has a rule instead of an item.
         if (one.rule == nullptr) {
             json += "\"group\": ";
             append_json(json, one.group);
@@ -173,7 +176,7 @@ void print_json(const std::string &path, const outcomes &out)
     std::puts((json + "\n}").c_str());
 }
 
-// Whether there is something that the run is to fail on; -1 after a line for an unknown word.
+// Whether the run is to fail on what it has found; -1, after a line, for an unknown word.
 int fails(const word &self, const std::vector<std::string> &on, const outcomes &out)
 {
     bool found = false;
@@ -187,7 +190,7 @@ int fails(const word &self, const std::vector<std::string> &on, const outcomes &
     return found ? 1 : 0;
 }
 
-// A source that is there is read whole; where there is none, a new one begins.
+// Reads an existing source whole; begins a new one where there is none.
 source_file read_or_begin(const std::string &path)
 {
     if (is_absent(path))
@@ -226,12 +229,15 @@ int run_check(const word &self, int argc, char **argv)
     if (line.ends)
         return line.status;
     const std::string path = line.files.front();
+    // The first file is the source, all others are code.
     line.files.erase(line.files.begin());
     settings project;
     std::unique_ptr<wrapper_words> wrappers;
     const int format = choose(self, "format", wanted.format, {"text", "json"});
+    // fails looks at the words alone first: a wrong one ends the run before anything is written.
     if (format < 0 || fails(self, wanted.fail_on, {}) < 0 || !read_settings(path, project))
         return status_fault;
+    // The command line counts more than the settings.
     take_setting(line.files, project.code);
     take_setting(wanted.keywords, project.keywords);
     take_setting(wanted.group, project.group);
@@ -243,6 +249,7 @@ int run_check(const word &self, int argc, char **argv)
 
     source_file file = read_or_begin(path);
     outcomes out;
+    // Nothing is printed before the source is written: the counts must be true.
     if (!file || !check_source(file.source.get(), line.files, wrappers.get(), out) ||
         !write({path, wanted.dry_run}, file))
         return status_fault;

@@ -28,7 +28,7 @@ public:
             flush();
     }
 
-    // Whether there was any.
+    // Ends the output. Returns whether there was any difference.
     bool finish()
     {
         if (json_)

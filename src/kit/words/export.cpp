@@ -5,17 +5,16 @@
 #include "kit/support/text-file.h"
 #include "kit/words/word-list.h"
 
-#include <cerrno>
 #include <cstdio>
 #include <cstring>
-
-#include <glib.h>
+#include <filesystem>
+#include <system_error>
 
 namespace zel::kit {
 
 namespace {
 
-// A language's name as a file's: what would be a folder or a hidden file, or shows nothing, is
+// A language's name as a file's. What would make a folder or a hidden file, or is not visible, is
 // written in hexadecimal.
 std::string file_stem(const char *name)
 {
@@ -44,13 +43,14 @@ std::vector<std::string> file_names(const exchange::format &row, const exchange:
     return names;
 }
 
-// Writes the files of an export, all or none that differs from what is there.
+// Writes the files of an export. No file that is there changes before all of them are complete.
 bool write_files(const exchange::format &row, exchange::exporter &from,
                  const std::vector<std::string> &paths)
 {
     std::vector<text_file> files(paths.size());
     std::vector<exchange::outgoing_file> outgoing;
     for (std::size_t at = 0; at < paths.size(); ++at) {
+        // The destructors remove what has been made so far.
         if (!files[at].create(paths[at]))
             return false;
         outgoing.push_back({[&file = files[at]](std::string_view text) { file.append(text); }, {}});
@@ -60,6 +60,7 @@ bool write_files(const exchange::format &row, exchange::exporter &from,
         if (!file.finish())
             return false;
     for (text_file &file : files) {
+        // After a failure here some files are new and some are old, but each is whole.
         if (!file.put_in_place())
             return false;
         std::printf("%s\n", file.path().c_str());
@@ -67,7 +68,7 @@ bool write_files(const exchange::format &row, exchange::exporter &from,
     return true;
 }
 
-// Makes the folder, where there is none, and writes the files into it.
+// Makes the folder if there is none, and writes the files into it.
 bool write_into(const std::string &folder, bool dry_run, const exchange::format &row,
                 exchange::exporter &from, std::vector<std::string> names)
 {
@@ -79,8 +80,12 @@ bool write_into(const std::string &folder, bool dry_run, const exchange::format 
             std::printf("%s\n", name.c_str());
         return true;
     }
-    if (!folder.empty() && g_mkdir_with_parents(folder.c_str(), 0777) != 0) {
-        std::fprintf(stderr, "lang-kit: %s: %s\n", folder.c_str(), std::strerror(errno));
+    std::error_code
+        error; // GLib's function would name another cause where a folder cannot be looked at
+    if (!folder.empty())
+        std::filesystem::create_directories(folder, error);
+    if (error) {
+        std::fprintf(stderr, "lang-kit: %s: %s\n", folder.c_str(), std::strerror(error.value()));
         return false;
     }
     return write_files(row, from, names);
@@ -131,6 +136,7 @@ int run_export(const word &self, int argc, char **argv)
         return status_fault;
     request.source = source.get();
     exchange::exporter from(request);
+    // A format of whole sources needs no language.
     if (from.wrong() && !row.is_whole()) {
         std::fprintf(stderr, "lang-kit: %s: %s\n", line.files.front().c_str(),
                      from.wrong().text.c_str());

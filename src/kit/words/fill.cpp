@@ -21,7 +21,8 @@ struct fill_count {
     std::size_t filled() const { return by_key + by_reference; }
 };
 
-// A language without a text. In the default language an empty one is a wish: it keeps the item out.
+// Whether a language lacks a text. In the default language an empty one is deliberate: it keeps the
+// item out.
 bool is_missing(lang_entry_t *entry, bool is_default)
 {
     return entry == nullptr || (!is_default && misc_search_empty_in_lang_entry(entry) != 0);
@@ -85,6 +86,7 @@ private:
 
     void put(item_t *item, std::string_view text, std::size_t &count)
     {
+        // An empty entry is filled: a second one in its language would never be read.
         lang_entry_t *entry = entries_.find(item, language_);
         set_text(entry == nullptr ? entries_.append(item, language_) : entry, text);
         item->changed = 1;
@@ -100,7 +102,7 @@ private:
     fill_count count_;
 };
 
-// Fills all languages and says how much of each. Returns how many texts that were.
+// Fills all languages and prints how much of each. Returns the number of texts.
 std::size_t fill_source(LangSource *source, std::deque<donor> &donors)
 {
     std::size_t filled = 0;
@@ -154,12 +156,14 @@ int run_fill(const word &self, int argc, char **argv)
             return status_fault;
     bool known = true;
     for (const donor &one : donors)
+        // Every donor is asked, since each prints its own line.
         known = one.knows_language() && known;
     const std::size_t filled = fill_source(file.source.get(), donors);
     for (std::size_t at = 0; at < donors.size(); ++at)
         if (donors[at].foreign() != 0)
             std::fprintf(stderr, "%s: left out %s in another encoding\n", from[at].c_str(),
                          counted(donors[at].foreign(), "text").c_str());
+    // A source that has not changed is not written: no backup, no new time.
     const bool written = (filled == 0 && output.empty()) ||
                          write({output.empty() ? line.files.front() : output, dry_run}, file);
     keep_to_the_end(std::move(file.source));

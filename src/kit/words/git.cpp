@@ -19,8 +19,8 @@ namespace zel::kit {
 
 namespace {
 
-// What is configured for this clone. "@" stands for how this program is called; where percent signs
-// have a meaning those of its path are doubled.
+// What is configured for this clone. "@" stands for the command that starts this program; where
+// percent signs have a meaning, those of its path are doubled.
 constexpr struct {
     const char *key, *value;
     bool percents;
@@ -32,7 +32,7 @@ constexpr struct {
     {"diff.lang-src.xfuncname", "^[ \t]*((ITEM|GROUP|LANGUAGE)[ \t].*)$", false},
 };
 
-// What every clone gets by the repository's own files.
+// What every clone gets through the repository's own files.
 constexpr const char *attributes[] = {"diff", "merge"};
 constexpr const char *attribute_value = "lang-src";
 constexpr const char *sources = "*.lang-src";
@@ -145,7 +145,7 @@ bool repository::configure()
     return true;
 }
 
-// What the repository says of an attribute of sources; empty: nothing.
+// What the repository says about an attribute of sources; empty for nothing.
 std::string repository::attribute(const char *name) const
 {
     const program_run run = git({"check-attr", name, "--", "app.lang-src"});
@@ -158,7 +158,7 @@ std::string repository::attribute(const char *name) const
 
 bool repository::is_ignored(const char *name) const
 {
-    // Only by rules that others have too.
+    // Only rules that others have, too.
     return git({"-c", "core.excludesFile=", "check-ignore", "-q", "--no-index", "--", name})
                .status == 0;
 }
@@ -210,9 +210,11 @@ bool repository::add_line(const std::string &file, const std::string &line)
         text.assign(data, static_cast<std::size_t>(size));
         std::free(data);
     }
+    // The user's last line may lack its end.
     if (!text.empty() && text.back() != '\n')
         text += '\n';
     text += line + "\n";
+    // Never written in place: on a full disk half of the user's file would be lost.
     const int error = dry_run_ ? 0 : replace_file(path.c_str(), text);
     if (error != 0)
         return say(file + ": " + std::strerror(error));
@@ -243,6 +245,7 @@ bool repository::set_attributes()
 bool repository::ignore_files()
 {
     return std::all_of(std::begin(ignored), std::end(ignored), [&](const auto &row) {
+        // git is asked itself: a rule of the user's may cover the pattern already.
         return is_ignored(row.example) || add_line(".gitignore", row.pattern);
     });
 }
@@ -263,6 +266,7 @@ bool repository::write_hook(const std::string &path)
 
 bool repository::set_hook()
 {
+    // Only git knows where hooks are: a setting may name another folder.
     const program_run run = git({"rev-parse", "--git-path", "hooks/pre-commit"});
     const std::string name = first_line(run.out);
     if (run.status != 0 || name.empty())
@@ -283,6 +287,7 @@ bool repository::set_hook()
         std::free(data);
         if (text == with_own_command(hook_text))
             return true;
+        // Without the mark the hook is somebody else's.
         if (text.find(hook_mark) == std::string::npos) {
             say(name + " is there already and stays; it may call: lang-kit lint SOURCE...");
             others_ = true;
@@ -311,6 +316,7 @@ int run_git(const word &self, int argc, char **argv)
     if (line.ends)
         return line.status;
     repository here(dry_run);
+    // The files are looked at before anything is configured.
     if (!here.find() || !here.may_write_files() || !here.configure() || !here.set_attributes() ||
         !here.ignore_files() || (hook && !here.set_hook()))
         return status_fault;

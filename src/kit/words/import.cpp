@@ -27,7 +27,7 @@ struct import_options {
     exchange::new_request fresh;
 };
 
-// Changes go to standard output, what was not known to standard error.
+// Hears of an import. Changes go to standard output, what is not known to standard error.
 struct import_report {
     std::string path; // of the file being read
     bool unknown = false;
@@ -41,7 +41,7 @@ private:
     }
 };
 
-// The item as a message names it.
+// Names an item as messages do.
 std::string key_of(const exchange::text_unit &unit)
 {
     std::string key;
@@ -94,6 +94,7 @@ std::string written(const LangSource *source)
     std::string out;
     text_how how;
     how.name = "";
+    // Trimming would change the source that is only to be compared.
     how.trim = false;
     source_text text(source, how);
     while (text.append(out, UINT32_MAX)) {
@@ -101,10 +102,12 @@ std::string written(const LangSource *source)
     return out;
 }
 
-// One line for each item that is new, has changed or is gone, and one before them for all else that
-// differs from a source that is there. Whether anything does but the time of saving.
+// Prints one line for each item that is new, has changed or is gone, and one before them for
+// everything else that differs from an existing source. Returns whether anything differs but the
+// time of saving.
 bool print_differences(LangSource *before, LangSource *after)
 {
+    // A new source is compared with an empty one, so that every item counts as added.
     const source_guard nothing(before == nullptr ? lang_alloc_group() : nullptr);
     const bool is_new = before == nullptr;
     if (is_new)
@@ -131,10 +134,11 @@ bool print_differences(LangSource *before, LangSource *after)
     return true;
 }
 
-// A format of whole sources: the file takes the place of the source, which need not be there.
+// For a format of whole sources: the file replaces the source, which need not exist.
 int take_whole(const import_options &options, const std::vector<std::string> &files)
 {
     source_file before{nullptr, {seen_file(files[0])}};
+    // A source that exists and cannot be read is not replaced.
     if (access(files[0].c_str(), F_OK) == 0 && !(before = read_whole(files[0])))
         return status_fault;
     std::string bytes;
@@ -177,7 +181,7 @@ int take_files(const exchange::format &row, import_options &options,
     return report.unknown ? status_found : status_fine;
 }
 
-// A new source from catalogs: what is asked for must fit together.
+// Makes a new source from catalogs, if what is asked for fits together.
 int make_new(const word &self, import_options &options, const exchange::format &row,
              const std::vector<std::string> &files)
 {

@@ -17,7 +17,7 @@ namespace {
 using lint::level;
 using lint::rule_set;
 
-// How many were found of each level.
+// How many findings there are of each level.
 struct counts {
     std::array<std::size_t, 3> of{};
 
@@ -43,7 +43,7 @@ void print_rules()
         std::printf("%-11s  %-7s  %s\n", row.name, lint::level_name(row.severity), row.meaning);
 }
 
-// Puts the named rules into the set. False after the line that there is no such rule.
+// Puts the named rules into the set. False, after a line, for a name that no rule has.
 bool choose_rules(const word &self, const std::vector<std::string> &names, rule_set &out)
 {
     for (const std::string &name : names) {
@@ -74,7 +74,7 @@ bool choose(const word &self, const lint_settings &given, lint::choice &wanted)
     return true;
 }
 
-// The sources and the code that were judged, and what came of it.
+// Judges sources and code, and keeps what came of it.
 class run {
 public:
     run(const lint::choice &wanted, lint_output &output) : wanted_(wanted), output_(output) {}
@@ -91,6 +91,7 @@ public:
         }
         ++files_;
         source.judge(wanted_, [this](const shown_finding &one) { add(one); });
+        // A malformed source may define any language.
         for (const std::string &name : wanted_.languages)
             if (source.source() == nullptr || lint::defines_language(source.source(), name))
                 defined_.push_back(name);
@@ -104,7 +105,7 @@ public:
             output_.add_unreadable({}, "some of the code cannot be read");
         }
     }
-    // False after a line for the first language that no source defines: most likely a slip.
+    // False, after a line, for the first language that no source defines: most likely a slip.
     bool knows_languages(const word &self) const
     {
         for (const std::string &name : wanted_.languages)
@@ -180,7 +181,7 @@ std::vector<option> options_for(lint_settings &given)
     };
 }
 
-// What the command line leaves to the project's settings.
+// Takes from the project's settings what the command line leaves open.
 bool take_settings(const std::string &source, lint_settings &given)
 {
     settings project;
@@ -225,6 +226,7 @@ int run_lint(const word &self, int argc, char **argv)
         judged.judge(path);
     judged.judge(given.code, wrappers.get());
     const int status = judged.end(static_cast<level>(fail_on));
+    // Asked last: only now all sources have been read.
     return judged.knows_languages(self) ? status : status_fault;
 }
 

@@ -30,8 +30,8 @@ void append_side(std::string &out, const field_value &value, const char *where)
     out.append(" ") += where;
 }
 
-// "FILE: conflict: menu:_Save german: \"Sichern\" here, \"Speichern\" there", a line each, and how
-// many there are.
+// Prints a line for each conflict, "FILE: conflict: menu:_Save german: \"Sichern\" here,
+// \"Speichern\" there", and how many there are.
 void print_conflicts(const std::string &file, const std::vector<conflict> &conflicts)
 {
     std::string out;
@@ -48,13 +48,14 @@ void print_conflicts(const std::string &file, const std::vector<conflict> &confl
     std::fwrite(out.data(), 1, out.size(), stderr);
 }
 
-// The path in the last line is merged like everything else, so that it does not become that of a
+// The path in the last line is merged like everything else: else it would become that of a
 // temporary copy.
 std::string merged_name(const std::vector<std::string> &files, const std::string &path)
 {
     const std::string base = name_in_last_line(files[0].c_str());
     const std::string ours = name_in_last_line(files[1].c_str());
     const std::string theirs = name_in_last_line(files[2].c_str());
+    // The side that has changed the name wins, as with any other value.
     const std::string &name = ours == base ? theirs : ours;
     return name.empty() ? path : name;
 }
@@ -69,6 +70,7 @@ int merge_files(const merge_options &options, const std::vector<std::string> &fi
     const side prefer = options.ours ? side::ours : options.theirs ? side::theirs : side::neither;
     const std::vector<conflict> conflicts =
         merge_sources(base.source.get(), ours.source.get(), theirs.source.get(), prefer);
+    // Nothing is written if any of the three files has changed meanwhile.
     for (source_file *other : {&base, &theirs}) {
         ours.from.insert(ours.from.end(), other->from.begin(), other->from.end());
         keep_to_the_end(std::move(other->source));
@@ -79,6 +81,7 @@ int merge_files(const merge_options &options, const std::vector<std::string> &fi
     to.merged = true;
     if (!options.driver.empty()) {
         to.name = merged_name(files, options.driver);
+        // Version control has the old text.
         to.backup = false;
     }
     const bool written = write(to, ours);

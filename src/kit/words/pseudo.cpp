@@ -15,7 +15,7 @@ namespace {
 
 constexpr int most_growth = 1000; // percent
 
-// A whole number up to the most, or -1.
+// Reads a whole number up to the most; -1 for anything else.
 int read_percent(const std::string &text)
 {
     int value = -1;
@@ -24,14 +24,15 @@ int read_percent(const std::string &text)
     return error == std::errc() && behind == end && value >= 0 && value <= most_growth ? value : -1;
 }
 
-// The default language's text, which may be empty to keep the item out, else the item's name.
+// The default language's text, which may be empty to keep the item out; without one, the item's
+// name.
 std::string text_to_translate(const LangSource &source, const item_t *item)
 {
     const lang_entry_t *entry = find_entry(item->langs, source.default_lang);
     return entry == nullptr ? or_empty(item->name) : text_of(entry);
 }
 
-// Gives every item its text. Returns how many of them are new or others than before.
+// Gives every item its text. Returns how many of them are new or have changed.
 std::size_t make_texts(LangSource *source, const char *language, const pseudo_how &how)
 {
     std::size_t changed = 0;
@@ -87,6 +88,7 @@ int run_pseudo(const word &self, int argc, char **argv)
         return status_fault;
     if (is_same_language(name.c_str(), source->default_lang))
         return wrong_use(self, "\"" + name + "\" is the language that the texts are made from");
+    // Accents need UTF-8.
     how.accents = source->format == LANG_SOURCE_UTF8;
     const lang_t *known = find_definition(source, name.c_str());
     const bool is_new = known == nullptr;
@@ -94,6 +96,7 @@ int run_pseudo(const word &self, int argc, char **argv)
         known = add_definition(source, name);
     const std::size_t changed = make_texts(source, known->name, how);
     std::printf("%s: %s\n", known->name, counted(changed, "new text").c_str());
+    // A source that has not changed is not written: no backup, no new time.
     const bool written = (changed == 0 && !is_new && output.empty()) ||
                          write({output.empty() ? line.files.front() : output, dry_run}, file);
     keep_to_the_end(std::move(file.source));

@@ -18,7 +18,7 @@ namespace zel::kit {
 
 namespace {
 
-// Where the page goes: a file that is whole or not there at all, or standard output.
+// Destination of the page: a file that is whole or not there at all, or standard output.
 class page_file {
 public:
     bool open(const std::string &path, bool dry_run)
@@ -43,6 +43,7 @@ public:
     }
     bool finish()
     {
+        // Not synced: the page can be made again.
         return dry_run_ || path_.empty() ||
                (say(file_.finish(synced::no)) && say(file_.put(target_)));
     }
@@ -61,7 +62,7 @@ private:
     safe_file file_;
 };
 
-// What lets the browser run the page's own script and style and nothing else.
+// The hash by which the browser runs the page's own script and style, and nothing else.
 std::string hash_of_part(std::string_view part)
 {
     std::array<guint8, 32> digest{};
@@ -79,6 +80,7 @@ std::string hash_of_part(std::string_view part)
 
 std::string policy()
 {
+    // A hostile source's texts can neither load nor run anything in the reader's browser.
     return "default-src 'none'; img-src data:; base-uri 'none'; form-action 'none'; style-src " +
            hash_of_part(report_page.css) + "; script-src " + hash_of_part(report_page.js);
 }
@@ -92,12 +94,13 @@ std::string date()
     return date_text("%Y-%m-%d %H:%M", now);
 }
 
-// Writes the page, with what the function adds in the place of its data.
+// Writes the page; the function adds the data in their place.
 template <class Data>
 void write_page(page_file &to, Data &&data)
 {
     std::string_view left = report_page.html;
     const std::string allowed = policy();
+    // In the page "@NAME@" stands for what is put in.
     for (std::size_t at = left.find('@'); at != std::string_view::npos; at = left.find('@')) {
         to.append(left.substr(0, at));
         left.remove_prefix(at + 1);
@@ -151,7 +154,7 @@ int run_report(const word &self, int argc, char **argv)
             files += data.add(source) ? 1U : 0U;
         data.end();
     });
-    // A page that shows nothing takes no other's place.
+    // A page that shows nothing must not replace another one.
     if (files == 0 || !page.finish())
         return status_fault;
     return files == line.files.size() ? status_fine : status_fault;

@@ -18,8 +18,8 @@ namespace zel::kit {
 
 namespace {
 
-// Prints a source record by record: a line for each, its values below it, one on a line, as far as
-// they are not those of a fresh record. A text of several lines has a line for each.
+// Prints a source record by record: a line for each record and its values below it, one on a line,
+// as far as they differ from those of a fresh record. A text of several lines has a line for each.
 class source_print {
 public:
     explicit source_print(const LangSource &source) : source_(source) {}
@@ -63,13 +63,14 @@ void source_print::print_name(const char *keyword, std::string_view name)
     out_ += '\n';
 }
 
-// Behind what names it, cut at line ends.
+// Prints a text behind what names it, cut at line ends.
 void source_print::print_text(GList *texts)
 {
     out_ += " \"";
     bool at_line_end = false;
     for (const char *text : each<char>(texts)) {
         for (text = or_empty(text); *text != '\0';) {
+            // The quotes are closed and opened again only if more text follows.
             if (at_line_end)
                 out_ += "\"\n    \"";
             const std::size_t plain = std::strcspn(text, escaped_bytes);
@@ -93,7 +94,8 @@ void source_print::print_entries(const char *before, GList *entries)
     }
 }
 
-// A language's name as it is printed. The items name the same ones in the same order.
+// A language's name as it is printed. The items name the same languages in the same order, so each
+// name is made once.
 const std::string &source_print::language(std::size_t at, std::string_view name)
 {
     if (at == languages_.size())
@@ -138,7 +140,7 @@ void source_print::print()
     flush(0);
 }
 
-// The file as it is. False when it cannot be read.
+// Prints the file as it is. False when it cannot be read.
 bool print_file(const std::string &path)
 {
     char *data = nullptr;

@@ -50,6 +50,7 @@ int run_start(const word &self, int argc, char **argv)
             return wrong_use(self, "\"" + *name + "\" is there twice");
     }
     const std::string &path = line.files.front();
+    // Looked at before access: a file that appears between the two is not overwritten.
     source_file file{source_guard(lang_alloc_group()), {seen_file(path)}};
     if (access(path.c_str(), F_OK) == 0)
         return wrong_use(self, "\"" + path + "\" is there already");

@@ -23,15 +23,17 @@ std::string name_of(const language_counts &language)
 
 constexpr std::size_t bar_columns = 20;
 
-// Tenths of a percent, so that only what is complete is 100.0.
+// In tenths of a percent, rounded down, so that only what is complete is 100.0.
 std::size_t per_mille(std::size_t done, std::size_t used)
 {
+    // Without an item in use, nothing is left to do.
     return used == 0 ? 1000 : done * 1000 / used;
 }
 
 std::string bar(std::size_t of_1000)
 {
     static constexpr std::array parts{"", "▏", "▎", "▍", "▌", "▋", "▊", "▉"};
+    // Each column can show eighths of a block.
     const std::size_t eighths = of_1000 * bar_columns * 8 / 1000;
     std::string out;
     for (std::size_t i = 0; i < eighths / 8; ++i)
@@ -47,13 +49,14 @@ std::string percent(std::size_t of_1000)
     return std::to_string(of_1000 / 10) + "." + std::to_string(of_1000 % 10) + " %";
 }
 
-// Columns that a text takes on a terminal.
+// How many columns a text takes on a terminal.
 std::size_t columns_of(const std::string &text)
 {
     std::size_t columns = 0;
     const char *end = text.data() + text.size();
     for (const char *at = text.data(); at < end;) {
         const gunichar c = g_utf8_get_char_validated(at, end - at);
+        // A byte that is no UTF-8 takes one column.
         const bool good = c < 0x110000;
         columns += good && g_unichar_iswide(c) ? 2U : good && g_unichar_iszerowidth(c) ? 0U : 1U;
         at = good ? g_utf8_next_char(at) : at + 1;
@@ -78,7 +81,7 @@ row row_of(const language_counts &one, std::size_t used)
             with_commas(one.done.characters)};
 }
 
-// Names and bars to the left, numbers to the right.
+// Prints names and bars to the left, numbers to the right.
 void print_rows(const std::vector<row> &rows)
 {
     std::vector<std::size_t> widths(rows.front().size());
@@ -147,12 +150,13 @@ struct stat_settings {
 double percent_of(const std::string &text)
 {
     char *end = nullptr;
+    // A decimal point in every locale.
     const double value = g_ascii_strtod(text.c_str(), &end);
     const bool good = !text.empty() && g_ascii_isdigit(text[0]) && *end == '\0' && value <= 100;
     return good ? value : -1;
 }
 
-// The languages of a source that are looked at: those that are named, else all.
+// The languages of a source that are wanted: those that are named, else all.
 std::vector<language_counts> chosen_of(const source_counts &counts, const stat_settings &given)
 {
     std::vector<language_counts> out;
@@ -163,8 +167,8 @@ std::vector<language_counts> chosen_of(const source_counts &counts, const stat_s
     return out;
 }
 
-// A line for each language with fewer texts than wanted: "french: 84.2 % of 31 items, 90 wanted".
-// False when there was one.
+// Prints a line for each language with fewer texts than wanted: "french: 84.2 % of 31 items, 90
+// wanted". False when there was one.
 bool print_below(const std::string &start, const source_counts &counts, const stat_settings &given,
                  std::FILE *to)
 {
@@ -172,6 +176,7 @@ bool print_below(const std::string &start, const source_counts &counts, const st
     bool enough = true;
     for (const language_counts &one : counts.languages) {
         const std::size_t done = given.ready ? one.ready : one.translated;
+        // Compared without rounding: 89.96 percent are fewer than 90.
         if (static_cast<double>(done) * 100 >= wanted * static_cast<double>(counts.used))
             continue;
         enough = false;
