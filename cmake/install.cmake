@@ -20,7 +20,7 @@ endforeach()
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs
         FILES_MATCHING PATTERN *.md PATTERN *.png
-        PATTERN architecture.md EXCLUDE PATTERN decisions.md EXCLUDE)
+        PATTERN architecture.md EXCLUDE PATTERN decisions*.md EXCLUDE)
 install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
         PATTERN *.sh EXCLUDE)
 install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples

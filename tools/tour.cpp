@@ -1,6 +1,7 @@
 // Walks through every window and dialog of the editor and saves a picture of each.
-//   gui_tour FOLDER SOURCE MODE WIDTH HEIGHT
-// The pictures are FOLDER/mMODE-WIDTH-NAME.png; the source is copied before it is touched.
+//   gui_tour FOLDER SOURCE MODE WIDTH HEIGHT [WORK-FOLDER]
+// The pictures are FOLDER/mMODE-WIDTH-NAME.png. The source is copied into the work folder, whose
+// path the pictures show, before it is touched; without one a temporary folder is made.
 
 #include "app/global.h"
 #include "config/ini.h"
@@ -272,8 +273,9 @@ void walk()
 int main(int argc, char **argv)
 {
     testing::InitGoogleTest(&argc, argv);
-    if (argc != 6 || !gtk_init_check(nullptr, nullptr)) {
-        std::fputs("usage: gui_tour FOLDER SOURCE MODE WIDTH HEIGHT, on a display\n", stderr);
+    if (argc < 6 || argc > 7 || !gtk_init_check(nullptr, nullptr)) {
+        std::fputs("usage: gui_tour FOLDER SOURCE MODE WIDTH HEIGHT [WORK-FOLDER], on a display\n",
+                   stderr);
         return 1;
     }
     const fs::path folder = fs::absolute(argv[1]);
@@ -283,7 +285,9 @@ int main(int argc, char **argv)
     width = std::atoi(argv[4]);
     height = std::atoi(argv[5]);
 
-    const fs::path work = fs::temp_directory_path() / ("lang-tour-" + std::to_string(getpid()));
+    const fs::path work =
+        argc > 6 ? fs::path(argv[6])
+                 : fs::temp_directory_path() / ("lang-tour-" + std::to_string(getpid()));
     fs::create_directories(work);
     fs::current_path(work);
     fs::copy_file(source, "notes.lang-src");
