@@ -340,7 +340,12 @@ TEST_F(Editor, KeysMoveSaveAndAskBeforeTheEnd)
         EXPECT_NE(ini, nullptr);
 
         answer_next([](GtkWidget *dialog) {
-            settle();
+            GtkWidget *question = find_text(dialog, "Discard changes ?");
+            gtk_widget_grab_focus(question);
+            gtk_label_select_region(GTK_LABEL(question), 0, 0);
+            for (int words = 0; words < 3; ++words)
+                key(dialog, GDK_KEY_Right, GDK_CONTROL_MASK);
+            settle(); // drawn with its caret
             key(dialog, GDK_KEY_Escape);
         });
         close_window()(mainWin);

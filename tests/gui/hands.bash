@@ -33,9 +33,9 @@ choose() {
     sleep 0.3
     keys Return
 }
-# Starts the editor and waits for its window.
+# Starts the editor and waits for its window. A complaint of the toolkit ends it.
 start() {
-    "$program" -zel >stdout 2>stderr &
+    G_DEBUG=fatal-criticals "$program" -zel >stdout 2>stderr &
     editor=$!
     window "$main"
 }

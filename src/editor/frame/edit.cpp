@@ -13,6 +13,7 @@
 #include "editor/panel/dictionary.h"
 #include "editor/state/edit-state.h"
 #include "editor/toolkit/accessible.h"
+#include "editor/toolkit/label-caret.h"
 #include "editor/toolkit/menu-grab.h"
 #include "editor/toolkit/theme.h"
 #include "editor/toolkit/ui-text.h"
@@ -217,6 +218,7 @@ int edit()
     zel::apply_theme();
     build_window();
     zel::close_hidden_menus();
+    zel::keep_carets_in_labels();
     // The window is there already, since its status line tells why the file cannot be read.
     if (def_file != nullptr && !zel::edit_read_source()) {
         std::puts("Error in language file");

@@ -1,6 +1,7 @@
 #include "editor/frame/path-field.h"
 
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -140,6 +141,40 @@ void selection_changed(GtkFileChooser *chooser, gpointer)
         gtk_editable_select_region(GTK_EDITABLE(entry), 0, -1);
 }
 
+// What is typed before the chooser is seen waits for it: the toolkit would complain of keys without
+// a window, and an Escape would destroy the chooser.
+struct early_keys {
+    explicit early_keys(GtkWidget *to) : chooser(to), snooper(gtk_key_snooper_install(hold, this))
+    {
+        gtk_grab_add(chooser);
+    }
+    early_keys(const early_keys &) = delete;
+    early_keys &operator=(const early_keys &) = delete;
+    ~early_keys()
+    {
+        gtk_grab_remove(chooser);
+        gtk_key_snooper_remove(snooper);
+        for (GdkEvent *event : held) {
+            gdk_event_put(event);
+            gdk_event_free(event);
+        }
+    }
+
+private:
+    static gint hold(GtkWidget *, GdkEventKey *event, gpointer data)
+    {
+        auto *keys = static_cast<early_keys *>(data);
+        if (gtk_grab_get_current() != keys->chooser)
+            return FALSE;
+        keys->held.push_back(gdk_event_copy(reinterpret_cast<GdkEvent *>(event)));
+        return TRUE;
+    }
+
+    GtkWidget *chooser;
+    std::vector<GdkEvent *> held;
+    guint snooper;
+};
+
 // Waits until the toolkit has taken the folder, which it does in its own time: a chooser that
 // appears before begins in another folder, and loses what stands in its field.
 void wait_for_folder(GtkWidget *chooser)
@@ -151,14 +186,12 @@ void wait_for_folder(GtkWidget *chooser)
     const guint wake = g_timeout_add(
         5, [](gpointer) -> gboolean { return TRUE; }, nullptr);
     gtk_widget_realize(chooser);
-    gtk_grab_add(chooser); // nothing else is typed in meanwhile
     gchar *folder = nullptr;
     while (folder == nullptr && g_get_monotonic_time() < end) {
         g_main_context_iteration(nullptr, TRUE);
         folder = gtk_file_chooser_get_current_folder(GTK_FILE_CHOOSER(chooser));
     }
     g_free(folder);
-    gtk_grab_remove(chooser);
     g_source_remove(wake);
 }
 
@@ -177,6 +210,7 @@ void show_path_field(GtkWidget *chooser, const char *preset)
                        FALSE, FALSE, 0);
     g_signal_connect(chooser, "key-press-event", G_CALLBACK(begin_path), nullptr);
     g_signal_connect(chooser, "set-focus", G_CALLBACK(focus_moved), nullptr);
+    const early_keys keys(chooser); // theirs is what is shown at the end
     wait_for_folder(chooser);
     gtk_widget_show(chooser);
     if (gtk_file_chooser_get_action(GTK_FILE_CHOOSER(chooser)) == GTK_FILE_CHOOSER_ACTION_SAVE)
