@@ -3,6 +3,7 @@
 #include "source/lang-write.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <ctime>
 #include <filesystem>
@@ -60,6 +61,12 @@ bool is_named_pipe(const std::string &path)
         return false;
     // A pipe that a shell made has no path of its own.
     return !std::filesystem::canonical(path, error).empty();
+}
+
+bool is_absent(const std::string &path)
+{
+    struct stat status {};
+    return stat(path.c_str(), &status) != 0 && errno == ENOENT;
 }
 
 source_guard read(const std::string &path, source_places *places)

@@ -15,6 +15,9 @@ namespace zel::kit {
 // for a command has no name.
 bool is_named_pipe(const std::string &path);
 
+// Whether the system says that nothing bears the path: what it does not tell counts as there.
+bool is_absent(const std::string &path);
+
 // Reads a source. Every message of the reader is one line on standard error with its place,
 // "FILE:LINE:COLUMN: error: MEANING [syntax]". Null when it cannot be read. A pipe that has a name
 // is not waited for.

@@ -8,12 +8,9 @@
 #include "source/item-index.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
-
-#include <sys/stat.h>
 
 namespace zel::kit {
 
@@ -42,12 +39,6 @@ struct check_settings {
     std::vector<std::string> fail_on, keywords;
     bool dry_run = false;
 };
-
-bool is_absent(const std::string &path)
-{
-    struct stat status;
-    return stat(path.c_str(), &status) != 0 && errno == ENOENT;
-}
 
 // Reads "00012:src/a.c" as the place of an item.
 noted used_at(const edit_t *group, const item_t *item)

@@ -1,5 +1,6 @@
 #include "kit/support/options.h"
 #include "kit/support/program.h"
+#include "kit/support/sources.h"
 #include "kit/words/word-list.h"
 #include "support/file_mem.h"
 #include "support/safe-file.h"
@@ -202,7 +203,7 @@ bool repository::add_line(const std::string &file, const std::string &line)
 {
     const std::string path = top_ + "/" + file;
     std::string text;
-    if (access(path.c_str(), F_OK) == 0) {
+    if (!is_absent(path)) {
         char *data = nullptr;
         const std::int64_t size = zel_read_file_to_mem(path.c_str(), &data);
         if (size < 0)

@@ -11,7 +11,6 @@
 
 #include <cstdio>
 #include <ctime>
-#include <unistd.h>
 #include <utility>
 
 namespace zel::kit {
@@ -139,7 +138,7 @@ int take_whole(const import_options &options, const std::vector<std::string> &fi
 {
     source_file before{nullptr, {seen_file(files[0])}};
     // A source that exists and cannot be read is not replaced.
-    if (access(files[0].c_str(), F_OK) == 0 && !(before = read_whole(files[0])))
+    if (!is_absent(files[0]) && !(before = read_whole(files[0])))
         return status_fault;
     std::string bytes;
     exchange::fault wrong = exchange::read_input(files[1], bytes);
@@ -189,7 +188,7 @@ int make_new(const word &self, import_options &options, const exchange::format &
         return wrong_use(self, "--new is for --format po");
     if (options.output.empty())
         return wrong_use(self, "--new needs -o FILE");
-    if (access(options.output.c_str(), F_OK) == 0)
+    if (!is_absent(options.output))
         return wrong_use(self, "\"" + options.output + "\" is there already");
     options.fresh.guesses = options.request.guesses;
     options.fresh.now = std::time(nullptr);

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <ctime>
-#include <unistd.h>
 
 namespace zel::kit {
 
@@ -50,9 +49,9 @@ int run_start(const word &self, int argc, char **argv)
             return wrong_use(self, "\"" + *name + "\" is there twice");
     }
     const std::string &path = line.files.front();
-    // Looked at before access: a file that appears between the two is not overwritten.
+    // Looked at before: a file that appears between the two is not overwritten.
     source_file file{source_guard(lang_alloc_group()), {seen_file(path)}};
-    if (access(path.c_str(), F_OK) == 0)
+    if (!is_absent(path))
         return wrong_use(self, "\"" + path + "\" is there already");
 
     LangSource *source = file.source.get();
