@@ -235,8 +235,10 @@ TEST_F(Below, FieldsKeepTheirLinesAndTheHelpTakesWhatIsLeft)
         longer += "mot ";
     text.replace(text.find("\"Ou\" \"vrir\""), 11, "\"" + longer + "\"");
     write_file(source(), text);
-    for (const auto &[font, mode] : std::vector<std::pair<const char *, unsigned>>{
+    for (const auto &row : std::vector<std::pair<const char *, unsigned>>{
              {"Sans 10", 0}, {"Sans 10", 1}, {"Sans 10", 2}, {other_font, 0}, {other_font, 2}}) {
+        const char *const font = row.first;
+        const unsigned mode = row.second;
         SCOPED_TRACE(font);
         set_font(font);
         lang_global.editor_mode = mode;

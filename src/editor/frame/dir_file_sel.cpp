@@ -105,7 +105,7 @@ struct chooser {
             start_in(folder);
             return {};
         }
-        const std::string shown = zel::utf8_shown(whole.filename().c_str());
+        std::string shown = zel::utf8_shown(whole.filename().c_str());
         const bool is_there = std::filesystem::exists(whole, error);
         // A file that exists is selected, so that the list shows it.
         if (writes && is_there) {
