@@ -70,13 +70,14 @@ using StoreFaultsSlow = StoreFaults;
 // Of every call with every error, `./dev faults` tells that no setting is lost.
 TEST_F(StoreFaults, AWriteThatFailsLeavesTheOldFileAndNothingBesideIt)
 {
-    for (const auto &[call, error] : {std::pair{"write", ENOSPC},
-                                      {"fsync", EIO},
-                                      {"rename", EXDEV},
-                                      {"fdopen", ENOMEM},
-                                      {"open", EMFILE}}) {
+    for (const auto &row : {std::pair{"write", ENOSPC},
+                            {"fsync", EIO},
+                            {"rename", EXDEV},
+                            {"fdopen", ENOMEM},
+                            {"open", EMFILE}}) {
+        const char *const call = row.first;
         prepare();
-        run([&] { armed = {call, 1, error, true, false, {}}; }, [] { armed.call = ""; });
+        run([&] { armed = {call, 1, row.second, true, false, {}}; }, [] { armed.call = ""; });
         EXPECT_TRUE(armed.struck) << call;
         EXPECT_EQ(read_file("a.ini"), old_file) << call;
         EXPECT_EQ(file_count(), 1U) << call;
