@@ -483,8 +483,8 @@ struct sign {
 };
 constexpr auto signs = [] {
     std::array<sign, 256> table{};
-    for (const unsigned char alone : std::string_view("$%()*,.:;?[\\]{}~"))
-        table[alone] = {0, alone};
+    for (const char alone : std::string_view("$%()*,.:;?[\\]{}~"))
+        table[static_cast<unsigned char>(alone)] = {0, alone};
     table['!'] = {'=', TOKEN_NE};
     table['&'] = {'&', TOKEN_AND};
     table['|'] = {'|', TOKEN_OR};
