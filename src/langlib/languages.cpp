@@ -129,7 +129,9 @@ bool read_part(std::string_view part, tag_parts &parts)
     const bool letters = part.size() == 2 && all(part, is_letter);
     if ((!letters && (part.size() != 3 || !all(part, is_digit))) || parts.territory[0] != '\0')
         return false;
-    std::transform(part.begin(), part.end(), parts.territory, upper);
+    for (std::size_t i = 0; i < part.size() && i < 3;
+         ++i) // GCC does not see that there are no more
+        parts.territory[i] = upper(part[i]);
     return true;
 }
 
