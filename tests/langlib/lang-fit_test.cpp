@@ -103,7 +103,7 @@ TEST(FormatOr, LongTexts)
     EXPECT_EQ(lang_format_or(other.c_str(), many.c_str()), many.c_str());
     const std::string less = other.substr(2);
     EXPECT_EQ(lang_format_or(less.c_str(), many.c_str() + 2), less.c_str());
-    const std::string signs(1000000, '%');
+    const std::string signs(20000, '%'); // a sanitizer looks at all of it for each
     EXPECT_EQ(lang_format_or(signs.c_str(), "x"), signs.c_str());
     EXPECT_STREQ(lang_format_or(signs.c_str() + 1, "x"), "x");
 }
