@@ -84,9 +84,9 @@ public:
         sources_.push_back(std::make_unique<lint_source>());
         lint_source &source = *sources_.back();
         if (!source.read(path)) {
-            sources_.pop_back();
             unreadable_ = true;
             output_.add_unreadable(path, source.failure());
+            sources_.pop_back();
             return;
         }
         ++files_;
