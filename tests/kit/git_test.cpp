@@ -270,6 +270,13 @@ TEST_F(Git, TheHookJudgesWhatIsCommitted)
     write_file("b.c", "");
     commit("code");
     EXPECT_EQ(git("log --oneline --format=%s"), "code\ngood\n");
+    // Where the project names its code, the source must have what the code asks for.
+    write_file("a b/lang-kit.ini", "[project]\ncode=.\n");
+    write_file("a b/c.c", "lang_get_string(\"menu\", \"Gone\");\n");
+    git("add -A");
+    EXPECT_THAT(git("commit -m new", 1), HasSubstr("1 new: menu:Gone (./a b/./c.c:1)"));
+    write_file("a b/c.c", "");
+    commit("code");
     // A hook of an older version is renewed.
     write_file(".git/hooks/pre-commit", "#!/bin/sh\n# lang-kit git --hook: old\nexit 1\n");
     EXPECT_THAT(kit("git --hook").out, HasSubstr("pre-commit: lang-kit lint"));

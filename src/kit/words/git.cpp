@@ -50,22 +50,32 @@ constexpr struct {
 constexpr const char *hook_mark = "# lang-kit git --hook";
 constexpr const char *hook_text =
     "#!/bin/sh\n"
-    "# lang-kit git --hook: no commit with a language source in which lint finds an error.\n"
+    "# lang-kit git --hook: no commit with a language source in which lint finds an error, nor,\n"
+    "# where a lang-kit.ini names the code, with code that asks for what the source lacks.\n"
     "# It judges what will be committed, not the files beside it.\n"
     "folder=$(mktemp -d) || exit 1\n"
     "trap 'rm -rf \"$folder\"' EXIT\n"
     "git diff --cached --name-only -z --diff-filter=ACMRT -- '*.lang-src' |\n"
     "    git checkout-index -z --stdin --prefix=\"$folder/\" || exit 1\n"
-    "cd \"$folder\" && find . -type f -name '*.lang-src' -exec @ lint \\\n"
-    "    --without unused,not-ready,same {} +\n";
+    "(cd \"$folder\" && find . -type f -name '*.lang-src' -exec @ lint \\\n"
+    "    --without unused,not-ready,same {} +) || exit 1\n"
+    "git grep -q --cached -e '^code *=' -- lang-kit.ini '*/lang-kit.ini' || exit 0\n"
+    "git checkout-index -a -f --prefix=\"$folder/\" || exit 1\n"
+    "cd \"$folder\" && find . -type f -name lang-kit.ini -exec sh -c 'for ini do\n"
+    "    grep -q \"^code *=\" \"$ini\" || continue\n"
+    "    for source in \"${ini%/*}\"/*.lang-src; do\n"
+    "        \"$0\" check --dry-run --fail-on new,unread \"$source\" >&2 || exit 1\n"
+    "    done\n"
+    "done' @ {} +\n";
 
 std::string with_own_command(std::string text, bool percents = false)
 {
     std::string command = own_command();
     for (std::size_t at = 0; percents && (at = command.find('%', at)) != std::string::npos; at += 2)
         command.insert(at, 1, '%');
-    const std::size_t at = text.find('@');
-    return at == std::string::npos ? text : text.replace(at, 1, command);
+    for (std::size_t at = 0; (at = text.find('@', at)) != std::string::npos; at += command.size())
+        text.replace(at, 1, command);
+    return text;
 }
 
 // The set-up of one repository. Each step does what is not done yet, says so on standard output,
