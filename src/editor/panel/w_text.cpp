@@ -425,4 +425,17 @@ bool text_focus_field(Zeltext *text, int field)
     return true;
 }
 
+void text_focus_translation(Zeltext *text, LangSource *source)
+{
+    if (source == nullptr)
+        return;
+    const char *lang1 = nullptr;
+    const char *lang2 = nullptr;
+    misc_select_edit_lang(source, &lang1, &lang2);
+    const bool first_is_own = g_strcmp0(lang1, source->default_lang) == 0;
+    // One of the languages may be missing.
+    if (!text_focus_field(text, first_is_own ? TEXT_TRANS2 : TEXT_TRANS1))
+        text_focus_field(text, first_is_own ? TEXT_TRANS1 : TEXT_TRANS2);
+}
+
 } // namespace zel

@@ -46,6 +46,10 @@ int text_focused_field(Zeltext *text);
 // Gives a field the keyboard, with the caret behind its text; false when it is not shown.
 bool text_focus_field(Zeltext *text, int field);
 
+// Gives the keyboard to the field that is translated into: that of the shown language which is not
+// the source's own. Does nothing without a source.
+void text_focus_translation(Zeltext *text, LangSource *source);
+
 // Around writing the source: removes the empty entries that were made for the shown item, and makes
 // them again.
 bool text_is_made(const Zeltext *text, const lang_entry_t *entry); // whether it is one of them

@@ -34,4 +34,7 @@ private:
     std::vector<std::unique_ptr<bound>> keys_;
 };
 
+// Gives a button of the item table a key of the main window, which acts on every page of it.
+void add_button_key(GtkWidget *button, guint keyval, GdkModifierType modifiers);
+
 } // namespace zel

@@ -5,6 +5,7 @@
 #include "editor/panel/spelling.h"
 #include "editor/panel/w_text.h"
 #include "editor/state/edit-state.h"
+#include "editor/state/key-set.h"
 #include "editor/table/w_tab_filter.h"
 #include "editor/table/w_tab_found.h"
 #include "editor/table/w_tab_icons.h"
@@ -211,38 +212,16 @@ void show_rows(ZelTabEdit *tab, const std::vector<std::uint32_t> &shown)
     gtk_tree_view_set_model(view_of(tab), tab->sort_model);
 }
 
-// The rows that the filters let through and whose item matches.
-template <class Match>
-std::vector<std::uint32_t> matching_rows(ZelTabEdit *tab, Match matches)
-{
-    const std::vector<zel::tab_row> &rows = rows_of(tab).rows;
-    std::vector<std::uint32_t> shown;
-    shown.reserve(rows.size());
-    for (std::uint32_t row = 0; row < rows.size(); ++row) {
-        if (matches(rows[row].item) && !tab->work->hides(row))
-            shown.push_back(row);
-    }
-    return shown;
-}
-
-// Filters the rows. When the search by bytes finds nothing, upper and lower case of all scripts
-// count as equal.
+// Filters the rows.
 void refilter(ZelTabEdit *tab)
 {
     tab->search_words = zel::tab_search_words(gtk_entry_get_text(GTK_ENTRY(tab->search_entry)));
     zel::tab_filter filter{tab->search_words, nullptr, nullptr, lang_global.only_untranslated != 0,
                            lang_global.whatsnew_since};
     misc_select_edit_lang(tab->lang_source, &filter.lang1, &filter.lang2);
-    std::vector<std::uint32_t> shown =
-        matching_rows(tab, [&](item_t *item) { return filter_func(filter, item); });
-    const zel::assist::folded_words &folded = tab->search->words();
-    if (shown.empty() && !folded.empty()) {
-        // The words are searched in the folded form now; the other filters stay.
-        filter.words = nullptr;
-        shown = matching_rows(tab, [&](item_t *item) {
-            return filter_func(filter, item) && folded.are_in(item, filter.lang1, filter.lang2);
-        });
-    }
+    const std::vector<std::uint32_t> shown =
+        zel::tab_filtered_rows(rows_of(tab), filter, tab->search->words(),
+                               [tab](std::uint32_t row) { return tab->work->hides(row); });
     zel::tab_show_found(tab->found_label,
                         {shown.size(), rows_of(tab).rows.size(), tab->search_words != nullptr,
                          filter.only_untranslated, tab->work->filters()});
@@ -277,26 +256,9 @@ gboolean tree_filter_changed_cb(GtkWidget *, gpointer data)
     return TRUE;
 }
 
-// The key works on another page of the notebook, too, where the button is not shown.
-gboolean always_reachable(GtkWidget *widget, guint, gpointer)
-{
-    return gtk_widget_is_sensitive(widget);
-}
-
-// Gives the keyboard to the field that is translated into: that of the shown language which is not
-// the source's own.
 void focus_translation(ZelTabEdit *tab)
 {
-    const char *lang1 = nullptr;
-    const char *lang2 = nullptr;
-    if (tab->lang_source == nullptr)
-        return;
-    misc_select_edit_lang(tab->lang_source, &lang1, &lang2);
-    const bool first_is_own = g_strcmp0(lang1, tab->lang_source->default_lang) == 0;
-    Zeltext *text = ZEL_TEXT(tab->text_widget);
-    // One of the languages may be missing.
-    if (!zel::text_focus_field(text, first_is_own ? TEXT_TRANS2 : TEXT_TRANS1))
-        zel::text_focus_field(text, first_is_own ? TEXT_TRANS1 : TEXT_TRANS2);
+    zel::text_focus_translation(ZEL_TEXT(tab->text_widget), tab->lang_source);
 }
 
 void row_activated_cb(GtkTreeView *, GtkTreePath *, GtkTreeViewColumn *, gpointer data)
@@ -321,15 +283,6 @@ void destroy_cb(GtkObject *, gpointer data)
     g_clear_object(&tab->pix_passive);
     remember_selected(tab, -1);
     zel::tab_drop_shot();
-}
-
-// Adds a key of the main window; it acts at once, where "activate" would first draw the button
-// pressed.
-void add_key(GtkWidget *button, guint key, GdkModifierType modifier)
-{
-    if (accel_group != nullptr)
-        gtk_widget_add_accelerator(button, "clicked", accel_group, key, modifier,
-                                   static_cast<GtkAccelFlags>(0));
 }
 
 void make_models(ZelTabEdit *tab)
@@ -377,9 +330,7 @@ GtkWidget *make_text_side(ZelTabEdit *tab)
     tab->ready_button = gtk_check_button_new_with_label(zel::ui_text("tab-edit", "Ready"));
     gtk_widget_set_tooltip_text(tab->ready_button, zel::ui_text("common", "Toggle ready (ALT+M)"));
     g_signal_connect(tab->ready_button, "toggled", G_CALLBACK(change_ready_cb), tab);
-    g_signal_connect(tab->ready_button, "can-activate-accel", G_CALLBACK(always_reachable),
-                     nullptr);
-    add_key(tab->ready_button, GDK_KEY_m, GDK_MOD1_MASK);
+    zel::add_button_key(tab->ready_button, GDK_KEY_m, GDK_MOD1_MASK);
     gtk_box_pack_start(GTK_BOX(box), tab->text_widget, TRUE, TRUE, 0);
     gtk_box_pack_start(GTK_BOX(box), tab->ready_button, FALSE, FALSE, 0);
     return box;

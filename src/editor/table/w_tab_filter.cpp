@@ -58,6 +58,30 @@ GList *tab_search_words(const char *text)
 
 void free_search_words(GList *words) { g_list_free_full(words, g_free); }
 
+std::vector<std::uint32_t> tab_filtered_rows(const tab_rows &rows, const tab_filter &filter,
+                                             const assist::folded_words &folded,
+                                             const std::function<bool(std::uint32_t row)> &hidden)
+{
+    const auto matching = [&](const auto &matches) {
+        std::vector<std::uint32_t> shown;
+        shown.reserve(rows.rows.size());
+        for (std::uint32_t row = 0; row < rows.rows.size(); ++row)
+            if (matches(rows.rows[row].item) && !hidden(row))
+                shown.push_back(row);
+        return shown;
+    };
+    std::vector<std::uint32_t> shown =
+        matching([&](item_t *item) { return filter_func(filter, item); });
+    if (!shown.empty() || folded.empty())
+        return shown;
+    // The words are searched in the folded form now; the other filters stay.
+    tab_filter others = filter;
+    others.words = nullptr;
+    return matching([&](item_t *item) {
+        return filter_func(others, item) && folded.are_in(item, filter.lang1, filter.lang2);
+    });
+}
+
 } // namespace zel
 
 bool filter_func(const zel::tab_filter &filter, item_t *item)

@@ -6,7 +6,11 @@
 #include <glib.h>
 
 #include <cstdint>
+#include <functional>
+#include <vector>
 
+#include "assist/fold.h"
+#include "editor/table/w_tab_model.h"
 #include "source/model.h"
 
 namespace zel {
@@ -23,6 +27,12 @@ struct tab_filter {
 // an empty word. Null for an empty text.
 [[nodiscard]] GList *tab_search_words(const char *text);
 void free_search_words(GList *words);
+
+// The numbers of the rows that the filter lets through and nothing else hides. When the search by
+// bytes finds none, upper and lower case of all scripts count as equal.
+[[nodiscard]] std::vector<std::uint32_t>
+tab_filtered_rows(const tab_rows &rows, const tab_filter &filter, const assist::folded_words &folded,
+                  const std::function<bool(std::uint32_t row)> &hidden);
 
 } // namespace zel
 

@@ -2,6 +2,7 @@
 
 #include "app/global.h"
 #include "editor/state/edit-state.h"
+#include "editor/state/key-set.h"
 #include "editor/toolkit/accessible.h"
 #include "editor/toolkit/text-places.h"
 #include "editor/toolkit/theme.h"
@@ -25,12 +26,6 @@ GtkWidget *make_icon_button(const char *stock, GtkIconSize size, const char *too
     gtk_widget_set_tooltip_text(button, tooltip);
     set_accessible_name(button, tooltip);
     return button;
-}
-
-// The key works on another page of the notebook, too, where the button is not shown.
-gboolean always_reachable(GtkWidget *widget, guint, gpointer)
-{
-    return gtk_widget_is_sensitive(widget);
 }
 
 void follow_style(GtkWidget *view, GtkStyle *, gpointer tag)
@@ -71,11 +66,7 @@ void tab_search::make_row()
     GtkWidget *find = make_icon_button(GTK_STOCK_FIND, GTK_ICON_SIZE_LARGE_TOOLBAR,
                                        ui_text("common", "Find (Ctrl+F)"));
     g_signal_connect(find, "clicked", G_CALLBACK(find_clicked), this);
-    g_signal_connect(find, "can-activate-accel", G_CALLBACK(always_reachable), nullptr);
-    // "clicked" acts at once, where "activate" would first draw the button pressed.
-    if (accel_group != nullptr)
-        gtk_widget_add_accelerator(find, "clicked", accel_group, GDK_KEY_f, GDK_CONTROL_MASK,
-                                   static_cast<GtkAccelFlags>(0));
+    add_button_key(find, GDK_KEY_f, GDK_CONTROL_MASK);
 
     entry_ = gtk_entry_new();
     draw_line_in_dark(entry_);

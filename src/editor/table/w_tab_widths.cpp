@@ -6,9 +6,7 @@
 #include "support/text.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
-#include <memory>
 #include <numeric>
 
 namespace {
@@ -106,53 +104,6 @@ void spread(std::vector<int> &widths, const std::vector<column_need> &needs, int
             widths[i] += room / texts;
 }
 
-// Estimates the widths of many texts by their characters, without a layout for each: close enough
-// to tell which few are worth a layout.
-class estimate {
-public:
-    // The estimate for the layout's font; measured again only for another font.
-    static const estimate &of(PangoLayout *layout)
-    {
-        static std::string font;
-        static estimate last;
-        PangoContext *context = pango_layout_get_context(layout);
-        gchar *name = pango_font_description_to_string(pango_context_get_font_description(context));
-        if (font != name) {
-            font = name;
-            last.measure(layout);
-        }
-        g_free(name);
-        return last;
-    }
-    // Upper bound for one byte's width.
-    std::size_t widest() const { return static_cast<std::size_t>(widest_); }
-    int operator()(const char *text) const
-    {
-        int width = 0;
-        for (; *text != '\0'; ++text) {
-            const auto byte = static_cast<unsigned char>(*text);
-            if (byte < widths_.size())
-                width += widths_[byte];
-            else if (byte >= 0xc0)
-                width += byte < 0xe0 ? widths_['w'] : 2 * widths_['n']; // other scripts are wider
-        }
-        return width;
-    }
-
-private:
-    void measure(PangoLayout *layout)
-    {
-        for (std::size_t c = ' '; c < widths_.size(); ++c) {
-            const char letter = static_cast<char>(c);
-            pango_layout_set_text(layout, &letter, 1);
-            pango_layout_get_size(layout, &widths_[c], nullptr);
-        }
-        widest_ = std::max(1, *std::max_element(widths_.begin(), widths_.end()));
-    }
-    std::array<int, 0x7f> widths_{}; // in Pango units
-    int widest_ = 1;
-};
-
 int text_width(PangoLayout *layout, const char *text)
 {
     int width = 0;
@@ -161,47 +112,25 @@ int text_width(PangoLayout *layout, const char *text)
     return width;
 }
 
-// Finds the widest of many texts: the estimate picks some candidates, and the font measures these.
-class widest_text {
-public:
-    explicit widest_text(const estimate &guess) : guess_(guess) {}
-    void add(const char *text)
-    {
-        if (text == nullptr)
-            return;
-        const bool full = best_.size() == candidates;
-        // A short text cannot be among the widest, whatever its letters are.
-        if (full &&
-            std::strlen(text) <= static_cast<std::size_t>(best_.front().width) / guess_.widest())
-            return;
-        const int width = guess_(text);
-        if (full && width <= best_.front().width)
-            return;
-        if (full) {
-            std::pop_heap(best_.begin(), best_.end());
-            best_.pop_back();
-        }
-        best_.push_back({width, text});
-        std::push_heap(best_.begin(), best_.end());
-    }
-    int pixels(PangoLayout *layout) const
-    {
-        int width = 0;
-        for (const candidate &text : best_)
-            width = std::max(width, text_width(layout, zel::utf8_shown(text.text).c_str()));
-        return width;
-    }
-
-private:
-    static constexpr std::size_t candidates = 8;
-    struct candidate {
-        int width;
-        const char *text;
-        bool operator<(const candidate &other) const { return width > other.width; }
-    };
-    const estimate &guess_;
-    std::vector<candidate> best_;
+// A name and the bytes that it has: they tell well enough which few names are worth a layout.
+struct sized_name {
+    std::size_t size;
+    const char *name;
 };
+
+// The pixels of the widest of many names.
+int widest(PangoLayout *layout, std::vector<sized_name> &names)
+{
+    constexpr std::size_t candidates = 16;
+    const std::size_t measured = std::min(candidates, names.size());
+    std::nth_element(names.begin(), names.begin() + static_cast<std::ptrdiff_t>(measured),
+                     names.end(),
+                     [](const sized_name &a, const sized_name &b) { return a.size > b.size; });
+    int width = 0;
+    for (std::size_t i = 0; i < measured; ++i)
+        width = std::max(width, text_width(layout, zel::utf8_shown(names[i].name).c_str()));
+    return width;
+}
 
 // A text of the language columns is cut anyway: the first rows tell the usual width.
 int usual_text(PangoLayout *layout, const zel::tab_rows &rows, const std::string *lang)
@@ -242,9 +171,13 @@ struct measures {
 
     measures(PangoLayout *with, const zel::tab_rows &of) : layout(with), rows(of)
     {
-        const estimate &guess = estimate::of(layout);
-        widest_text groups(guess);
-        widest_text items(guess);
+        std::vector<sized_name> groups;
+        std::vector<sized_name> items;
+        const auto add = [](std::vector<sized_name> &to, const char *name) {
+            if (name != nullptr)
+                to.push_back({std::strlen(name), name});
+        };
+        items.reserve(rows.rows.size());
         const edit_t *last = nullptr;
         // Fetching the names ahead cuts the time for a large source to a quarter.
         constexpr std::size_t ahead = 8;
@@ -256,12 +189,12 @@ struct measures {
             const zel::tab_row &row = rows.rows[i];
             // Rows of one group follow one another: its name is measured once.
             if (row.group != last)
-                groups.add(row.group->name);
+                add(groups, row.group->name);
             last = row.group;
-            items.add(row.item->name);
+            add(items, row.item->name);
         }
-        widest_group = groups.pixels(layout);
-        widest_item = items.pixels(layout);
+        widest_group = widest(layout, groups);
+        widest_item = widest(layout, items);
     }
     text_need need_of(const tab_column_row &row) const
     {
