@@ -4,6 +4,7 @@
 #include "assist/words.h"
 #include "config/ini.h"
 #include "editor/panel/dictionary.h"
+#include "editor/toolkit/slices.h"
 #include "editor/toolkit/text-places.h"
 #include "editor/toolkit/theme.h"
 #include "editor/toolkit/ui-text.h"
@@ -107,9 +108,7 @@ public:
     }
     ~speller()
     {
-        // Timer and handlers point to this object and to its fields.
-        if (timer_ != 0)
-            g_source_remove(timer_);
+        // The handlers point to the fields of this object.
         for (const spelled_field &field : fields_)
             for (const gpointer object : {gpointer{field.view}, gpointer{field.buffer()}})
                 g_signal_handlers_disconnect_matched(object, G_SIGNAL_MATCH_DATA, 0, 0, nullptr,
@@ -133,10 +132,8 @@ public:
             scan_.field = nullptr;
         // The first check waits until the window is drawn; later ones begin as soon as nothing else
         // is to be done.
-        if (timer_ == 0)
-            timer_ = looked_ ? g_idle_add_full(G_PRIORITY_LOW, slice, this, nullptr)
-                             : g_timeout_add_full(G_PRIORITY_LOW, zel::before_first_spelling, slice,
-                                                  this, nullptr);
+        if (!checks_.wait())
+            checks_.begin(looked_ ? 0 : static_cast<int>(zel::before_first_spelling));
     }
     void look_at_all_again()
     {
@@ -146,13 +143,13 @@ public:
 
 private:
     void watch(spelled_field &field, int number);
-    static gboolean slice(gpointer self);
+    int check_slice();
     bool look_at(spelled_field &field, gint64 end);
 
     Zeltext *text_;
     std::array<spelled_field, TEXT_FIELDS> fields_;
     text_scan scan_;
-    guint timer_ = 0;
+    zel::slices checks_{[this] { return check_slice(); }};
     bool looked_ = false; // the first time has come
 };
 
@@ -180,22 +177,19 @@ bool speller::look_at(spelled_field &field, gint64 end)
 }
 
 // A slice: one text, or one dictionary, so that the window answers keys in between.
-gboolean speller::slice(gpointer data)
+int speller::check_slice()
 {
-    auto *self = static_cast<speller *>(data);
     const gint64 end = g_get_monotonic_time() + spelling_slice;
-    self->timer_ = 0;
-    self->looked_ = true;
-    for (spelled_field &field : self->fields_) {
+    looked_ = true;
+    for (spelled_field &field : fields_) {
         if (!field.stale)
             continue;
-        if (self->look_at(field, end))
+        if (look_at(field, end))
             field.stale = false;
         // Each slice ends here: a key that waits is handled before the next field.
-        self->timer_ = g_idle_add_full(G_PRIORITY_LOW, slice, self, nullptr);
-        break;
+        return 0;
     }
-    return FALSE;
+    return zel::slices::finished;
 }
 
 void on_change(GtkTextBuffer *, gpointer data)

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "assist/neighbours.h"
+#include "editor/toolkit/slices.h"
 
 namespace zel {
 
@@ -34,12 +35,12 @@ public:
 
 private:
     static gint key_pressed(GtkWidget *, GdkEventKey *, gpointer self);
-    static gboolean turn(gpointer self);
+    int turn();
 
     std::function<void()> more_;
     assist::neighbour_texts texts_;
     gint64 last_key_ = 0;
-    guint timer_ = 0;
+    slices turns_{[this] { return turn(); }};
     guint snooper_ = 0;
 };
 

@@ -18,9 +18,9 @@ namespace zel {
 namespace {
 
 // Indexing comes after the judging of the rows, whose marks the user sees at once.
-constexpr guint before_indexing = 300; // milliseconds
-constexpr guint between_indexing = 8;
-constexpr gint64 indexing_slice = 4000; // microseconds
+constexpr int before_indexing = 300; // milliseconds
+constexpr int between_indexing = 8;
+constexpr gint64 indexing_time = 4000; // microseconds
 constexpr std::uint32_t rows_indexed_at_once = 16;
 static_assert(TEXT_TRANS1 == 0 && TEXT_TRANS2 == 1, "arrays have a place for each of them");
 
@@ -76,9 +76,7 @@ tab_suggest::tab_suggest(std::shared_ptr<tab_rows> rows, Zeltext *panel)
 
 void tab_suggest::stop()
 {
-    if (timer_ != 0)
-        g_source_remove(timer_);
-    timer_ = 0;
+    indexing_.stop();
     keys_.clear();
     neighbours_.stop();
     index_.reset(0);
@@ -122,35 +120,28 @@ lang_entry_t *tab_suggest::translation(std::uint32_t row, int field) const
 
 void tab_suggest::rows_changed()
 {
-    if (timer_ != 0)
-        g_source_remove(timer_);
     index_.reset(rows_->rows.size());
     // Slices begin again with the first row.
     next_row_ = 0;
     item_shown(-1);
-    timer_ = g_timeout_add_full(G_PRIORITY_LOW, before_indexing, slice, this, nullptr);
+    indexing_.begin(before_indexing);
 }
 
-gboolean tab_suggest::slice(gpointer data)
+int tab_suggest::index_slice()
 {
-    auto *self = static_cast<tab_suggest *>(data);
-    const gint64 end = g_get_monotonic_time() + indexing_slice;
-    std::uint32_t looks = 0;
-    // The clock is read once for several rows, since a row takes less time than many looks at it.
-    do {
-        if (self->next_row_ >= self->index_.count()) {
-            self->timer_ = 0;
-            // The item is shown before the index is complete: what was found for it may be better
-            // now.
-            self->suggest_all();
-            // The neighbours come last, since their texts count less and their files must be read.
-            self->read_neighbours();
-            return FALSE;
-        }
-        self->index_.add(self->next_row_++);
-    } while (++looks % rows_indexed_at_once != 0 || g_get_monotonic_time() < end);
-    self->timer_ = g_timeout_add_full(G_PRIORITY_LOW, between_indexing, slice, self, nullptr);
-    return FALSE;
+    const bool complete = work_for(indexing_time, rows_indexed_at_once, [this] {
+        if (next_row_ >= index_.count())
+            return false;
+        index_.add(next_row_++);
+        return true;
+    });
+    if (!complete)
+        return between_indexing;
+    // The item is shown before the index is complete: what was found for it may be better now.
+    suggest_all();
+    // The neighbours come last, since their texts count less and their files must be read.
+    read_neighbours();
+    return slices::finished;
 }
 
 void tab_suggest::read_neighbours()

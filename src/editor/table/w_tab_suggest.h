@@ -20,6 +20,7 @@
 #include "editor/state/key-set.h"
 #include "editor/table/w_tab_model.h"
 #include "editor/table/w_tab_neighbours.h"
+#include "editor/toolkit/slices.h"
 
 namespace zel {
 
@@ -41,7 +42,7 @@ public:
     void stop();
 
 private:
-    static gboolean slice(gpointer self);
+    int index_slice();
     void add_keys();
     const std::string *lang_of(int field) const;
     bool is_translated_into(int field) const;
@@ -71,7 +72,7 @@ private:
         std::string line; // and as it is shown under the field
     };
     std::array<offer, 2> offers_;
-    guint timer_ = 0;
+    slices indexing_{[this] { return index_slice(); }};
     key_set keys_;
 };
 

@@ -17,9 +17,9 @@ namespace zel {
 namespace {
 
 // Slices let the toolkit have its turn; the wait before the first one lets the window appear.
-constexpr guint before_judging = 50; // milliseconds
-constexpr guint between_judging = 4;
-constexpr gint64 judging_slice = 4000; // microseconds
+constexpr int before_judging = 50; // milliseconds
+constexpr int between_judging = 4;
+constexpr gint64 judging_time = 4000; // microseconds
 constexpr std::uint32_t rows_judged_at_once = 32;
 
 const char *name_of(const std::unique_ptr<std::string> &lang)
@@ -66,9 +66,7 @@ tab_work::~tab_work() { stop(); }
 
 void tab_work::stop()
 {
-    if (timer_ != 0)
-        g_source_remove(timer_);
-    timer_ = 0;
+    judging_.stop();
     keys_.clear();
     progress_.reset(0);
     item_row_ = -1;
@@ -105,31 +103,25 @@ void tab_work::judge_all()
     show_progress();
 }
 
-gboolean tab_work::slice(gpointer data)
+int tab_work::judge_slice()
 {
-    auto *self = static_cast<tab_work *>(data);
-    assist::judge judge = self->make_judge();
-    const gint64 end = g_get_monotonic_time() + judging_slice;
-    std::uint32_t looks = 0;
-    // The clock is read once for several rows, since a row takes microseconds.
-    do {
-        const std::size_t row = self->progress_.first_unknown(self->next_row_);
-        self->next_row_ = static_cast<std::uint32_t>(row);
-        if (row == self->progress_.count()) {
-            self->timer_ = 0;
-            self->show_progress();
-            return FALSE;
-        }
-        self->judge_row(judge, self->next_row_);
-    } while (++looks % rows_judged_at_once != 0 || g_get_monotonic_time() < end);
-    self->timer_ = g_timeout_add_full(G_PRIORITY_LOW, between_judging, slice, self, nullptr);
-    return FALSE;
+    assist::judge judge = make_judge();
+    const bool complete = work_for(judging_time, rows_judged_at_once, [&] {
+        const std::size_t row = progress_.first_unknown(next_row_);
+        next_row_ = static_cast<std::uint32_t>(row);
+        if (row == progress_.count())
+            return false;
+        judge_row(judge, next_row_);
+        return true;
+    });
+    if (!complete)
+        return between_judging;
+    show_progress();
+    return slices::finished;
 }
 
 void tab_work::rows_changed()
 {
-    if (timer_ != 0)
-        g_source_remove(timer_);
     progress_.reset(parts_.rows->rows.size());
     next_row_ = 0;
     item_row_ = -1;
@@ -137,7 +129,7 @@ void tab_work::rows_changed()
     // end.
     gtk_label_set_text(GTK_LABEL(progress_label_), "");
     text_show_remarks(parts_.panel, {});
-    timer_ = g_timeout_add_full(G_PRIORITY_LOW, before_judging, slice, this, nullptr);
+    judging_.begin(before_judging);
 }
 
 void tab_work::watch_panel()

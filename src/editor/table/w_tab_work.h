@@ -15,6 +15,7 @@
 #include "editor/panel/w_text_panel.h"
 #include "editor/state/key-set.h"
 #include "editor/table/w_tab_model.h"
+#include "editor/toolkit/slices.h"
 
 namespace zel {
 
@@ -55,7 +56,7 @@ public:
 
 private:
     static void typed(GtkTextBuffer *, gpointer self);
-    static gboolean slice(gpointer self);
+    int judge_slice();
     static void show_cell(GtkTreeViewColumn *, GtkCellRenderer *cell, GtkTreeModel *,
                           GtkTreeIter *iter, gpointer self);
 
@@ -80,7 +81,7 @@ private:
     assist::progress progress_;
     std::uint32_t next_row_ = 0; // that the slices come to
     int item_row_ = -1;          // whose item is shown
-    guint timer_ = 0;
+    slices judging_{[this] { return judge_slice(); }};
     key_set keys_;
 };
 
