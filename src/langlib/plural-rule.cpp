@@ -108,6 +108,11 @@ plural_forms count_plural_forms(std::string_view rule)
     return count_forms(cut_at(rule, edition_sign));
 }
 
+bool has_edition_with(std::string_view rule, std::size_t count)
+{
+    return !edition_with(rule, count).rule.empty();
+}
+
 std::string_view plural_form_name(std::string_view rule, std::size_t form)
 {
     for (rule = cut_at(rule, edition_sign); form > 0 && !rule.empty(); --form)

@@ -22,6 +22,9 @@ struct plural_forms {
 };
 plural_forms count_plural_forms(std::string_view rule);
 
+// Whether an edition of the rule has so many forms, or so many everyday ones.
+bool has_edition_with(std::string_view rule, std::size_t count);
+
 // The form's name, "one"; empty behind the last.
 std::string_view plural_form_name(std::string_view rule, std::size_t form);
 

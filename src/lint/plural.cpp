@@ -26,18 +26,6 @@ bool takes_a_number(const percents &form)
     });
 }
 
-// The published rule of a language; empty when it is not known or has none.
-std::string_view rule_of_language(const lang_t &language)
-{
-    language_tag tag;
-    language_row row;
-    std::string_view file = name_of(language.file);
-    file.remove_prefix(file.rfind('/') + 1);
-    if (!read_language(name_of(language.name), tag, row))
-        read_language(file.substr(0, file.rfind(".lang")), tag, row);
-    return row.plural;
-}
-
 // "2 plural forms (one, other)"
 std::string described_forms(std::string_view rule, const plural_forms &needed)
 {
@@ -51,6 +39,17 @@ std::string described_forms(std::string_view rule, const plural_forms &needed)
 }
 
 } // namespace
+
+std::string_view plural_rule_of(const lang_t &language)
+{
+    language_tag tag;
+    language_row row;
+    std::string_view file = name_of(language.file);
+    file.remove_prefix(file.rfind('/') + 1);
+    if (!read_language(name_of(language.name), tag, row))
+        read_language(file.substr(0, file.rfind(".lang")), tag, row);
+    return row.plural;
+}
 
 bool has_plural_forms(std::string_view text)
 {
@@ -90,7 +89,7 @@ void judge_plural(const item_case &at)
         const slot &one = at.slots[i];
         if (one.entry == nullptr || one.own.is_blank())
             continue;
-        const std::string_view rule = rule_of_language(*at.languages[i].definition);
+        const std::string_view rule = plural_rule_of(*at.languages[i].definition);
         const plural_forms needed = count_plural_forms(rule);
         const std::size_t count = count_text_forms(one.own.bytes);
         if (needed.all != 0 && count != needed.all && count != needed.everyday)

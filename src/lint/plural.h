@@ -13,6 +13,10 @@ namespace zel::lint {
 // path, "File|Open", and a row of a table, "%s | %d", are none.
 bool has_plural_forms(std::string_view text);
 
+// The published rule of a language for its forms (langlib/plural-rule.h), which its name or its
+// file tells; empty when it is not known or has none.
+std::string_view plural_rule_of(const lang_t &language);
+
 // The forms of a text, at least one.
 std::vector<std::string_view> read_forms(std::string_view text);
 

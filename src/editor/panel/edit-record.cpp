@@ -25,7 +25,7 @@ watched typed_in;
 std::uint64_t action;
 std::uint64_t last_action;
 
-GtkTextBuffer *buffer_of(const watched &field)
+GtkTextBuffer *watched_buffer(const watched &field)
 {
     return gtk_text_view_get_buffer(GTK_TEXT_VIEW(field.text->*fields[field.number].view));
 }
@@ -42,7 +42,7 @@ entry_text text_before(const watched &field)
 {
     const int *dirty = field.text->dirty;
     const bool is_typed = dirty[field.number] != 0;
-    entry_text text = is_typed ? entry_text{true, true, 0, zel::buffer_lines(buffer_of(field))}
+    entry_text text = is_typed ? entry_text{true, true, 0, zel::buffer_lines(watched_buffer(field))}
                                : zel::read_text(place_of(field));
     // An entry that was made to show the item does not count as there: undo removes it again.
     text.there = is_typed || field.text->made[field.number] == 0;
@@ -58,7 +58,7 @@ void finish_typing()
         return;
     // Without the panel only the item can tell the text.
     if (typed_in.text != nullptr)
-        history.finish({true, true, 1, zel::buffer_lines(buffer_of(typed_in))});
+        history.finish({true, true, 1, zel::buffer_lines(watched_buffer(typed_in))});
     else
         history.finish(zel::read_text(history.open_place()));
 }
@@ -130,7 +130,7 @@ void record_typing(Zeltext *text)
 {
     for (int number = 0; number < TEXT_FIELDS; ++number) {
         auto *field = new watched{text, number};
-        GtkTextBuffer *buffer = buffer_of(*field);
+        GtkTextBuffer *buffer = watched_buffer(*field);
         // The closure owns the record, which lives as long as the buffer. It serves the second
         // handler, too.
         g_signal_connect_data(

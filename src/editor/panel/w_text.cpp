@@ -19,11 +19,10 @@
 
 namespace {
 
+using zel::buffer_of;
 using zel::field_order;
 using zel::field_t;
 using zel::fields;
-
-GtkTextBuffer *buffer_of(GtkWidget *view) { return gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)); }
 
 void append_text(GtkWidget *view, const char *text)
 {

@@ -1,11 +1,14 @@
 #include "editor/table/w_tab_suggest.h"
 
 #include "assist/pieces.h"
+#include "assist/plural-line.h"
 #include "editor/panel/w_text.h"
 #include "editor/state/edit-state.h"
+#include "editor/table/w_tab_plural.h"
 #include "editor/toolkit/text-places.h"
 #include "editor/toolkit/text-runs.h"
 #include "editor/toolkit/ui-text.h"
+#include "lint/plural.h"
 #include "source/entry.h"
 #include "source/misc.h"
 
@@ -23,8 +26,6 @@ constexpr int between_indexing = 8;
 constexpr gint64 indexing_time = 4000; // microseconds
 constexpr std::uint32_t rows_indexed_at_once = 16;
 static_assert(TEXT_TRANS1 == 0 && TEXT_TRANS2 == 1, "arrays have a place for each of them");
-
-GtkTextBuffer *buffer_of(GtkWidget *view) { return gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)); }
 
 GtkWidget *label_of(Zeltext *panel, int field)
 {
@@ -70,8 +71,10 @@ tab_suggest::tab_suggest(std::shared_ptr<tab_rows> rows, Zeltext *panel)
 {
     add_keys();
     for (const int field : {TEXT_TRANS1, TEXT_TRANS2})
-        g_signal_connect(buffer_of(panel_->*fields[field].view), "changed", G_CALLBACK(typed),
-                         this);
+        // A move of the caret changes which plural form is bold.
+        for (const char *signal : {"changed", "notify::cursor-position"})
+            g_signal_connect_swapped(buffer_of(panel_->*fields[field].view), signal,
+                                     G_CALLBACK(typed), this);
 }
 
 void tab_suggest::stop()
@@ -187,6 +190,7 @@ void tab_suggest::suggest(int field)
     const bool is_filled = row_ >= 0 && is_translated_into(field);
     gtk_widget_set_visible(label_of(panel_, field), is_filled);
     if (is_filled) {
+        made.is_plural = lint::has_plural_forms(reference_of(static_cast<std::uint32_t>(row_)));
         if (const auto best = suggestion(static_cast<std::uint32_t>(row_), field)) {
             made.text = utf8_shown(best->text.c_str());
             made.line =
@@ -209,24 +213,53 @@ bool tab_suggest::is_there_already(int field) const
            buffer_text(buffer) == text;
 }
 
+std::string_view tab_suggest::rule_of(int field) const
+{
+    const std::string *lang = lang_of(field);
+    for (const lang_t *one : each<lang_t>(rows_->source->langs))
+        if (lang != nullptr && g_strcmp0(one->name, lang->c_str()) == 0)
+            return lint::plural_rule_of(*one);
+    return {};
+}
+
+plural_line tab_suggest::plural_of(int field) const
+{
+    GtkWidget *view = panel_->*fields[field].view;
+    if (row_ < 0 || !is_translated_into(field))
+        return {};
+    if (!offers_[static_cast<std::size_t>(field)].is_plural &&
+        !lint::has_plural_forms(buffer_text(buffer_of(view))))
+        return {};
+    return plural_line_of(view, label_of(panel_, field), rule_of(field));
+}
+
 void tab_suggest::show(int field)
 {
-    const offer &made = offers_[static_cast<std::size_t>(field)];
+    offer &made = offers_[static_cast<std::size_t>(field)];
     GtkWidget *label = label_of(panel_, field);
     // What stands in the field already is no suggestion.
     const std::string line = is_there_already(field) ? "" : made.line;
-    if (line == gtk_label_get_text(GTK_LABEL(label)))
+    const plural_line forms = plural_of(field);
+    const char *between = forms.text.empty() || line.empty() ? "" : "    ";
+    const std::string text = forms.text + between + line;
+    std::string &marks = marks_[static_cast<std::size_t>(field)];
+    if (text == gtk_label_get_text(GTK_LABEL(label)) && forms.marks == marks)
         return;
-    const std::string tooltip = line + "\n" + ui_text("tab-edit", "Take it (Ctrl+Space)");
-    gtk_label_set_text(GTK_LABEL(label), line.c_str());
-    gtk_widget_set_tooltip_text(label, line.empty() ? nullptr : tooltip.c_str());
+    marks = forms.marks;
+    std::string tooltip = forms.tooltip;
+    if (!line.empty())
+        tooltip += (tooltip.empty() ? "" : "\n") + line + "\n" +
+                   ui_text("tab-edit", "Take it (Ctrl+Space)");
+    gtk_label_set_text(GTK_LABEL(label), text.c_str());
+    gtk_label_set_attributes(GTK_LABEL(label), forms.attributes.get());
+    gtk_widget_set_tooltip_text(label, tooltip.empty() ? nullptr : tooltip.c_str());
 }
 
-void tab_suggest::typed(GtkTextBuffer *buffer, gpointer data)
+void tab_suggest::typed(gpointer data)
 {
     auto *self = static_cast<tab_suggest *>(data);
     for (const int field : {TEXT_TRANS1, TEXT_TRANS2})
-        if (self->row_ >= 0 && buffer_of(self->panel_->*fields[field].view) == buffer)
+        if (self->row_ >= 0)
             self->show(field);
 }
 
@@ -267,10 +300,22 @@ void tab_suggest::copy_other()
         return;
     const int other = field == TEXT_TRANS1 ? TEXT_TRANS2 : TEXT_TRANS1;
     const std::string text = buffer_text(buffer_of(panel_->*fields[other].view));
+    GtkWidget *view = panel_->*fields[field].view;
     if (text.empty())
         edit_status(ui_text("tab-edit", "The other text is empty"));
+    else if (gtk_text_buffer_get_char_count(buffer_of(view)) == 0 && lint::has_plural_forms(text))
+        put(view, assist::needed_forms(rule_of(field), text, rule_of(other)), true);
     else
-        put(panel_->*fields[field].view, text, true);
+        put(view, text, true);
+}
+
+void tab_suggest::go_to_form(int direction)
+{
+    const int field = text_focused_field(panel_);
+    if ((field == TEXT_TRANS1 || field == TEXT_TRANS2) &&
+        !plural_go_to_form(panel_->*fields[field].view, direction))
+        edit_status(direction > 0 ? ui_text("tab-edit", "No plural form behind this one")
+                                  : ui_text("tab-edit", "No plural form before this one"));
 }
 
 void tab_suggest::insert_piece(std::size_t number)
@@ -292,19 +337,22 @@ void tab_suggest::insert_piece(std::size_t number)
 void tab_suggest::add_keys()
 {
     constexpr std::size_t digits = 9;
-    const auto add = [this](guint keyval, std::function<void()> act) {
-        keys_.add(keyval, GDK_CONTROL_MASK, [act = std::move(act)] {
+    const auto add = [this](guint keyval, GdkModifierType modifier, std::function<void()> act) {
+        keys_.add(keyval, modifier, [act = std::move(act)] {
             // The line of the last key would look like an answer to this one.
             edit_status(nullptr);
             act();
         });
     };
-    add(GDK_KEY_space, [this] { take_suggestion(); });
-    add(GDK_KEY_b, [this] { copy_other(); });
+    add(GDK_KEY_Right, GDK_MOD1_MASK, [this] { go_to_form(1); });
+    add(GDK_KEY_Left, GDK_MOD1_MASK, [this] { go_to_form(-1); });
+    add(GDK_KEY_space, GDK_CONTROL_MASK, [this] { take_suggestion(); });
+    add(GDK_KEY_b, GDK_CONTROL_MASK, [this] { copy_other(); });
     for (std::size_t digit = 1; digit <= digits; ++digit)
         // Both rows of digits: the keys of the number pad have names of their own.
         for (const guint first : {guint{GDK_KEY_0}, guint{GDK_KEY_KP_0}})
-            add(first + static_cast<guint>(digit), [this, digit] { insert_piece(digit); });
+            add(first + static_cast<guint>(digit), GDK_CONTROL_MASK,
+                [this, digit] { insert_piece(digit); });
 }
 
 } // namespace zel

@@ -20,6 +20,7 @@
 #include "editor/state/key-set.h"
 #include "editor/table/w_tab_model.h"
 #include "editor/table/w_tab_neighbours.h"
+#include "editor/table/w_tab_plural.h"
 #include "editor/toolkit/slices.h"
 
 namespace zel {
@@ -52,7 +53,7 @@ private:
     std::optional<assist::suggestion> own_suggestion(std::uint32_t row, int field) const;
     std::optional<assist::suggestion> suggestion(std::uint32_t row, int field) const;
     void read_neighbours();
-    static void typed(GtkTextBuffer *buffer, gpointer self);
+    static void typed(gpointer self);
     bool is_there_already(int field) const;
     void suggest(int field);
     void show(int field);
@@ -60,6 +61,9 @@ private:
     void take_suggestion();
     void copy_other();
     void insert_piece(std::size_t number);
+    void go_to_form(int direction);
+    std::string_view rule_of(int field) const;
+    plural_line plural_of(int field) const;
 
     std::shared_ptr<tab_rows> rows_;
     Zeltext *panel_;
@@ -68,10 +72,12 @@ private:
     std::uint32_t next_row_ = 0; // that the slices come to
     int row_ = -1;               // whose item is shown
     struct offer {
-        std::string text; // of the translation, as the field would show it; empty for nothing
-        std::string line; // and as it is shown under the field
+        std::string text;       // of the translation, as the field would show it; empty for nothing
+        std::string line;       // and as it is shown under the field
+        bool is_plural = false; // the reference has forms for a number
     };
     std::array<offer, 2> offers_;
+    std::array<std::string, 2> marks_; // of the plural lines that are shown
     slices indexing_{[this] { return index_slice(); }};
     key_set keys_;
 };

@@ -10,6 +10,7 @@
 
 #include <gdk/gdkkeysyms.h>
 
+#include <algorithm>
 #include <string>
 
 namespace zel {
@@ -253,10 +254,19 @@ void tab_work::show_progress()
         gtk_label_set_text(GTK_LABEL(progress_label_), text.c_str());
 }
 
-bool tab_work::has_work(std::uint32_t row)
+// Whether somebody marks this source's items as ready. Where nobody does, as after an import, "not
+// ready" says nothing about an item.
+bool tab_work::uses_ready() const
+{
+    const std::vector<tab_row> &rows = parts_.rows->rows;
+    return std::any_of(rows.begin(), rows.end(),
+                       [](const tab_row &row) { return row.item->ready != 0; });
+}
+
+bool tab_work::has_work(std::uint32_t row, bool by_ready)
 {
     // The cheapest look first: unready items need no judging.
-    if (parts_.rows->rows[row].item->ready == 0)
+    if (by_ready && parts_.rows->rows[row].item->ready == 0)
         return true;
     const assist::item_state &state = state_of(row);
     return !state.is_complete() || state.has_findings();
@@ -279,6 +289,7 @@ bool tab_work::go_to_work(int direction)
 {
     const int count = zel_tab_model_count(parts_.shown);
     const int selected = selected_place();
+    const bool by_ready = uses_ready();
     int place = selected < 0 && direction < 0 ? count : selected;
     for (place += direction; place >= 0 && place < count; place += direction) {
         // The items lie anywhere in memory: fetching them ahead keeps each look from waiting for
@@ -288,7 +299,7 @@ bool tab_work::go_to_work(int direction)
             __builtin_prefetch(&parts_.rows->rows[static_cast<std::size_t>(ahead)].item->ready);
         const int row = zel_tab_model_row_at(parts_.shown, place);
         if (row < 0 || static_cast<std::size_t>(row) >= progress_.count() ||
-            !has_work(static_cast<std::uint32_t>(row)))
+            !has_work(static_cast<std::uint32_t>(row), by_ready))
             continue;
         tab_list_go_to(parts_.view, place);
         return true;

@@ -70,7 +70,8 @@ private:
     void judge_all();
     void judge_shown();
     void show_progress();
-    bool has_work(std::uint32_t row);
+    bool uses_ready() const;
+    bool has_work(std::uint32_t row, bool by_ready);
     int selected_place() const;
     bool go_to_work(int direction);
     void done_and_next();

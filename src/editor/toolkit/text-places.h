@@ -17,6 +17,12 @@ struct char_span {
     bool operator==(const char_span &) const = default;
 };
 
+// The buffer of a text view.
+inline GtkTextBuffer *buffer_of(GtkWidget *view)
+{
+    return gtk_text_view_get_buffer(GTK_TEXT_VIEW(view));
+}
+
 // The whole text of the buffer.
 [[nodiscard]] std::string buffer_text(GtkTextBuffer *buffer);
 
