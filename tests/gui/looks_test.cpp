@@ -91,7 +91,7 @@ TEST_F(Looks, EveryFieldHasItsLinesInTheSmallestWindow)
             set_font(font);
             lang_global.editor_mode = mode;
             run_editor(source(), [&] {
-                settle(200);
+                settle(100);
                 for (GtkWidget *frame :
                      {panel()->lang1_frame, panel()->lang2_frame, panel_widget()})
                     EXPECT_EQ(gtk_widget_get_style(frame)->ythickness, 0) << "room for no line";
@@ -386,7 +386,7 @@ TEST_F(Looks, FieldsKeepTheirLinesAndTheHelpTakesWhatIsLeft)
         run_editor(source(), [&] {
             show_below(TEXT_TRANS1, "arabic");
             show_below(TEXT_TRANS2, "french");
-            settle(200);
+            settle(100);
             const int line = line_height(panel()->trans1_view);
             for (const int field : {TEXT_TRANS1, TEXT_TRANS2}) {
                 EXPECT_GE(height_of(panel()->*zel::fields[field].view), 2 * line) << mode;
@@ -415,7 +415,7 @@ TEST_F(Looks, FieldsKeepTheirLinesAndTheHelpTakesWhatIsLeft)
             }
             show_below(TEXT_TRANS1, "arabic");
             gtk_window_resize(GTK_WINDOW(mainWin), 1000, 900);
-            settle(200);
+            settle(100);
             EXPECT_GE(height_of(panel()->below[TEXT_TRANS2].view), 4 * line) << mode;
             EXPECT_LT(height_of(panel()->below[TEXT_TRANS2].view), 5 * line) << mode;
             EXPECT_LT(height_of(panel()->below[TEXT_TRANS1].view), 2 * line) << mode;

@@ -343,7 +343,13 @@ const std::map<std::string, void (*)(const words &)> acts{
     {"choose", [](const words &row) { expect_box(row, 2, [&] { choose_entry(row[1]); }); }},
     {"tool", [](const words &row) { expect_box(row, 2, [&] { press_tool(row[1]); }); }},
     {"key", [](const words &row) { expect_box(row, 2, [&] { press_keys(row); }); }},
-    {"save", [](const words &row) { row.scene.box = box_of([] { choose_entry("Save"); }); }},
+    {"save",
+     [](const words &row) {
+         for (const auto &entry : fs::directory_iterator(row.scene.folder))
+             if (entry.path().extension() == ".bak") // else it waits for another second
+                 fs::rename(entry, entry.path().string() + ".kept");
+         row.scene.box = box_of([] { choose_entry("Save"); });
+     }},
     {"load",
      [](const words &row) {
          row.scene.answer(choose(row.path(1)));

@@ -338,7 +338,7 @@ std::string backups(const std::string &folder)
 {
     std::string all;
     for (const auto &entry : fs::directory_iterator(folder))
-        if (entry.path().extension() == ".bak")
+        if (entry.path().string().find(".bak") != std::string::npos)
             all += read_file(entry.path());
     return all;
 }
