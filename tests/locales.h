@@ -7,8 +7,10 @@
 #include <array>
 #include <clocale>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <string>
+#include <sys/file.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -26,12 +28,13 @@ inline constexpr std::array test_locales = {
 };
 
 // The folder of the locales, made on first need for all test programs of the build; empty where
-// they cannot be made. Several programs may come here at once: each makes a folder of its own, and
-// the first one's stays.
+// they cannot be made. Several programs may come here at once: one makes them, the others wait.
 inline std::string make_locales(const std::string &folder)
 {
     namespace fs = std::filesystem;
     std::error_code ignored;
+    const int turn = open((folder + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    flock(turn, LOCK_EX); // it takes long, and is made once
     const std::string own = folder + "." + std::to_string(getpid());
     if (!fs::exists(folder, ignored)) {
         fs::create_directories(own, ignored);
@@ -44,6 +47,7 @@ inline std::string make_locales(const std::string &folder)
         fs::rename(own, folder, ignored);
         fs::remove_all(own, ignored);
     }
+    close(turn);
     for (const test_locale &one : test_locales)
         if (!fs::exists(folder + "/" + one.name + "/LC_CTYPE", ignored))
             return {};

@@ -161,6 +161,9 @@ TEST_F(OutputsSlow, LinksLeadWhereTheirMakerMayWrite)
             if (writer.find(" --new ") != writer.npos)
                 continue; // it writes over nothing
             SCOPED_TRACE(std::to_string(maker) + ": " + writer);
+            for (const std::string &name : names_in("t"))
+                if (name.ends_with(".bak")) // else the next one waits for another second
+                    fs::remove("t/" + name);
             write_file("t/other", "old");
             ASSERT_EQ(chown("t/other", maker, getegid()), 0);
             const std::string said = run(writer);

@@ -14,7 +14,7 @@ namespace {
 using zel_test::in_root;
 using zel_test::matches;
 
-// Suite.Test of the sources, names of ctest, cases/NAME and pages/NAME.
+// Suite.Test of the sources and of the editor's scenes, names of ctest, cases/NAME and pages/NAME.
 std::set<std::string> names_of_tests()
 {
     std::set<std::string> names;
@@ -27,13 +27,15 @@ std::set<std::string> names_of_tests()
             names.insert("gui_" + path.filename().string());
         if (!entry.is_regular_file() ||
             (path.extension() != ".cpp" && path.filename() != "CMakeLists.txt" &&
-             path.extension() != ".cmake"))
+             path.extension() != ".cmake" && folder != "scenes"))
             continue;
         std::istringstream lines(zel_test::read_file(path));
         for (std::string line; std::getline(lines, line);)
             if (std::smatch found; line.find("add_test(NAME ") != std::string::npos &&
                                    std::regex_search(line, found, std::regex(R"(NAME (\w+))")))
                 names.insert(found[1]);
+            else if (folder == "scenes" && std::regex_match(line, std::regex(R"(\w+\.\w+)")))
+                names.insert(line);
             else if (line.starts_with("TEST") &&
                      std::regex_search(line, found, std::regex(R"(\((\w+), (\w+)\))")))
                 names.insert(found[1].str() + "." + found[2].str());

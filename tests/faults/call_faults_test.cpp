@@ -1,8 +1,8 @@
 // Jobs in a process in which one system call after the other fails, with every error that it can
 // have: once, and with all that follow. Whatever fails, the job ends by itself, says why, and no
 // text is lost. So is it for commands whose allocations fail. With LANG_FAULTS_ALL every point is
-// taken; else every call fails with its first error once, and of the other points each fifth is
-// taken, from LANG_FAULTS_SEED on. LANG_FAULTS_SHOW prints figures.
+// taken; else every call fails with its first error once, and of the other points each twentieth is
+// taken, of the allocations each fifth, from LANG_FAULTS_SEED on. LANG_FAULTS_SHOW prints figures.
 
 #include "failing-memory.h"
 #include "fault-jobs.h"
@@ -202,11 +202,11 @@ protected:
         return out;
     }
 
-    // One call after the other, or each fifth, until a run comes to its end without.
-    void fail_each(const call_row *row, int error, bool lasting, bool all)
+    // One call after the other, or each that many, until a run comes to its end without.
+    void fail_each(const call_row *row, int error, bool lasting, std::uint32_t every)
     {
         const char *seed = std::getenv("LANG_FAULTS_SEED");
-        const std::uint32_t step = all || std::getenv("LANG_FAULTS_ALL") != nullptr ? 1 : 5;
+        const std::uint32_t step = std::getenv("LANG_FAULTS_ALL") != nullptr ? 1 : every;
         const auto first = static_cast<std::uint32_t>(seed == nullptr ? 0 : std::atoi(seed));
         for (std::uint32_t n = 1 + first % step;; n += step) {
             const call_fault fault{row, n, error, lasting};
@@ -241,11 +241,11 @@ protected:
     void fail_every_call()
     {
         for (const call_row &row : zel_test::system_calls()) {
-            bool is_first = true;
+            std::uint32_t every = 1;
             for (const int error : row.errors) {
-                fail_each(&row, error, false, std::exchange(is_first, false));
+                fail_each(&row, error, false, std::exchange(every, 20));
                 if (error != EINTR) // no signal comes for ever
-                    fail_each(&row, error, true, false);
+                    fail_each(&row, error, true, every);
                 if (losses_ > 20)
                     return;
             }
@@ -286,7 +286,7 @@ TEST_P(MemoryFaultsSlow, LoseNothing)
         GTEST_SKIP() << "the sanitizer's allocator cannot be replaced";
     fail_everywhere(nullptr, [this] {
         for (const bool lasting : {false, true})
-            fail_each(nullptr, ENOMEM, lasting, false);
+            fail_each(nullptr, ENOMEM, lasting, 5);
     });
 }
 

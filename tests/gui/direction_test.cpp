@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+using namespace gui;
+
 namespace {
 
 class Direction : public gui::Editor {

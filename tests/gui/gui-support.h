@@ -101,16 +101,17 @@ using zel_test::write_file;
 // Base of the tests: a fresh folder that is the current directory (and HOME) during the test and
 // goes with it, an empty lang_global, no windows left over, and the checks above.
 class Test : public testing::Test {
-protected:
-    Test();
-    ~Test() override;
-
+public:
     std::string folder; // without a separator at the end
     std::string path(const std::string &name) const { return folder + "/" + name; }
     static std::string text_of(GtkWidget *view)
     {
         return zel::buffer_text(gtk_text_view_get_buffer(GTK_TEXT_VIEW(view)));
     }
+
+protected:
+    Test();
+    ~Test() override;
 
 private:
     std::string old_folder;

@@ -13,17 +13,17 @@ fail() {
 }
 # A window of that title (a regular expression) is up and has the keyboard.
 window() {
-    for _ in $(seq 200); do
+    for _ in $(seq 500); do
         if xdotool getactivewindow getwindowname 2>/dev/null | grep -qx -- "$1"; then
-            sleep 0.05
+            sleep 0.03
             return
         fi
-        sleep 0.05
+        sleep 0.02
     done
     fail "no window \"$1\"; there is: $(xdotool getactivewindow getwindowname 2>&1)"
 }
-keys() { xdotool key --delay 20 "$@"; sleep 0.05; }
-text() { xdotool type --delay 8 -- "$1"; sleep 0.05; }
+keys() { xdotool key --delay 10 "$@"; sleep 0.02; }
+text() { xdotool type --delay 5 -- "$1"; sleep 0.02; }
 # A message box: it is closed and the main window is back.
 ok() { window "$box"; keys Return; window "$main"; }
 # A chooser of that title, of whatever kind: the path is typed.
@@ -42,9 +42,9 @@ start() {
 # Leaves it; it ends with success, without a word, and without its lock.
 leave() {
     keys alt+x
-    for _ in $(seq 100); do
+    for _ in $(seq 250); do
         kill -0 "$editor" 2>/dev/null || break
-        sleep 0.05
+        sleep 0.02
     done
     if kill -0 "$editor" 2>/dev/null; then
         fail "the editor does not end"

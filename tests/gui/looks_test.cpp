@@ -1,5 +1,6 @@
 // Sizes and places of what one sees, in small and large windows and with large letters.
 
+#include "config/ini.h"
 #include "editor-fixture.h"
 #include "editor/frame/edit-keys.h"
 #include "editor/table/w_tab_widths.h"
@@ -63,6 +64,11 @@ protected:
         GtkAdjustment *across = gtk_tree_view_get_hadjustment(list());
         return gtk_adjustment_get_upper(across) > gtk_adjustment_get_page_size(across);
     }
+    static void show_below(int field, const char *language)
+    {
+        ini_set_below(ini, static_cast<std::size_t>(field), language);
+        zel::edit_reload();
+    }
     static void resize(int width, int height)
     {
         gtk_window_resize(GTK_WINDOW(mainWin), width, height);
@@ -85,7 +91,7 @@ TEST_F(Looks, EveryFieldHasItsLinesInTheSmallestWindow)
             set_font(font);
             lang_global.editor_mode = mode;
             run_editor(source(), [&] {
-                settle(200);
+                settle(100);
                 for (GtkWidget *frame :
                      {panel()->lang1_frame, panel()->lang2_frame, panel_widget()})
                     EXPECT_EQ(gtk_widget_get_style(frame)->ythickness, 0) << "room for no line";
@@ -343,6 +349,83 @@ TEST_F(Looks, FindingsThatAreCutAreToldInFull)
         EXPECT_EQ(gtk_widget_get_visible(all), 0) << "another item";
         lang_global.modified = 0;
     });
+}
+
+namespace {
+
+// Four languages, of which English and German are edited.
+constexpr char tongues[] = R"(version 1
+define file "e" lang "english" 200 200 1
+define file "g" lang "german" 200 200 1
+define file "f" lang "french" 200 200 0
+define file "a" lang "arabic" 200 200 0
+GROUP "menu" {
+  ITEM "Open" { USED YES LANG "english" { "Open" } LANG "french" { "Ou" "vrir" } }
+  ITEM "Close" { USED YES LANG "english" { "Close" } LANG "french" { "  " } LANG "arabic" { "إغلاق" } }
+}
+)";
+
+} // namespace
+
+TEST_F(Looks, FieldsKeepTheirLinesAndTheHelpTakesWhatIsLeft)
+{
+    std::string text = tongues;
+    std::string longer;
+    for (int word = 0; word < 200; ++word)
+        longer += "mot ";
+    text.replace(text.find("\"Ou\" \"vrir\""), 11, "\"" + longer + "\"");
+    write_file(source(), text);
+    for (const auto &row : std::vector<std::pair<const char *, unsigned>>{
+             {"Sans 10", 0}, {"Sans 10", 1}, {"Sans 10", 2}, {other_font, 0}, {other_font, 2}}) {
+        const char *const font = row.first;
+        const unsigned mode = row.second;
+        SCOPED_TRACE(font);
+        set_font(font);
+        lang_global.editor_mode = mode;
+        std::filesystem::remove("lang.lang-ini"); // with the size of the window
+        run_editor(source(), [&] {
+            show_below(TEXT_TRANS1, "arabic");
+            show_below(TEXT_TRANS2, "french");
+            settle(100);
+            const int line = line_height(panel()->trans1_view);
+            for (const int field : {TEXT_TRANS1, TEXT_TRANS2}) {
+                EXPECT_GE(height_of(panel()->*zel::fields[field].view), 2 * line) << mode;
+                EXPECT_GE(height_of(panel()->below[field].view), line) << mode;
+                EXPECT_LT(height_of(panel()->below[field].view), 5 * line) << mode;
+                GtkWidget *bar = gtk_scrolled_window_get_vscrollbar(
+                    GTK_SCROLLED_WINDOW(gtk_widget_get_parent(panel()->below[field].view)));
+                EXPECT_FALSE(gtk_widget_get_visible(bar) &&
+                             height_of(panel()->below[field].view) < 2 * line)
+                    << "a bar of a line's height, " << mode;
+            }
+            EXPECT_GE(height_of(panel()->comment1_view), line) << mode;
+            for (const int field : {TEXT_COMMENT1, TEXT_TRANS1, TEXT_COMMENT2, TEXT_TRANS2}) {
+                zel::text_focus_field(panel(), field);
+                settle();
+                EXPECT_TRUE(in_sight(panel()->*zel::fields[field].label)) << mode << field;
+                EXPECT_TRUE(in_sight(panel()->*zel::fields[field].view)) << mode << field;
+                if (field == TEXT_TRANS1 || field == TEXT_TRANS2) {
+                    EXPECT_TRUE(in_sight(panel()->below[field].row)) << mode << field;
+                }
+            }
+            show_below(TEXT_TRANS1, nullptr);
+            settle(100);
+            if (mode != 2) {
+                EXPECT_TRUE(in_sight(panel()->description_label)) << "nothing scrolls, " << mode;
+            }
+            show_below(TEXT_TRANS1, "arabic");
+            gtk_window_resize(GTK_WINDOW(mainWin), 1000, 900);
+            settle(100);
+            EXPECT_GE(height_of(panel()->below[TEXT_TRANS2].view), 4 * line) << mode;
+            EXPECT_LT(height_of(panel()->below[TEXT_TRANS2].view), 5 * line) << mode;
+            EXPECT_LT(height_of(panel()->below[TEXT_TRANS1].view), 2 * line) << mode;
+            EXPECT_GE(height_of(panel()->trans2_view), 80) << mode;
+            edit_ctrl.next(editWin);
+            settle(100);
+            EXPECT_LT(height_of(panel()->below[TEXT_TRANS2].view), 2 * line)
+                << "a short text, " << mode;
+        });
+    }
 }
 
 namespace {

@@ -1,9 +1,7 @@
-// The word check, beside "lang check"; and what lint tells about code, which nothing is written
-// for.
+// The word check, beside "lang check"; pages/check.md tells what it says.
 
 #include "kit/run-kit.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -13,15 +11,11 @@
 namespace {
 
 namespace fs = std::filesystem;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
-using testing::StartsWith;
 using zel_test::kit;
 using zel_test::read_file;
 using zel_test::write_file;
 
-class KitCheck : public testing::Test {
+class KitCheckSlow : public testing::Test {
 protected:
     static std::string lang_check(const std::string &words)
     {
@@ -55,8 +49,6 @@ protected:
     zel_test::temp_dir dir{zel_test::temp_dir::enter::yes};
 };
 
-using KitCheckSlow = KitCheck;
-
 // LANG_TEST_TREES names a folder with more of them.
 TEST_F(KitCheckSlow, WritesTheBytesOfLangCheck)
 {
@@ -73,103 +65,6 @@ TEST_F(KitCheckSlow, WritesTheBytesOfLangCheck)
         expect_same_bytes("", tree);
         expect_same_bytes(LANG_SOURCE_ROOT "/examples/notes.lang-src", tree);
     }
-}
-
-class KitCheckRun : public KitCheck {
-protected:
-    KitCheckRun()
-    {
-        fs::create_directory("src");
-        write_file("src/a.c", "f(lang_get_string(\"main\", \"Old\"));\n"
-                              "\ng(lang_get_string(\"main\", \"Foo\"));\n");
-        kit("check app.lang-src src");
-        write_file("src/a.c",
-                   "f(lang_get_string(\"main\", \"Old\"), lang_tooltip(\"m\", x));\n"
-                   "lang_get_string(\"m\", \"N\") lang_get_string(\"m\", \"A\" \"B\")\n");
-    }
-    const std::string end =
-        "2 new: m:N (src/a.c:2), and 1 more, 1 no longer used: main:Foo (src/a.c:3), "
-        "2 could not be read\n";
-    const std::string unread =
-        "src/a.c:1:35: error: this request is not read: the item is no "
-        "literal [unread]\n"
-        "src/a.c:2:52: error: the application asks for \"AB\", of which only "
-        "\"A\" is read: write it in one piece, or as lang_get [adjacent]\n";
-};
-
-TEST_F(KitCheckRun, TellsWhatCameOfIt)
-{
-    const std::string before = read_file("app.lang-src");
-    const auto dry = kit("check --dry-run app.lang-src src");
-    EXPECT_EQ(dry.out, unread + end);
-    EXPECT_EQ(dry.err, "");
-    EXPECT_EQ(dry.status, 1);
-    EXPECT_EQ(read_file("app.lang-src"), before);
-    EXPECT_THAT(kit("check --dry-run --format json app.lang-src src").out,
-                HasSubstr("\"unused\": [\n  {\"group\": \"main\", \"item\": \"Foo\", \"file\": "
-                          "\"src/a.c\", \"line\": 3}],\n \"unread\": [\n  {\"file\": \"src/a.c\", "
-                          "\"line\": 1, \"rule\": \"unread\", \"message\": "));
-    for (const auto &[on, status] :
-         {std::pair{"none", 0}, {"new", 1}, {"unused,none", 1}, {"unread", 1}, {"old", 2}})
-        EXPECT_EQ(kit(std::string("check --dry-run app.lang-src src --fail-on ") + on).status,
-                  status);
-    EXPECT_EQ(kit("check --fail-on unused app.lang-src src").status, 1);
-    const auto again = kit("check --fail-on new,unused app.lang-src src");
-    EXPECT_THAT(again.out, HasSubstr("\n0 new, 0 no longer used, 2 could not be read\n"));
-    EXPECT_EQ(again.status, 0);
-}
-
-TEST_F(KitCheckRun, WhatCannotBeReadChangesNothing)
-{
-    const std::string before = read_file("app.lang-src");
-    fs::create_symlink("nowhere", "src/z.c");
-    const auto run = kit("check app.lang-src src none");
-    EXPECT_EQ(run.status, 2);
-    EXPECT_EQ(run.err, "lang-kit: src/z.c: cannot be read\nlang-kit: none: cannot be read\n");
-    EXPECT_EQ(read_file("app.lang-src"), before);
-    write_file("cut.lang-src", "GROUP \"a\" { ITEM \"b\" {");
-    EXPECT_EQ(kit("check cut.lang-src src/a.c").status, 2);
-    EXPECT_EQ(read_file("cut.lang-src"), "GROUP \"a\" { ITEM \"b\" {");
-}
-
-TEST_F(KitCheckRun, KeywordsStandInTheLineOrInTheProject)
-{
-    fs::create_directory("app");
-    write_file("app/b.c", "#define _(text) lang_get_string(\"main\", text)\n"
-                          "puts(_(\"Hi\")); tr_n(\"%d day\", \"%d days\", n);\n");
-    const std::string found = "2 new: main:Hi (app/b.c:2), and 1 more, 0 no longer used, 0 could "
-                              "not be read\n";
-    EXPECT_EQ(kit("check --dry-run --keyword _:1 --keyword 'tr_n:1,2 plural' --group main "
-                  "app/c.lang-src app/b.c")
-                  .out,
-              found);
-    write_file("app/lang-kit.ini", "[project]\ncode=b.c\nkeywords=_:1;tr_n:1,2 plural\ngroup=main\n"
-                                   "languages=english\n[lint]\nwithout=unasked, not-ready\n");
-    EXPECT_EQ(kit("check app/c.lang-src").out, found);
-    EXPECT_THAT(read_file("app/c.lang-src"), HasSubstr("\"%d day|%d days\""));
-    write_file("app/b.c", "_(\"Ho\");\n");
-    EXPECT_EQ(kit("lint --only unknown,unasked app/c.lang-src").out,
-              "app/b.c:1:3: error: the source has no item \"main:Ho\" [unknown]\n");
-    for (const char *words : {"--keyword _", "--keyword _:1 --group ''"})
-        EXPECT_EQ(kit(std::string("check d.lang-src src ") + words).status, 2) << words;
-    write_file("app/lang-kit.ini", "[project]\ncodes=b.c\n");
-    EXPECT_EQ(kit("check app/c.lang-src src").err,
-              "lang-kit: app/lang-kit.ini: there is no setting \"codes\" in [project]\n");
-    EXPECT_EQ(kit("check app.lang-src").status, 2) << "no code";
-}
-
-TEST_F(KitCheckRun, LintTellsWhatItWouldDo)
-{
-    const std::string before = read_file("app.lang-src");
-    const auto run = kit("lint --only unknown,unread,adjacent,unasked --code src app.lang-src");
-    EXPECT_THAT(run.out,
-                StartsWith(unread.substr(0, unread.find('\n') + 1) +
-                           "src/a.c:2:22: error: the source has no item \"m:N\" [unknown]\n"
-                           "src/a.c:2:48: error: the source has no item \"m:A\" "
-                           "[unknown]\n" +
-                           unread.substr(unread.find('\n') + 1) + "app.lang-src:"));
-    EXPECT_THAT(run.out, HasSubstr(": info: asked for in no file [unasked]\n"));
-    EXPECT_EQ(read_file("app.lang-src"), before);
 }
 
 // "unknown" is empty exactly when the check would insert nothing.

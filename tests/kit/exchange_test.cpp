@@ -1,4 +1,5 @@
-// Texts out and in through the words, with other programs as judges of what goes out.
+// Texts out and in through the words, beside pages/exchange.md, with other programs as judges of
+// what goes out.
 
 #include "exchange/sources.h"
 #include "kit/menu-source.h"
@@ -92,72 +93,6 @@ TEST_F(ExchangeSlow, AChangedTextComesBackAndNothingElse)
     }
 }
 
-TEST_F(ExchangeSlow, OnlyWhatIsKnownIsTaken)
-{
-    write_file("german.po",
-               "msgctxt \"menu:_Save\"\nmsgid \"_Save\"\nmsgstr \"Sichern \"\n\n"
-               "msgctxt \"menu:_Sve\"\nmsgid \"_Sve\"\nmsgstr \"x\"\n\n"
-               "msgid \"loose\"\nmsgstr \"x\"\n\n"
-               "#, fuzzy\nmsgctxt \"menu:_Quit\"\nmsgid \"_Quit\"\nmsgstr \"Raten\"\n\n"
-               "msgctxt \"menu:_Edit\"\nmsgid \"_Edit it\"\nmsgstr \"Anders\"\n");
-    write_file("klingon.po", "msgctxt \"menu:_Save\"\nmsgid \"_Save\"\nmsgstr \"pol\"\n");
-    const auto taken = kit("import --format po app.lang-src german.po klingon.po");
-    EXPECT_EQ(taken.status, 1);
-    EXPECT_EQ(taken.out, "~ menu:_Save german: \"_Speichern\" -> \"Sichern\"\n"
-                         "~ menu:_Edit german: \"_Bearbeiten\" -> \"Anders\"\n");
-    EXPECT_EQ(taken.err, "german.po:5: unknown item menu:_Sve\n"
-                         "german.po:9: unknown item \"loose\"\n"
-                         "german.po:17: menu:_Edit german: translates \"_Edit it\", now it is "
-                         "\"_Edit\"\n"
-                         "german.po: left out 1 fuzzy text\n"
-                         "klingon.po:1: unknown language \"klingon\"\n");
-    EXPECT_EQ(kit("import --fuzzy --format po app.lang-src german.po").out,
-              "~ menu:_Quit german: \"_Beenden\" -> \"Raten\"\n");
-    EXPECT_EQ(kit("import --language german --format po app.lang-src klingon.po").out,
-              "~ menu:_Save german: \"Sichern\" -> \"pol\"\n");
-
-    // One bad file, and nothing of the others is written.
-    const std::string before = read_file("app.lang-src");
-    write_file("french.po", "msgid \"a\nmsgstr");
-    const auto bad = kit("import --format po --fuzzy app.lang-src german.po french.po");
-    EXPECT_EQ(bad.status, 2);
-    EXPECT_THAT(bad.err, HasSubstr("french.po:1: error: a text without its closing quote\n"));
-    EXPECT_EQ(read_file("app.lang-src"), before);
-}
-
-TEST_F(ExchangeSlow, CommentsComeOnlyWhenWanted)
-{
-    write_file("german.po", "# Zu lang!\nmsgctxt \"menu:_Save\"\nmsgid \"_Save\"\n"
-                            "msgstr \"_Speichern\"\n");
-    EXPECT_EQ(kit("import --format po app.lang-src german.po").out, "");
-    EXPECT_EQ(kit("import --comments --format po app.lang-src german.po").out,
-              "~ menu:_Save german comment: \"\" -> \"Zu lang!\"\n");
-    EXPECT_EQ(kit("import --comments --format po app.lang-src german.po").out, "");
-    write_file("german.po",
-               "# Noch immer.\nmsgctxt \"menu:_Save\"\nmsgid \"_Save\"\nmsgstr \"\"\n");
-    EXPECT_EQ(kit("import --comments --format po app.lang-src german.po").out,
-              "~ menu:_Save german comment: \"Zu lang!\" -> \"Zu lang!\\nNoch immer.\"\n");
-}
-
-TEST_F(Exchange, JsonReplacesTheWholeSource)
-{
-    const auto out = kit("export --format json app.lang-src >app.json");
-    EXPECT_EQ(out.err, "");
-    EXPECT_EQ(kit("import --format json app.lang-src app.json").out, "");
-    EXPECT_EQ(files(), 2U) << "nothing was written";
-    EXPECT_EQ(kit("import --format json copy.lang-src app.json >list").status, 0);
-    EXPECT_THAT(read_file("list"), HasSubstr("+ menu:_Save\n"));
-    EXPECT_EQ(without_stamps(read_file("copy.lang-src")), without_stamps(read_file(example)));
-    write_file("app.json",
-               std::regex_replace(read_file("app.json"), std::regex("\"_Save\""), "\"_Keep\""));
-    const auto taken = kit("import --format json app.lang-src app.json");
-    EXPECT_EQ(taken.out, "- menu:_Save\n+ menu:_Keep\n");
-    EXPECT_THAT(read_file("app.lang-src"), HasSubstr("ITEM   \"_Keep\""));
-    write_file("app.json", "{");
-    EXPECT_EQ(kit("import --format json app.lang-src app.json").err,
-              "app.json:1: error: no JSON\n");
-}
-
 // The texts come late, from a pipe: meanwhile another program saves.
 TEST_F(Exchange, WhatAnotherProgramSavedMeanwhileStays)
 {
@@ -188,39 +123,6 @@ TEST_F(Exchange, WhatAnotherProgramSavedMeanwhileStays)
     for (const char *format : {"csv", "json"})
         EXPECT_EQ(kit(std::string("import --format ") + format + " app.lang-src " + format).status,
                   2);
-}
-
-TEST_F(Exchange, WhatStoodInTheWayIsKept)
-{
-    EXPECT_EQ(kit("export --format po --language german app.lang-src").out, "german.po\n");
-    const std::string written = read_file("german.po");
-    EXPECT_EQ(kit("export --format po --language german app.lang-src").status, 0);
-    EXPECT_EQ(files(), 2U);
-    write_file("german.po", "# somebody's work\n");
-    EXPECT_EQ(kit("export --format po --language german app.lang-src").status, 0);
-    EXPECT_EQ(files(), 3U);
-    EXPECT_EQ(read_file("german.po"), written);
-    std::string kept;
-    for (const auto &entry : std::filesystem::directory_iterator("."))
-        if (entry.path().extension() == ".bak")
-            kept = read_file(entry.path());
-    EXPECT_EQ(kept, "# somebody's work\n");
-}
-
-TEST_F(Exchange, ADryRunWritesNothing)
-{
-    write_file("german.po", "msgctxt \"menu:_Save\"\nmsgid \"_Save\"\nmsgstr \"Sichern\"\n");
-    for (const std::string words :
-         {"start --dry-run new.lang-src", "export --dry-run --format po -o new app.lang-src",
-          "report --dry-run -o new.html app.lang-src", "pseudo --dry-run app.lang-src",
-          "merge --dry-run -o new.lang-src app.lang-src app.lang-src app.lang-src",
-          "import --dry-run --format po app.lang-src german.po",
-          "fill --dry-run -o new.lang-src --from german.po app.lang-src"}) {
-        EXPECT_EQ(kit(words).status, 0) << words;
-        EXPECT_EQ(files(), 2U) << words;
-        EXPECT_FALSE(std::filesystem::exists("new")) << words;
-        EXPECT_EQ(read_file("app.lang-src"), read_file(example));
-    }
 }
 
 // A pipe with a name is not waited for; one that a shell makes for a command is read.

@@ -224,7 +224,7 @@ TEST_F(KilledSlow, AtEverySystemCall)
 // Without hard links the path is empty for a moment, but never while a text is on its way.
 TEST_F(KilledSlow, AtEverySystemCallWithoutLinks)
 {
-    grow(300000);
+    grow(100000); // several writes
     const zel_test::elsewhere other;
     const std::string path = other.path() + "/app.lang-src";
     zel_test::death death = zel_test::death::killed;
