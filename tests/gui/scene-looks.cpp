@@ -101,6 +101,37 @@ std::string joined(const std::vector<std::string> &parts)
     return all;
 }
 
+// The parts of a label that stand out: "bold 2-4; red 0, 5-20".
+std::string marks_of(GtkLabel *label)
+{
+    std::string out;
+    PangoAttrList *list = gtk_label_get_attributes(label);
+    if (list == nullptr)
+        return out;
+    const std::string text = gtk_label_get_text(label);
+    PangoAttrIterator *parts = pango_attr_list_get_iterator(list);
+    do {
+        gint from = 0;
+        gint to = 0;
+        pango_attr_iterator_range(parts, &from, &to);
+        const auto at = static_cast<std::size_t>(from);
+        const auto add = [&](const char *how) {
+            out += (out.empty() ? "" : "; ") + std::string(how) + " " +
+                   text.substr(at, static_cast<std::size_t>(to) - at);
+        };
+        const auto *weight =
+            reinterpret_cast<PangoAttrInt *>(pango_attr_iterator_get(parts, PANGO_ATTR_WEIGHT));
+        const auto *colour = reinterpret_cast<PangoAttrColor *>(
+            pango_attr_iterator_get(parts, PANGO_ATTR_FOREGROUND));
+        if (weight != nullptr && weight->value == PANGO_WEIGHT_BOLD)
+            add("bold");
+        if (colour != nullptr && colour->color.red > 2 * colour->color.green)
+            add("red");
+    } while (pango_attr_iterator_next(parts) != 0);
+    pango_attr_iterator_destroy(parts);
+    return out;
+}
+
 std::string yes_or_no(bool is) { return is ? "yes" : "no"; }
 
 // --- Widgets ---------------------------------------------------------------------------------
@@ -590,6 +621,11 @@ const std::map<std::string, std::string (*)(Scene &, word)> looks_at{
      [](Scene &scene, word of) {
          return without_null(atk_object_get_name(gtk_widget_get_accessible(scene.widget(of))));
      }},
+    {"tooltip",
+     [](Scene &scene, word of) {
+         return zel_test::take(gtk_widget_get_tooltip_text(scene.widget(of)));
+     }},
+    {"marks", [](Scene &scene, word of) { return marks_of(GTK_LABEL(scene.widget(of))); }},
     {"menu",
      [](Scene &scene, word of) {
          std::string line;
