@@ -80,6 +80,7 @@ ini_t *ini_new(const char *file)
     settings->store = lang_cfg_new(file);
     if (settings->store == nullptr)
         return nullptr;
+    // Bound before the file is read: opening the store puts its values straight into these.
     for (const string_row &row : strings)
         lang_cfg_add_entry(settings->store, row.section, row.key, CFG_STR,
                            &(settings.get()->*row.field));
@@ -101,8 +102,11 @@ int ini_read(ini_t *settings)
         return 1;
     // Keys that the file lacks keep the values of their fields.
     fields_to_keys(settings);
+    // If this fails, the store remembers it, and ini_write does not replace the user's file by
+    // these first values.
     lang_cfg_open(settings->store, 0);
     keys_to_fields(settings);
+    // Read without binding the key, because every bound key is written.
     lang_cfg_get_long(settings->store, &settings->spelling, settings->spelling, editor_section,
                       spelling_key);
     take_below(settings);
@@ -119,6 +123,7 @@ void ini_set_spelling(ini_t *settings, bool on)
 {
     if (settings == nullptr)
         return;
+    // Binding stores a value of the file in the variable, so it comes before the new value.
     lang_cfg_add_entry(settings->store, editor_section, spelling_key, CFG_LONG,
                        &settings->spelling);
     settings->spelling = on ? 1 : 0;
@@ -153,6 +158,7 @@ void ini_free(ini_t *settings)
     if (settings == nullptr)
         return;
     if (settings->store != nullptr) {
+        // Closing deletes the lock file, which freeing would leave behind.
         lang_cfg_close(settings->store);
         lang_cfg_free(settings->store); // with the strings of the two string fields
     }

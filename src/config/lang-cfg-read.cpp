@@ -50,7 +50,7 @@ void note_open_end(const zel_lex_buf_t *buf, int character, const char *what)
 
 bool ends_line(int character) { return character == '\n' || character == ZEL_LEX_EOF; }
 
-// After "[": up to "]", or to the end of a line that lacks it.
+// Called behind "[": reads up to "]", or to the end of a line that lacks it.
 void scan_section(zel_lex_buf_t *buf, token_text &text)
 {
     int character = '[';
@@ -63,7 +63,7 @@ void scan_section(zel_lex_buf_t *buf, token_text &text)
     text.trim();
 }
 
-// A backslash and the character it protects.
+// Called behind a backslash: the next character stands for itself, whatever it is.
 void scan_escaped(zel_lex_buf_t *buf, token_text &text)
 {
     const int character = zel_lex_buf_next_char(buf);
@@ -71,7 +71,7 @@ void scan_escaped(zel_lex_buf_t *buf, token_text &text)
         text.add(character);
 }
 
-// After a double quote: up to the next one.
+// Called behind a double quote: reads up to the next one.
 void scan_quoted(zel_lex_buf_t *buf, token_text &text)
 {
     int character = zel_lex_buf_next_char(buf);
@@ -84,7 +84,7 @@ void scan_quoted(zel_lex_buf_t *buf, token_text &text)
     note_open_end(buf, character, "a text in quotes");
 }
 
-// From its first character: up to "=", the end of the line, or a double quote.
+// Reads on from the word's first character, up to "=", the end of the line, or a double quote.
 void scan_word(zel_lex_buf_t *buf, int first, token_text &text)
 {
     int character = first;
@@ -202,7 +202,7 @@ const zel_token_t *read_key(lang_cfg_t *store, cfg_entry_t *section, const zel_t
 {
     // Made even if "=" is missing: an entry without data is never written.
     cfg_entry_t *entry = zel::cfg_key(store, section, word->lexeme);
-    // The next token takes this one's place.
+    // Kept now, since the next token takes the place of this one.
     const int line = static_cast<int>(word->line);
     const zel_token_t *token = zel_next_token(store->lex);
     if (token->id != CFG_TOK_ASSIGN || entry == nullptr) {

@@ -10,7 +10,8 @@
 
 namespace zel {
 
-// Finds an entry by its section (none for sections) and its name.
+// Finds an entry by its section (none for sections) and its name. The lists alone keep the order;
+// to search them for each line would make reading a large file quadratic.
 class cfg_index {
 public:
     cfg_entry_t *find(const cfg_entry_t *section, const char *name) const
@@ -69,6 +70,7 @@ cfg_entry_t *append_entry(zel_list *&head, zel_list *&last, const char *name, in
     cfg_entry_t *entry = new_entry(name, type);
     if (entry == nullptr)
         return nullptr;
+    // Walks on from the last node, which is the end, and not from the head.
     zel::list_end list(last);
     if (!list.append(entry)) {
         std::free(entry->name);
@@ -114,6 +116,7 @@ cfg_entry_t *cfg_key(lang_cfg_t *store, cfg_entry_t *section, const char *name)
 {
     if (cfg_entry_t *found = cfg_find_key(store, section, name))
         return found;
+    // The section's data is the list itself, so it changes with the first key.
     zel_list *keys = cfg_keys(section);
     cfg_entry_t *made = append_entry(keys, section->last, name, CFG_VOID);
     section->data = keys;

@@ -40,7 +40,7 @@ void write_string(std::FILE *stream, const cfg_entry_t *key)
         lex_write_split_str_by_sep(stream, 0, text, '\n', 1);
 }
 
-// Six decimals, and a decimal point in every locale.
+// Writes six decimals, with a decimal point in every locale.
 void write_double(std::FILE *stream, const cfg_entry_t *key)
 {
     // The largest number has 309 digits before the point.
@@ -50,7 +50,8 @@ void write_double(std::FILE *stream, const cfg_entry_t *key)
 }
 
 // Whether the reader returns this text unchanged when it stands without quotes. Behind a minus sign
-// it may begin with more of them.
+// it may begin with more of them. In step with scan_word, skip_blanks and scan_token in
+// lang-cfg-read.cpp.
 bool reads_back(std::string_view text, bool behind_sign)
 {
     if (text.find_first_of("=\"\\\n") != std::string_view::npos)
@@ -81,6 +82,7 @@ void write_word(std::FILE *stream, const char *text, bool behind_sign)
 
 void write_text(std::FILE *stream, const cfg_entry_t *key)
 {
+    // The reader keeps the sign apart from the text (read_value in lang-cfg-read.cpp).
     if (key->negative != 0)
         std::fputc('-', stream);
     write_word(stream, static_cast<const char *>(key->data), key->negative != 0);
@@ -146,7 +148,7 @@ void list_key(const cfg_entry_t *key)
 
 void write_key(std::FILE *stream, const cfg_entry_t *key)
 {
-    // The key was read without a value, or nobody has given it one.
+    // The file named the key without a value, or nobody has given it one.
     if (key->data == nullptr)
         return;
     if (!known_type(key)) {
@@ -166,6 +168,8 @@ void cfg_write_sections(std::FILE *stream, zel_list *sections)
 {
     for (const zel_list *node = sections; node != nullptr; node = node->next) {
         const auto *section = static_cast<const cfg_entry_t *>(node->data);
+        // The section without a name comes first, since lang_cfg_new makes it: its keys must stand
+        // above the first heading, or they would be read as that section's.
         if (section->name[0] != '\0')
             std::fprintf(stream, "\n[%s]\n", section->name);
         for (const zel_list *key = cfg_keys(section); key != nullptr; key = key->next)

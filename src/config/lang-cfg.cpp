@@ -105,7 +105,7 @@ int fail_without_lock(lang_cfg_t *store)
 // Returns null with errno.
 std::FILE *make_lock(const char *path, bool test)
 {
-    constexpr int most_tries = 100; // others may be making theirs
+    constexpr int most_tries = 100; // other processes may make theirs meanwhile
     int fd = -1;
     for (int tries = 0; fd < 0 && tries < most_tries; ++tries) {
         const bool free = test || unlink(path) == 0 || errno == ENOENT;
@@ -143,6 +143,7 @@ int take_lock(lang_cfg_t *store, bool test)
 bool owns_lock(const lang_cfg_t *store)
 {
     struct stat status {};
+    // Without the file only the status tells: CFG_LOCKED says that it is another store's.
     if (store->fp_lock == nullptr)
         return store->status != CFG_LOCKED;
     return fstat(fileno(store->fp_lock), &status) == 0 &&
@@ -176,6 +177,7 @@ int open_file(lang_cfg_t *store, bool create)
 // would lose the rest.
 int read_file(lang_cfg_t *store)
 {
+    // The message below names errno, which then comes from a failed reading.
     errno = 0;
     zel_lex_buf_file_set_fp(store->buf, store->fp_cfg);
     zel_lex_set_buf(store->lex, store->buf);
@@ -225,6 +227,8 @@ int write_file(lang_cfg_t *store, zel::safe_file &file, const zel::target_file &
     if (const int error = file.finish(zel::synced::yes))
         return fail_write("write fp_tmp", error, CFG_NOT_WRITTEN);
     std::printf("lang_write_cfg: >%s<>%s<\n", store->tmp, store->cfg);
+    // A place that takes no file is told only now, like one whose renaming fails: callers know both
+    // as CFG_NOT_RENAMED.
     const int error = old.refusal != 0 ? old.refusal : file.put(old);
     return error == 0 ? CFG_OK : fail_write("rename fp_tmp", error, CFG_NOT_RENAMED);
 }

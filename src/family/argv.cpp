@@ -71,6 +71,7 @@ void append_word(char *word, int *count, char ***vector)
     (*vector)[(*count)++] = word;
 }
 
+// The null is no word, so the count stays: the next word takes its slot.
 void append_null(int *count, char ***vector, int slots)
 {
     if (make_room(vector, *count + slots))
@@ -157,6 +158,7 @@ int argv_get_flags_by_str(int *count, char ***position, const argv_tab_t *table,
     const char *word = current_word(*count, *position);
     if (word == nullptr || *word == '\0')
         return argv_reported(ARGV_NO_FLAGS);
+    // Cleared even if the word turns out to be no flag.
     *flags = 0;
     int result = ARGV_ERROR;
     for (; word != nullptr; word = current_word(*count, *position)) {
@@ -219,7 +221,10 @@ void gen_argv(const char *text, int *count, char ***vector)
         const char *end = quoted ? end_of_quoted(text) : end_of_plain(text);
         // Two quotes with nothing between them make no word.
         if (end != text)
+            // The backslashes of a word in quotes stay in it.
             append_word(dup_ptr_from_to(text, text, end), count, vector);
+        // Passes over the closing quote, or the white space that ended the word. A word may begin
+        // right behind a quote.
         text = *end == '\0' ? end : end + 1;
     }
 }
@@ -234,6 +239,7 @@ char **gen_argv_execv(const char *text, int *count, char ***vector)
 void gen_argv_ext(const char *text, int *count, char ***vector)
 {
     gen_argv(text, count, vector);
+    // A null, and behind it room for one more pointer.
     append_null(count, vector, 2);
 }
 

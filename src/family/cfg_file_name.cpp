@@ -39,6 +39,7 @@ zel::string_guard find_in(const char *search, const char *dir, const file_versio
         if (path == nullptr)
             return nullptr;
         LogPrint(1, "gen_check_cfg_file_name: (%d) %s\n", number, path.get());
+        // Only that it exists: a candidate that cannot be read is still the one to use.
         if (zel_access(path.get(), F_OK) == 0)
             return path;
     }

@@ -21,6 +21,7 @@ constexpr zel::file_messages mem_write_messages = {
     nullptr, nullptr, "zel_file_mem_write: ERROR open file >%s<\n", nullptr,
     "zel_file_mem_write: ERROR write file >%s<\n"};
 
+// The flags are the caller's, so what a failed write has left in the file stays there.
 zel::file_outcome write_whole(const char *path, const char *data, std::int64_t size, int flags,
                               int mode)
 {
@@ -100,6 +101,7 @@ std::int64_t zel_write_mem_to_file(const char *path, const char *data, int lengt
 
 zel_file_mem_t *zel_file_mem_read(zel_file_mem_t *mem, const char *path)
 {
+    // Read into an area of its own first: a failure must leave the given record as it was.
     char *data = nullptr;
     std::int64_t count = 0;
     const zel::file_outcome result =

@@ -17,6 +17,7 @@ const char *trans_id_str(const trans_id_t *table, int id, const char *fallback)
     if (table == nullptr)
         return fallback;
     for (; table->word != nullptr; ++table)
+        // The table has ids of 64 bits, of which the callers know 32.
         if (static_cast<int>(table->id) == id)
             return table->word;
     return fallback;
@@ -163,5 +164,6 @@ int lex_id_char_valid(int character, int digits_allowed)
     constexpr std::string_view refused = "!\"$%&()-/=?\\|";
     const bool operators = character > 0 && character < 128 &&
                            refused.find(static_cast<char>(character)) != std::string_view::npos;
+    // Any other byte is valid, also one beyond ASCII, which may be a part of a letter.
     return zel::is_space(character) || operators ? 0 : 1;
 }

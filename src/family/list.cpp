@@ -21,7 +21,7 @@ zel_list *zel_list_prepend(zel_list *node, void *data)
 {
     // zel_list_append also reports a lack of memory.
     zel_list *added = zel_list_append(nullptr, data);
-    // Without memory the list stays as it is.
+    // Without memory the list stays as it is, and its head is still the answer.
     if (added == nullptr)
         return node;
     if (node != nullptr) {
@@ -60,7 +60,7 @@ zel_list *zel_list_prev(zel_list *node) { return node == nullptr ? nullptr : nod
 
 zel_list *zel_list_nth(zel_list *list, int n)
 {
-    // n counts from 1; anything less asks for the first node.
+    // Nodes are counted from 1, and anything less asks for the first one.
     for (; n > 1 && list != nullptr; --n)
         list = list->next;
     return list;
@@ -70,6 +70,7 @@ char *zel_list_generate_str(const zel_list *list)
 {
     if (list == nullptr)
         return nullptr;
+    // Measured first, so that each text is copied once.
     std::size_t size = 0;
     for (const zel_list *node = list; node != nullptr; node = node->next)
         size +=
@@ -85,6 +86,7 @@ char *zel_list_generate_str(const zel_list *list)
     return joined;
 }
 
+// The fallback also takes the place of a text for which there was no memory.
 char *zel_list_generate_str2(const zel_list *list, const char *fallback)
 {
     char *joined = zel_list_generate_str(list);

@@ -73,6 +73,7 @@ void LogSpeed(int kind, const char *text)
         return;
     const bool known = kind >= 0 && static_cast<std::size_t>(kind) < speed_words.size();
     const char *word = known ? speed_words[static_cast<std::size_t>(kind)] : "NONE";
+    // Held over all outputs, so that no other line comes between.
     const zel::log_lock lock;
     zel::each_log_output([word, text](std::FILE *stream) {
         // The number is always 0; its place is kept for readers of the log.
@@ -80,6 +81,7 @@ void LogSpeed(int kind, const char *text)
     });
 }
 
+// Flushed at once: after a crash the log has what was written.
 int LogWrite(const void *data, std::size_t size, std::size_t count)
 {
     zel::each_log_output([data, size, count](std::FILE *stream) {

@@ -23,9 +23,11 @@ bool read_size_part(std::string_view part, int &value)
     if (part.empty() || part.size() >= text.size())
         return false;
     part.copy(text.data(), part.size());
+    // Reads the number at the start of the part: what follows its digits is not looked at.
     return std::sscanf(text.data(), "%d", &value) == 1;
 }
 
+// "to short" is deliberate, here and below: the messages are an interface.
 int copy_drive(std::string_view drive, char *out, int size)
 {
     if (drive.size() >= static_cast<std::size_t>(size)) {
@@ -50,7 +52,7 @@ bool read_width_height(const char *text, const char *marks, int &width, int &hei
     if (mark == std::string_view::npos || !read_size_part(pair.substr(0, mark), first) ||
         !read_size_part(pair.substr(mark + 1), second))
         return false;
-    // Both numbers change, or none.
+    // Stored only now, so that both numbers change or neither does.
     width = first;
     height = second;
     return true;
@@ -66,7 +68,7 @@ int zel_strlen(const char *text)
 char *zel_substr(const char *text, int start, int length)
 {
     const std::string_view whole = text == nullptr ? "" : text;
-    // Positions count from 1.
+    // Callers count positions from 1.
     if (start < 1 || static_cast<std::size_t>(start) > whole.size())
         return nullptr;
     const std::string_view rest = whole.substr(static_cast<std::size_t>(start) - 1);
@@ -100,7 +102,7 @@ char *zel_str_trim_hk(char *text)
 {
     if (text == nullptr)
         return nullptr;
-    // The length still counts the quote, so the NUL moves, too.
+    // The length before the move counts the quote, too, so the NUL moves along.
     if (*text == '"')
         std::memmove(text, text + 1, std::strlen(text));
     const std::size_t length = std::strlen(text);
@@ -119,7 +121,7 @@ int zel_str_count_lf(const char *text)
 
 int zel_str_float_cmp(const char *text, float number)
 {
-    // A decimal point in every locale.
+    // Reads a decimal point in every locale, unlike strtod.
     const float value = text == nullptr ? 0.0F : static_cast<float>(g_ascii_strtod(text, nullptr));
     if (value < number)
         return -1;
@@ -132,6 +134,7 @@ int zel_str_diff(char *out, const char *a, const char *b)
         if (*a != *b)
             *out++ = *b;
     const char *rest = *a != '\0' ? a : b;
+    // out holds the longer text, and each character before the rest added one at most.
     std::strcpy(out, rest);
     if (*rest == '\0')
         return 0;
@@ -184,12 +187,14 @@ int zel_path_get_drive(const char *path, char *out, int size)
         LogPrint(1, "zel_path_get_drive: path to short\n");
         return 1;
     }
+    // The shortest drive, as in "C:", takes three bytes with its NUL.
     if (size < 3) {
         LogPrint(1, "zel_path_get_drive: buffer to short\n");
         return 1;
     }
     if (whole[1] == ':')
         return copy_drive(whole.substr(0, 2), out, size);
+    // The name of a host runs to the next separator, or to the end.
     if (zel::is_separator(whole[0]) && zel::is_separator(whole[1]))
         return copy_drive(whole.substr(0, whole.find_first_of("/\\", 2)), out, size);
     return 1;

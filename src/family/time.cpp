@@ -21,6 +21,7 @@ double read_watch(zel_time_t &watch)
 zel_time_t *zel_time_start()
 {
     auto *watch = static_cast<zel_time_t *>(std::calloc(1, sizeof(zel_time_t)));
+    // Without memory the watch is null, which every function takes.
     zel_time_reset(watch);
     return watch;
 }
@@ -45,6 +46,7 @@ double zel_time_get_runtime_msec(zel_time_t *watch)
 {
     if (watch == nullptr)
         return 0.0;
+    // The lap goes on: both times are measured beside each other.
     watch->last_ms = read_watch(*watch);
     return watch->last_ms - watch->start_ms;
 }

@@ -10,6 +10,7 @@ namespace zel {
 
 namespace {
 
+// A form with its hash, so that a larger table is filled without hashing all texts again.
 struct kept {
     std::size_t hash;
     std::size_t length;
@@ -63,6 +64,7 @@ bool make_room()
 const char *find_or_keep(std::string_view form)
 {
     const std::size_t hash = std::hash<std::string_view>{}(form);
+    // Before the search, whose result points into the rows that this may exchange.
     if (!make_room())
         return nullptr;
     const kept **row = row_of(table.rows, table.size, hash, form);
@@ -94,6 +96,7 @@ const char *kept_form(std::string_view form)
 
 void drop_forms()
 {
+    // Takes no lock: no other thread is here at that time.
     lang_store_free(table.store);
     table = {};
 }

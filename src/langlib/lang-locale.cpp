@@ -72,6 +72,7 @@ void add_file(text_files &files, std::string_view path)
         files.complete = false;
         return;
     }
+    // Never destroyed: the record owns nothing, and its memory goes back with the store.
     auto *file =
         new (memory) text_file{nullptr, kept, nullptr, stem_of(kept), {}, {}, false, nullptr};
     const zel::string_guard name(zel::read_language_name(kept));
@@ -237,6 +238,7 @@ void take_language(const text_files &files, std::string_view name, std::string_v
         return take_unknown(files, name, taken);
     const std::string_view near = zel::near_language(code_of(wanted));
     language_tag choice;
+    // Every choice that has a file is taken: what one file lacks, the next one may have.
     for (unsigned i = 0; zel::next_choice(wanted, i, choice); ++i)
         // A near language that the user names later keeps its later place.
         if (near.empty() || choice.view() != near || !comes_later(others, near))
@@ -250,6 +252,7 @@ void choose(const text_files &files, const char *languages, chosen &taken)
     std::string_view rest = languages == nullptr ? wanted_languages() : languages;
     for (std::string_view name; !(name = next_name(rest)).empty();)
         take_language(files, name, rest, taken);
+    // The application's own choice for everybody else comes last.
     take_first(files, taken, [](const text_file &file) {
         return same_letters(file.stem, "default") || same_letters(file.name, "default");
     });
@@ -298,9 +301,11 @@ lang_handle_t *load(const text_file &file)
         release(handle);
         return nullptr;
     }
+    // The record goes into the handle's own store, and so lives as long as its texts.
     zel::lang_link &link = zel::link_of(handle->index);
     link.locale = describe(file, *handle, handle->index);
     if (!file.row.plural.empty())
+        // A part of the table of languages, which is always there.
         link.plural = file.row.plural.data();
     if (link.locale == nullptr) {
         release(handle);
@@ -326,6 +331,7 @@ lang_handle_t *load_chain(const chosen &taken)
     lang_handle_t *last = nullptr;
     for (const text_file *file = taken.first; file != nullptr; file = file->then) {
         lang_handle_t *handle = load(*file);
+        // A file that cannot be read leaves its place to the next one.
         if (handle == nullptr)
             continue;
         if (last == nullptr) {
@@ -376,6 +382,7 @@ const lang_locale_t *lang_locale_choose(const char *directory, const char *langu
         LogPrint(1, "lang_locale_load: ERROR the texts are loaded already\n");
     const lang_locale_t *taken = nullptr;
     if (handle != nullptr) {
+        // Stays valid: the record stands in the store, which moves into lang as it is.
         taken = zel::link_of(handle->index).locale;
         zel::lang_move_in(&lang, handle);
     }

@@ -28,6 +28,7 @@ bool read_string(zel_lex_t *lex, zel::string_guard &text)
     const zel_token_t *token = expect(lex, TOKEN_STRING, "string");
     if (token == nullptr)
         return false;
+    // A copy, since the tokens behind it take its place.
     text.reset(zel_strdup2(token->lexeme));
     return text != nullptr;
 }
@@ -38,6 +39,7 @@ char *_zel_lex_lang_get(zel_lex_t *lex)
     zel::string_guard second;
     if (lex == nullptr || !read_char(lex, '(', "'('"))
         return nullptr;
+    // The log names the line of the bracket as that of the request.
     const int line = static_cast<int>(zel_current_token(lex)->line);
     if (!read_string(lex, first) || !read_char(lex, ',', "','") || !read_string(lex, second))
         return nullptr;

@@ -149,7 +149,7 @@ void sort_by_bytes(sort_rows rows, sort_rows spare, std::size_t depth)
             return insertion_sort(rows, depth);
         buckets starts;
         if (!distribute(rows, spare, depth, starts)) {
-            // All of these keys have ended, so they are equal.
+            // All of these keys end here, so they are equal, and stand in reading order.
             if (byte_at(rows[0], depth) == 0)
                 return;
             continue;

@@ -56,6 +56,7 @@ gunichar take_char(std::string_view &text)
 bool same_name(std::string_view a, std::string_view b)
 {
     while (!a.empty() && !b.empty()) {
+        // Letters of ASCII, by far the most, are compared without decoding them.
         const bool ascii = ((a[0] | b[0]) & 0x80) == 0;
         if (ascii ? lower(a[0]) != lower(b[0]) : take_char(a) != take_char(b))
             return false;
@@ -150,7 +151,7 @@ std::string_view code_of(std::string_view name)
     return {};
 }
 
-// "AT", "Austria", "Traditional, Hong Kong"
+// Reads what stood in parentheses: "AT", "Austria", "Traditional, Hong Kong".
 bool read_named_parts(std::string_view names, tag_parts &parts)
 {
     while (!names.empty()) {
@@ -163,7 +164,7 @@ bool read_named_parts(std::string_view names, tag_parts &parts)
     return true;
 }
 
-// "_AT", "-Hant-HK"
+// Reads parts that follow their signs: "_AT", "-Hant-HK".
 bool read_coded_parts(std::string_view codes, tag_parts &parts)
 {
     while (!codes.empty()) {
@@ -228,6 +229,7 @@ struct near_pair {
     std::string_view wanted;
     std::string_view other;
 };
+// Norwegian has two written languages, nb and nn, and "no" stands for either.
 constexpr near_pair near_pairs[] = {{"nb", "no"}, {"nn", "no"}, {"no", "nb"}};
 
 // The script in which a territory writes Chinese.
@@ -275,6 +277,8 @@ bool read_language(std::string_view name, language_tag &tag, language_row &row)
     if (name.size() > longest_name)
         return false;
     std::string_view language = name;
+    // The longest beginning that the table knows is the language. What stands behind it must be
+    // made of known parts, which read_parts looks at.
     while (!find_language(language, row)) {
         const std::size_t cut = last_cut(language);
         if (cut == language.npos)
@@ -288,7 +292,7 @@ bool read_language(std::string_view name, language_tag &tag, language_row &row)
         row = {};
         return false;
     }
-    // "pt-BR" has a row of its own.
+    // A language may have a row of its own for a script or a territory, as "pt-BR" does.
     for (const char *part : {parts.script, parts.territory}) {
         language_row closer;
         write_tag(tag, code, part, "", "");

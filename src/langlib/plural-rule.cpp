@@ -16,12 +16,13 @@ std::uint64_t take_number(std::string_view &rest)
     return number;
 }
 
-// "2..4,9"
+// Whether the number is one of the list, as in "2..4,9".
 bool is_among(std::string_view numbers, std::uint64_t n)
 {
     while (!numbers.empty()) {
         std::string_view ends = cut_at(numbers, ',');
         const std::uint64_t first = take_number(ends);
+        // Two dots, or nothing, stand behind the first number.
         ends.remove_prefix(std::min<std::size_t>(ends.size(), 2));
         const std::uint64_t last = ends.empty() ? first : take_number(ends);
         if (first <= n && n <= last)
@@ -30,9 +31,10 @@ bool is_among(std::string_view numbers, std::uint64_t n)
     return false;
 }
 
-// "n%10!=2..4,9"
+// Whether the relation, such as "n%10!=2..4,9", holds for the number.
 bool relation_holds(std::string_view relation, std::uint64_t n)
 {
+    // Passes over the letter n, which is all that a relation may begin with.
     relation.remove_prefix(std::min<std::size_t>(relation.size(), 1));
     if (relation.starts_with('%')) {
         relation.remove_prefix(1);
@@ -44,7 +46,8 @@ bool relation_holds(std::string_view relation, std::uint64_t n)
     return is_among(relation, n) != negated;
 }
 
-// "n%10=1&n%100!=11|n=0"; an empty one holds.
+// Whether the condition, such as "n%10=1&n%100!=11|n=0", holds. "&" is and, "|" is or, and "&"
+// binds closer. An empty one holds.
 bool condition_holds(std::string_view condition, std::uint64_t n)
 {
     bool holds = condition.empty();

@@ -18,6 +18,7 @@ int read_memory(zel_lex_buf_t *buf, void *)
     return buf->index >= buf->count ? ZEL_LEX_EOF : buf->data[buf->index++];
 }
 
+// Fills the block from the stream. A buffer without a stream is at its end.
 bool load_block(zel_lex_buf_t *buf)
 {
     buf->index = 0;
@@ -72,6 +73,7 @@ std::uint64_t seek_file(zel_lex_buf_t *buf, std::uint64_t offset)
     return offset;
 }
 
+// The count of the block's bytes is not one of them: only the caller knows what the block holds.
 void start_counters(zel_lex_buf_t *buf)
 {
     buf->position = 0;
@@ -152,6 +154,8 @@ zel_lex_buf_t *zel_lex_buf_new()
     buf->data = static_cast<unsigned char *>(std::malloc(block_size));
     if (buf->data == nullptr)
         return nullptr;
+    // A bare buffer has an area but no bytes in it: until a client plugs in a reader, it is at its
+    // end.
     buf->owns_data = 1;
     buf->capacity = block_size;
     return buf.release();
@@ -233,6 +237,7 @@ int zel_lex_buf_file_set_tail(zel_lex_buf_t *buf, int on)
 {
     if (buf == nullptr)
         return 1;
+    // Takes the place of a reader that a client has plugged in, too.
     set_reader(buf, on != 0 ? read_file_tail : read_file);
     return 0;
 }

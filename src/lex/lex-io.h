@@ -97,6 +97,7 @@ int buf_shared_look_ahead(zel_lex_buf_t *buf);
 inline int take_char(zel_lex_buf_t *buf)
 {
     if (buf->held != 0) {
+        // Position, line and column counted it when it was read ahead.
         const int held = buf->held;
         buf->held = 0;
         return held;

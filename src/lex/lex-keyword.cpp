@@ -26,6 +26,7 @@ unsigned word_hash(const char *word, std::size_t length)
 
 int bisect_keyword(const zel_lex_t *lex, const char *word)
 {
+    // The word, if it is there, stands between the rows low and high, which are both excluded.
     unsigned low = 0;
     unsigned high = lex->keyword_count;
     unsigned mid = high / 2;
@@ -132,6 +133,7 @@ bool build_keywords(zel_lex_t *lex, const Keytab *table)
     lex->keywords = index;
     lex->keyword_count = count;
     for (unsigned i = 1; i <= count; ++i)
+        // The index points into the table, which must therefore outlive the scanner.
         index[i] = &table[i];
     sort_keywords(lex);
     build_keyword_hash(lex);

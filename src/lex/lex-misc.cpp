@@ -18,9 +18,11 @@ int lex_match(const zel_token_t *token, int kind)
 const char *zel_lex_linemarker_info(zel_lex_t *lex, const zel_token_t *token)
 {
     const char *file = nullptr;
+    // Outside of marked files the index is -1, or that of a slot without a name.
     if (token->file_index >= 0 && token->file_index < ZEL_LEX_MARKER_FILES)
         file = lex->marker_files[token->file_index];
     if (file != nullptr)
+        // A marker names only file and line, so the column is that of the text that was scanned.
         std::snprintf(lex->position_text, sizeof lex->position_text, "%s:%d:%d", file,
                       static_cast<int>(token->file_line), static_cast<int>(token->column));
     else
@@ -47,7 +49,7 @@ const char *zel_lex_get_file(zel_lex_t *lex)
 
 int lex_write_char(std::FILE *stream, int byte)
 {
-    // No text can hold a NUL.
+    // The quoted form has no escape for a NUL, so it is left out.
     if (byte == 0)
         return 0;
     const char letter = zel::escape_letter(static_cast<unsigned char>(byte));
@@ -101,6 +103,7 @@ int lex_write_split_str_by_sep(std::FILE *stream, int indent, const char *text, 
     int written = 0;
     while (*text != '\0') {
         const int n = piece_length(text, separator);
+        // The first piece goes on with the caller's line, unless that is empty (column 0).
         if (column == 0)
             std::fprintf(stream, "%*s", indent > 0 ? indent : 0, "");
         written += lex_write_str(stream, text, n);

@@ -145,7 +145,7 @@ void skip_until(zel_lex_buf_t *buf, int byte, int other)
     take_block(buf, n);
 }
 
-// After "/*". False at the end of input.
+// Called behind "/*": passes over the comment. False when the input ends in it.
 bool skip_block_comment(zel_lex_buf_t *buf)
 {
     for (;;) {
@@ -160,7 +160,7 @@ bool skip_block_comment(zel_lex_buf_t *buf)
     }
 }
 
-// After "//", through the line feed. False at the end of input.
+// Called behind "//": passes over the line with its line feed. False when the input ends first.
 bool skip_line_comment(zel_lex_buf_t *buf)
 {
     for (;;) {
@@ -248,7 +248,7 @@ int scan_string_escape(zel_lex_t *lex, zel_token_t *token)
     return add_byte(token, '\\') && add_byte(token, letter) ? string_goes_on : TOKEN_ERR_MEM;
 }
 
-// One character of a string that is not part of a plain run.
+// Takes one character of a string, where a plain run has ended.
 int scan_string_char(zel_lex_t *lex, zel_token_t *token)
 {
     const int c = next_char(lex->buf);
@@ -312,6 +312,8 @@ int character_escape(int letter)
     }
 }
 
+// One character between single quotes. If another character stands where the closing quote must be,
+// that one is lost and the token is a number.
 int scan_character(zel_lex_t *lex)
 {
     zel_token_t *token = lex->work;
@@ -425,7 +427,7 @@ int scan_pair(zel_lex_t *lex, int single, int second, int pair)
 int scan_number(zel_lex_t *lex, int first)
 {
     const int kind = lex->do_numeric(lex, first, 0);
-    // Errors are negative and keep their kind.
+    // Errors are negative: they keep their kind, whatever the flag says.
     return finish(lex->work,
                   kind > 0 && (lex->flags & LEX_NUMBER_ONE_KIND) != 0 ? TOKEN_NUMBER : kind);
 }
@@ -556,12 +558,15 @@ int zel_get_token(zel_lex_t *lex)
     int kind = 0;
     while (kind == 0) {
         skip_white_space(lex);
+        // Again after each comment: a token's place is where it begins itself.
         mark_start(lex);
         kind = scan_from(lex, next_char(lex->buf));
     }
     return kind;
 }
 
+// Hexadecimal digits after 0x, octal ones after another 0, else decimal digits and points. Neither
+// a sign nor an exponent belongs to a number.
 int lex_do_numeric(zel_lex_t *lex, int first, int start)
 {
     zel_token_t *token = lex->work;
@@ -576,6 +581,7 @@ int lex_do_numeric(zel_lex_t *lex, int first, int start)
         kind = TOKEN_HEX;
     } else if (first == '0' && second != '.') {
         fits = fits && add_while(lex, is_octal, 0, seen);
+        // A 0 by itself is decimal.
         kind = token->length == static_cast<std::uint32_t>(start) + 1 ? TOKEN_DEC : TOKEN_OCT;
     } else {
         fits = fits && add_while(lex, is_decimal_or_point, '.', seen);

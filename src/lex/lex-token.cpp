@@ -53,7 +53,7 @@ bool grow(zel_token_t *token, std::size_t n)
 {
     const std::size_t length = token->length;
     const std::size_t wanted = std::max(length + n + ZEL_LEX_LEXEME, length + length / 2);
-    // The capacity is an int.
+    // The capacity is an int, so no text grows beyond what that holds.
     if (wanted > 0x7fffffff || token->capacity == 0)
         return false;
     char *grown = static_cast<char *>(std::realloc(token->lexeme, wanted));
@@ -80,6 +80,7 @@ int lex_token_cpy(zel_token_t *destination, const zel_token_t *source)
         // The old text is not needed, so nothing is copied into the new area.
         char *grown = static_cast<char *>(std::malloc(static_cast<std::size_t>(source->capacity)));
         if (grown == nullptr) {
+            // The destination keeps its old text: a half copy would pass for a whole one.
             LogPrint(1, "lex_token_cpy: ERROR not enough memory\n");
             return 1;
         }

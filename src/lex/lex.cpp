@@ -9,6 +9,8 @@
 
 namespace {
 
+// What a new scanner and one that starts again have in common. The names of marked files are not
+// released here: a new scanner has none.
 void start_scanner(zel_lex_t *lex, unsigned flags)
 {
     lex->flags = flags;
@@ -26,7 +28,7 @@ void start_scanner(zel_lex_t *lex, unsigned flags)
 void release_marker_files(zel_lex_t *lex)
 {
     for (char *&name : lex->marker_files) {
-        // The table is filled from its front.
+        // The table is filled from its front, so the first free slot ends it.
         if (name == nullptr)
             break;
         std::free(name);
@@ -47,10 +49,12 @@ zel_lex_t *zel_lex_new(const Keytab *table, unsigned flags)
     zel_lex_guard lex(static_cast<zel_lex_t *>(std::calloc(1, sizeof(zel_lex_t))));
     if (!lex)
         return nullptr;
+    // Set before the keywords are built, which are sorted with or without regard to case.
     lex->flags = flags;
     lex->work = zel::new_token();
     lex->current = zel::new_token();
     lex->ahead = zel::new_token();
+    // The guard may release a scanner that is only half made: what it lacks is null.
     if (lex->work == nullptr || lex->current == nullptr || lex->ahead == nullptr ||
         !zel::build_keywords(lex.get(), table))
         return nullptr;
@@ -106,7 +110,8 @@ int zel_lex_start(zel_lex_t *lex)
     return 0;
 }
 
-// Tokens change places by exchanging their areas, so no text is copied.
+// Tokens change places by exchanging their areas, so no text is copied. The records stay where they
+// are: the pointer to the current token is the same for every token.
 zel_token_t *zel_next_token(zel_lex_t *lex)
 {
     if (lex == nullptr)
@@ -138,6 +143,7 @@ zel_token_t *zel_current_token(zel_lex_t *lex) { return lex == nullptr ? nullptr
 
 std::uint64_t zel_lex_seek(zel_lex_t *lex, std::uint64_t offset)
 {
+    // A token that has been looked at ahead is kept: it comes before those of the new place.
     zel_lex_buf_seek(lex->buf, offset);
     return offset;
 }
@@ -176,6 +182,7 @@ void zel_lex_free_buf(zel_lex_t *lex)
 void zel_lex_buf_clear(zel_lex_t *lex, zel_lex_buf_t *buf)
 {
     zel_lex_set_buf(lex, buf);
+    // What the block still held is dropped. A file buffer reads on where its stream stands.
     buf->count = 0;
     buf->index = 0;
 }

@@ -616,6 +616,7 @@ int zel_min_lex_if_char(const char **cursor, char character)
         }
         dbg_printf("->%c\n", **cursor);
     }
+    // Unlike in zel_min_lex_match_char, the closing NUL can be asked for.
     return character == '\0' ? 1 : 0;
 }
 

@@ -6,6 +6,7 @@
 
 namespace zel {
 
+// An entry without a language bears the empty name, but a search for null finds nothing.
 lang_entry_t *find_entry(GList *entries, const char *language)
 {
     for (lang_entry_t *entry : each<lang_entry_t>(entries))
@@ -14,6 +15,7 @@ lang_entry_t *find_entry(GList *entries, const char *language)
     return nullptr;
 }
 
+// The strings hold their line feeds themselves, so they are joined with nothing between.
 void append_texts(std::string &out, GList *texts)
 {
     for (const char *text : each<char>(texts))
@@ -28,6 +30,8 @@ std::string text_of(const lang_entry_t *entry)
     return out;
 }
 
+// The buffer is the caller's, so that a walk over many texts does not allocate for each. The view
+// ends with the next change of the buffer or of the text.
 std::string_view look_at_text(GList *texts, std::string &buffer)
 {
     if (texts == nullptr)
@@ -72,6 +76,7 @@ void put_text(GList *&entries, const char *language, std::string_view text)
 {
     lang_entry_t *entry = find_entry(entries, language);
     if (entry == nullptr) {
+        // Appended at the end: a save then leaves the lines of the other languages where they are.
         entry = alloc_lang_entry(language);
         entries = g_list_append(entries, entry);
     }

@@ -43,6 +43,8 @@ item_t *get_item_ptr(LangSource *source, const char *group, const char *item)
     const edit_t *found = get_edit_ptr(source->groups, group);
     if (found == nullptr)
         return nullptr;
+    // A later group of the same name is never searched. The index in item-index.cpp must answer in
+    // the same way.
     for (item_t *candidate : zel::each<item_t>(found->items))
         if (same_name(candidate->name, item))
             return candidate;
@@ -98,6 +100,7 @@ item_t *insert_group_item(LangSource *source, const char *group, const char *ite
             return nullptr;
         source->groups = g_list_append(source->groups, holder);
     }
+    // If there is no memory for the item, a group that was made for it stays behind, empty.
     item_t *added = zel::new_group_item(source, item);
     if (added != nullptr)
         holder->items = g_list_append(holder->items, added);

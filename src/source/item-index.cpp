@@ -15,7 +15,8 @@ bool same_name(const char *stored, const char *wanted)
     return std::strcmp(or_empty(stored), wanted) == 0;
 }
 
-// Hash of an item's name, mixed with its group: the same names occur in many groups.
+// Hash of an item's name, mixed with its group: the same names occur in many groups. The odd factor
+// spreads the small numbers of the groups over all 32 bits.
 std::uint32_t item_hash(std::uint32_t group, const char *name)
 {
     return hash_of(or_empty(name)) ^ group * 0x85EBCA6BU;
@@ -58,6 +59,8 @@ std::uint32_t item_index::find_item(std::uint32_t group, const char *name) const
 std::uint32_t item_index::add_group(edit_t *group)
 {
     const auto at = static_cast<std::uint32_t>(groups_.size());
+    // The tail refers to the list's head inside the record, which never moves: it stays valid when
+    // the vector grows. The same holds for the items.
     groups_.push_back({group, list_tail(group->items)});
     group_names_.add(hash_of(or_empty(group->name)), at);
     return at;
@@ -94,6 +97,7 @@ indexed_item *item_index::insert(const char *group, const char *item)
         group_tail_.append(added);
         group_at = add_group(added);
     }
+    // As in insert_group_item, the new group stays even if there is no memory for its item.
     item_t *added = new_group_item(source_, item);
     if (added == nullptr)
         return nullptr;

@@ -94,6 +94,7 @@ void import_item(const edit_t *group, item_t *item, lang_handle_t *handle)
               : nullptr;
     dbg_printf("    text >%s:%s< >%s<\n", zel::or_empty(group->name), zel::or_empty(item->name),
                zel::or_empty(text));
+    // The handle is one of lang_import_new, so null means that the text is not translated.
     if (text != nullptr)
         set_text(item, handle->language, text);
 }

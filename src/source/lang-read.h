@@ -57,7 +57,7 @@ public:
     source_reading(const source_reading &) = delete;
     source_reading &operator=(const source_reading &) = delete;
 
-    // Reads so many items and statements at most; false once there are no more.
+    // Reads at most that many items and statements; false once there are no more.
     bool step(std::uint32_t pieces);
 
     // Returns the answer. Call once, after the last step.
@@ -83,7 +83,7 @@ source_guard read_for_command(const char *path, bool to_write);
 
 } // namespace zel
 
-// read_for_command, not to be written over; owned by the caller.
+// read_for_command for a source that is not written back. The caller owns the result.
 [[nodiscard]] LangSource *lang_read_file(const char *path);
 
 // Reads one entry after LANG or COMMENT and appends it to the list: 0, or -1 after a message.

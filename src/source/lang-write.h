@@ -19,13 +19,13 @@ struct write_how {
 
     std::FILE *messages = nullptr; // where they go; null: standard output
 
-    // For what is made from several sources:
+    // For a file that is made from several sources:
     bool keep_mtime = false;    // the source has its own
     const char *name = nullptr; // in the file's last line, where that is not the path
     bool backup = true;         // the old file is kept
 
-    // Asked once the new text is whole and no other program that writes a source there can come
-    // between, and again at the last moment: false where the old file is not the one that the
+    // Called when the new text is whole and this program has its turn at the folder, and again
+    // right before the old file is replaced. Returns false if the old file is not the one that the
     // source was made from.
     std::function<bool()> may_replace = nullptr;
 };
@@ -37,7 +37,8 @@ struct write_answer {
     std::string backup; // what the old file is called now; empty when there was none
     file_id file{};     // what was put in its place
 
-    // Why nothing was, with another code than write_not_allowed: errno, and the cause in words.
+    // Why nothing was put there, unless the code is write_not_allowed: errno, and the cause in
+    // words.
     int error = 0;
     std::string why{};
 };

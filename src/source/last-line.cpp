@@ -24,6 +24,7 @@ std::optional<std::string> read_end(int file)
     if (fstat(file, &status) != 0)
         return std::nullopt;
     std::string text(longest_name, '\0');
+    // pread leaves the position alone: the file may be the one behind the scanner's stream.
     const ssize_t length =
         pread(file, text.data(), text.size(), std::max<off_t>(0, status.st_size - longest_name));
     if (length < 0)
@@ -51,12 +52,14 @@ bool lacks_last_line(int file)
     // first line in source_text::append_head.
     constexpr std::string_view head = "/* !!!! DO NOT EDIT";
     std::string first(head.size(), '\0');
+    // pread fails on a pipe, which then counts as whole.
     if (pread(file, first.data(), first.size(), 0) < 0 || first != head)
         return false;
     const std::optional<std::string> end = read_end(file);
     if (!end)
         return false;
     const std::size_t found = end->rfind(before_path);
+    // The line itself may be cut, too: it must end its comment.
     return found == std::string::npos || end->find("*/", found) == std::string::npos;
 }
 

@@ -68,6 +68,8 @@ int misc_search_in_lang_entry(lang_entry_t *entry, const char *needle)
 {
     if (entry == nullptr || needle == nullptr)
         return 0;
+    // Each line is searched by itself, so a word that runs into the next line is not found. Only
+    // the lines are put into lower case: the caller has done that with the needle.
     std::array<char, searched_bytes + 1> lower;
     for (const char *line : zel::each<char>(entry->texts)) {
         if (line == nullptr)

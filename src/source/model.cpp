@@ -17,6 +17,7 @@ T *alloc_zeroed()
     return record;
 }
 
+// In step with alloc_lang_entry: the entry itself is a slice, its strings are from malloc.
 void free_lang_entry(void *data)
 {
     auto *entry = static_cast<lang_entry_t *>(data);
@@ -30,6 +31,7 @@ void free_lang(void *data)
     auto *lang = static_cast<lang_t *>(data);
     std::free(lang->name);
     std::free(lang->file);
+    // Still open only if nobody called close_lang_files after open_lang_files.
     if (lang->stream != nullptr)
         std::fclose(lang->stream);
     std::free(lang);
@@ -42,6 +44,7 @@ LangSource *lang_alloc_group()
     source_guard source(alloc_zeroed<LangSource>());
     if (!source)
         return nullptr;
+    // The guard releases the half-made root if one of the two copies below finds no memory.
     source->colwidth_group = 200;
     source->colwidth_item = 200;
     source->colwidth_ctrl = 300;

@@ -21,6 +21,7 @@ place source_places::of(const void *record) const
     const auto before = [](const row &a, const row &b) {
         return std::less<const void *>{}(a.record, b.record);
     };
+    // Sorted again whenever add has appended a record since the last sort.
     if (by_record_.size() != found_.size()) {
         by_record_ = found_;
         std::sort(by_record_.begin(), by_record_.end(), before);

@@ -19,6 +19,7 @@ void append_escaped(std::string &out, const char *text)
 {
     if (text == nullptr)
         return;
+    // Plain runs are appended as a whole: most texts have hardly a byte that must be escaped.
     for (;;) {
         const std::size_t plain = std::strcspn(text, escaped_bytes);
         out.append(text, plain);

@@ -100,6 +100,7 @@ constexpr read_message_row rows[] = {
      "a text holds strings in quotes and ends with \"}\"", recover, 0},
 };
 
+// read_message_of finds a row by its number alone.
 constexpr bool numbers_are_unique()
 {
     for (const read_message_row &row : rows)
@@ -154,6 +155,7 @@ void print_read_message(const read_message &message)
         std::printf(row.text, row.number, message.path);
         return;
     default:
+        // A format that names fewer values leaves the last ones unused, as printf permits.
         std::printf(row.text, row.number, message.at.line, message.at.column, message.kind);
         if (row.follow != nullptr)
             std::fputs(row.follow, stdout);

@@ -59,7 +59,7 @@ void print_read_message(const read_message &message);
 // message.
 const char *read_failure(const read_message &message);
 
-// Numbers that are not the reader's of a token: the file itself.
+// The message numbers that code outside the table names: most are about the file itself.
 enum {
     read_not_opened = 146,
     read_no_path = 155,

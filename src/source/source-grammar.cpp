@@ -9,6 +9,8 @@
 
 namespace {
 
+// A keyword's id is the kind of its token: it lies above all other kinds of lex/lex-token.h and
+// fits into 16 bits with a sign.
 enum keyword {
     key_item = 20000,
     key_lang,
@@ -56,6 +58,7 @@ std::uint32_t unsigned_number(const zel_token_t *token)
     return static_cast<std::uint32_t>(std::strtoul(token->lexeme, nullptr, 10));
 }
 
+// In step with read_attribute, which takes a word that stands only here for CHANGED.
 bool is_attribute(int key)
 {
     switch (key) {
@@ -140,12 +143,12 @@ outcome source_reader::read_time(std::int64_t &time, int message_number)
     const zel_token_t *token = next();
     if (token->id != TOKEN_DEC)
         return fail(message_number, token);
-    // Without a sign, as the writer puts it: good until 2106.
+    // Unsigned, as source_text::append_head writes it.
     time = unsigned_number(token);
     return outcome::go_on;
 }
 
-// STRING, else the message. An empty string is stored as null.
+// Reads a STRING; any other token is reported. An empty string is stored as null.
 outcome source_reader::read_string(char *&text, int message_number)
 {
     const zel_token_t *token = next();
@@ -163,7 +166,7 @@ const char *source_reader::text_of(const zel_token_t *token)
     return token->lexeme;
 }
 
-// YES | NO, else the message.
+// Reads YES or NO; any other token is reported.
 outcome source_reader::read_yes_no(std::uint32_t &used, int message_number)
 {
     const zel_token_t *token = next();
@@ -173,7 +176,7 @@ outcome source_reader::read_yes_no(std::uint32_t &used, int message_number)
     return outcome::go_on;
 }
 
-// A NUMBER that may be missing.
+// Reads a NUMBER that may be missing; false without one.
 bool source_reader::read_optional_number(std::int32_t &number)
 {
     if (look() != TOKEN_DEC)
@@ -187,6 +190,7 @@ outcome source_reader::read_entry(list_tail &entries, place start)
     const zel_token_t *token = next();
     if (token->id != TOKEN_STRING)
         return fail(939, token);
+    // Like every empty string that is read, an empty language is stored as null.
     lang_entry_t *entry = alloc_lang_entry(*token->lexeme == '\0' ? nullptr : text_of(token));
     if (entry == nullptr)
         return fail(945, token);
@@ -198,6 +202,7 @@ outcome source_reader::read_entry(list_tail &entries, place start)
         return fail(955, token);
     list_tail texts(entry->texts);
     for (token = next(); token->id == TOKEN_STRING; token = next())
+        // zel_strdup2 keeps an empty string, which is a line of the text.
         texts.append(zel_strdup2(text_of(token)));
     return token->id == '}' ? outcome::go_on : fail(969, token);
 }
@@ -221,7 +226,7 @@ outcome source_reader::read_used(item_t *item)
     return result == outcome::go_on ? read_used_in(item) : result;
 }
 
-// SIZE NUMBER [NUMBER]: read and dropped.
+// SIZE NUMBER [NUMBER]. The model has no field for it, so it is read and dropped.
 outcome source_reader::read_size()
 {
     std::int32_t dropped = 0;
@@ -247,7 +252,7 @@ outcome source_reader::read_item_ctime(item_t *item)
     return outcome::go_on;
 }
 
-// One attribute, its keyword already taken.
+// Reads one attribute, whose keyword has been taken already.
 outcome source_reader::read_attribute(item_t *item, int key)
 {
     switch (key) {
@@ -275,7 +280,8 @@ outcome source_reader::read_attribute(item_t *item, int key)
     }
 }
 
-// Attributes in any order, then LANG and COMMENT entries in any order.
+// Attributes in any order, then LANG and COMMENT entries in any order. An attribute behind an entry
+// stands where the item must end, and read_item fails there.
 outcome source_reader::read_item_body(item_t *item)
 {
     outcome result = outcome::go_on;
@@ -408,6 +414,8 @@ void statement_reader::read_define_format(place at)
         source->format = LANG_SOURCE_UTF8;
 }
 
+// Any number of FILE and FORMAT parts. The first word that begins neither belongs to the next
+// statement, so it is only looked at.
 outcome statement_reader::read_define()
 {
     outcome result = outcome::go_on;

@@ -39,7 +39,7 @@ struct source_reader {
             how.places->add(record, at);
     }
 
-    // The token's text, after read_nul_byte where a part of it would be lost.
+    // The token's text. Reports read_nul_byte first if a NUL byte cuts off a part of it.
     const char *text_of(const zel_token_t *token);
 
     outcome read_number(std::int32_t &number, int message_number);

@@ -21,11 +21,13 @@ void append_statement(std::string &out, const char *before, const char *text, co
 void append_strings(std::string &out, GList *strings)
 {
     for (const char *text : zel::each<char>(strings)) {
+        // With the two blanks of append_quoted the strings stand in column 8, behind their LANG.
         zel::append_quoted(out, 6, text);
         out += '\n';
     }
 }
 
+// append_quoted puts the two blanks between SCREEN_SHOT and its value.
 void append_group_head(std::string &out, const edit_t *group)
 {
     append_statement(out, "\n\nGROUP \"", group->name, "\" {\n");
@@ -60,6 +62,7 @@ source_text::source_text(const LangSource *source, text_how how)
 {
 }
 
+// An entry without a language belongs to no selection, so a file of two languages lacks it.
 bool source_text::is_selected(const char *lang) const
 {
     return !selected_only_ || (lang != nullptr && (std::strcmp(lang, how_.only_lang_1) == 0 ||
@@ -71,10 +74,10 @@ void source_text::append_head(std::string &out) const
     out += "/* !!!! DO NOT EDIT !!!!! */\n\nversion 1\n";
     if (source_->create_date != nullptr)
         append_statement(out, "create_date \"", source_->create_date, "\"\n");
+    // The times of the head have 32 bits and no sign, which lasts until 2106.
     append_format(out, "whatsnew %u\nctime %u\nmtime %u\n",
                   static_cast<unsigned>(source_->whatsnew), static_cast<unsigned>(source_->ctime),
                   static_cast<unsigned>(source_->mtime));
-    // Without a sign: good until 2106.
     out += "define format ";
     out += source_->format == LANG_SOURCE_UTF8 ? "utf8\n" : "ascii\n";
     append_statement(out, "app \"", source_->app == nullptr ? "unknown" : source_->app, "\"\n");
@@ -132,6 +135,7 @@ void source_text::append_attributes(std::string &out, const item_t *item) const
     if (item->changed != 0)
         out += "    CHANGED\n";
     if (item->used == 0) {
+        // The list of places belongs to USED YES: an item that is not used loses its places here.
         out += "    USED NO\n";
         return;
     }
@@ -149,6 +153,7 @@ void source_text::append_item(std::string &out, const edit_t *group, const item_
     append_quoted(quoted, 0, group->name);
     append_comment(out, quoted);
     out += " */\n";
+    // In this order, because read_item_body takes no attribute behind the first entry.
     append_attributes(out, item);
     append_entries(out, "LANG", item->langs);
     append_entries(out, "COMMENT", item->comments);

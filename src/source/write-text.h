@@ -45,7 +45,7 @@ private:
     bool begun_ = false;         // the head is written
     GList *group_ = nullptr;     // to be written, or being written
     bool inside_ = false;        // the group's head is written
-    GList *last_item_ = nullptr; // the last one written of it
+    GList *last_item_ = nullptr; // the last one of it that was looked at
 };
 
 } // namespace zel

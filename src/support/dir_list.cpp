@@ -148,6 +148,7 @@ int after_separator(dir_maker &maker)
     }
 }
 
+// A drive and its root are taken to be there: only the name behind them is made.
 int after_drive(dir_maker &maker)
 {
     maker.work = maker.token.c_str();
@@ -258,6 +259,8 @@ int cd_next_token(const char **cursor, char *buffer)
     const char *text = *cursor;
     int kind = CD_NAME;
     std::size_t length = 2;
+    // The longer beginnings come first: a drive's letter would pass for a name, and the first of
+    // two separators for a single one.
     if (*text == '\0') {
         kind = CD_END;
         length = 0;
@@ -296,6 +299,7 @@ int cre_dir(const char *base, const char *dir)
     } else {
         LogPrint(1, "cre_dir dir: dir >%s<\n", dir);
     }
+    // The first name is made in the base directory, so that is what must be writable.
     maker.parent = maker.work;
     int result = CRE_GO_ON;
     while (result == CRE_GO_ON)

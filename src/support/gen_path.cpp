@@ -43,6 +43,7 @@ bool add_first(joined_path &path, const char *first)
     return path.add_separator();
 }
 
+// One separator at either end is dropped, so that components may bring their own.
 bool add_further(joined_path &path, std::string_view component)
 {
     if (zel::is_separator(component.front()))
@@ -52,7 +53,7 @@ bool add_further(joined_path &path, std::string_view component)
     return path.add(component) && path.add("/");
 }
 
-// Roots keep their separator: "/" and "c:/".
+// Takes off the last separator. Roots keep theirs: "/" and "c:/".
 void drop_last_separator(joined_path &path)
 {
     const bool root = path.length == 1 || (path.length == 3 && path.buffer[1] == ':');

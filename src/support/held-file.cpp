@@ -182,7 +182,7 @@ int create_held(const char *path, mode_t mode, wait_for how)
         if (what == taken::held && !wait.go_on() && wait.take() == taken::stays)
             break;
     }
-    // The errno that tells callers of another program.
+    // Callers take this errno to say that another program holds the name.
     errno = EAGAIN;
     return -1;
 }

@@ -78,6 +78,7 @@ zel_info_t *zel_info_add(zel_info_t **info, std::uint32_t level, std::uint32_t c
     // Without memory the message is lost; the record stays usable.
     if (entry == nullptr || !append(**info, entry))
         return *info;
+    // Of several entries with the same level the first one stays the worst.
     if (level > static_cast<std::uint32_t>((*info)->level)) {
         (*info)->level = static_cast<std::int32_t>(level);
         (*info)->code = code;

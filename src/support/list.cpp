@@ -74,6 +74,7 @@ zel_list *new_node_or_report(void *data)
 // Ends the first half before the middle node, which is returned.
 zel_list *split_in_middle(zel_list *list)
 {
+    // fast takes two steps for each of slow's: when it ends, slow is in the middle.
     zel_list *slow = list;
     for (zel_list *fast = list->next; fast != nullptr && fast->next != nullptr;
          fast = fast->next->next)
@@ -86,6 +87,7 @@ zel_list *split_in_middle(zel_list *list)
 
 zel_list *merge(zel_list *a, zel_list *b, int (*compare)(const void *, const void *))
 {
+    // Stands before the first node, so that node needs no case of its own.
     zel_list head{};
     zel_list *last = &head;
     while (a != nullptr && b != nullptr) {
@@ -96,6 +98,7 @@ zel_list *merge(zel_list *a, zel_list *b, int (*compare)(const void *, const voi
         last = taken;
         taken = taken->next;
     }
+    // Both lists had nodes, so one of them still has some.
     last->next = a != nullptr ? a : b;
     last->next->prev = last;
     head.next->prev = nullptr;

@@ -19,6 +19,7 @@ namespace {
 
 void print_to(std::FILE *stream, int level, const char *format, std::va_list args)
 {
+    // Level 0 goes on with a line, which has its stamps already.
     if (level != 0) {
         fprint_time(stream);
         zel::fprint_thread(stream);

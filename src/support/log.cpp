@@ -81,6 +81,7 @@ std::FILE *open_for_appending(const char *file)
 {
     if (leads_elsewhere(file))
         return nullptr;
+    // In two steps: open_plain opens only a regular file, and creating follows no link.
     const int flags = O_RDWR | O_APPEND;
     int fd = zel::open_plain(file, flags);
     if (fd < 0 && errno == ENOENT)
@@ -88,6 +89,7 @@ std::FILE *open_for_appending(const char *file)
     return zel::stream_of(fd, "a+");
 }
 
+// A log that cannot be opened stops no program: only the debug print tells.
 void open_log_file(const char *file, unsigned flags)
 {
     if ((flags & LOG_OPEN_NEW) != 0) {
@@ -160,6 +162,7 @@ int LogClose()
         return 0;
     zel::each_log_output(print_end);
     if (logFd != nullptr) {
+        // LogCheckCrash looks for this at the end of the file, and takes its lack for a crash.
         std::fputs(zel::log_end_marker.data(), logFd);
         std::fclose(logFd);
     }

@@ -92,6 +92,7 @@ namespace zel {
 
 unsigned failed_copies() noexcept { return failures.load(std::memory_order_relaxed); }
 
+// The count is never set back: a reader compares it before and after its run.
 void copy_failed() noexcept { failures.fetch_add(1, std::memory_order_relaxed); }
 
 void free_string(char *text) noexcept { std::free(text); }

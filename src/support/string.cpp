@@ -60,6 +60,7 @@ char *dup_ptr_from_to(const char *base, const char *from, const char *to)
     return new_string({from, strnlen(from, static_cast<std::size_t>(to - from))});
 }
 
+// Line feeds are no blanks here: they belong to the text.
 char *zel_str_trim(char *text)
 {
     if (text == nullptr)
@@ -105,6 +106,7 @@ char *zel_strdup_printf(const char *format, ...)
 
 char *zel_strdup_vprintf(const char *format, std::va_list args)
 {
+    // The first run only measures. It walks a copy, because arguments can be walked once.
     std::va_list counted;
     va_copy(counted, args);
     const int length = std::vsnprintf(nullptr, 0, format, counted);
@@ -174,6 +176,7 @@ int zel_gen_file_name_with_ext(char *path, const char *ext)
     const std::size_t start = slash == std::string_view::npos ? 0 : slash + 1;
     if (start > 0)
         path[slash] = '/';
+    // Only the name behind the last separator: a dot in a folder's name begins no extension.
     zel_add_file_ext(path + start, path + start, ext);
     return 0;
 }

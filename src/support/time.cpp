@@ -111,6 +111,7 @@ int snprintf_date(char *buffer, int size, const char *format, std::int64_t time)
         }
         if (*++format == '\0')
             break;
+        // Only what is converted counts for the result; the text between is the caller's own.
         if (known)
             converted += text.add(convert(*format, parts));
     }

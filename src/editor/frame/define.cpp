@@ -95,6 +95,8 @@ void switch_off_the_rest()
             continue;
         }
         row->busy = 1;
+        // Switching off sends "toggled", which leads here again. A row that is off already sends
+        // nothing, so this comes to an end.
         gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(row->edit_button), FALSE);
         set_edit(row->lang, false);
         row->busy = 0;
@@ -322,6 +324,7 @@ gboolean define_configure(GtkWidget *window, GdkEvent *, gpointer)
     gint x = 0;
     gint y = 0;
     gdk_window_get_root_origin(gtk_widget_get_window(window), &x, &y);
+    // Only kept in the settings: the dialog itself always appears in the centre.
     if (ini != nullptr) {
         ini->define_x = x;
         ini->define_y = y;
@@ -352,7 +355,7 @@ void define_destroy_event(GtkWidget *, gpointer data)
     if (dialog->gone)
         return;
     dialog->gone = true;
-    // The last moment at which the entries can be read.
+    // This is the last moment at which the entries can be read.
     take_rows(dialog);
     LogPrint(1, "default_destroy: msg_box: g_main_loop_quit\n");
     g_main_loop_quit(dialog->loop);
@@ -363,6 +366,7 @@ void add_languages(dialog_state *dialog)
     add_header(dialog->rows_box);
     for (lang_t *lang : zel::each<lang_t>(dialog->source->langs))
         defineList = define_create_entry(dialog->rows_box, defineList, lang);
+    // The titles are the first widget, and the languages follow.
     dialog->rows_above = 1 + static_cast<int>(g_list_length(defineList));
 }
 
@@ -403,6 +407,7 @@ GList *define_create_entry(GtkWidget *box, GList *rows, lang_t *lang)
     gtk_widget_set_size_request(row->edit_button, check_width, -1);
     gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(row->edit_button), lang->edit != 0);
     zel::set_accessible_name(row->edit_button, text("edit?"));
+    // Connected after the mark is set, which is no choice of the user.
     g_signal_connect(row->edit_button, "toggled", G_CALLBACK(define_button_toggle), row);
     gtk_box_pack_start(GTK_BOX(line), row->edit_button, FALSE, FALSE, check_space);
     gtk_widget_show_all(line);
@@ -421,7 +426,7 @@ int define_open(GtkWidget *parent, LangSource *source)
     add_hint();
     build(&dialog);
     gtk_widget_show_all(ZEL_POPUP(defineWin)->frame);
-    // Only now: hidden widgets ask for no room.
+    // Only now, since hidden widgets ask for no room.
     fit_to_screen(&dialog);
     g_signal_connect(defineWin, "configure-event", G_CALLBACK(define_configure), nullptr);
     g_signal_connect(defineWin, "delete-event", G_CALLBACK(define_delete_event), &dialog);

@@ -180,6 +180,7 @@ void recent_chosen(GtkComboBox *combo, gpointer files)
 // Makes a list of the sources opened last, under the chooser.
 GtkWidget *make_recent_row(GtkFileChooser *files)
 {
+    // Two texts for each source, since the one that is shown may have replaced some bytes.
     GtkListStore *store = gtk_list_store_new(2, G_TYPE_STRING, G_TYPE_STRING); // shown, path
     for (const std::string &path : zel::recent_sources()) {
         GtkTreeIter iter;

@@ -143,7 +143,7 @@ void cb_settings(GtkWidget *widget, gpointer)
     const zel::definitions before = zel::read_definitions(def_group);
     define_open(mainWin, def_group);
     zel::record_definitions(def_group, before);
-    // Others may be edited now, or have new names.
+    // The dialog may have chosen other languages to edit, or renamed them.
     zel::edit_select_output_langs(def_group);
 }
 
@@ -169,6 +169,8 @@ gboolean lang_key_press_event(GtkWidget *, GdkEventKey *event, gpointer)
         return FALSE;
     const guint digit = event->keyval - GDK_KEY_0;
     if ((lang_global.digit_keys & bit_arabic) != 0)
+        // Only the event is changed: the handlers behind this one see the other digit. The two sets
+        // of Arabic digits begin at U+0660 and at U+06F0.
         event->keyval = gdk_unicode_to_keyval(0x0660 + digit);
     else if ((lang_global.digit_keys & bit_extended) != 0)
         event->keyval = gdk_unicode_to_keyval(0x06f0 + digit);

@@ -10,7 +10,7 @@ namespace zel {
 // button counts as Yes.
 bool ask_discard(GtkWidget *widget);
 
-// Shows a message in a box; text of the group.
+// Shows the translation of the text, an item of the group, in a box.
 void message(GtkWidget *widget, const char *group, const char *text);
 
 // The same, and in the status line with the text of the first group.

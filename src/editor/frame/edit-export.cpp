@@ -47,6 +47,7 @@ bool write_languages(const char *path)
 
 void tell_exported(GtkWidget *widget, const char *path)
 {
+    // The spelling is deliberate: it is an item of the editor's own texts.
     constexpr const char *success = "Writing language files successfull";
     zel::edit_status(zel::ui_text("common", success));
     const char *text = zel::ui_text("status", success);
@@ -77,6 +78,7 @@ bool name_language(lang_handle_t *handle, const char *path)
     std::free(dir);
     if (file == nullptr)
         return false;
+    // Cut in place: the handle owns the file's name from here on and frees it.
     handle->language = zel_del_cmp_file_ext(file, "lang");
     return true;
 }

@@ -63,7 +63,7 @@ void release_source()
     if (def_group != nullptr)
         lang_free_group(&def_group);
     def_group = nullptr;
-    // Its steps point to items that are gone.
+    // Its steps point to items that are destroyed now.
     zel::source_history().clear();
 }
 
@@ -119,7 +119,7 @@ zel::write_answer write_if_allowed(const char *path)
     return zel::write_source(path, def_group, how);
 }
 
-// Hard links: the other names keep the file that is there now.
+// Whether the file has hard links: its other names keep the text that is there now.
 bool has_other_names(const char *path)
 {
     struct stat status {};
@@ -311,7 +311,7 @@ void cb_save_as(GtkWidget *widget, gpointer)
         save_selected(widget);
     else
         save_under_name(widget);
-    // They belong to the save that asked for them.
+    // The output languages were chosen for this save: the next one chooses again.
     clear_output_langs();
 }
 

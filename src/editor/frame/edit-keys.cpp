@@ -18,6 +18,7 @@ using zel::ui_text;
 
 constexpr int margin = 12;
 constexpr int row_gap = 3;
+// Nobody knows the height of the window manager's bar before the window is shown.
 constexpr int title_bar = 30;
 
 GtkWidget *keys_window;
@@ -63,6 +64,7 @@ GtkWidget *make_table(std::vector<GtkWidget *> &texts)
 // Wraps the texts where the screen is narrower than the table.
 void wrap_texts(GtkWidget *table, const std::vector<GtkWidget *> &texts, int room)
 {
+    // The widest text makes the table too wide, and with it those that are nearly as wide.
     const int excess = request_of(table).width - room;
     int widest = 0;
     for (GtkWidget *text : texts)

@@ -16,7 +16,7 @@ struct key_row {
 // All keys, in the manual's order.
 [[nodiscard]] const std::vector<key_row> &editor_keys();
 
-// Ctrl+? of the main window, whose keys are there.
+// Adds Ctrl+? to accel_group, which exists by then.
 void keys_add_key();
 
 // Shows the window, or brings it to the front.

@@ -16,7 +16,7 @@ namespace {
 
 using action = void (*)(GtkWidget *, gpointer);
 
-// In which editor modes something is there.
+// The editor modes in which an entry or a button is there, a bit for each.
 enum : unsigned { MODE_0 = 1, MODES_1_2 = 6, ALL_MODES = 7 };
 
 bool in_this_mode(unsigned modes) { return (modes & (1U << lang_global.editor_mode)) != 0; }
@@ -78,6 +78,7 @@ constexpr menu_row menu_rows[] = {
 
     title(MODE_0, "_Export"),
     title(MODES_1_2, "_Export/Import"),
+    // The key beside this entry is that of "Last": it never exports.
     {entry::item, ALL_MODES, "toolbar", export_text, GTK_STOCK_CONVERT, GDK_KEY_End, GDK_MOD1_MASK,
      key_use::shown, cb_export},
     line(MODES_1_2),
@@ -203,7 +204,7 @@ GtkWidget *make_entry(const menu_row &row)
     }
 }
 
-// A title with its empty menu in the bar; returns the menu.
+// Adds a title with an empty menu to the bar; returns the menu.
 GtkWidget *add_menu(GtkWidget *bar, const menu_row &row)
 {
     GtkWidget *item = gtk_menu_item_new_with_mnemonic(zel::ui_text(row.group, row.text));
@@ -226,10 +227,11 @@ void add_button(GtkWidget *toolbar, const tool_row &row)
     // The toggles are set before the handler is connected: setting is no click.
     if (is_posnr)
         gtk_toggle_tool_button_set_active(GTK_TOGGLE_TOOL_BUTTON(button), lang_global.posnr != 0);
+    // Only the filter's button is set from outside: the menu's entry moves it.
     else if (toggles)
         empty_tool = button;
     g_signal_connect(button, "clicked", G_CALLBACK(row.act), &def_group);
-    // One wide button would make all of them wide.
+    // Else one wide button would make all of them wide.
     gtk_tool_item_set_homogeneous(GTK_TOOL_ITEM(button), FALSE);
 }
 

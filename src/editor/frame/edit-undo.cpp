@@ -84,7 +84,7 @@ std::string shown(const entry_text &text)
     return all;
 }
 
-// Where the changed part of the text ends, in characters.
+// Returns where the changed part of the text ends, in characters: the caret is put there.
 int caret_in(const std::string &text, const std::string &other)
 {
     const std::size_t common = std::min(text.size(), other.size());
@@ -103,7 +103,7 @@ int caret_in(const std::string &text, const std::string &other)
     return static_cast<int>(g_utf8_strlen(text.c_str(), static_cast<gssize>(end)));
 }
 
-// The field that shows the text, -1 for none.
+// Returns the number of the field that shows the text, -1 for none.
 int field_of(const text_place &place)
 {
     for (int number = 0; number < TEXT_FIELDS; ++number) {
@@ -124,7 +124,7 @@ void change_field(int number, const entry_text &text, const entry_text &other)
     GtkTextBuffer *buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(view));
     const std::string letters = shown(text);
     {
-        // Filling the field is no typing.
+        // Filling the field is no typing, and must not be recorded as such.
         const flag_guard filling(lang_global.text_lock);
         clear_text_view_buffer(view);
         gtk_text_buffer_insert_at_cursor(buffer, letters.c_str(), -1);

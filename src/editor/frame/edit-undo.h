@@ -7,7 +7,7 @@
 
 namespace zel {
 
-// Ctrl+Z and Shift+Ctrl+Z of the main window, whose keys are there.
+// Adds Ctrl+Z and Shift+Ctrl+Z to accel_group, which exists by then.
 void undo_add_keys();
 
 // Records what is done in the table from now on, with nothing to undo yet, and adds undo and redo

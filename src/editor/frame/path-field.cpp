@@ -10,7 +10,7 @@ constexpr const char *field_key = "zel-path-field"; // where a chooser keeps its
 // What is known of a chooser's field.
 struct path_field {
     std::string now;    // the text
-    std::string before; // it changed to that
+    std::string before; // the text before the last change
     std::string preset; // the file's name that stands in it at first
     GtkWidget *refusal; // a label, hidden while nothing was refused
 };
@@ -210,11 +210,11 @@ void show_path_field(GtkWidget *chooser, const char *preset)
                        FALSE, FALSE, 0);
     g_signal_connect(chooser, "key-press-event", G_CALLBACK(begin_path), nullptr);
     g_signal_connect(chooser, "set-focus", G_CALLBACK(focus_moved), nullptr);
-    const early_keys keys(chooser); // theirs is what is shown at the end
+    const early_keys keys(chooser); // sends them when this function returns
     wait_for_folder(chooser);
     gtk_widget_show(chooser);
     if (gtk_file_chooser_get_action(GTK_FILE_CHOOSER(chooser)) == GTK_FILE_CHOOSER_ACTION_SAVE)
-        return; // it has a field with the preset's name
+        return; // such a chooser always shows its field, with the preset's name
     pop_up_field(chooser, preset);
     if (GtkEntry *entry = typed_in(chooser))
         gtk_editable_select_region(GTK_EDITABLE(entry), 0, -1);

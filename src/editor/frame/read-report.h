@@ -24,7 +24,7 @@ private:
 
     std::string path_;
     std::string error_;   // the first message of something that was not read, with its place
-    std::string warning_; // the first other one
+    std::string warning_; // the first of the other messages
     std::string failure_; // why the file could not be opened, in the system's words
 };
 

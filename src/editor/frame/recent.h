@@ -9,7 +9,7 @@ namespace zel {
 
 void remember_source(const char *path);
 
-// Those that are still there, the last one first, ten at most.
+// The files that still exist, the last one first, ten at most.
 std::vector<std::string> recent_sources();
 
 } // namespace zel

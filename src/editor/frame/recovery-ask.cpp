@@ -47,7 +47,7 @@ std::string shown(const zel::field_value &value, bool there)
                                               : std::string();
 }
 
-// "3 texts differ".
+// A number with the word that fits it, as in "3 texts differ".
 std::string told_count(std::size_t count, const char *one, const char *many)
 {
     return std::to_string(count) + " " + zel::ui_text("recovery", count == 1 ? one : many);
@@ -170,7 +170,7 @@ void add_list(GtkWidget *dialog, int response, gpointer differences)
     // Questions have a fixed size, and a list is worth a larger one.
     gtk_window_set_resizable(GTK_WINDOW(dialog), TRUE);
     gtk_widget_show_all(scrolled);
-    // One list is enough.
+    // The button is greyed out, since one list is enough.
     gtk_dialog_set_response_sensitive(GTK_DIALOG(dialog), show_list, FALSE);
 }
 

@@ -126,7 +126,7 @@ bool is_changed()
 
 gboolean look(gpointer)
 {
-    // The last one is still under way: this look is left out.
+    // The last writing is still under way: this look does nothing.
     if (now.idle != 0 || now.writer.is_busy())
         return TRUE;
     take_result();

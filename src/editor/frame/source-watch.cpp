@@ -66,7 +66,7 @@ gboolean look_again(GtkWidget *, GdkEventFocus *, gpointer)
     if (current.path.empty())
         return FALSE;
     const zel::file_news news = zel::news_of(current.path.c_str(), current.known);
-    // Told once: coming back to the window is no news.
+    // Told once for each change: the user comes back to the window many times.
     if (news == current.told)
         return FALSE;
     current.told = news;
@@ -95,7 +95,7 @@ void watch_begin(GtkWidget *parent)
         return;
     const std::string text = with_path("another editor has this source open") + " (" +
                              utf8_shown(current.lock.holder().c_str()) + ").";
-    // In both: the box is closed at once, the status line stays.
+    // Told in both: the user closes the box at once, and the status line stays.
     edit_status(text.c_str());
     const std::string more =
         text + "\n" +

@@ -43,6 +43,7 @@ void render_text(GtkCellRenderer *cell, GdkDrawable *window, GtkWidget *widget,
 void size_text(GtkCellRenderer *cell, GtkWidget *widget, GdkRectangle *area, gint *x, gint *y,
                gint *width, gint *height)
 {
+    // The toolkit's own class fills in the rest.
     text_class->get_size(cell, widget, area, x, y, width, height);
     if (height == nullptr)
         return;
@@ -159,6 +160,7 @@ void render_mark(GtkCellRenderer *cell, GdkDrawable *window, GtkWidget *widget,
     }
     gdk_cairo_set_source_color(cairo, &gtk_widget_get_style(widget)->text[state_of(widget, flags)]);
     cairo_set_line_width(cairo, 1);
+    // Half a pixel off, so that a line of one pixel covers whole ones.
     cairo_rectangle(cairo, area->x + mark.x + x_pad - 0.5, area->y + mark.y + y_pad - 0.5,
                     mark.width - 2 * x_pad + 1, mark.height - 2 * y_pad + 1);
     cairo_stroke(cairo);

@@ -212,7 +212,7 @@ void show_rows(ZelTabEdit *tab, const std::vector<std::uint32_t> &shown)
     gtk_tree_view_set_model(view_of(tab), tab->sort_model);
 }
 
-// Filters the rows.
+// Shows the rows that the search and the filters let through, and how many there are.
 void refilter(ZelTabEdit *tab)
 {
     tab->search_words = zel::tab_search_words(gtk_entry_get_text(GTK_ENTRY(tab->search_entry)));
@@ -266,7 +266,7 @@ void row_activated_cb(GtkTreeView *, GtkTreePath *, GtkTreeViewColumn *, gpointe
     focus_translation(ZEL_TAB_EDIT(data));
 }
 
-// The table is being destroyed, and the source may be gone already: reads nothing of it any more.
+// The table is being destroyed, and the source may be destroyed already: nothing of it is read.
 void destroy_cb(GtkObject *, gpointer data)
 {
     ZelTabEdit *tab = ZEL_TAB_EDIT(data);
@@ -501,7 +501,7 @@ void go_to_last(ZelTabEdit *tab)
     tab->last_path = nullptr;
 }
 
-// Takes the languages again: others may be shown, or the same under new names.
+// Takes the languages again: the user may have chosen others, or renamed them.
 void follow_languages(ZelTabEdit *tab)
 {
     select_languages(tab);

@@ -88,7 +88,7 @@ int zel_tab_edit_get_ctrls(edit_ctrl_t *ctrls);
 
 namespace zel {
 
-// The operations beyond these.
+// The operations that edit_ctrl_t has no place for.
 edit_more_t tab_edit_more();
 
 } // namespace zel

@@ -19,6 +19,7 @@ void copy_lower(char *out, std::size_t size, const char *text)
 
 bool name_matches(const zel::tab_filter &filter, const item_t *item)
 {
+    // Deliberate: an item without a name is found by every word.
     if (item->name == nullptr)
         return true;
     char name[name_size];
@@ -30,6 +31,7 @@ bool name_matches(const zel::tab_filter &filter, const item_t *item)
     return true;
 }
 
+// The words are in lower case already; the search puts the lines of the text into it.
 bool entry_matches(const zel::tab_filter &filter, lang_entry_t *entry)
 {
     for (const char *word : zel::each<char>(filter.words)) {
@@ -66,6 +68,7 @@ std::vector<std::uint32_t> tab_filtered_rows(const tab_rows &rows, const tab_fil
         std::vector<std::uint32_t> shown;
         shown.reserve(rows.rows.size());
         for (std::uint32_t row = 0; row < rows.rows.size(); ++row)
+            // hidden is asked last: its answer may cost the judging of all rows.
             if (matches(rows.rows[row].item) && !hidden(row))
                 shown.push_back(row);
         return shown;

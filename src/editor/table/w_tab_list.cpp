@@ -85,6 +85,7 @@ GtkTreeViewColumn *make_column(const tab_column_row &row,
     }
     // Fixed widths: else the toolkit would measure every row of the list.
     gtk_tree_view_column_set_sizing(column, GTK_TREE_VIEW_COLUMN_FIXED);
+    // A width to begin with: the columns get theirs once the rows are measured.
     gtk_tree_view_column_set_fixed_width(column, icon_width);
     gtk_tree_view_column_set_resizable(column, row.kind != tab_cell::icon);
     if (row.sort_id >= 0)

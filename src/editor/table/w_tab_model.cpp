@@ -13,7 +13,7 @@ constexpr glong lang_text_length = 32; // characters
 
 constexpr int unsorted = GTK_TREE_SORTABLE_UNSORTED_SORT_COLUMN_ID;
 
-// The place is all that the iterators hold.
+// An iterator holds nothing but the place of its row.
 int place_of(const GtkTreeIter *iter) { return GPOINTER_TO_INT(iter->user_data); }
 
 bool set_iter(ZelTabModel *model, GtkTreeIter *iter, int place)
@@ -36,6 +36,7 @@ const char *first_line(item_t *item, const std::unique_ptr<std::string> &lang)
                : static_cast<const char *>(entry->texts->data);
 }
 
+// Logs and prints texts that are not UTF-8: the list shows replacements in their place.
 void check_texts(const zel::tab_rows &rows, const zel::tab_row &row)
 {
     // With the position number, which is what the user sees in the list.
@@ -106,6 +107,7 @@ void set_cell(const zel::tab_rows &rows, int number, int column, GValue *value)
     case COL_LANG1:
     case COL_LANG2: {
         const auto &lang = column == COL_LANG1 ? rows.lang1 : rows.lang2;
+        // In mode 0 nobody shows these columns, and their cells stay null.
         if (rows.with_langs)
             set_string(value, zel::tab_lang_text(row.item, lang.get()));
         break;
@@ -127,6 +129,7 @@ gint get_n_columns(GtkTreeModel *) { return COL_COUNT; }
 
 gboolean iter_nth_child(GtkTreeModel *model, GtkTreeIter *iter, GtkTreeIter *parent, gint n)
 {
+    // In a list only the root, which is null, has children.
     return set_iter(ZEL_TAB_MODEL(model), iter, parent == nullptr ? n : -1);
 }
 
@@ -213,6 +216,7 @@ void reorder(ZelTabModel *model)
     const std::size_t count = model->shown->size();
     if (count == 0)
         return;
+    // By row number: after the sorting this tells where each row came from.
     std::vector<gint> old_place((*model->rows)->rows.size());
     for (std::size_t place = 0; place < count; ++place)
         old_place[(*model->shown)[place]] = static_cast<gint>(place);
@@ -223,7 +227,7 @@ void reorder(ZelTabModel *model)
         came_from[place] = old_place[(*model->shown)[place]];
         moved = moved || came_from[place] != static_cast<gint>(place);
     }
-    // A signal makes the view draw all of its rows again.
+    // Nothing is signalled then, since a signal makes the view draw all of its rows again.
     if (!moved)
         return;
     ++model->stamp;
@@ -283,6 +287,7 @@ void model_class_init(gpointer klass, gpointer)
 void model_init(GTypeInstance *instance, gpointer)
 {
     ZelTabModel *model = ZEL_TAB_MODEL(instance);
+    // Pointers, since the toolkit zeroes an object and calls no constructor of its members.
     model->rows = new std::shared_ptr<zel::tab_rows>;
     model->shown = new std::vector<std::uint32_t>;
     model->stamp = 1;
@@ -321,6 +326,7 @@ void tab_rows_collect(tab_rows &rows, LangSource *source)
                 continue;
             // Numbered in file order, over all groups: the number is the row's place plus one.
             rows.rows.push_back({group, item});
+            // The mark says what has changed since the source was shown.
             item->changed = 0;
             item->posnr = static_cast<std::int32_t>(rows.rows.size());
             check_texts(rows, rows.rows.back());
@@ -432,6 +438,7 @@ int sort_iter_compare_func(const zel::tab_row &a, std::uint32_t pos_a, const zel
     switch (sort_id) {
     case COL_POS:
         return compare(pos_a, pos_b);
+    // As unsigned numbers of 32 bits, like the column: the order must fit what is shown.
     case COL_TIME:
         return compare(static_cast<guint>(a.item->ctime), static_cast<guint>(b.item->ctime));
     case COL_READY:

@@ -41,7 +41,7 @@ gint tab_neighbours::key_pressed(GtkWidget *, GdkEventKey *, gpointer self)
 
 int tab_neighbours::turn()
 {
-    // The user types: other files can wait.
+    // While the user types, other files can wait.
     if (g_get_monotonic_time() - last_key_ < after_a_key)
         return between_turns;
     if (texts_.step(std::chrono::steady_clock::now() + reading_slice))

@@ -16,7 +16,7 @@ namespace zel {
 
 class tab_neighbours {
 public:
-    // more: called when everything has been read.
+    // more is called when everything has been read.
     explicit tab_neighbours(std::function<void()> more);
     ~tab_neighbours() { stop(); }
     tab_neighbours(const tab_neighbours &) = delete;

@@ -7,13 +7,13 @@
 namespace {
 
 constexpr int list_width = 400;
-constexpr int small_width = 800; // of a window in which the list has just that
+constexpr int small_width = 800; // of a window whose list gets no more than that
 
 // The list's share of a wide window: with texts in the list it needs more.
 double list_share() { return lang_global.editor_mode == 0 ? 0.45 : 0.55; }
 
 struct panes_state {
-    int width = 0;         // that the divider was placed for
+    int width = 0;         // for which the divider was placed
     bool is_moved = false; // by the user
 };
 

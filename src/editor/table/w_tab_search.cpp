@@ -30,6 +30,7 @@ GtkWidget *make_icon_button(const char *stock, GtkIconSize size, const char *too
 
 void follow_style(GtkWidget *view, GtkStyle *, gpointer tag)
 {
+    // The letters keep their colour, so the ground must suit light and dark ones.
     g_object_set(tag, "background", is_dark(view) ? "#6b5900" : "#ffe680", nullptr);
 }
 
@@ -149,6 +150,7 @@ gboolean tab_search::list_key(GtkWidget *, GdkEventKey *event, gpointer data)
     gtk_widget_grab_focus(self->entry_);
     // The entry selects its text when it gets the keyboard, and the letter would replace that.
     gtk_editable_set_position(GTK_EDITABLE(self->entry_), -1);
+    // The entry gets the key as if it had been pressed there.
     return gtk_widget_event(self->entry_, reinterpret_cast<GdkEvent *>(event));
 }
 

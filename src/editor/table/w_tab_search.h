@@ -13,7 +13,7 @@
 
 namespace zel {
 
-// What of the table it works with; all of it outlives the search.
+// The parts of the table that the search works with. They outlive it.
 struct tab_search_parts {
     GtkWidget *table;
     GtkWidget *view; // the list

@@ -19,6 +19,7 @@ constexpr std::size_t path_size = 2048;
 
 void shot_path(char *path, const char *group)
 {
+    // A source that is named without a folder has its pictures below the current one.
     if (lang_global.src_dir != nullptr)
         g_snprintf(path, path_size, "%s/%s/%s.jpg", lang_global.src_dir, "ScreenShots", group);
     else
@@ -104,8 +105,8 @@ void page_is_seen(GtkWidget *, gpointer data)
         show_anew(&of);
 }
 
-// The page has another size. The picture follows from an idle handler, since the toolkit is giving
-// out sizes just now, and a new picture would ask for another round.
+// The page's size has changed. The picture follows from an idle handler, since the toolkit is
+// giving out sizes just now, and a new picture would ask for another round.
 void page_has_size(GtkWidget *, GtkAllocation *place, gpointer image)
 {
     auto *of = static_cast<shot *>(g_object_get_data(G_OBJECT(image), "zel-shot"));

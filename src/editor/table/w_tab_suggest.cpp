@@ -32,7 +32,7 @@ GtkWidget *label_of(Zeltext *panel, int field)
     return field == TEXT_TRANS1 ? panel->suggestion1_label : panel->suggestion2_label;
 }
 
-// The text in one line.
+// Returns the text in one line, as a label shows it.
 std::string flat(const std::string &text)
 {
     std::string out = utf8_shown(text.c_str());
@@ -126,6 +126,7 @@ void tab_suggest::rows_changed()
     index_.reset(rows_->rows.size());
     // Slices begin again with the first row.
     next_row_ = 0;
+    // Nothing is indexed by now, so the row that was shown is not added to the new index.
     item_shown(-1);
     indexing_.begin(before_indexing);
 }
@@ -271,6 +272,7 @@ void tab_suggest::suggest_all()
 
 void tab_suggest::item_shown(int row)
 {
+    // A row that the slices have still to come to is left to them.
     if (row_ >= 0 && static_cast<std::size_t>(row_) < index_.count() && row != row_ &&
         static_cast<std::uint32_t>(row_) < next_row_)
         index_.add(static_cast<std::uint32_t>(row_)); // its text may have changed

@@ -27,7 +27,7 @@ namespace zel {
 
 class tab_suggest {
 public:
-    // Both outlive it.
+    // The rows and the panel outlive this object.
     tab_suggest(std::shared_ptr<tab_rows> rows, Zeltext *panel);
     ~tab_suggest() { stop(); }
     tab_suggest(const tab_suggest &) = delete;
@@ -69,7 +69,7 @@ private:
     Zeltext *panel_;
     assist::similar_texts index_;
     tab_neighbours neighbours_;
-    std::uint32_t next_row_ = 0; // that the slices come to
+    std::uint32_t next_row_ = 0; // where the next slice begins
     int row_ = -1;               // whose item is shown
     struct offer {
         std::string text;       // of the translation, as the field would show it; empty for nothing

@@ -162,7 +162,7 @@ struct text_need {
     int shortest = 0; // 0: the same as least
 };
 
-// Measures that all columns share.
+// What is measured once for all columns.
 struct measures {
     PangoLayout *layout;
     const zel::tab_rows &rows;

@@ -332,6 +332,7 @@ void tab_work::add_keys()
         GdkModifierType modifier;
         void (*act)(tab_work *work);
     };
+    // The keys of the number pad have names of their own.
     static constexpr key_row rows[] = {
         {GDK_KEY_Page_Down, GDK_MOD1_MASK, [](tab_work *work) { work->go_to_work(1); }},
         {GDK_KEY_KP_Page_Down, GDK_MOD1_MASK, [](tab_work *work) { work->go_to_work(1); }},

@@ -19,7 +19,7 @@
 
 namespace zel {
 
-// What of the table it works with; all of it outlives the work.
+// The parts of the table that the work needs. They outlive it.
 struct tab_work_parts {
     GtkTreeView *view;
     ZelTabModel *shown; // what the view shows
@@ -80,7 +80,7 @@ private:
     GtkWidget *filter_;
     GtkWidget *progress_label_;
     assist::progress progress_;
-    std::uint32_t next_row_ = 0; // that the slices come to
+    std::uint32_t next_row_ = 0; // where the next slice begins
     int item_row_ = -1;          // whose item is shown
     slices judging_{[this] { return judge_slice(); }};
     key_set keys_;

@@ -9,6 +9,7 @@ void set_accessible_name(GtkWidget *widget, const char *name)
 
 void set_accessible_description(GtkWidget *widget, const char *description)
 {
+    // An empty text takes out the description that was given before.
     atk_object_set_description(gtk_widget_get_accessible(widget),
                                description == nullptr ? "" : description);
 }

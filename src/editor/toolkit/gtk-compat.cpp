@@ -132,6 +132,7 @@ GtkWidget *zel_toolbar_append_element(GtkWidget *toolbar, int kind, GtkWidget *g
     if (toolbar == nullptr)
         return nullptr;
     GtkToolItem *item = make_element(kind, group, label, icon);
+    // Toggle and radio items are tool buttons, too: only the separator is none.
     if (GTK_IS_TOOL_BUTTON(item)) {
         if (label != nullptr)
             gtk_tool_button_set_label(GTK_TOOL_BUTTON(item), label);

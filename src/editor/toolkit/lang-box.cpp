@@ -11,7 +11,7 @@ GtkWidget *winMsg;
 
 namespace {
 
-// One box while it is up.
+// What the handlers of one box know while it is up.
 struct box_state {
     GMainLoop *loop;
     bool gone; // destroyed together with the parent's window

@@ -34,6 +34,7 @@ gboolean holder_changed(GSignalInvocationHint *, guint, const GValue *, gpointer
 {
     if (is_hidden_menu(gtk_grab_get_current()))
         g_idle_add_full(G_PRIORITY_HIGH, close_hidden, nullptr, nullptr);
+    // TRUE keeps the hook.
     return TRUE;
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
-// The operations of the editor's own widgets, which answer 0 with a warning of the toolkit's when
-// they are handed something else.
+// The operations of the editor's own widgets. Each returns 0, after a warning of the toolkit, when
+// it is given something else.
 
 #include <gtk/gtk.h>
 

@@ -41,6 +41,7 @@ gboolean press_on_escape(GtkWidget *, GdkEventKey *event, gpointer button)
 {
     if (event->keyval != GDK_KEY_Escape)
         return FALSE;
+    // Through the button, so that the key does whatever a click does.
     gtk_button_clicked(GTK_BUTTON(button));
     return TRUE;
 }

@@ -48,6 +48,7 @@ GdkRectangle work_area(GtkWidget *widget)
 {
     GdkScreen *screen = gtk_widget_get_screen(widget);
     GdkWindow *window = gtk_widget_get_window(widget);
+    // A widget that was never shown has no window yet.
     const gint monitor = window == nullptr ? 0 : gdk_screen_get_monitor_at_window(screen, window);
     return area_of(screen, monitor);
 }

@@ -10,7 +10,7 @@ namespace zel {
 // manager tells.
 GdkRectangle work_area(GtkWidget *widget);
 
-// The same of the screen at that place, or of the one nearest to it.
+// The same for the monitor at that place, or for the nearest one.
 GdkRectangle work_area_at(GtkWidget *widget, int x, int y);
 
 } // namespace zel

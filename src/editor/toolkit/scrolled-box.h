@@ -6,8 +6,9 @@
 
 namespace zel {
 
-// A scrolled window without an edge: as wide as the content, which is scrolled up and down when it
-// is too high, also to what gets the keyboard. The content may have a parent, which it leaves.
+// A scrolled window without an edge, as wide as the content. When the content is too high it is
+// scrolled up and down, and to the field that gets the keyboard. The content leaves the parent that
+// it may have.
 [[nodiscard]] GtkWidget *scrolled_box_new(GtkWidget *content);
 
 } // namespace zel

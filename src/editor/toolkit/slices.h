@@ -14,13 +14,13 @@ class slices {
 public:
     static constexpr int finished = -1;
 
-    // step: does a slice; the milliseconds until the next one, or finished.
+    // step does a slice and returns the milliseconds until the next one, or finished.
     explicit slices(std::function<int()> step) : step_(std::move(step)) {}
     ~slices() { stop(); }
     slices(const slices &) = delete;
     slices &operator=(const slices &) = delete;
 
-    // Begins in so many milliseconds, whether slices wait already or not.
+    // Begins in that many milliseconds. A slice that waits already is dropped.
     void begin(int after);
     void stop();
     bool wait() const { return timer_ != 0; }

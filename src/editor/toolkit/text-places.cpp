@@ -48,6 +48,7 @@ std::vector<std::string> buffer_lines(GtkTextBuffer *buffer)
     gtk_text_buffer_get_start_iter(buffer, &start);
     while (!gtk_text_iter_is_end(&start)) {
         GtkTextIter end = start;
+        // Moves behind the line's end, so that each line keeps its own.
         gtk_text_iter_forward_line(&end);
         lines.push_back(text_between(buffer, start, end));
         start = end;

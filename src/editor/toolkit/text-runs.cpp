@@ -63,7 +63,7 @@ GdkRectangle place_of(GtkTextView *view, const GtkTextIter &at)
     return place;
 }
 
-// False when the letters stand on several lines.
+// Finds the place of the run, letter by letter. False when they stand on several lines.
 bool measure(GtkTextView *view, run &of)
 {
     GdkRectangle place = place_of(view, of.start);
@@ -87,6 +87,8 @@ bool measure(GtkTextView *view, run &of)
     return true;
 }
 
+// Whether the letter is drawn inside the run and may belong to it. One of a right-to-left script
+// never does: it is a letter of the text around.
 bool is_within(GtkTextView *view, const GtkTextIter &at, const run &of)
 {
     const GdkRectangle place = place_of(view, at);
@@ -107,7 +109,8 @@ bool grow(GtkTextView *view, run &of)
                  is_within(view, before, of))
             of.start = before;
         else
-            // Each letter's place is rounded to a pixel.
+            // The place of each letter is rounded to a pixel, so the sum may be off by one for
+            // each.
             return of.right - of.left - of.used <= chars + 1;
     }
     return false;
@@ -154,6 +157,7 @@ PangoAttrList *attributes_of(GtkTextView *view, const run &of)
     PangoAttrList *list = pango_attr_list_new();
     GtkTextAttributes *plain = gtk_text_view_get_default_attributes(view);
     guint byte = 0;
+    // Letter by letter, because a tag or the selection may begin or end inside the run.
     for (GtkTextIter at = of.start; gtk_text_iter_compare(&at, &of.end) < 0;
          gtk_text_iter_forward_char(&at)) {
         GtkTextAttributes *own = gtk_text_attributes_copy(plain);
@@ -171,6 +175,7 @@ PangoAttrList *attributes_of(GtkTextView *view, const run &of)
 
 PangoLayout *layout_of(GtkTextView *view, const run &of)
 {
+    // A context of its own: the direction of the view's context is not for one run to change.
     PangoContext *context = gtk_widget_create_pango_context(GTK_WIDGET(view));
     pango_context_set_base_dir(context, PANGO_DIRECTION_LTR);
     PangoLayout *layout = pango_layout_new(context);
@@ -277,6 +282,7 @@ gboolean exposed(GtkWidget *widget, GdkEventExpose *event, gpointer tag_name)
     gtk_text_view_get_line_at_y(view, &at, y, nullptr);
     gtk_text_view_get_line_at_y(view, &end, y + event->area.height, nullptr);
     gtk_text_iter_forward_to_line_end(&end);
+    // Without such a letter the toolkit draws every piece in its order.
     if (!has_rtl(at, end))
         return FALSE;
     do {
@@ -287,6 +293,7 @@ gboolean exposed(GtkWidget *widget, GdkEventExpose *event, gpointer tag_name)
         if (gtk_text_iter_get_offset(&piece_end) - gtk_text_iter_get_offset(&at) >= longest_run)
             continue;
         for (run &part : parts_of(view, at, piece_end))
+            // Drawn again only where the toolkit has put the letters into another order.
             if (grow(view, part) && !part.in_order)
                 draw(view, event->window, part);
     } while (gtk_text_iter_forward_to_tag_toggle(&at, tag) != 0 &&

@@ -251,6 +251,7 @@ void make_bare(GtkWidget *frame)
 
 void show_faint(GtkWidget *label, bool is_faint)
 {
+    // The first call connects the handler: the key is set from then on.
     if (g_object_get_data(G_OBJECT(label), faint_key) == nullptr)
         g_signal_connect(label, "style-set", G_CALLBACK(make_faint), nullptr);
     g_object_set_data(G_OBJECT(label), faint_key, GINT_TO_POINTER(is_faint ? faint : plain));

@@ -17,12 +17,12 @@ bool has_theme(const char *name);
 // Whether the view shows light letters on dark ground.
 bool is_dark(GtkWidget *view);
 
-// A frame around something that one types or reads in: a line on all four sides, also without a
-// theme, and one that is seen also where a dark theme draws it in the colour of the ground.
+// A frame with a line on all four sides, for what one types or reads in. The line is seen without a
+// theme, too, and where a dark theme draws it in the colour of the ground.
 GtkWidget *make_line_frame();
 
-// Draws that line around a frame or an entry, which a dark theme may leave without one; one with
-// the keyboard has the theme's own.
+// Draws that line around a frame or an entry, which a dark theme may leave without one. While the
+// field has the keyboard, the theme draws its own.
 void draw_line_in_dark(GtkWidget *field);
 
 // A frame that only holds something together: no line, and no room for one.
