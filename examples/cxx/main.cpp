@@ -9,7 +9,6 @@
 /* clang-format off */
 #define ZEL_LANGUAGE_APP "shelf" "1.0"
 /* clang-format on */
-#define BOOKS "%d book of %s|%d books of %s"
 
 int main(int count, char **words)
 {
@@ -18,9 +17,7 @@ int main(int count, char **words)
               << (taken != nullptr ? taken->english : "no language") << ")" << std::endl;
     for (const int n : {1, 2, 5, 21}) {
         // Whatever a translation holds, printf gets a format for a number and a string.
-        std::printf(
-            lang_format_or(lang_plural(lang_get_string("shelf", BOOKS), n), lang_plural(BOOKS, n)),
-            n, "Ada");
+        std::printf(lang_count("shelf", "%d book of %s|%d books of %s", n), n, "Ada");
         std::printf("\n");
     }
     lang_de_init();

@@ -4,6 +4,7 @@
 #include "langlib/form-store.h"
 #include "langlib/lang-symbols.h"
 #include "langlib/lang-table.h"
+#include "langlib/plural-rule.h"
 #include "support/dir_list.h"
 #include "support/file-call.h"
 #include "support/gen_path.h"
@@ -12,6 +13,7 @@
 #include "support/log-print.h"
 #include "support/string-copy.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -71,8 +73,11 @@ public:
     zel::lang_entry *make(lang_index *store) const
     {
         const std::size_t length = text_.length();
+        const char *value = text_.data() + value_;
+        const bool forms = std::memchr(value, zel::plural_sign, length - value_) != nullptr;
+        const std::size_t copy = forms ? length + 1 - value_ : 0;
         auto *entry = static_cast<zel::lang_entry *>(
-            zel::lang_store_allocate(store, sizeof(zel::lang_entry) + length + 1));
+            zel::lang_store_allocate(store, sizeof(zel::lang_entry) + length + 1 + copy));
         if (entry == nullptr)
             return nullptr;
         char *strings = reinterpret_cast<char *>(entry + 1);
@@ -83,7 +88,9 @@ public:
         entry->text.key = strings;
         entry->text.value = length == value_ ? nullptr : strings + value_;
         entry->hash = zel::lang_key_hash(zel::lang_key(strings));
-        entry->too_long = value_ - 2 > zel::lang_key::limit ? 1 : 0;
+        entry->state = value_ - 2 > zel::lang_key::limit ? zel::key_too_long : 0;
+        std::replace_copy(strings + value_, strings + value_ + copy, strings + length + 1,
+                          zel::plural_sign, '\0');
         return entry;
     }
 
