@@ -1,9 +1,8 @@
 // A C++ program in its user's language, built with CMake.
 //
 //     shelf [FOLDER]      the folder of the compiled texts; without one, where they are installed
-#include <lang-locale.h>
+#include <lang.hpp>
 
-#include <cstdio>
 #include <iostream>
 
 /* clang-format off */
@@ -12,13 +11,10 @@
 
 int main(int count, char **words)
 {
-    const lang_locale_t *taken = lang_locale_load(count > 1 ? words[1] : SHELF_TEXTS);
+    const lang::session texts(count > 1 ? words[1] : SHELF_TEXTS);
     std::cout << lang_get_string("shelf", "The shelf") << " ("
-              << (taken != nullptr ? taken->english : "no language") << ")" << std::endl;
-    for (const int n : {1, 2, 5, 21}) {
-        // Whatever a translation holds, printf gets a format for a number and a string.
-        std::printf(lang_count("shelf", "%d book of %s|%d books of %s", n), n, "Ada");
-        std::printf("\n");
-    }
-    lang_de_init();
+              << (texts ? texts.locale()->english : "no language") << ")\n";
+    for (const int n : {1, 2, 5, 21})
+        std::cout << lang::format(lang_count("shelf", "%d book of %s|%d books of %s", n), n, "Ada")
+                  << "\n";
 }
