@@ -271,19 +271,8 @@ void log_end(const reader &in, const char *path)
     LogPrint(1, "_lang_load: close file ->%s<-\n", path);
 }
 
-void read_file(reader &in, const char *path)
+void read_buffer(reader &in, zel_lex_buf_t *buf, const char *path)
 {
-    LogPrint(1, "_lang_load: open file ->%s<-\n", path);
-    zel_lex_buf_t *buf = zel_lex_buf_file_new(path);
-    if (buf == nullptr) {
-        LogPrint(1, "_lang_load: ERROR open file ->%s<-\n", path);
-        return;
-    }
-    if (zel_lex_buf_file_get_fp(buf) == nullptr) {
-        LogPrint(1, "_lang_load: INFO(1) open file ->%s<-\n", path);
-        zel_lex_buf_free(buf);
-        return;
-    }
     zel_lex_set_buf(in.lex, buf);
     // The group of the file before does not reach into this one.
     in.text.set_group(nullptr);
@@ -297,6 +286,32 @@ void read_file(reader &in, const char *path)
     if (result == outcome::goes_on)
         log_end(in, path);
     zel_lex_free_buf(in.lex);
+}
+
+void read_file(reader &in, const char *path)
+{
+    LogPrint(1, "_lang_load: open file ->%s<-\n", path);
+    zel_lex_buf_t *buf = zel_lex_buf_file_new(path);
+    if (buf == nullptr) {
+        LogPrint(1, "_lang_load: ERROR open file ->%s<-\n", path);
+        return;
+    }
+    if (zel_lex_buf_file_get_fp(buf) == nullptr) {
+        LogPrint(1, "_lang_load: INFO(1) open file ->%s<-\n", path);
+        zel_lex_buf_free(buf);
+        return;
+    }
+    read_buffer(in, buf, path);
+}
+
+void read_memory(reader &in, const char *name, std::string_view data)
+{
+    LogPrint(1, "_lang_load: read memory >%s<\n", name);
+    zel_lex_buf_t *buf = zel_lex_buf_mem_new(data.data(), static_cast<std::uint32_t>(data.size()));
+    if (buf == nullptr)
+        LogPrint(1, "_lang_load: ERROR not enough memory\n");
+    else
+        read_buffer(in, buf, name);
 }
 
 // Returns the kind of file, or 0 when there is no such file.
@@ -335,10 +350,13 @@ bool read_directory(reader &in, const char *path)
     return true;
 }
 
-// Reads the file or the directory's files. False, logged, when that gives no entry.
-bool read_path(reader &in, const char *path)
+// Reads the data, or where it has no address the file or the directory's files. False, logged, when
+// that gives no entry.
+bool read_path(reader &in, const char *path, std::string_view data)
 {
-    if (kind_of(path) == S_IFDIR) {
+    if (data.data() != nullptr) {
+        read_memory(in, path, data);
+    } else if (kind_of(path) == S_IFDIR) {
         if (!read_directory(in, path))
             return false;
     } else {
@@ -398,10 +416,10 @@ zel_list *_lang_load_parse_file(lang_handle_t *handle, zel_list *list, zel_lex_t
     return in.entries.head;
 }
 
-int _lang_load(lang_handle_t *handle, const char *path)
+namespace {
+
+int load_from(lang_handle_t *handle, const char *path, std::string_view data)
 {
-    if (handle == nullptr)
-        handle = &lang;
     zel::lang_symbols_make();
     // From here on requests get their items, and so they do after a failure.
     handle->loaded = 0;
@@ -421,7 +439,7 @@ int _lang_load(lang_handle_t *handle, const char *path)
         LogPrint(1, "_lang_load: ERROR not enough memory\n");
         return -1;
     }
-    const bool read = read_path(in, path);
+    const bool read = read_path(in, path, data);
     zel_list_guard entries(in.entries.head);
     lex.reset();
     if (!read)
@@ -443,14 +461,8 @@ int _lang_load(lang_handle_t *handle, const char *path)
     return 0;
 }
 
-int lang_load_file(const char *path) { return _lang_load(&lang, path); }
-
-lang_handle_t *_lang_new(const char *path, std::int32_t import_mode)
+lang_handle_t *new_from(const char *path, std::int32_t import_mode, std::string_view data)
 {
-    if (path == nullptr) {
-        say("_lang_new: ERROR: no file name given\n");
-        return nullptr;
-    }
     auto *handle = static_cast<lang_handle_t *>(std::calloc(1, sizeof(lang_handle_t)));
     if (handle == nullptr) {
         say("_lang_new: ERROR: not enough memory\n");
@@ -459,11 +471,34 @@ lang_handle_t *_lang_new(const char *path, std::int32_t import_mode)
     handle->import_mode = import_mode;
     // A handle without texts is returned, too: its requests get their items. The message is an
     // interface, whatever the cause.
-    if (_lang_load(handle, path) < 0)
+    if (load_from(handle, path, data) < 0)
         say("_lang_new: ERROR: not enough memory\n");
     else
         handle->loaded = 1;
     return handle;
+}
+
+} // namespace
+
+int _lang_load(lang_handle_t *handle, const char *path)
+{
+    return load_from(handle == nullptr ? &lang : handle, path, {});
+}
+
+int lang_load_file(const char *path) { return _lang_load(&lang, path); }
+
+lang_handle_t *_lang_new(const char *path, std::int32_t import_mode)
+{
+    if (path == nullptr) {
+        say("_lang_new: ERROR: no file name given\n");
+        return nullptr;
+    }
+    return new_from(path, import_mode, {});
+}
+
+lang_handle_t *zel::lang_new_from(const char *name, std::string_view data)
+{
+    return new_from(name, 0, data);
 }
 
 lang_handle_t *lang_new(const char *path) { return _lang_new(path, 0); }

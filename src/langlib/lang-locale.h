@@ -15,10 +15,10 @@
  *
  * Threads: once a file is loaded, any number of threads may call lang_text, lang_count,
  * lang_plural, lang_plural_of, lang_format_or and lang_locale_of at once, beside all that lang.h
- * lets them call. lang_locale_load and lang_locale_choose are safe while other threads ask for
- * texts (the request words of lang.h, and the six above): until the load is complete they get
- * items.
- * Both are refused while the process-wide handle is loaded, so nothing is ever taken from under a
+ * lets them call. lang_locale_load, lang_locale_choose, lang_load_memory and lang_locale_memory are
+ * safe while other threads ask for texts (the request words of lang.h, and the six above): until
+ * the load is complete they get items.
+ * They are refused while the process-wide handle is loaded, so nothing is ever taken from under a
  * thread; to load again, call lang_de_init first, at a time when no other thread is in the library.
  * lang_locale_list and lang_locale_new may be called from any thread as long as no log is being
  * opened or closed and none changes the environment; lang_locale_chain is for a time when nobody
@@ -101,11 +101,20 @@ const lang_locale_t *lang_locale_load(const char *directory);
  * "de_AT:fr". Null stands for the environment. */
 const lang_locale_t *lang_locale_choose(const char *directory, const char *languages);
 
-/* The same as a new handle, released with lang_free(handle, 1), which releases its chain. Null when
- * there is nothing to load. */
+/* The same for texts in the program: data is one compiled file, or all languages in one block, as
+ * lang_add_texts(... EMBED) of CMake and "lang-build embed" make it; it is only read, during the
+ * call. The first takes the best for the user's language. With the second, files of a directory
+ * (which may be null or not there) win: in each language, what the directory has comes before what
+ * the program has. The record's path is a name in the block. */
+const lang_locale_t *lang_load_memory(const void *data, size_t size);
+const lang_locale_t *lang_locale_memory(const char *directory, const char *languages,
+                                        const void *data, size_t size);
+
+/* What lang_locale_choose takes as a new handle, released with lang_free(handle, 1), which releases
+ * its chain. Null when there is nothing to load. */
 lang_handle_t *lang_locale_new(const char *directory, const char *languages);
 
-/* What one of these three took for the handle (null: the process-wide one); null when it was loaded
+/* What one of these took for the handle (null: the process-wide one); null when it was loaded
  * otherwise. It lives as long as the handle's texts. */
 const lang_locale_t *lang_locale_of(const lang_handle_t *handle);
 

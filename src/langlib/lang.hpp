@@ -30,13 +30,21 @@
 namespace lang {
 
 /* The process-wide texts, loaded for the life of the object: by lang_locale_choose, for the user's
- * language where no other is named. One at a time: another one finds them loaded and does nothing.
+ * languages where no others are named. One at a time: another one finds them loaded and does
+ * nothing.
  */
 class session {
 public:
     explicit session(const std::string &directory, const std::string &languages = {})
         : locale_(lang_locale_choose(directory.c_str(),
                                      languages.empty() ? nullptr : languages.c_str()))
+    {
+    }
+    /* The same with texts in the program behind those of the directory, by lang_locale_memory. */
+    session(const std::string &directory, const void *data, std::size_t size,
+            const std::string &languages = {})
+        : locale_(lang_locale_memory(directory.c_str(),
+                                     languages.empty() ? nullptr : languages.c_str(), data, size))
     {
     }
     ~session()
