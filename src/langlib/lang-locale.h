@@ -47,7 +47,8 @@ extern "C" {
 /* The form of a text that a whole number takes (by the rules of lang_plural below). The item holds
  * the forms of the language that the program is written in, "%d note|%d notes", and the same
  * arguments are for all of them. Where the translation's form fits none of the item's, the item's
- * form for the number comes back. It lives until lang_de_init. */
+ * form for the number comes back. It lives until lang_de_init; that of a handle no longer than the
+ * handle's texts. */
 #define lang_count(group, forms, number)                                                           \
     _lang_count(NULL, (group), (forms), (number), __FILE__, __LINE__)
 

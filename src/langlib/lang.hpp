@@ -64,7 +64,7 @@ private:
 };
 
 /* Texts of their own beside the process-wide ones. Views live until the object is assigned to or
- * ends, those of count until lang_de_init; an item that comes back is the caller's own view. */
+ * ends, or lang_de_init is called; an item that comes back is the caller's own view. */
 class texts {
 public:
     /* Without a language that fits, and without memory, requests are answered with items. */

@@ -3,15 +3,15 @@
 #include "kit/support/program.h"
 
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
+
+#include <glib.h>
 
 namespace zel::kit {
 
 namespace {
 
 // Arguments: revision, folder, path... An index of its own leaves the repository as it is. Prints
-// where in the repository the current folder is.
+// where the repository is, and where the current folder is in it.
 constexpr const char *script =
     "command -v git >/dev/null || exit 4\n"
     "commit=$(git rev-parse --verify --quiet \"$1^{tree}\") || exit 3\n"
@@ -24,7 +24,7 @@ constexpr const char *script =
     "git ls-files -z -- \"$@\" >\"$folder/names\"\n"
     "git checkout-index -z --stdin --prefix=\"$folder/tree/\" <\"$folder/names\"\n"
     "mkdir -p \"$folder/tree/$(git rev-parse --show-prefix)\"\n"
-    "git rev-parse --show-prefix\n";
+    "git rev-parse --show-toplevel --show-prefix\n";
 
 bool say(const std::string &text)
 {
@@ -34,27 +34,21 @@ bool say(const std::string &text)
 
 std::string first_line(const std::string &text) { return text.substr(0, text.find('\n')); }
 
-std::string make_folder()
-{
-    std::error_code error;
-    std::string name = std::filesystem::temp_directory_path(error).string() + "/lang-kit.XXXXXX";
-    return mkdtemp(name.data()) == nullptr ? std::string() : name;
-}
-
 } // namespace
 
 commit_files::~commit_files()
 {
-    std::error_code error;
     if (!folder_.empty())
-        std::filesystem::remove_all(folder_, error);
+        run_program({"rm", "-rf", folder_}, "");
 }
 
 bool commit_files::take(const std::string &revision, const std::vector<std::string> &paths)
 {
-    folder_ = make_folder();
-    if (folder_.empty())
+    gchar *made = g_dir_make_tmp("lang-kit.XXXXXX", nullptr);
+    if (made == nullptr)
         return say("a temporary folder cannot be made");
+    folder_ = made;
+    g_free(made);
     std::vector<std::string> words{"sh", "-c", script, "sh", revision, folder_};
     words.insert(words.end(), paths.begin(), paths.end());
     const program_run run = run_program(words, "");
@@ -67,7 +61,8 @@ bool commit_files::take(const std::string &revision, const std::vector<std::stri
     if (run.status != 0)
         return say(run.err.empty() ? "the files of \"" + revision + "\" cannot be read"
                                    : first_line(run.err));
-    current_ = folder_ + "/tree/" + first_line(run.out);
+    top_ = first_line(run.out) + "/";
+    current_ = folder_ + "/tree/" + first_line(run.out.substr(top_.size()));
     return true;
 }
 
@@ -75,9 +70,7 @@ std::string commit_files::place_of(const std::string &path) const
 {
     if (!path.starts_with('/'))
         return current_ + path;
-    std::error_code error;
-    const auto here = std::filesystem::current_path(error);
-    return current_ + std::filesystem::path(path).lexically_relative(here).string();
+    return folder_ + "/tree/" + (path.starts_with(top_) ? path.substr(top_.size()) : path);
 }
 
 } // namespace zel::kit

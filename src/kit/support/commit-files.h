@@ -23,6 +23,7 @@ public:
 
 private:
     std::string folder_;  // everything
+    std::string top_;     // of the working tree, with a slash behind it
     std::string current_; // what stands for the current folder, with a slash behind it
 };
 
