@@ -29,7 +29,8 @@ void formats()
            "[Ada  |    b|Ad|00007|+2.2]");
     // As the type has it, whatever the letter and the length say.
     expect(format("%d %s %ld %hhd", name, 5, true, 300), "Ada 5 1 300");
-    expect(format("%d %f %u %s", 2.5, 2, -1, UINT64_MAX), "2 2.000000 4294967295 18446744073709551615");
+    expect(format("%d %f %u %s", 2.5, 2, -1, UINT64_MAX),
+           "2 2.000000 4294967295 18446744073709551615");
     expect(format("%x %o %x", -1, static_cast<signed char>(-1), UINT8_MAX), "ffffffff 377 ff");
     expect(format("%c%c%d %s %d", 'a', 98, 'c', none, level::high), "ab99 (null) 3");
     expect(format("%s %s", 1.5, INT64_MIN), "1.5 -9223372036854775808");
