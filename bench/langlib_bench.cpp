@@ -401,6 +401,22 @@ void plural(benchmark::State &state)
     fs::remove(file);
 }
 
+// A request for the form of a text, and for a format, in a language of three forms.
+void checked_requests(benchmark::State &state, bool with_number)
+{
+    const fs::path file = fs::temp_directory_path() / "lang-bench-checked.lang";
+    std::ofstream(file) << "LANGUAGE \"russian\" GROUP g "
+                           "\"%d note|%d notes\" { \"%d заметка|%d заметки|%d заметок\" } "
+                           "\"%d of %s\" { \"%2$s: %1$d\" }";
+    lang_load_file(file.c_str());
+    std::int64_t number = 0;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(with_number ? lang_count("g", "%d note|%d notes", ++number % 1000)
+                                             : lang_text("g", "%d of %s"));
+    lang_de_init();
+    fs::remove(file);
+}
+
 void add(const char *job, const char *who, void (*function)(benchmark::State &))
 {
     for (const std::int64_t size : sizes)
@@ -445,6 +461,8 @@ int main(int argc, char **argv)
     add("load", "unordered_map_insert", load<unordered_map>);
     benchmark::RegisterBenchmark("format_or", format_or);
     benchmark::RegisterBenchmark("plural", plural);
+    benchmark::RegisterBenchmark("lang_text", checked_requests, false);
+    benchmark::RegisterBenchmark("lang_count", checked_requests, true);
     for (const std::int64_t size : {sizes[1], sizes[2]}) {
         benchmark::RegisterBenchmark("append/symbols", append_symbols)->Arg(size);
         benchmark::RegisterBenchmark("append/messages", append_messages)->Arg(size);

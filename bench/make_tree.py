@@ -23,6 +23,7 @@ FORMS = (
     ('lang_get', '"A label of the page", ', '2c,3'),
     ('lang_get_fmt', '"A message of the page", ', '2c,3'),
     ('lang_dummy', '"A text of the page", ', '2c,3'),
+    ('lang_text', '', '1c,2'),
     ('lang_sym', 'PAGE_NO, "A title of the page", ', '3c,4'),
 )
 XGETTEXT_KEYWORDS = ['--keyword'] + ['--keyword=%s:%s' % (word, spec) for word, _, spec in FORMS]

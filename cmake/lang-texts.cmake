@@ -2,7 +2,7 @@
 # does the work.
 
 # lang_add_texts(TARGET app SOURCE app.lang-src [LANGUAGES german french] [DESTINATION share/app/texts]
-#                [LINT "--fail-on warning"] [MINIMUM 80])
+#                [LINT "--fail-on warning"] [MINIMUM 80] [EMBED])
 #
 # Builds the texts with the target, whenever the language source has changed: lints it, compiles it
 # into a fresh folder, and puts that in place when every language is there; anything else fails the
@@ -11,9 +11,10 @@
 # The folder, LANGUAGE-edit/FILE in it, is the target's property LANG_TEXTS; with DESTINATION its
 # compiled files are installed there. LINT holds options of "lang-kit lint". The build target is
 # app-texts. A request in the code of the target (as lang_check finds it) whose text is in pieces of
-# which only the first is read fails the build, too.
+# which only the first is read fails the build, too. With EMBED the texts are in the target itself, too:
+# app-texts.h declares app_texts and app_texts_size, for lang_load_memory and lang_locale_memory.
 function(lang_add_texts)
-  cmake_parse_arguments(PARSE_ARGV 0 arg "" "TARGET;SOURCE;DESTINATION;LINT;MINIMUM" "LANGUAGES")
+  cmake_parse_arguments(PARSE_ARGV 0 arg "EMBED" "TARGET;SOURCE;DESTINATION;LINT;MINIMUM" "LANGUAGES")
   lang_check_arguments(lang_add_texts)
   get_filename_component(source "${arg_SOURCE}" ABSOLUTE)
   get_property(script GLOBAL PROPERTY LANG_BUILD_SCRIPT)
@@ -33,7 +34,25 @@ function(lang_add_texts)
   if(arg_DESTINATION)
     install(DIRECTORY ${folder}/ DESTINATION ${arg_DESTINATION} FILES_MATCHING PATTERN "*.lang")
   endif()
+  if(arg_EMBED)
+    lang_embed_texts(${arg_TARGET} ${folder} ${script})
+  endif()
   lang_at_the_end("lang_add_code_rule(${arg_TARGET} [[${source}]] [[${folder}.code]])")
+endfunction()
+
+function(lang_embed_texts target folder script)
+  string(MAKE_C_IDENTIFIER ${target}_texts name)
+  # The file is the same in both languages; a project may have one of them alone.
+  set(file ${folder}.c)
+  if(NOT CMAKE_C_COMPILER)
+    set(file ${folder}.cpp)
+  endif()
+  add_custom_command(OUTPUT ${file} ${folder}.h
+    COMMAND ${script} embed ${folder} ${file} ${name}
+    DEPENDS ${folder}/.made ${script}
+    COMMENT "Putting the texts into ${target}" VERBATIM)
+  target_sources(${target} PRIVATE ${file} ${folder}.h)
+  target_include_directories(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR})
 endfunction()
 
 # lang_check(TARGETS app tool SOURCE app.lang-src [FAIL_ON_UNUSED])

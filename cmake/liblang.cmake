@@ -84,4 +84,7 @@ install(FILES ${PROJECT_SOURCE_DIR}/data/build/lang.mk
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/lang.pc
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT liblang)
 install(FILES ${PROJECT_SOURCE_DIR}/src/langlib/lang.h ${PROJECT_SOURCE_DIR}/src/langlib/lang-locale.h
+              ${PROJECT_SOURCE_DIR}/src/langlib/lang.hpp
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT liblang)
+set(LANG_PYTHON_DIR lib/python3/dist-packages CACHE STRING "Folder of Python's modules")
+install(FILES ${PROJECT_SOURCE_DIR}/data/python/lang.py DESTINATION ${LANG_PYTHON_DIR} COMPONENT liblang)

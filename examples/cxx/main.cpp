@@ -1,27 +1,23 @@
 // A C++ program in its user's language, built with CMake.
 //
-//     shelf [FOLDER]      the folder of the compiled texts; without one, where they are installed
-#include <lang-locale.h>
+//     shelf [FOLDER]      the folder of the compiled texts; without one, where they are installed.
+//                         What is not there comes from the program itself.
+#include <lang.hpp>
 
-#include <cstdio>
 #include <iostream>
+
+#include "shelf-texts.h" // made by the build
 
 /* clang-format off */
 #define ZEL_LANGUAGE_APP "shelf" "1.0"
 /* clang-format on */
-#define BOOKS "%d book of %s|%d books of %s"
 
 int main(int count, char **words)
 {
-    const lang_locale_t *taken = lang_locale_load(count > 1 ? words[1] : SHELF_TEXTS);
+    const lang::session texts(count > 1 ? words[1] : SHELF_TEXTS, shelf_texts, shelf_texts_size);
     std::cout << lang_get_string("shelf", "The shelf") << " ("
-              << (taken != nullptr ? taken->english : "no language") << ")" << std::endl;
-    for (const int n : {1, 2, 5, 21}) {
-        // Whatever a translation holds, printf gets a format for a number and a string.
-        std::printf(
-            lang_format_or(lang_plural(lang_get_string("shelf", BOOKS), n), lang_plural(BOOKS, n)),
-            n, "Ada");
-        std::printf("\n");
-    }
-    lang_de_init();
+              << (texts ? texts.locale()->english : "no language") << ")\n";
+    for (const int n : {1, 2, 5, 21})
+        std::cout << lang::format(lang_count("shelf", "%d book of %s|%d books of %s", n), n, "Ada")
+                  << "\n";
 }

@@ -63,5 +63,15 @@ grep -q '"000[0-9]*:main.cpp"' shelf.lang-src || fail "the place is not named fr
 echo "== install"
 "$cmake" --build build
 "$cmake" --install build
-LANGUAGE=ru LANG=de_DE.UTF-8 LC_ALL='' installed/bin/shelf | grep -F 'Ada: 21 книга'
+speak() { LANGUAGE='' LANG=$1 LC_ALL='' LC_MESSAGES='' installed/bin/shelf; }
+speak ru_RU.UTF-8 | grep -F 'Ada: 21 книга'
+
+echo "== a file beside the program wins, and it does without any"
+sed -i 's/"Regal"/"Anders"/' installed/share/shelf/texts/german-edit/german.lang
+rm -r installed/share/shelf/texts/russian-edit
+speak de_DE.UTF-8 | grep -F 'Anders (German)'
+speak ru_RU.UTF-8 | grep -F 'Полка (Russian)'
+rm -r installed/share
+speak de_DE.UTF-8 | grep -F 'Regal (German)'
+speak fr_FR.UTF-8 | grep -F 'The shelf (no language)'
 echo "== all as expected"

@@ -11,17 +11,13 @@
 /* clang-format off */
 #define ZEL_LANGUAGE_APP "window" "1.0"
 /* clang-format on */
-#define CLICKS "%d click|%d clicks"
 
 static GtkWidget *label;
 static int clicks;
 
 static void show_clicks(void)
 {
-    gchar *text =
-        g_strdup_printf(lang_format_or(lang_plural(lang_get_string("window", CLICKS), clicks),
-                                       lang_plural(CLICKS, clicks)),
-                        clicks);
+    gchar *text = g_strdup_printf(lang_count("window", "%d click|%d clicks", clicks), clicks);
 
     gtk_label_set_text(GTK_LABEL(label), text);
     g_free(text);

@@ -6,15 +6,13 @@
 /* clang-format off */
 #define ZEL_LANGUAGE_APP "count" "1.0"
 /* clang-format on */
-#define WORDS "%d word|%d words"
 
 int main(int count, char **words)
 {
     const int n = count < 2 ? 0 : count - 2;
 
     lang_locale_load(count > 1 ? words[1] : NULL);
-    printf(lang_format_or(lang_plural(lang_get_string("count", WORDS), n), lang_plural(WORDS, n)),
-           n);
+    printf(lang_count("count", "%d word|%d words", n), n);
     printf("\n%s\n", lang_get_string("count", "Done."));
     lang_de_init();
     return 0;

@@ -4,17 +4,17 @@ usage: notes.py FOLDER [COUNT...]     the folder of the compiled texts; how many
 """
 import sys
 
-import lang_texts as texts
+from lang import *  # the checker would take the words of a list for requests
 
 
 def main():
     folder = sys.argv[1]
-    own_name = texts.load(folder)
-    print(texts.lang_get_string("notes", "Languages:"), ", ".join(texts.languages(folder)))
-    print(texts.lang_get_string("notes", "This one:"), own_name or "-")
+    taken = load(folder)
+    names = sorted(file.own or file.name for file in languages(folder))
+    print(lang_get_string("notes", "Languages:"), ", ".join(names))
+    print(lang_text("notes", "This one: %s", taken.own if taken else "-"))
     for count in map(int, sys.argv[2:]):
-        form = texts.lang_plural(texts.lang_get_string("notes", "%d note|%d notes"), count)
-        print(form % count)
+        print(lang_count("notes", "%d note|%d notes", count))
 
 
 if __name__ == "__main__":

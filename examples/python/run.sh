@@ -4,7 +4,7 @@
 #
 # usage: run.sh
 #
-# LANG_LIBRARY names liblang.so.1, LANG_PROGRAM and LANG_KIT the programs, where they are not found by
+# PYTHONPATH leads to the module, LANG_LIBRARY names liblang.so.1, LANG_PROGRAM and LANG_KIT the programs, where they are not found by
 # themselves; PYTHON names the interpreter.
 set -eu
 
@@ -13,7 +13,7 @@ python=${PYTHON:-python3}
 program=${LANG_PROGRAM:-lang}
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
-cp "$here/notes.py" "$here/lang_texts.py" "$here/notes.lang-src" "$folder"
+cp "$here/notes.py" "$here/notes.lang-src" "$folder"
 cd "$folder"
 
 fail() { printf 'run.sh: %s\n' "$*" >&2; exit 1; }

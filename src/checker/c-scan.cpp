@@ -25,6 +25,7 @@ using name_buffer = char[NAME_SIZE];
 
 // Every level of strings inside strings needs a longer text around it; deeper ones are no scripts.
 constexpr unsigned MAX_STRING_DEPTH = 64;
+constexpr unsigned MAX_CALL_DEPTH = 64; // the same for calls
 
 // What the scan of one file carries along.
 struct scan {
@@ -33,6 +34,7 @@ struct scan {
     const char *path;
     const scan_how &how;
     unsigned string_depth = 0; // string literals around the text being read
+    unsigned call_depth = 0;   // calls around the one being read
     place literal{};           // where the outermost of them stands
     place request{};           // where the request that is read stands
     bool told = false;         // that it is not read
@@ -493,7 +495,7 @@ int read_text(scan &s, const char *text, place at)
         return -1;
     }
     zel_lex_set_buf(lex.get(), buffer.get());
-    scan inner{s.index, s.symbols, s.path, s.how, s.string_depth + 1, at};
+    scan inner{s.index, s.symbols, s.path, s.how, s.string_depth + 1, 0, at};
     return read_tokens(inner, lex.get());
 }
 
@@ -508,7 +510,7 @@ int read_literals(scan &s, zel_lex_t *lex, const zel_token_t *token)
     return read_text(s, joined.c_str(), at);
 }
 
-void read_wrapped(scan &s, zel_lex_t *lex, const zel_token_t *token);
+void read_call(scan &s, zel_lex_t *lex, const zel_token_t *token, const wrapper *form);
 
 // Acts on the token, which is no string.
 void read_word(scan &s, zel_lex_t *lex, const zel_token_t *token)
@@ -519,29 +521,40 @@ void read_word(scan &s, zel_lex_t *lex, const zel_token_t *token)
     else if (kind == WORD_STOP)
         skip_stopped(s, lex, token);
     else if (kind >= WORD_WRAPPER)
-        read_wrapped(s, lex, token);
+        read_call(s, lex, token, s.how.wrappers->of(token));
+    else if (kind == TOKEN_IDENT && s.string_depth == 0)
+        read_call(s, lex, token, locale_word(token));
     else if (kind >= WORD_GET_STRING)
         for (const request_form &form : request_forms)
             if (form.word == kind)
                 read_request(s, lex, form);
 }
 
-// Reads a call of one of the application's own functions.
-void read_wrapped(scan &s, zel_lex_t *lex, const zel_token_t *token)
+// Reads a call of a word of lang-locale.h or of one of the application's own functions; null is
+// neither.
+void read_call(scan &s, zel_lex_t *lex, const zel_token_t *token, const wrapper *form)
 {
-    const wrapper *form = s.how.wrappers->of(token);
-    if (form == nullptr)
+    if (form == nullptr || s.call_depth == MAX_CALL_DEPTH)
         return;
     const place at{token->line, token->column};
+    const bool own = token->id >= WORD_WRAPPER;
+    ++s.call_depth;
     const wrapper_call call =
-        read_wrapper_call(lex, *s.how.wrappers, *form, s.symbols,
+        read_wrapper_call(lex, own ? s.how.wrappers->group() : std::string(), *form, s.symbols,
                           [&](const zel_token_t *word) { read_word(s, lex, word); });
+    --s.call_depth;
     s.request = at;
     s.told = false;
-    if (call.is == wrapper_call::kind::unread)
+    if (call.is == wrapper_call::kind::unread) {
+        if (!own)
+            say(s, "WARNING: syntax %s line %d %s is no literal\n", s.path,
+                static_cast<int>(at.line), call.of == piece::group ? "group" : "item");
         tell_unread(s, call.of);
+    }
     if (call.is != wrapper_call::kind::read)
         return;
+    if (call.doubtful)
+        tell_unread(s, call.of, unread_cause::two_values);
     request wanted{{}, static_cast<int>(call.at.line), call.at};
     append(s, wanted.group, call.group.c_str(), piece::group);
     name_buffer where;

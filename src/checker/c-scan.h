@@ -10,6 +10,7 @@
 //   lang_get_str(handle, "group", item)  a text
 //   lang_get("description", "group", item item ...)        lang_get_fmt, lang_dummy: the same
 //   lang_sym(symbol, "description", "group", item item ...)
+//   lang_text("group", item), lang_count("group", item, number): in code only, see wrapper.h
 //   #define NAME "value"
 //   #define ZEL_LANGUAGE_APP "name" version                version: a string or a #define name
 //   ZEL_LANGUAGE_CHECK_STOP ... ZEL_LANGUAGE_CHECK_START

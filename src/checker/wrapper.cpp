@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstring>
+#include <iterator>
 
 namespace zel {
 
@@ -18,6 +20,7 @@ struct argument {
     place at;
     std::size_t tokens = 0;
     bool literal = true;     // its text is known
+    bool doubtful = false;   // a name in it has two values
     bool declaration = true; // as far as can be seen: "const char *text"
 
     bool is_declaration() const { return declaration && !literal && tokens > 1; }
@@ -35,6 +38,8 @@ void add(argument &to, const zel_token_t *token, const symtab_t *symbols)
         to.text += value;
     else
         to.literal = false;
+    to.doubtful = to.doubtful ||
+                  (token->id == TOKEN_IDENT && symtab_is_doubtful(symbols, token->lexeme) != 0);
     // A declaration consists of names and these signs.
     constexpr std::string_view marks = "*&[]";
     const int id = token->id;
@@ -48,16 +53,23 @@ int depth_change(int id)
     return id == '(' || id == '[' || id == '{' ? 1 : id == ')' || id == ']' || id == '}' ? -1 : 0;
 }
 
+bool is_request(const zel_token_t *token)
+{
+    return token->id >= WORD_GET_STRING || locale_word(token) != nullptr;
+}
+
 // Reads the arguments through the closing parenthesis, or as far as they come before a request of
-// lang.h; none if the input ends before that.
+// lang.h; none if the input, or the statement, ends before that.
 std::vector<argument> read_arguments(zel_lex_t *lex, const symtab_t *symbols,
                                      const std::function<void(const zel_token_t *)> &request)
 {
     std::vector<argument> out(1);
+    int braces = 0;
     for (int depth = 0;;) {
         const zel_token_t *token = zel_next_token(lex);
         const int id = token->id;
-        if (id == TOKEN_EOF)
+        braces += id == '{' ? 1 : id == '}' ? -1 : 0;
+        if (id == TOKEN_EOF || (id == ';' && braces <= 0))
             return {};
         depth += depth_change(id);
         if (depth < 0)
@@ -69,7 +81,7 @@ std::vector<argument> read_arguments(zel_lex_t *lex, const symtab_t *symbols,
             continue;
         }
         add(out.back(), token, symbols);
-        if (id >= WORD_GET_STRING)
+        if (is_request(token))
             request(token);
         if (id >= WORD_GET_STRING && id <= WORD_STOP)
             return out; // how much of the call that request took is not known
@@ -77,6 +89,16 @@ std::vector<argument> read_arguments(zel_lex_t *lex, const symtab_t *symbols,
 }
 
 } // namespace
+
+const wrapper *locale_word(const zel_token_t *token)
+{
+    static const wrapper words[] = {{"lang_text", 2, 0, 1, 2}, {"lang_count", 2, 0, 1, 3}};
+    if (token->id != TOKEN_IDENT || std::strncmp(token->lexeme, "lang_", 5) != 0)
+        return nullptr;
+    const auto *found = std::find_if(std::begin(words), std::end(words),
+                                     [&](const wrapper &one) { return one.word == token->lexeme; });
+    return found == std::end(words) ? nullptr : found;
+}
 
 std::optional<wrapper> parse_wrapper(std::string_view text)
 {
@@ -132,7 +154,7 @@ const wrapper *wrapper_words::of(const zel_token_t *token) const
     return found.word == token->lexeme ? &found : nullptr; // the scanner takes any case
 }
 
-wrapper_call read_wrapper_call(zel_lex_t *lex, const wrapper_words &words, const wrapper &form,
+wrapper_call read_wrapper_call(zel_lex_t *lex, const std::string &group, const wrapper &form,
                                const symtab_t *symbols,
                                const std::function<void(const zel_token_t *)> &request)
 {
@@ -142,20 +164,28 @@ wrapper_call read_wrapper_call(zel_lex_t *lex, const wrapper_words &words, const
     zel_next_token(lex);
     std::vector<argument> given = read_arguments(lex, symbols, request);
     // A declaration of the function is no call.
-    if (given.empty() || std::any_of(given.begin(), given.end(),
-                                     [](const argument &one) { return one.is_declaration(); }))
+    if (given.size() < std::max(form.least, std::size_t{1}) ||
+        std::any_of(given.begin(), given.end(),
+                    [](const argument &one) { return one.is_declaration(); }))
         return call;
     // Resized before anything refers to an argument; one that is missing has no text.
     given.resize(std::max({given.size(), form.item, form.plural, form.group}));
     const argument &item = given[form.item - 1];
     call.at = item.at;
     call.item = item.text;
-    call.group = form.group == 0 ? words.group() : given[form.group - 1].text;
-    if (form.plural != 0)
+    call.doubtful = item.doubtful;
+    call.group = group;
+    if (form.group != 0)
+        call.group = given[form.group - 1].text;
+    if (form.plural != 0) {
         call.item += "|" + given[form.plural - 1].text;
+        call.doubtful = call.doubtful || given[form.plural - 1].doubtful;
+    }
     const bool group_read = form.group == 0 || given[form.group - 1].is_text();
     const bool item_read = item.is_text() && (form.plural == 0 || given[form.plural - 1].is_text());
-    call.of = group_read ? piece::item : piece::group;
+    const bool group_doubtful = form.group != 0 && given[form.group - 1].doubtful;
+    call.of = group_read && !group_doubtful ? piece::item : piece::group;
+    call.doubtful = call.doubtful || group_doubtful;
     call.is = group_read && item_read ? wrapper_call::kind::read : wrapper_call::kind::unread;
     return call;
 }

@@ -1,8 +1,8 @@
 #pragma once
 
-// An application's own words for requests: functions and macros that pass a text on. Unlike the
-// words of lang.h they count in code only, in exactly these letters, and an argument may be in
-// pieces, as the compiler joins them.
+// Words for requests that are read as calls: those of lang-locale.h, and an application's own,
+// functions and macros that pass a text on. Unlike the words of lang.h they count in code only, in
+// exactly these letters, and an argument may be in pieces, as the compiler joins them.
 
 #include <functional>
 #include <optional>
@@ -21,7 +21,12 @@ struct wrapper {
     std::size_t item = 1;   // which argument is the item, from 1
     std::size_t plural = 0; // which one is the form for many: the item is "one|many"; 0 none
     std::size_t group = 0;  // which one is the group; 0: the group of the whole run
+    std::size_t least = 0;  // with fewer arguments it is no request
 };
+
+// The word of lang-locale.h that the token is, or null. It is an ordinary name for the scanner, so
+// that an application may use it for something else.
+const wrapper *locale_word(const zel_token_t *token);
 
 // "_:1", "my_text:2,1" (the item, then the group), "tr_n:1,2 plural" (the item's two forms) or
 // "tr_n:2,3,1 plural" (then the group). Nothing for any other text.
@@ -54,12 +59,13 @@ struct wrapper_call {
     std::string group;
     std::string item;
     place at;               // of the item
-    piece of = piece::item; // that is not read
+    piece of = piece::item; // that is not read, or doubtful
+    bool doubtful = false;  // a name in it has two values
 };
 
-// Reads what follows a wrapper's word, to the end of the call. Words of requests among its
-// arguments go to the function, which reads what follows them.
-wrapper_call read_wrapper_call(zel_lex_t *lex, const wrapper_words &words, const wrapper &form,
+// Reads what follows a wrapper's word, to the end of the call; the group is that of the run. Words
+// of requests among its arguments go to the function, which reads what follows them.
+wrapper_call read_wrapper_call(zel_lex_t *lex, const std::string &group, const wrapper &form,
                                const symtab_t *symbols,
                                const std::function<void(const zel_token_t *)> &request);
 

@@ -5,7 +5,7 @@
 
 namespace zel {
 
-char *read_language_name(const char *path)
+char *read_language_name(const char *path, std::string_view data)
 {
     // In step with the scanner of _lang_load.
     const zel_lex_guard lex(zel_lex_new(compiled_keywords, LEX_NUMBER_ONE_KIND |
@@ -13,10 +13,13 @@ char *read_language_name(const char *path)
                                                                LEX_NEWLINE_SPACE));
     if (!lex)
         return nullptr;
-    zel_lex_buf_t *buf = zel_lex_buf_file_new(path);
+    const bool is_file = data.data() == nullptr;
+    zel_lex_buf_t *buf =
+        is_file ? zel_lex_buf_file_new(path)
+                : zel_lex_buf_mem_new(data.data(), static_cast<std::uint32_t>(data.size()));
     if (buf == nullptr)
         return nullptr;
-    if (zel_lex_buf_file_get_fp(buf) == nullptr) {
+    if (is_file && zel_lex_buf_file_get_fp(buf) == nullptr) {
         zel_lex_buf_free(buf);
         return nullptr;
     }

@@ -1,5 +1,7 @@
 // Formats that fit an item's, and nothing else.
 
+#include "langlib/lang-fit.h"
+
 #include "langlib/lang-locale.h"
 
 #include <algorithm>
@@ -169,9 +171,13 @@ bool read_conversion(const char *&at, arguments &asked)
                      {row.argument, passed, row.argument == string ? read : std::uint16_t{0}});
 }
 
-bool read_format(const char *format, arguments &asked)
+// Behind the format stands a byte that ends every conversion.
+bool read_format(std::string_view format, arguments &asked)
 {
-    for (const char *at = format; (at = std::strchr(at, '%')) != nullptr;) {
+    const char *at = format.data();
+    const char *end = at + format.size();
+    const auto next = [&] { return std::memchr(at, '%', static_cast<std::size_t>(end - at)); };
+    while ((at = static_cast<const char *>(next())) != nullptr) {
         ++at;
         if (*at == '%')
             ++at;
@@ -183,17 +189,21 @@ bool read_format(const char *format, arguments &asked)
 
 } // namespace
 
+bool zel::format_fits(std::string_view text, std::string_view item)
+{
+    arguments wanted;
+    arguments asked;
+    return read_format(item, wanted) && read_format(text, asked) && wanted.count == asked.count &&
+           std::equal(asked.all.begin(),
+                      asked.all.begin() + static_cast<std::ptrdiff_t>(asked.count),
+                      wanted.all.begin(), std::mem_fn(&argument::fits));
+}
+
 const char *lang_format_or(const char *text, const char *item)
 {
     if (item == nullptr)
         return "";
     if (text == nullptr || text == item)
         return item;
-    arguments wanted;
-    arguments asked;
-    const bool fits =
-        read_format(item, wanted) && read_format(text, asked) && wanted.count == asked.count &&
-        std::equal(asked.all.begin(), asked.all.begin() + static_cast<std::ptrdiff_t>(asked.count),
-                   wanted.all.begin(), std::mem_fn(&argument::fits));
-    return fits ? text : item;
+    return zel::format_fits(text, item) ? text : item;
 }

@@ -4,6 +4,7 @@
 #include "langlib/form-store.h"
 #include "langlib/lang-symbols.h"
 #include "langlib/lang-table.h"
+#include "langlib/plural-rule.h"
 #include "support/dir_list.h"
 #include "support/file-call.h"
 #include "support/gen_path.h"
@@ -12,6 +13,7 @@
 #include "support/log-print.h"
 #include "support/string-copy.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -71,8 +73,11 @@ public:
     zel::lang_entry *make(lang_index *store) const
     {
         const std::size_t length = text_.length();
+        const char *value = text_.data() + value_;
+        const bool forms = std::memchr(value, zel::plural_sign, length - value_) != nullptr;
+        const std::size_t copy = forms ? length + 1 - value_ : 0;
         auto *entry = static_cast<zel::lang_entry *>(
-            zel::lang_store_allocate(store, sizeof(zel::lang_entry) + length + 1));
+            zel::lang_store_allocate(store, sizeof(zel::lang_entry) + length + 1 + copy));
         if (entry == nullptr)
             return nullptr;
         char *strings = reinterpret_cast<char *>(entry + 1);
@@ -83,7 +88,9 @@ public:
         entry->text.key = strings;
         entry->text.value = length == value_ ? nullptr : strings + value_;
         entry->hash = zel::lang_key_hash(zel::lang_key(strings));
-        entry->too_long = value_ - 2 > zel::lang_key::limit ? 1 : 0;
+        entry->state = value_ - 2 > zel::lang_key::limit ? zel::key_too_long : 0;
+        std::replace_copy(strings + value_, strings + value_ + copy, strings + length + 1,
+                          zel::plural_sign, '\0');
         return entry;
     }
 
@@ -264,19 +271,8 @@ void log_end(const reader &in, const char *path)
     LogPrint(1, "_lang_load: close file ->%s<-\n", path);
 }
 
-void read_file(reader &in, const char *path)
+void read_buffer(reader &in, zel_lex_buf_t *buf, const char *path)
 {
-    LogPrint(1, "_lang_load: open file ->%s<-\n", path);
-    zel_lex_buf_t *buf = zel_lex_buf_file_new(path);
-    if (buf == nullptr) {
-        LogPrint(1, "_lang_load: ERROR open file ->%s<-\n", path);
-        return;
-    }
-    if (zel_lex_buf_file_get_fp(buf) == nullptr) {
-        LogPrint(1, "_lang_load: INFO(1) open file ->%s<-\n", path);
-        zel_lex_buf_free(buf);
-        return;
-    }
     zel_lex_set_buf(in.lex, buf);
     // The group of the file before does not reach into this one.
     in.text.set_group(nullptr);
@@ -290,6 +286,32 @@ void read_file(reader &in, const char *path)
     if (result == outcome::goes_on)
         log_end(in, path);
     zel_lex_free_buf(in.lex);
+}
+
+void read_file(reader &in, const char *path)
+{
+    LogPrint(1, "_lang_load: open file ->%s<-\n", path);
+    zel_lex_buf_t *buf = zel_lex_buf_file_new(path);
+    if (buf == nullptr) {
+        LogPrint(1, "_lang_load: ERROR open file ->%s<-\n", path);
+        return;
+    }
+    if (zel_lex_buf_file_get_fp(buf) == nullptr) {
+        LogPrint(1, "_lang_load: INFO(1) open file ->%s<-\n", path);
+        zel_lex_buf_free(buf);
+        return;
+    }
+    read_buffer(in, buf, path);
+}
+
+void read_memory(reader &in, const char *name, std::string_view data)
+{
+    LogPrint(1, "_lang_load: read memory >%s<\n", name);
+    zel_lex_buf_t *buf = zel_lex_buf_mem_new(data.data(), static_cast<std::uint32_t>(data.size()));
+    if (buf == nullptr)
+        LogPrint(1, "_lang_load: ERROR not enough memory\n");
+    else
+        read_buffer(in, buf, name);
 }
 
 // Returns the kind of file, or 0 when there is no such file.
@@ -328,10 +350,13 @@ bool read_directory(reader &in, const char *path)
     return true;
 }
 
-// Reads the file or the directory's files. False, logged, when that gives no entry.
-bool read_path(reader &in, const char *path)
+// Reads the data, or where it has no address the file or the directory's files. False, logged, when
+// that gives no entry.
+bool read_path(reader &in, const char *path, std::string_view data)
 {
-    if (kind_of(path) == S_IFDIR) {
+    if (data.data() != nullptr) {
+        read_memory(in, path, data);
+    } else if (kind_of(path) == S_IFDIR) {
         if (!read_directory(in, path))
             return false;
     } else {
@@ -391,10 +416,10 @@ zel_list *_lang_load_parse_file(lang_handle_t *handle, zel_list *list, zel_lex_t
     return in.entries.head;
 }
 
-int _lang_load(lang_handle_t *handle, const char *path)
+namespace {
+
+int load_from(lang_handle_t *handle, const char *path, std::string_view data)
 {
-    if (handle == nullptr)
-        handle = &lang;
     zel::lang_symbols_make();
     // From here on requests get their items, and so they do after a failure.
     handle->loaded = 0;
@@ -414,7 +439,7 @@ int _lang_load(lang_handle_t *handle, const char *path)
         LogPrint(1, "_lang_load: ERROR not enough memory\n");
         return -1;
     }
-    const bool read = read_path(in, path);
+    const bool read = read_path(in, path, data);
     zel_list_guard entries(in.entries.head);
     lex.reset();
     if (!read)
@@ -436,14 +461,8 @@ int _lang_load(lang_handle_t *handle, const char *path)
     return 0;
 }
 
-int lang_load_file(const char *path) { return _lang_load(&lang, path); }
-
-lang_handle_t *_lang_new(const char *path, std::int32_t import_mode)
+lang_handle_t *new_from(const char *path, std::int32_t import_mode, std::string_view data)
 {
-    if (path == nullptr) {
-        say("_lang_new: ERROR: no file name given\n");
-        return nullptr;
-    }
     auto *handle = static_cast<lang_handle_t *>(std::calloc(1, sizeof(lang_handle_t)));
     if (handle == nullptr) {
         say("_lang_new: ERROR: not enough memory\n");
@@ -452,11 +471,34 @@ lang_handle_t *_lang_new(const char *path, std::int32_t import_mode)
     handle->import_mode = import_mode;
     // A handle without texts is returned, too: its requests get their items. The message is an
     // interface, whatever the cause.
-    if (_lang_load(handle, path) < 0)
+    if (load_from(handle, path, data) < 0)
         say("_lang_new: ERROR: not enough memory\n");
     else
         handle->loaded = 1;
     return handle;
+}
+
+} // namespace
+
+int _lang_load(lang_handle_t *handle, const char *path)
+{
+    return load_from(handle == nullptr ? &lang : handle, path, {});
+}
+
+int lang_load_file(const char *path) { return _lang_load(&lang, path); }
+
+lang_handle_t *_lang_new(const char *path, std::int32_t import_mode)
+{
+    if (path == nullptr) {
+        say("_lang_new: ERROR: no file name given\n");
+        return nullptr;
+    }
+    return new_from(path, import_mode, {});
+}
+
+lang_handle_t *zel::lang_new_from(const char *name, std::string_view data)
+{
+    return new_from(name, 0, data);
 }
 
 lang_handle_t *lang_new(const char *path) { return _lang_new(path, 0); }

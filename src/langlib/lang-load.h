@@ -3,6 +3,8 @@
 // Reading compiled language files into a handle. What applications call is in lang.h, the layout of
 // the file in compiled-file.h.
 
+#include <string_view>
+
 #include "langlib/lang.h"
 #include "lex/lex.h"
 #include "support/list.h"
@@ -18,6 +20,9 @@ extern lang_handle_t lang;
                                               const char *path);
 
 namespace zel {
+
+// lang_new for a compiled file that lies in memory, of at most 4 GB; the name is for the log.
+[[nodiscard]] lang_handle_t *lang_new_from(const char *name, std::string_view data);
 
 // Releases a handle's texts, and its chain where it owns that, but no system symbols.
 void lang_empty(lang_handle_t *handle);

@@ -7,6 +7,7 @@
 #include "langlib/lang-load.h"
 #include "langlib/lang-table.h"
 #include "langlib/languages.h"
+#include "support/cut.h"
 #include "support/dir_list.h"
 #include "support/file-call.h"
 #include "support/growing-text.h"
@@ -14,6 +15,7 @@
 #include "support/string-copy.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
@@ -31,6 +33,7 @@ struct text_file {
     text_file *next;
     const char *path;
     const char *name;
+    std::string_view data; // of one that lies in memory
     std::string_view stem; // of the path
     language_tag tag;      // empty for no known language
     language_row row;
@@ -64,7 +67,7 @@ std::string_view stem_of(std::string_view path)
     return path;
 }
 
-void add_file(text_files &files, std::string_view path)
+void add_file(text_files &files, std::string_view path, std::string_view data = {})
 {
     void *memory = zel::lang_store_allocate(files.store.get(), sizeof(text_file));
     const char *kept = keep(files.store.get(), path);
@@ -74,8 +77,8 @@ void add_file(text_files &files, std::string_view path)
     }
     // Never destroyed: the record owns nothing, and its memory goes back with the store.
     auto *file =
-        new (memory) text_file{nullptr, kept, nullptr, stem_of(kept), {}, {}, false, nullptr};
-    const zel::string_guard name(zel::read_language_name(kept));
+        new (memory) text_file{nullptr, kept, nullptr, data, stem_of(kept), {}, {}, false, nullptr};
+    const zel::string_guard name(zel::read_language_name(kept, data));
     file->name = keep(files.store.get(), name ? std::string_view(name.get()) : file->stem);
     if (file->name == nullptr) {
         files.complete = false;
@@ -117,6 +120,33 @@ bool find_files(text_files &files, const char *folder, bool below)
         else if (below && is_kind(path.data(), S_IFDIR))
             // One level is enough, and no link can lead round and round.
             find_files(files, path.data(), false);
+    }
+    return true;
+}
+
+// Adds what a block of memory holds: one compiled file, or behind the mark several, each as "NAME
+// SIZE", a line end, so many bytes and another line end. False when it is damaged.
+bool add_memory(text_files &files, std::string_view data)
+{
+    constexpr std::string_view mark = "lang-texts 1\n";
+    if (data.size() > UINT32_MAX)
+        return false;
+    if (!data.starts_with(mark)) {
+        add_file(files, "memory.lang", data);
+        return true;
+    }
+    data.remove_prefix(mark.size());
+    while (!data.empty()) {
+        const std::string_view line = zel::cut_at(data, '\n');
+        const std::size_t blank = line.rfind(' ');
+        std::size_t size = 0;
+        if (blank == line.npos || !is_compiled(line.substr(0, blank)) ||
+            std::from_chars(line.data() + blank + 1, line.data() + line.size(), size).ptr !=
+                line.data() + line.size() ||
+            size >= data.size())
+            return false;
+        add_file(files, line.substr(0, blank), data.substr(0, size));
+        data.remove_prefix(size + 1);
     }
     return true;
 }
@@ -296,7 +326,8 @@ void release(lang_handle_t *handle)
 // Loads a file into a handle with its record; null when it cannot be read or without memory.
 lang_handle_t *load(const text_file &file)
 {
-    lang_handle_t *handle = lang_new(file.path);
+    lang_handle_t *handle = file.data.data() == nullptr ? lang_new(file.path)
+                                                        : zel::lang_new_from(file.path, file.data);
     if (handle == nullptr || handle->loaded == 0 || handle->index == nullptr) {
         release(handle);
         return nullptr;
@@ -345,6 +376,13 @@ lang_handle_t *load_chain(const chosen &taken)
     return first;
 }
 
+lang_handle_t *load_chosen(const text_files &files, const char *languages)
+{
+    chosen taken;
+    choose(files, languages, taken);
+    return load_chain(taken);
+}
+
 lang_handle_t *load_directory(const char *directory, const char *languages)
 {
     text_files files;
@@ -354,11 +392,23 @@ lang_handle_t *load_directory(const char *directory, const char *languages)
                  directory == nullptr ? "(null)" : directory);
         return nullptr;
     }
-    chosen taken;
-    choose(files, languages, taken);
-    lang_handle_t *handle = load_chain(taken);
+    lang_handle_t *handle = load_chosen(files, languages);
     if (handle == nullptr)
         LogPrint(1, "lang_locale_load: INFO no file for the language in >%s<\n", directory);
+    return handle;
+}
+
+// The same with a block of memory behind the directory's files, so that these win.
+lang_handle_t *load_memory(const char *directory, const char *languages, std::string_view data)
+{
+    text_files files;
+    if (directory != nullptr && files.complete)
+        find_files(files, directory, true);
+    if (!files.complete || data.data() == nullptr || !add_memory(files, data) || !files.complete)
+        LogPrint(1, "lang_locale_memory: ERROR read texts in memory\n");
+    lang_handle_t *handle = files.store == nullptr ? nullptr : load_chosen(files, languages);
+    if (handle == nullptr)
+        LogPrint(1, "lang_locale_memory: INFO no texts for the language in memory\n");
     return handle;
 }
 
@@ -371,13 +421,16 @@ lang_handle_t *lang_locale_new(const char *directory, const char *languages)
     return load_directory(directory, languages);
 }
 
-const lang_locale_t *lang_locale_choose(const char *directory, const char *languages)
+namespace {
+
+// Fills the process-wide handle. Several threads may come here at once: only the first one loads.
+template <class Load>
+const lang_locale_t *load_process_wide(Load load)
 {
-    // Several threads may come here at once: only the first one loads.
     pthread_mutex_lock(&loading);
     lang_handle_t *handle = nullptr;
     if (__atomic_load_n(&lang.loaded, __ATOMIC_ACQUIRE) == 0)
-        handle = load_directory(directory, languages);
+        handle = load();
     else
         LogPrint(1, "lang_locale_load: ERROR the texts are loaded already\n");
     const lang_locale_t *taken = nullptr;
@@ -388,6 +441,26 @@ const lang_locale_t *lang_locale_choose(const char *directory, const char *langu
     }
     pthread_mutex_unlock(&loading);
     return taken;
+}
+
+} // namespace
+
+const lang_locale_t *lang_locale_choose(const char *directory, const char *languages)
+{
+    return load_process_wide([=] { return load_directory(directory, languages); });
+}
+
+const lang_locale_t *lang_locale_memory(const char *directory, const char *languages,
+                                        const void *data, std::size_t size)
+{
+    return load_process_wide([=] {
+        return load_memory(directory, languages, {static_cast<const char *>(data), size});
+    });
+}
+
+const lang_locale_t *lang_load_memory(const void *data, std::size_t size)
+{
+    return lang_locale_memory(nullptr, nullptr, data, size);
 }
 
 const lang_locale_t *lang_locale_load(const char *directory)

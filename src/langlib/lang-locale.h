@@ -5,21 +5,20 @@
  * The user's language, plural forms, and formats that no translation can break. Stands beside
  * lang.h, whose rules 1 to 5 hold here too.
  *
- *     #define NOTES "%d note|%d notes"
- *
  *     lang_locale_load("/usr/share/viewer/texts");
- *     const char *text = lang_get_string("list", NOTES);
- *     printf(lang_format_or(lang_plural(text, n), lang_plural(NOTES, n)), n);
+ *     printf(lang_text("list", "Notes of %s"), name);
+ *     printf(lang_count("list", "%d note|%d notes", n), n);
  *     lang_de_init();
  *
  * All texts are UTF-8. What comes back as const belongs to the library; each function says how long
  * it lives.
  *
- * Threads: once a file is loaded, any number of threads may call lang_plural, lang_plural_of,
- * lang_format_or and lang_locale_of at once, beside all that lang.h lets them call.
- * lang_locale_load and lang_locale_choose are safe while other threads ask for texts (the request
- * words of lang.h, and the four above): until the load is complete they get items.
- * Both are refused while the process-wide handle is loaded, so nothing is ever taken from under a
+ * Threads: once a file is loaded, any number of threads may call lang_text, lang_count,
+ * lang_plural, lang_plural_of, lang_format_or and lang_locale_of at once, beside all that lang.h
+ * lets them call. lang_locale_load, lang_locale_choose, lang_load_memory and lang_locale_memory are
+ * safe while other threads ask for texts (the request words of lang.h, and the six above): until
+ * the load is complete they get items.
+ * They are refused while the process-wide handle is loaded, so nothing is ever taken from under a
  * thread; to load again, call lang_de_init first, at a time when no other thread is in the library.
  * lang_locale_list and lang_locale_new may be called from any thread as long as no log is being
  * opened or closed and none changes the environment; lang_locale_chain is for a time when nobody
@@ -31,6 +30,34 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/* ---- Requests for printf ----------------------------------------------------------------------
+ *
+ * `lang check` finds these two in code, in exactly these letters. Group and item are string
+ * literals, names that a #define of the same file gives one, or several of these side by side,
+ * "Two pieces " "of one text".
+ */
+
+/* A text, for printf or to be shown as it is. A translation that printf may not have in the item's
+ * place (by the rules of lang_format_or below) counts as missing. So does every translation of an
+ * item that breaks these rules itself: "100 % sure", which is not for printf, is asked for with
+ * lang_get_string. */
+#define lang_text(group, item) _lang_text(NULL, (group), (item), __FILE__, __LINE__)
+
+/* The form of a text that a whole number takes (by the rules of lang_plural below). The item holds
+ * the forms of the language that the program is written in, "%d note|%d notes", and the same
+ * arguments are for all of them. Where the translation's form fits none of the item's, the item's
+ * form for the number comes back. It lives until lang_de_init; that of a handle no longer than the
+ * handle's texts. */
+#define lang_count(group, forms, number)                                                           \
+    _lang_count(NULL, (group), (forms), (number), __FILE__, __LINE__)
+
+/* What these words call; the texts of a handle, null stands for the process-wide one. */
+LANG_FORMAT_ARG(3)
+const char *_lang_text(lang_handle_t *handle, const char *group, const char *item, const char *file,
+                       int line);
+const char *_lang_count(lang_handle_t *handle, const char *group, const char *forms, int64_t number,
+                        const char *file, int line);
 
 /* ---- Which file ------------------------------------------------------------------------------
  *
@@ -75,11 +102,20 @@ const lang_locale_t *lang_locale_load(const char *directory);
  * "de_AT:fr". Null stands for the environment. */
 const lang_locale_t *lang_locale_choose(const char *directory, const char *languages);
 
-/* The same as a new handle, released with lang_free(handle, 1), which releases its chain. Null when
- * there is nothing to load. */
+/* The same for texts in the program: data is one compiled file, or all languages in one block, as
+ * lang_add_texts(... EMBED) of CMake and "lang-build embed" make it; it is only read, during the
+ * call. The first takes the best for the user's language. With the second, files of a directory
+ * (which may be null or not there) win: in each language, what the directory has comes before what
+ * the program has. The record's path is a name in the block. */
+const lang_locale_t *lang_load_memory(const void *data, size_t size);
+const lang_locale_t *lang_locale_memory(const char *directory, const char *languages,
+                                        const void *data, size_t size);
+
+/* What lang_locale_choose takes as a new handle, released with lang_free(handle, 1), which releases
+ * its chain. Null when there is nothing to load. */
 lang_handle_t *lang_locale_new(const char *directory, const char *languages);
 
-/* What one of these three took for the handle (null: the process-wide one); null when it was loaded
+/* What one of these took for the handle (null: the process-wide one); null when it was loaded
  * otherwise. It lives as long as the handle's texts. */
 const lang_locale_t *lang_locale_of(const lang_handle_t *handle);
 
@@ -143,11 +179,8 @@ const char *lang_plural_of(lang_handle_t *handle, const char *text, int64_t numb
  * "*" or anything unknown it does not fit, not even where the item has the same. Else the item: an
  * item that breaks these rules is always given back itself. A null text gives the item, a null item
  * an empty text. Nothing is copied: the result is one of the two pointers. */
-#ifdef __GNUC__
-__attribute__((format_arg(2))) /* the compiler compares printf's arguments with the item */
-#endif
-const char *
-lang_format_or(const char *text, const char *item);
+LANG_FORMAT_ARG(2)
+const char *lang_format_or(const char *text, const char *item);
 
 #ifdef __cplusplus
 }

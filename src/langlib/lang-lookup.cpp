@@ -1,6 +1,6 @@
 // Requests for plain texts.
 
-#include "langlib/lang.h"
+#include "langlib/lang-lookup.h"
 
 #include "langlib/lang-load.h"
 #include "langlib/lang-table.h"
@@ -31,17 +31,23 @@ const lang_text_t *find_text(const lang_handle_t *handle, const char *group, con
 
 // Asks the chain of a handle for a text that the handle lacks, or has only as a stand-in from the
 // default language. A stand-in is better than none.
-const lang_text_t *ask_chain(const lang_handle_t *handle, const lang_text_t *stand_in,
-                             const char *group, const char *item)
+zel::asked_text ask_chain(zel::asked_text stand_in, const char *group, const char *item)
 {
+    const lang_handle_t *handle = stand_in.home;
     while (handle->index != nullptr && (handle = zel::link_of(handle->index).next) != nullptr) {
         const lang_text_t *text = handle->loaded != 0 ? find_text(handle, group, item) : nullptr;
         if (text != nullptr && text->is_default == 0)
-            return text;
-        if (stand_in == nullptr)
-            stand_in = text;
+            return {handle, text};
+        if (stand_in.text == nullptr)
+            stand_in = {text == nullptr ? stand_in.home : handle, text};
     }
     return stand_in;
+}
+
+// Once this is set, everything in the handle is complete, whichever thread loaded it.
+bool is_loaded(const lang_handle_t *handle)
+{
+    return __atomic_load_n(&handle->loaded, __ATOMIC_ACQUIRE) != 0;
 }
 
 // A request without an item still gets a text.
@@ -49,19 +55,30 @@ const char *untranslated(const char *item) { return item == nullptr ? "" : item;
 
 } // namespace
 
+zel::asked_text zel::ask(lang_handle_t *handle, const char *group, const char *item,
+                         const char *file, int line)
+{
+    if (handle == nullptr)
+        handle = &lang;
+    if (!is_loaded(handle))
+        return {handle, nullptr};
+    asked_text found{handle, find_text(handle, group, item)};
+    if ((found.text == nullptr || found.text->is_default != 0) && handle->import_mode == 0)
+        found = ask_chain(found, group, item);
+    if (found.text == nullptr)
+        log_missing(group, item, file, line);
+    return found;
+}
+
 const char *__lang_get_str(lang_handle_t *handle, const char *group, const char *item,
                            std::int32_t *found, const char *file, int line)
 {
     if (handle == nullptr)
         handle = &lang;
-    // Once this is set, everything in the handle is complete, whichever thread loaded it.
-    if (__atomic_load_n(&handle->loaded, __ATOMIC_ACQUIRE) == 0)
+    if (!is_loaded(handle))
         return untranslated(item);
-    const lang_text_t *text = find_text(handle, group, item);
-    if ((text == nullptr || text->is_default != 0) && handle->import_mode == 0)
-        text = ask_chain(handle, text, group, item);
+    const lang_text_t *text = zel::ask(handle, group, item, file, line).text;
     if (text == nullptr) {
-        log_missing(group, item, file, line);
         if (handle->import_mode != 0)
             return nullptr;
         if (found != nullptr)

@@ -1,14 +1,16 @@
 // The form of a text that a number takes.
 
-#include "langlib/lang-locale.h"
+#include "langlib/lang-plural.h"
 
 #include "langlib/form-store.h"
 #include "langlib/lang-load.h"
+#include "langlib/lang-locale.h"
 #include "langlib/lang-table.h"
 #include "langlib/languages.h"
 #include "langlib/plural-rule.h"
 
 #include <cstring>
+#include <iterator>
 
 namespace {
 
@@ -27,7 +29,7 @@ std::string_view rule_of(const lang_handle_t *handle)
         rule = found ? row.plural.data() : "\n";
         __atomic_store_n(&known, rule, __ATOMIC_RELAXED);
     }
-    return {rule, std::strcspn(rule, "\n")};
+    return {rule, static_cast<std::size_t>(std::strchr(rule, '\n') - rule)};
 }
 
 // The handle of a chain in whose file the text lies, or null.
@@ -41,19 +43,52 @@ const lang_handle_t *home_of(const lang_handle_t *handle, const char *text)
     return nullptr;
 }
 
-// The rule that a text with so many forms is written for; empty for that of English.
-std::string_view rule_for(const lang_handle_t *handle, const char *text, std::size_t count)
+// The rule that a text with so many forms is written for; empty for that of English. Home is the
+// handle in whose file it lies, or null.
+std::string_view rule_for(const lang_handle_t *handle, const lang_handle_t *home, const char *text,
+                          std::size_t count)
 {
-    if (__atomic_load_n(&handle->loaded, __ATOMIC_ACQUIRE) == 0 || handle->index == nullptr)
-        return {};
-    const lang_handle_t *home = home_of(handle, text);
     const bool is_item = home == nullptr || text[-1] == zel::stand_in_mark;
     if (is_item && count == 2)
         return {};
     return rule_of(home == nullptr ? handle : home);
 }
 
+// Reading a rule takes longer than all else of a request, and most numbers are small: what was
+// found for these is kept. The rules stand in one table, so half an address tells them apart.
+std::size_t position_by(std::string_view rule, std::size_t count, std::int64_t number)
+{
+    constexpr std::uint64_t most = 1000;
+    static std::uint64_t kept[1024];
+    const auto bits = static_cast<std::uint64_t>(number);
+    const std::uint64_t size = number < 0 ? std::uint64_t{0} - bits : bits;
+    if (size >= most || count >= 16)
+        return zel::plural_form(rule, count, size);
+    const auto address = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(rule.data()));
+    const std::uint64_t key = std::uint64_t{address} << 16 | size << 4 | count;
+    std::uint64_t &row = kept[(size ^ address) % std::size(kept)];
+    const std::uint64_t found = __atomic_load_n(&row, __ATOMIC_RELAXED);
+    if (found >> 4 == key)
+        return found & 15;
+    const std::size_t position = zel::plural_form(rule, count, size);
+    __atomic_store_n(&row, key << 4 | position, __ATOMIC_RELAXED);
+    return position;
+}
+
+bool has_rule(const lang_handle_t *handle)
+{
+    return __atomic_load_n(&handle->loaded, __ATOMIC_ACQUIRE) != 0 && handle->index != nullptr;
+}
+
 } // namespace
+
+std::size_t zel::form_position(const asked_text &asked, std::size_t count, std::int64_t number)
+{
+    const bool known = asked.home->index != nullptr;
+    return position_by(known ? rule_for(asked.home, asked.home, asked.text->value, count)
+                             : std::string_view(),
+                       count, number);
+}
 
 const char *lang_plural_of(lang_handle_t *handle, const char *text, std::int64_t number)
 {
@@ -63,10 +98,12 @@ const char *lang_plural_of(lang_handle_t *handle, const char *text, std::int64_t
     const std::size_t count = zel::count_text_forms(all);
     if (count == 1)
         return text;
-    const auto bits = static_cast<std::uint64_t>(number);
+    if (handle == nullptr)
+        handle = &lang;
     const std::size_t position =
-        zel::plural_form(rule_for(handle == nullptr ? &lang : handle, text, count), count,
-                         number < 0 ? std::uint64_t{0} - bits : bits);
+        position_by(has_rule(handle) ? rule_for(handle, home_of(handle, text), text, count)
+                                     : std::string_view(),
+                    count, number);
     // The last form ends where the text ends, so it needs no copy.
     const std::string_view last = zel::text_form(all, count - 1);
     if (position + 1 == count)

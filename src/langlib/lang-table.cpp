@@ -232,7 +232,7 @@ void build_index(const lang_handle_t *handle, sort_rows rows)
         if (next - first > 1)
             slot = static_cast<std::uint32_t>(zel::lang_table_bisect(handle, entry->text.key) -
                                               handle->lang);
-        if (entry->too_long == 0 && !enter(index, entry->hash, slot)) {
+        if ((entry->state & zel::key_too_long) == 0 && !enter(index, entry->hash, slot)) {
             index->rows = nullptr;
             return;
         }

@@ -78,10 +78,20 @@ lang_link &link_of(lang_index *store);
 // An entry of a handle, in its store.
 struct lang_entry {
     lang_text_t text;
-    std::uint32_t hash;     // of the key
-    std::uint32_t too_long; // 1: no request forms a key of this length
-    // key and value follow, each with its NUL; the byte before the value is a mark, or 0
+    std::uint32_t hash;  // of the key
+    std::uint32_t state; // key_too_long, and what checked requests keep (lang-checked.cpp)
+    // key and value follow, each with its NUL; the byte before the value is a mark, or 0. A value
+    // of several forms follows again, with a NUL behind each of them
 };
+
+// No request forms a key of this length.
+inline constexpr std::uint32_t key_too_long = 1U << 31;
+
+// The entry whose key a slot of a handle with an index shows.
+inline lang_entry *entry_of(const lang_text_t *slot)
+{
+    return reinterpret_cast<lang_entry *>(slot->key) - 1;
+}
 
 // Marks a text of the default language that stands in, for those who have nothing but the text.
 inline constexpr char stand_in_mark = '\1';

@@ -36,6 +36,14 @@
 #include <stdint.h>
 #include <stdio.h>
 
+/* The compiler compares printf's arguments with the item, which is that argument of a request. A
+ * text that holds several forms is no format, and has no such mark. */
+#ifdef __GNUC__
+#define LANG_FORMAT_ARG(argument) __attribute__((__format_arg__(argument)))
+#else
+#define LANG_FORMAT_ARG(argument)
+#endif
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -43,7 +51,8 @@ extern "C" {
 /* ---- Requests ---------------------------------------------------------------------------------
  *
  * The words that `lang check` looks for in an application's sources, with their arguments in the
- * order in which it reads them. Group and description are string literals; the item is a string
+ * order in which it reads them. For printf, and for texts with a number, take lang_text and
+ * lang_count of lang-locale.h. Group and description are string literals; the item is a string
  * literal, or a name that a #define of the same file gives one. Only lang_get, lang_get_fmt,
  * lang_sym and lang_dummy may have an item of adjacent literals, "Two pieces " "of one text": of
  * any other request's, lang check reads the first one alone, and the text is never translated. The
@@ -166,9 +175,12 @@ void lang_ref_dec(lang_handle_t *handle);
 const char *__lang_get_str(lang_handle_t *handle, const char *group, const char *item,
                            int32_t *found, const char *file, int line);
 
+LANG_FORMAT_ARG(3)
 const char *_lang_get_str(lang_handle_t *handle, const char *group, const char *item,
                           const char *file, int line);
+LANG_FORMAT_ARG(2)
 const char *_lang_get_string(const char *group, const char *item, const char *file, int line);
+LANG_FORMAT_ARG(2)
 const char *_lang_tooltip(const char *group, const char *item, const char *file, int line);
 const char *_lang_str(const char *group, const char *item, const char *file, int line);
 const char *_lang_get_string_fmt(const char *description, const char *group, const char *item,

@@ -60,6 +60,17 @@ bool condition_holds(std::string_view condition, std::uint64_t n)
     return holds;
 }
 
+// Most texts and rules are short, so that looking for the next sign is quicker than at each byte.
+std::size_t count_signs(std::string_view text, char sign)
+{
+    std::size_t count = 0;
+    for (std::size_t at = 0; (at = text.find(sign, at)) != text.npos; ++at)
+        ++count;
+    return count;
+}
+
+constexpr char rare_sign = '~';
+
 struct form {
     std::string_view name;
     std::string_view condition;
@@ -70,19 +81,17 @@ form take_form(std::string_view &rule)
 {
     form taken{{}, cut_at(rule, ';'), false};
     taken.name = cut_at(taken.condition, ':');
-    taken.is_rare = taken.name.ends_with('~');
+    taken.is_rare = taken.name.ends_with(rare_sign);
     taken.name.remove_suffix(taken.is_rare ? 1 : 0);
     return taken;
 }
 
 plural_forms count_forms(std::string_view edition)
 {
-    plural_forms counted;
-    while (!edition.empty()) {
-        ++counted.all;
-        counted.everyday += take_form(edition).is_rare ? 0 : 1;
-    }
-    return counted;
+    if (edition.empty())
+        return {};
+    const std::size_t all = 1 + count_signs(edition, ';');
+    return {all, all - count_signs(edition, rare_sign)};
 }
 
 constexpr char edition_sign = '/';
@@ -145,10 +154,7 @@ std::size_t plural_form(std::string_view rule, std::size_t count, std::uint64_t 
     return std::min(position, count - 1);
 }
 
-std::size_t count_text_forms(std::string_view text)
-{
-    return 1 + static_cast<std::size_t>(std::count(text.begin(), text.end(), plural_sign));
-}
+std::size_t count_text_forms(std::string_view text) { return 1 + count_signs(text, plural_sign); }
 
 std::string_view text_form(std::string_view text, std::size_t form)
 {

@@ -96,6 +96,11 @@ INSTANTIATE_TEST_SUITE_P(
         Code{"lang_tooltip(GROUP, \"a\")", {"1:0 unread group no literal"}},
         Code{"lang_get(\"d\", \"g\", x ? \"a\" : \"b\")",
              {"1:0 unread item no literal", "1:19 new g/ab"}},
+        Code{"lang_text(\"g\", \"a\" \"b\") lang_count(g, \"a|b\", n) "
+             "lang_count(\"g\", \"a|b\", f(lang_text(\"g\", \"c\")))",
+             {"1:15 new g/ab", "1:24 unread group no literal", "1:88 new g/c", "1:64 new g/a|b"}},
+        Code{"#define A \"a\"\n#undef A\n#define A \"b\"\nlang_text(\"g\", A)",
+             {"4:0 unread item two values", "4:15 new g/a"}},
         Code{"lang_get(d, \"g\", \"a\")", {"1:0 unread description no literal"}},
         Code{"lang_sym(\"s\", \"d\", \"g\", \"a\")", {"1:0 unread symbol no literal"}},
         Code{"lang_get_str(f(1, 2), \"g\", \"a\")", {"1:0 unread group no literal"}},

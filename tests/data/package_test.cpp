@@ -57,7 +57,8 @@ bool covers(const std::string &pattern, const std::string &path)
 TEST(PackageSlow, EachInstalledFileIsInOnePackage)
 {
     std::vector<std::string> patterns;
-    for (const char *package : {"lang", "lang-editor", "lang-kit", "liblang1", "liblang-dev"}) {
+    for (const char *package :
+         {"lang", "lang-editor", "lang-kit", "liblang1", "liblang-dev", "python3-lang"}) {
         std::istringstream lines(text_of(std::string("debian/") + package + ".install"));
         for (std::string line; std::getline(lines, line);)
             patterns.push_back(as_built(line));

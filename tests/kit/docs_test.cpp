@@ -155,17 +155,17 @@ TEST(WindowSlow, TheFirstOne)
     EXPECT_EQ(titles, "My notes\nTarvik language editor version 1.4\nMeine Notizen\n");
 }
 
-class Story : public testing::TestWithParam<const char *> {};
+class Story : public testing::TestWithParam<std::string> {};
 
 TEST_P(Story, CommandsDoWhatIsSaid)
 {
     add_programs_to_path();
-    const std::string document = read_file(std::string(root) + "/" + GetParam());
+    const std::string document = read_file(root + ("/" + GetParam()));
     if (document.find("lconvert") != std::string::npos &&
         std::system("command -v lconvert >/dev/null") != 0)
         return zel_test::missing("lconvert");
     const zel_test::temp_dir dir(zel_test::temp_dir::enter::yes);
-    const bool is_page = std::string(GetParam()).starts_with("tests/");
+    const bool is_page = GetParam().starts_with("tests/");
     if (is_page)
         write_file("menu.lang-src",
                    read_file(std::string(root) + "/tests/kit/pages/menu.lang-src"));
@@ -178,33 +178,37 @@ TEST_P(Story, CommandsDoWhatIsSaid)
     EXPECT_GE(count, 4U);
 }
 
-std::string name_of_page(const testing::TestParamInfo<const char *> &page)
+std::string name_of_page(const testing::TestParamInfo<std::string> &page)
 {
     std::string name = std::filesystem::path(page.param).stem();
     std::replace(name.begin(), name.end(), '-', '_');
     return name;
 }
 
+// Every page of the folder is played.
+std::vector<std::string> pages()
+{
+    std::vector<std::string> out;
+    for (const auto &one : std::filesystem::directory_iterator(LANG_SOURCE_ROOT "/tests/kit/pages"))
+        if (one.path().extension() == ".md")
+            out.push_back("tests/kit/pages/" + one.path().filename().string());
+    std::sort(out.begin(), out.end());
+    return out;
+}
+
 INSTANTIATE_TEST_SUITE_P(ComingOver, Story,
                          testing::Values("docs/from-po.md", "docs/from-ts.md", "docs/from-json.md"),
                          name_of_page);
-INSTANTIATE_TEST_SUITE_P(Words, Story,
-                         testing::Values("tests/kit/pages/check.md", "tests/kit/pages/diff.md",
-                                         "tests/kit/pages/exchange.md", "tests/kit/pages/fill.md",
-                                         "tests/kit/pages/import-new.md", "tests/kit/pages/lint.md",
-                                         "tests/kit/pages/merge.md", "tests/kit/pages/pseudo.md",
-                                         "tests/kit/pages/report.md", "tests/kit/pages/show.md",
-                                         "tests/kit/pages/start.md", "tests/kit/pages/stat.md"),
-                         name_of_page);
+INSTANTIATE_TEST_SUITE_P(Words, Story, testing::ValuesIn(pages()), name_of_page);
 
-class DocsSlow : public testing::TestWithParam<const char *> {};
+class DocsSlow : public testing::TestWithParam<std::string> {};
 
 TEST_P(DocsSlow, CommandsDoWhatIsSaid)
 {
     add_programs_to_path();
     std::size_t count = 0;
     const std::regex door(R"(\./dev kit )"); // of a clone
-    const std::string document = read_file(std::string(root) + "/" + GetParam());
+    const std::string document = read_file(root + ("/" + GetParam()));
     for (const section &part : sections_of(std::regex_replace(document, door, "lang-kit "))) {
         const zel_test::temp_dir dir(zel_test::temp_dir::enter::yes);
         std::filesystem::create_directories("examples");

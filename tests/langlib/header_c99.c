@@ -91,6 +91,10 @@ static int check_locale(const char *directory)
     CHECK(lang_locale_load(directory) == NULL); /* it is loaded */
     sprintf(text, lang_format_or(lang_plural(lang_get_string("g", NOTES), 1), "%d note"), 1);
     CHECK(strcmp(text, "1 Notiz") == 0);
+    sprintf(text, lang_count("g", NOTES, (size_t)2), 2);
+    CHECK(strcmp(text, "2 Notizen") == 0);
+    sprintf(text, lang_text("g", "%s" NAME), "an ");
+    CHECK(strcmp(text, "an item") == 0);
     CHECK(lang_locale_chain(NULL, NULL) == 0);
     lang_de_init();
     return 0;

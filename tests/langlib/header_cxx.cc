@@ -20,10 +20,12 @@ int main()
                                 "in two "
                                 "parts");
     char *owned = lang_sym(nullptr, "note", "g", "%PERCENT%");
+    const char *counted = lang_count("g", "%d|%d.", 2L);
     const char *fitting = lang_format_or(lang_plural("%d|%d.", 1), "%d");
-    const bool good = std::strcmp(fitting, "%d") == 0 && std::strcmp(text, "in two parts") == 0 &&
-                      std::strcmp(owned, "%PERCENT%") == 0 && lang == 1 &&
-                      std::strcmp(log_init, "mine") == 0;
+    const bool good =
+        std::strcmp(counted, "%d.") == 0 && std::strcmp(lang_text("g", "%s"), "%s") == 0 &&
+        std::strcmp(fitting, "%d") == 0 && std::strcmp(text, "in two parts") == 0 &&
+        std::strcmp(owned, "%PERCENT%") == 0 && lang == 1 && std::strcmp(log_init, "mine") == 0;
     std::free(owned);
     lang_de_init();
     checked = true;

@@ -57,6 +57,35 @@ $c_compile $(pkg-config --cflags lang) -o static app.c ${LDFLAGS:-} "$libdir/lib
     $(pkg-config --libs --static lang | sed 's/ *-llang//')
 LD_LIBRARY_PATH= ./static || fail "application with the static library"
 
+# Every standard takes the headers, and the compiler compares printf's arguments with the items: what
+# stands behind "-" is refused.
+flags="-Wall -Wextra -Wpedantic -Werror -fsyntax-only $(pkg-config --cflags lang)"
+for std in c99 c11 c17 c2x; do
+    ${CC:-cc} -std=$std $flags "$source/tests/langlib/header_c99.c" || fail "the headers as $std"
+done
+for std in c++11 c++14 c++17 c++20 c++2b; do
+    ${CXX:-c++} -std=$std $flags "$source/tests/langlib/header_cxx.cc" || fail "the headers as $std"
+done
+while read -r sign statement; do
+    printf '#include <lang-locale.h>\nvoid f(lang_handle_t *h, int n);\nvoid f(lang_handle_t *h, int n)\n{\n    (void)h, (void)n;\n    %s;\n}\n' "$statement" >format.c
+    for compiler in "${CC:-cc} -x c" "${CXX:-c++} -x c++"; do
+        judged=+
+        $compiler $flags format.c 2>format.txt || judged=-
+        [ "$judged" = "$sign" ] || { cat format.txt; fail "$compiler: $sign $statement"; }
+    done
+done <<'TEXT'
++ printf(lang_get_string("m", "%d files"), 3)
+- printf(lang_get_string("m", "%d files"), "abc")
++ puts(lang_get_string("m", "100 % sure"))
+- printf(lang_tooltip("m", "%s"), n)
+- printf(lang_get_str(h, "m", "%s"), n)
+- printf(lang_get("note", "m", "%s"), n)
+- printf(lang_text("m", "Hello %s"))
++ printf(lang_text("m", "Hello %s"), "Ada")
++ printf(lang_count("m", "%d tour|%d tours", n), n)
++ printf(lang_plural(lang_get_string("m", "%d tour|%d tours"), n), n)
+TEXT
+
 mkdir cmake-app
 cp app.c cmake-app
 cp app.c cmake-app/app.cpp

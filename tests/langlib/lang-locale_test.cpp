@@ -308,4 +308,61 @@ TEST_F(Locale, TheListSaysWhatIsThere)
     EXPECT_EQ(lang_locale_new("texts", "tlh"), nullptr);
 }
 
+// A block of several compiled files, as a build puts it into a program.
+std::string block(std::initializer_list<std::pair<const char *, std::string>> files)
+{
+    std::string all = "lang-texts 1\n";
+    for (const auto &[name, text] : files)
+        all += std::string(name) + " " + std::to_string(text.size()) + "\n" + text + "\n";
+    return all;
+}
+
+// The text "who" and the files of the chain after a load; empty for none.
+std::string who(const lang_locale_t *taken)
+{
+    std::string files;
+    for (const lang_locale_t *one = taken; one != nullptr; one = one->next)
+        files += " " + std::string(one->path);
+    const std::string text = lang_get_string("g", "who");
+    lang_de_init();
+    return files.empty() ? files : text + files;
+}
+
+TEST_F(Locale, TextsInMemoryStandBehindFiles)
+{
+    const std::string all =
+        block({{"german.lang", "GROUP g who { \"Programm\" }"},
+               {"a b/x y.lang", "LANGUAGE French GROUP g who { \"programme\" }"},
+               {"default.lang", "GROUP g who { \"program\" }"}});
+    const auto from = [&](const char *directory, const char *languages, std::size_t size) {
+        return who(lang_locale_memory(directory, languages, all.data(), size));
+    };
+    setenv("LANG", "fr_CA.UTF-8", 1);
+    EXPECT_EQ(who(lang_load_memory(all.data(), all.size())), "programme a b/x y.lang default.lang");
+    put("de.lang", "German");
+    EXPECT_EQ(from("texts", "de_AT", all.size()), "de.lang texts/de.lang default.lang");
+    EXPECT_EQ(from("texts", "fr:de", all.size()),
+              "programme a b/x y.lang texts/de.lang default.lang");
+    EXPECT_EQ(from("nowhere", "de", all.size()), "Programm german.lang default.lang");
+    // One compiled file alone; what is damaged, and what is refused.
+    const std::string one = "LANGUAGE German GROUP g who { \"ein\" }";
+    EXPECT_EQ(who(lang_locale_memory(nullptr, "de", one.data(), one.size())), "ein memory.lang");
+    EXPECT_EQ(who(lang_locale_memory(nullptr, "fr", one.data(), one.size())), "");
+    EXPECT_EQ(who(lang_locale_memory("texts", "de", nullptr, 0)), "de.lang texts/de.lang");
+    for (std::size_t size = 0; size < all.size(); ++size) {
+        // A copy of that size, so that a sanitizer sees what is read behind it.
+        const std::vector<char> cut(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(size));
+        const std::string found =
+            who(lang_locale_memory(nullptr, "de", size == 0 ? "" : cut.data(), size));
+        EXPECT_TRUE(found.empty() || found == "Programm german.lang") << size;
+    }
+    for (const char *head : {"german.lang x\n", "german.lang\n", "german.lang -1\n", "german 1\n",
+                             "german.lang 99999999999999999999\n", "german.lang 5\nabcde"}) {
+        const std::string bad = "lang-texts 1\n" + std::string(head);
+        EXPECT_EQ(who(lang_load_memory(bad.data(), bad.size())), "") << head;
+    }
+    ASSERT_NE(lang_locale_memory(nullptr, "de", all.data(), all.size()), nullptr);
+    EXPECT_EQ(lang_load_memory(all.data(), all.size()), nullptr) << "loaded already";
+}
+
 } // namespace

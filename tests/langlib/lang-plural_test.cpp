@@ -140,4 +140,57 @@ TEST_F(Plural, TheProcessWideLanguageDecides)
     EXPECT_STREQ(form, "few");
 }
 
+struct Request {
+    const char *language;
+    const char *item;
+    const char *text;
+    std::int64_t number;
+    const char *form;
+};
+
+TEST_F(Plural, ARequestWithANumber)
+{
+    const char *item = "%d note|%d notes";
+    const char *written = "One note|%d notes";
+    const Request rows[] = {
+        {"german", item, "%d Notiz|%d Notizen", 1, "%d Notiz"},
+        {"german", item, "%d Notiz|%d Notizen", -5, "%d Notizen"},
+        {"japanese", item, "%d", 1, "%d"},
+        {"english", item, item, 2, "%d notes"},
+        {"polish", "a|b|c", "x|y|z", 22, "y"},
+        // What fits any form of the item stands for each of them.
+        {"german", written, "Eine Notiz|%d Notizen", 1, "Eine Notiz"},
+        {"russian", written, "%d a|%d b|%d c", 21, "%d a"},
+        {"russian", written, "%d a|%d b|keine", 5, "keine"},
+        // What fits none: the item's form for the number, in English.
+        {"german", item, "Eine Notiz|%d Notizen", 1, "%d note"},
+        {"russian", item, "%d a|%d b|%n", 20, "%d notes"},
+        {"russian", item, "%s|%d b|%d c", 21, "%d notes"},
+        {"german", "%.4s: %d|%.4s: %d", "%2$d %1$.3s|%s: %d", 1, "%2$d %1$.3s"},
+        {"german", "%.4s: %d|%.4s: %d", "%2$d %1$.3s|%s: %d", 2, "%.4s: %d"},
+        {"german", "%d%|%d", "%d %|%d", 1, "%d%"},
+    };
+    for (const Request &row : rows) {
+        lang_de_init();
+        load_process_wide("LANGUAGE " + std::string(row.language) + " GROUP g \"" + row.item +
+                          "\" { \"" + row.text + "\" }");
+        std::int64_t n = row.number;
+        EXPECT_STREQ(lang_count("g", row.item, n++), row.form) << row.language << ' ' << row.text;
+        EXPECT_EQ(n, row.number + 1);
+    }
+    const handle_guard other = load("GROUP g a { \"b\" }");
+    EXPECT_STREQ(_lang_count(other.get(), "g", item, 1, "", 1), "%d note");
+    EXPECT_STREQ(lang_count("g", nullptr, 1), "");
+}
+
+TEST_F(Plural, ARequestForAFormat)
+{
+    load_process_wide("GROUP g \"Hello %s\" { \"Hallo %s\" } \"%s of %d\" { \"%d von %s\" } "
+                      "\"100 % sure\" { \"sicher\" }");
+    EXPECT_STREQ(lang_text("g", "Hello %s"), "Hallo %s");
+    EXPECT_STREQ(lang_text("g", "%s of %d"), "%s of %d");
+    EXPECT_STREQ(lang_text("g", "100 % sure"), "100 % sure");
+    EXPECT_STREQ(lang_text(nullptr, nullptr), "");
+}
+
 } // namespace

@@ -13,6 +13,20 @@ target_compile_options(langlib_cxx_test PRIVATE -Wall -Wextra -Wpedantic -Werror
 set_target_properties(langlib_cxx_test PROPERTIES CXX_STANDARD 11)
 add_test(NAME langlib_cxx COMMAND langlib_cxx_test)
 
+add_executable(langlib_hpp_test langlib/header_hpp.cc)
+target_link_libraries(langlib_hpp_test PRIVATE lang_static)
+target_compile_options(langlib_hpp_test PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Werror)
+set_target_properties(langlib_hpp_test PROPERTIES CXX_STANDARD 17)
+file(MAKE_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/langlib_hpp)
+add_test(NAME langlib_hpp COMMAND langlib_hpp_test ${CMAKE_CURRENT_BINARY_DIR}/langlib_hpp)
+
+# A library with sanitizers cannot be loaded into the interpreter.
+if(NOT LANG_SANITIZE)
+  add_test(NAME langlib_python COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/langlib/python-test)
+  set_tests_properties(langlib_python PROPERTIES ENVIRONMENT
+    "PYTHONPATH=${PROJECT_SOURCE_DIR}/data/python;PYTHONDONTWRITEBYTECODE=1;LANG_LIBRARY=$<TARGET_FILE:lang_shared>")
+endif()
+
 add_test(NAME langlib_install
          COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/langlib/install-test.sh ${CMAKE_COMMAND}
                  ${PROJECT_BINARY_DIR} ${PROJECT_SOURCE_DIR} $<$<TARGET_EXISTS:lang>:$<TARGET_FILE:lang>>)

@@ -43,6 +43,8 @@ bool ask(lang_handle_t *handle, zel_list *symbols, int round)
     const int number = round % 7;
     good = good && is(lang_plural("one|other", number), number == 1 ? "one" : "other");
     good = good && is(lang_plural_of(handle, item, number), item);
+    good = good && is(lang_count("g", "one|other", number), number == 1 ? "eine" : "andere");
+    good = good && is(lang_text("g", item), item);
     good = good && is(lang_format_or(item, "%s"), item) && lang_locale_of(handle) == nullptr;
     good = good && is(lang_tooltip("g", "Open"), "Oeffnen");
     good = good && is(lang_sym_get(symbols, "ONE"), "eins");
@@ -144,6 +146,7 @@ int main(int, char **word)
     if (file == nullptr)
         return 2;
     std::fputs("CTIME 7 GROUP g \"Open\" { \"Oeffnen\" } "
+               "\"one|other\" { \"eine|andere\" } "
                "\"%WHO%\" { \"%WHO%%PERCENT% %ONE%\" }",
                file);
     for (int i = 0; i < rounds; ++i)

@@ -29,26 +29,6 @@ public:
 
 void append_number(std::string &out, std::uint32_t number) { out += std::to_string(number); }
 
-// Appends a message with its line ends as escapes: a finding is one line.
-void append_line(std::string &out, std::string_view message)
-{
-    const auto is_control = [](char c) { return static_cast<unsigned char>(c) < ' '; };
-    if (std::none_of(message.begin(), message.end(), is_control)) {
-        out += message;
-        return;
-    }
-    for (const char c : message) {
-        if (c == '\n')
-            out += "\\n";
-        else if (c == '\r')
-            out += "\\r";
-        else if (c == '\t')
-            out += "\\t";
-        else
-            out += c;
-    }
-}
-
 // FILE:LINE:COLUMN: LEVEL: LANGUAGE: MESSAGE [RULE]
 class text_output final : public lint_output {
 public:

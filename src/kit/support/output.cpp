@@ -1,5 +1,6 @@
 #include "kit/support/output.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include <glib.h>
@@ -32,6 +33,25 @@ void append_escapes(std::string &out, std::string_view text)
 }
 
 } // namespace
+
+void append_line(std::string &out, std::string_view text)
+{
+    const auto is_control = [](char c) { return static_cast<unsigned char>(c) < ' '; };
+    if (std::none_of(text.begin(), text.end(), is_control)) {
+        out += text;
+        return;
+    }
+    for (const char c : text) {
+        if (c == '\n')
+            out += "\\n";
+        else if (c == '\r')
+            out += "\\r";
+        else if (c == '\t')
+            out += "\\t";
+        else
+            out += c;
+    }
+}
 
 void append_json(std::string &out, std::string_view text)
 {

@@ -12,6 +12,9 @@ namespace zel::kit {
 void append_json(std::string &out, std::string_view text);
 void append_json(std::string &out, const char *text);
 
+// Appends a text with its line ends and tabs as escapes, so that it stays one line.
+void append_line(std::string &out, std::string_view text);
+
 // A count and what is counted, in the right number: "1 item", "2 items".
 std::string counted(std::size_t count, const std::string &one);
 

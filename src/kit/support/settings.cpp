@@ -36,6 +36,7 @@ constexpr row rows[] = {
     {"project", "languages", &settings::languages},
     {"lint", "fail-on", nullptr, &settings::fail_on},
     {"lint", "without", &settings::without},
+    {"lint", "baseline", nullptr, &settings::baseline},
 };
 
 const row *find_row(const char *section, const char *key)
@@ -109,6 +110,8 @@ bool read_settings(const std::string &source, settings &out)
     for (std::string &code : out.code)
         if (code.front() != '/')
             code.insert(0, folder);
+    if (!out.baseline.empty() && out.baseline.front() != '/')
+        out.baseline.insert(0, folder);
     return true;
 }
 

@@ -11,6 +11,7 @@
 //   [lint]
 //   fail-on=warning
 //   without=unused,not-ready
+//   baseline=known.txt                from the folder of the settings
 
 #include <string>
 #include <vector>
@@ -24,6 +25,7 @@ struct settings {
     std::vector<std::string> languages;
     std::string fail_on;
     std::vector<std::string> without;
+    std::string baseline; // as a path from the current folder
 };
 
 // Reads the settings beside the source. False after a line on standard error: the file does not

@@ -1,8 +1,11 @@
 #include "kit/support/code-scan.h"
+#include "kit/support/commit-files.h"
+#include "kit/support/known-findings.h"
 #include "kit/support/lint-run.h"
 #include "kit/support/options.h"
 #include "kit/support/output.h"
 #include "kit/support/settings.h"
+#include "kit/support/sources.h"
 #include "kit/words/word-list.h"
 #include "lint/rules.h"
 
@@ -29,12 +32,16 @@ struct counts {
     }
 };
 
-void print_counts(counts found, std::size_t files)
+void print_counts(counts found, std::size_t files, const known_findings *known)
 {
+    std::string beside;
+    if (known != nullptr)
+        beside = "; " + std::to_string(known->taken()) + " known";
     std::fflush(stdout); // last, also where both go to one place
-    std::fprintf(stderr, "%s, %s, %s in %s\n", counted(found[level::error], "error").c_str(),
+    std::fprintf(stderr, "%s, %s, %s in %s%s\n", counted(found[level::error], "error").c_str(),
                  counted(found[level::warning], "warning").c_str(),
-                 counted(found[level::info], "note").c_str(), counted(files, "file").c_str());
+                 counted(found[level::info], "note").c_str(), counted(files, "file").c_str(),
+                 beside.c_str());
 }
 
 void print_rules()
@@ -59,7 +66,7 @@ bool choose_rules(const word &self, const std::vector<std::string> &names, rule_
 
 struct lint_settings {
     std::string format = "text";
-    std::string fail_on, group;
+    std::string fail_on, group, since, baseline, write_baseline;
     std::vector<std::string> only, without, languages, code, keywords;
     bool rules = false;
 };
@@ -77,7 +84,11 @@ bool choose(const word &self, const lint_settings &given, lint::choice &wanted)
 // Judges sources and code, and keeps what came of it.
 class run {
 public:
-    run(const lint::choice &wanted, lint_output &output) : wanted_(wanted), output_(output) {}
+    // Known findings are passed over; null: there are none.
+    run(const lint::choice &wanted, lint_output &output, known_findings *known)
+        : wanted_(wanted), output_(output), known_(known)
+    {
+    }
 
     void judge(const std::string &path)
     {
@@ -119,19 +130,22 @@ public:
     int end(level fail_on)
     {
         output_.end();
-        print_counts(found_, files_);
+        print_counts(found_, files_, known_);
         return unreadable_ ? status_fault : found_.any_from(fail_on) ? status_found : status_fine;
     }
 
 private:
     void add(const shown_finding &one)
     {
+        if (known_ != nullptr && known_->take(one))
+            return;
         ++found_[lint::rule_of(one.rule).severity];
         output_.add(one);
     }
 
     const lint::choice &wanted_;
     lint_output &output_;
+    known_findings *known_;
     counts found_;
     std::vector<std::unique_ptr<lint_source>> sources_; // that were read
     std::size_t files_ = 0;
@@ -150,6 +164,18 @@ std::vector<option> options_for(lint_settings &given)
          .argument = "LEVEL",
          .help = "status 1 from this level on: error, warning or info (error)",
          .text = &given.fail_on},
+        {.name = "since",
+         .argument = "REVISION",
+         .help = "only what was not there in this commit",
+         .text = &given.since},
+        {.name = "baseline",
+         .argument = "FILE",
+         .help = "only what is not in this file",
+         .text = &given.baseline},
+        {.name = "write-baseline",
+         .argument = "FILE",
+         .help = "keep what is found in this file, for --baseline",
+         .text = &given.write_baseline},
         {.name = "only",
          .argument = "RULE,...",
          .help = "only these rules",
@@ -194,6 +220,39 @@ bool take_settings(const std::string &source, lint_settings &given)
     take_setting(given.code, project.code);
     take_setting(given.keywords, project.keywords);
     take_setting(given.group, project.group);
+    take_setting(given.baseline, project.baseline);
+    return true;
+}
+
+// Takes what is found into the known findings.
+class past_output final : public lint_output {
+public:
+    explicit past_output(known_findings &known) : known_(known) {}
+    void add(const shown_finding &found) override { known_.add(found); }
+
+private:
+    known_findings &known_;
+};
+
+// Judges the same files as a commit has them. False after a line.
+bool judge_past(const lint_settings &given, const std::vector<std::string> &sources,
+                const wrapper_words *wrappers, const lint::choice &wanted, known_findings &known)
+{
+    std::vector<std::string> paths = sources;
+    paths.insert(paths.end(), given.code.begin(), given.code.end());
+    commit_files files;
+    if (!files.take(given.since, paths))
+        return false;
+    past_output output(known);
+    run past(wanted, output, nullptr);
+    for (const std::string &path : sources)
+        if (!is_absent(files.place_of(path)))
+            past.judge(files.place_of(path));
+    std::vector<std::string> code;
+    for (const std::string &path : given.code)
+        if (!is_absent(files.place_of(path)))
+            code.push_back(files.place_of(path));
+    past.judge(code, wrappers);
     return true;
 }
 
@@ -220,12 +279,21 @@ int run_lint(const word &self, int argc, char **argv)
     lint::choice wanted;
     if (format < 0 || fail_on < 0 || !choose(self, given, wanted))
         return status_fault;
-    const std::unique_ptr<lint_output> output = make_lint_output(format);
-    run judged(wanted, *output);
+    known_findings known;
+    const bool only_new = !given.since.empty() || !given.baseline.empty();
+    if ((!given.baseline.empty() && !known.read(given.baseline)) ||
+        (!given.since.empty() && !judge_past(given, line.files, wrappers.get(), wanted, known)))
+        return status_fault;
+    const bool writes = !given.write_baseline.empty();
+    baseline_output kept;
+    const std::unique_ptr<lint_output> shown = writes ? nullptr : make_lint_output(format);
+    run judged(wanted, writes ? kept : *shown, only_new ? &known : nullptr);
     for (const std::string &path : line.files)
         judged.judge(path);
     judged.judge(given.code, wrappers.get());
-    const int status = judged.end(static_cast<level>(fail_on));
+    int status = judged.end(static_cast<level>(fail_on));
+    if (writes && status != status_fault)
+        status = kept.write(given.write_baseline) ? status_fine : status_fault;
     // Asked last: only now all sources have been read.
     return judged.knows_languages(self) ? status : status_fault;
 }
