@@ -2,6 +2,7 @@
 
 #include "app/global.h"
 #include "checker/c-skip.h"
+#include "checker/kept-scanner.h"
 #include "source/item-index.h"
 #include "support/string-copy.h"
 #include "support/string.h"
@@ -20,7 +21,6 @@ using namespace zel;
 
 constexpr std::size_t NAME_SIZE = 1024; // of a group, item or place, with the closing NUL
 constexpr std::size_t APP_SIZE = 2048;
-constexpr std::size_t READ_SIZE = 1 << 16;
 using name_buffer = char[NAME_SIZE];
 
 // Every level of strings inside strings needs a longer text around it; deeper ones are no scripts.
@@ -452,32 +452,6 @@ bool may_hold_request(const char *text)
     return mark != nullptr && (std::strpbrk(mark, "\"\r") != nullptr || strcasestr(text, "lang"));
 }
 
-// The scanners that no text needs at the moment. Every file and every literal that may be a script
-// takes one; with a new one for each, checking a tree with requests would take 30 percent longer.
-struct idle_scanners {
-    std::array<zel_lex_t *, 4> kept;
-    std::size_t count;
-};
-idle_scanners idle;
-
-void keep_scanner(zel_lex_t *lex) noexcept
-{
-    const auto is_small = [](const zel_token_t *token) {
-        return token->capacity == ZEL_LEX_LEXEME; // none keeps a long text's room
-    };
-    if (idle.count == idle.kept.size() || !is_small(lex->work) || !is_small(lex->current) ||
-        !is_small(lex->ahead))
-        return _zel_lex_free(lex);
-    zel::restart_scanner(lex);
-    idle.kept[idle.count++] = lex;
-}
-using kept_lex_guard = std::unique_ptr<zel_lex_t, zel::release<keep_scanner>>;
-
-kept_lex_guard take_scanner()
-{
-    return kept_lex_guard(idle.count != 0 ? idle.kept[--idle.count] : zel::new_check_scanner());
-}
-
 // The text of a string literal may be a script with requests of its own.
 int read_text(scan &s, const char *text, place at)
 {
@@ -641,57 +615,9 @@ int get_id_or_string(LangSource *root, symtab_t *symbols, zel_lex_t *lex, char *
     return 0;
 }
 
-int check_c_file(LangSource *root, const char *path)
+int zel::scan_tokens(item_index &index, symtab_t *symbols, const char *path, const scan_how &how,
+                     zel_lex_t *lex)
 {
-    zel::item_index index(root);
-    if (zel::check_file(index, path, {lang_global.start_time, stdout, nullptr, nullptr}) != 0)
-        lang_exit(0);
-    return 0;
+    scan s{index, symbols, path, how};
+    return read_tokens(s, lex);
 }
-
-namespace zel {
-
-zel_lex_t *new_check_scanner() { return zel_lex_new(check_words, check_flags); }
-
-int check_file(item_index &index, const char *path, const scan_how &how)
-{
-    const char *shown = path == nullptr ? "(null)" : path;
-    const symtab_guard symbols(symtab_new());
-    scan s{index, symbols.get(), path, how};
-    say(s, "check c file >%s<\n", shown);
-    kept_lex_guard lex;
-    zel_lex_guard with_wrappers;
-    if (how.wrappers == nullptr)
-        lex = take_scanner();
-    else
-        // Its table has the project's own words, so nobody else can use it.
-        with_wrappers.reset(how.wrappers->new_scanner());
-    zel_lex_t *scanner = how.wrappers == nullptr ? lex.get() : with_wrappers.get();
-    if (scanner == nullptr) {
-        say(s, "ERROR(2): unable to init lexical scanner\n");
-        return -1;
-    }
-    const zel_lex_buf_guard buffer(zel_lex_buf_file_new(path));
-    if (buffer == nullptr) {
-        say(s, "ERROR(3): unable to init lexical scanner\n");
-        return -1;
-    }
-    if (zel_lex_buf_file_get_fp(buffer.get()) == nullptr) {
-        say(s, "ERROR(4): unable to open file %s\n", shown);
-        return -1;
-    }
-    // One area for all files: most are read with one call, and none allocates.
-    static std::array<char, READ_SIZE> area;
-    std::setvbuf(zel_lex_buf_file_get_fp(buffer.get()), area.data(), _IOFBF, area.size());
-    zel_lex_set_buf(scanner, buffer.get());
-    const int result = read_tokens(s, scanner);
-    if (zel_lex_buf_read_failed(buffer.get()) == 0)
-        return result;
-    // Not all of its requests were found: their items would count as unused.
-    if (how.messages != nullptr)
-        std::fprintf(stderr, "check: %s cannot be read to its end: %s\n", shown,
-                     std::strerror(errno));
-    return -1;
-}
-
-} // namespace zel

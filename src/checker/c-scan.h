@@ -68,6 +68,10 @@ struct scan_how {
 // through, after a message: the run must end and the source stay as it was.
 int check_file(item_index &index, const char *path, const scan_how &how);
 
+// What check_file does with the tokens of a file.
+int scan_tokens(item_index &index, symtab_t *symbols, const char *path, const scan_how &how,
+                zel_lex_t *lex);
+
 // A scanner with the words of requests; null without memory.
 [[nodiscard]] zel_lex_t *new_check_scanner();
 
