@@ -44,16 +44,21 @@ inline std::string replace_pattern(const std::string &text, const std::string &p
         }
         return true;
     };
+    // A match can only be around the pattern's first sign that stands for itself.
+    const std::size_t sign = pattern.find_first_not_of("0x");
+    require(sign != pattern.npos, "a pattern without a sign");
     std::string out;
-    for (std::size_t at = 0; at < text.size();) {
+    std::size_t done = 0;
+    for (std::size_t at = 0; (at = text.find(pattern[sign], at + sign)) != text.npos;) {
+        at -= sign;
         if (at + pattern.size() <= text.size() && matches(at)) {
-            out += with;
-            at += pattern.size();
+            out.append(text, done, at - done) += with;
+            done = at += pattern.size();
         } else {
-            out += text[at++];
+            ++at;
         }
     }
-    return out;
+    return out.append(text, done);
 }
 
 // Everything that is logged while it lives, without the stamps.

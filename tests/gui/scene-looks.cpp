@@ -672,7 +672,9 @@ std::string Scene::look(const std::string &name)
     const auto known = looks_at.find(name.substr(0, blank));
     if (blank != name.npos && known != looks_at.end() && named_widgets.count(name) == 0)
         return known->second(*this, name.substr(blank + 1));
-    return text_in(widget(name));
+    GtkWidget *found = widget(name);
+    EXPECT_NE(found, nullptr) << "nothing to look at: " << name;
+    return text_in(found);
 }
 
 } // namespace gui

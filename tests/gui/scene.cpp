@@ -159,7 +159,7 @@ bool register_scenes()
                 rows.push_back(all[at]);
             const std::size_t point = section.find('.');
             if (point == section.npos) {
-                named_sources[section] = text_of_rows(all, section);
+                named_sources.emplace(section, text_of_rows(all, section));
                 continue;
             }
             testing::RegisterTest(section.substr(0, point).c_str(),
