@@ -4,8 +4,11 @@
 #include "exchange/key.h"
 #include "exchange/language-code.h"
 #include "exchange/po-read.h"
+#include "langlib/plural-rule.h"
 #include "source/entry.h"
 #include "support/string-copy.h"
+
+#include <algorithm>
 
 namespace zel::exchange {
 
@@ -73,6 +76,14 @@ std::string_view app_of(std::string_view project)
     return has_version || project.ends_with(" VERSION") ? project.substr(0, blank) : project;
 }
 
+// The ids of a plural as one text; those that hold the sign between forms, or nothing, cannot be.
+bool has_apart_ids(const po_id &id)
+{
+    return id.text->find(plural_sign) != std::string::npos ||
+           id.plural->find(plural_sign) != std::string::npos || without_end(*id.text).empty() ||
+           without_end(*id.plural).empty();
+}
+
 } // namespace
 
 new_source::new_source(const new_request &request)
@@ -104,8 +115,12 @@ std::string new_source::name_language(const std::string &path, std::string_view 
     std::string code(po_header_field(header, "Language"));
     if (name.empty() && code.empty())
         code = code_of(stem_of(path));
+    // Of a word that it does not know the library could not tell how the language counts.
+    const std::string_view word = name_of_code(code);
     if (name.empty())
-        name = code == code_of(name_of_code(code)) ? std::string(name_of_code(code)) : code;
+        name = code == code_of(word) && has_plural_rule(word) == has_plural_rule(code)
+                   ? std::string(word)
+                   : code;
     if (name.empty())
         name = stem_of(path);
     if (codes_.emplace(name, code).second)
@@ -113,11 +128,12 @@ std::string new_source::name_language(const std::string &path, std::string_view 
     return name;
 }
 
-void new_source::take_header(catalog &of, const std::string &path, const po_message &message)
+void new_source::take_header(catalog &of, std::string_view bytes, const po_message &message)
 {
     const std::string &header = message.texts.front();
     of.own = po_header_field(header, "X-Generator") == "lang-kit";
-    of.language = name_language(path, header);
+    of.language = name_language(of.path, header);
+    of.plurals.open(of.language, po_header_field(header, plural_field), plural_line(bytes));
     const std::string app(app_of(po_header_field(header, "Project-Id-Version")));
     if (!app.empty())
         replace_string(source_->app, zel_strdup(app.c_str()));
@@ -163,53 +179,98 @@ std::string new_source::came(const catalog &of, std::string text)
     return text;
 }
 
-// The item for the id or the plural id of a message; made if no catalog has had it before.
-item_t *new_source::item_of(const catalog &of, const po_message &message, const std::string &name)
+// The item for a message's part; made if no catalog has had it before.
+item_t *new_source::item_of(const catalog &of, const po_message &message, const part &one)
 {
     std::string group;
     std::string item_name;
     const bool keyed =
         of.own && message.id.context && split_key(*message.id.context, group, item_name);
-    // Catalogs tell messages apart by context and id together.
+    // Catalogs tell messages apart by context and id together. A text that was no plural in an
+    // older one stays another item: its request is another, too.
     std::string identity = message.id.context ? *message.id.context + context_end : std::string();
     if (!keyed)
-        identity += name;
+        identity += one.plural ? *message.id.text + context_end : one.name;
     item_t *&item = known_[identity];
     if (item != nullptr)
         return item;
-    item =
-        keyed ? make_item(group, item_name, message) : make_item(group_of(message), name, message);
+    item = keyed ? make_item(group, item_name, message)
+                 : make_item(group_of(message), one.name, message);
     // Only an own catalog's item has a reference text besides its name.
-    if (keyed)
-        put_text(item->langs, request_.default_language.c_str(), came(of, name));
+    if (keyed || !one.instead.empty())
+        put_text(item->langs, request_.default_language.c_str(),
+                 came(of, one.instead.empty() ? one.name : one.instead));
     return item;
 }
 
-void new_source::take_text(const catalog &of, const po_message &message, const std::string &name,
-                           const std::string &text)
+void new_source::take_part(const catalog &of, const po_message &message, const part &one)
 {
-    item_t *item = item_of(of, message, name);
-    if (const std::string remarks = told_lines(message.remarks); !remarks.empty())
+    item_t *item = item_of(of, message, one);
+    std::string remarks = told_lines(message.remarks);
+    remarks.append(remarks.empty() || one.remark.empty() ? "" : "\n").append(one.remark);
+    if (!remarks.empty())
         put_text(item->comments, of.language.c_str(), came(of, remarks));
-    if (text.empty())
+    if (one.text.empty())
         return;
-    if (message.fuzzy && !request_.guesses) {
-        ++guesses_;
-        return;
-    }
-    put_text(item->langs, of.language.c_str(), came(of, text));
+    put_text(item->langs, of.language.c_str(), came(of, one.text));
     ++texts_[of.language];
 }
 
-void new_source::take_message(const catalog &of, const po_message &message)
+fault new_source::take_message(catalog &of, const po_message &message)
 {
-    take_text(of, message, *message.id.text, message.texts.front());
-    if (!message.id.plural)
-        return;
+    const bool is_guess = message.fuzzy && !request_.guesses;
+    if (is_guess && std::any_of(message.texts.begin(), message.texts.end(),
+                                [](const std::string &text) { return !text.empty(); }))
+        ++guesses_;
+    if (message.id.plural)
+        return take_plural(of, message, is_guess);
+    take_part(of, message,
+              {*message.id.text, is_guess ? std::string() : message.texts.front(), {}});
+    return {};
+}
+
+fault new_source::take_plural(catalog &of, const po_message &message, bool is_guess)
+{
+    plural_reader::answer forms;
+    if (!is_guess)
+        forms = of.plurals.join(message.texts, message.line);
+    if (forms.wrong)
+        return forms.wrong;
+    if (has_apart_ids(message.id)) {
+        take_apart(of, message, forms);
+        return {};
+    }
+    if (forms.what == plural_reader::outcome::apart)
+        note(of, message.line, "a plural form with \"|\": all forms kept as remarks");
+    part one{*message.id.text + plural_sign + *message.id.plural, forms.text, forms.remark, true};
+    // What an application asks for by one id is its item, and the default language shows that it is
+    // a plural.
+    if (*message.id.plural == *message.id.text) {
+        one.name = *message.id.text;
+        const std::string_view rule = plural_rule_of(request_.default_language);
+        for (std::size_t form = count_plural_forms(rule).everyday; form > 0; --form)
+            one.instead.append(one.instead.empty() ? "" : "|").append(without_end(one.name));
+    }
+    take_part(of, message, one);
+    return {};
+}
+
+// A plural whose ids cannot stand in one text.
+void new_source::take_apart(const catalog &of, const po_message &message,
+                            const plural_reader::answer &forms)
+{
+    note(of, message.line, "a plural's id with \"|\", or without a text: two items");
+    take_part(of, message, {*message.id.text, forms.one, {}});
     if (*message.id.plural != *message.id.text)
-        take_text(of, message, *message.id.plural, message.texts.back());
-    // The first and the last form are taken; those between have no place in a source.
+        take_part(of, message, {*message.id.plural, forms.others, {}});
+    if (forms.what == plural_reader::outcome::untranslated)
+        return;
     forms_ += message.texts.size() > 2 ? static_cast<std::uint32_t>(message.texts.size()) - 2 : 0;
+}
+
+void new_source::note(const catalog &of, std::uint32_t line, const std::string &text)
+{
+    notes_.push_back(of.path + (line == 0 ? "" : ":" + std::to_string(line)) + ": " + text);
 }
 
 fault new_source::take(const std::string &path, std::string_view bytes)
@@ -217,18 +278,25 @@ fault new_source::take(const std::string &path, std::string_view bytes)
     po_reader reader(bytes);
     po_message message;
     catalog of;
-    while (reader.next(message)) {
+    of.path = path;
+    fault wrong;
+    while (!wrong && reader.next(message)) {
         // Of several headers, as in catalogs that were joined, the first one counts.
         if (message.is_header() && of.language.empty()) {
-            take_header(of, path, message);
+            take_header(of, bytes, message);
             continue;
         }
-        if (of.language.empty())
+        if (of.language.empty()) {
             of.language = name_language(path, {});
+            of.plurals.open(of.language, {}, 0);
+        }
         if (!message.obsolete && !message.is_header())
-            take_message(of, message);
+            wrong = take_message(of, message);
     }
-    return reader.wrong();
+    for (const std::string &line : of.plurals.told(true))
+        note(of, 0, line);
+    partly_ += of.plurals.partly();
+    return wrong ? wrong : reader.wrong();
 }
 
 } // namespace zel::exchange

@@ -21,6 +21,11 @@ void print_summary(const exchange::new_source &made, const std::string &path)
     if (made.forms() != 0)
         std::fprintf(stderr, "left out %s between the first and the last\n",
                      counted(made.forms(), "plural form").c_str());
+    if (made.partly() != 0)
+        std::fprintf(stderr, "left out %s without a text for each form\n",
+                     counted(made.partly(), "plural").c_str());
+    for (const std::string &line : made.notes())
+        std::fprintf(stderr, "%s\n", line.c_str());
 }
 
 } // namespace
