@@ -63,6 +63,14 @@ public:
     // Items that are left out because another of that group and name stands before them.
     std::uint32_t repeated() const { return repeated_; }
 
+    // Plurals that a format could not write as they are: with another number of forms than their
+    // language, and those of which a form is empty, which are left out.
+    struct plural_count {
+        std::uint32_t uneven = 0;
+        std::uint32_t partly = 0;
+    };
+    plural_count plurals;
+
     // Calls for each item, once per group and name; the record is good for the call.
     void each_item(const std::function<void(const outgoing_item &)> &write);
 

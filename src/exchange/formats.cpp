@@ -60,6 +60,8 @@ read_answer read_file_texts(const char *format_name, const std::string &path, en
     if (!answer.wrong)
         answer.wrong = row->read(bytes, good, [&](const file_texts &file, text_unit &unit) {
             answer.file.languages = file.languages;
+            answer.file.plural_field = file.plural_field;
+            answer.file.plural_line = file.plural_line;
             answer.file.units.push_back(unit);
         });
     return answer;

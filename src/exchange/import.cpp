@@ -1,7 +1,11 @@
 #include "exchange/import.h"
 
 #include "exchange/language-code.h"
+#include "exchange/po-plural.h"
+#include "langlib/plural-rule.h"
 #include "source/entry.h"
+
+#include <algorithm>
 
 namespace zel::exchange {
 
@@ -29,6 +33,12 @@ bool is_same(std::string_view before, std::string_view after)
             return true;
     }
     return false;
+}
+
+bool has_text(const text_unit &unit)
+{
+    return !unit.text.empty() || std::any_of(unit.forms.begin(), unit.forms.end(),
+                                             [](const std::string &form) { return !form.empty(); });
 }
 
 } // namespace
@@ -75,6 +85,18 @@ std::string_view shown_name(const said_language &said, std::string_view path)
                                 : stem_of(path);
 }
 
+plural_reader::answer join_forms(plural_reader &plurals, text_unit &unit)
+{
+    plural_reader::answer answer;
+    if (unit.forms.empty())
+        return answer;
+    answer = plurals.join(unit.forms, unit.line);
+    unit.text = answer.text;
+    if (!answer.remark.empty())
+        unit.note.text += (unit.note.text.empty() ? "" : "\n") + answer.remark;
+    return answer;
+}
+
 importer::importer(LangSource *source, const import_request &request)
     : source_(source), request_(request), items_(source)
 {
@@ -99,18 +121,43 @@ const char *importer::language_of(const file_texts &file, const text_unit &unit,
 fault importer::take(const format &row, const std::string &path, std::string_view bytes)
 {
     resolved_.clear();
+    plurals_ = {};
+    wrong_ = {};
     // The name of a file with all languages says nothing about any of them.
     const std::string_view named = row.writes == files::per_language ? path : std::string_view();
-    return row.read(bytes, encoding_of(*source_), [&](const file_texts &file, text_unit &unit) {
-        if (const char *language = language_of(file, unit, named))
-            take_unit(language, unit);
-    });
+    fault wrong =
+        row.read(bytes, encoding_of(*source_), [&](const file_texts &file, text_unit &unit) {
+            const std::size_t known = resolved_.size();
+            const char *language = wrong_ ? nullptr : language_of(file, unit, named);
+            if (language != nullptr && known == 0)
+                plurals_.open(language, file.plural_field, file.plural_line);
+            if (language != nullptr)
+                take_unit(language, unit);
+        });
+    return wrong_ ? wrong_ : wrong;
+}
+
+// Puts a plural's forms into one text. False where that cannot be, which is said.
+bool importer::join(const char *language, text_unit &unit)
+{
+    // What is left out as a guess says nothing about the others.
+    if (unit.forms.empty() || (unit.fuzzy && !request_.guesses)) {
+        for (const std::string &form : unit.forms)
+            unit.text.append(unit.text.empty() ? "" : "|").append(form);
+        return true;
+    }
+    const plural_reader::answer answer = join_forms(plurals_, unit);
+    if (answer.wrong)
+        wrong_ = answer.wrong;
+    if (answer.what == plural_reader::outcome::apart)
+        say(import_kind::unfit, unit, language);
+    return !answer.wrong;
 }
 
 void importer::take_unit(const char *language, text_unit &unit)
 {
     // An empty text never deletes one.
-    if (unit.text.empty() && (!request_.comments || unit.note.text.empty()))
+    if (!has_text(unit) && (!request_.comments || unit.note.text.empty()))
         return;
     const indexed_item *found =
         unit.keyed ? items_.find(unit.group.c_str(), unit.item.c_str()) : nullptr;
@@ -118,15 +165,37 @@ void importer::take_unit(const char *language, text_unit &unit)
         say(import_kind::unknown_item, unit, language);
         return;
     }
+    if (!join(language, unit))
+        return;
     take_text(found->item, language, unit);
     if (request_.comments)
         take_comment(found->item, language, unit);
 }
 
+// Whether a text is what the source has. One that came back with more forms or fewer may show the
+// same.
+bool importer::is_same_text(const char *language, const text_unit &unit,
+                            std::string_view before) const
+{
+    return is_same(before, unit.text) ||
+           (!unit.forms.empty() &&
+            shows_the_same(language, without_end(before), without_end(unit.text)));
+}
+
+bool importer::is_outdated(const text_unit &unit, std::string_view reference) const
+{
+    if (unit.reference.empty() || is_same(reference, unit.reference))
+        return false;
+    if (unit.forms.empty() || reference.find(plural_sign) == reference.npos)
+        return true;
+    const plural_ids ids = ids_of_plural(reference, view_of(source_->default_lang));
+    return !is_same(std::string(ids.one) + plural_sign + std::string(ids.others), unit.reference);
+}
+
 void importer::take_text(item_t *item, const char *language, const text_unit &unit)
 {
     std::string before = text_of(find_entry(item->langs, language));
-    if (without_end(unit.text).empty() || is_same(before, unit.text))
+    if (without_end(unit.text).empty() || is_same_text(language, unit, before))
         return;
     if (unit.fuzzy && !request_.guesses) {
         ++guesses_;
@@ -142,7 +211,7 @@ void importer::take_text(item_t *item, const char *language, const text_unit &un
         item->ready = 0;
     ++changed_;
     say(import_kind::text, unit, language, std::move(before), after);
-    if (!unit.reference.empty() && !is_same(reference, unit.reference))
+    if (is_outdated(unit, reference))
         say(import_kind::outdated, unit, language, unit.reference, reference);
 }
 

@@ -3,6 +3,7 @@
 #include "exchange/carry.h"
 #include "exchange/key.h"
 #include "exchange/language-code.h"
+#include "exchange/plural-text.h"
 #include "exchange/po-read.h"
 #include "langlib/plural-rule.h"
 #include "source/entry.h"
@@ -82,6 +83,15 @@ bool has_apart_ids(const po_id &id)
     return id.text->find(plural_sign) != std::string::npos ||
            id.plural->find(plural_sign) != std::string::npos || without_end(*id.text).empty() ||
            without_end(*id.plural).empty();
+}
+
+// Makes the text a language's comment, below the line of flags if it has one.
+void put_comment(item_t *item, const std::string &language, std::string text)
+{
+    const std::string before = text_of(find_entry(item->comments, language.c_str()));
+    if (before.starts_with("flags:"))
+        text.insert(0, before.substr(0, before.find('\n')) + "\n");
+    put_text(item->comments, language.c_str(), text);
 }
 
 } // namespace
@@ -196,10 +206,12 @@ item_t *new_source::item_of(const catalog &of, const po_message &message, const 
         return item;
     item = keyed ? make_item(group, item_name, message)
                  : make_item(group_of(message), one.name, message);
-    // Only an own catalog's item has a reference text besides its name.
-    if (keyed || !one.instead.empty())
-        put_text(item->langs, request_.default_language.c_str(),
-                 came(of, one.instead.empty() ? one.name : one.instead));
+    // An own catalog's item has a reference text besides its name.
+    const std::string text = one.instead.empty() ? one.name : one.instead;
+    if (keyed || text != one.name)
+        put_text(item->langs, request_.default_language.c_str(), came(of, text));
+    if (one.plural && !is_plural_text(text))
+        put_text(item->comments, request_.default_language.c_str(), "flags: plural");
     return item;
 }
 
@@ -209,7 +221,7 @@ void new_source::take_part(const catalog &of, const po_message &message, const p
     std::string remarks = told_lines(message.remarks);
     remarks.append(remarks.empty() || one.remark.empty() ? "" : "\n").append(one.remark);
     if (!remarks.empty())
-        put_text(item->comments, of.language.c_str(), came(of, remarks));
+        put_comment(item, of.language, came(of, remarks));
     if (one.text.empty())
         return;
     put_text(item->langs, of.language.c_str(), came(of, one.text));
@@ -243,13 +255,18 @@ fault new_source::take_plural(catalog &of, const po_message &message, bool is_gu
     if (forms.what == plural_reader::outcome::apart)
         note(of, message.line, "a plural form with \"|\": all forms kept as remarks");
     part one{*message.id.text + plural_sign + *message.id.plural, forms.text, forms.remark, true};
+    // Sources keep no white space at the end of a text, so no form has any.
+    one.instead = std::string(without_end(*message.id.text)) + plural_sign;
+    one.instead += without_end(*message.id.plural);
     // What an application asks for by one id is its item, and the default language shows that it is
     // a plural.
     if (*message.id.plural == *message.id.text) {
         one.name = *message.id.text;
+        const std::string form(without_end(one.name));
         const std::string_view rule = plural_rule_of(request_.default_language);
-        for (std::size_t form = count_plural_forms(rule).everyday; form > 0; --form)
-            one.instead.append(one.instead.empty() ? "" : "|").append(without_end(one.name));
+        one.instead = form;
+        for (std::size_t more = count_plural_forms(rule).everyday; more > 1; --more)
+            one.instead += plural_sign + form;
     }
     take_part(of, message, one);
     return {};

@@ -3,8 +3,11 @@
 #include "exchange/c-format.h"
 #include "exchange/key.h"
 #include "exchange/language-code.h"
+#include "exchange/plural-text.h"
 #include "exchange/po-message.h"
+#include "exchange/po-plural.h"
 #include "exchange/po-read.h"
+#include "langlib/plural-rule.h"
 
 #include <cstring>
 #include <ctime>
@@ -34,18 +37,20 @@ std::string stamp(std::int64_t seconds)
     return text;
 }
 
-void append_head(std::string &out, const LangSource &source, const lang_t *lang)
+void append_head(std::string &out, const LangSource &source, const lang_t *lang,
+                 const std::string &plural_header)
 {
     const std::string name = one_line(lang->name);
     const std::string code = code_of(lang->name);
     const std::string app = source.app == nullptr ? "unknown" : one_line(source.app);
-    const std::string header = "Project-Id-Version: " + app +
-                               "\nPO-Revision-Date: " + stamp(source.mtime) +
-                               "\nLast-Translator: none\nLanguage-Team: " + name +
-                               "\nLanguage: " + (code.empty() ? "und" : code) +
-                               "\nMIME-Version: 1.0\nContent-Type: text/plain; charset=UTF-8\n"
-                               "Content-Transfer-Encoding: 8bit\nX-Generator: lang-kit\n" +
-                               std::string(name_field) + ": " + name + "\n";
+    const std::string header =
+        "Project-Id-Version: " + app + "\nPO-Revision-Date: " + stamp(source.mtime) +
+        "\nLast-Translator: none\nLanguage-Team: " + name +
+        "\nLanguage: " + (code.empty() ? "und" : code) +
+        "\nMIME-Version: 1.0\nContent-Type: text/plain; charset=UTF-8\n"
+        "Content-Transfer-Encoding: 8bit\nX-Generator: lang-kit\n" +
+        (plural_header.empty() ? "" : std::string(plural_field) + ": ") + plural_header +
+        (plural_header.empty() ? "" : "\n") + std::string(name_field) + ": " + name + "\n";
     append_po_text(out, {}, "msgid", {});
     append_po_text(out, {}, "msgstr", header);
 }
@@ -82,18 +87,33 @@ std::string reference_of(std::string_view place)
     return line.empty() ? name : name + ":" + std::string(line);
 }
 
+// Few texts are carried: only these are copied.
+void append_carried_text(std::string &out, std::string_view keyword, std::string_view text)
+{
+    if (!must_carry(text, holds::utf8)) {
+        append_po_text(out, {}, keyword, text);
+        return;
+    }
+    std::string carried;
+    append_carried(carried, text);
+    append_po_text(out, {}, keyword, carried);
+}
+
 // What is the same in a message of every language.
 struct shared_parts {
     std::string remarks;
     std::string references;
     std::string ids;
+    bool is_plural = false;
+    std::string_view id; // the reference text, or the last form of a plural's
     bool is_format = false;
-    std::vector<std::string_view> arguments;
+    std::vector<std::string_view> arguments; // of the id
+    std::string default_comment;             // for people
 
-    void fill(const outgoing_item &from);
+    void fill(const outgoing_item &from, std::string_view default_language);
 };
 
-void shared_parts::fill(const outgoing_item &from)
+void shared_parts::fill(const outgoing_item &from, std::string_view default_language)
 {
     remarks.clear();
     append_remark(remarks, {}, description_of(from.item));
@@ -107,29 +127,60 @@ void shared_parts::fill(const outgoing_item &from)
     std::string text;
     append_key(text, from.group, from.name);
     append_po_text(ids, {}, "msgctxt", text);
-    text.clear();
-    append_carried(text, from.reference);
-    append_po_text(ids, {}, "msgid", text);
+    is_plural = exchange::is_plural(from.reference, from.default_comment);
+    default_comment = without_flags(from.default_comment);
+    id = from.reference;
+    if (is_plural) {
+        const plural_ids both = ids_of_plural(from.reference, default_language);
+        append_carried_text(ids, "msgid", both.one);
+        append_carried_text(ids, "msgid_plural", both.others);
+        id = both.others;
+    } else {
+        append_carried_text(ids, "msgid", id);
+    }
     is_format = false;
     // Most texts have no percent sign, and this look is cheap.
-    if (from.reference.find('%') != std::string::npos)
-        if (auto found = c_format_arguments(from.reference); found && !found->empty()) {
+    if (id.find('%') != std::string_view::npos)
+        if (auto found = c_format_arguments(id); found && !found->empty()) {
             is_format = true;
             arguments = *found;
         }
 }
 
-bool fits(const shared_parts &shared, std::string_view reference, std::string_view text)
+bool fits(const shared_parts &shared, std::string_view text, bool may_leave_out = false)
 {
     // Tools for catalogs refuse a text whose line ends at either end are not the original's.
-    if (reference.starts_with('\n') != text.starts_with('\n') ||
-        reference.ends_with('\n') != text.ends_with('\n'))
+    if (shared.id.starts_with('\n') != text.starts_with('\n') ||
+        shared.id.ends_with('\n') != text.ends_with('\n'))
         return false;
-    return !shared.is_format || c_format_arguments(text) == shared.arguments;
+    if (!shared.is_format)
+        return true;
+    const auto own = c_format_arguments(text);
+    return own == shared.arguments || (may_leave_out && own && own->empty());
 }
 
-void append_message(std::string &out, const exporter &from, const outgoing_item &item,
-                    const shared_parts &shared, std::size_t language)
+// Whether a text and its ids would pass the check of whoever compiles the catalog.
+bool forms_fit(const shared_parts &shared, const plural_outlet &outlet, std::size_t language,
+               const plural_outlet::forms &forms)
+{
+    for (std::size_t form = 0; form < forms.texts.size(); ++form)
+        if (!fits(shared, forms.texts[form], outlet.is_rare(language, form)))
+            return false;
+    return forms.fits;
+}
+
+void append_forms(std::string &out, const shared_parts &shared, std::string_view text,
+                  const plural_outlet::forms &forms)
+{
+    if (!shared.is_plural)
+        append_carried_text(out, "msgstr", text);
+    else
+        for (std::size_t form = 0; form < forms.texts.size(); ++form)
+            append_carried_text(out, "msgstr[" + std::to_string(form) + "]", forms.texts[form]);
+}
+
+void append_message(std::string &out, exporter &from, const outgoing_item &item,
+                    const shared_parts &shared, const plural_outlet &outlet, std::size_t language)
 {
     const outgoing_item::translation &one = item.texts[language];
     const char *name = from.languages()[language]->name;
@@ -139,26 +190,27 @@ void append_message(std::string &out, const exporter &from, const outgoing_item 
     out += shared.remarks;
     if (!is_default)
         append_remark(out, one_line(view_of(from.source().default_lang)) + ": ",
-                      item.default_comment);
-    append_remark(out, one_line(name) + ": ", one.comment);
+                      shared.default_comment);
+    append_remark(out, one_line(name) + ": ", is_default ? shared.default_comment : one.comment);
     out += shared.references;
+    plural_outlet::forms forms;
+    if (shared.is_plural) {
+        outlet.split(language, without_end(one.text), forms);
+        from.plurals.uneven += forms.fits ? 0 : 1;
+        from.plurals.partly += forms.is_whole ? 0 : 1;
+    }
     // A text that does not fit is marked, so that somebody looks at it.
-    const bool fuzzy = !one.text.empty() && ((from.request().fuzzy && item.item->ready == 0) ||
-                                             !fits(shared, item.reference, one.text));
+    const bool fuzzy =
+        !one.text.empty() && forms.is_whole &&
+        ((from.request().fuzzy && item.item->ready == 0) ||
+         !(shared.is_plural ? forms_fit(shared, outlet, language, forms) : fits(shared, one.text)));
     if (fuzzy || shared.is_format)
         out.append("#, ")
             .append(fuzzy ? "fuzzy" : "")
             .append(fuzzy && shared.is_format ? ", " : "")
             .append(shared.is_format ? "c-format\n" : "\n");
     out += shared.ids;
-    // Few texts are carried: only these are copied.
-    if (must_carry(one.text, holds::utf8)) {
-        std::string carried;
-        append_carried(carried, one.text);
-        append_po_text(out, {}, "msgstr", carried);
-    } else {
-        append_po_text(out, {}, "msgstr", one.text);
-    }
+    append_forms(out, shared, one.text, forms);
 }
 
 said_language language_of(const po_message &header)
@@ -176,7 +228,16 @@ void take_message(po_message &message, text_unit &unit, encoding good)
     unit.item.clear();
     unit.keyed = message.id.context && split_key(*message.id.context, unit.group, unit.item);
     unit.reference = *message.id.text;
-    unit.text = message.texts.front();
+    unit.text.clear();
+    unit.forms.clear();
+    if (message.id.plural) {
+        unit.reference += plural_sign + *message.id.plural;
+        unit.forms = message.texts;
+    } else {
+        unit.text = message.texts.front();
+    }
+    for (std::string &form : unit.forms)
+        uncarry(form, good);
     uncarry(unit.reference, good);
     uncarry(unit.text, good);
     unit.fuzzy = message.fuzzy;
@@ -189,13 +250,14 @@ void take_message(po_message &message, text_unit &unit, encoding good)
 
 void write_po(exporter &from, std::vector<outgoing_file> &to)
 {
+    const plural_outlet outlet(from);
     for (std::size_t at = 0; at < to.size(); ++at)
-        append_head(to[at].text, from.source(), from.languages()[at]);
+        append_head(to[at].text, from.source(), from.languages()[at], outlet.header(at));
     shared_parts shared;
     from.each_item([&](const outgoing_item &item) {
-        shared.fill(item);
+        shared.fill(item, view_of(from.source().default_lang));
         for (std::size_t at = 0; at < to.size(); ++at) {
-            append_message(to[at].text, from, item, shared, at);
+            append_message(to[at].text, from, item, shared, outlet, at);
             to[at].flush_large();
         }
     });
@@ -207,7 +269,8 @@ fault read_po(std::string_view bytes, encoding good, const text_listener &hear)
 {
     po_reader reader(bytes);
     po_message message;
-    file_texts file{{{}}, {}};
+    file_texts file;
+    file.languages.emplace_back();
     text_unit unit;
     while (reader.next(message)) {
         // An obsolete message translates what the catalog's program no longer has.
@@ -215,6 +278,8 @@ fault read_po(std::string_view bytes, encoding good, const text_listener &hear)
             continue;
         if (message.is_header()) {
             file.languages.front() = language_of(message);
+            file.plural_field = po_header_field(message.texts.front(), plural_field);
+            file.plural_line = plural_line(bytes);
             continue;
         }
         take_message(message, unit, good);

@@ -1,10 +1,12 @@
 #pragma once
 
 // Catalogs: a file for each language. A message's context is the item's key (exchange/key.h), its
-// id the reference text; description and comments are its programmer's remarks, places of use its
-// references. A text is marked fuzzy, and so left out by whoever compiles the catalog, where its
-// conversions or line ends at both ends differ from the reference's; where wanted also while its
-// item is not ready. "c-format" stands where the reference holds conversions of printf.
+// id the reference text; a text with plural forms (exchange/plural-text.h) goes out as a plural,
+// counted as the header says, and comes back as the text that shows the same; description and
+// comments are its programmer's remarks, places of use its references. A text is marked fuzzy, and
+// so left out by whoever compiles the catalog, where its conversions or line ends at both ends
+// differ from the reference's; where wanted also while its item is not ready. "c-format" stands
+// where the reference holds conversions of printf.
 
 #include "exchange/export.h"
 #include "exchange/texts.h"

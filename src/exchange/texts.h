@@ -30,8 +30,10 @@ struct text_unit {
     bool keyed = false; // the file names the item; else both names are empty
     std::string group;
     std::string item;
-    std::string reference;      // what was translated; empty in a format without it
-    std::string text;           // empty: there is none
+    std::string reference; // what was translated; empty in a format without it
+    std::string text;      // empty: there is none, or it is still in its forms
+    std::vector<std::string>
+        forms;                  // of a plural, as its file counts; the reference is both its ids
     bool fuzzy = false;         // a guess that nobody has looked at
     bool final = false;         // finished and approved
     text_note note;             // in the text's language; empty: none
@@ -42,6 +44,8 @@ struct text_unit {
 // A file's languages, and its texts where somebody wants all of them.
 struct file_texts {
     std::vector<said_language> languages;
+    std::string plural_field; // how a catalog counts (exchange/plural-header.h)
+    std::uint32_t plural_line = 0;
     std::vector<text_unit> units;
 };
 

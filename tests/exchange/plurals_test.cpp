@@ -85,4 +85,130 @@ TEST(PluralReader, TellsOnlyOfTextsThatDiffer)
     EXPECT_FALSE(shows_the_same("fr", "a|b", "a|c|b"));
 }
 
+// The codes of all languages whose rule is published.
+std::vector<std::string> counting_languages()
+{
+    std::istringstream table(zel_test::read_file(LANG_SOURCE_ROOT "/src/langlib/languages.inc"));
+    std::vector<std::string> codes;
+    for (std::string line; std::getline(table, line);)
+        if (const std::string code = line.substr(0, line.find("\\t"));
+            code.starts_with("    \"") && has_plural_rule(code.substr(5)))
+            codes.push_back(code.substr(5));
+    return codes;
+}
+
+std::string numbered(std::size_t forms)
+{
+    std::string text;
+    for (std::size_t form = 0; form < forms; ++form)
+        text += (form == 0 ? "" : "|") + std::string("%d ") + static_cast<char>('a' + form);
+    return text;
+}
+
+// Every language with a text of all its forms and one of the everyday ones. A second export has the
+// everyday ones alone, whose header is another one where a form begins at a million.
+std::string source_in_all_languages(const std::vector<std::string> &codes, bool with_rare)
+{
+    std::string head = "define format utf8\ndefault lang \"english\"\n";
+    std::string all;
+    std::string everyday;
+    for (const std::string &code : codes) {
+        const zel::plural_forms count = zel::count_plural_forms(plural_rule_of(code));
+        head += "define file \"f\" lang \"" + code + "\" 1 1 1\n";
+        all += "lang \"" + code + "\" { \"" + numbered(count.all) + "\" }\n";
+        everyday += "lang \"" + code + "\" { \"" + numbered(count.everyday) + "\" }\n";
+    }
+    return head + "group \"g\" { item \"%d day|%d days\" { used yes " + everyday + "}\n" +
+           (with_rare ? "item \"one|%d in all\" { used yes " + all + "}\n" : "") + "}\n";
+}
+
+TEST(PluralsSlow, GoOutAndComeBackInEveryLanguage)
+{
+    const bool judged = std::system("command -v msgfmt >/dev/null") == 0;
+    std::vector<std::string> codes = counting_languages();
+    ASSERT_GT(codes.size(), 200U);
+    const zel_test::temp_dir dir;
+    for (const bool with_rare : {true, false}) {
+        const source_guard source = zel_test::source_of(source_in_all_languages(codes, with_rare));
+        export_request request;
+        request.source = source.get();
+        import_request wishes;
+        std::string said;
+        wishes.hear = [&](const import_event &event) { said += event.unit->text + "\n"; };
+        importer into(source.get(), wishes);
+        std::size_t at = 0;
+        for (const std::string &file : zel_test::written(request, "po")) {
+            wishes.language = codes[at++];
+            const fault wrong = into.take(*find_format("po"), wishes.language, file);
+            EXPECT_FALSE(wrong) << file << wrong.text;
+            EXPECT_EQ(into.plural_notes(), std::vector<std::string>()) << file;
+            zel_test::write_file(dir / "x.po", file);
+            EXPECT_TRUE(!judged ||
+                        std::system(("msgfmt --check -o /dev/null " + (dir / "x.po")).c_str()) == 0)
+                << file;
+            EXPECT_EQ(file.find("fuzzy"), file.npos) << file;
+        }
+        EXPECT_EQ(said, "");
+        EXPECT_EQ(into.changed() + into.guesses(), 0U);
+        // The other header is the same where no form is rare.
+        std::erase_if(codes, [](const std::string &code) {
+            const zel::plural_forms count = zel::count_plural_forms(plural_rule_of(code));
+            return count.all == count.everyday;
+        });
+    }
+    if (!judged)
+        GTEST_SKIP() << "gettext is not installed";
+}
+
+// What is a plural, and how a German text goes out: its flags and forms.
+TEST(Plurals, GoOutWhereTheReferenceCounts)
+{
+    for (const zel_test::row &row : zel_test::rows_of("exchange/plurals.rows", "reference")) {
+        const source_guard source =
+            zel_test::source_of("define format utf8\ndefault lang \"english\"\ndefine file \"f\" "
+                                "lang \"german\" 1 1 1\n"
+                                "GROUP \"g\" { ITEM \"" +
+                                row[0] + "\" { USED YES LANG \"german\" { \"" + row[1] +
+                                "\" } COMMENT \"english\" { \"" + row[3] + "\" } } }");
+        export_request request;
+        request.source = source.get();
+        std::string file = zel_test::written(request, "po").front();
+        EXPECT_EQ(file.find("Plural-Forms: nplurals=2; plural=(n != 1);") != file.npos,
+                  file.find("\nmsgid_plural ") != file.npos);
+        std::string found;
+        std::istringstream lines(file.substr(file.find("\n\n") + 2));
+        for (std::string line; std::getline(lines, line);)
+            if (!line.starts_with("msgctxt"))
+                found += line.substr(line.starts_with("msg") ? 3 : 0) + "\n";
+        EXPECT_EQ(found, row[2]) << row.line;
+    }
+}
+
+// What comes back from others: other headers, other counts, and what cannot be taken.
+TEST(Plurals, ComeBackByTheHeaderThatTheyBring)
+{
+    const source_guard source = zel_test::source_of(
+        "define file \"f\" lang \"german\" 1 1 1 file \"h\" lang \"russian\" 1 1 1\n"
+        "default lang \"english\"\n"
+        "GROUP \"g\" { ITEM \"%d a|%d b\" { USED YES LANG \"russian\" { \"1|2|5\" } } }");
+    for (const zel_test::row &row : zel_test::rows_of("exchange/plurals.rows", "return")) {
+        std::string said;
+        import_request wishes;
+        wishes.hear = [&](const import_event &event) {
+            said += std::to_string(static_cast<int>(event.kind)) + event.after + ";";
+        };
+        importer into(source.get(), wishes);
+        std::string file =
+            "msgid \"\"\nmsgstr \"Language: " + row[0] + "\\nPlural-Forms: " + row[1] +
+            "\\n\"\n\nmsgctxt \"g:%d a|%d b\"\nmsgid \"%d a\"\n" + "msgid_plural \"%d b\"\n";
+        for (std::size_t form = 0; form + 3 < row.texts.size(); ++form)
+            file += "msgstr[" + std::to_string(form) + "] \"" + row[form + 3] + "\"\n";
+        if (const fault wrong = into.take(*find_format("po"), "x", file))
+            said += std::to_string(wrong.line) + wrong.text;
+        for (const std::string &line : into.plural_notes())
+            said += line;
+        EXPECT_EQ(said, row[2]) << row.line;
+    }
+}
+
 } // namespace

@@ -91,6 +91,17 @@ bool write_into(const std::string &folder, bool dry_run, const exchange::format 
     return write_files(row, from, names);
 }
 
+void print_plural_notes(const std::string &path, const exchange::exporter::plural_count &plurals)
+{
+    if (plurals.uneven != 0)
+        std::fprintf(stderr,
+                     "lang-kit: %s: fuzzy, with another number of forms than the language: %s\n",
+                     path.c_str(), counted(plurals.uneven, "plural").c_str());
+    if (plurals.partly != 0)
+        std::fprintf(stderr, "lang-kit: %s: left out %s of which a form is empty\n", path.c_str(),
+                     counted(plurals.partly, "plural").c_str());
+}
+
 } // namespace
 
 int run_export(const word &self, int argc, char **argv)
@@ -151,6 +162,7 @@ int run_export(const word &self, int argc, char **argv)
     } else if (!write_into(folder, dry_run, row, from, file_names(row, from, line.files.front()))) {
         return status_fault;
     }
+    print_plural_notes(line.files.front(), from.plurals);
     if (from.repeated() != 0)
         std::fprintf(stderr,
                      "lang-kit: %s: left out %s behind another of the same group and name\n",

@@ -62,6 +62,9 @@ void import_report::hear(const exchange::import_event &event)
                     event.kind == exchange::import_kind::comment ? " comment" : "",
                     shown(event.before).c_str(), shown(event.after).c_str());
         return;
+    case exchange::import_kind::unfit:
+        note(event, key + " " + language + ": a plural form with \"|\" is left out");
+        break;
     case exchange::import_kind::outdated:
         note(event, key + " " + language + ": translates " + shown(event.before) + ", now it is " +
                         shown(event.after));
@@ -86,6 +89,15 @@ bool take_file(const exchange::format &row, const std::string &path, exchange::i
     if (wrong)
         say_fault(path, wrong);
     return !wrong;
+}
+
+void print_plural_notes(const std::string &path, const exchange::importer &into)
+{
+    if (into.partly() != 0)
+        std::fprintf(stderr, "%s: left out %s without a text for each form\n", path.c_str(),
+                     counted(into.partly(), "plural").c_str());
+    for (const std::string &line : into.plural_notes())
+        std::fprintf(stderr, "%s: %s\n", path.c_str(), line.c_str());
 }
 
 std::string written(const LangSource *source)
@@ -172,6 +184,7 @@ int take_files(const exchange::format &row, import_options &options,
         if (into.guesses() != guesses)
             std::fprintf(stderr, "%s: left out %s\n", files[at].c_str(),
                          counted(into.guesses() - guesses, "fuzzy text").c_str());
+        print_plural_notes(files[at], into);
     }
     const std::string &to = options.output.empty() ? files.front() : options.output;
     // What has not changed is not written: no backup, no new time.
