@@ -117,14 +117,17 @@ void new_source::add_language(const std::string &name)
 }
 
 // The language's name: the header's own; else a word for its code, or the code where no word means
-// just that; else the file's.
+// just that; else the file's. A file that is named by a longer code of the same language knows
+// better than its header: sr@latin, zh_TW.
 std::string new_source::name_language(const std::string &path, std::string_view header)
 {
     std::string name;
     read_name(po_header_field(header, "X-Language-Name"), name);
     std::string code(po_header_field(header, "Language"));
-    if (name.empty() && code.empty())
-        code = code_of(stem_of(path));
+    if (const std::string own = code_of(stem_of(path));
+        name.empty() && own.starts_with(code) &&
+        (code.empty() || own.substr(code.size(), 1).find_first_of("_@") == 0))
+        code = own;
     // Of a word that it does not know the library could not tell how the language counts.
     const std::string_view word = name_of_code(code);
     if (name.empty())
@@ -138,15 +141,27 @@ std::string new_source::name_language(const std::string &path, std::string_view 
     return name;
 }
 
-void new_source::take_header(catalog &of, std::string_view bytes, const po_message &message)
+// Two files of one language are two languages that somebody has called by one name; but one name in
+// two folders is one language in two parts of a project.
+fault new_source::choose_language(catalog &of, std::string_view header)
+{
+    of.language = name_language(of.path, header);
+    const auto &[language, first] = *files_.emplace(of.language, of.path).first;
+    if (first == of.path || (stem_of(first) == stem_of(of.path)))
+        return {};
+    return {0, "of the language \"" + language + "\", and so is " + first};
+}
+
+fault new_source::take_header(catalog &of, std::string_view bytes, const po_message &message)
 {
     const std::string &header = message.texts.front();
     of.own = po_header_field(header, "X-Generator") == "lang-kit";
-    of.language = name_language(of.path, header);
+    const fault wrong = choose_language(of, header);
     of.plurals.open(of.language, po_header_field(header, plural_field), plural_line(bytes));
     const std::string app(app_of(po_header_field(header, "Project-Id-Version")));
     if (!app.empty())
         replace_string(source_->app, zel_strdup(app.c_str()));
+    return wrong;
 }
 
 std::string new_source::group_of(const po_message &message) const
@@ -224,8 +239,23 @@ void new_source::take_part(const catalog &of, const po_message &message, const p
         put_comment(item, of.language, came(of, remarks));
     if (one.text.empty())
         return;
-    put_text(item->langs, of.language.c_str(), came(of, one.text));
-    ++texts_[of.language];
+    put_translation(of, message, item, came(of, one.text));
+}
+
+void new_source::put_translation(const catalog &of, const po_message &message, item_t *item,
+                                 const std::string &text)
+{
+    const std::string before = text_of(find_entry(item->langs, of.language.c_str()));
+    // The default language has the ids until its catalog comes.
+    const bool had_id = of.language == request_.default_language && translated_.insert(item).second;
+    const bool is_first = before.empty() || had_id;
+    if (!is_first && without_end(before) != without_end(text)) {
+        std::string shown;
+        append_name(shown, before);
+        note(of, message.line, "takes the place of \"" + shown + "\"");
+    }
+    put_text(item->langs, of.language.c_str(), text);
+    texts_[of.language] += is_first ? 1 : 0;
 }
 
 fault new_source::take_message(catalog &of, const po_message &message)
@@ -300,14 +330,15 @@ fault new_source::take(const std::string &path, std::string_view bytes)
     while (!wrong && reader.next(message)) {
         // Of several headers, as in catalogs that were joined, the first one counts.
         if (message.is_header() && of.language.empty()) {
-            take_header(of, bytes, message);
+            wrong = take_header(of, bytes, message);
             continue;
         }
         if (of.language.empty()) {
-            of.language = name_language(path, {});
+            wrong = choose_language(of, {});
             of.plurals.open(of.language, {}, 0);
         }
-        if (!message.obsolete && !message.is_header())
+        obsolete_ += message.obsolete ? 1 : 0;
+        if (!wrong && !message.obsolete && !message.is_header())
             wrong = take_message(of, message);
     }
     for (const std::string &line : of.plurals.told(true))

@@ -1,7 +1,7 @@
 #pragma once
 
-// A source from the catalogs of a project that comes over from them, a file or more for each
-// language.
+// A source from the catalogs of a project that comes over from them: one for each language, or
+// several of one name in different folders.
 //
 // An item's name is the message's id; its group is the context, or without one the name of the
 // code file that the first place of use names ("window" of src/window.c:31), else "messages".
@@ -19,6 +19,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "exchange/input.h"
@@ -45,9 +46,10 @@ public:
 
     LangSource *source() const { return source_.get(); }
 
-    // What has no place in a source: fuzzy texts, plural forms between the first and the last, and
-    // plurals without a text for each form.
+    // What has no place in a source: fuzzy texts, obsolete messages, plural forms between the first
+    // and the last, and plurals without a text for each form.
     std::uint32_t guesses() const { return guesses_; }
+    std::uint32_t obsolete() const { return obsolete_; }
     std::uint32_t forms() const { return forms_; }
     std::uint32_t partly() const { return partly_; }
 
@@ -75,12 +77,15 @@ private:
 
     std::string name_language(const std::string &path, std::string_view header);
     void add_language(const std::string &name);
-    void take_header(catalog &of, std::string_view bytes, const po_message &message);
+    fault choose_language(catalog &of, std::string_view header);
+    fault take_header(catalog &of, std::string_view bytes, const po_message &message);
     fault take_message(catalog &of, const po_message &message);
     fault take_plural(catalog &of, const po_message &message, bool is_guess);
     void take_apart(const catalog &of, const po_message &message,
                     const plural_reader::answer &forms);
     void take_part(const catalog &of, const po_message &message, const part &one);
+    void put_translation(const catalog &of, const po_message &message, item_t *item,
+                         const std::string &text);
     item_t *item_of(const catalog &of, const po_message &message, const part &one);
     void note(const catalog &of, std::uint32_t line, const std::string &text);
     item_t *make_item(const std::string &group, const std::string &name, const po_message &message);
@@ -92,10 +97,13 @@ private:
     item_index items_;
     std::unordered_map<std::string, item_t *> known_; // by context and id
     std::map<std::string, std::string> codes_;        // of the languages, by name
+    std::unordered_set<const item_t *> translated_;   // that the default language's catalog has had
+    std::map<std::string, std::string> files_;        // the first one of each language
     std::map<std::string, std::uint32_t> texts_;
     std::uint32_t guesses_ = 0;
     std::uint32_t forms_ = 0;
     std::uint32_t partly_ = 0;
+    std::uint32_t obsolete_ = 0;
     std::vector<std::string> notes_;
 };
 

@@ -18,6 +18,8 @@ void print_summary(const exchange::new_source &made, const std::string &path)
         std::printf("%s: %u\n", language.c_str(), texts);
     if (made.guesses() != 0)
         std::fprintf(stderr, "left out %s\n", counted(made.guesses(), "fuzzy text").c_str());
+    if (made.obsolete() != 0)
+        std::fprintf(stderr, "left out %s\n", counted(made.obsolete(), "obsolete message").c_str());
     if (made.forms() != 0)
         std::fprintf(stderr, "left out %s between the first and the last\n",
                      counted(made.forms(), "plural form").c_str());
