@@ -186,7 +186,7 @@ item_t *new_source::make_item(const std::string &group, const std::string &name,
         free_group = group + "-" + std::to_string(number);
     indexed_item *added = items_.insert(free_group.c_str(), name.c_str());
     item_t *item = added->item;
-    item->used = 1;
+    item->used = reading_ == from::catalogs_behind_one ? 0 : 1;
     item->typ = 1;
     item->ctime = request_.now;
     for (const std::string &reference : message.references)
@@ -233,6 +233,10 @@ item_t *new_source::item_of(const catalog &of, const po_message &message, const 
 void new_source::take_part(const catalog &of, const po_message &message, const part &one)
 {
     item_t *item = item_of(of, message, one);
+    if (reading_ == from::a_template)
+        return;
+    if (reading_ == from::catalogs)
+        met_[of.language].insert(item);
     std::string remarks = told_lines(message.remarks);
     remarks.append(remarks.empty() || one.remark.empty() ? "" : "\n").append(one.remark);
     if (!remarks.empty())
@@ -318,6 +322,34 @@ void new_source::take_apart(const catalog &of, const po_message &message,
 void new_source::note(const catalog &of, std::uint32_t line, const std::string &text)
 {
     notes_.push_back(of.path + (line == 0 ? "" : ":" + std::to_string(line)) + ": " + text);
+}
+
+std::map<std::string, std::uint32_t> new_source::lacking() const
+{
+    std::map<std::string, std::uint32_t> lacking;
+    for (const auto &[language, items] : met_)
+        if (items.size() < source_->item_count)
+            lacking[language] = source_->item_count - static_cast<std::uint32_t>(items.size());
+    return lacking;
+}
+
+fault new_source::take_template(const std::string &path, std::string_view bytes)
+{
+    po_reader reader(bytes);
+    po_message message;
+    catalog of;
+    of.path = path;
+    reading_ = from::a_template;
+    fault wrong;
+    while (!wrong && reader.next(message)) {
+        if (message.obsolete || message.is_header())
+            continue;
+        // Some hold the ids as texts, and none says how a language counts.
+        message.texts.assign(1, {});
+        wrong = take_message(of, message);
+    }
+    reading_ = from::catalogs_behind_one;
+    return wrong ? wrong : reader.wrong();
 }
 
 fault new_source::take(const std::string &path, std::string_view bytes)

@@ -10,7 +10,8 @@
 // the same, the item is that and the default language's text repeats it. Ids that hold the sign
 // between forms make two items, with the first form and the last. Programmers' remarks are the
 // description, translators' remarks a comment in their language, as is a form without a place;
-// places are where it is used. Every item is used, none is ready. Where lang-kit exported the
+// places are where it is used. Every item is used, none is ready; with a template, what that lacks
+// is not used. Where lang-kit exported the
 // catalog, its keys give group and item back.
 
 #include <cstdint>
@@ -41,6 +42,10 @@ class new_source {
 public:
     explicit new_source(const new_request &request);
 
+    // Takes the messages of a project's template (a .pot), whose own texts count for nothing.
+    // Before the catalogs.
+    fault take_template(const std::string &path, std::string_view bytes);
+
     // Adds a catalog. After a fault the source is of no use.
     fault take(const std::string &path, std::string_view bytes);
 
@@ -52,6 +57,10 @@ public:
     std::uint32_t obsolete() const { return obsolete_; }
     std::uint32_t forms() const { return forms_; }
     std::uint32_t partly() const { return partly_; }
+
+    // How many items that others have no catalog of a language has, by the language's name. Empty
+    // with a template, which says what there is.
+    std::map<std::string, std::uint32_t> lacking() const;
 
     // What else somebody should know, a line each that begins with the catalog.
     const std::vector<std::string> &notes() const { return notes_; }
@@ -95,10 +104,12 @@ private:
     new_request request_;
     source_guard source_;
     item_index items_;
-    std::unordered_map<std::string, item_t *> known_; // by context and id
-    std::map<std::string, std::string> codes_;        // of the languages, by name
-    std::unordered_set<const item_t *> translated_;   // that the default language's catalog has had
-    std::map<std::string, std::string> files_;        // the first one of each language
+    std::unordered_map<std::string, item_t *> known_;               // by context and id
+    std::map<std::string, std::unordered_set<const item_t *>> met_; // in each language's catalogs
+    enum class from { catalogs, a_template, catalogs_behind_one } reading_ = from::catalogs;
+    std::map<std::string, std::string> codes_;      // of the languages, by name
+    std::unordered_set<const item_t *> translated_; // that the default language's catalog has had
+    std::map<std::string, std::string> files_;      // the first one of each language
     std::map<std::string, std::uint32_t> texts_;
     std::uint32_t guesses_ = 0;
     std::uint32_t forms_ = 0;

@@ -22,6 +22,7 @@ struct import_options {
     std::string output;
     bool dry_run = false;
     bool make_new = false;
+    std::string pot;
     exchange::import_request request;
     exchange::new_request fresh;
 };
@@ -205,7 +206,7 @@ int make_new(const word &self, import_options &options, const exchange::format &
         return wrong_use(self, "\"" + options.output + "\" is there already");
     options.fresh.guesses = options.request.guesses;
     options.fresh.now = std::time(nullptr);
-    return make_from_catalogs(options.fresh, files, {options.output, options.dry_run});
+    return make_from_catalogs(options.fresh, options.pot, files, {options.output, options.dry_run});
 }
 
 int import_into(const word &self, import_options &options, const exchange::format &row,
@@ -250,6 +251,10 @@ int run_import(const word &self, int argc, char **argv)
           .argument = "NAME",
           .help = "its default language (english)",
           .text = &options.fresh.default_language},
+         {.name = "template",
+          .argument = "FILE",
+          .help = "its template (.pot): what that lacks is not used",
+          .text = &options.pot},
          {.name = "group",
           .argument = "NAME",
           .help = "its group for messages without a context",
@@ -261,6 +266,8 @@ int run_import(const word &self, int argc, char **argv)
     if (at < 0)
         return status_fault;
     const exchange::format &row = exchange::formats()[static_cast<std::size_t>(at)];
+    if (!options.make_new && !options.pot.empty())
+        return wrong_use(self, "--template is for --new");
     return options.make_new ? make_new(self, options, row, line.files)
                             : import_into(self, options, row, line.files);
 }
