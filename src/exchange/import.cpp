@@ -2,6 +2,7 @@
 
 #include "exchange/language-code.h"
 #include "exchange/po-plural.h"
+#include "exchange/po-remarks.h"
 #include "langlib/plural-rule.h"
 #include "source/entry.h"
 
@@ -194,6 +195,8 @@ bool importer::is_outdated(const text_unit &unit, std::string_view reference) co
 
 void importer::take_text(item_t *item, const char *language, const text_unit &unit)
 {
+    if (!unit.fuzzy && !without_end(unit.text).empty())
+        confirm(item, language, unit);
     std::string before = text_of(find_entry(item->langs, language));
     if (without_end(unit.text).empty() || is_same_text(language, unit, before))
         return;
@@ -213,6 +216,20 @@ void importer::take_text(item_t *item, const char *language, const text_unit &un
     say(import_kind::text, unit, language, std::move(before), after);
     if (is_outdated(unit, reference))
         say(import_kind::outdated, unit, language, unit.reference, reference);
+}
+
+// Takes the mark of a guess off, as somebody has looked at the text.
+void importer::confirm(item_t *item, const char *language, const text_unit &unit)
+{
+    po_id ignored;
+    lang_entry_t *comment = find_entry(item->comments, language);
+    std::string before = text_of(comment);
+    if (!read_fuzzy(before, ignored))
+        return;
+    std::string after = without_fuzzy(before);
+    set_text(comment, after);
+    ++changed_;
+    say(import_kind::comment, unit, language, std::move(before), std::move(after));
 }
 
 // Takes a remark. A new one goes below those that are there.

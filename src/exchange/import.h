@@ -65,6 +65,7 @@ private:
     bool is_same_text(const char *language, const text_unit &unit, std::string_view before) const;
     bool is_outdated(const text_unit &unit, std::string_view reference) const;
     void take_text(item_t *item, const char *language, const text_unit &unit);
+    void confirm(item_t *item, const char *language, const text_unit &unit);
     void take_comment(item_t *item, const char *language, const text_unit &unit);
     void say(import_kind kind, const text_unit &unit, std::string_view language,
              std::string before = {}, std::string after = {});

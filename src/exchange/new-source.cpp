@@ -5,6 +5,7 @@
 #include "exchange/language-code.h"
 #include "exchange/plural-text.h"
 #include "exchange/po-read.h"
+#include "exchange/po-remarks.h"
 #include "langlib/plural-rule.h"
 #include "source/entry.h"
 #include "support/string-copy.h"
@@ -89,8 +90,8 @@ bool has_apart_ids(const po_id &id)
 void put_comment(item_t *item, const std::string &language, std::string text)
 {
     const std::string before = text_of(find_entry(item->comments, language.c_str()));
-    if (before.starts_with("flags:"))
-        text.insert(0, before.substr(0, before.find('\n')) + "\n");
+    if (const auto flags = flags_of(before))
+        text.insert(0, flags_line(*flags) + "\n");
     put_text(item->comments, language.c_str(), text);
 }
 
@@ -204,6 +205,21 @@ std::string new_source::came(const catalog &of, std::string text)
     return text;
 }
 
+// Keeps a message's flags where its text alone does not tell them. The text is a plural's.
+void new_source::put_flags(const catalog &of, item_t *item, const po_message &message,
+                           std::string_view plural)
+{
+    std::vector<std::string> flags = message.flags;
+    const bool is_usual =
+        (flags.empty() && !of.flags) ||
+        flags == usual_flags(message.id.plural ? *message.id.plural : *message.id.text);
+    const bool is_marked = !plural.empty() && !is_plural_text(plural);
+    if (is_marked)
+        flags.insert(flags.begin(), "plural");
+    if (is_marked || !is_usual)
+        put_text(item->comments, request_.default_language.c_str(), flags_line(flags));
+}
+
 // The item for a message's part; made if no catalog has had it before.
 item_t *new_source::item_of(const catalog &of, const po_message &message, const part &one)
 {
@@ -225,8 +241,7 @@ item_t *new_source::item_of(const catalog &of, const po_message &message, const 
     const std::string text = one.instead.empty() ? one.name : one.instead;
     if (keyed || text != one.name)
         put_text(item->langs, request_.default_language.c_str(), came(of, text));
-    if (one.plural && !is_plural_text(text))
-        put_text(item->comments, request_.default_language.c_str(), "flags: plural");
+    put_flags(of, item, message, one.plural ? std::string_view(text) : std::string_view());
     return item;
 }
 
@@ -238,6 +253,8 @@ void new_source::take_part(const catalog &of, const po_message &message, const p
     if (reading_ == from::catalogs)
         met_[of.language].insert(item);
     std::string remarks = told_lines(message.remarks);
+    if (message.fuzzy && !one.text.empty())
+        remarks = fuzzy_line(message.previous) + (remarks.empty() ? "" : "\n") + remarks;
     remarks.append(remarks.empty() || one.remark.empty() ? "" : "\n").append(one.remark);
     if (!remarks.empty())
         put_comment(item, of.language, came(of, remarks));
@@ -339,6 +356,7 @@ fault new_source::take_template(const std::string &path, std::string_view bytes)
     po_message message;
     catalog of;
     of.path = path;
+    of.flags = bytes.find("-format") != bytes.npos;
     reading_ = from::a_template;
     fault wrong;
     while (!wrong && reader.next(message)) {
@@ -358,6 +376,7 @@ fault new_source::take(const std::string &path, std::string_view bytes)
     po_message message;
     catalog of;
     of.path = path;
+    of.flags = bytes.find("-format") != bytes.npos;
     fault wrong;
     while (!wrong && reader.next(message)) {
         // Of several headers, as in catalogs that were joined, the first one counts.

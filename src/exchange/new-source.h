@@ -72,7 +72,8 @@ private:
     struct catalog {
         std::string path;
         std::string language;
-        bool own = false; // exported by lang-kit
+        bool own = false;   // exported by lang-kit
+        bool flags = false; // says of any message that it is a format
         plural_reader plurals;
     };
     // A message's part of an item.
@@ -93,6 +94,8 @@ private:
     void take_apart(const catalog &of, const po_message &message,
                     const plural_reader::answer &forms);
     void take_part(const catalog &of, const po_message &message, const part &one);
+    void put_flags(const catalog &of, item_t *item, const po_message &message,
+                   std::string_view plural);
     void put_translation(const catalog &of, const po_message &message, item_t *item,
                          const std::string &text);
     item_t *item_of(const catalog &of, const po_message &message, const part &one);

@@ -2,16 +2,14 @@
 
 #include "exchange/c-format.h"
 #include "langlib/plural-rule.h"
-#include "support/cut.h"
 #include "support/text.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace zel::exchange {
 
 namespace {
-
-constexpr std::string_view flags_word = "flags:";
 
 bool signs_stand_alone(std::string_view text)
 {
@@ -78,45 +76,6 @@ bool is_plural_text(std::string_view text)
             return false;
     }
     return true;
-}
-
-std::optional<std::vector<std::string>> flags_of(std::string_view comment)
-{
-    while (!comment.empty()) {
-        std::string_view line = cut_at(comment, '\n');
-        if (!line.starts_with(flags_word))
-            continue;
-        line.remove_prefix(flags_word.size());
-        std::vector<std::string> flags;
-        while (!line.empty()) {
-            std::string_view flag = cut_at(line, ',');
-            while (flag.starts_with(' '))
-                flag.remove_prefix(1);
-            if (!flag.empty())
-                flags.emplace_back(flag);
-        }
-        return flags;
-    }
-    return std::nullopt;
-}
-
-std::string without_flags(std::string_view comment)
-{
-    std::string out;
-    while (!comment.empty()) {
-        const std::string_view line = cut_at(comment, '\n');
-        if (!line.starts_with(flags_word))
-            out.append(line).append(1, '\n');
-    }
-    if (!out.empty())
-        out.pop_back();
-    return out;
-}
-
-bool has_flag(std::string_view comment, std::string_view flag)
-{
-    const auto flags = flags_of(comment);
-    return flags && std::find(flags->begin(), flags->end(), flag) != flags->end();
 }
 
 } // namespace zel::exchange

@@ -1,7 +1,10 @@
 #include "exchange/po-plural.h"
 
 #include "exchange/plural-text.h"
+#include "exchange/po-remarks.h"
 #include "langlib/plural-rule.h"
+
+#include <algorithm>
 
 namespace zel::exchange {
 
@@ -18,12 +21,18 @@ bool differs_from_million(std::string_view rule, std::string_view text)
            text_form(text, plural_form(rule, all, 1'000'000)) != text_form(text, all - 1);
 }
 
+bool has_plural_flag(std::string_view comment)
+{
+    const auto flags = flags_of(comment);
+    return flags && std::find(flags->begin(), flags->end(), "plural") != flags->end();
+}
+
 } // namespace
 
 bool is_plural(std::string_view reference, std::string_view default_comment)
 {
     return reference.find(plural_sign) != reference.npos &&
-           (is_plural_text(reference) || has_flag(default_comment, "plural"));
+           (is_plural_text(reference) || has_plural_flag(default_comment));
 }
 
 plural_ids ids_of_plural(std::string_view reference, std::string_view default_language)

@@ -169,13 +169,19 @@ int get_token(zel_lex_t *lex)
 
 constexpr std::string_view charset_word = "charset=";
 
-// Whether the position stands on the Content-Type line of a header.
+// Whether the position stands in the Content-Type field of a header, whose fields may be a string
+// each or all in one.
 bool is_in_content_type(std::string_view bytes, std::size_t position)
 {
     std::string_view before = bytes.substr(0, position);
     before.remove_prefix(before.rfind('\n') + 1);
     const std::size_t quote = before.find('"');
-    return quote != std::string_view::npos && before.substr(quote + 1).starts_with("Content-Type:");
+    if (quote == std::string_view::npos)
+        return false;
+    before.remove_prefix(quote + 1);
+    if (const std::size_t end = before.rfind("\\n"); end != std::string_view::npos)
+        before.remove_prefix(end + 2);
+    return before.starts_with("Content-Type:");
 }
 
 // The first place that names an encoding and is not in a remark.

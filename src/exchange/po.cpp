@@ -3,12 +3,13 @@
 #include "exchange/c-format.h"
 #include "exchange/key.h"
 #include "exchange/language-code.h"
-#include "exchange/plural-text.h"
 #include "exchange/po-message.h"
 #include "exchange/po-plural.h"
 #include "exchange/po-read.h"
+#include "exchange/po-remarks.h"
 #include "langlib/plural-rule.h"
 
+#include <algorithm>
 #include <cstring>
 #include <ctime>
 
@@ -106,7 +107,8 @@ struct shared_parts {
     std::string ids;
     bool is_plural = false;
     std::string_view id; // the reference text, or the last form of a plural's
-    bool is_format = false;
+    std::vector<std::string> flags;
+    bool is_format = false;                  // whose arguments a translation must have, too
     std::vector<std::string_view> arguments; // of the id
     std::string default_comment;             // for people
 
@@ -128,7 +130,7 @@ void shared_parts::fill(const outgoing_item &from, std::string_view default_lang
     append_key(text, from.group, from.name);
     append_po_text(ids, {}, "msgctxt", text);
     is_plural = exchange::is_plural(from.reference, from.default_comment);
-    default_comment = without_flags(from.default_comment);
+    default_comment = without_marks(from.default_comment);
     id = from.reference;
     if (is_plural) {
         const plural_ids both = ids_of_plural(from.reference, default_language);
@@ -138,9 +140,12 @@ void shared_parts::fill(const outgoing_item &from, std::string_view default_lang
     } else {
         append_carried_text(ids, "msgid", id);
     }
+    const auto said = flags_of(from.default_comment);
+    flags = said ? *said : usual_flags(id);
+    std::erase(flags, "plural");
     is_format = false;
-    // Most texts have no percent sign, and this look is cheap.
-    if (id.find('%') != std::string_view::npos)
+    // A catalog may call a format what is none here; then nothing can be compared.
+    if (std::find(flags.begin(), flags.end(), "c-format") != flags.end())
         if (auto found = c_format_arguments(id); found && !found->empty()) {
             is_format = true;
             arguments = *found;
@@ -191,7 +196,9 @@ void append_message(std::string &out, exporter &from, const outgoing_item &item,
     if (!is_default)
         append_remark(out, one_line(view_of(from.source().default_lang)) + ": ",
                       shared.default_comment);
-    append_remark(out, one_line(name) + ": ", is_default ? shared.default_comment : one.comment);
+    po_id previous;
+    const bool is_guess = read_fuzzy(one.comment, previous);
+    append_remark(out, one_line(name) + ": ", without_marks(one.comment));
     out += shared.references;
     plural_outlet::forms forms;
     if (shared.is_plural) {
@@ -202,13 +209,11 @@ void append_message(std::string &out, exporter &from, const outgoing_item &item,
     // A text that does not fit is marked, so that somebody looks at it.
     const bool fuzzy =
         !one.text.empty() && forms.is_whole &&
-        ((from.request().fuzzy && item.item->ready == 0) ||
+        (is_guess || (from.request().fuzzy && item.item->ready == 0) ||
          !(shared.is_plural ? forms_fit(shared, outlet, language, forms) : fits(shared, one.text)));
-    if (fuzzy || shared.is_format)
-        out.append("#, ")
-            .append(fuzzy ? "fuzzy" : "")
-            .append(fuzzy && shared.is_format ? ", " : "")
-            .append(shared.is_format ? "c-format\n" : "\n");
+    append_po_flags(out, fuzzy, shared.flags);
+    if (is_guess)
+        append_po_id(out, "#| ", previous);
     out += shared.ids;
     append_forms(out, shared, one.text, forms);
 }
