@@ -14,6 +14,7 @@ namespace {
 // A file without a named format is read by the first row that has its ending.
 constexpr format table[] = {
     {"po", ".po", files::per_language, write_po, read_po},
+    {"pot", ".pot", files::one, write_pot, read_po},
     {"xliff", ".xliff", files::per_language, write_xliff, read_xliff},
     {"xliff2", ".xliff", files::per_language, write_xliff2, read_xliff},
     {"csv", ".csv", files::one, write_csv, read_csv},

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "exchange/formats.h"
+#include "exchange/item-finder.h"
 #include "exchange/plural-reader.h"
 #include "source/item-index.h"
 #include "source/model.h"
@@ -24,6 +25,7 @@ enum class import_kind {
     unfit,    // a plural whose forms cannot stand in one text
     outdated, // with the text: it translates another text than the source has now
     unknown_item,
+    ambiguous,       // several items may be meant, whose keys are told
     unknown_language // said once for each language of a file
 };
 
@@ -61,7 +63,10 @@ public:
 private:
     const char *language_of(const file_texts &file, const text_unit &unit, std::string_view path);
     bool join(const char *language, text_unit &unit);
-    void take_unit(const char *language, text_unit &unit);
+    std::vector<item_finder::found> items_of(const char *language, text_unit &unit, bool at_end);
+    void take_deferred(const char *language);
+    bool have_one_text(const std::vector<item_finder::found> &all, const char *language) const;
+    void take_unit(const char *language, text_unit &unit, bool at_end = false);
     bool is_same_text(const char *language, const text_unit &unit, std::string_view before) const;
     bool is_outdated(const text_unit &unit, std::string_view reference) const;
     void take_text(item_t *item, const char *language, const text_unit &unit);
@@ -73,7 +78,9 @@ private:
     LangSource *source_;
     import_request request_;
     item_index items_;
+    item_finder finder_;
     std::vector<const char *> resolved_; // of the file's languages; null: not known
+    std::vector<text_unit> deferred_;    // of the file, which several items may be meant by
     plural_reader plurals_;              // of the file
     fault wrong_;
     std::uint32_t changed_ = 0;

@@ -1,6 +1,7 @@
 #include "exchange/new-source.h"
 
 #include "exchange/carry.h"
+#include "exchange/item-finder.h"
 #include "exchange/key.h"
 #include "exchange/language-code.h"
 #include "exchange/plural-text.h"
@@ -27,29 +28,6 @@ source_guard empty_source(const new_request &request)
     return source;
 }
 
-// "src/window.c:31" in its two parts; the line is empty where there is none.
-struct reference_parts {
-    std::string_view file;
-    std::string_view line;
-};
-
-reference_parts split_reference(std::string_view reference)
-{
-    constexpr std::string_view open = "\xE2\x81\xA8";
-    constexpr std::string_view close = "\xE2\x81\xA9";
-    const std::size_t colon = reference.rfind(':');
-    std::string_view line;
-    if (colon != std::string_view::npos && colon + 1 < reference.size() &&
-        reference.find_first_not_of("0123456789", colon + 1) == std::string_view::npos) {
-        line = reference.substr(colon + 1);
-        reference = reference.substr(0, colon);
-    }
-    // A name with blanks stands between these two characters.
-    if (reference.starts_with(open) && reference.ends_with(close))
-        reference = reference.substr(open.size(), reference.size() - open.size() - close.size());
-    return {reference, line};
-}
-
 // Writes a place as sources have it: the line in five digits before the file.
 std::string place_of(std::string_view reference)
 {
@@ -63,7 +41,8 @@ std::string told_lines(const std::vector<std::string> &lines)
     std::string out;
     for (const std::string &line : lines)
         if (!line.starts_with("xgettext:"))
-            out.append(out.empty() ? "" : "\n").append(line);
+            // What somebody has written is no mark of ours.
+            out.append(out.empty() ? "" : "\n").append(is_mark(line) ? "# " : "").append(line);
     return out;
 }
 
@@ -171,10 +150,7 @@ std::string new_source::group_of(const po_message &message) const
         return *message.id.context;
     if (!request_.group.empty())
         return request_.group;
-    const std::string_view file = message.references.empty()
-                                      ? std::string_view()
-                                      : split_reference(message.references.front()).file;
-    return file.empty() ? "messages" : std::string(stem_of(file));
+    return group_of_place(message.references);
 }
 
 // Makes an item. A message without a context may have the name of another one in a group of the

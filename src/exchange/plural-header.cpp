@@ -161,6 +161,15 @@ std::string_view plural_rule_of(std::string_view language)
     return rules.empty() ? rule_of_two : cut_at(rules, '/');
 }
 
+std::vector<std::uint64_t> plural_numbers(const plural_header &header)
+{
+    std::vector<std::uint64_t> numbers(header.count);
+    for (const std::uint64_t n : plural_samples())
+        if (std::uint64_t &kept = numbers[header.form(n)]; kept == 0)
+            kept = n;
+    return numbers;
+}
+
 bool counts_alike(const plural_header &header, std::string_view rule)
 {
     const auto samples = plural_samples();

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "exchange/plural-expression.h"
 
@@ -41,6 +42,9 @@ bool has_plural_rule(std::string_view language);
 // The rule in force for a language as sources name it, one edition alone; that of English for a
 // language without one.
 std::string_view plural_rule_of(std::string_view language);
+
+// A number for each form of a header: the smallest from 1 on, 0 for one that has no other.
+std::vector<std::uint64_t> plural_numbers(const plural_header &header);
 
 // Whether each number has the same form by the header as in a text of the header's count.
 bool counts_alike(const plural_header &header, std::string_view rule);

@@ -1,5 +1,6 @@
 #include "exchange/po-plural.h"
 
+#include "exchange/c-format.h"
 #include "exchange/plural-text.h"
 #include "exchange/po-remarks.h"
 #include "langlib/plural-rule.h"
@@ -43,23 +44,53 @@ plural_ids ids_of_plural(std::string_view reference, std::string_view default_la
     return {text_form(reference, one), text_form(reference, count - 1)};
 }
 
+message_check::message_check(std::string_view id, bool is_format) : id_(id)
+{
+    // A catalog may call a format what is none here; then nothing can be compared.
+    if (is_format)
+        arguments_ = c_format_arguments(id).value_or(std::vector<std::string_view>());
+}
+
+bool message_check::fits(std::string_view text, bool may_leave_out_arguments) const
+{
+    if (id_.starts_with('\n') != text.starts_with('\n') ||
+        id_.ends_with('\n') != text.ends_with('\n'))
+        return false;
+    if (arguments_.empty())
+        return true;
+    const auto own = c_format_arguments(text);
+    return own == arguments_ || (may_leave_out_arguments && own && own->empty());
+}
+
 plural_outlet::plural_outlet(const exporter &from)
 {
-    for (const lang_t *lang : from.languages()) {
-        names_.emplace_back(lang->name);
-        way &added = ways_.emplace_back();
-        added.rule = plural_rule_of(lang->name);
-        const plural_forms count = count_plural_forms(added.rule);
-        added.all = count.all;
-        added.everyday = count.everyday;
-    }
+    for (const lang_t *lang : from.languages())
+        add_language(lang->name);
     std::vector<bool> needs_rare(ways_.size());
     for (const edit_t *group : each<edit_t>(from.source().groups))
         for (const item_t *item : each<item_t>(group->items))
             if (item->used != 0 || from.request().unused)
                 look_at(from.source(), item, needs_rare);
     for (std::size_t at = 0; any_ && at < ways_.size(); ++at)
-        make_way(ways_[at], needs_rare[at]);
+        make_way(ways_[at], header_of_rule(ways_[at].rule, needs_rare[at]));
+}
+
+plural_outlet::plural_outlet(const exporter &from, const std::string &field) : any_(true)
+{
+    add_language(from.languages().front()->name);
+    plural_header header;
+    const bool is_good = header.read(field).empty() && header.count != 0;
+    make_way(ways_.front(), is_good ? field : header_of_rule(ways_.front().rule, false));
+}
+
+void plural_outlet::add_language(const char *name)
+{
+    names_.emplace_back(name);
+    way &added = ways_.emplace_back();
+    added.rule = plural_rule_of(name);
+    const plural_forms count = count_plural_forms(added.rule);
+    added.all = count.all;
+    added.everyday = count.everyday;
 }
 
 void plural_outlet::look_at(const LangSource &source, const item_t *item,
@@ -81,20 +112,15 @@ void plural_outlet::look_at(const LangSource &source, const item_t *item,
                 ways_[at].rule, text_of(find_entry(item->langs, names_[at].c_str())));
 }
 
-void plural_outlet::make_way(way &of, bool with_rare_forms)
+void plural_outlet::make_way(way &of, const std::string &value)
 {
-    of.value = header_of_rule(of.rule, with_rare_forms);
+    of.value = value;
     plural_header header;
     header.read(of.value);
-    of.numbers.assign(header.count, 0);
+    of.numbers = plural_numbers(header);
     std::vector<std::size_t> served(header.count);
-    // The smallest number from 1 on stands for a form, and 0 for one that has no other.
-    for (const std::uint64_t n : plural_samples()) {
-        const std::size_t form = header.form(n);
-        served[form] += n <= 1000 ? 1 : 0;
-        if (of.numbers[form] == 0)
-            of.numbers[form] = n;
-    }
+    for (std::uint64_t n = 0; n <= 1000; ++n)
+        ++served[header.form(n)];
     for (const std::size_t count : served)
         of.rare.push_back(count < few);
 }

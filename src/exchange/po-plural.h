@@ -22,11 +22,26 @@ struct plural_ids {
 };
 plural_ids ids_of_plural(std::string_view reference, std::string_view default_language);
 
+// What a catalog's compiler asks of a translation: the line ends of the id at both ends, and of a
+// format the arguments.
+class message_check {
+public:
+    message_check(std::string_view id, bool is_format);
+    bool fits(std::string_view text, bool may_leave_out_arguments) const;
+
+private:
+    std::string_view id_;
+    std::vector<std::string_view> arguments_; // none: not compared
+};
+
 // How each language's catalog counts. Looks through the items once: without any plural nothing is
 // written, and where a text has a form of its own from a million on, the header has it, too.
 class plural_outlet {
 public:
     explicit plural_outlet(const exporter &from);
+
+    // For a catalog that has a header: the field's value, or the language's own where that is none.
+    plural_outlet(const exporter &from, const std::string &field);
 
     bool any() const { return any_; }
 
@@ -58,7 +73,8 @@ private:
         std::vector<bool> rare;
     };
     void look_at(const LangSource &source, const item_t *item, std::vector<bool> &needs_rare);
-    static void make_way(way &of, bool with_rare_forms);
+    void add_language(const char *name);
+    static void make_way(way &of, const std::string &value);
 
     std::vector<std::string> names_;
     std::vector<way> ways_;

@@ -15,7 +15,11 @@ constexpr std::string_view no_flag = "none";
 
 bool is_fuzzy_line(std::string_view line)
 {
-    return line == fuzzy_word || (line.starts_with(fuzzy_word) && line[fuzzy_word.size()] == ':');
+    if (!line.starts_with(fuzzy_word))
+        return false;
+    line.remove_prefix(fuzzy_word.size());
+    return line.empty() || line.starts_with(": was \"") || line.starts_with(": plural \"") ||
+           line.starts_with(": in \"");
 }
 
 void append_quoted(std::string &out, std::string_view word, const std::optional<std::string> &text)
@@ -59,13 +63,13 @@ std::optional<std::string> take_quoted(std::string_view &line, std::string_view 
     return text;
 }
 
-std::string without_lines(std::string_view comment, bool (*is_mark)(std::string_view line))
+std::string without_lines(std::string_view comment, bool (*is_one)(std::string_view line))
 {
     std::string out;
     bool first = true;
     while (!comment.empty()) {
         const std::string_view line = cut_at(comment, '\n');
-        if (is_mark(line))
+        if (is_one(line))
             continue;
         out.append(first ? "" : "\n").append(line);
         first = false;
@@ -141,6 +145,8 @@ bool read_fuzzy(std::string_view comment, po_id &previous)
     return false;
 }
 
+bool is_mark(std::string_view line) { return line.starts_with(flags_word) || is_fuzzy_line(line); }
+
 std::string without_fuzzy(std::string_view comment)
 {
     return without_lines(comment, is_fuzzy_line);
@@ -151,9 +157,7 @@ std::string without_marks(std::string_view comment)
     // Most comments are for people alone.
     if (comment.find(flags_word) == comment.npos && comment.find(fuzzy_word) == comment.npos)
         return std::string(comment);
-    return without_lines(comment, [](std::string_view line) {
-        return line.starts_with(flags_word) || is_fuzzy_line(line);
-    });
+    return without_lines(comment, is_mark);
 }
 
 } // namespace zel::exchange

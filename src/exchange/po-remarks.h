@@ -26,6 +26,9 @@ bool read_fuzzy(std::string_view comment, po_id &previous);
 
 std::string without_fuzzy(std::string_view comment);
 
+// Whether a line is one of these.
+bool is_mark(std::string_view line);
+
 // The comment for people, without such lines.
 std::string without_marks(std::string_view comment);
 

@@ -1,6 +1,7 @@
 #include "exchange/po.h"
 
 #include "exchange/c-format.h"
+#include "exchange/item-finder.h"
 #include "exchange/key.h"
 #include "exchange/language-code.h"
 #include "exchange/po-message.h"
@@ -12,6 +13,7 @@
 #include <algorithm>
 #include <cstring>
 #include <ctime>
+#include <unordered_map>
 
 namespace zel::exchange {
 
@@ -54,6 +56,21 @@ void append_head(std::string &out, const LangSource &source, const lang_t *lang,
         (plural_header.empty() ? "" : "\n") + std::string(name_field) + ": " + name + "\n";
     append_po_text(out, {}, "msgid", {});
     append_po_text(out, {}, "msgstr", header);
+}
+
+// The header that tools know a template by.
+void append_template_head(std::string &out, const LangSource &source, bool has_plurals)
+{
+    out += "#, fuzzy\n";
+    append_po_text(out, {}, "msgid", {});
+    append_po_text(out, {}, "msgstr",
+                   "Project-Id-Version: " + (source.app == nullptr ? "" : one_line(source.app)) +
+                       "\nPOT-Creation-Date: " + stamp(source.mtime) +
+                       "\nPO-Revision-Date: YEAR-MO-DA HO:MI+ZONE\n"
+                       "Last-Translator: \nLanguage-Team: \nLanguage: \nMIME-Version: 1.0\n"
+                       "Content-Type: text/plain; charset=UTF-8\n"
+                       "Content-Transfer-Encoding: 8bit\nX-Generator: lang-kit\n" +
+                       (has_plurals ? "Plural-Forms: nplurals=INTEGER; plural=EXPRESSION;\n" : ""));
 }
 
 // Appends each line of a text as a programmer's remark, behind a label.
@@ -108,15 +125,16 @@ struct shared_parts {
     bool is_plural = false;
     std::string_view id; // the reference text, or the last form of a plural's
     std::vector<std::string> flags;
-    bool is_format = false;                  // whose arguments a translation must have, too
-    std::vector<std::string_view> arguments; // of the id
-    std::string default_comment;             // for people
+    std::optional<message_check> check;
+    std::string default_comment; // for people
 
-    void fill(const outgoing_item &from, std::string_view default_language);
+    void fill(const outgoing_item &from, const exporter &by);
 };
 
-void shared_parts::fill(const outgoing_item &from, std::string_view default_language)
+void shared_parts::fill(const outgoing_item &from, const exporter &by)
 {
+    const message_context context = by.request().context.value_or(message_context::key);
+    const std::string_view default_language = view_of(by.source().default_lang);
     remarks.clear();
     append_remark(remarks, {}, description_of(from.item));
     references.clear();
@@ -127,8 +145,12 @@ void shared_parts::fill(const outgoing_item &from, std::string_view default_lang
     append_po_references(references, places);
     ids.clear();
     std::string text;
-    append_key(text, from.group, from.name);
-    append_po_text(ids, {}, "msgctxt", text);
+    if (context == message_context::key)
+        append_key(text, from.group, from.name);
+    else
+        append_carried(text, from.group);
+    if (context != message_context::none)
+        append_po_text(ids, {}, "msgctxt", text);
     is_plural = exchange::is_plural(from.reference, from.default_comment);
     default_comment = without_marks(from.default_comment);
     id = from.reference;
@@ -143,25 +165,7 @@ void shared_parts::fill(const outgoing_item &from, std::string_view default_lang
     const auto said = flags_of(from.default_comment);
     flags = said ? *said : usual_flags(id);
     std::erase(flags, "plural");
-    is_format = false;
-    // A catalog may call a format what is none here; then nothing can be compared.
-    if (std::find(flags.begin(), flags.end(), "c-format") != flags.end())
-        if (auto found = c_format_arguments(id); found && !found->empty()) {
-            is_format = true;
-            arguments = *found;
-        }
-}
-
-bool fits(const shared_parts &shared, std::string_view text, bool may_leave_out = false)
-{
-    // Tools for catalogs refuse a text whose line ends at either end are not the original's.
-    if (shared.id.starts_with('\n') != text.starts_with('\n') ||
-        shared.id.ends_with('\n') != text.ends_with('\n'))
-        return false;
-    if (!shared.is_format)
-        return true;
-    const auto own = c_format_arguments(text);
-    return own == shared.arguments || (may_leave_out && own && own->empty());
+    check.emplace(id, std::find(flags.begin(), flags.end(), "c-format") != flags.end());
 }
 
 // Whether a text and its ids would pass the check of whoever compiles the catalog.
@@ -169,7 +173,7 @@ bool forms_fit(const shared_parts &shared, const plural_outlet &outlet, std::siz
                const plural_outlet::forms &forms)
 {
     for (std::size_t form = 0; form < forms.texts.size(); ++form)
-        if (!fits(shared, forms.texts[form], outlet.is_rare(language, form)))
+        if (!shared.check->fits(forms.texts[form], outlet.is_rare(language, form)))
             return false;
     return forms.fits;
 }
@@ -207,10 +211,10 @@ void append_message(std::string &out, exporter &from, const outgoing_item &item,
         from.plurals.partly += forms.is_whole ? 0 : 1;
     }
     // A text that does not fit is marked, so that somebody looks at it.
-    const bool fuzzy =
-        !one.text.empty() && forms.is_whole &&
-        (is_guess || (from.request().fuzzy && item.item->ready == 0) ||
-         !(shared.is_plural ? forms_fit(shared, outlet, language, forms) : fits(shared, one.text)));
+    const bool fuzzy = !one.text.empty() && forms.is_whole &&
+                       (is_guess || (from.request().fuzzy && item.item->ready == 0) ||
+                        !(shared.is_plural ? forms_fit(shared, outlet, language, forms)
+                                           : shared.check->fits(one.text, false)));
     append_po_flags(out, fuzzy, shared.flags);
     if (is_guess)
         append_po_id(out, "#| ", previous);
@@ -227,11 +231,16 @@ said_language language_of(const po_message &header)
     return said;
 }
 
-void take_message(po_message &message, text_unit &unit, encoding good)
+void take_message(po_message &message, text_unit &unit, encoding good, bool own)
 {
     unit.group.clear();
     unit.item.clear();
     unit.keyed = message.id.context && split_key(*message.id.context, unit.group, unit.item);
+    unit.loose = !own;
+    if (unit.loose) {
+        unit.context = message.id.context;
+        unit.code_group = group_of_place(message.references);
+    }
     unit.reference = *message.id.text;
     unit.text.clear();
     unit.forms.clear();
@@ -260,7 +269,7 @@ void write_po(exporter &from, std::vector<outgoing_file> &to)
         append_head(to[at].text, from.source(), from.languages()[at], outlet.header(at));
     shared_parts shared;
     from.each_item([&](const outgoing_item &item) {
-        shared.fill(item, view_of(from.source().default_lang));
+        shared.fill(item, from);
         for (std::size_t at = 0; at < to.size(); ++at) {
             append_message(to[at].text, from, item, shared, outlet, at);
             to[at].flush_large();
@@ -268,6 +277,58 @@ void write_po(exporter &from, std::vector<outgoing_file> &to)
     });
     for (outgoing_file &file : to)
         file.flush();
+}
+
+void write_pot(exporter &from, std::vector<outgoing_file> &to)
+{
+    std::string &out = to.front().text;
+    const plural_outlet outlet(from);
+    append_template_head(out, from.source(), outlet.any());
+    shared_parts shared;
+    from.each_item([&](const outgoing_item &item) {
+        shared.fill(item, from);
+        out += '\n';
+        out += shared.remarks;
+        append_remark(out, {}, shared.default_comment);
+        out += shared.references;
+        append_po_flags(out, false, shared.flags);
+        out += shared.ids;
+        out += shared.is_plural ? "msgstr[0] \"\"\nmsgstr[1] \"\"\n" : "msgstr \"\"\n";
+        to.front().flush_large();
+    });
+    to.front().flush();
+}
+
+std::vector<std::string> colliding_keys(exporter &from)
+{
+    std::vector<std::string> lines;
+    std::unordered_map<std::string, std::string> first;
+    const bool has_context = from.request().context == message_context::group;
+    from.each_item([&](const outgoing_item &item) {
+        std::string key;
+        append_key(key, item.group, item.name);
+        std::string id = has_context ? std::string(item.group) : std::string();
+        id += '\0'; // no text holds one
+        id += is_plural(item.reference, item.default_comment)
+                  ? ids_of_plural(item.reference, view_of(from.source().default_lang)).one
+                  : std::string_view(item.reference);
+        const auto &[known, added] = first.emplace(std::move(id), key);
+        if (!added)
+            lines.push_back(known->second + ", " + key);
+    });
+    return lines;
+}
+
+void append_po_items(std::string &out, exporter &from, const plural_outlet &outlet,
+                     const std::function<bool(const item_t *)> &is_wanted)
+{
+    shared_parts shared;
+    from.each_item([&](const outgoing_item &item) {
+        if (!is_wanted(item.item))
+            return;
+        shared.fill(item, from);
+        append_message(out, from, item, shared, outlet, 0);
+    });
 }
 
 fault read_po(std::string_view bytes, encoding good, const text_listener &hear)
@@ -287,7 +348,7 @@ fault read_po(std::string_view bytes, encoding good, const text_listener &hear)
             file.plural_line = plural_line(bytes);
             continue;
         }
-        take_message(message, unit, good);
+        take_message(message, unit, good, !file.languages.front().name.empty());
         hear(file, unit);
     }
     return reader.wrong();

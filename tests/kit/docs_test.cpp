@@ -190,7 +190,7 @@ INSTANTIATE_TEST_SUITE_P(ComingOver, Story,
                          name_of_page);
 INSTANTIATE_TEST_SUITE_P(Words, Story,
                          testing::Values("tests/kit/pages/diff.md", "tests/kit/pages/fill.md",
-                                         "tests/kit/pages/import-new.md",
+                                         "tests/kit/pages/import-new.md", "tests/kit/pages/like.md",
                                          "tests/kit/pages/merge.md", "tests/kit/pages/pseudo.md",
                                          "tests/kit/pages/report.md", "tests/kit/pages/show.md",
                                          "tests/kit/pages/start.md", "tests/kit/pages/stat.md"),

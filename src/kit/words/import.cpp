@@ -73,6 +73,9 @@ void import_report::hear(const exchange::import_event &event)
     case exchange::import_kind::unknown_item:
         note(event, "unknown item " + key);
         break;
+    case exchange::import_kind::ambiguous:
+        note(event, "ambiguous " + key + ": " + event.after);
+        break;
     case exchange::import_kind::unknown_language:
         note(event, "unknown language " + shown(language));
         break;

@@ -1,0 +1,93 @@
+#include "exchange/item-finder.h"
+
+#include "exchange/input.h"
+#include "source/entry.h"
+
+#include <algorithm>
+
+namespace zel::exchange {
+
+reference_parts split_reference(std::string_view reference)
+{
+    constexpr std::string_view open = "\xE2\x81\xA8";
+    constexpr std::string_view close = "\xE2\x81\xA9";
+    const std::size_t colon = reference.rfind(':');
+    std::string_view line;
+    if (colon != std::string_view::npos && colon + 1 < reference.size() &&
+        reference.find_first_not_of("0123456789", colon + 1) == std::string_view::npos) {
+        line = reference.substr(colon + 1);
+        reference = reference.substr(0, colon);
+    }
+    // A name with blanks stands between these two characters.
+    if (reference.starts_with(open) && reference.ends_with(close))
+        reference = reference.substr(open.size(), reference.size() - open.size() - close.size());
+    return {reference, line};
+}
+
+std::string group_of_place(const std::vector<std::string> &references)
+{
+    const std::string_view file =
+        references.empty() ? std::string_view() : split_reference(references.front()).file;
+    return file.empty() ? "messages" : std::string(stem_of(file));
+}
+
+void item_finder::add(const edit_t *group, item_t *item, std::string_view text)
+{
+    std::vector<found> &all = by_text_[std::string(text)];
+    if (all.empty() || all.back().item != item)
+        all.push_back({item, view_of(group->name)});
+}
+
+void item_finder::fill()
+{
+    filled_ = true;
+    for (const edit_t *group : each<edit_t>(source_->groups))
+        for (item_t *item : each<item_t>(group->items)) {
+            add(group, item, view_of(item->name));
+            add(group, item, without_end(reference_text(*source_, item)));
+        }
+}
+
+// The item of that group; of one that bears a number because the other's name was taken, when the
+// first is.
+const item_finder::found *item_finder::in_group(const std::vector<found> &all,
+                                                std::string_view group) const
+{
+    for (const bool numbered : {false, true})
+        for (const found &one : all) {
+            const bool fits =
+                numbered ? one.group.size() > group.size() + 1 && one.group.starts_with(group) &&
+                               one.group[group.size()] == '-' &&
+                               one.group.find_first_not_of("0123456789", group.size() + 1) ==
+                                   std::string_view::npos
+                         : one.group == group;
+            if (fits && !taken_.contains(one.item))
+                return &one;
+        }
+    return nullptr;
+}
+
+std::vector<item_finder::found> item_finder::find(const std::optional<std::string> &context,
+                                                  const std::string &text, std::string_view group)
+{
+    if (!filled_)
+        fill();
+    // Names may differ in the white space at the end alone, which texts do not have.
+    auto known = by_text_.find(text);
+    if (known == by_text_.end())
+        known = by_text_.find(std::string(without_end(text)));
+    if (known == by_text_.end())
+        return {};
+    if (const found *one = in_group(known->second, context ? std::string_view(*context) : group)) {
+        taken_.insert(one->item);
+        return {*one};
+    }
+    std::vector<found> free;
+    std::copy_if(known->second.begin(), known->second.end(), std::back_inserter(free),
+                 [&](const found &one) { return !taken_.contains(one.item); });
+    if (free.size() == 1)
+        taken_.insert(free.front().item);
+    return free;
+}
+
+} // namespace zel::exchange
