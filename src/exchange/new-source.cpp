@@ -126,6 +126,9 @@ std::string new_source::name_language(const std::string &path, std::string_view 
 fault new_source::choose_language(catalog &of, std::string_view header)
 {
     of.language = name_language(of.path, header);
+    of.met = &met_[of.language];
+    if (reading_ == from::catalogs)
+        of.met->reserve(source_->item_count);
     const auto &[language, first] = *files_.emplace(of.language, of.path).first;
     if (first == of.path || (stem_of(first) == stem_of(of.path)))
         return {};
@@ -227,7 +230,7 @@ void new_source::take_part(const catalog &of, const po_message &message, const p
     if (reading_ == from::a_template)
         return;
     if (reading_ == from::catalogs)
-        met_[of.language].insert(item);
+        of.met->insert(item);
     std::string remarks = told_lines(message.remarks);
     if (message.fuzzy && !one.text.empty())
         remarks = fuzzy_line(message.previous) + (remarks.empty() ? "" : "\n") + remarks;
@@ -242,7 +245,17 @@ void new_source::take_part(const catalog &of, const po_message &message, const p
 void new_source::put_translation(const catalog &of, const po_message &message, item_t *item,
                                  const std::string &text)
 {
-    const std::string before = text_of(find_entry(item->langs, of.language.c_str()));
+    std::uint32_t &count = texts_[of.language];
+    lang_entry_t *entry = find_entry(item->langs, of.language.c_str());
+    if (entry == nullptr) {
+        // Not put_text, which would look for the entry once more.
+        entry = alloc_lang_entry(of.language.c_str());
+        item->langs = g_list_append(item->langs, entry);
+        set_text(entry, text);
+        ++count;
+        return;
+    }
+    const std::string before = text_of(entry);
     // The default language has the ids until its catalog comes.
     const bool had_id = of.language == request_.default_language && translated_.insert(item).second;
     const bool is_first = before.empty() || had_id;
@@ -251,8 +264,8 @@ void new_source::put_translation(const catalog &of, const po_message &message, i
         append_name(shown, before);
         note(of, message.line, "takes the place of \"" + shown + "\"");
     }
-    put_text(item->langs, of.language.c_str(), text);
-    texts_[of.language] += is_first ? 1 : 0;
+    set_text(entry, text);
+    count += is_first ? 1 : 0;
 }
 
 fault new_source::take_message(catalog &of, const po_message &message)
@@ -321,7 +334,7 @@ std::map<std::string, std::uint32_t> new_source::lacking() const
 {
     std::map<std::string, std::uint32_t> lacking;
     for (const auto &[language, items] : met_)
-        if (items.size() < source_->item_count)
+        if (reading_ == from::catalogs && items.size() < source_->item_count)
             lacking[language] = source_->item_count - static_cast<std::uint32_t>(items.size());
     return lacking;
 }

@@ -69,12 +69,15 @@ public:
     const std::map<std::string, std::uint32_t> &texts() const { return texts_; }
 
 private:
+    using item_set = std::unordered_set<const item_t *>;
+
     struct catalog {
         std::string path;
         std::string language;
         bool own = false;   // exported by lang-kit
         bool flags = false; // says of any message that it is a format
         plural_reader plurals;
+        item_set *met = nullptr; // of its language
     };
     // A message's part of an item.
     struct part {
@@ -107,8 +110,8 @@ private:
     new_request request_;
     source_guard source_;
     item_index items_;
-    std::unordered_map<std::string, item_t *> known_;               // by context and id
-    std::map<std::string, std::unordered_set<const item_t *>> met_; // in each language's catalogs
+    std::unordered_map<std::string, item_t *> known_; // by context and id
+    std::map<std::string, item_set> met_;             // in each language's catalogs
     enum class from { catalogs, a_template, catalogs_behind_one } reading_ = from::catalogs;
     std::map<std::string, std::string> codes_;      // of the languages, by name
     std::unordered_set<const item_t *> translated_; // that the default language's catalog has had
