@@ -7,6 +7,21 @@
 
 namespace zel::exchange {
 
+namespace {
+
+// A text that more items have is not looked for in all of them: the time would be the square of
+// their number.
+constexpr std::size_t most_looked_at = 100;
+
+std::string grouped(std::string_view text, std::string_view group)
+{
+    std::string out(text);
+    out += '\0'; // no name holds one
+    return out.append(group);
+}
+
+} // namespace
+
 reference_parts split_reference(std::string_view reference)
 {
     constexpr std::string_view open = "\xE2\x81\xA8";
@@ -34,8 +49,10 @@ std::string group_of_place(const std::vector<std::string> &references)
 void item_finder::add(const edit_t *group, item_t *item, std::string_view text)
 {
     std::vector<found> &all = by_text_[std::string(text)];
-    if (all.empty() || all.back().item != item)
-        all.push_back({item, view_of(group->name)});
+    if (!all.empty() && all.back().item == item)
+        return;
+    all.push_back({item, view_of(group->name)});
+    by_group_.emplace(grouped(text, view_of(group->name)), all.back());
 }
 
 void item_finder::fill()
@@ -50,21 +67,22 @@ void item_finder::fill()
 
 // The item of that group; of one that bears a number because the other's name was taken, when the
 // first is.
-const item_finder::found *item_finder::in_group(const std::vector<found> &all,
+const item_finder::found *item_finder::in_group(const std::string &text,
+                                                const std::vector<found> &all,
                                                 std::string_view group) const
 {
-    for (const bool numbered : {false, true})
-        for (const found &one : all) {
-            const bool fits =
-                numbered ? one.group.size() > group.size() + 1 && one.group.starts_with(group) &&
-                               one.group[group.size()] == '-' &&
-                               one.group.find_first_not_of("0123456789", group.size() + 1) ==
-                                   std::string_view::npos
-                         : one.group == group;
-            if (fits && !taken_.contains(one.item))
-                return &one;
-        }
-    return nullptr;
+    const auto exact = by_group_.find(grouped(text, group));
+    if (exact != by_group_.end() && !taken_.contains(exact->second.item))
+        return &exact->second;
+    if (all.size() > most_looked_at)
+        return nullptr;
+    const auto numbered = std::find_if(all.begin(), all.end(), [&](const found &one) {
+        return one.group.size() > group.size() + 1 && one.group.starts_with(group) &&
+               one.group[group.size()] == '-' && !taken_.contains(one.item) &&
+               one.group.find_first_not_of("0123456789", group.size() + 1) ==
+                   std::string_view::npos;
+    });
+    return numbered == all.end() ? nullptr : &*numbered;
 }
 
 std::vector<item_finder::found> item_finder::find(const std::optional<std::string> &context,
@@ -78,10 +96,13 @@ std::vector<item_finder::found> item_finder::find(const std::optional<std::strin
         known = by_text_.find(std::string(without_end(text)));
     if (known == by_text_.end())
         return {};
-    if (const found *one = in_group(known->second, context ? std::string_view(*context) : group)) {
+    if (const found *one =
+            in_group(known->first, known->second, context ? std::string_view(*context) : group)) {
         taken_.insert(one->item);
         return {*one};
     }
+    if (known->second.size() > most_looked_at)
+        return {};
     std::vector<found> free;
     std::copy_if(known->second.begin(), known->second.end(), std::back_inserter(free),
                  [&](const found &one) { return !taken_.contains(one.item); });

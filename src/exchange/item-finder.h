@@ -25,9 +25,10 @@ public:
         std::string_view group;
     };
 
-    // The items that a message may mean: none, one, or several that cannot be told apart. Its text
-    // is the id, or both of a plural with the sign between forms. A file's messages are asked for
-    // one after the other, and an item that one of them alone has meant is not offered again.
+    // The items that a message may mean: none, one, or several that cannot be told apart; none,
+    // too, where more than a hundred bear the text. Its text is the id, or both of a plural with
+    // the sign between forms. A file's messages are asked for one after the other, and an item that
+    // one of them alone has meant is not offered again.
     std::vector<found> find(const std::optional<std::string> &context, const std::string &text,
                             std::string_view group);
 
@@ -37,11 +38,13 @@ public:
 private:
     void fill();
     void add(const edit_t *group, item_t *item, std::string_view text);
-    const found *in_group(const std::vector<found> &all, std::string_view group) const;
+    const found *in_group(const std::string &text, const std::vector<found> &all,
+                          std::string_view group) const;
 
     LangSource *source_;
     bool filled_ = false;
     std::unordered_map<std::string, std::vector<found>> by_text_; // by name and by reference text
+    std::unordered_map<std::string, found> by_group_;             // by text and group
     std::unordered_set<const item_t *> taken_;
 };
 
