@@ -201,8 +201,9 @@ void append_message(std::string &out, exporter &from, const outgoing_item &item,
         append_remark(out, one_line(view_of(from.source().default_lang)) + ": ",
                       shared.default_comment);
     po_id previous;
-    const bool is_guess = read_fuzzy(one.comment, previous);
-    append_remark(out, one_line(name) + ": ", without_marks(one.comment));
+    const bool is_guess = !one.comment.empty() && read_fuzzy(one.comment, previous);
+    if (!one.comment.empty())
+        append_remark(out, one_line(name) + ": ", without_marks(one.comment));
     out += shared.references;
     plural_outlet::forms forms;
     if (shared.is_plural) {
