@@ -303,6 +303,14 @@ struct po_known {
     std::vector<row> rows;
     hash_index index;
 
+    // Makes room at once for what a catalog of that size mostly holds.
+    void reserve(std::size_t bytes)
+    {
+        names.reserve(bytes / 3);
+        rows.reserve(bytes / 160);
+        index.reserve(bytes / 160);
+    }
+
     // The line of the message that came before with the same context and id; 0 when there is none.
     std::uint32_t meet(const po_message &message)
     {
@@ -334,6 +342,7 @@ po_reader::po_reader(std::string_view bytes)
             return;
         bytes = recoded_;
     }
+    known_->reserve(bytes.size());
     wrong_ = check_utf8(bytes);
     scan_->buf.reset(zel_lex_buf_mem_new(bytes.data(), static_cast<std::uint32_t>(bytes.size())));
     scan_->lex.reset(zel_lex_new(keywords, LEX_ESCAPES | LEX_NO_COMMENTS | LEX_NEWLINE_SPACE));
