@@ -248,6 +248,8 @@ std::string plural_reader::told_shift() const
 std::vector<std::string> plural_reader::told(bool kept) const
 {
     std::vector<std::string> lines = notes_;
+    if (ready_for_ == 0)
+        return lines;
     for (const lost_form &lost : lost_) {
         if (lost.texts == 0)
             continue;
@@ -260,7 +262,7 @@ std::vector<std::string> plural_reader::told(bool kept) const
                          : one ? "kept as a remark"
                                : "kept as remarks"));
     }
-    if (std::string shift = ready_for_ == 0 ? "" : told_shift(); !shift.empty())
+    if (std::string shift = told_shift(); !shift.empty())
         lines.push_back(std::move(shift));
     return lines;
 }
