@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,12 +17,16 @@
 
 namespace zel::exchange {
 
+enum class message_context { key, group, none };
+
 struct export_request {
     LangSource *source = nullptr;
     std::vector<std::string> languages; // names; none: all that are defined
     bool unused = false;                // items too that the application does not use
     bool fuzzy = false;                 // items that are not ready are marked so
-    bool comments = false;              // in formats that have them only when wanted
+    // What tells a catalog's messages apart besides their texts; none said: the key.
+    std::optional<message_context> context;
+    bool comments = false; // in formats that have them only when wanted
 };
 
 // One item on its way out. Texts are in one piece, bytes as the source has them.
@@ -62,6 +67,14 @@ public:
 
     // Items that are left out because another of that group and name stands before them.
     std::uint32_t repeated() const { return repeated_; }
+
+    // Plurals that a format could not write as they are: with another number of forms than their
+    // language, and those of which a form is empty, which are left out.
+    struct plural_count {
+        std::uint32_t uneven = 0;
+        std::uint32_t partly = 0;
+    };
+    plural_count plurals;
 
     // Calls for each item, once per group and name; the record is good for the call.
     void each_item(const std::function<void(const outgoing_item &)> &write);

@@ -14,6 +14,7 @@ namespace {
 // A file without a named format is read by the first row that has its ending.
 constexpr format table[] = {
     {"po", ".po", files::per_language, write_po, read_po},
+    {"pot", ".pot", files::one, write_pot, read_po},
     {"xliff", ".xliff", files::per_language, write_xliff, read_xliff},
     {"xliff2", ".xliff", files::per_language, write_xliff2, read_xliff},
     {"csv", ".csv", files::one, write_csv, read_csv},
@@ -60,6 +61,8 @@ read_answer read_file_texts(const char *format_name, const std::string &path, en
     if (!answer.wrong)
         answer.wrong = row->read(bytes, good, [&](const file_texts &file, text_unit &unit) {
             answer.file.languages = file.languages;
+            answer.file.plural_field = file.plural_field;
+            answer.file.plural_line = file.plural_line;
             answer.file.units.push_back(unit);
         });
     return answer;

@@ -1,7 +1,13 @@
 #include "exchange/import.h"
 
+#include "exchange/key.h"
 #include "exchange/language-code.h"
+#include "exchange/po-plural.h"
+#include "exchange/po-remarks.h"
+#include "langlib/plural-rule.h"
 #include "source/entry.h"
+
+#include <algorithm>
 
 namespace zel::exchange {
 
@@ -31,6 +37,37 @@ bool is_same(std::string_view before, std::string_view after)
     return false;
 }
 
+// The languages of a source that have a code, or the same language in it.
+struct code_match {
+    const char *whole = nullptr;
+    const char *part = nullptr;
+    int wholes = 0;
+    int parts = 0;
+};
+
+code_match match_code(const LangSource &source, const std::string &code)
+{
+    code_match found;
+    for (const lang_t *lang : each<lang_t>(source.langs)) {
+        const std::string own = lang->name == nullptr ? "" : code_of(lang->name);
+        if (own.empty() || language_part(own) != language_part(code))
+            continue;
+        found.part = lang->name;
+        ++found.parts;
+        if (own == code) {
+            found.whole = lang->name;
+            ++found.wholes;
+        }
+    }
+    return found;
+}
+
+bool has_text(const text_unit &unit)
+{
+    return !unit.text.empty() || std::any_of(unit.forms.begin(), unit.forms.end(),
+                                             [](const std::string &form) { return !form.empty(); });
+}
+
 } // namespace
 
 encoding encoding_of(const LangSource &source)
@@ -48,24 +85,18 @@ const char *find_language(const LangSource &source, const said_language &said,
         for (const lang_t *lang : each<lang_t>(source.langs))
             if (!wanted.empty() && same_text(wanted, lang->name))
                 return lang->name;
-    const std::string code = said.code.empty() ? code_of(stem_of(path)) : said.code;
-    const char *whole = nullptr;
-    const char *part = nullptr;
-    int wholes = 0;
-    int parts = 0;
-    for (const lang_t *lang : each<lang_t>(source.langs)) {
-        const std::string own = lang->name == nullptr ? "" : code_of(lang->name);
-        if (own.empty() || language_part(own) != language_part(code))
-            continue;
-        part = lang->name;
-        ++parts;
-        if (own == code) {
-            whole = lang->name;
-            ++wholes;
-        }
-    }
+    const std::string own = code_of(stem_of(path));
+    const std::string code = said.code.empty() ? own : said.code;
+    // A file that is named by a longer code knows better than its header: sr@latin, zh_TW.
+    if (own.size() > code.size() && own.starts_with(code) &&
+        (own[code.size()] == '_' || own[code.size()] == '@'))
+        if (const code_match longer = match_code(source, own); longer.wholes == 1)
+            return longer.whole;
+    const code_match found = match_code(source, code);
     // Only one language may fit: a wrong guess would overwrite another one's texts.
-    return wholes == 1 ? whole : wholes == 0 && parts == 1 ? part : nullptr;
+    return found.wholes == 1                       ? found.whole
+           : found.wholes == 0 && found.parts == 1 ? found.part
+                                                   : nullptr;
 }
 
 std::string_view shown_name(const said_language &said, std::string_view path)
@@ -75,8 +106,20 @@ std::string_view shown_name(const said_language &said, std::string_view path)
                                 : stem_of(path);
 }
 
+plural_reader::answer join_forms(plural_reader &plurals, text_unit &unit)
+{
+    plural_reader::answer answer;
+    if (unit.forms.empty())
+        return answer;
+    answer = plurals.join(unit.forms, unit.line);
+    unit.text = answer.text;
+    if (!answer.remark.empty())
+        unit.note.text += (unit.note.text.empty() ? "" : "\n") + answer.remark;
+    return answer;
+}
+
 importer::importer(LangSource *source, const import_request &request)
-    : source_(source), request_(request), items_(source)
+    : source_(source), request_(request), items_(source), finder_(source)
 {
 }
 
@@ -99,34 +142,135 @@ const char *importer::language_of(const file_texts &file, const text_unit &unit,
 fault importer::take(const format &row, const std::string &path, std::string_view bytes)
 {
     resolved_.clear();
+    plurals_ = {};
+    wrong_ = {};
+    finder_.forget();
+    deferred_.clear();
     // The name of a file with all languages says nothing about any of them.
     const std::string_view named = row.writes == files::per_language ? path : std::string_view();
-    return row.read(bytes, encoding_of(*source_), [&](const file_texts &file, text_unit &unit) {
-        if (const char *language = language_of(file, unit, named))
-            take_unit(language, unit);
+    fault wrong =
+        row.read(bytes, encoding_of(*source_), [&](const file_texts &file, text_unit &unit) {
+            const std::size_t known = resolved_.size();
+            const char *language = wrong_ ? nullptr : language_of(file, unit, named);
+            if (language != nullptr && known == 0)
+                plurals_.open(language, file.plural_field, file.plural_line);
+            if (language != nullptr)
+                take_unit(language, unit);
+        });
+    if (!wrong && !wrong_ && !deferred_.empty())
+        take_deferred(resolved_.front());
+    return wrong_ ? wrong_ : wrong;
+}
+
+void importer::take_deferred(const char *language)
+{
+    for (text_unit &unit : deferred_)
+        take_unit(language, unit, true);
+}
+
+// Puts a plural's forms into one text. False where that cannot be, which is said.
+bool importer::join(const char *language, text_unit &unit)
+{
+    // What is left out as a guess says nothing about the others.
+    if (unit.forms.empty() || (unit.fuzzy && !request_.guesses)) {
+        for (const std::string &form : unit.forms)
+            unit.text.append(unit.text.empty() ? "" : "|").append(form);
+        return true;
+    }
+    const plural_reader::answer answer = join_forms(plurals_, unit);
+    if (answer.wrong)
+        wrong_ = answer.wrong;
+    if (answer.what == plural_reader::outcome::apart)
+        say(import_kind::unfit, unit, language);
+    return !answer.wrong;
+}
+
+void importer::take_unit(const char *language, text_unit &unit, bool at_end)
+{
+    // An empty text never deletes one.
+    if (!has_text(unit) && (!request_.comments || unit.note.text.empty()))
+        return;
+    const std::vector<item_finder::found> all = items_of(language, unit, at_end);
+    if (all.empty() || !join(language, unit))
+        return;
+    for (const item_finder::found &one : all) {
+        // What a foreign catalog does not name is told by its key from here on.
+        if (unit.loose) {
+            unit.keyed = true;
+            unit.group = one.group;
+            unit.item = view_of(one.item->name);
+        }
+        take_text(one.item, language, unit);
+        if (request_.comments)
+            take_comment(one.item, language, unit);
+    }
+}
+
+// The items that a unit is for: none, which is said, one, or some with the same text until now.
+std::vector<item_finder::found> importer::items_of(const char *language, text_unit &unit,
+                                                   bool at_end)
+{
+    const indexed_item *keyed =
+        unit.keyed ? items_.find(unit.group.c_str(), unit.item.c_str()) : nullptr;
+    if (keyed != nullptr) {
+        unit.loose = false;
+        return {{keyed->item, unit.group}};
+    }
+    std::vector<item_finder::found> all;
+    if (unit.loose)
+        all = finder_.find(unit.context, unit.reference, unit.code_group);
+    if (all.empty())
+        say(import_kind::unknown_item, unit, language);
+    // Some of them may turn out to be other messages of the file.
+    if (all.size() > 1 && !at_end) {
+        deferred_.push_back(unit);
+        return {};
+    }
+    if (all.size() < 2 || have_one_text(all, language))
+        return all;
+    std::string keys;
+    for (const item_finder::found &one : all) {
+        keys += keys.empty() ? "" : ", ";
+        append_key(keys, one.group, view_of(one.item->name));
+    }
+    say(import_kind::ambiguous, unit, language, {}, keys);
+    return {};
+}
+
+bool importer::have_one_text(const std::vector<item_finder::found> &all, const char *language) const
+{
+    const std::string first = text_of(find_entry(all.front().item->langs, language));
+    return std::all_of(all.begin(), all.end(), [&](const item_finder::found &one) {
+        return without_end(text_of(find_entry(one.item->langs, language))) == without_end(first);
     });
 }
 
-void importer::take_unit(const char *language, text_unit &unit)
+// Whether a text is what the source has. One that came back with more forms or fewer may show the
+// same.
+bool importer::is_same_text(const char *language, const text_unit &unit,
+                            std::string_view before) const
 {
-    // An empty text never deletes one.
-    if (unit.text.empty() && (!request_.comments || unit.note.text.empty()))
-        return;
-    const indexed_item *found =
-        unit.keyed ? items_.find(unit.group.c_str(), unit.item.c_str()) : nullptr;
-    if (found == nullptr) {
-        say(import_kind::unknown_item, unit, language);
-        return;
-    }
-    take_text(found->item, language, unit);
-    if (request_.comments)
-        take_comment(found->item, language, unit);
+    return is_same(before, unit.text) ||
+           (!unit.forms.empty() &&
+            shows_the_same(language, without_end(before), without_end(unit.text)));
+}
+
+bool importer::is_outdated(const text_unit &unit, std::string_view reference) const
+{
+    if (unit.reference.empty() || is_same(reference, unit.reference))
+        return false;
+    if (unit.forms.empty() || reference.find(plural_sign) == reference.npos)
+        return true;
+    const plural_ids ids = ids_of_plural(reference, view_of(source_->default_lang));
+    return !is_same(std::string(ids.one) + plural_sign + std::string(ids.others), unit.reference);
 }
 
 void importer::take_text(item_t *item, const char *language, const text_unit &unit)
 {
+    if (!unit.fuzzy && !without_end(unit.text).empty())
+        confirm(item, language, unit);
     std::string before = text_of(find_entry(item->langs, language));
-    if (without_end(unit.text).empty() || is_same(before, unit.text))
+    if (without_end(unit.text).empty() || is_same_text(language, unit, before))
         return;
     if (unit.fuzzy && !request_.guesses) {
         ++guesses_;
@@ -142,8 +286,22 @@ void importer::take_text(item_t *item, const char *language, const text_unit &un
         item->ready = 0;
     ++changed_;
     say(import_kind::text, unit, language, std::move(before), after);
-    if (!unit.reference.empty() && !is_same(reference, unit.reference))
+    if (is_outdated(unit, reference))
         say(import_kind::outdated, unit, language, unit.reference, reference);
+}
+
+// Takes the mark of a guess off, as somebody has looked at the text.
+void importer::confirm(item_t *item, const char *language, const text_unit &unit)
+{
+    po_id ignored;
+    lang_entry_t *comment = find_entry(item->comments, language);
+    std::string before = text_of(comment);
+    if (!read_fuzzy(before, ignored))
+        return;
+    std::string after = without_fuzzy(before);
+    set_text(comment, after);
+    ++changed_;
+    say(import_kind::comment, unit, language, std::move(before), std::move(after));
 }
 
 // Takes a remark. A new one goes below those that are there.

@@ -12,6 +12,8 @@
 #include <vector>
 
 #include "exchange/formats.h"
+#include "exchange/item-finder.h"
+#include "exchange/plural-reader.h"
 #include "source/item-index.h"
 #include "source/model.h"
 
@@ -20,8 +22,10 @@ namespace zel::exchange {
 enum class import_kind {
     text,     // a text was replaced
     comment,  // a comment was
+    unfit,    // a plural whose forms cannot stand in one text
     outdated, // with the text: it translates another text than the source has now
     unknown_item,
+    ambiguous,       // several items may be meant, whose keys are told
     unknown_language // said once for each language of a file
 };
 
@@ -51,10 +55,22 @@ public:
     std::uint32_t changed() const { return changed_; }
     std::uint32_t guesses() const { return guesses_; }
 
+    // Of the last file: plurals without a text for each form, which count as untranslated, and what
+    // became of forms and numbers, a line each.
+    std::uint32_t partly() const { return plurals_.partly(); }
+    std::vector<std::string> plural_notes() const { return plurals_.told(request_.comments); }
+
 private:
     const char *language_of(const file_texts &file, const text_unit &unit, std::string_view path);
-    void take_unit(const char *language, text_unit &unit);
+    bool join(const char *language, text_unit &unit);
+    std::vector<item_finder::found> items_of(const char *language, text_unit &unit, bool at_end);
+    void take_deferred(const char *language);
+    bool have_one_text(const std::vector<item_finder::found> &all, const char *language) const;
+    void take_unit(const char *language, text_unit &unit, bool at_end = false);
+    bool is_same_text(const char *language, const text_unit &unit, std::string_view before) const;
+    bool is_outdated(const text_unit &unit, std::string_view reference) const;
     void take_text(item_t *item, const char *language, const text_unit &unit);
+    void confirm(item_t *item, const char *language, const text_unit &unit);
     void take_comment(item_t *item, const char *language, const text_unit &unit);
     void say(import_kind kind, const text_unit &unit, std::string_view language,
              std::string before = {}, std::string after = {});
@@ -62,7 +78,11 @@ private:
     LangSource *source_;
     import_request request_;
     item_index items_;
+    item_finder finder_;
     std::vector<const char *> resolved_; // of the file's languages; null: not known
+    std::vector<text_unit> deferred_;    // of the file, which several items may be meant by
+    plural_reader plurals_;              // of the file
+    fault wrong_;
     std::uint32_t changed_ = 0;
     std::uint32_t guesses_ = 0;
 };
@@ -73,6 +93,10 @@ private:
 // that.
 const char *find_language(const LangSource &source, const said_language &said,
                           std::string_view path, const std::string &instead = {});
+
+// Joins the forms of a plural to its text, for the language that the reader was opened for; what
+// has no place is added to the note. A text without forms stays what it is.
+plural_reader::answer join_forms(plural_reader &plurals, text_unit &unit);
 
 // What a message calls such a language.
 std::string_view shown_name(const said_language &said, std::string_view path);

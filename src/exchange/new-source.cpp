@@ -1,11 +1,17 @@
 #include "exchange/new-source.h"
 
 #include "exchange/carry.h"
+#include "exchange/item-finder.h"
 #include "exchange/key.h"
 #include "exchange/language-code.h"
+#include "exchange/plural-text.h"
 #include "exchange/po-read.h"
+#include "exchange/po-remarks.h"
+#include "langlib/plural-rule.h"
 #include "source/entry.h"
 #include "support/string-copy.h"
+
+#include <algorithm>
 
 namespace zel::exchange {
 
@@ -22,29 +28,6 @@ source_guard empty_source(const new_request &request)
     return source;
 }
 
-// "src/window.c:31" in its two parts; the line is empty where there is none.
-struct reference_parts {
-    std::string_view file;
-    std::string_view line;
-};
-
-reference_parts split_reference(std::string_view reference)
-{
-    constexpr std::string_view open = "\xE2\x81\xA8";
-    constexpr std::string_view close = "\xE2\x81\xA9";
-    const std::size_t colon = reference.rfind(':');
-    std::string_view line;
-    if (colon != std::string_view::npos && colon + 1 < reference.size() &&
-        reference.find_first_not_of("0123456789", colon + 1) == std::string_view::npos) {
-        line = reference.substr(colon + 1);
-        reference = reference.substr(0, colon);
-    }
-    // A name with blanks stands between these two characters.
-    if (reference.starts_with(open) && reference.ends_with(close))
-        reference = reference.substr(open.size(), reference.size() - open.size() - close.size());
-    return {reference, line};
-}
-
 // Writes a place as sources have it: the line in five digits before the file.
 std::string place_of(std::string_view reference)
 {
@@ -58,7 +41,8 @@ std::string told_lines(const std::vector<std::string> &lines)
     std::string out;
     for (const std::string &line : lines)
         if (!line.starts_with("xgettext:"))
-            out.append(out.empty() ? "" : "\n").append(line);
+            // What somebody has written is no mark of ours.
+            out.append(out.empty() ? "" : "\n").append(is_mark(line) ? "# " : "").append(line);
     return out;
 }
 
@@ -71,6 +55,23 @@ std::string_view app_of(std::string_view project)
     const bool has_version = blank != std::string_view::npos &&
                              project.find_first_of("0123456789", blank) != std::string_view::npos;
     return has_version || project.ends_with(" VERSION") ? project.substr(0, blank) : project;
+}
+
+// The ids of a plural as one text; those that hold the sign between forms, or nothing, cannot be.
+bool has_apart_ids(const po_id &id)
+{
+    return id.text->find(plural_sign) != std::string::npos ||
+           id.plural->find(plural_sign) != std::string::npos || without_end(*id.text).empty() ||
+           without_end(*id.plural).empty();
+}
+
+// Makes the text a language's comment, below the line of flags if it has one.
+void put_comment(item_t *item, const std::string &language, std::string text)
+{
+    const std::string before = text_of(find_entry(item->comments, language.c_str()));
+    if (const auto flags = flags_of(before))
+        text.insert(0, flags_line(*flags) + "\n");
+    put_text(item->comments, language.c_str(), text);
 }
 
 } // namespace
@@ -96,16 +97,23 @@ void new_source::add_language(const std::string &name)
 }
 
 // The language's name: the header's own; else a word for its code, or the code where no word means
-// just that; else the file's.
+// just that; else the file's. A file that is named by a longer code of the same language knows
+// better than its header: sr@latin, zh_TW.
 std::string new_source::name_language(const std::string &path, std::string_view header)
 {
     std::string name;
     read_name(po_header_field(header, "X-Language-Name"), name);
     std::string code(po_header_field(header, "Language"));
-    if (name.empty() && code.empty())
-        code = code_of(stem_of(path));
+    if (const std::string own = code_of(stem_of(path));
+        name.empty() && own.starts_with(code) &&
+        (code.empty() || own.substr(code.size(), 1).find_first_of("_@") == 0))
+        code = own;
+    // Of a word that it does not know the library could not tell how the language counts.
+    const std::string_view word = name_of_code(code);
     if (name.empty())
-        name = code == code_of(name_of_code(code)) ? std::string(name_of_code(code)) : code;
+        name = code == code_of(word) && has_plural_rule(word) == has_plural_rule(code)
+                   ? std::string(word)
+                   : code;
     if (name.empty())
         name = stem_of(path);
     if (codes_.emplace(name, code).second)
@@ -113,14 +121,30 @@ std::string new_source::name_language(const std::string &path, std::string_view 
     return name;
 }
 
-void new_source::take_header(catalog &of, const std::string &path, const po_message &message)
+// Two files of one language are two languages that somebody has called by one name; but one name in
+// two folders is one language in two parts of a project.
+fault new_source::choose_language(catalog &of, std::string_view header)
+{
+    of.language = name_language(of.path, header);
+    of.met = &met_[of.language];
+    if (reading_ == from::catalogs)
+        of.met->reserve(source_->item_count);
+    const auto &[language, first] = *files_.emplace(of.language, of.path).first;
+    if (first == of.path || (stem_of(first) == stem_of(of.path)))
+        return {};
+    return {0, "of the language \"" + language + "\", and so is " + first};
+}
+
+fault new_source::take_header(catalog &of, std::string_view bytes, const po_message &message)
 {
     const std::string &header = message.texts.front();
     of.own = po_header_field(header, "X-Generator") == "lang-kit";
-    of.language = name_language(path, header);
+    const fault wrong = choose_language(of, header);
+    of.plurals.open(of.language, po_header_field(header, plural_field), plural_line(bytes));
     const std::string app(app_of(po_header_field(header, "Project-Id-Version")));
     if (!app.empty())
         replace_string(source_->app, zel_strdup(app.c_str()));
+    return wrong;
 }
 
 std::string new_source::group_of(const po_message &message) const
@@ -129,10 +153,7 @@ std::string new_source::group_of(const po_message &message) const
         return *message.id.context;
     if (!request_.group.empty())
         return request_.group;
-    const std::string_view file = message.references.empty()
-                                      ? std::string_view()
-                                      : split_reference(message.references.front()).file;
-    return file.empty() ? "messages" : std::string(stem_of(file));
+    return group_of_place(message.references);
 }
 
 // Makes an item. A message without a context may have the name of another one in a group of the
@@ -145,7 +166,7 @@ item_t *new_source::make_item(const std::string &group, const std::string &name,
         free_group = group + "-" + std::to_string(number);
     indexed_item *added = items_.insert(free_group.c_str(), name.c_str());
     item_t *item = added->item;
-    item->used = 1;
+    item->used = reading_ == from::catalogs_behind_one ? 0 : 1;
     item->typ = 1;
     item->ctime = request_.now;
     for (const std::string &reference : message.references)
@@ -163,53 +184,179 @@ std::string new_source::came(const catalog &of, std::string text)
     return text;
 }
 
-// The item for the id or the plural id of a message; made if no catalog has had it before.
-item_t *new_source::item_of(const catalog &of, const po_message &message, const std::string &name)
+// Keeps a message's flags where its text alone does not tell them. The text is a plural's.
+void new_source::put_flags(const catalog &of, item_t *item, const po_message &message,
+                           std::string_view plural)
+{
+    std::vector<std::string> flags = message.flags;
+    const bool is_usual =
+        (flags.empty() && !of.flags) ||
+        flags == usual_flags(message.id.plural ? *message.id.plural : *message.id.text);
+    const bool is_marked = !plural.empty() && !is_plural_text(plural);
+    if (is_marked)
+        flags.insert(flags.begin(), "plural");
+    if (is_marked || !is_usual)
+        put_text(item->comments, request_.default_language.c_str(), flags_line(flags));
+}
+
+// The item for a message's part; made if no catalog has had it before.
+item_t *new_source::item_of(const catalog &of, const po_message &message, const part &one)
 {
     std::string group;
     std::string item_name;
     const bool keyed =
         of.own && message.id.context && split_key(*message.id.context, group, item_name);
-    // Catalogs tell messages apart by context and id together.
+    // Catalogs tell messages apart by context and id together. A text that was no plural in an
+    // older one stays another item: its request is another, too.
     std::string identity = message.id.context ? *message.id.context + context_end : std::string();
     if (!keyed)
-        identity += name;
+        identity += one.plural ? *message.id.text + context_end : one.name;
     item_t *&item = known_[identity];
     if (item != nullptr)
         return item;
-    item =
-        keyed ? make_item(group, item_name, message) : make_item(group_of(message), name, message);
-    // Only an own catalog's item has a reference text besides its name.
-    if (keyed)
-        put_text(item->langs, request_.default_language.c_str(), came(of, name));
+    item = keyed ? make_item(group, item_name, message)
+                 : make_item(group_of(message), one.name, message);
+    // An own catalog's item has a reference text besides its name.
+    const std::string text = one.instead.empty() ? one.name : one.instead;
+    if (keyed || text != one.name)
+        put_text(item->langs, request_.default_language.c_str(), came(of, text));
+    put_flags(of, item, message, one.plural ? std::string_view(text) : std::string_view());
     return item;
 }
 
-void new_source::take_text(const catalog &of, const po_message &message, const std::string &name,
-                           const std::string &text)
+void new_source::take_part(const catalog &of, const po_message &message, const part &one)
 {
-    item_t *item = item_of(of, message, name);
-    if (const std::string remarks = told_lines(message.remarks); !remarks.empty())
-        put_text(item->comments, of.language.c_str(), came(of, remarks));
-    if (text.empty())
+    item_t *item = item_of(of, message, one);
+    if (reading_ == from::a_template)
         return;
-    if (message.fuzzy && !request_.guesses) {
-        ++guesses_;
+    if (reading_ == from::catalogs)
+        of.met->insert(item);
+    std::string remarks = told_lines(message.remarks);
+    if (message.fuzzy && !one.text.empty())
+        remarks = fuzzy_line(message.previous) + (remarks.empty() ? "" : "\n") + remarks;
+    remarks.append(remarks.empty() || one.remark.empty() ? "" : "\n").append(one.remark);
+    if (!remarks.empty())
+        put_comment(item, of.language, came(of, remarks));
+    if (one.text.empty())
         return;
-    }
-    put_text(item->langs, of.language.c_str(), came(of, text));
-    ++texts_[of.language];
+    put_translation(of, message, item, came(of, one.text));
 }
 
-void new_source::take_message(const catalog &of, const po_message &message)
+void new_source::put_translation(const catalog &of, const po_message &message, item_t *item,
+                                 const std::string &text)
 {
-    take_text(of, message, *message.id.text, message.texts.front());
-    if (!message.id.plural)
+    std::uint32_t &count = texts_[of.language];
+    lang_entry_t *entry = find_entry(item->langs, of.language.c_str());
+    if (entry == nullptr) {
+        // Not put_text, which would look for the entry once more.
+        entry = alloc_lang_entry(of.language.c_str());
+        item->langs = g_list_append(item->langs, entry);
+        set_text(entry, text);
+        ++count;
         return;
+    }
+    const std::string before = text_of(entry);
+    // The default language has the ids until its catalog comes.
+    const bool had_id = of.language == request_.default_language && translated_.insert(item).second;
+    const bool is_first = before.empty() || had_id;
+    if (!is_first && without_end(before) != without_end(text)) {
+        std::string shown;
+        append_name(shown, before);
+        note(of, message.line, "takes the place of \"" + shown + "\"");
+    }
+    set_text(entry, text);
+    count += is_first ? 1 : 0;
+}
+
+fault new_source::take_message(catalog &of, const po_message &message)
+{
+    const bool is_guess = message.fuzzy && !request_.guesses;
+    if (is_guess && std::any_of(message.texts.begin(), message.texts.end(),
+                                [](const std::string &text) { return !text.empty(); }))
+        ++guesses_;
+    if (message.id.plural)
+        return take_plural(of, message, is_guess);
+    take_part(of, message,
+              {*message.id.text, is_guess ? std::string() : message.texts.front(), {}});
+    return {};
+}
+
+fault new_source::take_plural(catalog &of, const po_message &message, bool is_guess)
+{
+    plural_reader::answer forms;
+    if (!is_guess)
+        forms = of.plurals.join(message.texts, message.line);
+    if (forms.wrong)
+        return forms.wrong;
+    if (has_apart_ids(message.id)) {
+        take_apart(of, message, forms);
+        return {};
+    }
+    if (forms.what == plural_reader::outcome::apart)
+        note(of, message.line, "a plural form with \"|\": all forms kept as remarks");
+    part one{*message.id.text + plural_sign + *message.id.plural, forms.text, forms.remark, true};
+    // Sources keep no white space at the end of a text, so no form has any.
+    one.instead = std::string(without_end(*message.id.text)) + plural_sign;
+    one.instead += without_end(*message.id.plural);
+    // What an application asks for by one id is its item, and the default language shows that it is
+    // a plural.
+    if (*message.id.plural == *message.id.text) {
+        one.name = *message.id.text;
+        const std::string form(without_end(one.name));
+        const std::string_view rule = plural_rule_of(request_.default_language);
+        one.instead = form;
+        for (std::size_t more = count_plural_forms(rule).everyday; more > 1; --more)
+            one.instead += plural_sign + form;
+    }
+    take_part(of, message, one);
+    return {};
+}
+
+// A plural whose ids cannot stand in one text.
+void new_source::take_apart(const catalog &of, const po_message &message,
+                            const plural_reader::answer &forms)
+{
+    note(of, message.line, "a plural's id with \"|\", or without a text: two items");
+    take_part(of, message, {*message.id.text, forms.one, {}});
     if (*message.id.plural != *message.id.text)
-        take_text(of, message, *message.id.plural, message.texts.back());
-    // The first and the last form are taken; those between have no place in a source.
+        take_part(of, message, {*message.id.plural, forms.others, {}});
+    if (forms.what == plural_reader::outcome::untranslated)
+        return;
     forms_ += message.texts.size() > 2 ? static_cast<std::uint32_t>(message.texts.size()) - 2 : 0;
+}
+
+void new_source::note(const catalog &of, std::uint32_t line, const std::string &text)
+{
+    notes_.push_back(of.path + (line == 0 ? "" : ":" + std::to_string(line)) + ": " + text);
+}
+
+std::map<std::string, std::uint32_t> new_source::lacking() const
+{
+    std::map<std::string, std::uint32_t> lacking;
+    for (const auto &[language, items] : met_)
+        if (reading_ == from::catalogs && items.size() < source_->item_count)
+            lacking[language] = source_->item_count - static_cast<std::uint32_t>(items.size());
+    return lacking;
+}
+
+fault new_source::take_template(const std::string &path, std::string_view bytes)
+{
+    po_reader reader(bytes);
+    po_message message;
+    catalog of;
+    of.path = path;
+    of.flags = bytes.find("-format") != bytes.npos;
+    reading_ = from::a_template;
+    fault wrong;
+    while (!wrong && reader.next(message)) {
+        if (message.obsolete || message.is_header())
+            continue;
+        // Some hold the ids as texts, and none says how a language counts.
+        message.texts.assign(1, {});
+        wrong = take_message(of, message);
+    }
+    reading_ = from::catalogs_behind_one;
+    return wrong ? wrong : reader.wrong();
 }
 
 fault new_source::take(const std::string &path, std::string_view bytes)
@@ -217,18 +364,27 @@ fault new_source::take(const std::string &path, std::string_view bytes)
     po_reader reader(bytes);
     po_message message;
     catalog of;
-    while (reader.next(message)) {
+    of.path = path;
+    of.flags = bytes.find("-format") != bytes.npos;
+    fault wrong;
+    while (!wrong && reader.next(message)) {
         // Of several headers, as in catalogs that were joined, the first one counts.
         if (message.is_header() && of.language.empty()) {
-            take_header(of, path, message);
+            wrong = take_header(of, bytes, message);
             continue;
         }
-        if (of.language.empty())
-            of.language = name_language(path, {});
-        if (!message.obsolete && !message.is_header())
-            take_message(of, message);
+        if (of.language.empty()) {
+            wrong = choose_language(of, {});
+            of.plurals.open(of.language, {}, 0);
+        }
+        obsolete_ += message.obsolete ? 1 : 0;
+        if (!wrong && !message.obsolete && !message.is_header())
+            wrong = take_message(of, message);
     }
-    return reader.wrong();
+    for (const std::string &line : of.plurals.told(true))
+        note(of, 0, line);
+    partly_ += of.plurals.partly();
+    return wrong ? wrong : reader.wrong();
 }
 
 } // namespace zel::exchange

@@ -46,29 +46,6 @@ void append_quoted_line(std::string &out, std::string_view text)
 // Ends a remark. A backslash at its end would join the next line to it, so a blank follows it.
 void end_remark(std::string &out) { out += out.ends_with('\\') ? " \n" : "\n"; }
 
-void append_flags(std::string &out, const po_message &message)
-{
-    if (!message.fuzzy && message.flags.empty())
-        return;
-    out += message.fuzzy ? "#, fuzzy" : "#,";
-    bool first = !message.fuzzy;
-    for (const std::string &flag : message.flags) {
-        out.append(first ? " " : ", ").append(flag);
-        first = false;
-    }
-    end_remark(out);
-}
-
-void append_id(std::string &out, std::string_view prefix, const po_id &id)
-{
-    if (id.context)
-        append_po_text(out, prefix, "msgctxt", *id.context);
-    if (id.text)
-        append_po_text(out, prefix, "msgid", *id.text);
-    if (id.plural)
-        append_po_text(out, prefix, "msgid_plural", *id.plural);
-}
-
 } // namespace
 
 void po_message::clear()
@@ -152,6 +129,29 @@ std::string joined(const std::vector<std::string> &lines)
     return out;
 }
 
+void append_po_flags(std::string &out, bool fuzzy, const std::vector<std::string> &flags)
+{
+    if (!fuzzy && flags.empty())
+        return;
+    out += fuzzy ? "#, fuzzy" : "#,";
+    bool first = !fuzzy;
+    for (const std::string &flag : flags) {
+        out.append(first ? " " : ", ").append(flag);
+        first = false;
+    }
+    end_remark(out);
+}
+
+void append_po_id(std::string &out, std::string_view prefix, const po_id &id)
+{
+    if (id.context)
+        append_po_text(out, prefix, "msgctxt", *id.context);
+    if (id.text)
+        append_po_text(out, prefix, "msgid", *id.text);
+    if (id.plural)
+        append_po_text(out, prefix, "msgid_plural", *id.plural);
+}
+
 void append_po_message(std::string &out, const po_message &message)
 {
     // In the order of other tools, so that their catalogs can be compared with these.
@@ -160,10 +160,10 @@ void append_po_message(std::string &out, const po_message &message)
     for (const std::string &line : message.extracted)
         append_po_comment(out, "#.", line);
     append_po_references(out, message.references);
-    append_flags(out, message);
-    append_id(out, message.obsolete ? "#~| " : "#| ", message.previous);
+    append_po_flags(out, message.fuzzy, message.flags);
+    append_po_id(out, message.obsolete ? "#~| " : "#| ", message.previous);
     const std::string_view prefix = message.obsolete ? "#~ " : "";
-    append_id(out, prefix, message.id);
+    append_po_id(out, prefix, message.id);
     if (!message.id.plural) {
         append_po_text(out, prefix, "msgstr", message.texts.empty() ? "" : message.texts.front());
         return;

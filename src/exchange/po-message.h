@@ -54,6 +54,9 @@ std::string joined(const std::vector<std::string> &lines);
 // Appends the message, but not the empty line between two.
 void append_po_message(std::string &out, const po_message &message);
 
+void append_po_flags(std::string &out, bool fuzzy, const std::vector<std::string> &flags);
+void append_po_id(std::string &out, std::string_view prefix, const po_id &id);
+
 // Append the parts of a message. A prefix "#~ " stands before each line of a text.
 void append_po_text(std::string &out, std::string_view prefix, std::string_view keyword,
                     std::string_view text);

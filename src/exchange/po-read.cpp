@@ -2,6 +2,7 @@
 
 #include "exchange/carry.h"
 #include "lex/lex.h"
+#include "support/hash-index.h"
 
 #include <algorithm>
 #include <cstring>
@@ -168,13 +169,19 @@ int get_token(zel_lex_t *lex)
 
 constexpr std::string_view charset_word = "charset=";
 
-// Whether the position stands on the Content-Type line of a header.
+// Whether the position stands in the Content-Type field of a header, whose fields may be a string
+// each or all in one.
 bool is_in_content_type(std::string_view bytes, std::size_t position)
 {
     std::string_view before = bytes.substr(0, position);
     before.remove_prefix(before.rfind('\n') + 1);
     const std::size_t quote = before.find('"');
-    return quote != std::string_view::npos && before.substr(quote + 1).starts_with("Content-Type:");
+    if (quote == std::string_view::npos)
+        return false;
+    before.remove_prefix(quote + 1);
+    if (const std::size_t end = before.rfind("\\n"); end != std::string_view::npos)
+        before.remove_prefix(end + 2);
+    return before.starts_with("Content-Type:");
 }
 
 // The first place that names an encoding and is not in a remark.
@@ -285,7 +292,48 @@ struct po_scan {
     std::uint32_t line = 0;
 };
 
-po_reader::po_reader(std::string_view bytes) : scan_(std::make_unique<po_scan>())
+// Contexts and ids, one behind the other in one string.
+struct po_known {
+    struct row {
+        std::size_t begin;
+        std::size_t size;
+        std::uint32_t line;
+    };
+    std::string names;
+    std::vector<row> rows;
+    hash_index index;
+
+    // Makes room at once for what a catalog of that size mostly holds.
+    void reserve(std::size_t bytes)
+    {
+        names.reserve(bytes / 3);
+        rows.reserve(bytes / 160);
+        index.reserve(bytes / 160);
+    }
+
+    // The line of the message that came before with the same context and id; 0 when there is none.
+    std::uint32_t meet(const po_message &message)
+    {
+        const std::size_t begin = names.size();
+        if (message.id.context)
+            names.append(*message.id.context) += '\0'; // no text holds one
+        names.append(*message.id.text);
+        const std::string_view all(names);
+        const std::string_view name = all.substr(begin);
+        const std::uint32_t hash = hash_of(name);
+        const std::uint32_t at = index.find(hash, [&](std::uint32_t one) {
+            return all.substr(rows[one].begin, rows[one].size) == name;
+        });
+        if (at != hash_index::none)
+            return rows[at].line;
+        index.add(hash, static_cast<std::uint32_t>(rows.size()));
+        rows.push_back({begin, name.size(), message.line});
+        return 0;
+    }
+};
+
+po_reader::po_reader(std::string_view bytes)
+    : scan_(std::make_unique<po_scan>()), known_(std::make_unique<po_known>())
 {
     drop_mark(bytes);
     const std::string charset = charset_of(bytes);
@@ -294,6 +342,7 @@ po_reader::po_reader(std::string_view bytes) : scan_(std::make_unique<po_scan>()
             return;
         bytes = recoded_;
     }
+    known_->reserve(bytes.size());
     wrong_ = check_utf8(bytes);
     scan_->buf.reset(zel_lex_buf_mem_new(bytes.data(), static_cast<std::uint32_t>(bytes.size())));
     scan_->lex.reset(zel_lex_new(keywords, LEX_ESCAPES | LEX_NO_COMMENTS | LEX_NEWLINE_SPACE));
@@ -475,7 +524,18 @@ bool po_reader::next(po_message &message)
         return message.id.text || message.id.context ? fail("msgstr is missing") : false;
     if (message.is_header())
         name_utf8(message.texts.front());
-    return true;
+    return is_first(message);
+}
+
+bool po_reader::is_first(const po_message &message)
+{
+    if (message.obsolete || message.is_header())
+        return true;
+    const std::uint32_t before = known_->meet(message);
+    if (before == 0)
+        return true;
+    wrong_ = {message.line, "the same context and id as on line " + std::to_string(before)};
+    return false;
 }
 
 } // namespace zel::exchange

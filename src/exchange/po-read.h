@@ -12,7 +12,8 @@
 
 namespace zel::exchange {
 
-struct po_scan; // the scanner with its place in the file
+struct po_scan;  // the scanner with its place in the file
+struct po_known; // the messages that have been met
 
 class po_reader {
 public:
@@ -23,7 +24,8 @@ public:
     po_reader(const po_reader &) = delete;
     po_reader &operator=(const po_reader &) = delete;
 
-    // The next message; false at the end and at a fault. A header names UTF-8, as texts are.
+    // The next message; false at the end and at a fault. A header names UTF-8, as texts are. Two
+    // messages of one context and id, but for obsolete ones, are a fault.
     bool next(po_message &message);
 
     const fault &wrong() const { return wrong_; }
@@ -38,8 +40,11 @@ private:
     bool read_comment(po_message &message);
     bool read_word(po_message &message);
 
+    bool is_first(const po_message &message);
+
     std::string recoded_;
     std::unique_ptr<po_scan> scan_;
+    std::unique_ptr<po_known> known_;
     fault wrong_;
 };
 

@@ -1,13 +1,19 @@
 #include "exchange/po.h"
 
 #include "exchange/c-format.h"
+#include "exchange/item-finder.h"
 #include "exchange/key.h"
 #include "exchange/language-code.h"
 #include "exchange/po-message.h"
+#include "exchange/po-plural.h"
 #include "exchange/po-read.h"
+#include "exchange/po-remarks.h"
+#include "langlib/plural-rule.h"
 
+#include <algorithm>
 #include <cstring>
 #include <ctime>
+#include <unordered_map>
 
 namespace zel::exchange {
 
@@ -34,20 +40,37 @@ std::string stamp(std::int64_t seconds)
     return text;
 }
 
-void append_head(std::string &out, const LangSource &source, const lang_t *lang)
+void append_head(std::string &out, const LangSource &source, const lang_t *lang,
+                 const std::string &plural_header)
 {
     const std::string name = one_line(lang->name);
     const std::string code = code_of(lang->name);
     const std::string app = source.app == nullptr ? "unknown" : one_line(source.app);
-    const std::string header = "Project-Id-Version: " + app +
-                               "\nPO-Revision-Date: " + stamp(source.mtime) +
-                               "\nLast-Translator: none\nLanguage-Team: " + name +
-                               "\nLanguage: " + (code.empty() ? "und" : code) +
-                               "\nMIME-Version: 1.0\nContent-Type: text/plain; charset=UTF-8\n"
-                               "Content-Transfer-Encoding: 8bit\nX-Generator: lang-kit\n" +
-                               std::string(name_field) + ": " + name + "\n";
+    const std::string header =
+        "Project-Id-Version: " + app + "\nPO-Revision-Date: " + stamp(source.mtime) +
+        "\nLast-Translator: none\nLanguage-Team: " + name +
+        "\nLanguage: " + (code.empty() ? "und" : code) +
+        "\nMIME-Version: 1.0\nContent-Type: text/plain; charset=UTF-8\n"
+        "Content-Transfer-Encoding: 8bit\nX-Generator: lang-kit\n" +
+        (plural_header.empty() ? "" : std::string(plural_field) + ": ") + plural_header +
+        (plural_header.empty() ? "" : "\n") + std::string(name_field) + ": " + name + "\n";
     append_po_text(out, {}, "msgid", {});
     append_po_text(out, {}, "msgstr", header);
+}
+
+// The header that tools know a template by.
+void append_template_head(std::string &out, const LangSource &source, bool has_plurals)
+{
+    out += "#, fuzzy\n";
+    append_po_text(out, {}, "msgid", {});
+    append_po_text(out, {}, "msgstr",
+                   "Project-Id-Version: " + (source.app == nullptr ? "" : one_line(source.app)) +
+                       "\nPOT-Creation-Date: " + stamp(source.mtime) +
+                       "\nPO-Revision-Date: YEAR-MO-DA HO:MI+ZONE\n"
+                       "Last-Translator: \nLanguage-Team: \nLanguage: \nMIME-Version: 1.0\n"
+                       "Content-Type: text/plain; charset=UTF-8\n"
+                       "Content-Transfer-Encoding: 8bit\nX-Generator: lang-kit\n" +
+                       (has_plurals ? "Plural-Forms: nplurals=INTEGER; plural=EXPRESSION;\n" : ""));
 }
 
 // Appends each line of a text as a programmer's remark, behind a label.
@@ -82,19 +105,36 @@ std::string reference_of(std::string_view place)
     return line.empty() ? name : name + ":" + std::string(line);
 }
 
+// Few texts are carried: only these are copied.
+void append_carried_text(std::string &out, std::string_view keyword, std::string_view text)
+{
+    if (!must_carry(text, holds::utf8)) {
+        append_po_text(out, {}, keyword, text);
+        return;
+    }
+    std::string carried;
+    append_carried(carried, text);
+    append_po_text(out, {}, keyword, carried);
+}
+
 // What is the same in a message of every language.
 struct shared_parts {
     std::string remarks;
     std::string references;
     std::string ids;
-    bool is_format = false;
-    std::vector<std::string_view> arguments;
+    bool is_plural = false;
+    std::string_view id; // the reference text, or the last form of a plural's
+    std::vector<std::string> flags;
+    std::optional<message_check> check;
+    std::string default_comment; // for people
 
-    void fill(const outgoing_item &from);
+    void fill(const outgoing_item &from, const exporter &by);
 };
 
-void shared_parts::fill(const outgoing_item &from)
+void shared_parts::fill(const outgoing_item &from, const exporter &by)
 {
+    const message_context context = by.request().context.value_or(message_context::key);
+    const std::string_view default_language = view_of(by.source().default_lang);
     remarks.clear();
     append_remark(remarks, {}, description_of(from.item));
     references.clear();
@@ -105,31 +145,51 @@ void shared_parts::fill(const outgoing_item &from)
     append_po_references(references, places);
     ids.clear();
     std::string text;
-    append_key(text, from.group, from.name);
-    append_po_text(ids, {}, "msgctxt", text);
-    text.clear();
-    append_carried(text, from.reference);
-    append_po_text(ids, {}, "msgid", text);
-    is_format = false;
-    // Most texts have no percent sign, and this look is cheap.
-    if (from.reference.find('%') != std::string::npos)
-        if (auto found = c_format_arguments(from.reference); found && !found->empty()) {
-            is_format = true;
-            arguments = *found;
-        }
+    if (context == message_context::key)
+        append_key(text, from.group, from.name);
+    else
+        append_carried(text, from.group);
+    if (context != message_context::none)
+        append_po_text(ids, {}, "msgctxt", text);
+    is_plural = exchange::is_plural(from.reference, from.default_comment);
+    default_comment = without_marks(from.default_comment);
+    id = from.reference;
+    if (is_plural) {
+        const plural_ids both = ids_of_plural(from.reference, default_language);
+        append_carried_text(ids, "msgid", both.one);
+        append_carried_text(ids, "msgid_plural", both.others);
+        id = both.others;
+    } else {
+        append_carried_text(ids, "msgid", id);
+    }
+    const auto said = flags_of(from.default_comment);
+    flags = said ? *said : usual_flags(id);
+    std::erase(flags, "plural");
+    check.emplace(id, std::find(flags.begin(), flags.end(), "c-format") != flags.end());
 }
 
-bool fits(const shared_parts &shared, std::string_view reference, std::string_view text)
+// Whether a text and its ids would pass the check of whoever compiles the catalog.
+bool forms_fit(const shared_parts &shared, const plural_outlet &outlet, std::size_t language,
+               const plural_outlet::forms &forms)
 {
-    // Tools for catalogs refuse a text whose line ends at either end are not the original's.
-    if (reference.starts_with('\n') != text.starts_with('\n') ||
-        reference.ends_with('\n') != text.ends_with('\n'))
-        return false;
-    return !shared.is_format || c_format_arguments(text) == shared.arguments;
+    for (std::size_t form = 0; form < forms.texts.size(); ++form)
+        if (!shared.check->fits(forms.texts[form], outlet.is_rare(language, form)))
+            return false;
+    return forms.fits;
 }
 
-void append_message(std::string &out, const exporter &from, const outgoing_item &item,
-                    const shared_parts &shared, std::size_t language)
+void append_forms(std::string &out, const shared_parts &shared, std::string_view text,
+                  const plural_outlet::forms &forms)
+{
+    if (!shared.is_plural)
+        append_carried_text(out, "msgstr", text);
+    else
+        for (std::size_t form = 0; form < forms.texts.size(); ++form)
+            append_carried_text(out, "msgstr[" + std::to_string(form) + "]", forms.texts[form]);
+}
+
+void append_message(std::string &out, exporter &from, const outgoing_item &item,
+                    const shared_parts &shared, const plural_outlet &outlet, std::size_t language)
 {
     const outgoing_item::translation &one = item.texts[language];
     const char *name = from.languages()[language]->name;
@@ -139,26 +199,28 @@ void append_message(std::string &out, const exporter &from, const outgoing_item 
     out += shared.remarks;
     if (!is_default)
         append_remark(out, one_line(view_of(from.source().default_lang)) + ": ",
-                      item.default_comment);
-    append_remark(out, one_line(name) + ": ", one.comment);
+                      shared.default_comment);
+    po_id previous;
+    const bool is_guess = !one.comment.empty() && read_fuzzy(one.comment, previous);
+    if (!one.comment.empty())
+        append_remark(out, one_line(name) + ": ", without_marks(one.comment));
     out += shared.references;
-    // A text that does not fit is marked, so that somebody looks at it.
-    const bool fuzzy = !one.text.empty() && ((from.request().fuzzy && item.item->ready == 0) ||
-                                             !fits(shared, item.reference, one.text));
-    if (fuzzy || shared.is_format)
-        out.append("#, ")
-            .append(fuzzy ? "fuzzy" : "")
-            .append(fuzzy && shared.is_format ? ", " : "")
-            .append(shared.is_format ? "c-format\n" : "\n");
-    out += shared.ids;
-    // Few texts are carried: only these are copied.
-    if (must_carry(one.text, holds::utf8)) {
-        std::string carried;
-        append_carried(carried, one.text);
-        append_po_text(out, {}, "msgstr", carried);
-    } else {
-        append_po_text(out, {}, "msgstr", one.text);
+    plural_outlet::forms forms;
+    if (shared.is_plural) {
+        outlet.split(language, without_end(one.text), forms);
+        from.plurals.uneven += forms.fits ? 0 : 1;
+        from.plurals.partly += forms.is_whole ? 0 : 1;
     }
+    // A text that does not fit is marked, so that somebody looks at it.
+    const bool fuzzy = !one.text.empty() && forms.is_whole &&
+                       (is_guess || (from.request().fuzzy && item.item->ready == 0) ||
+                        !(shared.is_plural ? forms_fit(shared, outlet, language, forms)
+                                           : shared.check->fits(one.text, false)));
+    append_po_flags(out, fuzzy, shared.flags);
+    if (is_guess)
+        append_po_id(out, "#| ", previous);
+    out += shared.ids;
+    append_forms(out, shared, one.text, forms);
 }
 
 said_language language_of(const po_message &header)
@@ -170,13 +232,27 @@ said_language language_of(const po_message &header)
     return said;
 }
 
-void take_message(po_message &message, text_unit &unit, encoding good)
+void take_message(po_message &message, text_unit &unit, encoding good, bool own)
 {
     unit.group.clear();
     unit.item.clear();
     unit.keyed = message.id.context && split_key(*message.id.context, unit.group, unit.item);
+    unit.loose = !own;
+    if (unit.loose) {
+        unit.context = message.id.context;
+        unit.code_group = group_of_place(message.references);
+    }
     unit.reference = *message.id.text;
-    unit.text = message.texts.front();
+    unit.text.clear();
+    unit.forms.clear();
+    if (message.id.plural) {
+        unit.reference += plural_sign + *message.id.plural;
+        unit.forms = message.texts;
+    } else {
+        unit.text = message.texts.front();
+    }
+    for (std::string &form : unit.forms)
+        uncarry(form, good);
     uncarry(unit.reference, good);
     uncarry(unit.text, good);
     unit.fuzzy = message.fuzzy;
@@ -189,13 +265,14 @@ void take_message(po_message &message, text_unit &unit, encoding good)
 
 void write_po(exporter &from, std::vector<outgoing_file> &to)
 {
+    const plural_outlet outlet(from);
     for (std::size_t at = 0; at < to.size(); ++at)
-        append_head(to[at].text, from.source(), from.languages()[at]);
+        append_head(to[at].text, from.source(), from.languages()[at], outlet.header(at));
     shared_parts shared;
     from.each_item([&](const outgoing_item &item) {
-        shared.fill(item);
+        shared.fill(item, from);
         for (std::size_t at = 0; at < to.size(); ++at) {
-            append_message(to[at].text, from, item, shared, at);
+            append_message(to[at].text, from, item, shared, outlet, at);
             to[at].flush_large();
         }
     });
@@ -203,11 +280,64 @@ void write_po(exporter &from, std::vector<outgoing_file> &to)
         file.flush();
 }
 
+void write_pot(exporter &from, std::vector<outgoing_file> &to)
+{
+    std::string &out = to.front().text;
+    const plural_outlet outlet(from);
+    append_template_head(out, from.source(), outlet.any());
+    shared_parts shared;
+    from.each_item([&](const outgoing_item &item) {
+        shared.fill(item, from);
+        out += '\n';
+        out += shared.remarks;
+        append_remark(out, {}, shared.default_comment);
+        out += shared.references;
+        append_po_flags(out, false, shared.flags);
+        out += shared.ids;
+        out += shared.is_plural ? "msgstr[0] \"\"\nmsgstr[1] \"\"\n" : "msgstr \"\"\n";
+        to.front().flush_large();
+    });
+    to.front().flush();
+}
+
+std::vector<std::string> colliding_keys(exporter &from)
+{
+    std::vector<std::string> lines;
+    std::unordered_map<std::string, std::string> first;
+    const bool has_context = from.request().context == message_context::group;
+    from.each_item([&](const outgoing_item &item) {
+        std::string key;
+        append_key(key, item.group, item.name);
+        std::string id = has_context ? std::string(item.group) : std::string();
+        id += '\0'; // no text holds one
+        id += is_plural(item.reference, item.default_comment)
+                  ? ids_of_plural(item.reference, view_of(from.source().default_lang)).one
+                  : std::string_view(item.reference);
+        const auto &[known, added] = first.emplace(std::move(id), key);
+        if (!added)
+            lines.push_back(known->second + ", " + key);
+    });
+    return lines;
+}
+
+void append_po_items(std::string &out, exporter &from, const plural_outlet &outlet,
+                     const std::function<bool(const item_t *)> &is_wanted)
+{
+    shared_parts shared;
+    from.each_item([&](const outgoing_item &item) {
+        if (!is_wanted(item.item))
+            return;
+        shared.fill(item, from);
+        append_message(out, from, item, shared, outlet, 0);
+    });
+}
+
 fault read_po(std::string_view bytes, encoding good, const text_listener &hear)
 {
     po_reader reader(bytes);
     po_message message;
-    file_texts file{{{}}, {}};
+    file_texts file;
+    file.languages.emplace_back();
     text_unit unit;
     while (reader.next(message)) {
         // An obsolete message translates what the catalog's program no longer has.
@@ -215,9 +345,11 @@ fault read_po(std::string_view bytes, encoding good, const text_listener &hear)
             continue;
         if (message.is_header()) {
             file.languages.front() = language_of(message);
+            file.plural_field = po_header_field(message.texts.front(), plural_field);
+            file.plural_line = plural_line(bytes);
             continue;
         }
-        take_message(message, unit, good);
+        take_message(message, unit, good, !file.languages.front().name.empty());
         hear(file, unit);
     }
     return reader.wrong();

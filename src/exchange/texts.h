@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -30,11 +31,17 @@ struct text_unit {
     bool keyed = false; // the file names the item; else both names are empty
     std::string group;
     std::string item;
-    std::string reference;      // what was translated; empty in a format without it
-    std::string text;           // empty: there is none
-    bool fuzzy = false;         // a guess that nobody has looked at
-    bool final = false;         // finished and approved
-    text_note note;             // in the text's language; empty: none
+    std::string reference; // what was translated; empty in a format without it
+    std::string text;      // empty: there is none, or it is still in its forms
+    std::vector<std::string>
+        forms;          // of a plural, as its file counts; the reference is both its ids
+    bool fuzzy = false; // a guess that nobody has looked at
+    bool final = false; // finished and approved
+    text_note note;     // in the text's language; empty: none
+    // Of somebody else's catalog: its context, and the group that a new source would have instead.
+    bool loose = false;
+    std::optional<std::string> context;
+    std::string code_group;
     std::uint32_t language = 0; // position in file_texts::languages
     std::uint32_t line = 0;
 };
@@ -42,6 +49,8 @@ struct text_unit {
 // A file's languages, and its texts where somebody wants all of them.
 struct file_texts {
     std::vector<said_language> languages;
+    std::string plural_field; // how a catalog counts (exchange/plural-header.h)
+    std::uint32_t plural_line = 0;
     std::vector<text_unit> units;
 };
 

@@ -112,7 +112,10 @@ void linter::work::take_entries(const item_t *item)
 void linter::work::take_switches(const item_t *item)
 {
     item_off_ = {};
+    bool no_format = false;
     for (const lang_entry_t *comment : each<lang_entry_t>(item->comments)) {
+        if (same_language(comment->lang, source_->default_lang) && is_no_c_format(comment))
+            no_format = true;
         const rule_set off = read_switches(comment);
         if (off.none())
             continue;
@@ -122,6 +125,11 @@ void linter::work::take_switches(const item_t *item)
         if (i < slots_.size())
             slots_[i].off = off;
     }
+    if (!no_format)
+        return;
+    item_off_ = item_off_.with(rule_id::format);
+    for (slot &one : slots_)
+        one.off = one.off.with(rule_id::format);
 }
 
 void linter::work::take_reference(const item_t *item)

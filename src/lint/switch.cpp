@@ -3,6 +3,7 @@
 #include "lint/rules.h"
 #include "lint/text.h"
 #include "source/entry.h"
+#include "support/cut.h"
 
 namespace zel::lint {
 
@@ -23,6 +24,27 @@ std::string_view take_word(std::string_view &text)
 }
 
 } // namespace
+
+bool is_no_c_format(const lang_entry_t *comment)
+{
+    std::string buffer;
+    std::string_view text = look_at_text(comment->texts, buffer);
+    while (!text.empty()) {
+        std::string_view line = cut_at(text, '\n');
+        if (!line.starts_with("flags:"))
+            continue;
+        line.remove_prefix(line.find(':') + 1);
+        while (!line.empty()) {
+            std::string_view flag = cut_at(line, ',');
+            flag.remove_prefix(std::min(flag.find_first_not_of(' '), flag.size()));
+            const bool is_other = !flag.starts_with("no-") && !flag.starts_with("possible-");
+            if (flag == "no-c-format" ||
+                (is_other && flag != "c-format" && flag.ends_with("-format")))
+                return true;
+        }
+    }
+    return false;
+}
 
 rule_set read_switches(const lang_entry_t *comment)
 {

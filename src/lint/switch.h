@@ -9,4 +9,8 @@ namespace zel::lint {
 // The rules that a comment switches off: "lint: RULE off", anywhere in it, as often as it is there.
 rule_set read_switches(const lang_entry_t *comment);
 
+// Whether the line "flags: ..." of a comment, which keeps what a catalog says of a text, says that
+// it is no format of printf: "no-c-format", or the format of another language.
+bool is_no_c_format(const lang_entry_t *comment);
+
 } // namespace zel::lint

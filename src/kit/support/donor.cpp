@@ -64,7 +64,21 @@ bool donor::read(const std::string &path, const LangSource &source, const std::s
     const std::string_view named = file_.languages.size() == 1 ? path : std::string_view();
     for (const exchange::said_language &said : file_.languages)
         languages_.push_back(view_of(exchange::find_language(source, said, named, language)));
-    return !answer.wrong;
+    return !answer.wrong && join_plurals();
+}
+
+// Puts the forms of each plural into one text. False after a line on standard error.
+bool donor::join_plurals()
+{
+    exchange::plural_reader plurals;
+    if (!languages_.empty())
+        plurals.open(languages_.front(), file_.plural_field, file_.plural_line);
+    for (exchange::text_unit &unit : file_.units)
+        if (const exchange::fault wrong = exchange::join_forms(plurals, unit).wrong) {
+            say_fault(path_, wrong);
+            return false;
+        }
+    return true;
 }
 
 bool donor::knows_language() const

@@ -50,6 +50,7 @@ private:
         std::string_view reference; // empty: not known
         std::string_view text;
     };
+    bool join_plurals();
     void offer_source(const char *language);
     void offer_units(const char *language);
     void add(const offer &one);

@@ -18,9 +18,31 @@ void print_summary(const exchange::new_source &made, const std::string &path)
         std::printf("%s: %u\n", language.c_str(), texts);
     if (made.guesses() != 0)
         std::fprintf(stderr, "left out %s\n", counted(made.guesses(), "fuzzy text").c_str());
+    if (made.obsolete() != 0)
+        std::fprintf(stderr, "left out %s\n", counted(made.obsolete(), "obsolete message").c_str());
     if (made.forms() != 0)
         std::fprintf(stderr, "left out %s between the first and the last\n",
                      counted(made.forms(), "plural form").c_str());
+    if (made.partly() != 0)
+        std::fprintf(stderr, "left out %s without a text for each form\n",
+                     counted(made.partly(), "plural").c_str());
+    for (const auto &[language, items] : made.lacking())
+        std::fprintf(stderr, "%s lacks %s that others have\n", language.c_str(),
+                     counted(items, "item").c_str());
+    for (const std::string &line : made.notes())
+        std::fprintf(stderr, "%s\n", line.c_str());
+}
+
+bool take_file(const std::string &path, exchange::new_source &into,
+               exchange::fault (exchange::new_source::*take)(const std::string &, std::string_view))
+{
+    std::string bytes;
+    exchange::fault wrong = exchange::read_input(path, bytes);
+    if (!wrong)
+        wrong = (into.*take)(path, bytes);
+    if (wrong)
+        say_fault(path, wrong);
+    return !wrong;
 }
 
 } // namespace
@@ -31,23 +53,18 @@ void say_fault(const std::string &path, const exchange::fault &wrong)
     std::fprintf(stderr, "%s%s: error: %s\n", path.c_str(), line.c_str(), wrong.text.c_str());
 }
 
-int make_from_catalogs(const exchange::new_request &request,
+int make_from_catalogs(const exchange::new_request &request, const std::string &pot,
                        const std::vector<std::string> &catalogs, const destination &to)
 {
     // Looked at before the catalogs: whoever writes the file meanwhile is not overwritten.
     const seen_file before(to.path);
     exchange::new_source made(request);
-    for (const std::string &path : catalogs) {
-        std::string bytes;
-        exchange::fault wrong = exchange::read_input(path, bytes);
-        if (!wrong)
-            wrong = made.take(path, bytes);
-        // One bad catalog ends the run: a source that lacks a language would look complete.
-        if (wrong) {
-            say_fault(path, wrong);
+    if (!pot.empty() && !take_file(pot, made, &exchange::new_source::take_template))
+        return status_fault;
+    // One bad catalog ends the run: a source that lacks a language would look complete.
+    for (const std::string &path : catalogs)
+        if (!take_file(path, made, &exchange::new_source::take))
             return status_fault;
-        }
-    }
     print_summary(made, to.path);
     return write(to, made.source(), {before}) ? status_fine : status_fault;
 }

@@ -10,9 +10,9 @@
 
 namespace zel::kit {
 
-// Reads the catalogs and writes the source; what it holds is said on standard output. Returns the
-// exit status.
-int make_from_catalogs(const exchange::new_request &request,
+// Reads the template (an empty path: there is none) and the catalogs, and writes the source; what
+// it holds is said on standard output. Returns the exit status.
+int make_from_catalogs(const exchange::new_request &request, const std::string &pot,
                        const std::vector<std::string> &catalogs, const destination &to);
 
 // A fault in a file from outside, on standard error as editors find its place.

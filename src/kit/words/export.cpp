@@ -1,4 +1,6 @@
 #include "exchange/formats.h"
+#include "exchange/po.h"
+#include "kit/support/like-catalogs.h"
 #include "kit/support/options.h"
 #include "kit/support/output.h"
 #include "kit/support/sources.h"
@@ -91,12 +93,35 @@ bool write_into(const std::string &folder, bool dry_run, const exchange::format 
     return write_files(row, from, names);
 }
 
+void print_plural_notes(const std::string &path, const exchange::exporter::plural_count &plurals)
+{
+    if (plurals.uneven != 0)
+        std::fprintf(stderr,
+                     "lang-kit: %s: fuzzy, with another number of forms than the language: %s\n",
+                     path.c_str(), counted(plurals.uneven, "plural").c_str());
+    if (plurals.partly != 0)
+        std::fprintf(stderr, "lang-kit: %s: left out %s of which a form is empty\n", path.c_str(),
+                     counted(plurals.partly, "plural").c_str());
+}
+
+// Whether catalogs can tell the items apart; else the keys of those that are one to them are said.
+bool are_distinct(const std::string &path, exchange::exporter &from)
+{
+    const std::vector<std::string> lines = exchange::colliding_keys(from);
+    for (const std::string &line : lines)
+        std::fprintf(stderr, "lang-kit: %s: one message to a catalog: %s\n", path.c_str(),
+                     line.c_str());
+    return lines.empty();
+}
+
 } // namespace
 
 int run_export(const word &self, int argc, char **argv)
 {
     std::string format_name;
     std::string folder;
+    std::string context;
+    std::vector<std::string> like;
     bool dry_run = false;
     exchange::export_request request;
     const parsed line = parse(
@@ -119,6 +144,14 @@ int run_export(const word &self, int argc, char **argv)
          {.name = "dry-run", .help = "only say which files would be written", .on = &dry_run},
          {.name = "fuzzy", .help = "po: items that are not ready are fuzzy", .on = &request.fuzzy},
          {.name = "comments", .help = "csv: columns for the comments too", .on = &request.comments},
+         {.name = "like",
+          .argument = "FILE",
+          .help = "po: this catalog with the source's texts; may be given again",
+          .list = &like},
+         {.name = "context",
+          .argument = "WHAT",
+          .help = "po, pot: what tells messages apart: key, group or none",
+          .text = &context},
          {.name = "unused",
           .help = "items too that the application does not use",
           .on = &request.unused}},
@@ -131,11 +164,27 @@ int run_export(const word &self, int argc, char **argv)
     const exchange::format &row = exchange::formats()[static_cast<std::size_t>(chosen)];
     if (row.is_whole() && !request.languages.empty())
         return wrong_use(self, "--language is not for whole sources");
+    const bool is_catalog = row.write == exchange::write_po || row.write == exchange::write_pot;
+    if (!context.empty()) {
+        const int at = choose(self, "context", context, {"key", "group", "none"});
+        if (at < 0)
+            return status_fault;
+        if (!is_catalog)
+            return wrong_use(self, "--context is for --format po and pot");
+        request.context = static_cast<exchange::message_context>(at);
+    }
+    if (!like.empty() && (row.write != exchange::write_po || !request.languages.empty()))
+        return wrong_use(self, "--like is for --format po, without --language");
     const source_guard source = read(line.files.front());
     if (!source)
         return status_fault;
     request.source = source.get();
     exchange::exporter from(request);
+    if (request.context && request.context != exchange::message_context::key &&
+        !are_distinct(line.files.front(), from))
+        return status_fault;
+    if (!like.empty())
+        return write_like_catalogs(request, like, folder, dry_run);
     // A format of whole sources needs no language.
     if (from.wrong() && !row.is_whole()) {
         std::fprintf(stderr, "lang-kit: %s: %s\n", line.files.front().c_str(),
@@ -151,6 +200,7 @@ int run_export(const word &self, int argc, char **argv)
     } else if (!write_into(folder, dry_run, row, from, file_names(row, from, line.files.front()))) {
         return status_fault;
     }
+    print_plural_notes(line.files.front(), from.plurals);
     if (from.repeated() != 0)
         std::fprintf(stderr,
                      "lang-kit: %s: left out %s behind another of the same group and name\n",

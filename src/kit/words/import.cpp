@@ -22,6 +22,7 @@ struct import_options {
     std::string output;
     bool dry_run = false;
     bool make_new = false;
+    std::string pot;
     exchange::import_request request;
     exchange::new_request fresh;
 };
@@ -62,12 +63,18 @@ void import_report::hear(const exchange::import_event &event)
                     event.kind == exchange::import_kind::comment ? " comment" : "",
                     shown(event.before).c_str(), shown(event.after).c_str());
         return;
+    case exchange::import_kind::unfit:
+        note(event, key + " " + language + ": a plural form with \"|\" is left out");
+        break;
     case exchange::import_kind::outdated:
         note(event, key + " " + language + ": translates " + shown(event.before) + ", now it is " +
                         shown(event.after));
         return;
     case exchange::import_kind::unknown_item:
         note(event, "unknown item " + key);
+        break;
+    case exchange::import_kind::ambiguous:
+        note(event, "ambiguous " + key + ": " + event.after);
         break;
     case exchange::import_kind::unknown_language:
         note(event, "unknown language " + shown(language));
@@ -86,6 +93,15 @@ bool take_file(const exchange::format &row, const std::string &path, exchange::i
     if (wrong)
         say_fault(path, wrong);
     return !wrong;
+}
+
+void print_plural_notes(const std::string &path, const exchange::importer &into)
+{
+    if (into.partly() != 0)
+        std::fprintf(stderr, "%s: left out %s without a text for each form\n", path.c_str(),
+                     counted(into.partly(), "plural").c_str());
+    for (const std::string &line : into.plural_notes())
+        std::fprintf(stderr, "%s: %s\n", path.c_str(), line.c_str());
 }
 
 std::string written(const LangSource *source)
@@ -172,6 +188,7 @@ int take_files(const exchange::format &row, import_options &options,
         if (into.guesses() != guesses)
             std::fprintf(stderr, "%s: left out %s\n", files[at].c_str(),
                          counted(into.guesses() - guesses, "fuzzy text").c_str());
+        print_plural_notes(files[at], into);
     }
     const std::string &to = options.output.empty() ? files.front() : options.output;
     // What has not changed is not written: no backup, no new time.
@@ -192,7 +209,7 @@ int make_new(const word &self, import_options &options, const exchange::format &
         return wrong_use(self, "\"" + options.output + "\" is there already");
     options.fresh.guesses = options.request.guesses;
     options.fresh.now = std::time(nullptr);
-    return make_from_catalogs(options.fresh, files, {options.output, options.dry_run});
+    return make_from_catalogs(options.fresh, options.pot, files, {options.output, options.dry_run});
 }
 
 int import_into(const word &self, import_options &options, const exchange::format &row,
@@ -237,6 +254,10 @@ int run_import(const word &self, int argc, char **argv)
           .argument = "NAME",
           .help = "its default language (english)",
           .text = &options.fresh.default_language},
+         {.name = "template",
+          .argument = "FILE",
+          .help = "its template (.pot): what that lacks is not used",
+          .text = &options.pot},
          {.name = "group",
           .argument = "NAME",
           .help = "its group for messages without a context",
@@ -248,6 +269,8 @@ int run_import(const word &self, int argc, char **argv)
     if (at < 0)
         return status_fault;
     const exchange::format &row = exchange::formats()[static_cast<std::size_t>(at)];
+    if (!options.make_new && !options.pot.empty())
+        return wrong_use(self, "--template is for --new");
     return options.make_new ? make_new(self, options, row, line.files)
                             : import_into(self, options, row, line.files);
 }

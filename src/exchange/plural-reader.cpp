@@ -1,0 +1,282 @@
+#include "exchange/plural-reader.h"
+
+#include "langlib/plural-rule.h"
+#include "source/entry.h"
+
+#include <algorithm>
+
+namespace zel::exchange {
+
+namespace {
+
+constexpr std::size_t shown_numbers = 3;
+constexpr std::uint64_t million = 1'000'000;
+
+// More numbers than this, and a form without a place: the header is another language's.
+constexpr std::size_t many_shifts = 100;
+
+std::string listed(const std::vector<std::uint64_t> &numbers)
+{
+    std::string out;
+    for (const std::uint64_t n : numbers)
+        out.append(out.empty() ? "" : ", ").append(std::to_string(n));
+    return out;
+}
+
+void keep_first(std::vector<std::uint64_t> &numbers, std::uint64_t n)
+{
+    if (numbers.size() < shown_numbers)
+        numbers.push_back(n);
+}
+
+void add_remark(std::string &remark, std::size_t form, const std::string &text)
+{
+    remark.append(remark.empty() ? "" : "\n")
+        .append("plural form ")
+        .append(std::to_string(form))
+        .append(": ")
+        .append(text);
+}
+
+} // namespace
+
+void plural_reader::open(std::string_view language, std::string_view field, std::uint32_t line)
+{
+    *this = {};
+    rule_ = plural_rule_of(language);
+    field_ = field;
+    field_line_ = line;
+}
+
+// Makes ready for messages of so many forms.
+fault plural_reader::prepare(std::size_t forms, std::uint32_t line)
+{
+    if (ready_for_ == forms)
+        return {};
+    if (ready_for_ != 0)
+        return {line, std::to_string(forms) + " plural forms, and others have " +
+                          std::to_string(ready_for_)};
+    if (std::string wrong = header_.read(field_); !wrong.empty())
+        return {field_line_, "Plural-Forms: " + wrong};
+    const std::string told_count = std::to_string(forms) + " plural forms";
+    if (header_.count != forms && !take_positions(forms))
+        return {line, header_.count == 0
+                          ? told_count + " without a header that says when each is used"
+                          : told_count + ", and the header says " + std::to_string(header_.count)};
+    match();
+    // A header that never comes to a form that the language needs is broken.
+    const plural_forms own = count_plural_forms(rule_);
+    if ((own.all == forms || own.everyday == forms) &&
+        std::any_of(lost_.begin(), lost_.end(),
+                    [](const lost_form &one) { return one.numbers.empty(); })) {
+        take_positions(forms);
+        match();
+        notes_.emplace_back(
+            "the header's expression does not reach every form: they are taken in their order");
+    }
+    ready_for_ = forms;
+    return {};
+}
+
+// The forms stand in the language's own order, or as catalogs with so many have them.
+bool plural_reader::take_positions(std::size_t forms)
+{
+    const plural_forms own = count_plural_forms(rule_);
+    const std::string_view rule = forms == own.all || forms == own.everyday
+                                      ? std::string_view(rule_)
+                                  : forms == 1 ? std::string_view("other")
+                                  : forms == 2 ? rule_of_two
+                                               : std::string_view();
+    return !rule.empty() && header_.read(header_of_rule(rule, forms != own.everyday)).empty();
+}
+
+// Whether a form of the header has only numbers of that form of the language.
+bool plural_reader::is_alone(std::size_t header_form, std::size_t form) const
+{
+    for (std::size_t other = 0; other < chosen_.size(); ++other)
+        if ((at(other, header_form).count != 0) != (other == form))
+            return false;
+    return true;
+}
+
+void plural_reader::match_form(std::size_t form)
+{
+    std::size_t best = header_.count;
+    for (std::size_t one = 0; one < header_.count; ++one)
+        if (is_alone(one, form) &&
+            (best == header_.count || at(form, one).count > at(form, best).count))
+            best = one;
+    // The smallest number from 1 on is the first that is kept, but for a zero before it.
+    std::uint64_t smallest = UINT64_MAX;
+    for (std::size_t one = 0; best == header_.count && one < header_.count; ++one)
+        for (const std::uint64_t n : at(form, one).first)
+            smallest = std::min(smallest, n == 0 ? UINT64_MAX - 1 : n);
+    if (best == header_.count)
+        best = smallest == UINT64_MAX ? header_.count - 1
+                                      : header_.form(smallest == UINT64_MAX - 1 ? 0 : smallest);
+    chosen_[form] = best;
+}
+
+void plural_reader::match()
+{
+    const std::size_t forms = count_plural_forms(rule_).all;
+    chosen_.assign(forms, 0);
+    rare_.assign(forms, true);
+    meetings_.assign(forms * header_.count, {});
+    smallest_.assign(header_.count, 0);
+    samples_.clear();
+    for (const std::uint64_t n : plural_samples()) {
+        const std::size_t form = plural_form(rule_, forms, n);
+        const std::size_t header_form = header_.form(n);
+        samples_.push_back({n, form, header_form});
+        meeting &met = at(form, header_form);
+        ++met.count;
+        keep_first(met.first, n);
+        if (n < million)
+            rare_[form] = false;
+        if (smallest_[header_form] == 0)
+            smallest_[header_form] = n;
+    }
+    for (std::size_t form = 0; form < forms; ++form)
+        match_form(form);
+    find_lost();
+}
+
+void plural_reader::find_lost()
+{
+    lost_.clear();
+    for (std::size_t one = 0; one < header_.count; ++one) {
+        if (std::find(chosen_.begin(), chosen_.end(), one) != chosen_.end())
+            continue;
+        lost_form lost{one, {}, chosen_.back()};
+        for (const sample &at : samples_)
+            if (at.header_form == one) {
+                if (lost.numbers.empty())
+                    lost.instead = chosen_[at.form];
+                keep_first(lost.numbers, at.number);
+            }
+        lost_.push_back(std::move(lost));
+    }
+}
+
+// Marks the numbers that show another text than the catalog gave them.
+void plural_reader::look_for_shifts(const std::vector<std::string> &texts)
+{
+    for (std::size_t form = 0; form < chosen_.size(); ++form)
+        for (std::size_t one = 0; one < header_.count; ++one)
+            if (meeting &met = at(form, one); met.count != 0 && one != chosen_[form] &&
+                                              !met.differs && texts[one] != texts[chosen_[form]])
+                met.differs = true;
+}
+
+plural_reader::answer plural_reader::join(const std::vector<std::string> &forms, std::uint32_t line)
+{
+    answer out;
+    std::vector<std::string> texts;
+    std::size_t empty = 0;
+    bool has_sign = false;
+    for (const std::string &form : forms) {
+        texts.emplace_back(without_end(form));
+        empty += texts.back().empty() ? 1 : 0;
+        has_sign = has_sign || texts.back().find(plural_sign) != std::string::npos;
+    }
+    if (empty == forms.size() || (out.wrong = prepare(forms.size(), line)))
+        return out;
+    if (empty != 0) {
+        ++partly_;
+        return out;
+    }
+    out.one = texts[chosen_[plural_form(rule_, chosen_.size(), 1)]];
+    out.others = texts[chosen_.back()];
+    if (has_sign) {
+        out.what = outcome::apart;
+        for (std::size_t form = 0; form < texts.size(); ++form)
+            add_remark(out.remark, form, texts[form]);
+        return out;
+    }
+    out.what = outcome::joined;
+    look_for_shifts(texts);
+    for (lost_form &lost : lost_)
+        if (texts[lost.form] != texts[lost.instead]) {
+            ++lost.texts;
+            add_remark(out.remark, lost.form, texts[lost.form]);
+        }
+    out.text = joined_forms(texts);
+    return out;
+}
+
+// The language's forms in its order. Those that begin at a million are left out where they say
+// nothing else.
+std::string plural_reader::joined_forms(const std::vector<std::string> &texts) const
+{
+    bool with_rare = false;
+    for (std::size_t form = 0; form < chosen_.size(); ++form)
+        with_rare = with_rare || (rare_[form] && texts[chosen_[form]] != texts[chosen_.back()]);
+    std::string out;
+    for (std::size_t form = 0; form < chosen_.size(); ++form)
+        if (with_rare || !rare_[form])
+            out.append(form == 0 ? "" : "|").append(texts[chosen_[form]]);
+    return out;
+}
+
+// "101, 201, 301 now take the form of 20", for the numbers that take the same one as the first.
+std::string plural_reader::told_shift() const
+{
+    std::vector<std::uint64_t> numbers;
+    std::size_t target = 0;
+    std::size_t count = 0;
+    for (const auto &[n, form, header_form] : samples_) {
+        const std::size_t served = header_form; // a lambda takes no part of a structure
+        const bool is_lost = std::any_of(lost_.begin(), lost_.end(),
+                                         [&](const lost_form &one) { return one.form == served; });
+        if (is_lost || !at(form, header_form).differs)
+            continue;
+        ++count;
+        if (numbers.empty())
+            target = chosen_[form];
+        if (chosen_[form] == target)
+            keep_first(numbers, n);
+    }
+    if (numbers.empty())
+        return {};
+    return (count > many_shifts && !lost_.empty() ? "the header's rule is not the language's: "
+                                                  : "") +
+           listed(numbers) + (numbers.size() == 1 ? " now takes" : " now take") + " the form of " +
+           std::to_string(smallest_[target]);
+}
+
+std::vector<std::string> plural_reader::told(bool kept) const
+{
+    std::vector<std::string> lines = notes_;
+    if (ready_for_ == 0)
+        return lines;
+    for (const lost_form &lost : lost_) {
+        if (lost.texts == 0)
+            continue;
+        const bool one = lost.texts == 1;
+        lines.push_back("form " + std::to_string(lost.form) + " (for " +
+                        (lost.numbers.empty() ? "no whole number" : listed(lost.numbers)) +
+                        ") has no place: " + std::to_string(lost.texts) +
+                        (one ? " text " : " texts ") +
+                        (!kept ? "left out"
+                         : one ? "kept as a remark"
+                               : "kept as remarks"));
+    }
+    if (std::string shift = told_shift(); !shift.empty())
+        lines.push_back(std::move(shift));
+    return lines;
+}
+
+bool shows_the_same(std::string_view language, std::string_view before, std::string_view after)
+{
+    const std::string_view rule = plural_rule_of(language);
+    const std::size_t had = count_text_forms(before);
+    const std::size_t has = count_text_forms(after);
+    const auto samples = plural_samples();
+    return had != has && std::all_of(samples.begin(), samples.end(), [&](std::uint64_t n) {
+               return text_form(before, plural_form(rule, had, n)) ==
+                      text_form(after, plural_form(rule, has, n));
+           });
+}
+
+} // namespace zel::exchange
