@@ -29,6 +29,8 @@ constexpr word table[] = {
      "take texts in from files of another format", run_import},
     {"diff", "[--format text|json] [--places] OLD NEW",
      "what differs between two sources, by meaning", run_diff},
+    {"news", "[--format text|json|html] [--language NAME]... OLD NEW",
+     "what is new for translators, ready to be mailed", run_news},
     {"show", "SOURCE", "print a source as a text that is good to compare", run_show},
     {"merge", "[-o FILE] [--ours|--theirs] BASE OURS THEIRS",
      "merge two sources that come from one", run_merge},

@@ -191,10 +191,10 @@ INSTANTIATE_TEST_SUITE_P(ComingOver, Story,
 INSTANTIATE_TEST_SUITE_P(Words, Story,
                          testing::Values("tests/kit/pages/carry.md", "tests/kit/pages/diff.md",
                                          "tests/kit/pages/fill.md", "tests/kit/pages/import-new.md",
-                                         "tests/kit/pages/merge.md", "tests/kit/pages/pseudo.md",
-                                         "tests/kit/pages/report.md", "tests/kit/pages/resolve.md",
-                                         "tests/kit/pages/show.md", "tests/kit/pages/start.md",
-                                         "tests/kit/pages/stat.md"),
+                                         "tests/kit/pages/merge.md", "tests/kit/pages/news.md",
+                                         "tests/kit/pages/pseudo.md", "tests/kit/pages/report.md",
+                                         "tests/kit/pages/resolve.md", "tests/kit/pages/show.md",
+                                         "tests/kit/pages/start.md", "tests/kit/pages/stat.md"),
                          name_of_page);
 
 class DocsSlow : public testing::TestWithParam<const char *> {};

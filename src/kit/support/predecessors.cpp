@@ -95,22 +95,18 @@ bool have_same_texts(const item_t *a, const item_t *b)
 
 class search {
 public:
-    search(const LangSource *source, unsigned at_least) : source_(source), at_least_(at_least)
+    search(const std::vector<grouped_item> &among, unsigned at_least) : at_least_(at_least)
     {
-        for (const edit_t *group : each<edit_t>(source->groups))
-            for (const item_t *item : each<item_t>(group->items))
-                if (item->used == 0 && has_translation(source, item)) {
-                    old_.push_back({group, item, compared_text(view_of(item->name))});
-                    index_.add(static_cast<std::uint32_t>(old_.size() - 1), old_.back().text);
-                }
+        for (const grouped_item &one : among) {
+            old_.push_back({one.group, one.item, compared_text(view_of(one.item->name))});
+            index_.add(static_cast<std::uint32_t>(old_.size() - 1), old_.back().text);
+        }
     }
 
-    std::vector<succession> find()
+    std::vector<succession> find(const std::vector<grouped_item> &items)
     {
-        for (const edit_t *group : each<edit_t>(source_->groups))
-            for (item_t *item : each<item_t>(group->items))
-                if (!old_.empty() && item->used != 0 && !has_translation(source_, item))
-                    look_for(group, item);
+        for (const grouped_item &one : items)
+            look_for(one.group, one.item);
         find_heirs();
         std::vector<succession> out;
         for (const new_item &one : new_)
@@ -119,17 +115,23 @@ public:
     }
 
 private:
+    // Groups of two sources are the same by their names.
+    bool are_one(const edit_t *a, const edit_t *b) const
+    {
+        return a == b || view_of(a->name) == view_of(b->name);
+    }
+
     void look_for(const edit_t *group, item_t *item)
     {
         const compared_text text(view_of(item->name));
+        const std::string_view file = file_of(item);
         new_item found{group, item, {}};
         for (const std::uint32_t at : index_.likeliest(text)) {
             const old_item &old = old_[at];
             const unsigned likeness = text.likeness(old.text, at_least_);
-            const std::string_view file = file_of(item);
             if (likeness >= at_least_)
                 found.candidates.push_back({at, likeness, text.is_nearly(old.text),
-                                            old.group == group,
+                                            are_one(old.group, group),
                                             !file.empty() && file == file_of(old.item)});
         }
         if (found.candidates.empty())
@@ -170,7 +172,6 @@ private:
         return out;
     }
 
-    const LangSource *source_;
     unsigned at_least_;
     std::deque<old_item> old_;
     likeness_index index_;
@@ -180,9 +181,21 @@ private:
 
 } // namespace
 
+std::vector<succession> find_predecessors(const std::vector<grouped_item> &items,
+                                          const std::vector<grouped_item> &among, unsigned at_least)
+{
+    return search(among, at_least).find(items);
+}
+
 std::vector<succession> find_predecessors(const LangSource *source, unsigned at_least)
 {
-    return search(source, at_least).find();
+    std::vector<grouped_item> items;
+    std::vector<grouped_item> among;
+    for (const edit_t *group : each<edit_t>(source->groups))
+        for (item_t *item : each<item_t>(group->items))
+            if ((item->used != 0) != has_translation(source, item))
+                (item->used != 0 ? items : among).push_back({group, item});
+    return find_predecessors(items, among, at_least);
 }
 
 } // namespace zel::kit

@@ -24,8 +24,18 @@ struct succession {
     std::vector<predecessor> candidates; // one; several where nobody can tell which it is
 };
 
-// Finds the predecessors of all such items of the source, in their order; those without one are
-// left out. Of one group before others, and of one file of code where the places are known.
+struct grouped_item {
+    const edit_t *group;
+    item_t *item;
+};
+
+// Finds what items were before, among others: in their order, without those that were nothing.
+// Predecessors of one group come before others, and of one file of code where the places are known.
+std::vector<succession> find_predecessors(const std::vector<grouped_item> &items,
+                                          const std::vector<grouped_item> &among,
+                                          unsigned at_least);
+
+// The same of all such items of a source.
 std::vector<succession> find_predecessors(const LangSource *source, unsigned at_least);
 
 } // namespace zel::kit
