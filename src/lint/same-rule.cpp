@@ -32,10 +32,22 @@ std::size_t count_small_words(std::string_view bytes)
     return words;
 }
 
+// "british english" and "en_GB" where the reference is "english" or "en": they leave most texts.
+bool is_variant(std::string_view name, std::string_view reference)
+{
+    const auto is_end = [](std::string_view text, std::size_t at) {
+        return at >= text.size() || !is_ascii_letter(text[at]);
+    };
+    const std::size_t at = name.find(reference);
+    return !reference.empty() && at != std::string_view::npos && is_end(name, at - 1) &&
+           is_end(name, at + reference.size());
+}
+
 bool is_translation(const item_case &at, std::size_t i)
 {
     return at.slots[i].entry != nullptr && !at.languages[i].is_default &&
-           !at.slots[i].own.is_blank();
+           !at.slots[i].own.is_blank() &&
+           !is_variant(at.languages[i].name, name_of(at.source->default_lang));
 }
 
 } // namespace
