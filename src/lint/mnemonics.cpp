@@ -52,6 +52,7 @@ mnemonics read_mnemonics(std::string_view text)
     const bool sentence = std::count(text.begin(), text.end(), ' ') >= 3;
     for (std::size_t at = text.find('_'); at != std::string_view::npos; at = text.find('_', at)) {
         const bool name = sentence && is_in_long_word(text, at);
+        std::size_t before = at;
         if (++at == text.size())
             break;
         // Two underscores show one.
@@ -61,7 +62,9 @@ mnemonics read_mnemonics(std::string_view text)
             continue;
         if (found.count++ == 0)
             found.key = g_unichar_tolower(c);
-        found.sure += name ? 0U : 1U;
+        // "X_2" is an X with a small 2.
+        const bool lowered = is_digit(c) && is_letter_before(text, before);
+        found.sure += name || lowered ? 0U : 1U;
     }
     return found;
 }

@@ -81,7 +81,7 @@ TEST_F(Lint, ListsItsRules)
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.out, StartsWith("syntax       error    "));
     EXPECT_THAT(result.out, HasSubstr("\nnot-ready    info     "));
-    EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 28);
+    EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 29);
 }
 
 TEST_F(Lint, WhatTheReaderSaysIsAFinding)
