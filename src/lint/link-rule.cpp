@@ -21,6 +21,7 @@ struct links {
     std::vector<std::string> addresses;
     std::vector<std::string> paths;
     std::vector<number> numbers; // in the order of the text
+    std::string named;           // digits of names, "2000" of "JPEG2000"
 };
 
 bool is_address_byte(char c)
@@ -225,6 +226,8 @@ links read_links(std::string_view bytes)
             at = read.end;
             if (begins_number(before))
                 found.numbers.push_back(std::move(read));
+            else
+                found.named += read.digits;
             before = '0';
             continue;
         }
@@ -291,12 +294,11 @@ bool is_small(const std::string &digits)
 // The first number whose digits do not follow each other in the others, however those are grouped;
 // null when there is none. So many that are grouped in other ways are a table, which is not looked
 // through.
-const number *find_other(const std::vector<number> &numbers, const std::vector<number> &others,
-                         bool with_small)
+const number *find_other(const std::vector<number> &numbers, const links &others, bool with_small)
 {
     constexpr int most_searches = 50;
-    const std::string digits = all_digits(others);
-    const name_set known(names_of(others));
+    const std::string digits = all_digits(others.numbers) + others.named;
+    const name_set known(names_of(others.numbers));
     int searches = 0;
     const auto is_there = [&](const std::string &one) {
         return (!with_small && is_small(one)) || known.has(one) || ++searches > most_searches ||
@@ -311,8 +313,8 @@ const number *find_other(const std::vector<number> &numbers, const std::vector<n
 
 bool numbers_differ(const links &own, const links &reference, std::string &message)
 {
-    const number *added = find_other(own.numbers, reference.numbers, true);
-    const number *gone = find_other(reference.numbers, own.numbers, added != nullptr);
+    const number *added = find_other(own.numbers, reference, true);
+    const number *gone = find_other(reference.numbers, own, added != nullptr);
     if (gone == nullptr)
         return false;
     message = "the number " + gone->shown;
