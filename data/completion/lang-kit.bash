@@ -37,7 +37,7 @@ _lang_kit()
         [[ $word == -* ]] || words=
         case ${COMP_WORDS[1]} in
         import | check) files=all ;;
-        git | start) files=none ;;
+        start) files=none ;;
         *) files=sources ;;
         esac
     fi

@@ -44,7 +44,7 @@ function __lang_kit
     switch $before[2]
         case import check
             __fish_complete_path $current
-        case git start
+        case start
         case '*'
             __fish_complete_suffix .lang-src
     end

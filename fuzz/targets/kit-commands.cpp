@@ -31,6 +31,9 @@ constexpr const char *lines[] = {
     "import --format po -o i.lang-src a.lang-src german.po",
     "import --format csv --comments -o i.lang-src a.lang-src german.po",
     "fill --from german.po -o f.lang-src a.lang-src",
+    "carry --dry-run a.lang-src",
+    "news b.lang-src a.lang-src",
+    "news --format html a.lang-src b.lang-src",
 };
 
 int run(const char *line)

@@ -29,14 +29,19 @@ constexpr word table[] = {
      "take texts in from files of another format", run_import},
     {"diff", "[--format text|json] [--places] OLD NEW",
      "what differs between two sources, by meaning", run_diff},
+    {"news", "[--format text|json|html] [--language NAME]... OLD NEW",
+     "what is new for translators, ready to be mailed", run_news},
     {"show", "SOURCE", "print a source as a text that is good to compare", run_show},
     {"merge", "[-o FILE] [--ours|--theirs] BASE OURS THEIRS",
      "merge two sources that come from one", run_merge},
-    {"git", "[--hook]", "set the current repository up for language sources", run_git},
+    {"git", "[--hook] [--resolve [FILE...]]", "set the current repository up for language sources",
+     run_git},
     {"pseudo", "[--name NAME] [--grow PERCENT] [-o FILE] SOURCE",
      "make a language that shows what is not translated or does not fit", run_pseudo},
     {"fill", "--from FILE [--from FILE]... [--dry-run] [-o FILE] SOURCE",
      "take missing texts from other sources and catalogs", run_fill},
+    {"carry", "[--at-least PERCENT] [--keep-trivial] [--dry-run] SOURCE",
+     "give changed items the texts that they had before", run_carry},
 };
 
 void print_help()

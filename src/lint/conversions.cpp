@@ -157,6 +157,8 @@ bool is_symbol(std::string_view text, std::string_view name, const name_set &kno
 {
     if (known.has(name))
         return true;
+    if (name.size() == 1)
+        return false; // "%b%e" is a date
     const auto begun = read_conversion(text);
     if (!begun)
         return true;
@@ -208,15 +210,36 @@ void add_conversion(percents &found, std::string_view written, const conversion 
     found.conversions.push_back(written);
 }
 
+// Whether the tilde begins what percent signs begin elsewhere, as in "~A is unbound~%".
+bool is_lisp(std::string_view text)
+{
+    for (std::size_t at = text.find('~'); at < text.size(); at = text.find('~', at + 1)) {
+        const char c = at + 1 < text.size() ? text[at + 1] : ' ';
+        const bool ends = at + 2 >= text.size() || !is_word_byte(text[at + 2]);
+        if (std::string_view("&:@~[{(").find(c) != std::string_view::npos ||
+            (ends && std::string_view("aAsSdD").find(c) != std::string_view::npos))
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 percents read_percents(std::string_view text, const percents *known)
 {
     percents found;
     argument_count count;
+    std::optional<bool> lisp; // asked once, and mostly never
     const name_set symbols(known == nullptr ? std::vector<std::string_view>() : known->symbols);
     for (std::size_t at = text.find('%'); at < text.size(); at = text.find('%', at)) {
         const std::string_view rest = text.substr(at);
+        if (at > 0 && text[at - 1] == '~') {
+            lisp = lisp ? lisp : is_lisp(text);
+            if (*lisp || rest.size() == 1) {
+                ++at; // a line end
+                continue;
+            }
+        }
         if (rest.starts_with("%%")) {
             at += 2;
             continue;

@@ -41,7 +41,8 @@ enum class rule_id : std::uint8_t {
     collision,
     unused,
     not_ready,
-    unasked
+    unasked,
+    stale
 };
 
 // A set of rules, a bit each.

@@ -29,6 +29,53 @@ std::string_view first_other(const std::vector<std::string_view> &names,
     return found == names.end() ? std::string_view() : *found;
 }
 
+// The words of a text that have no percent sign beside them.
+name_set plain_words(std::string_view text)
+{
+    std::vector<std::string_view> out;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t start = at;
+        while (at < text.size() && is_word_byte(text[at]))
+            ++at;
+        if (at == start)
+            ++at;
+        else if ((start == 0 || text[start - 1] != '%') && (at == text.size() || text[at] != '%'))
+            out.push_back(text.substr(start, at - start));
+    }
+    return name_set(std::move(out));
+}
+
+// A name that stands in the text without its signs, too, is a word that is explained, as in
+// "/REGEXP/ copies up to it, %REGEXP% skips to it".
+void drop_words(percents &found, std::string_view text)
+{
+    if (found.symbols.empty())
+        return;
+    const name_set words = plain_words(text);
+    std::erase_if(found.symbols, [&](std::string_view name) { return words.has(name); });
+}
+
+// "%d hour" of a pair of items for one and for more: languages that write the number out need no
+// conversion for it. What the others take must stay in its place, so it is the last one.
+bool is_written_out(const percents &own, const percents &expected, std::string_view reference)
+{
+    if (expected.arguments.empty() || expected.arguments.back().kind != argument::whole ||
+        own.arguments.size() + 1 != expected.arguments.size() || own.mixed || own.writes ||
+        own.stray ||
+        !std::equal(own.arguments.begin(), own.arguments.end(), expected.arguments.begin()))
+        return false;
+    const std::string_view last = expected.conversions.back();
+    const std::size_t found = reference.rfind(last) + last.size();
+    std::size_t start = found;
+    while (start < reference.size() && reference[start] == ' ')
+        ++start;
+    std::size_t end = start;
+    while (end < reference.size() && is_ascii_letter(reference[end]))
+        ++end;
+    constexpr std::size_t shortest = 3; // of a word for things
+    return start > found && end - start >= shortest && reference[end - 1] != 's';
+}
+
 // The gravest fault is told, and only that: the others often follow from it.
 bool judge_conversions(const percents &own, const percents &expected, std::string &message)
 {
@@ -79,7 +126,9 @@ bool judge_format(const text_case &at, std::string &message)
     // "100 % sure" is no format: nobody gives such a text to printf.
     if (!expected.is_format())
         return false;
-    return judge_conversions(read_percents(at.own.bytes, &expected), expected, message);
+    const percents own = read_percents(at.own.bytes, &expected);
+    return !is_written_out(own, expected, at.reference.bytes) &&
+           judge_conversions(own, expected, message);
 }
 
 bool judge_symbol(const text_case &at, std::string &message)
@@ -88,8 +137,10 @@ bool judge_symbol(const text_case &at, std::string &message)
         return false;
     if (at.own.is_blank() || at.reference.is_blank())
         return false;
-    const percents expected = read_percents(at.reference.bytes);
-    const percents own = read_percents(at.own.bytes, &expected);
+    percents expected = read_percents(at.reference.bytes);
+    percents own = read_percents(at.own.bytes, &expected);
+    drop_words(own, at.own.bytes);
+    drop_words(expected, at.reference.bytes);
     const std::string_view added = first_other(own.symbols, expected.symbols);
     const std::string_view gone = first_other(expected.symbols, own.symbols);
     // A symbol that the application does not set is shown with its signs, so it is told first.

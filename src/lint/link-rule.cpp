@@ -12,6 +12,7 @@ namespace {
 struct number {
     std::string digits;
     std::vector<std::string> parts; // between its commas
+    std::string shown;              // with its decimal points
     std::size_t end;                // in the text
 };
 
@@ -20,6 +21,7 @@ struct links {
     std::vector<std::string> addresses;
     std::vector<std::string> paths;
     std::vector<number> numbers; // in the order of the text
+    std::string named;           // digits of names, "2000" of "JPEG2000"
 };
 
 bool is_address_byte(char c)
@@ -105,19 +107,37 @@ private:
     std::size_t sign_ = 0; // no "@" lies between the position asked for last and here
 };
 
+// A number as people write it: with its decimal points, without commas and points that group.
+std::string shown_number(std::string_view written)
+{
+    constexpr std::size_t group = 3;
+    std::string out;
+    const auto groups = [&](std::size_t sign) {
+        return std::min(written.find_first_of(".,", sign + 1), written.size()) - sign - 1 == group;
+    };
+    for (std::size_t at = 0; at < written.size(); ++at)
+        if (written[at] != ',' && (written[at] != '.' || !groups(at)))
+            out += written[at];
+    return out;
+}
+
 // A number with its separators, in the digits of any script.
 number read_number(std::string_view bytes, std::size_t at)
 {
-    number found{{}, {""}, at};
+    number found{{}, {""}, {}, at};
+    std::string written;
     char32_t separator = 0;
     for (std::size_t i = at; i < bytes.size();) {
         const char32_t c = next_char(bytes, i);
         if (is_digit(c)) {
             if (separator == ',')
                 found.parts.emplace_back();
+            if (separator != 0)
+                written += separator == '.' || separator == 0x66B ? '.' : ',';
             const auto digit = static_cast<char>('0' + g_unichar_digit_value(c));
             found.digits += digit;
             found.parts.back() += digit;
+            written += digit;
             found.end = i;
             separator = 0;
         } else if (separator != 0 || (c != '.' && c != ',' && c != 0x66B && c != 0x66C)) {
@@ -126,7 +146,37 @@ number read_number(std::string_view bytes, std::size_t at)
             separator = c;
         }
     }
+    found.shown = shown_number(written);
     return found;
+}
+
+// "win32" is a name. Scripts without blanks set numbers right behind their letters.
+bool begins_number(char32_t before)
+{
+    constexpr char32_t first_without_blanks = 0xE00; // Thai; Chinese and its like stand above
+    return !is_letter(before) || before >= first_without_blanks;
+}
+
+// "&#215;" is a sign.
+std::size_t entity_length(std::string_view rest)
+{
+    if (!rest.starts_with("&#"))
+        return 0;
+    std::size_t end = 2;
+    while (end < rest.size() && is_word_byte(rest[end]))
+        ++end;
+    return end > 2 && end < rest.size() && rest[end] == ';' ? end + 1 : 0;
+}
+
+// "%75" is how some languages write 75 %.
+bool is_percentage(std::string_view rest)
+{
+    std::size_t end = 1;
+    while (end < rest.size() && is_ascii_digit(rest[end]))
+        ++end;
+    return end > 1 && (end == rest.size() ||
+                       (!is_ascii_letter(rest[end]) &&
+                        std::string_view("$.*'").find(rest[end]) == std::string_view::npos));
 }
 
 // Behind "%1$s", "%5.2f" and the like, whose digits are no number of the text.
@@ -146,7 +196,7 @@ links read_links(std::string_view bytes)
     for (std::size_t at = 0; at < bytes.size();) {
         std::size_t next = at;
         const char32_t c = next_char(bytes, next);
-        const bool starts = !is_letter(before) && !is_digit(before);
+        const bool starts = begins_number(before) && !is_digit(before);
         if (starts && is_address_byte(bytes[at])) {
             if (!run.holds(at))
                 run = address_run(bytes, at);
@@ -161,7 +211,12 @@ links read_links(std::string_view bytes)
                 continue;
             }
         }
-        if (c == '%') {
+        if (const std::size_t length = entity_length(bytes.substr(at)); length != 0) {
+            at += length;
+            before = ' ';
+            continue;
+        }
+        if (c == '%' && !is_percentage(bytes.substr(at))) {
             at = std::max(next, skip_conversion(bytes, at));
             before = 'x';
             continue;
@@ -169,8 +224,10 @@ links read_links(std::string_view bytes)
         if (is_digit(c)) {
             number read = read_number(bytes, at);
             at = read.end;
-            if (!is_letter(before)) // not that of a name, as in "win32"
+            if (begins_number(before))
                 found.numbers.push_back(std::move(read));
+            else
+                found.named += read.digits;
             before = '0';
             continue;
         }
@@ -235,14 +292,13 @@ bool is_small(const std::string &digits)
 }
 
 // The first number whose digits do not follow each other in the others, however those are grouped;
-// empty when there is none. So many that are grouped in other ways are a table, which is not looked
+// null when there is none. So many that are grouped in other ways are a table, which is not looked
 // through.
-std::string find_other(const std::vector<number> &numbers, const std::vector<number> &others,
-                       bool with_small)
+const number *find_other(const std::vector<number> &numbers, const links &others, bool with_small)
 {
     constexpr int most_searches = 50;
-    const std::string digits = all_digits(others);
-    const name_set known(names_of(others));
+    const std::string digits = all_digits(others.numbers) + others.named;
+    const name_set known(names_of(others.numbers));
     int searches = 0;
     const auto is_there = [&](const std::string &one) {
         return (!with_small && is_small(one)) || known.has(one) || ++searches > most_searches ||
@@ -251,18 +307,18 @@ std::string find_other(const std::vector<number> &numbers, const std::vector<num
     for (const number &one : numbers)
         if (!is_there(one.digits) &&
             !(one.parts.size() > 1 && std::all_of(one.parts.begin(), one.parts.end(), is_there)))
-            return one.digits;
-    return {};
+            return &one;
+    return nullptr;
 }
 
 bool numbers_differ(const links &own, const links &reference, std::string &message)
 {
-    const std::string added = find_other(own.numbers, reference.numbers, true);
-    const std::string gone = find_other(reference.numbers, own.numbers, !added.empty());
-    if (gone.empty())
+    const number *added = find_other(own.numbers, reference, true);
+    const number *gone = find_other(reference.numbers, own, added != nullptr);
+    if (gone == nullptr)
         return false;
-    message = "the number " + gone;
-    message += added.empty() ? " of the reference is missing" : " is " + added;
+    message = "the number " + gone->shown;
+    message += added == nullptr ? " of the reference is missing" : " is " + added->shown;
     return true;
 }
 

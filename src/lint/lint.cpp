@@ -2,6 +2,7 @@
 
 #include "lint/across.h"
 #include "lint/item-case.h"
+#include "lint/mnemonics.h"
 #include "lint/rules.h"
 #include "lint/switch.h"
 #include "source/entry.h"
@@ -256,6 +257,8 @@ void linter::work::check(const listener &to, const std::function<void(const item
 {
     group_ = nullptr;
     item_ = nullptr;
+    if (!may_use_mnemonics(source_))
+        std::erase_if(text_rules_, [](const rule *row) { return row->id == rule_id::mnemonic; });
     if (wanted_.rules.has(rule_id::duplicate))
         across::judge_languages(source_, *this);
     tell(to);

@@ -1,6 +1,7 @@
 #include "lint/mnemonics.h"
 
 #include "lint/text.h"
+#include "source/entry.h"
 
 #include <algorithm>
 
@@ -30,6 +31,18 @@ bool is_in_long_word(std::string_view text, std::size_t underscore)
     return true;
 }
 
+// "_Open", "Save _as", "(_O)"; not "a_name" nor "__file".
+bool has_marked_word(std::string_view text)
+{
+    for (std::size_t at = text.find('_'); at < text.size(); at = text.find('_', at + 1)) {
+        std::size_t behind = at + 1;
+        const char before = at == 0 ? ' ' : text[at - 1];
+        if ((before == ' ' || before == '(') && is_letter_behind(text, behind))
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 mnemonics read_mnemonics(std::string_view text)
@@ -39,6 +52,7 @@ mnemonics read_mnemonics(std::string_view text)
     const bool sentence = std::count(text.begin(), text.end(), ' ') >= 3;
     for (std::size_t at = text.find('_'); at != std::string_view::npos; at = text.find('_', at)) {
         const bool name = sentence && is_in_long_word(text, at);
+        std::size_t before = at;
         if (++at == text.size())
             break;
         // Two underscores show one.
@@ -48,9 +62,25 @@ mnemonics read_mnemonics(std::string_view text)
             continue;
         if (found.count++ == 0)
             found.key = g_unichar_tolower(c);
-        found.sure += name ? 0U : 1U;
+        // "X_2" is an X with a small 2.
+        const bool lowered = is_digit(c) && is_letter_before(text, before);
+        found.sure += name || lowered ? 0U : 1U;
     }
     return found;
+}
+
+bool may_use_mnemonics(const LangSource *source)
+{
+    constexpr std::size_t few = 50;
+    std::size_t used = 0;
+    for (const edit_t *group : each<edit_t>(source->groups))
+        for (const item_t *item : each<item_t>(group->items))
+            if (item->used != 0) {
+                ++used;
+                if (has_marked_word(reference_text(*source, item)))
+                    return true;
+            }
+    return used < few;
 }
 
 } // namespace zel::lint

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <string_view>
 
+#include "source/model.h"
+
 namespace zel::lint {
 
 struct mnemonics {
@@ -14,5 +16,9 @@ struct mnemonics {
 };
 
 mnemonics read_mnemonics(std::string_view text);
+
+// Whether an item in use has an underscore that begins a word of its reference text. A program of
+// many texts without one has no menus, and its underscores belong to names; few texts tell nothing.
+bool may_use_mnemonics(const LangSource *source);
 
 } // namespace zel::lint

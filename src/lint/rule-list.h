@@ -46,5 +46,6 @@ void judge_empty(const item_case &at);
 void judge_item_end(const item_case &at);
 void judge_unused(const item_case &at);
 void judge_not_ready(const item_case &at);
+void judge_stale(const item_case &at);
 
 } // namespace zel::lint

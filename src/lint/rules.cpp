@@ -75,6 +75,8 @@ constexpr rule table[] = {
      judge_not_ready},
     {unasked, "unasked", info, "no file of the code asks for the item (--code)", scope::alone,
      nullptr, nullptr},
+    {stale, "stale", info, "a text was carried from a changed item, and nobody has looked at it",
+     scope::alone, nullptr, judge_stale},
 };
 
 // Findings index the table by their id, and the list of "--rules" shows the gravest first.
@@ -91,7 +93,7 @@ constexpr bool is_good()
     return true;
 }
 static_assert(is_good(), "rows stand in the order of their ids and levels, no name twice");
-static_assert(std::size(table) == static_cast<std::size_t>(unasked) + 1);
+static_assert(std::size(table) == static_cast<std::size_t>(stale) + 1);
 
 } // namespace
 

@@ -1,5 +1,7 @@
+#include "lint/carried.h"
 #include "lint/item-case.h"
 #include "lint/rule-list.h"
+#include "source/entry.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -55,6 +57,24 @@ void judge_not_ready(const item_case &at)
 {
     if (at.item->used != 0 && at.item->ready == 0)
         at.found.say(rule_id::not_ready, nullptr, at.item, "not marked ready");
+}
+
+void judge_stale(const item_case &at)
+{
+    if (at.item->ready != 0)
+        return;
+    std::string buffer;
+    for (const lang_entry_t *comment : each<lang_entry_t>(at.item->comments)) {
+        const std::size_t i = at.languages.find(comment->lang, 0);
+        if (i == at.languages.size() || at.slots[i].entry == nullptr)
+            continue;
+        const std::string_view from =
+            find_carried(look_at_text(comment->texts, buffer), at.slots[i].own.bytes);
+        if (!from.empty())
+            at.found.say(rule_id::stale, at.languages[i].name, at.slots[i].entry,
+                         std::string("carried from ").append(from) +
+                             ", and nobody has looked at it since");
+    }
 }
 
 } // namespace zel::lint

@@ -38,11 +38,31 @@ bool is_slip(std::string_view word)
 {
     constexpr std::string_view never[] = {"the", "and", "for", "of",  "to",  "is",  "und", "von",
                                           "mit", "les", "del", "los", "las", "est", "para"};
-    constexpr std::string_view sometimes[] = {"that", "nous", "vous", "blah"};
+    constexpr std::string_view sometimes[] = {"that", "nous",   "vous",  "blah",
+                                              "sama", "masing", "teker", "piano"};
     const auto is_in = [word](const auto &list) {
         return std::find(std::begin(list), std::end(list), word) != std::end(list);
     };
     return is_in(never) || (is_word(word, 4) && !is_in(sometimes));
+}
+
+// Between the columns of a table.
+bool is_column(std::string_view gap)
+{
+    return gap.find('\n') == std::string_view::npos &&
+           (gap.size() > 1 || gap.find('\t') != std::string_view::npos);
+}
+
+// Turkish and Vietnamese double many a word to stress it; their letters tell them.
+bool doubles_words(std::string_view bytes)
+{
+    constexpr std::u32string_view letters = U"ğşıİŞĞəđơưĐƠƯ";
+    for (std::size_t at = 0; at < bytes.size();) {
+        const char32_t c = next_char(bytes, at);
+        if (letters.find(c) != std::u32string_view::npos || (c >= 0x1EA0 && c <= 0x1EF9))
+            return true;
+    }
+    return false;
 }
 
 // The first word that stands there twice, one behind the other; empty when there is none. With
@@ -51,9 +71,12 @@ std::string_view find_repeated(std::string_view bytes, bool with_signs)
 {
     std::string_view before;
     for (std::size_t at = 0; at < bytes.size();) {
+        const std::size_t gap = at;
         while (at < bytes.size() && is_blank(bytes[at]))
             ++at;
         const std::size_t start = at;
+        if (is_column(bytes.substr(gap, start - gap)))
+            before = {};
         while (at < bytes.size() && !is_blank(bytes[at]))
             ++at;
         const std::string_view written = bytes.substr(start, at - start);
@@ -92,7 +115,8 @@ bool judge_repeated(const text_case &at, std::string &message)
     if (!at.own.has(has_blank))
         return false;
     const std::string_view word = find_repeated(at.own.bytes, true);
-    if (word.empty() || !is_slip(word) || !find_repeated(at.reference.bytes, false).empty())
+    if (word.empty() || !is_slip(word) || doubles_words(at.own.bytes) ||
+        !find_repeated(at.reference.bytes, false).empty())
         return false;
     message.append("\"").append(word).append("\" stands there twice");
     return true;

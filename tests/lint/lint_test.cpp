@@ -129,12 +129,14 @@ TEST(Lint, Collision)
 
 TEST(Lint, SameIsAPhraseThatMostLanguagesTranslate)
 {
-    made_source source({"french", "polish"});
+    made_source source({"french", "polish", "british english"});
+    source.add("a", "0", {{"english", "© the small team"}, {"german", "© the small team"}});
     source.add("a", "1",
                {{"english", "Notify with a toaster"},
                 {"german", "Notify with a toaster"},
                 {"french", "Avertir"},
-                {"polish", "x"}});
+                {"polish", "x"},
+                {"british english", "Notify with a toaster"}});
     source.add("a", "2", {{"english", "Mail User Agent"}, {"german", "Mail User Agent"}});
     source.add("a", "3",
                {{"english", "van der valk pattern"},

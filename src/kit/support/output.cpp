@@ -106,6 +106,20 @@ std::string with_commas(std::size_t number)
     return out;
 }
 
+std::size_t columns_of(std::string_view text)
+{
+    std::size_t columns = 0;
+    const char *end = text.data() + text.size();
+    for (const char *at = text.data(); at < end;) {
+        const gunichar c = g_utf8_get_char_validated(at, end - at);
+        // A byte that is no UTF-8 takes one column.
+        const bool good = c < 0x110000;
+        columns += good && g_unichar_iswide(c) ? 2U : good && g_unichar_iszerowidth(c) ? 0U : 1U;
+        at = good ? g_utf8_next_char(at) : at + 1;
+    }
+    return columns;
+}
+
 std::string quoted(std::string_view text)
 {
     std::string out = "\"";

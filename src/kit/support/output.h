@@ -21,6 +21,9 @@ std::string counted(std::size_t count, const std::string &one);
 // A number with a comma between its thousands.
 std::string with_commas(std::size_t number);
 
+// How many columns a text takes on a terminal.
+std::size_t columns_of(std::string_view text);
+
 // A text on one line, in double quotes, with the escapes of sources.
 std::string quoted(std::string_view text);
 

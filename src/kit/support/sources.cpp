@@ -79,6 +79,14 @@ source_guard read(const std::string &path, source_places *places)
     return std::move(read_source(path.c_str(), {std::time(nullptr), hear, places}).source);
 }
 
+source_guard read_text(const std::string &name, const std::string &text)
+{
+    const auto hear = [](const read_message &message) {
+        say(message, message.row->after != outcome::go_on);
+    };
+    return std::move(read_source(name.c_str(), {std::time(nullptr), hear, nullptr, text}).source);
+}
+
 source_file read_whole(const std::string &path, std::int64_t now)
 {
     source_file file{nullptr, {seen_file(path)}};

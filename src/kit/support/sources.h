@@ -23,6 +23,9 @@ bool is_absent(const std::string &path);
 // is not waited for.
 source_guard read(const std::string &path, source_places *places = nullptr);
 
+// The same of a text, which a message calls by that name.
+source_guard read_text(const std::string &name, const std::string &text);
+
 // A file as it was before a word read it.
 struct seen_file {
     std::string path;

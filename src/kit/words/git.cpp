@@ -1,5 +1,8 @@
+#include "kit/support/git-files.h"
 #include "kit/support/options.h"
+#include "kit/support/output.h"
 #include "kit/support/program.h"
+#include "kit/support/resolve.h"
 #include "kit/support/sources.h"
 #include "kit/words/word-list.h"
 #include "support/file_mem.h"
@@ -98,8 +101,7 @@ public:
 private:
     program_run git(std::vector<std::string> words) const
     {
-        words.insert(words.begin(), "git");
-        return run_program(words, top_);
+        return run_git_program(std::move(words), top_);
     }
     bool say(const std::string &text) const
     {
@@ -126,17 +128,10 @@ private:
     bool others_ = false;
 };
 
-std::string first_line(const std::string &text) { return text.substr(0, text.find('\n')); }
-
 bool repository::find()
 {
-    const program_run run = git({"rev-parse", "--show-toplevel"});
-    if (!run.started)
-        return say("git is not installed");
-    if (run.status != 0)
-        return say("this is no working tree of a repository");
-    top_ = run.out.substr(0, run.out.rfind('\n'));
-    return true;
+    top_ = find_top("lang-kit git");
+    return !top_.empty();
 }
 
 bool repository::configure()
@@ -316,16 +311,26 @@ bool repository::set_hook()
 int run_git(const word &self, int argc, char **argv)
 {
     bool hook = false;
+    bool resolve = false;
     bool dry_run = false;
     const parsed line =
         parse(self, argc, argv,
               {{.name = "hook",
                 .help = "also lint the sources of every commit before it is made",
                 .on = &hook},
+               {.name = "resolve",
+                .help = "merge the sources that git has left in conflict, all or those named",
+                .on = &resolve},
                {.name = "dry-run", .help = "only say what would be set up", .on = &dry_run}},
-              0, 0);
+              0, SIZE_MAX);
     if (line.ends)
         return line.status;
+    if (resolve && hook)
+        return wrong_use(self, "--hook and --resolve exclude each other");
+    if (resolve)
+        return resolve_conflicts(line.files, dry_run);
+    if (!line.files.empty())
+        return wrong_use(self, "one file too many: " + kit::quoted(line.files.front()));
     repository here(dry_run);
     // The files are looked at before anything is configured.
     if (!here.find() || !here.may_write_files() || !here.configure() || !here.set_attributes() ||

@@ -49,21 +49,6 @@ std::string percent(std::size_t of_1000)
     return std::to_string(of_1000 / 10) + "." + std::to_string(of_1000 % 10) + " %";
 }
 
-// How many columns a text takes on a terminal.
-std::size_t columns_of(const std::string &text)
-{
-    std::size_t columns = 0;
-    const char *end = text.data() + text.size();
-    for (const char *at = text.data(); at < end;) {
-        const gunichar c = g_utf8_get_char_validated(at, end - at);
-        // A byte that is no UTF-8 takes one column.
-        const bool good = c < 0x110000;
-        columns += good && g_unichar_iswide(c) ? 2U : good && g_unichar_iszerowidth(c) ? 0U : 1U;
-        at = good ? g_utf8_next_char(at) : at + 1;
-    }
-    return columns;
-}
-
 using row = std::vector<std::string>;
 
 row row_of(const language_counts &one, std::size_t used)

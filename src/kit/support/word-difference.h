@@ -1,0 +1,22 @@
+#pragma once
+
+// What differs between two texts, by words.
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zel::kit {
+
+enum class word_change { none, gone, added };
+
+struct word_run {
+    word_change how;
+    std::string text; // words with one blank between them; a line end counts as one
+};
+
+// The words of both texts in their order; of two places that both changed the old words come first.
+// Very long texts differ as a whole.
+std::vector<word_run> compare_words(std::string_view before, std::string_view after);
+
+} // namespace zel::kit
