@@ -1,10 +1,6 @@
 #include "kit/support/commit-files.h"
 
-#include "kit/support/program.h"
-
 #include <cstdio>
-
-#include <glib.h>
 
 namespace zel::kit {
 
@@ -32,24 +28,15 @@ bool say(const std::string &text)
     return false;
 }
 
-std::string first_line(const std::string &text) { return text.substr(0, text.find('\n')); }
-
 } // namespace
-
-commit_files::~commit_files()
-{
-    if (!folder_.empty())
-        run_program({"rm", "-rf", folder_}, "");
-}
 
 bool commit_files::take(const std::string &revision, const std::vector<std::string> &paths)
 {
-    gchar *made = g_dir_make_tmp("lang-kit.XXXXXX", nullptr);
-    if (made == nullptr)
+    folder_.emplace();
+    if (!*folder_)
         return say("a temporary folder cannot be made");
-    folder_ = made;
-    g_free(made);
-    std::vector<std::string> words{"sh", "-c", script, "sh", revision, folder_};
+    tree_ = *folder_ / "tree/";
+    std::vector<std::string> words{"sh", "-c", script, "sh", revision, *folder_ / ""};
     words.insert(words.end(), paths.begin(), paths.end());
     const program_run run = run_program(words, "");
     if (!run.started)
@@ -62,7 +49,7 @@ bool commit_files::take(const std::string &revision, const std::vector<std::stri
         return say(run.err.empty() ? "the files of \"" + revision + "\" cannot be read"
                                    : first_line(run.err));
     top_ = first_line(run.out) + "/";
-    current_ = folder_ + "/tree/" + first_line(run.out.substr(top_.size()));
+    current_ = tree_ + first_line(run.out.substr(top_.size()));
     return true;
 }
 
@@ -70,7 +57,7 @@ std::string commit_files::place_of(const std::string &path) const
 {
     if (!path.starts_with('/'))
         return current_ + path;
-    return folder_ + "/tree/" + (path.starts_with(top_) ? path.substr(top_.size()) : path);
+    return tree_ + (path.starts_with(top_) ? path.substr(top_.size()) : path);
 }
 
 } // namespace zel::kit

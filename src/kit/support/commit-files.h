@@ -2,18 +2,16 @@
 
 // Files as a commit has them, in a folder of their own that goes with the object.
 
+#include <optional>
 #include <string>
 #include <vector>
+
+#include "kit/support/git-files.h"
 
 namespace zel::kit {
 
 class commit_files {
 public:
-    commit_files() = default;
-    ~commit_files();
-    commit_files(const commit_files &) = delete;
-    commit_files &operator=(const commit_files &) = delete;
-
     // Takes the files of these paths, which may be folders. False after a line on standard error:
     // there is no such commit, or a path is not in the repository of the current folder.
     bool take(const std::string &revision, const std::vector<std::string> &paths);
@@ -22,8 +20,9 @@ public:
     std::string place_of(const std::string &path) const;
 
 private:
-    std::string folder_;  // everything
-    std::string top_;     // of the working tree, with a slash behind it
+    std::optional<private_folder> folder_; // everything
+    std::string tree_;                     // the files in it
+    std::string top_;                      // of the working tree, with a slash behind it
     std::string current_; // what stands for the current folder, with a slash behind it
 };
 
