@@ -8,12 +8,24 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdarg>
 #include <cstdio>
 #include <cstring>
 
 namespace {
 
 constexpr std::size_t read_size = 1 << 16;
+
+// A message as the command prints it.
+[[gnu::format(printf, 2, 3)]] void say(const zel::scan_how &how, const char *format, ...)
+{
+    if (how.messages == nullptr)
+        return;
+    std::va_list values;
+    va_start(values, format);
+    std::vfprintf(how.messages, format, values);
+    va_end(values);
+}
 
 } // namespace
 
@@ -33,11 +45,7 @@ int check_file(item_index &index, const char *path, const scan_how &how)
 {
     const char *shown = path == nullptr ? "(null)" : path;
     const symtab_guard symbols(symtab_new());
-    const auto say = [&](const char *words, const char *value, const char *end) {
-        if (how.messages != nullptr)
-            std::fprintf(how.messages, "%s%s%s\n", words, value, end);
-    };
-    say("check c file >", shown, "<");
+    say(how, "check c file >%s<\n", shown);
     kept_lex_guard lex;
     zel_lex_guard with_wrappers;
     if (how.wrappers == nullptr)
@@ -47,16 +55,16 @@ int check_file(item_index &index, const char *path, const scan_how &how)
         with_wrappers.reset(how.wrappers->new_scanner());
     zel_lex_t *scanner = how.wrappers == nullptr ? lex.get() : with_wrappers.get();
     if (scanner == nullptr) {
-        say("ERROR(2): unable to init lexical scanner", "", "");
+        say(how, "ERROR(2): unable to init lexical scanner\n");
         return -1;
     }
     const zel_lex_buf_guard buffer(zel_lex_buf_file_new(path));
     if (buffer == nullptr) {
-        say("ERROR(3): unable to init lexical scanner", "", "");
+        say(how, "ERROR(3): unable to init lexical scanner\n");
         return -1;
     }
     if (zel_lex_buf_file_get_fp(buffer.get()) == nullptr) {
-        say("ERROR(4): unable to open file ", shown, "");
+        say(how, "ERROR(4): unable to open file %s\n", shown);
         return -1;
     }
     // One area for all files: most are read with one call, and none allocates.

@@ -1,6 +1,7 @@
 #include "exchange/item-finder.h"
 
 #include "exchange/input.h"
+#include "langlib/plural-rule.h"
 #include "source/entry.h"
 
 #include <algorithm>
@@ -18,6 +19,15 @@ std::string grouped(std::string_view text, std::string_view group)
     std::string out(text);
     out += '\0'; // no name holds one
     return out.append(group);
+}
+
+// Each form of a text without the white space at its end.
+std::string without_ends(std::string_view text)
+{
+    std::string out;
+    for (std::size_t i = 0; i < count_text_forms(text); ++i)
+        out.append(i == 0 ? "" : "|").append(without_end(text_form(text, i)));
+    return out;
 }
 
 } // namespace
@@ -94,6 +104,8 @@ std::vector<item_finder::found> item_finder::find(const std::optional<std::strin
     auto known = by_text_.find(text);
     if (known == by_text_.end())
         known = by_text_.find(std::string(without_end(text)));
+    if (known == by_text_.end() && text.find(plural_sign) != text.npos)
+        known = by_text_.find(without_ends(text));
     if (known == by_text_.end())
         return {};
     if (const found *one =

@@ -43,8 +43,7 @@ if(NOT LANG_SANITIZE)
   file(GLOB threads_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/support/*.cpp
        ${PROJECT_SOURCE_DIR}/src/lex/*.cpp ${PROJECT_SOURCE_DIR}/src/langlib/*.cpp)
   add_executable(langlib_threads_test EXCLUDE_FROM_ALL langlib/threads.cc ${threads_sources})
-  set_target_properties(langlib_threads_test PROPERTIES UNITY_BUILD ${LANG_UNITY}
-                                                        UNITY_BUILD_BATCH_SIZE 0)
+  lang_rooms_as_units(langlib_threads_test "${threads_sources}")
   target_link_libraries(langlib_threads_test PRIVATE lang_options PkgConfig::GLIB)
   target_compile_options(langlib_threads_test PRIVATE -fsanitize=thread -O1 -g)
   target_link_options(langlib_threads_test PRIVATE -fsanitize=thread)
