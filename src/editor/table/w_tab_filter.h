@@ -31,7 +31,8 @@ void free_search_words(GList *words);
 // The numbers of the rows that the filter lets through and nothing else hides. When the search by
 // bytes finds none, upper and lower case of all scripts count as equal.
 [[nodiscard]] std::vector<std::uint32_t>
-tab_filtered_rows(const tab_rows &rows, const tab_filter &filter, const assist::folded_words &folded,
+tab_filtered_rows(const tab_rows &rows, const tab_filter &filter,
+                  const assist::folded_words &folded,
                   const std::function<bool(std::uint32_t row)> &hidden);
 
 } // namespace zel
