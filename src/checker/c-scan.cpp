@@ -494,7 +494,7 @@ void read_word(scan &s, zel_lex_t *lex, const zel_token_t *token)
         read_definition(s, lex);
     else if (kind == WORD_STOP)
         skip_stopped(s, lex, token);
-    else if (kind >= WORD_WRAPPER)
+    else if (kind >= WORD_WRAPPER && s.how.wrappers != nullptr)
         read_call(s, lex, token, s.how.wrappers->of(token));
     else if (kind == TOKEN_IDENT && s.string_depth == 0)
         read_call(s, lex, token, locale_word(token));
@@ -511,7 +511,7 @@ void read_call(scan &s, zel_lex_t *lex, const zel_token_t *token, const wrapper 
     if (form == nullptr || s.call_depth == MAX_CALL_DEPTH)
         return;
     const place at{token->line, token->column};
-    const bool own = token->id >= WORD_WRAPPER;
+    const bool own = token->id >= WORD_WRAPPER && s.how.wrappers != nullptr;
     ++s.call_depth;
     const wrapper_call call =
         read_wrapper_call(lex, own ? s.how.wrappers->group() : std::string(), *form, s.symbols,

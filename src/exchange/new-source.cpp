@@ -139,7 +139,7 @@ fault new_source::take_header(catalog &of, std::string_view bytes, const po_mess
 {
     const std::string &header = message.texts.front();
     of.own = po_header_field(header, "X-Generator") == "lang-kit";
-    const fault wrong = choose_language(of, header);
+    fault wrong = choose_language(of, header);
     of.plurals.open(of.language, po_header_field(header, plural_field), plural_line(bytes));
     const std::string app(app_of(po_header_field(header, "Project-Id-Version")));
     if (!app.empty())

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "source/model.h"
+
 namespace zel::lint {
 
 // Whether a reference text has plural forms: signs "|" without blanks beside them, a conversion for
