@@ -162,9 +162,9 @@ std::uint64_t result_of(act what, std::uint64_t a, std::uint64_t b)
     case act::multiply:
         return a * b;
     case act::divide:
-        return a / b;
+        return b == 0 ? 0 : a / b;
     case act::remainder:
-        return a % b;
+        return b == 0 ? 0 : a % b;
     case act::add:
         return a + b;
     case act::subtract:
@@ -188,7 +188,7 @@ bool is_jump(act what) { return what >= act::jump; }
 
 // Large enough for whatever the reader lets pass: of each choice, a number waits at each level.
 struct machine_stack {
-    std::uint64_t values[256];
+    std::uint64_t values[256]{};
     std::size_t count = 0;
 
     void push(std::uint64_t value) { values[count++] = value; }

@@ -13,19 +13,22 @@ namespace zel::exchange {
 
 namespace {
 
+constexpr std::string_view slavic = "nplurals=3; plural=(n%10==1 && n%100!=11 ? 0 : n%10>=2 && "
+                                    "n%10<=4 && (n%100<10 || n%100>=20) ? 1 : 2);";
+constexpr std::string_view arabic = "nplurals=6; plural=(n==0 ? 0 : n==1 ? 1 : n==2 ? 2 : "
+                                    "n%100>=3 && n%100<=10 ? 3 : n%100>=11 ? 4 : 5);";
+
 // What catalogs have had for long, for languages that count so.
 constexpr std::string_view usual_headers[] = {
     "nplurals=1; plural=0;",
     "nplurals=2; plural=(n != 1);",
     "nplurals=2; plural=(n > 1);",
-    "nplurals=3; plural=(n%10==1 && n%100!=11 ? 0 : n%10>=2 && n%10<=4 && (n%100<10 || n%100>=20) "
-    "? 1 : 2);",
+    slavic,
     "nplurals=3; plural=(n==1 ? 0 : n%10>=2 && n%10<=4 && (n%100<10 || n%100>=20) ? 1 : 2);",
     "nplurals=3; plural=(n==1) ? 0 : (n>=2 && n<=4) ? 1 : 2;",
     "nplurals=3; plural=(n%10==1 && n%100!=11 ? 0 : n%10>=2 && (n%100<10 || n%100>=20) ? 1 : 2);",
     "nplurals=4; plural=(n%100==1 ? 0 : n%100==2 ? 1 : n%100==3 || n%100==4 ? 2 : 3);",
-    "nplurals=6; plural=(n==0 ? 0 : n==1 ? 1 : n==2 ? 2 : n%100>=3 && n%100<=10 ? 3 : n%100>=11 ? "
-    "4 : 5);",
+    arabic,
 };
 
 std::string_view without_blanks(std::string_view text)
@@ -66,10 +69,16 @@ std::string c_of_relation(std::string_view relation)
             out.append(number).append(is_not ? "!=" : "==").append(first);
         else if (first == "0")
             out.append(number).append(is_not ? ">" : "<=").append(last);
-        else if (is_not)
-            out += "(" + number + "<" + first + " || " + number + ">" + last + ")";
         else
-            out += "(" + number + ">=" + first + " && " + number + "<=" + last + ")";
+            out.append("(")
+                .append(number)
+                .append(is_not ? "<" : ">=")
+                .append(first)
+                .append(is_not ? " || " : " && ")
+                .append(number)
+                .append(is_not ? ">" : "<=")
+                .append(last)
+                .append(")");
     }
     return parts > 1 && !is_not ? "(" + out + ")" : out;
 }

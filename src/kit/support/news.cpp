@@ -153,7 +153,7 @@ private:
     // Where the item is ready somebody has looked at it.
     static bool is_as_before(const news_item &one, const lang_entry_t *entry)
     {
-        if (one.was == nullptr || one.item->ready != 0)
+        if (entry == nullptr || one.was == nullptr || one.item->ready != 0)
             return false;
         const lang_entry_t *old = find_entry(one.was->langs, entry->lang);
         return old != nullptr && same_written_text(old->texts, entry->texts);
