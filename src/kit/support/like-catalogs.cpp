@@ -40,7 +40,7 @@ bool make_catalog(exchange::export_request request, const std::string &path, std
     if (!wrong && language == nullptr)
         wrong.text = "unknown language " + shown(exchange::shown_name(like.language, path));
     if (!wrong) {
-        request.languages = {language};
+        request.languages = {std::string(language == nullptr ? "" : language)};
         exchange::exporter from(request);
         exchange::like_result made = exchange::write_like(from, like);
         print_notes(path, made);
@@ -76,7 +76,8 @@ int write_like_catalogs(const exchange::export_request &request,
         if (!make_catalog(request, catalogs[at], text))
             return status_fault;
         const std::string name = catalogs[at].substr(catalogs[at].rfind('/') + 1);
-        const std::string path = folder.empty() ? name : folder + "/" + name;
+        std::string path = folder;
+        path.append(folder.empty() ? "" : "/").append(name);
         if (dry_run) {
             std::printf("%s\n", path.c_str());
             continue;
