@@ -89,10 +89,11 @@ std::string needed_forms(std::string_view rule, std::string_view other, std::str
     rule = rule_or_two(rule);
     const std::size_t count = count_plural_forms(rule).everyday;
     const std::size_t other_count = count_text_forms(other);
+    const std::vector<std::vector<std::uint64_t>> forms = numbers_of_forms(rule, count);
     std::string out;
-    for (const std::vector<std::uint64_t> &numbers : numbers_of_forms(rule, count)) {
-        const std::uint64_t first = numbers.empty() ? 0 : numbers.front();
-        out += out.empty() ? "" : std::string(1, plural_sign);
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::uint64_t first = forms[i].empty() ? 0 : forms[i].front();
+        out += i == 0 ? "" : "|";
         out += text_form(other, plural_form(rule_or_two(other_rule), other_count, first));
     }
     return out;

@@ -86,18 +86,7 @@ int write_like_catalogs(const exchange::export_request &request,
             return status_fault;
         files[at].append(text);
     }
-    if (dry_run)
-        return status_fine;
-    // No file that is there changes before all of them are complete.
-    for (text_file &file : files)
-        if (!file.finish())
-            return status_fault;
-    for (text_file &file : files) {
-        if (!file.put_in_place())
-            return status_fault;
-        std::printf("%s\n", file.path().c_str());
-    }
-    return status_fine;
+    return dry_run || finish_all(files) ? status_fine : status_fault;
 }
 
 } // namespace zel::kit

@@ -71,4 +71,17 @@ bool text_file::put_in_place()
     return say(error);
 }
 
+bool finish_all(std::vector<text_file> &files)
+{
+    for (text_file &file : files)
+        if (!file.finish())
+            return false;
+    for (text_file &file : files) {
+        if (!file.put_in_place())
+            return false;
+        std::printf("%s\n", file.path().c_str());
+    }
+    return true;
+}
+
 } // namespace zel::kit

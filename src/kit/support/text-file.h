@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "support/guard.h"
 #include "support/safe-file.h"
@@ -34,5 +35,9 @@ private:
     // The old text while the new one has been the same so far.
     std::unique_ptr<std::FILE, release<std::fclose>> same_;
 };
+
+// Puts complete texts in their places and prints these; none that is there changes before all texts
+// are complete. After a failure at its place some files are new and some are old, each whole.
+bool finish_all(std::vector<text_file> &files);
 
 } // namespace zel::kit

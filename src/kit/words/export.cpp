@@ -58,16 +58,7 @@ bool write_files(const exchange::format &row, exchange::exporter &from,
         outgoing.push_back({[&file = files[at]](std::string_view text) { file.append(text); }, {}});
     }
     row.write(from, outgoing);
-    for (text_file &file : files)
-        if (!file.finish())
-            return false;
-    for (text_file &file : files) {
-        // After a failure here some files are new and some are old, but each is whole.
-        if (!file.put_in_place())
-            return false;
-        std::printf("%s\n", file.path().c_str());
-    }
-    return true;
+    return finish_all(files);
 }
 
 // Makes the folder if there is none, and writes the files into it.

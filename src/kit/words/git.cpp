@@ -67,6 +67,7 @@ constexpr const char *hook_text =
     "cd \"$folder\" && find . -type f -name lang-kit.ini -exec sh -c 'for ini do\n"
     "    grep -q \"^code *=\" \"$ini\" || continue\n"
     "    for source in \"${ini%/*}\"/*.lang-src; do\n"
+    "        [ -f \"$source\" ] || continue\n"
     "        \"$0\" check --dry-run --fail-on new,unread \"$source\" >&2 || exit 1\n"
     "    done\n"
     "done' @ {} +\n";
