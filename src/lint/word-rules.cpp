@@ -49,8 +49,8 @@ bool is_slip(std::string_view word)
 // Between the columns of a table.
 bool is_column(std::string_view gap)
 {
-    return gap.find('\n') == std::string_view::npos &&
-           (gap.size() > 1 || gap.find('\t') != std::string_view::npos);
+    return gap.size() == 1 ? gap[0] == '\t'
+                           : gap.size() > 1 && gap.find('\n') == std::string_view::npos;
 }
 
 // Turkish and Vietnamese double many a word to stress it; their letters tell them.

@@ -41,6 +41,9 @@ void log_toolkit_message(const gchar *domain, GLogLevelFlags level, const gchar 
         return;
     open_log();
     LogPrint(1, "%s: %s\n", domain == nullptr ? "" : domain, message == nullptr ? "" : message);
+    // G_DEBUG ends the process for this one, and the log may be closed already.
+    if ((level & G_LOG_FLAG_FATAL) != 0)
+        g_log_default_handler(domain, level, message, nullptr);
 }
 
 } // namespace
