@@ -149,6 +149,7 @@ const std::map<std::string, GtkWidget *(*)(int number)> named_widgets{
     {"caption of comment2", [](int) { return panel()->comment2_label; }},
     {"frame", [](int n) { return n == 1 ? panel()->lang1_frame : panel()->lang2_frame; }},
     {"finding", [](int) { return panel()->finding2_label; }},
+    {"room", [](int n) { return n == 1 ? panel()->room1_label : panel()->room2_label; }},
     {"suggestion",
      [](int n) { return n == 1 ? panel()->suggestion1_label : panel()->suggestion2_label; }},
     {"below1 view", [](int) { return panel()->below[0].view; }},
