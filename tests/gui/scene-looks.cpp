@@ -125,6 +125,8 @@ std::string marks_of(GtkLabel *label)
             pango_attr_iterator_get(parts, PANGO_ATTR_FOREGROUND));
         if (weight != nullptr && weight->value == PANGO_WEIGHT_BOLD)
             add("bold");
+        if (pango_attr_iterator_get(parts, PANGO_ATTR_STRIKETHROUGH) != nullptr)
+            add("struck");
         if (colour != nullptr && colour->color.red > 2 * colour->color.green)
             add("red");
     } while (pango_attr_iterator_next(parts) != 0);
