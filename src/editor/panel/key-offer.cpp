@@ -28,7 +28,7 @@ std::string reference_of(Zeltext *text)
 {
     for (const int number : {TEXT_TRANS1, TEXT_TRANS2}) {
         const lang_entry_t *entry = text->*fields[number].entry;
-        const std::string shown = buffer_text(buffer_of(text->*fields[number].view));
+        std::string shown = buffer_text(buffer_of(text->*fields[number].view));
         if (entry != nullptr && !shown.empty() &&
             g_strcmp0(entry->lang, text->lang_source->default_lang) == 0)
             return shown;
