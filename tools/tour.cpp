@@ -134,7 +134,7 @@ void show_field_menu()
 // What is told while one translates: findings, suggestions, the keys.
 void show_work()
 {
-    GtkWidget *filter = ZEL_TAB_EDIT(editWin)->work->filter_button();
+    GtkWidget *filter = ZEL_TAB_EDIT(editWin)->work->findings_filter();
     edit_ctrl.first(editWin);
     settle(1500); // until what is alike is known
     snap("suggestion");

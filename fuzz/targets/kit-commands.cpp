@@ -34,6 +34,9 @@ constexpr const char *lines[] = {
     "carry --dry-run a.lang-src",
     "news b.lang-src a.lang-src",
     "news --format html a.lang-src b.lang-src",
+    "questions --answered a.lang-src",
+    "questions --format json a.lang-src",
+    "mnemonics --dry-run a.lang-src",
 };
 
 int run(const char *line)

@@ -2,13 +2,16 @@
 
 #include "lint/conversions.h"
 #include "lint/item-case.h"
+#include "lint/limit.h"
 #include "lint/lint.h"
+#include "lint/question.h"
 #include "lint/rules.h"
 #include "source/entry.h"
 #include "source/misc.h"
 
 #include <algorithm>
 #include <deque>
+#include <utility>
 
 namespace zel::assist {
 
@@ -130,13 +133,14 @@ std::string differing_conversions(std::string_view own_text, std::string_view re
 
 class judge::work {
 public:
-    work(const LangSource *source, const char *lang1, const char *lang2)
-        : source_(source), langs_{lang1, lang2},
-          linter_(source, {rules_while_typing, wanted(lang1, lang2)})
+    work(const LangSource *source, const char *lang1, const char *lang2, lint::text_width width)
+        : source_(source), langs_{lang1, lang2}, width_(std::move(width)),
+          linter_(source, {rules_while_typing, wanted(lang1, lang2), width_})
     {
     }
 
     item_state look_at(const edit_t *group, item_t *item, remarks *told);
+    rooms rooms_of(item_t *item) const;
 
 private:
     static std::vector<std::string> wanted(const char *lang1, const char *lang2)
@@ -152,6 +156,7 @@ private:
 
     const LangSource *source_;
     std::array<const char *, shown_languages> langs_;
+    lint::text_width width_;
     lint::linter linter_;
 };
 
@@ -185,6 +190,9 @@ item_state judge::work::look_at(const edit_t *group, item_t *item, remarks *told
 {
     item_state state;
     for (std::size_t i = 0; i < shown_languages; ++i)
+        state.asks[i] =
+            langs_[i] != nullptr && lint::is_open_question(find_entry(item->comments, langs_[i]));
+    for (std::size_t i = 0; i < shown_languages; ++i)
         state.lacks[i] = langs_[i] != nullptr && misc_search_empty_in_lang_entry(
                                                      misc_select_lang_entry(item, langs_[i])) != 0;
     // With no language shown, the linter would look at all of them.
@@ -197,13 +205,30 @@ item_state judge::work::look_at(const edit_t *group, item_t *item, remarks *told
         if (counts && state.findings[i] != UINT8_MAX)
             ++state.findings[i];
         if (told != nullptr)
-            (*told)[i].push_back({words(found, item), counts});
+            (*told)[i].push_back({words(found, item), counts,
+                                  found.rule == rule_id::max &&
+                                      find_entry(item->langs, found.language) == found.record});
     });
     return state;
 }
 
-judge::judge(const LangSource *source, const char *lang1, const char *lang2)
-    : work_(std::make_unique<work>(source, lang1, lang2))
+rooms judge::work::rooms_of(item_t *item) const
+{
+    rooms all;
+    for (std::size_t i = 0; i < shown_languages; ++i) {
+        const lint::length_limit limit =
+            langs_[i] == nullptr ? lint::length_limit{} : lint::limit_of(*source_, item, langs_[i]);
+        if (limit.most == 0 || (limit.in_pixels && !width_))
+            continue;
+        const std::string text = text_of(misc_select_lang_entry(item, langs_[i]));
+        all[i] = {limit.most, lint::shown_length(text, limit.in_pixels ? width_ : nullptr),
+                  limit.in_pixels};
+    }
+    return all;
+}
+
+judge::judge(const LangSource *source, const char *lang1, const char *lang2, lint::text_width width)
+    : work_(std::make_unique<work>(source, lang1, lang2, std::move(width)))
 {
 }
 
@@ -216,6 +241,12 @@ item_state judge::look_at(const edit_t *group, const item_t *item,
         return work_->look_at(group, const_cast<item_t *>(item), told);
     typed_item with(item, typed);
     return work_->look_at(group, with.get(), told);
+}
+
+rooms judge::rooms_of(const item_t *item, std::span<const typed_text> typed) const
+{
+    typed_item with(item, typed);
+    return work_->rooms_of(with.get());
 }
 
 } // namespace zel::assist

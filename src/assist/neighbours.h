@@ -31,6 +31,7 @@ struct suggestion {
     std::string origin;    // where it is from, in words
     std::string reference; // the text that it translates
     double likeness;       // of that text; 1: the same
+    bool was = false;      // it is what the text itself was, before the code changed
 };
 
 struct neighbour_limits {

@@ -16,9 +16,11 @@ void progress::add(const item_state &state, int sign)
         if (sign > 0) {
             languages_[i].translated += translated;
             languages_[i].findings += state.findings[i];
+            languages_[i].questions += state.asks[i] ? 1U : 0U;
         } else {
             languages_[i].translated -= translated;
             languages_[i].findings -= state.findings[i];
+            languages_[i].questions -= state.asks[i] ? 1U : 0U;
         }
     }
 }

@@ -14,6 +14,7 @@ namespace zel::assist {
 struct language_progress {
     std::size_t translated = 0;
     std::size_t findings = 0;
+    std::size_t questions = 0;
 };
 
 class progress {

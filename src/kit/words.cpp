@@ -42,6 +42,10 @@ constexpr word table[] = {
      "take missing texts from other sources and catalogs", run_fill},
     {"carry", "[--at-least PERCENT] [--keep-trivial] [--dry-run] SOURCE",
      "give changed items the texts that they had before", run_carry},
+    {"questions", "[--format text|json] [--language NAME]... [--answered] SOURCE...",
+     "tell what translators ask in their comments", run_questions},
+    {"mnemonics", "[--language NAME]... [--dry-run] SOURCE [GROUP]",
+     "give menus and buttons the keys that their translations lack", run_mnemonics},
 };
 
 void print_help()
@@ -49,7 +53,7 @@ void print_help()
     std::puts("usage: lang-kit WORD [OPTION...] FILE...\n\n"
               "The companion of lang for build servers, version control and exchange.\n");
     for (const word &row : table)
-        std::printf("  %-8s  %s\n", row.name, row.summary);
+        std::printf("  %-9s  %s\n", row.name, row.summary);
     std::puts(
         "\nlang-kit WORD --help tells the options of a word. Results go to standard output,\n"
         "messages to standard error. The status is 0 when all is fine, 1 for findings,\n"

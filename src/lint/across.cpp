@@ -47,15 +47,6 @@ struct marked {
     char32_t reference; // mnemonic of its reference text
 };
 
-// The entry that counts, as when a source is compiled. Empty when there is none.
-std::string_view first_text(const item_t *item, const char *name, std::string &buffer)
-{
-    for (const lang_entry_t *entry : each<lang_entry_t>(item->langs))
-        if (same_language(entry->lang, name))
-            return look_at_text(entry->texts, buffer);
-    return {};
-}
-
 // At least two words, so that "OK" and "File" are none.
 bool is_phrase(std::string_view text)
 {
@@ -92,7 +83,12 @@ struct across::state {
     // Of the group.
     const edit_t *group = nullptr;
     enum class is_window { unknown, no, yes } window = is_window::unknown; // texts seen together
-    bool may_be_window(const LangSource *source);
+    bool is_in_window(const LangSource *source)
+    {
+        if (window == is_window::unknown)
+            window = may_be_window(source, group) ? is_window::yes : is_window::no;
+        return window == is_window::yes;
+    }
     std::unordered_map<std::uint64_t, marked> marks; // by language and mnemonic
 };
 
@@ -185,37 +181,13 @@ void across::begin_group(const edit_t *group)
     state_->group = group;
 }
 
-// A group of more texts with a key than a window has letters for, or one in which the reference
-// uses used_keys twice, is no window: those of several menus do.
-bool across::state::may_be_window(const LangSource *source)
-{
-    constexpr std::size_t most = 20;
-    if (window == is_window::unknown) {
-        std::vector<char32_t> used_keys;
-        std::string buffer;
-        for (const item_t *item : each<item_t>(group->items)) {
-            const std::string_view text = first_text(item, source->default_lang, buffer);
-            const mnemonics own = read_mnemonics(text.empty() ? name_of(item->name) : text);
-            // What is not used is in no window.
-            if (item->used != 0 && own.count == 1)
-                used_keys.push_back(own.key);
-        }
-        std::sort(used_keys.begin(), used_keys.end());
-        std::size_t twice = 0;
-        for (std::size_t i = 1; i < used_keys.size(); ++i)
-            twice += used_keys[i] == used_keys[i - 1] ? 1U : 0U;
-        window = used_keys.size() <= most && twice <= 1 ? is_window::yes : is_window::no;
-    }
-    return window == is_window::yes;
-}
-
 void across::judge_collision(const item_case &at)
 {
     state &s = *state_;
     if (!at.reference.has(has_underscore) || at.reference.bytes.starts_with('/'))
         return;
     const mnemonics reference = read_mnemonics(at.reference.bytes);
-    if (reference.count != 1 || !s.may_be_window(at.source))
+    if (reference.count != 1 || !s.is_in_window(at.source))
         return;
     for (std::size_t i = 0; i < at.slots.size(); ++i) {
         const slot &one = at.slots[i];

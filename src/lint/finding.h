@@ -2,6 +2,7 @@
 
 // What the rules say about a source: names of rules, their levels, and one finding.
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string_view>
@@ -23,6 +24,7 @@ enum class rule_id : std::uint8_t {
     adjacent,
     unknown,
     unread,
+    max,
     missing,
     empty,
     markup,
@@ -75,5 +77,8 @@ struct finding {
 };
 
 using listener = std::function<void(const finding &)>;
+
+// How wide a text is on the screen, in pixels.
+using text_width = std::function<std::size_t(std::string_view)>;
 
 } // namespace zel::lint

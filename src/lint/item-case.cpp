@@ -1,5 +1,7 @@
 #include "lint/item-case.h"
 
+#include "source/entry.h"
+
 #include <cstring>
 #include <strings.h>
 
@@ -22,6 +24,14 @@ bool same_language(const char *a, const char *b)
     a = a == nullptr ? "" : a;
     b = b == nullptr ? "" : b;
     return std::strcmp(a, b) == 0 || strcasecmp(a, b) == 0;
+}
+
+std::string_view first_text(const item_t *item, const char *language, std::string &buffer)
+{
+    for (const lang_entry_t *entry : each<lang_entry_t>(item->langs))
+        if (same_language(entry->lang, language))
+            return look_at_text(entry->texts, buffer);
+    return {};
 }
 
 void language_list::push_back(const language &one)

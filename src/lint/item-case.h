@@ -3,6 +3,7 @@
 // An item as the rules about items look at it: its texts by language, and where findings go.
 
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -50,6 +51,7 @@ struct item_case {
     const language_list &languages;
     std::span<const slot> slots; // of each language
     const text &reference;       // the default language's text, else the item's name
+    const text_width &ruler;     // empty: nobody can tell
 
     // Where a rule says what it found: about the record (the item, or one of its entries), in a
     // language or, null, in none. The message is copied.
@@ -57,6 +59,8 @@ struct item_case {
     public:
         virtual void say(rule_id rule, const char *language, const void *record,
                          std::string_view message) = 0;
+        // The text in this language has a limit in pixels, and nobody can tell its width.
+        virtual void leave_unmeasured(const char *language) = 0;
 
     protected:
         ~sink() = default;
@@ -67,6 +71,10 @@ struct item_case {
 // Whether both name the same language: compiled files are found by their language whatever the
 // case of its ASCII letters.
 bool same_language(const char *a, const char *b);
+
+// The item's text that counts in that language, as when a source is compiled; the buffer is for one
+// in pieces. Empty when there is none.
+std::string_view first_text(const item_t *item, const char *language, std::string &buffer);
 
 inline std::string_view name_of(const char *text) { return text == nullptr ? "" : text; }
 

@@ -57,6 +57,11 @@ public:
     void check_item(const edit_t *group, const item_t *item, const listener &to, across *others);
 
     void say(rule_id rule, const char *name, const void *record, std::string_view message) override;
+    void leave_unmeasured(const char *name) override
+    {
+        unmeasured_ += is_silent(rule_id::max, name) ? 0U : 1U;
+    }
+    std::size_t unmeasured() const { return unmeasured_; }
 
 private:
     void take_entries(const item_t *item);
@@ -76,6 +81,7 @@ private:
     language_list languages_;
     std::vector<const rule *> text_rules_;
     std::vector<const rule *> item_rules_;
+    std::size_t unmeasured_ = 0;
 
     // Of the item being judged.
     const edit_t *group_ = nullptr;
@@ -242,7 +248,7 @@ void linter::work::check_item(const edit_t *group, const item_t *item, const lis
     take_entries(item);
     take_switches(item);
     take_reference(item);
-    const item_case at{source_, group, item, languages_, slots_, reference_, *this};
+    const item_case at{source_, group, item, languages_, slots_, reference_, wanted_.ruler, *this};
     for (const rule *row : item_rules_)
         if (item->used != 0 || row->id == rule_id::unused || row->id == rule_id::encoding)
             row->judge_item(at);
@@ -289,6 +295,8 @@ void linter::check_item(const edit_t *group, const item_t *item, const listener 
 {
     work_->check_item(group, item, to, nullptr);
 }
+
+std::size_t linter::unmeasured() const { return work_->unmeasured(); }
 
 bool defines_language(const LangSource *source, const std::string &name)
 {

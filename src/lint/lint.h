@@ -18,6 +18,7 @@ namespace zel::lint {
 struct choice {
     rule_set rules = rule_set::all();
     std::vector<std::string> languages; // findings about others are left out; empty: about none are
+    text_width ruler = nullptr;         // for limits in pixels; null: nobody can tell
 };
 
 // Languages are those that the source defines when it is made.
@@ -34,6 +35,9 @@ public:
 
     // The rules about an item and its texts alone; those that compare items are left out.
     void check_item(const edit_t *group, const item_t *item, const listener &to);
+
+    // How many texts had a limit in pixels that nobody could hold them to.
+    std::size_t unmeasured() const;
 
 private:
     class work;

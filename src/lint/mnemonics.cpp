@@ -1,9 +1,12 @@
 #include "lint/mnemonics.h"
 
+#include "lint/item-case.h"
 #include "lint/text.h"
 #include "source/entry.h"
 
 #include <algorithm>
+#include <string>
+#include <vector>
 
 namespace zel::lint {
 
@@ -52,6 +55,7 @@ mnemonics read_mnemonics(std::string_view text)
     const bool sentence = std::count(text.begin(), text.end(), ' ') >= 3;
     for (std::size_t at = text.find('_'); at != std::string_view::npos; at = text.find('_', at)) {
         const bool name = sentence && is_in_long_word(text, at);
+        const std::size_t underscore = at;
         std::size_t before = at;
         if (++at == text.size())
             break;
@@ -60,8 +64,10 @@ mnemonics read_mnemonics(std::string_view text)
         const char32_t c = next_char(text, at);
         if (pair || !(is_letter(c) || is_digit(c)))
             continue;
-        if (found.count++ == 0)
+        if (found.count++ == 0) {
             found.key = g_unichar_tolower(c);
+            found.at = underscore;
+        }
         // "X_2" is an X with a small 2.
         const bool lowered = is_digit(c) && is_letter_before(text, before);
         found.sure += name || lowered ? 0U : 1U;
@@ -81,6 +87,25 @@ bool may_use_mnemonics(const LangSource *source)
                     return true;
             }
     return used < few;
+}
+
+bool may_be_window(const LangSource *source, const edit_t *group)
+{
+    constexpr std::size_t most = 20;
+    std::vector<char32_t> used_keys;
+    std::string buffer;
+    for (const item_t *item : each<item_t>(group->items)) {
+        const std::string_view text = first_text(item, source->default_lang, buffer);
+        const mnemonics own = read_mnemonics(text.empty() ? name_of(item->name) : text);
+        // What is not used is in no window.
+        if (item->used != 0 && own.count == 1)
+            used_keys.push_back(own.key);
+    }
+    std::sort(used_keys.begin(), used_keys.end());
+    std::size_t twice = 0;
+    for (std::size_t i = 1; i < used_keys.size(); ++i)
+        twice += used_keys[i] == used_keys[i - 1] ? 1U : 0U;
+    return used_keys.size() <= most && twice <= 1;
 }
 
 } // namespace zel::lint

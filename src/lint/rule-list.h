@@ -39,6 +39,9 @@ void judge_same(const item_case &at);
 bool judge_length(const text_case &at, std::string &message);
 bool judge_repeated(const text_case &at, std::string &message);
 
+// limit.cpp
+void judge_max(const item_case &at);
+
 // state-rules.cpp
 void judge_undefined(const item_case &at);
 void judge_missing(const item_case &at);

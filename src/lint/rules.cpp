@@ -36,6 +36,11 @@ constexpr rule table[] = {
      scope::alone, nullptr, nullptr},
     {unread, "unread", error, "a request in the code that the check cannot read (--code)",
      scope::alone, nullptr, nullptr},
+    {rule_id::max, "max", error,
+     "longer than a comment allows: \"lint: max 20\" characters; what \"max 120px\" allows, only "
+     "the "
+     "editor can measure",
+     scope::alone, nullptr, judge_max},
     {missing, "missing", warning, "there is no text in the language", scope::alone, nullptr,
      judge_missing},
     {empty, "empty", warning, "there is a text, but nothing in it", scope::alone, nullptr,

@@ -23,6 +23,37 @@ std::string_view take_word(std::string_view &text)
     return word;
 }
 
+// Tells what follows each "lint:" of a comment.
+template <class To>
+void each_remark(const lang_entry_t *comment, To to)
+{
+    constexpr std::string_view mark = "lint:";
+    std::string buffer;
+    std::string_view text = look_at_text(comment->texts, buffer);
+    for (auto at = text.find(mark); at != std::string_view::npos; at = text.find(mark)) {
+        text.remove_prefix(at + mark.size());
+        to(text);
+    }
+}
+
+// Of "20", "120px" or "120 px", what stands at the start of the text.
+length_limit take_limit(std::string_view text)
+{
+    constexpr std::size_t most_digits = 6;
+    std::string_view word = take_word(text);
+    std::size_t digits = 0;
+    length_limit limit;
+    for (; digits < word.size() && is_ascii_digit(word[digits]); ++digits)
+        if (digits < most_digits)
+            limit.most = limit.most * 10 + static_cast<std::uint32_t>(word[digits] - '0');
+    word.remove_prefix(digits);
+    limit.in_pixels = word == "px" || (word.empty() && take_word(text) == "px");
+    limit.is_wrong = limit.most == 0 || digits > most_digits || !(word.empty() || limit.in_pixels);
+    if (limit.is_wrong)
+        limit.most = 0;
+    return limit;
+}
+
 } // namespace
 
 bool is_no_c_format(const lang_entry_t *comment)
@@ -48,17 +79,26 @@ bool is_no_c_format(const lang_entry_t *comment)
 
 rule_set read_switches(const lang_entry_t *comment)
 {
-    constexpr std::string_view mark = "lint:";
-    std::string buffer;
-    std::string_view text = look_at_text(comment->texts, buffer);
     rule_set off;
-    for (auto at = text.find(mark); at != std::string_view::npos; at = text.find(mark)) {
-        text.remove_prefix(at + mark.size());
+    each_remark(comment, [&off](std::string_view text) {
         const rule *named = find_rule(take_word(text));
         if (named != nullptr && take_word(text) == "off")
             off = off.with(named->id);
-    }
+    });
     return off;
+}
+
+length_limit read_limit(const lang_entry_t *comment)
+{
+    length_limit first;
+    each_remark(comment, [&first](std::string_view text) {
+        if (first.most != 0 || take_word(text) != "max")
+            return;
+        std::string_view behind = text;
+        if (take_word(behind) != "off")
+            first = take_limit(text);
+    });
+    return first;
 }
 
 } // namespace zel::lint

@@ -2,6 +2,8 @@
 
 // Comments that switch rules off.
 
+#include <cstdint>
+
 #include "lint/finding.h"
 
 namespace zel::lint {
@@ -12,5 +14,13 @@ rule_set read_switches(const lang_entry_t *comment);
 // Whether the line "flags: ..." of a comment, which keeps what a catalog says of a text, says that
 // it is no format of printf: "no-c-format", or the format of another language.
 bool is_no_c_format(const lang_entry_t *comment);
+
+// How long a comment lets a text be, "lint: max 20" in characters or "lint: max 120px" in pixels.
+struct length_limit {
+    std::uint32_t most = 0; // 0: as long as it likes
+    bool in_pixels = false;
+    bool is_wrong = false; // what follows "max" is neither
+};
+length_limit read_limit(const lang_entry_t *comment);
 
 } // namespace zel::lint

@@ -125,6 +125,8 @@ std::string marks_of(GtkLabel *label)
             pango_attr_iterator_get(parts, PANGO_ATTR_FOREGROUND));
         if (weight != nullptr && weight->value == PANGO_WEIGHT_BOLD)
             add("bold");
+        if (pango_attr_iterator_get(parts, PANGO_ATTR_STRIKETHROUGH) != nullptr)
+            add("struck");
         if (colour != nullptr && colour->color.red > 2 * colour->color.green)
             add("red");
     } while (pango_attr_iterator_next(parts) != 0);
@@ -149,6 +151,7 @@ const std::map<std::string, GtkWidget *(*)(int number)> named_widgets{
     {"caption of comment2", [](int) { return panel()->comment2_label; }},
     {"frame", [](int n) { return n == 1 ? panel()->lang1_frame : panel()->lang2_frame; }},
     {"finding", [](int) { return panel()->finding2_label; }},
+    {"room", [](int n) { return n == 1 ? panel()->room1_label : panel()->room2_label; }},
     {"suggestion",
      [](int n) { return n == 1 ? panel()->suggestion1_label : panel()->suggestion2_label; }},
     {"below1 view", [](int) { return panel()->below[0].view; }},

@@ -88,13 +88,15 @@ inline zel::lint::choice only(const std::string &rule)
     return wanted;
 }
 
-// What a rule says about a german text and its english reference, which is the item too; empty when
-// it says nothing.
+// What a rule says about a german text and its english reference, which is the item too and may
+// have a remark; empty when it says nothing.
 inline std::string judge(const std::string &rule, const std::string &reference,
-                         const std::string &text)
+                         const std::string &text, const std::string &remark = "")
 {
     made_source source;
-    source.add("main", reference, {{"english", reference}, {"german", text}});
+    item_t *item = source.add("main", reference, {{"english", reference}, {"german", text}});
+    if (!remark.empty())
+        item->comments = g_list_append(nullptr, made_source::entry("english", remark));
     const auto all = source.findings(only(rule));
     std::string out;
     for (const std::string &one : all)

@@ -15,7 +15,7 @@ using zel_test::rows_of;
 TEST(Rules, SayOfTwoTextsWhatTheTableHolds)
 {
     for (const zel_test::row &row : rows_of("lint/rules.rows")) {
-        std::string said = zel_test::judge(row.section, row[0], row[1]);
+        std::string said = zel_test::judge(row.section, row[0], row[1], row[3]);
         if (said.starts_with("german: "))
             said.erase(0, 8);
         EXPECT_EQ(said, row[2]) << "rules.rows:" << row.line;

@@ -67,8 +67,9 @@ void go_to(const item_t *item)
     // One after the other, until the row is shown: a filter that does not hide it stays.
     if (place_of(row) < 0)
         gtk_entry_set_text(GTK_ENTRY(table()->search_entry), "");
-    if (place_of(row) < 0)
-        gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(table()->work->filter_button()), FALSE);
+    for (GtkWidget *filter : {table()->work->findings_filter(), table()->work->questions_filter()})
+        if (place_of(row) < 0)
+            gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(filter), FALSE);
     if (place_of(row) < 0)
         gtk_check_menu_item_set_active(GTK_CHECK_MENU_ITEM(empty_menu), FALSE);
     // Selecting the row again would store the fields and fill them again.

@@ -1,6 +1,7 @@
 #include "editor/frame/read-report.h"
 
 #include "editor/toolkit/ui-text.h"
+#include "lint/question.h"
 
 namespace {
 
@@ -68,6 +69,8 @@ std::string read_report::text(const read_answer &answer) const
     const LangSource *source = answer.source.get();
     std::string text = path_ + ": " + counted(used_items(source), "item", "items") + ", " +
                        counted(g_list_length(source->langs), "language", "languages");
+    if (const std::size_t questions = lint::count_open_questions(source); questions != 0)
+        text += ", " + counted(questions, "open question", "open questions");
     // What was not read matters more than what was only noticed.
     const std::string &noticed = error_.empty() ? warning_ : error_;
     return noticed.empty() ? text : text + "; " + noticed;

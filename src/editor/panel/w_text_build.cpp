@@ -1,6 +1,7 @@
 #include "editor/panel/w_text_build.h"
 
 #include "app/global.h"
+#include "editor/panel/key-offer.h"
 #include "editor/panel/text-signs.h"
 #include "editor/panel/w_text_below.h"
 #include "editor/panel/w_text_checks.h"
@@ -271,6 +272,9 @@ GtkWidget *make_caption_row(Zeltext *text, int number, GtkWidget *caption)
     GtkWidget *finding = zel::text_finding_label_new();
     gtk_box_pack_start(GTK_BOX(row), finding, TRUE, TRUE, 0);
     (number == TEXT_TRANS1 ? text->finding1_label : text->finding2_label) = finding;
+    GtkWidget *room = zel::text_room_label_new();
+    gtk_box_pack_end(GTK_BOX(row), room, FALSE, FALSE, 0);
+    (number == TEXT_TRANS1 ? text->room1_label : text->room2_label) = room;
     g_object_set_data(G_OBJECT(row), caption_key, caption);
     g_signal_connect(row, "size-allocate", G_CALLBACK(share_caption_row), finding);
     GtkWidget *box = gtk_event_box_new(); // labels get no clicks
@@ -402,6 +406,7 @@ void build_text_panel(Zeltext *text)
         gtk_box_pack_start(GTK_BOX(panes), make_used_in(text), FALSE, FALSE, 0);
     gtk_container_add(GTK_CONTAINER(text), panes);
     gtk_widget_show_all(panes);
+    offer_keys(text);
 }
 
 } // namespace zel

@@ -8,6 +8,7 @@
 #include "editor/toolkit/ui-text.h"
 
 #include <algorithm>
+#include <iterator>
 #include <string>
 
 namespace {
@@ -39,8 +40,13 @@ std::string joined(const std::vector<zel::assist::remark> &told, const char *bet
     return out;
 }
 
-void show_remarks(GtkWidget *label, GtkWidget *view, const std::vector<zel::assist::remark> &told)
+void show_remarks(GtkWidget *label, GtkWidget *view, const std::vector<zel::assist::remark> &all)
 {
+    // A screen reader says the remarks with the field, which has the keyboard, not with the label.
+    zel::set_accessible_description(view, joined(all, "; ").c_str());
+    std::vector<zel::assist::remark> told;
+    std::copy_if(all.begin(), all.end(), std::back_inserter(told),
+                 [](const zel::assist::remark &one) { return !one.is_of_room; });
     const std::string text = joined(told, "; ");
     // Called after every key: as a rule nothing has changed, and setting a label lays out the
     // panel.
@@ -58,8 +64,38 @@ void show_remarks(GtkWidget *label, GtkWidget *view, const std::vector<zel::assi
     gtk_label_set_text(GTK_LABEL(label), text.c_str());
     gtk_widget_set_tooltip_text(label, text.empty() ? nullptr : joined(told, "\n").c_str());
     gtk_widget_set_visible(label, !text.empty());
-    // A screen reader says the remarks with the field, which has the keyboard, not with the label.
-    zel::set_accessible_description(view, text.c_str());
+}
+
+// "8 left", "3 too many", "12 px left"; empty where there is no limit.
+std::string room_left(const zel::assist::room &of)
+{
+    if (of.most == 0)
+        return {};
+    const bool fits = of.used <= of.most;
+    return std::to_string(fits ? of.most - of.used : of.used - of.most) + " " +
+           (of.in_pixels ? zel::ui_text("text", "px") + std::string(" ") : "") +
+           (fits ? zel::ui_text("text", "left") : zel::ui_text("text", "too many"));
+}
+
+void show_room(GtkWidget *label, GtkWidget *view, const zel::assist::room &of)
+{
+    const std::string text = room_left(of);
+    if (text == gtk_label_get_text(GTK_LABEL(label)))
+        return;
+    PangoAttrList *attributes = pango_attr_list_new();
+    if (of.used > of.most) {
+        pango_attr_list_insert(attributes, zel::red_letters(view));
+        pango_attr_list_insert(attributes, pango_attr_weight_new(PANGO_WEIGHT_BOLD));
+    }
+    gtk_label_set_attributes(GTK_LABEL(label), attributes);
+    pango_attr_list_unref(attributes);
+    gtk_label_set_text(GTK_LABEL(label), text.c_str());
+    const std::string whole =
+        std::to_string(of.used) + " " + zel::ui_text("text", "of") + " " + std::to_string(of.most) +
+        " " + (of.in_pixels ? zel::ui_text("text", "pixels") : zel::ui_text("text", "characters"));
+    gtk_widget_set_tooltip_text(label, whole.c_str());
+    zel::set_accessible_description(label, whole.c_str());
+    gtk_widget_set_visible(label, !text.empty());
 }
 
 // The remarks are shown in full below each other, as soon as one of the labels is cut.
@@ -112,6 +148,31 @@ GtkWidget *text_finding_label_new()
     gtk_label_set_ellipsize(GTK_LABEL(label), PANGO_ELLIPSIZE_END);
     gtk_widget_set_no_show_all(label, TRUE);
     return label;
+}
+
+GtkWidget *text_room_label_new()
+{
+    GtkWidget *label = gtk_label_new(nullptr);
+    gtk_widget_set_no_show_all(label, TRUE);
+    return label;
+}
+
+void text_show_rooms(Zeltext *text, const assist::rooms &all)
+{
+    show_room(text->room1_label, text->trans1_view, all[0]);
+    show_room(text->room2_label, text->trans2_view, all[1]);
+}
+
+lint::text_width text_width_in(Zeltext *text)
+{
+    return [label = text->trans1_label](std::string_view measured) {
+        const std::string shown = utf8_shown(std::string(measured).c_str());
+        PangoLayout *layout = gtk_widget_create_pango_layout(label, shown.c_str());
+        int width = 0;
+        pango_layout_get_pixel_size(layout, &width, nullptr);
+        g_object_unref(layout);
+        return static_cast<std::size_t>(std::max(width, 0));
+    };
 }
 
 std::vector<assist::typed_text> text_typed(Zeltext *text)

@@ -14,6 +14,15 @@ constexpr const char *text_piece_tag = "application-piece";
 // A label for the remarks on a translation; hidden while there are none.
 [[nodiscard]] GtkWidget *text_finding_label_new();
 
+// A label for the room that is left of what a comment allows; hidden while none does.
+[[nodiscard]] GtkWidget *text_room_label_new();
+
+// Shows that room, which may be less than none, for the two translations.
+void text_show_rooms(Zeltext *text, const assist::rooms &all);
+
+// How wide a text is in the font of the interface.
+[[nodiscard]] lint::text_width text_width_in(Zeltext *text);
+
 // What was typed into the panel's fields since they were filled.
 [[nodiscard]] std::vector<assist::typed_text> text_typed(Zeltext *text);
 

@@ -54,6 +54,8 @@ struct Zeltext {
     int pos;
     GtkWidget *finding1_label; // beside the captions of the translations: what is wrong with them
     GtkWidget *finding2_label;
+    GtkWidget *room1_label; // and at the end of that row: the room that a comment leaves
+    GtkWidget *room2_label;
     GtkWidget *suggestion1_label; // under the translations: how a similar text is translated
     GtkWidget *suggestion2_label;
     zel::text_below below[2]; // of the two translations

@@ -376,7 +376,7 @@ void make_work_and_help(ZelTabEdit *tab)
     tab->work =
         new zel::tab_work({view_of(tab), shown_rows(tab), *tab->rows, ZEL_TEXT(tab->text_widget),
                            tab->ready_button, [tab] { tree_filter_changed_cb(nullptr, tab); }});
-    tab->suggest = new zel::tab_suggest(*tab->rows, ZEL_TEXT(tab->text_widget));
+    tab->suggest = new zel::tab_suggest(*tab->rows, ZEL_TEXT(tab->text_widget), tab->ready_button);
     zel::watch_spelling(ZEL_TEXT(tab->text_widget));
 }
 
@@ -392,7 +392,7 @@ void instance_init(GTypeInstance *instance, gpointer)
     // Work and help need the panel and the rows; the filter button goes into the row of the search.
     make_search(tab);
     make_work_and_help(tab);
-    gtk_box_pack_start(GTK_BOX(tab->search->row()), tab->work->filter_button(), FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(tab->search->row()), tab->work->filter_buttons(), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(box), tab->search->row(), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(box), panes, TRUE, TRUE, 0);
     gtk_box_pack_start(GTK_BOX(box), make_info_frame(tab), FALSE, FALSE, 0);

@@ -47,14 +47,6 @@ PangoAttribute *faint(GtkWidget *label)
                                      middle(letters.blue, ground.blue));
 }
 
-// A red that can be read on the view's ground, and so on its label's.
-PangoAttribute *red(GtkWidget *view)
-{
-    constexpr guint16 full = 0xffff;
-    return is_dark(view) ? pango_attr_foreground_new(full, 0x7000, 0x7000)
-                         : pango_attr_foreground_new(0xb000, 0, 0);
-}
-
 // "1 file, 21 files": nothing for a form that is missing or that no number takes.
 std::string examples(const std::string &text, std::size_t number, const assist::number_form &form)
 {
@@ -94,7 +86,7 @@ plural_line plural_line_of(GtkWidget *view, GtkWidget *label, std::string_view r
     for (std::size_t i = 0, start = 0; i < forms.size(); ++i) {
         const std::size_t end = std::min(line.text.find(between_forms, start), line.text.size());
         if (forms[i].is_missing) // later attributes win
-            add(attributes, red(view), start, end);
+            add(attributes, red_letters(view), start, end);
         start = end + between_forms.size();
     }
     if (caret < forms.size())

@@ -64,8 +64,8 @@ void put(GtkWidget *view, const std::string &text, bool instead)
 
 } // namespace
 
-tab_suggest::tab_suggest(std::shared_ptr<tab_rows> rows, Zeltext *panel)
-    : rows_(std::move(rows)), panel_(panel),
+tab_suggest::tab_suggest(std::shared_ptr<tab_rows> rows, Zeltext *panel, GtkWidget *ready_button)
+    : rows_(std::move(rows)), panel_(panel), ready_button_(ready_button),
       index_([this](std::uint32_t row) { return reference_of(row); }),
       neighbours_([this] { suggest_all(); })
 {
@@ -83,6 +83,7 @@ void tab_suggest::stop()
     keys_.clear();
     neighbours_.stop();
     index_.reset(0);
+    unused_.clear();
     row_ = -1;
 }
 
@@ -110,20 +111,45 @@ int tab_suggest::field_to_fill() const
     return TEXT_TRANS1;
 }
 
-std::string tab_suggest::reference_of(std::uint32_t row) const
+void tab_suggest::collect_unused()
 {
-    return reference_text(*rows_->source, rows_->rows[row].item);
+    unused_.clear();
+    if (rows_->source == nullptr)
+        return;
+    for (const edit_t *group : each<edit_t>(rows_->source->groups))
+        for (item_t *item : each<item_t>(group->items))
+            if (item->used == 0 && item->langs != nullptr)
+                unused_.push_back({group, item});
 }
 
-lang_entry_t *tab_suggest::translation(std::uint32_t row, int field) const
+item_t *tab_suggest::item_of(std::uint32_t number) const
+{
+    const std::size_t rows = rows_->rows.size();
+    return number < rows ? rows_->rows[number].item : unused_[number - rows].item;
+}
+
+const char *tab_suggest::group_of(std::uint32_t number) const
+{
+    const std::size_t rows = rows_->rows.size();
+    return or_empty(number < rows ? rows_->rows[number].group->name
+                                  : unused_[number - rows].group->name);
+}
+
+std::string tab_suggest::reference_of(std::uint32_t number) const
+{
+    return reference_text(*rows_->source, item_of(number));
+}
+
+lang_entry_t *tab_suggest::translation(std::uint32_t number, int field) const
 {
     const std::string *lang = lang_of(field);
-    return lang == nullptr ? nullptr : misc_select_lang_entry(rows_->rows[row].item, lang->c_str());
+    return lang == nullptr ? nullptr : misc_select_lang_entry(item_of(number), lang->c_str());
 }
 
 void tab_suggest::rows_changed()
 {
-    index_.reset(rows_->rows.size());
+    collect_unused();
+    index_.reset(rows_->rows.size() + unused_.size());
     // Slices begin again with the first row.
     next_row_ = 0;
     // Nothing is indexed by now, so the row that was shown is not added to the new index.
@@ -162,15 +188,18 @@ void tab_suggest::read_neighbours()
 
 std::optional<assist::suggestion> tab_suggest::own_suggestion(std::uint32_t row, int field) const
 {
+    // What is translated was nothing else before.
+    const std::size_t wanted = misc_search_empty_in_lang_entry(translation(row, field)) != 0
+                                   ? index_.count()
+                                   : rows_->rows.size();
     const auto best = index_.best(row, [&](std::uint32_t other) {
-        return misc_search_empty_in_lang_entry(translation(other, field)) == 0;
+        return other < wanted && misc_search_empty_in_lang_entry(translation(other, field)) == 0;
     });
     if (!best)
         return std::nullopt;
-    const char *group = rows_->rows[best->item].group->name;
-    return assist::suggestion{text_of(translation(best->item, field)),
-                              group == nullptr ? "" : group, reference_of(best->item),
-                              best->likeness};
+    return assist::suggestion{text_of(translation(best->item, field)), group_of(best->item),
+                              reference_of(best->item), best->likeness,
+                              best->item >= rows_->rows.size()};
 }
 
 // The better of the two suggestions; the source's own wins where both are equally alike.
@@ -196,8 +225,13 @@ void tab_suggest::suggest(int field)
             made.text = utf8_shown(best->text.c_str());
             made.line =
                 shown_in_runs(flat(best->text)) + " (" + utf8_shown(best->origin.c_str()) + ")";
-            if (best->likeness < 1)
+            if (best->was && best->likeness < 1) {
+                made.was =
+                    was_line_of(best->reference, reference_of(static_cast<std::uint32_t>(row_)));
+                made.line = made.was.text;
+            } else if (best->likeness < 1) {
                 made.line += " ~ " + shown_in_runs(flat(best->reference));
+            }
         }
     }
     show(field);
@@ -240,7 +274,7 @@ void tab_suggest::show(int field)
     GtkWidget *label = label_of(panel_, field);
     // What stands in the field already is no suggestion.
     const std::string line = is_there_already(field) ? "" : made.line;
-    const plural_line forms = plural_of(field);
+    plural_line forms = plural_of(field);
     const char *between = forms.text.empty() || line.empty() ? "" : "    ";
     const std::string text = forms.text + between + line;
     std::string &marks = marks_[static_cast<std::size_t>(field)];
@@ -250,7 +284,13 @@ void tab_suggest::show(int field)
     std::string tooltip = forms.tooltip;
     if (!line.empty())
         tooltip += (tooltip.empty() ? "" : "\n") + line + "\n" +
+                   (made.was.text.empty() ? "" : shown_in_runs(made.text) + "\n") +
                    ui_text("tab-edit", "Take it (Ctrl+Space)");
+    if (!line.empty() && !made.was.parts.empty()) {
+        if (forms.attributes == nullptr)
+            forms.attributes.reset(pango_attr_list_new());
+        mark_was_line(forms.attributes.get(), made.was, text.size() - line.size());
+    }
     gtk_label_set_text(GTK_LABEL(label), text.c_str());
     gtk_label_set_attributes(GTK_LABEL(label), forms.attributes.get());
     gtk_widget_set_tooltip_text(label, tooltip.empty() ? nullptr : tooltip.c_str());
@@ -292,6 +332,8 @@ void tab_suggest::take_suggestion()
         edit_status(ui_text("tab-edit", "No suggestion"));
         return;
     }
+    if (!offers_[static_cast<std::size_t>(field)].was.text.empty())
+        gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(ready_button_), FALSE);
     put(panel_->*fields[field].view, text, true);
 }
 

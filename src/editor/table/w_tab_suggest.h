@@ -2,7 +2,9 @@
 
 // Help with a translation: under its field what the same or the most similar text is translated as
 // elsewhere in the source, or else in the folder's other sources, and keys that take it, the other
-// language's text, or parts of that. What stands in the field already is not suggested.
+// language's text, or parts of that. What stands in the field already is not suggested. An empty
+// translation may have one in an item that the code does not ask for any more: what the text was
+// before it changed. Who takes that has to look at it: the item is not ready then.
 //
 // The index of the texts is built in slices while nothing else happens; what it holds so far is
 // used.
@@ -13,6 +15,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "assist/neighbours.h"
 #include "assist/similar.h"
@@ -21,14 +24,15 @@
 #include "editor/table/w_tab_model.h"
 #include "editor/table/w_tab_neighbours.h"
 #include "editor/table/w_tab_plural.h"
+#include "editor/table/w_tab_was.h"
 #include "editor/toolkit/slices.h"
 
 namespace zel {
 
 class tab_suggest {
 public:
-    // The rows and the panel outlive this object.
-    tab_suggest(std::shared_ptr<tab_rows> rows, Zeltext *panel);
+    // The rows, the panel and the button of the ready mark outlive this object.
+    tab_suggest(std::shared_ptr<tab_rows> rows, Zeltext *panel, GtkWidget *ready_button);
     ~tab_suggest() { stop(); }
     tab_suggest(const tab_suggest &) = delete;
     tab_suggest &operator=(const tab_suggest &) = delete;
@@ -48,8 +52,11 @@ private:
     const std::string *lang_of(int field) const;
     bool is_translated_into(int field) const;
     int field_to_fill() const;
-    std::string reference_of(std::uint32_t row) const;
-    lang_entry_t *translation(std::uint32_t row, int field) const;
+    void collect_unused();
+    item_t *item_of(std::uint32_t number) const;
+    const char *group_of(std::uint32_t number) const;
+    std::string reference_of(std::uint32_t number) const;
+    lang_entry_t *translation(std::uint32_t number, int field) const;
     std::optional<assist::suggestion> own_suggestion(std::uint32_t row, int field) const;
     std::optional<assist::suggestion> suggestion(std::uint32_t row, int field) const;
     void read_neighbours();
@@ -67,6 +74,12 @@ private:
 
     std::shared_ptr<tab_rows> rows_;
     Zeltext *panel_;
+    GtkWidget *ready_button_;
+    struct unused_item {
+        const edit_t *group;
+        item_t *item;
+    };
+    std::vector<unused_item> unused_; // whose numbers follow those of the rows
     assist::similar_texts index_;
     tab_neighbours neighbours_;
     std::uint32_t next_row_ = 0; // where the next slice begins
@@ -74,6 +87,7 @@ private:
     struct offer {
         std::string text;       // of the translation, as the field would show it; empty for nothing
         std::string line;       // and as it is shown under the field
+        was_line was;           // the same where it is what the text was; else without a text
         bool is_plural = false; // the reference has forms for a number
     };
     std::array<offer, 2> offers_;

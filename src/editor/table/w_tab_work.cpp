@@ -28,15 +28,19 @@ const char *name_of(const std::unique_ptr<std::string> &lang)
     return lang == nullptr ? nullptr : lang->c_str();
 }
 
-GtkWidget *make_filter_button()
+GtkWidget *make_filter_button(const char *icon, const char *tooltip)
 {
     GtkWidget *button = gtk_toggle_button_new();
-    const char *tooltip = ui_text("tab-edit", "Display only items with findings");
-    gtk_container_add(GTK_CONTAINER(button), gtk_image_new_from_stock(GTK_STOCK_DIALOG_WARNING,
-                                                                      GTK_ICON_SIZE_SMALL_TOOLBAR));
+    gtk_container_add(GTK_CONTAINER(button),
+                      gtk_image_new_from_stock(icon, GTK_ICON_SIZE_SMALL_TOOLBAR));
     gtk_widget_set_tooltip_text(button, tooltip);
     set_accessible_name(button, tooltip);
     return button;
+}
+
+bool is_on(GtkWidget *button)
+{
+    return gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(button)) != 0;
 }
 
 GtkWidget *make_progress_label()
@@ -51,13 +55,21 @@ GtkWidget *make_progress_label()
 } // namespace
 
 tab_work::tab_work(tab_work_parts parts)
-    : parts_(std::move(parts)), filter_(make_filter_button()),
+    : parts_(std::move(parts)), filters_(gtk_hbox_new(FALSE, 0)),
+      findings_only_(make_filter_button(GTK_STOCK_DIALOG_WARNING,
+                                        ui_text("tab-edit", "Display only items with findings"))),
+      questions_only_(
+          make_filter_button(GTK_STOCK_DIALOG_QUESTION,
+                             ui_text("tab-edit", "Display only items with open questions"))),
       progress_label_(make_progress_label())
 {
-    g_signal_connect(filter_, "toggled", G_CALLBACK(+[](GtkToggleButton *, gpointer self) {
-                         static_cast<tab_work *>(self)->parts_.filter_anew();
-                     }),
-                     this);
+    for (GtkWidget *button : {findings_only_, questions_only_}) {
+        g_signal_connect(button, "toggled", G_CALLBACK(+[](GtkToggleButton *, gpointer self) {
+                             static_cast<tab_work *>(self)->parts_.filter_anew();
+                         }),
+                         this);
+        gtk_box_pack_start(GTK_BOX(filters_), button, FALSE, FALSE, 0);
+    }
     watch_panel();
     mark_cells();
     add_keys();
@@ -75,7 +87,8 @@ void tab_work::stop()
 
 assist::judge tab_work::make_judge() const
 {
-    return {parts_.rows->source, name_of(parts_.rows->lang1), name_of(parts_.rows->lang2)};
+    return {parts_.rows->source, name_of(parts_.rows->lang1), name_of(parts_.rows->lang2),
+            text_width_in(parts_.panel)};
 }
 
 void tab_work::judge_row(assist::judge &judge, std::uint32_t row)
@@ -121,6 +134,13 @@ int tab_work::judge_slice()
     return slices::finished;
 }
 
+// Of no item.
+void tab_work::show_nothing()
+{
+    text_show_remarks(parts_.panel, {});
+    text_show_rooms(parts_.panel, {});
+}
+
 void tab_work::rows_changed()
 {
     progress_.reset(parts_.rows->rows.size());
@@ -129,7 +149,7 @@ void tab_work::rows_changed()
     // Old sums and remarks must not stand beside the new rows until the slices have come to their
     // end.
     gtk_label_set_text(GTK_LABEL(progress_label_), "");
-    text_show_remarks(parts_.panel, {});
+    show_nothing();
     judging_.begin(before_judging);
 }
 
@@ -155,9 +175,11 @@ void tab_work::judge_shown()
     const tab_row &of = parts_.rows->rows[row];
     assist::remarks told;
     // With the languages of this moment; a judge keeps pointers to their names.
-    const assist::item_state state =
-        make_judge().look_at(of.group, of.item, text_typed(parts_.panel), &told);
+    assist::judge judge = make_judge();
+    const std::vector<assist::typed_text> typed = text_typed(parts_.panel);
+    const assist::item_state state = judge.look_at(of.group, of.item, typed, &told);
     text_show_remarks(parts_.panel, told);
+    text_show_rooms(parts_.panel, judge.rooms_of(of.item, typed));
     text_colour_pieces(parts_.panel);
     // Most letters change neither the row's marks nor the sums.
     if (progress_.is_known(row) && progress_.of(row) == state)
@@ -177,7 +199,7 @@ void tab_work::item_shown(int row)
         judge_row(judge, static_cast<std::uint32_t>(before));
     }
     if (row < 0)
-        text_show_remarks(parts_.panel, {});
+        show_nothing();
     else
         judge_shown();
 }
@@ -212,19 +234,18 @@ void tab_work::show_cell(GtkTreeViewColumn *, GtkCellRenderer *cell, GtkTreeMode
                  nullptr);
 }
 
-bool tab_work::filters() const
-{
-    return gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(filter_)) != 0;
-}
+bool tab_work::filters() const { return is_on(findings_only_) || is_on(questions_only_); }
 
 bool tab_work::hides(std::uint32_t row)
 {
-    if (!gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(filter_)) || row >= progress_.count())
+    if (!filters() || row >= progress_.count())
         return false;
     // A filter must know all rows: the slices would hide them one by one.
     if (!progress_.is_all_known())
         judge_all();
-    return !progress_.of(row).has_findings();
+    const assist::item_state &state = progress_.of(row);
+    return (is_on(findings_only_) && !state.has_findings()) ||
+           (is_on(questions_only_) && !state.has_question());
 }
 
 void tab_work::show_progress()
@@ -242,7 +263,8 @@ void tab_work::show_progress()
         // shown.
         if (lang == nullptr || (g_strcmp0(lang, rows.source->default_lang) == 0 && !alone))
             continue;
-        const auto &[translated, findings] = progress_.of_language(i);
+        const std::size_t translated = progress_.of_language(i).translated;
+        const std::size_t findings = progress_.of_language(i).findings;
         const std::size_t all = progress_.count();
         text += (text.empty() ? "" : "   ") + utf8_shown(lang) + ": " +
                 assist::grouped(translated) + " " + ui_text("tab-edit", "of") + " " +
@@ -250,6 +272,13 @@ void tab_work::show_progress()
                 ui_text("tab-edit", "to do") + ", " + assist::grouped(findings) + " " +
                 (findings == 1 ? ui_text("tab-edit", "finding") : ui_text("tab-edit", "findings"));
     }
+    // Of both languages: who answers sees the question in the one in which it was asked.
+    const std::size_t questions =
+        progress_.of_language(0).questions + progress_.of_language(1).questions;
+    if (questions != 0)
+        text +=
+            (text.empty() ? "" : "   ") + assist::grouped(questions) + " " +
+            (questions == 1 ? ui_text("tab-edit", "question") : ui_text("tab-edit", "questions"));
     if (text != gtk_label_get_text(GTK_LABEL(progress_label_)))
         gtk_label_set_text(GTK_LABEL(progress_label_), text.c_str());
 }

@@ -36,7 +36,9 @@ public:
     tab_work(const tab_work &) = delete;
     tab_work &operator=(const tab_work &) = delete;
 
-    GtkWidget *filter_button() const { return filter_; }
+    GtkWidget *filter_buttons() const { return filters_; } // which hold these two
+    GtkWidget *findings_filter() const { return findings_only_; }
+    GtkWidget *questions_filter() const { return questions_only_; }
     GtkWidget *progress_label() const { return progress_label_; }
 
     // Call after the rows, their languages or many of their texts have changed.
@@ -45,10 +47,10 @@ public:
     // Call when the panel shows the row's item (-1: none), and has stored the one before.
     void item_shown(int row);
 
-    // Whether the filter of findings is on.
+    // Whether a filter, of findings or of questions, is on.
     bool filters() const;
 
-    // Whether the filter of findings hides the row.
+    // Whether one of these filters hides the row.
     bool hides(std::uint32_t row);
 
     // The table is being destroyed: stops the timer and removes the keys.
@@ -69,6 +71,7 @@ private:
     void judge_row(assist::judge &judge, std::uint32_t row);
     void judge_all();
     void judge_shown();
+    void show_nothing();
     void show_progress();
     bool uses_ready() const;
     bool has_work(std::uint32_t row, bool by_ready);
@@ -77,7 +80,9 @@ private:
     void done_and_next();
 
     tab_work_parts parts_;
-    GtkWidget *filter_;
+    GtkWidget *filters_;
+    GtkWidget *findings_only_;
+    GtkWidget *questions_only_;
     GtkWidget *progress_label_;
     assist::progress progress_;
     std::uint32_t next_row_ = 0; // where the next slice begins

@@ -9,9 +9,12 @@ void set_accessible_name(GtkWidget *widget, const char *name)
 
 void set_accessible_description(GtkWidget *widget, const char *description)
 {
+    AtkObject *accessible = gtk_widget_get_accessible(widget);
     // An empty text takes out the description that was given before.
-    atk_object_set_description(gtk_widget_get_accessible(widget),
-                               description == nullptr ? "" : description);
+    const char *text = description == nullptr ? "" : description;
+    // Whoever reads it aloud must not hear it again at every key.
+    if (g_strcmp0(atk_object_get_description(accessible), text) != 0)
+        atk_object_set_description(accessible, text);
 }
 
 } // namespace zel

@@ -228,6 +228,13 @@ bool is_dark(GtkWidget *view)
     return base.red + base.green + base.blue < 3 * 0x8000;
 }
 
+PangoAttribute *red_letters(GtkWidget *view)
+{
+    constexpr guint16 full = 0xffff;
+    return is_dark(view) ? pango_attr_foreground_new(full, 0x7000, 0x7000)
+                         : pango_attr_foreground_new(0xb000, 0, 0);
+}
+
 void draw_line_in_dark(GtkWidget *field)
 {
     // After the toolkit's own handler, whose edge the line covers.

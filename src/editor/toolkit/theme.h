@@ -17,6 +17,9 @@ bool has_theme(const char *name);
 // Whether the view shows light letters on dark ground.
 bool is_dark(GtkWidget *view);
 
+// A red that can be read on the view's ground, and so on the labels around it.
+[[nodiscard]] PangoAttribute *red_letters(GtkWidget *view);
+
 // A frame with a line on all four sides, for what one types or reads in. The line is seen without a
 // theme, too, and where a dark theme draws it in the colour of the ground.
 GtkWidget *make_line_frame();

@@ -20,7 +20,8 @@ function make(tag, classes, text, ...children) {
 // ---- The file that is shown
 
 // An item comes as [name, flags, description, texts, findings, comments, places]; a text is null when
-// there is none, a finding is [language or -1, rule, message], a comment [language, text].
+// there is none, a finding is [language or -1, rule, message], a comment [language, text] or, with
+// a question that nobody has answered, [language, text, 1].
 let file, entries, rows, selected = new Set(), current = -1;
 
 const LANGUAGE_CODES = {english: 'en', german: 'de', deutsch: 'de', french: 'fr', spanish: 'es', italian: 'it', portuguese: 'pt',
@@ -89,13 +90,15 @@ function showOverview() {
   const levels = {error: 0, warning: 0, info: 0};
   for (const entry of entries) if (entry.item) for (const [, rule] of entry.item[4]) ++levels[data.rules[rule].level];
   for (const [, rule] of file.findings) ++levels[data.rules[rule].level];
+  const questions = entries.reduce((sum, one) => sum + (one.item && one.item[1] & USED ? one.item[5].filter(of => of[2]).length : 0), 0);
   const tile = (value, label, kind) => make('div', 'tile' + (kind ? ' ' + kind : ''), null, make('b', '', value), make('span', 'quiet', label));
   $('tiles').replaceChildren(
     tile(of ? percent(translated, of) : '–', 'translated'),
     tile(number(targets.reduce((sum, one) => sum + one.wordsLeft, 0)), 'words left to translate'),
     tile(number(levels.error), levels.error === 1 ? 'error' : 'errors', levels.error ? 'error' : ''),
     tile(number(levels.warning), levels.warning === 1 ? 'warning' : 'warnings', levels.warning ? 'warning' : ''),
-    tile(number(levels.info), levels.info === 1 ? 'note' : 'notes'));
+    tile(number(levels.info), levels.info === 1 ? 'note' : 'notes'),
+    ...questions ? [tile(number(questions), questions === 1 ? 'open question' : 'open questions', 'warning')] : []);
   $('languages').replaceChildren(...file.languages.map(languageRow));
   $('file-findings').hidden = file.findings.length === 0;
   $('file-findings').replaceChildren(make('h2', '', 'In the file'), ...file.findings.map(finding));
@@ -143,8 +146,11 @@ const STATES = [
   {name: 'Not ready', test: item => (item[1] & (USED | READY)) === USED},
   {name: 'Findings', test: (item, shown) => findingsOf(item, shown).length > 0},
   {name: 'Not in use', test: item => !(item[1] & USED)},
+  {name: 'Questions', test: (item, shown) => asks(item, shown)},
 ];
 let state = 0, words = [];
+
+const asks = (item, shown) => (item[1] & USED) && item[5].some(([language, , open]) => open && shown.includes(language));
 
 const shownLanguages = () => selected.size ? [...selected].sort((a, b) => a - b) : file.languages.map((_, i) => i);
 const findingsOf = (item, shown) => item[4].length === 0 ? item[4]
@@ -280,8 +286,8 @@ function cell(item, language) {
     if (code) shown.lang = code;
     box.append(shown);
   }
-  for (const [of, comment] of item[5]) if (of === language) {
-    const note = marked(make('div', 'comment'), comment);
+  for (const [of, comment, open] of item[5]) if (of === language) {
+    const note = marked(make('div', open ? 'comment question' : 'comment'), comment);
     note.dir = 'auto';
     box.append(note);
   }

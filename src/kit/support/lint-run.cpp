@@ -110,7 +110,7 @@ void lint_source::each_syntax(const std::function<void(const std::string &)> &to
         to(one.message);
 }
 
-void lint_source::judge(const lint::choice &wanted, const shown_listener &to) const
+std::size_t lint_source::judge(const lint::choice &wanted, const shown_listener &to) const
 {
     // Findings about the file and its definitions, which may stand anywhere: they are told between
     // those of the items, in the order of their places.
@@ -121,6 +121,7 @@ void lint_source::judge(const lint::choice &wanted, const shown_listener &to) co
     // Findings in one place keep the order in which they came.
     std::stable_sort(before.begin(), before.end(), by_place);
     std::size_t told = 0;
+    std::size_t unmeasured = 0;
     const auto tell_until = [&](place at) {
         for (; told < before.size() && is_before(before[told].at, at); ++told)
             to({path_.c_str(), before[told].at, before[told].rule, nullptr, nullptr,
@@ -144,9 +145,11 @@ void lint_source::judge(const lint::choice &wanted, const shown_listener &to) co
                     found.language, found.message});
             },
             [&](const item_t *) { watched.at(++done); });
+        unmeasured = judge.unmeasured();
     }
     // Whatever is left stands behind the last item.
     tell_until({UINT32_MAX, 0});
+    return unmeasured;
 }
 
 bool judge_code(const code_job &job, const std::vector<std::unique_ptr<lint_source>> &sources,

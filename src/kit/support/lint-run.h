@@ -36,8 +36,9 @@ public:
     // Tells what the reader said.
     void each_syntax(const std::function<void(const std::string &message)> &to) const;
 
-    // Tells all findings in the order of the file.
-    void judge(const lint::choice &wanted, const shown_listener &to) const;
+    // Tells all findings in the order of the file. Returns of how many texts it does not know
+    // whether they are too wide, since their limits are in pixels.
+    std::size_t judge(const lint::choice &wanted, const shown_listener &to) const;
 
 private:
     struct early {

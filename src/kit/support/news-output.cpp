@@ -1,7 +1,7 @@
 #include "exchange/key.h"
 #include "kit/support/news.h"
 #include "kit/support/output.h"
-#include "kit/support/word-difference.h"
+#include "merge/word-difference.h"
 #include "source/entry.h"
 #include "support/text.h"
 

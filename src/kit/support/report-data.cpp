@@ -5,6 +5,7 @@
 #include "kit/support/progress.h"
 #include "lint/counts.h"
 #include "lint/item-case.h"
+#include "lint/question.h"
 #include "lint/rules.h"
 #include "source/entry.h"
 #include "support/file_mem.h"
@@ -238,7 +239,8 @@ void source_writer::write_comments(const item_t *item)
         const std::size_t i = language_at(comment->lang);
         const std::string_view text = look_at_text(comment->texts, buffer);
         if (i < languages_.size() && !text.empty())
-            out_.next(first).raw("[").number(i).raw(",").string(text).raw("]");
+            out_.next(first).raw("[").number(i).raw(",").string(text).raw(
+                lint::is_open_question(comment) ? ",1]" : "]");
     }
     out_.raw("]");
 }

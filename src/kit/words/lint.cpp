@@ -32,6 +32,14 @@ struct counts {
     }
 };
 
+void print_unmeasured(std::size_t texts)
+{
+    std::fflush(stdout);
+    std::fprintf(stderr,
+                 "%s with a limit in pixels, which only the editor can measure: not judged\n",
+                 counted(texts, "text").c_str());
+}
+
 void print_counts(counts found, std::size_t files, const known_findings *known)
 {
     std::string beside;
@@ -101,7 +109,7 @@ public:
             return;
         }
         ++files_;
-        source.judge(wanted_, [this](const shown_finding &one) { add(one); });
+        unmeasured_ += source.judge(wanted_, [this](const shown_finding &one) { add(one); });
         // A malformed source may define any language.
         for (const std::string &name : wanted_.languages)
             if (source.source() == nullptr || lint::defines_language(source.source(), name))
@@ -130,6 +138,8 @@ public:
     int end(level fail_on)
     {
         output_.end();
+        if (unmeasured_ != 0)
+            print_unmeasured(unmeasured_);
         print_counts(found_, files_, known_);
         return unreadable_ ? status_fault : found_.any_from(fail_on) ? status_found : status_fine;
     }
@@ -147,6 +157,7 @@ private:
     lint_output &output_;
     known_findings *known_;
     counts found_;
+    std::size_t unmeasured_ = 0;
     std::vector<std::unique_ptr<lint_source>> sources_; // that were read
     std::size_t files_ = 0;
     bool unreadable_ = false;

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace zel::kit {
+namespace zel {
 
 enum class word_change { none, gone, added };
 
@@ -19,4 +19,8 @@ struct word_run {
 // Very long texts differ as a whole.
 std::vector<word_run> compare_words(std::string_view before, std::string_view after);
 
-} // namespace zel::kit
+// The same by words and signs, so that "file" and "file..." share a word, and with the blanks as they
+// are written.
+std::vector<word_run> compare_pieces(std::string_view before, std::string_view after);
+
+} // namespace zel
