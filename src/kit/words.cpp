@@ -42,6 +42,8 @@ constexpr word table[] = {
      "take missing texts from other sources and catalogs", run_fill},
     {"carry", "[--at-least PERCENT] [--keep-trivial] [--dry-run] SOURCE",
      "give changed items the texts that they had before", run_carry},
+    {"replace", "--language NAME [--dry-run] WORDS OTHERS SOURCE...",
+     "put other words in the place of words, in one language's texts", run_replace},
 };
 
 void print_help()

@@ -10,6 +10,7 @@
 #include <gtk/gtk.h>
 
 #include <array>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -42,6 +43,11 @@ public:
     // The table is being destroyed: stops the timers and removes the keys.
     void stop();
 
+    // The other sources of the folder, as far as they have been read; the function is called when
+    // that is all of them.
+    const assist::neighbour_texts &neighbours() const { return neighbours_.texts(); }
+    void when_neighbours_are_read(std::function<void()> then) { then_ = std::move(then); }
+
 private:
     int index_slice();
     void add_keys();
@@ -69,6 +75,7 @@ private:
     Zeltext *panel_;
     assist::similar_texts index_;
     tab_neighbours neighbours_;
+    std::function<void()> then_ = [] {}; // once those are read
     std::uint32_t next_row_ = 0; // where the next slice begins
     int row_ = -1;               // whose item is shown
     struct offer {
