@@ -1,5 +1,7 @@
 #include "editor/table/w_tab_finding.h"
 
+#include "editor/table/w_tab_search.h"
+
 #include <gdk/gdkkeysyms.h>
 
 namespace zel {
@@ -9,6 +11,7 @@ tab_finding::tab_finding(tab_finding_parts parts)
 {
     keys_.add(GDK_KEY_F3, GdkModifierType{}, [this] {
         replace_.end();
+        tab_turn_to(parts_.hits->pane());
         word_.look();
     });
     keys_.add(GDK_KEY_h, GDK_CONTROL_MASK, [this] {
@@ -17,6 +20,7 @@ tab_finding::tab_finding(tab_finding_parts parts)
         if (!asked.is_selected || gtk_widget_has_focus(parts_.search) != 0)
             asked = {};
         word_.end();
+        tab_turn_to(parts_.hits->pane());
         replace_.open(std::move(asked.letters), asked.field);
     });
     keys_.add_before(GDK_KEY_Escape, GdkModifierType{}, [this] { return escape(); });

@@ -15,8 +15,9 @@ namespace {
 constexpr int list_min_width = 160;
 constexpr int box_width = 26;
 constexpr int where_width = 96;
-constexpr std::size_t bytes_before_hit = 28; // so that the first one is in sight
-constexpr std::size_t most_bytes = 600;      // of a line: no window is as wide
+constexpr int letter_width = 8; // pixels, more or less
+constexpr int least_letters = 30;
+constexpr std::size_t most_bytes = 600; // of a line: no window is as wide
 
 // Moves on to where a letter begins.
 std::size_t letter_at(std::string_view text, std::size_t at)
@@ -26,13 +27,13 @@ std::size_t letter_at(std::string_view text, std::size_t at)
     return std::min(at, text.size());
 }
 
-// Where the part begins that is shown: a hit far behind would be out of sight.
-std::size_t shown_from(const hit_line &line)
+// Where the part begins that is shown in so many letters: a hit behind them would be out of sight.
+std::size_t shown_from(const hit_line &line, std::size_t room)
 {
-    if (line.marked.empty() || line.marked.front().at <= 2 * bytes_before_hit)
+    if (line.marked.empty() || line.marked.front().at + line.marked.front().length <= room)
         return 0;
     const std::size_t hit = line.marked.front().at;
-    const std::size_t from = letter_at(line.text, hit - bytes_before_hit);
+    const std::size_t from = letter_at(line.text, hit - std::min(hit, room / 3));
     const std::size_t blank = line.text.find(' ', from);
     return blank < hit ? blank + 1 : from;
 }
@@ -48,12 +49,12 @@ void append_escaped(std::string &out, std::string_view text)
     g_free(escaped);
 }
 
-std::string markup_of(const hit_line &line)
+std::string markup_of(const hit_line &line, std::size_t room)
 {
     std::string out;
     // The marks that keep right-to-left texts whole would move what is marked.
     const std::string text = line.marked.empty() ? shown_in_runs(line.text) : line.text;
-    std::size_t done = shown_from(line);
+    std::size_t done = shown_from(line, room);
     const std::size_t end = letter_at(text, done + most_bytes);
     if (done != 0)
         out = "\u2026";
@@ -86,12 +87,12 @@ GtkWidget *scrolled_new(GtkWidget *list)
     return scrolled;
 }
 
-GtkCellRenderer *two_line_cell()
+GtkCellRenderer *two_line_cell(PangoEllipsizeMode cut)
 {
     GtkCellRenderer *cell = gtk_cell_renderer_text_new();
     // All rows have one height, whatever their letters are.
     gtk_cell_renderer_text_set_fixed_height_from_font(GTK_CELL_RENDERER_TEXT(cell), 2);
-    g_object_set(cell, "ellipsize", PANGO_ELLIPSIZE_END, "yalign", 0.0F, nullptr);
+    g_object_set(cell, "ellipsize", cut, "yalign", 0.0F, nullptr);
     return cell;
 }
 
@@ -127,10 +128,11 @@ void tab_hits::make_view()
     GtkCellRenderer *box = gtk_cell_renderer_toggle_new();
     g_signal_connect(box, "toggled", G_CALLBACK(toggled), this);
     box_column_ = add_column(box, box_width, show_box);
-    GtkTreeViewColumn *where = add_column(two_line_cell(), where_width, show_where);
+    GtkTreeViewColumn *where =
+        add_column(two_line_cell(PANGO_ELLIPSIZE_MIDDLE), where_width, show_where);
     gtk_tree_view_column_set_title(where, ui_text("tab-edit", "Item"));
     gtk_tree_view_column_set_resizable(where, TRUE);
-    text_column_ = add_column(two_line_cell(), where_width, show_lines);
+    text_column_ = add_column(two_line_cell(PANGO_ELLIPSIZE_END), where_width, show_lines);
     GtkTreeView *view = GTK_TREE_VIEW(view_);
     gtk_tree_view_set_fixed_height_mode(view, TRUE);
     gtk_tree_view_set_rules_hint(view, TRUE);
@@ -167,9 +169,17 @@ void tab_hits::show_lines(GtkTreeViewColumn *, GtkCellRenderer *cell, GtkTreeMod
     std::string markup;
     if (row >= 0) {
         const auto lines = self->rows_.lines(static_cast<std::size_t>(row));
-        markup = markup_of(lines[0]) + "\n" + markup_of(lines[1]);
+        const std::size_t room = self->letters_in_sight();
+        markup = markup_of(lines[0], room) + "\n" + markup_of(lines[1], room);
     }
     g_object_set(cell, "markup", markup.c_str(), nullptr);
+}
+
+std::size_t tab_hits::letters_in_sight() const
+{
+    // A list that is not laid out yet has columns of no width.
+    const int letters = gtk_tree_view_column_get_width(text_column_) / letter_width;
+    return static_cast<std::size_t>(std::max(letters, least_letters));
 }
 
 void tab_hits::toggle(int row)
@@ -192,7 +202,9 @@ void tab_hits::activated(GtkTreeView *, GtkTreePath *path, GtkTreeViewColumn *, 
     auto *self = static_cast<tab_hits *>(data);
     const int row = gtk_tree_path_get_indices(path)[0];
     if (!self->rows_.toggle) {
-        self->rows_.open(static_cast<std::size_t>(row));
+        // A copy: what it does may end the list, and the function with it.
+        const auto open = self->rows_.open;
+        open(static_cast<std::size_t>(row));
         return;
     }
     // A double click has been two clicks on the box, perhaps.
@@ -213,16 +225,20 @@ gboolean tab_hits::show_tooltip(GtkWidget *widget, gint x, gint y, gboolean by_k
     GtkTreeIter iter;
     if (gtk_tree_view_get_tooltip_context(view, &x, &y, by_keyboard, &model, &path, &iter) == 0)
         return FALSE;
-    if (const int row = number_of(model, &iter); row >= 0) {
-        const auto number = static_cast<std::size_t>(row);
-        const auto lines = self->rows_.lines(number);
-        const std::string text =
-            self->rows_.where(number) + "\n\n" + lines[0].text + "\n\n" + lines[1].text;
-        gtk_tooltip_set_text(tooltip, text.c_str());
+    const int row = number_of(model, &iter);
+    const auto lines =
+        row < 0 ? std::array<hit_line, 2>{} : self->rows_.lines(static_cast<std::size_t>(row));
+    // What the list shows as a whole needs no tooltip.
+    const bool is_cut = std::any_of(lines.begin(), lines.end(), [self](const hit_line &line) {
+        return line.text.size() > self->letters_in_sight() ||
+               line.text.find('\n') != std::string::npos;
+    });
+    if (is_cut) {
+        gtk_tooltip_set_text(tooltip, (lines[0].text + "\n\n" + lines[1].text).c_str());
         gtk_tree_view_set_tooltip_row(view, tooltip, path);
     }
     gtk_tree_path_free(path);
-    return TRUE;
+    return is_cut ? TRUE : FALSE;
 }
 
 // Exchanges the rows while nothing watches, and scrolls to where the list was.

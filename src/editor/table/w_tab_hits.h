@@ -65,6 +65,7 @@ private:
 
     void make_view();
     GtkTreeViewColumn *add_column(GtkCellRenderer *cell, int width, GtkTreeCellDataFunc show);
+    std::size_t letters_in_sight() const; // of a text
     void toggle(int row);
     void exchange(std::size_t count);
 

@@ -19,7 +19,7 @@ namespace zel {
 namespace {
 
 constexpr int between_fields = 6;
-constexpr int entry_chars = 10;
+constexpr int entry_chars = 7;
 constexpr int languages_width = 96;
 
 const char *entry_text_of(GtkWidget *entry) { return gtk_entry_get_text(GTK_ENTRY(entry)); }
@@ -253,6 +253,7 @@ void tab_replace::preview()
     rows.is_on = [this](std::size_t row) { return out_.count(hits_[row]) == 0; };
     rows.toggle = [this](std::size_t row) { toggle(hits_[row]); };
     parts_.hits->show(std::move(rows));
+    edit_status(ui_text("tab-edit", "Space: leave a text as it is, Escape: back to the list"));
 }
 
 void tab_replace::replace_all()

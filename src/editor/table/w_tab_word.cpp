@@ -93,11 +93,13 @@ std::string tab_word::text_of_row(std::size_t row, int field) const
     return text;
 }
 
-const std::string &tab_word::text_of_neighbour(std::size_t row, int field) const
+std::string_view tab_word::text_of_neighbour(std::size_t row, int field) const
 {
-    const auto &found = parts_.neighbours().rows()[row];
-    return is_reference(*parts_.rows, field) ? found.reference
-                                             : found.texts[static_cast<std::size_t>(field)];
+    const auto &rows = parts_.neighbours().rows();
+    if (row >= rows.size()) // they are being read again
+        return "";
+    return is_reference(*parts_.rows, field) ? rows[row].reference
+                                             : rows[row].texts[static_cast<std::size_t>(field)];
 }
 
 void tab_word::find()
@@ -138,6 +140,8 @@ std::string tab_word::where(const hit &one) const
     }
     // "GROUP, FILE": the file is what tells it from the source's own items.
     const auto &texts = parts_.neighbours();
+    if (one.number >= texts.rows().size())
+        return "";
     const std::string origin = utf8_shown(texts.origin_of(texts.rows()[one.number]).c_str());
     const std::size_t comma = origin.rfind(", ");
     return comma == std::string::npos ? origin
@@ -149,8 +153,8 @@ std::array<hit_line, 2> tab_word::lines(const hit &one) const
     std::array<hit_line, 2> out;
     for (const int field : translations) {
         hit_line &line = out[static_cast<std::size_t>(field)];
-        const std::string text =
-            one.is_own ? text_of_row(one.number, field) : text_of_neighbour(one.number, field);
+        const std::string text = one.is_own ? text_of_row(one.number, field)
+                                            : std::string(text_of_neighbour(one.number, field));
         line.text = utf8_shown(text.c_str());
         if (is_looked_at(field))
             line.marked = finder_.hits(line.text);
@@ -185,6 +189,7 @@ void tab_word::show()
     if (own != hits_.size())
         status += ", " + std::to_string(hits_.size() - own) + " " +
                   ui_text("tab-edit", "in other sources");
+    status += std::string(" (") + ui_text("tab-edit", "Escape: back to the list") + ")";
     edit_status(status.c_str());
 
     hit_rows rows;

@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "assist/neighbours.h"
@@ -57,7 +58,7 @@ private:
     };
 
     std::string text_of_row(std::size_t row, int field) const;
-    const std::string &text_of_neighbour(std::size_t row, int field) const;
+    std::string_view text_of_neighbour(std::size_t row, int field) const;
     bool is_looked_at(int field) const { return field_ < 0 || field_ == field; }
     void find();
     void show();

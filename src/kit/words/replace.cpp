@@ -72,7 +72,7 @@ int run_replace(const word &self, int argc, char **argv)
     const assist::word_replacer replacer(line.files[0], line.files[1]);
     for (const std::string &words : {line.files[0], line.files[1]})
         if (g_utf8_validate(words.c_str(), static_cast<gssize>(words.size()), nullptr) == 0)
-            return wrong_use(self, "the words are no UTF-8: " + shown(words));
+            return wrong_use(self, "the words are no UTF-8");
     if (replacer.finder().empty())
         return wrong_use(self, "the words to replace are empty");
     if (replacer.removes())
