@@ -125,6 +125,7 @@ void tab_hits::make_view()
 {
     view_ = gtk_tree_view_new();
     gtk_widget_set_name(view_, "hits");
+    set_accessible_name(view_, ui_text("tab-edit", "Items"));
     GtkCellRenderer *box = gtk_cell_renderer_toggle_new();
     g_signal_connect(box, "toggled", G_CALLBACK(toggled), this);
     box_column_ = add_column(box, box_width, show_box);

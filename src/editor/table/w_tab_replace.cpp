@@ -24,6 +24,27 @@ constexpr int languages_width = 96;
 
 const char *entry_text_of(GtkWidget *entry) { return gtk_entry_get_text(GTK_ENTRY(entry)); }
 
+// A box for the languages, which gets no wider than a short name.
+GtkWidget *languages_new()
+{
+    GtkWidget *box = gtk_combo_box_text_new();
+    gtk_widget_set_size_request(box, languages_width, -1);
+    GList *cells = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(box));
+    g_object_set(cells->data, "ellipsize", PANGO_ELLIPSIZE_END, nullptr);
+    g_list_free(cells);
+    const char *caption = ui_text("tab-edit", "Language whose texts are changed");
+    gtk_widget_set_tooltip_text(box, caption);
+    set_accessible_name(box, caption);
+    // The keyboard is on the button in it.
+    gtk_container_forall(
+        GTK_CONTAINER(box),
+        [](GtkWidget *part, gpointer name) {
+            set_accessible_name(part, static_cast<const char *>(name));
+        },
+        const_cast<char *>(caption));
+    return box;
+}
+
 text_place place_in(item_t *item, const std::string &lang) { return {item, &item_t::langs, lang}; }
 
 } // namespace
@@ -59,14 +80,7 @@ void tab_replace::make_fields()
         others_, "activate",
         G_CALLBACK(+[](gpointer self) { static_cast<tab_replace *>(self)->replace_all(); }), this);
 
-    languages_ = gtk_combo_box_text_new();
-    gtk_widget_set_size_request(languages_, languages_width, -1);
-    GList *cells = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(languages_));
-    g_object_set(cells->data, "ellipsize", PANGO_ELLIPSIZE_END, nullptr);
-    g_list_free(cells);
-    set_accessible_name(languages_, ui_text("tab-edit", "Language whose texts are changed"));
-    gtk_widget_set_tooltip_text(languages_,
-                                ui_text("tab-edit", "Language whose texts are changed"));
+    languages_ = languages_new();
     g_signal_connect_swapped(
         languages_, "changed",
         G_CALLBACK(+[](gpointer self) { static_cast<tab_replace *>(self)->preview(); }), this);
