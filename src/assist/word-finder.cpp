@@ -4,6 +4,7 @@
 #include "assist/words.h"
 #include "lint/mnemonics.h"
 #include "lint/text.h"
+#include "support/text.h"
 
 #include <algorithm>
 #include <optional>
@@ -192,15 +193,22 @@ word_finder::word_finder(std::string_view words, word_extent extent)
 std::size_t word_finder::end_of_match(std::string_view text, std::size_t at, bool marks) const
 {
     std::string folded;
-    for (std::size_t done = 0; done < wanted_.size(); done += folded.size()) {
+    for (std::size_t done = 0; done < wanted_.size();) {
         if (marks && done != 0 && at < text.size() && is_mark(text, at))
             ++at;
         if (at >= text.size())
             return std::string_view::npos;
+        // Most letters are of ASCII and need no folding.
+        if ((text[at] & 0x80) == 0) {
+            if (wanted_[done++] != static_cast<char>(zel::lower(text[at++])))
+                return std::string_view::npos;
+            continue;
+        }
         folded.clear();
         append_folded(folded, lint::next_char(text, at));
         if (wanted_.compare(done, folded.size(), folded) != 0)
             return std::string_view::npos;
+        done += folded.size();
     }
     return at;
 }

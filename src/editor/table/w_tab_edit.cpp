@@ -409,8 +409,9 @@ void instance_init(GTypeInstance *instance, gpointer)
     make_search(tab);
     make_work_and_help(tab);
     make_finding(tab);
-    for (GtkWidget *part : {tab->work->filter_button(), tab->finding->fields_row()})
-        gtk_box_pack_start(GTK_BOX(tab->search->row()), part, FALSE, FALSE, 0);
+    GtkBox *row = GTK_BOX(tab->search->row());
+    gtk_box_pack_start(row, tab->work->filter_button(), FALSE, FALSE, 0);
+    gtk_box_pack_start(row, tab->finding->fields_row(), TRUE, TRUE, 0);
     gtk_box_pack_start(GTK_BOX(box), tab->search->row(), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(box), panes, TRUE, TRUE, 0);
     gtk_box_pack_start(GTK_BOX(box), make_info_frame(tab), FALSE, FALSE, 0);
