@@ -231,13 +231,9 @@ void tab_replace::toggle(std::uint32_t row)
     show_count();
 }
 
-void tab_replace::preview()
+// Those that were taken out stay so while only the other words or the filter change.
+void tab_replace::keep_out()
 {
-    if (filling_ != 0 || !is_open())
-        return;
-    const assist::word_replacer made = replacer();
-    find(made);
-    // Those that were taken out stay so while only the other words or the filter change.
     const std::string *lang = language();
     std::string found = std::string(entry_text_of(words_)) + "\n" + (lang == nullptr ? "" : *lang);
     if (found != found_) {
@@ -249,6 +245,15 @@ void tab_replace::preview()
         if (out_.count(row) != 0)
             still.insert(row);
     out_ = std::move(still);
+}
+
+void tab_replace::preview()
+{
+    if (filling_ != 0 || !is_open())
+        return;
+    const assist::word_replacer made = replacer();
+    find(made);
+    keep_out();
     show_count();
     if (made.finder().empty()) {
         parts_.hits->hide();

@@ -57,6 +57,7 @@ private:
     void find(const assist::word_replacer &replacer);
     std::array<hit_line, 2> lines(std::uint32_t row) const;
     std::size_t chosen() const { return hits_.size() - out_.size(); }
+    void keep_out();
     void show_count();
     void toggle(std::uint32_t row);
     void replace_all();
