@@ -116,7 +116,7 @@ void tab_word::find()
             // Looked at where it is: a copy of every text would take longer than the search.
             const lang_entry_t *entry = find_entry(item->langs, lang->c_str());
             std::string_view text = look_at_text(entry == nullptr ? nullptr : entry->texts, buffer);
-            if (is_reference(rows, field) && without_end(text).empty())
+            if (without_end(text).empty() && is_reference(rows, field))
                 text = or_empty(item->name);
             if (finder_.are_in(text)) {
                 hits_.push_back({row, true});
