@@ -66,8 +66,7 @@ void put(GtkWidget *view, const std::string &text, bool instead)
 
 tab_suggest::tab_suggest(std::shared_ptr<tab_rows> rows, Zeltext *panel)
     : rows_(std::move(rows)), panel_(panel),
-      index_([this](std::uint32_t row) { return reference_of(row); }),
-      neighbours_([this] {
+      index_([this](std::uint32_t row) { return reference_of(row); }), neighbours_([this] {
           suggest_all();
           then_();
       })
