@@ -461,10 +461,10 @@ std::string hits()
             gtk_tree_view_column_cell_set_cell_data(column, model, &iter, FALSE, FALSE);
             GList *cells = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(column));
             if (number == 0)
-                row += gtk_cell_renderer_toggle_get_active(GTK_CELL_RENDERER_TOGGLE(cells->data)) !=
-                               0
-                           ? "[x] "
-                           : "[ ] ";
+                row +=
+                    gtk_cell_renderer_toggle_get_active(GTK_CELL_RENDERER_TOGGLE(cells->data)) != 0
+                        ? "[x] "
+                        : "[ ] ";
             else
                 row += marked_text(GTK_CELL_RENDERER(cells->data)) + (number == 1 ? ": " : "");
             g_list_free(cells);

@@ -76,8 +76,8 @@ private:
     assist::similar_texts index_;
     tab_neighbours neighbours_;
     std::function<void()> then_ = [] {}; // once those are read
-    std::uint32_t next_row_ = 0; // where the next slice begins
-    int row_ = -1;               // whose item is shown
+    std::uint32_t next_row_ = 0;         // where the next slice begins
+    int row_ = -1;                       // whose item is shown
     struct offer {
         std::string text;       // of the translation, as the field would show it; empty for nothing
         std::string line;       // and as it is shown under the field
