@@ -9,6 +9,7 @@
 #include "editor/state/edit-history.h"
 #include "editor/state/edit-state.h"
 #include "editor/table/w_tab_edit.h"
+#include "editor/table/w_tab_hits.h"
 #include "editor/table/w_tab_model.h"
 #include "editor/table/w_tab_work.h"
 #include "recovery/recovery-file.h"
@@ -167,6 +168,33 @@ void search(benchmark::State &state, const char *text)
         gtk_entry_set_text(GTK_ENTRY(table->search_entry), back ? "" : text);
         back = !back;
         paint();
+    }
+}
+
+// A key after which the list shows what was found for the word at the caret, or for words to
+// replace.
+void found_words(benchmark::State &state, guint keyval, GdkModifierType modifiers)
+{
+    window main(static_cast<int>(state.range(0)));
+    ZelTabEdit *table = main.open();
+    gtk_entry_set_text(GTK_ENTRY(table->search_entry), modifiers == 0 ? "" : "layer");
+    zel_tab_edit_next(GTK_WIDGET(table));
+    paint();
+    // At the start of the second item's text, "layer", which a fifth of the items have.
+    GtkTextIter start;
+    GtkTextBuffer *buffer =
+        gtk_text_view_get_buffer(GTK_TEXT_VIEW(ZEL_TEXT(table->text_widget)->trans1_view));
+    gtk_text_buffer_get_start_iter(buffer, &start);
+    gtk_text_buffer_place_cursor(buffer, &start);
+    while (state.KeepRunning()) {
+        gtk_accel_groups_activate(G_OBJECT(mainWin), keyval, modifiers);
+        paint();
+        state.PauseTiming();
+        if (!table->hits->is_shown())
+            state.SkipWithError("nothing is shown");
+        gtk_accel_groups_activate(G_OBJECT(mainWin), GDK_KEY_Escape, GdkModifierType{});
+        paint();
+        state.ResumeTiming();
     }
 }
 
@@ -439,6 +467,10 @@ constexpr job jobs[] = {
     {"search_letter/ours", [](benchmark::State &state) { search(state, "x"); }},
     {"search_letter_second_try/ours", [](benchmark::State &state) { search(state, "\xc3\xa4"); }},
     {"filter_untranslated/ours", untranslated},
+    {"how_translated/ours",
+     [](benchmark::State &state) { found_words(state, GDK_KEY_F3, GdkModifierType{}); }},
+    {"replace_preview/ours",
+     [](benchmark::State &state) { found_words(state, GDK_KEY_h, GDK_CONTROL_MASK); }},
     {"undo/ours", undo},
     {"keystroke_checked/ours", keystroke_checked},
     {"next_with_work/ours", next_with_work},

@@ -32,6 +32,7 @@ constexpr const char *lines[] = {
     "import --format csv --comments -o i.lang-src a.lang-src german.po",
     "fill --from german.po -o f.lang-src a.lang-src",
     "carry --dry-run a.lang-src",
+    "replace --dry-run --language german a b a.lang-src",
     "news b.lang-src a.lang-src",
     "news --format html a.lang-src b.lang-src",
     "questions --answered a.lang-src",

@@ -13,22 +13,6 @@ namespace {
 constexpr char32_t sharp_s = 0xdf;
 constexpr char32_t capital_sharp_s = 0x1e9e;
 
-// Folds by way of the capital letter, so that letters with two small forms (sigma) are one.
-void append_folded(std::string &out, char32_t c)
-{
-    if (c < 0x80) {
-        out += static_cast<char>(zel::lower(static_cast<int>(c)));
-        return;
-    }
-    if (c == sharp_s || c == capital_sharp_s) {
-        out += "ss";
-        return;
-    }
-    char bytes[6];
-    const int length = g_unichar_to_utf8(g_unichar_tolower(g_unichar_toupper(c)), bytes);
-    out.append(bytes, static_cast<std::size_t>(length));
-}
-
 bool is_ascii(std::string_view text)
 {
     return std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; });
@@ -47,6 +31,22 @@ bool is_in(const std::vector<std::string> &words, bool ascii, std::string_view t
 }
 
 } // namespace
+
+// Folds by way of the capital letter, so that letters with two small forms (sigma) are one.
+void append_folded(std::string &out, char32_t c)
+{
+    if (c < 0x80) {
+        out += static_cast<char>(zel::lower(static_cast<int>(c)));
+        return;
+    }
+    if (c == sharp_s || c == capital_sharp_s) {
+        out += "ss";
+        return;
+    }
+    char bytes[6];
+    const int length = g_unichar_to_utf8(g_unichar_tolower(g_unichar_toupper(c)), bytes);
+    out.append(bytes, static_cast<std::size_t>(length));
+}
 
 std::string fold(std::string_view text)
 {

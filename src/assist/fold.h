@@ -15,6 +15,9 @@ namespace zel::assist {
 // byte that is no UTF-8 as the replacement character. Independent of the locale.
 std::string fold(std::string_view text);
 
+// The same of one character, appended.
+void append_folded(std::string &out, char32_t c);
+
 class folded_words {
 public:
     folded_words() = default;

@@ -70,13 +70,19 @@ public:
     // of equal ones that of the first file, in the order of names.
     std::optional<suggestion> best(const std::string &reference, std::size_t lang) const;
 
-private:
+    // A text and its translations into the languages of the query.
     struct row {
         std::string reference;
         std::array<std::string, 2> texts;
         std::uint32_t origin;
     };
 
+    // What has been read so far, file by file: it only grows until the next begin or forget. And
+    // where a row is from, "GROUP, FILE".
+    const std::vector<row> &rows() const { return rows_; }
+    const std::string &origin_of(const row &of) const { return origins_[of.origin]; }
+
+private:
     struct file; // that is being read
 
     void do_piece();

@@ -18,23 +18,6 @@ bool is_apostrophe(char32_t c) { return c == '\'' || c == right_quote; }
 // Signs that stand in words and are none of their letters: joiners shape the letters beside them.
 bool is_inside(char32_t c) { return c == soft_hyphen || c == 0x200c || c == 0x200d; }
 
-bool sets_no_blanks(char32_t c)
-{
-    switch (g_unichar_get_script(c)) {
-    case G_UNICODE_SCRIPT_HAN:
-    case G_UNICODE_SCRIPT_HIRAGANA:
-    case G_UNICODE_SCRIPT_KATAKANA:
-    case G_UNICODE_SCRIPT_BOPOMOFO:
-    case G_UNICODE_SCRIPT_THAI:
-    case G_UNICODE_SCRIPT_LAO:
-    case G_UNICODE_SCRIPT_KHMER:
-    case G_UNICODE_SCRIPT_MYANMAR:
-        return true;
-    default:
-        return false;
-    }
-}
-
 void append(std::string &out, char32_t c)
 {
     char bytes[6];
@@ -215,6 +198,23 @@ private:
 };
 
 } // namespace
+
+bool sets_no_blanks(char32_t c)
+{
+    switch (g_unichar_get_script(c)) {
+    case G_UNICODE_SCRIPT_HAN:
+    case G_UNICODE_SCRIPT_HIRAGANA:
+    case G_UNICODE_SCRIPT_KATAKANA:
+    case G_UNICODE_SCRIPT_BOPOMOFO:
+    case G_UNICODE_SCRIPT_THAI:
+    case G_UNICODE_SCRIPT_LAO:
+    case G_UNICODE_SCRIPT_KHMER:
+    case G_UNICODE_SCRIPT_MYANMAR:
+        return true;
+    default:
+        return false;
+    }
+}
 
 std::vector<word> words_of(std::string_view text) { return reader(text).words(); }
 

@@ -22,6 +22,9 @@ struct word {
 // set no blanks between words.
 std::vector<word> words_of(std::string_view text);
 
+// Whether the letter is of a script that sets no blanks between words.
+bool sets_no_blanks(char32_t c);
+
 // The letters with the mnemonic's underscore and the kind of apostrophe that the written word has;
 // the underscore before the first letter that is the same, else before the first one.
 std::string written_like(std::string_view written, std::string_view letters);

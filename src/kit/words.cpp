@@ -46,6 +46,8 @@ constexpr word table[] = {
      "tell what translators ask in their comments", run_questions},
     {"mnemonics", "[--language NAME]... [--dry-run] SOURCE [GROUP]",
      "give menus and buttons the keys that their translations lack", run_mnemonics},
+    {"replace", "--language NAME [--dry-run] WORDS OTHERS SOURCE...",
+     "put other words in the place of words, in one language's texts", run_replace},
 };
 
 void print_help()

@@ -134,6 +134,32 @@ std::string marks_of(GtkLabel *label)
     return out;
 }
 
+// The text of a cell, in brackets what is marked with a ground of its own.
+std::string marked_text(GtkCellRenderer *cell)
+{
+    gchar *text = nullptr;
+    PangoAttrList *list = nullptr;
+    g_object_get(cell, "text", &text, "attributes", &list, nullptr);
+    std::string out = zel_test::take(text);
+    std::vector<std::pair<std::size_t, const char *>> signs;
+    PangoAttrIterator *parts = list == nullptr ? nullptr : pango_attr_list_get_iterator(list);
+    do {
+        gint from = 0;
+        gint to = 0;
+        if (parts == nullptr || pango_attr_iterator_get(parts, PANGO_ATTR_BACKGROUND) == nullptr)
+            continue;
+        pango_attr_iterator_range(parts, &from, &to);
+        signs.insert(signs.end(), {{from, "["}, {to, "]"}});
+    } while (parts != nullptr && pango_attr_iterator_next(parts) != 0);
+    for (auto sign = signs.rbegin(); sign != signs.rend(); ++sign)
+        out.insert(sign->first, sign->second);
+    if (parts != nullptr)
+        pango_attr_iterator_destroy(parts);
+    if (list != nullptr)
+        pango_attr_list_unref(list);
+    return out;
+}
+
 std::string yes_or_no(bool is) { return is ? "yes" : "no"; }
 
 // --- Widgets ---------------------------------------------------------------------------------
@@ -161,6 +187,7 @@ const std::map<std::string, GtkWidget *(*)(int number)> named_widgets{
     {"name to edit", [](int) { return panel()->name_edit_entry; }},
     {"used in", [](int) { return panel()->used_in_view; }},
     {"list", [](int) { return tab()->view; }},
+    {"hits", [](int) { return find_named(editWin, "hits"); }},
     {"search", [](int) { return tab()->search_entry; }},
     {"info", [](int) { return tab()->info_label; }},
     {"ready button", [](int) { return tab()->ready_button; }},
@@ -417,6 +444,40 @@ std::string first_row_of(GtkWidget *list)
     return joined(cells);
 }
 
+// What is listed in the place of the items: "[x] where: before / after", the words in brackets.
+std::string hits()
+{
+    GtkTreeView *view = GTK_TREE_VIEW(find_named(editWin, "hits"));
+    if (gtk_widget_get_visible(gtk_widget_get_parent(GTK_WIDGET(view))) == 0)
+        return "no hits";
+    EXPECT_EQ(gtk_widget_get_visible(gtk_widget_get_parent(tab()->view)), 0);
+    GtkTreeModel *model = gtk_tree_view_get_model(view);
+    std::vector<std::string> rows;
+    GtkTreeIter iter;
+    for (gboolean more = gtk_tree_model_get_iter_first(model, &iter); more != 0;
+         more = gtk_tree_model_iter_next(model, &iter)) {
+        std::string row;
+        for (int number = 0; number < 3; ++number) {
+            GtkTreeViewColumn *column = gtk_tree_view_get_column(view, number);
+            if (gtk_tree_view_column_get_visible(column) == 0)
+                continue;
+            gtk_tree_view_column_cell_set_cell_data(column, model, &iter, FALSE, FALSE);
+            GList *cells = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(column));
+            if (number == 0)
+                row +=
+                    gtk_cell_renderer_toggle_get_active(GTK_CELL_RENDERER_TOGGLE(cells->data)) != 0
+                        ? "[x] "
+                        : "[ ] ";
+            else
+                row += marked_text(GTK_CELL_RENDERER(cells->data)) + (number == 1 ? ": " : "");
+            g_list_free(cells);
+        }
+        std::replace(row.begin(), row.end(), '\n', '/');
+        rows.push_back(row);
+    }
+    return joined(rows);
+}
+
 std::string box_icon(GtkWidget *box)
 {
     gchar *stock = nullptr;
@@ -494,6 +555,7 @@ using word = const std::string &;
 // By a name alone.
 const std::map<std::string, std::string (*)(Scene &)> plain_looks{
     {"name", [](Scene &) { return name(); }},
+    {"hits", [](Scene &) { return hits(); }},
     {"rows", [](Scene &) { return std::to_string(rows()); }},
     {"modified", [](Scene &) { return std::to_string(lang_global.modified); }},
     {"ready", [](Scene &) { return std::to_string(panel()->item->ready); }},

@@ -131,6 +131,8 @@ const std::vector<key_row> &editor_keys()
         {"Ctrl+F", "search"},
         {"Return, Escape in the search field",
          "to the first item found, back to the item before the search"},
+        {"F3", "how was this word translated?"},
+        {"Ctrl+H", "replace words"},
         {"Tab, Shift+Tab", "next and previous field"},
         {"Alt+Home, Alt+Up", "first item, previous item"},
         {"Alt+Down, Alt+End", "next item, last item"},

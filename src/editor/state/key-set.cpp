@@ -12,11 +12,18 @@ key_set::key_set()
 
 gboolean key_set::pressed(GtkAccelGroup *, GObject *, guint, GdkModifierType, gpointer key)
 {
-    static_cast<bound *>(key)->act();
-    return TRUE;
+    return static_cast<bound *>(key)->act() ? TRUE : FALSE;
 }
 
 void key_set::add(guint keyval, GdkModifierType modifiers, std::function<void()> act)
+{
+    add_before(keyval, modifiers, [act = std::move(act)] {
+        act();
+        return true;
+    });
+}
+
+void key_set::add_before(guint keyval, GdkModifierType modifiers, std::function<bool()> act)
 {
     if (group_ == nullptr)
         return;

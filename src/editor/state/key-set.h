@@ -20,12 +20,15 @@ public:
 
     void add(guint keyval, GdkModifierType modifiers, std::function<void()> act);
 
+    // A key that goes on to the widget with the keyboard where the act says false.
+    void add_before(guint keyval, GdkModifierType modifiers, std::function<bool()> act);
+
     // Disconnects all keys; the set takes no new ones afterwards.
     void clear();
 
 private:
     struct bound {
-        std::function<void()> act;
+        std::function<bool()> act;
         GClosure *closure;
     };
     static gboolean pressed(GtkAccelGroup *, GObject *, guint, GdkModifierType, gpointer key);

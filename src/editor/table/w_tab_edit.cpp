@@ -7,6 +7,7 @@
 #include "editor/state/edit-state.h"
 #include "editor/state/key-set.h"
 #include "editor/table/w_tab_filter.h"
+#include "editor/table/w_tab_finding.h"
 #include "editor/table/w_tab_found.h"
 #include "editor/table/w_tab_icons.h"
 #include "editor/table/w_tab_list.h"
@@ -32,7 +33,6 @@
 
 namespace {
 
-constexpr int list_min_width = 160;
 constexpr int spacing = 6;
 
 GtkTreeView *view_of(ZelTabEdit *tab) { return GTK_TREE_VIEW(tab->view); }
@@ -212,23 +212,30 @@ void show_rows(ZelTabEdit *tab, const std::vector<std::uint32_t> &shown)
     gtk_tree_view_set_model(view_of(tab), tab->sort_model);
 }
 
+// The rows that the filters let through and, with them, the words of the search.
+std::vector<std::uint32_t> filtered_rows(ZelTabEdit *tab, bool with_words)
+{
+    zel::tab_filter filter{with_words ? tab->search_words : nullptr, nullptr, nullptr,
+                           lang_global.only_untranslated != 0, lang_global.whatsnew_since};
+    misc_select_edit_lang(tab->lang_source, &filter.lang1, &filter.lang2);
+    return zel::tab_filtered_rows(rows_of(tab), filter,
+                                  with_words ? tab->search->words() : zel::assist::folded_words(),
+                                  [tab](std::uint32_t row) { return tab->work->hides(row); });
+}
+
 // Shows the rows that the search and the filters let through, and how many there are.
 void refilter(ZelTabEdit *tab)
 {
     tab->search_words = zel::tab_search_words(gtk_entry_get_text(GTK_ENTRY(tab->search_entry)));
-    zel::tab_filter filter{tab->search_words, nullptr, nullptr, lang_global.only_untranslated != 0,
-                           lang_global.whatsnew_since};
-    misc_select_edit_lang(tab->lang_source, &filter.lang1, &filter.lang2);
-    const std::vector<std::uint32_t> shown =
-        zel::tab_filtered_rows(rows_of(tab), filter, tab->search->words(),
-                               [tab](std::uint32_t row) { return tab->work->hides(row); });
+    const std::vector<std::uint32_t> shown = filtered_rows(tab, true);
     zel::tab_show_found(tab->found_label,
                         {shown.size(), rows_of(tab).rows.size(), tab->search_words != nullptr,
-                         filter.only_untranslated, tab->work->filters()});
+                         lang_global.only_untranslated != 0, tab->work->filters()});
     // Only now: the filter and the label have used the words.
     zel::free_search_words(tab->search_words);
     tab->search_words = nullptr;
     show_rows(tab, shown);
+    tab->finding->rows_filtered();
 }
 
 gboolean tree_filter_changed_cb(GtkWidget *, gpointer data)
@@ -277,6 +284,7 @@ void destroy_cb(GtkObject *, gpointer data)
     tab->busy = 1;
     tab->work->stop();
     tab->suggest->stop();
+    tab->finding->stop();
     zel::tab_rows_clear(rows_of(tab));
     show_rows(tab, {});
     g_clear_object(&tab->pix_active);
@@ -314,13 +322,8 @@ GtkWidget *make_list(ZelTabEdit *tab)
     g_signal_connect(selection, "changed", G_CALLBACK(tree_selection_changed_cb), tab);
     g_signal_connect(tab->view, "row-activated", G_CALLBACK(row_activated_cb), tab);
 
-    GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
-    gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
-                                   GTK_POLICY_AUTOMATIC);
-    gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_IN);
-    gtk_widget_set_size_request(scrolled, list_min_width, -1);
-    gtk_container_add(GTK_CONTAINER(scrolled), tab->view);
-    return scrolled;
+    tab->hits = new zel::tab_hits(tab->view);
+    return tab->hits->pane();
 }
 
 GtkWidget *make_text_side(ZelTabEdit *tab)
@@ -338,17 +341,18 @@ GtkWidget *make_text_side(ZelTabEdit *tab)
 
 GtkWidget *make_info_frame(ZelTabEdit *tab)
 {
-    GtkWidget *frame = gtk_frame_new(nullptr);
-    zel::make_bare(frame);
-    GtkWidget *row = gtk_hbox_new(FALSE, spacing);
-    gtk_container_add(GTK_CONTAINER(frame), row);
-    tab->info_label = gtk_label_new(nullptr);
-    gtk_misc_set_alignment(GTK_MISC(tab->info_label), 0.0F, 0.5F);
-    gtk_box_pack_start(GTK_BOX(row), tab->info_label, FALSE, FALSE, 0);
-    tab->found_label = zel::tab_found_label_new();
-    gtk_box_pack_start(GTK_BOX(row), tab->found_label, FALSE, FALSE, 0);
-    gtk_box_pack_start(GTK_BOX(row), tab->work->progress_label(), TRUE, TRUE, 0);
-    return frame;
+    const zel::tab_info info = zel::tab_info_new(tab->work->progress_label());
+    tab->info_label = info.count;
+    tab->found_label = info.found;
+    return info.frame;
+}
+
+// Ends a search that hides the row.
+void go_to_row(ZelTabEdit *tab, int row)
+{
+    if (zel_tab_model_place_of(shown_rows(tab), row) < 0)
+        gtk_entry_set_text(GTK_ENTRY(tab->search_entry), "");
+    zel::tab_list_go_to(view_of(tab), zel_tab_model_place_of(shown_rows(tab), row));
 }
 
 void make_search(ZelTabEdit *tab)
@@ -364,10 +368,7 @@ void make_search(ZelTabEdit *tab)
                  zel_tab_edit_first(GTK_WIDGET(tab));
              focus_translation(tab);
          },
-         [tab](int row) {
-             zel::tab_list_go_to(view_of(tab), zel_tab_model_place_of(shown_rows(tab), row));
-         },
-         [tab] { return selected_place(tab) >= 0; }});
+         [tab](int row) { go_to_row(tab, row); }, [tab] { return selected_place(tab) >= 0; }});
     tab->search_entry = tab->search->entry();
 }
 
@@ -378,6 +379,21 @@ void make_work_and_help(ZelTabEdit *tab)
                            tab->ready_button, [tab] { tree_filter_changed_cb(nullptr, tab); }});
     tab->suggest = new zel::tab_suggest(*tab->rows, ZEL_TEXT(tab->text_widget), tab->ready_button);
     zel::watch_spelling(ZEL_TEXT(tab->text_widget));
+}
+
+void make_finding(ZelTabEdit *tab)
+{
+    Zeltext *panel = ZEL_TEXT(tab->text_widget);
+    tab->finding = new zel::tab_finding(
+        {tab->hits,
+         tab->search_entry,
+         {*tab->rows, panel, tab->hits,
+          [tab]() -> const zel::assist::neighbour_texts & { return tab->suggest->neighbours(); },
+          [tab](int row) { go_to_row(tab, row); }},
+         {*tab->rows, panel, tab->hits, GTK_ENTRY(tab->search_entry), [tab](bool with_words) {
+              return with_words ? *shown_rows(tab)->shown : filtered_rows(tab, false);
+          }}});
+    tab->suggest->when_neighbours_are_read([tab] { tab->finding->neighbours_are_read(); });
 }
 
 void instance_init(GTypeInstance *instance, gpointer)
@@ -392,7 +408,10 @@ void instance_init(GTypeInstance *instance, gpointer)
     // Work and help need the panel and the rows; the filter button goes into the row of the search.
     make_search(tab);
     make_work_and_help(tab);
-    gtk_box_pack_start(GTK_BOX(tab->search->row()), tab->work->filter_buttons(), FALSE, FALSE, 0);
+    make_finding(tab);
+    GtkBox *row = GTK_BOX(tab->search->row());
+    gtk_box_pack_start(row, tab->work->filter_buttons(), FALSE, FALSE, 0);
+    gtk_box_pack_start(row, tab->finding->fields_row(), TRUE, TRUE, 0);
     gtk_box_pack_start(GTK_BOX(box), tab->search->row(), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(box), panes, TRUE, TRUE, 0);
     gtk_box_pack_start(GTK_BOX(box), make_info_frame(tab), FALSE, FALSE, 0);
@@ -413,6 +432,8 @@ void finalize(GObject *object)
     g_object_unref(tab->store);
     zel::replace_string(tab->last_group, nullptr);
     // What holds the models and the rows is deleted before the rows themselves.
+    delete tab->finding;
+    delete tab->hits;
     delete tab->work;
     delete tab->suggest;
     delete tab->search;
@@ -426,25 +447,10 @@ void class_init(gpointer klass, gpointer)
     G_OBJECT_CLASS(klass)->finalize = finalize;
 }
 
-void set_title(GtkTreeViewColumn *column, const std::unique_ptr<std::string> &lang)
-{
-    if (column != nullptr)
-        gtk_tree_view_column_set_title(
-            column, zel::utf8_shown(lang == nullptr ? nullptr : lang->c_str()).c_str());
-}
-
-// The rows keep names of their own: the user may rename or remove languages while the list is
-// shown.
 void select_languages(ZelTabEdit *tab)
 {
-    zel::tab_rows &rows = rows_of(tab);
-    const char *lang1 = nullptr;
-    const char *lang2 = nullptr;
-    misc_select_edit_lang(tab->lang_source, &lang1, &lang2);
-    rows.lang1 = lang1 == nullptr ? nullptr : std::make_unique<std::string>(lang1);
-    rows.lang2 = lang2 == nullptr ? nullptr : std::make_unique<std::string>(lang2);
-    set_title(tab->lang1_column, rows.lang1);
-    set_title(tab->lang2_column, rows.lang2);
+    zel::tab_list_show_languages(rows_of(tab), tab->lang_source,
+                                 {tab->view, tab->lang1_column, tab->lang2_column});
 }
 
 void show_count(ZelTabEdit *tab)
@@ -457,6 +463,7 @@ void show_count(ZelTabEdit *tab)
 void fill(ZelTabEdit *tab, LangSource *source)
 {
     const zel::flag_guard busy(tab->busy);
+    tab->finding->end();
     empty_text(tab, 1);
     show_ready(tab, nullptr);
     tab->lang_source = source;
@@ -504,6 +511,7 @@ void go_to_last(ZelTabEdit *tab)
 // Takes the languages again: the user may have chosen others, or renamed them.
 void follow_languages(ZelTabEdit *tab)
 {
+    tab->finding->end();
     select_languages(tab);
     tab->work->rows_changed();
     tab->suggest->rows_changed();
@@ -597,7 +605,8 @@ int zel_tab_edit_check_changed(GtkWidget *widget)
 
 int zel_tab_edit_list_focus(GtkWidget *widget)
 {
-    return on_table(widget, __func__, [](ZelTabEdit *tab) { gtk_widget_grab_focus(tab->view); });
+    return on_table(widget, __func__,
+                    [](ZelTabEdit *tab) { gtk_widget_grab_focus(tab->hits->list()); });
 }
 
 int zel_tab_edit_refresh(GtkWidget *widget) { return on_table(widget, __func__, refresh); }

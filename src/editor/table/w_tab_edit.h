@@ -21,6 +21,8 @@
 
 namespace zel {
 struct tab_rows;
+class tab_finding;
+class tab_hits;
 class tab_search;
 class tab_suggest;
 class tab_work;
@@ -51,6 +53,8 @@ struct ZelTabEdit {
     zel::tab_search *search;              // the row above the list
     zel::tab_suggest *suggest;            // help with its translations
     zel::tab_work *work;                  // what is left to do in them
+    zel::tab_hits *hits;                  // in the place of the list for a while
+    zel::tab_finding *finding;            // what is listed there
 };
 
 struct ZelTabEditClass {

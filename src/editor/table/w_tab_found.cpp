@@ -1,16 +1,30 @@
 #include "editor/table/w_tab_found.h"
 
+#include "editor/toolkit/theme.h"
 #include "editor/toolkit/ui-text.h"
 
 #include <string>
 
 namespace zel {
 
-GtkWidget *tab_found_label_new()
+namespace {
+
+constexpr int between_labels = 6;
+
+} // namespace
+
+tab_info tab_info_new(GtkWidget *progress)
 {
-    GtkWidget *label = gtk_label_new(nullptr);
-    gtk_misc_set_alignment(GTK_MISC(label), 0.0F, 0.5F);
-    return label;
+    tab_info info{gtk_frame_new(nullptr), gtk_label_new(nullptr), gtk_label_new(nullptr)};
+    make_bare(info.frame);
+    GtkWidget *row = gtk_hbox_new(FALSE, between_labels);
+    gtk_container_add(GTK_CONTAINER(info.frame), row);
+    for (GtkWidget *label : {info.count, info.found}) {
+        gtk_misc_set_alignment(GTK_MISC(label), 0.0F, 0.5F);
+        gtk_box_pack_start(GTK_BOX(row), label, FALSE, FALSE, 0);
+    }
+    gtk_box_pack_start(GTK_BOX(row), progress, TRUE, TRUE, 0);
+    return info;
 }
 
 void tab_show_found(GtkWidget *label, const tab_found &found)

@@ -1,6 +1,6 @@
 #pragma once
 
-// The label beside the list's count: how much of it a search or a filter has left.
+// The row under the list: its count, and how much of it a search or a filter has left.
 
 #include <gtk/gtk.h>
 
@@ -8,7 +8,13 @@
 
 namespace zel {
 
-[[nodiscard]] GtkWidget *tab_found_label_new();
+// The row with a label for the count, one for what is found, and what is given.
+struct tab_info {
+    GtkWidget *frame;
+    GtkWidget *count;
+    GtkWidget *found;
+};
+[[nodiscard]] tab_info tab_info_new(GtkWidget *progress);
 
 // What the list shows: so many of all rows, with words searched for, or with a filter. The label is
 // empty while the list shows all.

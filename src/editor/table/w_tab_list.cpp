@@ -6,6 +6,7 @@
 #include "editor/table/w_tab_widths.h"
 #include "editor/toolkit/accessible.h"
 #include "editor/toolkit/ui-text.h"
+#include "source/misc.h"
 
 #include <cstring>
 #include <string>
@@ -143,6 +144,12 @@ gboolean show_tooltip(GtkWidget *widget, gint x, gint y, gboolean by_keyboard, G
     return text.empty() ? FALSE : TRUE;
 }
 
+void set_language_title(GtkTreeViewColumn *column, const char *lang)
+{
+    if (column != nullptr)
+        gtk_tree_view_column_set_title(column, zel::utf8_shown(lang).c_str());
+}
+
 bool is_language(const tab_column_row &column)
 {
     return column.column == COL_LANG1 || column.column == COL_LANG2;
@@ -177,6 +184,17 @@ tab_list tab_list_new(GtkTreeModel *model,
     gtk_tree_view_set_enable_search(view, FALSE);
     zel::set_accessible_name(list.view, ui_text("tab-edit", "Items"));
     return list;
+}
+
+void tab_list_show_languages(tab_rows &rows, LangSource *source, const tab_list &list)
+{
+    const char *lang1 = nullptr;
+    const char *lang2 = nullptr;
+    misc_select_edit_lang(source, &lang1, &lang2);
+    rows.lang1 = lang1 == nullptr ? nullptr : std::make_unique<std::string>(lang1);
+    rows.lang2 = lang2 == nullptr ? nullptr : std::make_unique<std::string>(lang2);
+    set_language_title(list.lang1, lang1);
+    set_language_title(list.lang2, lang2);
 }
 
 void tab_list_go_to(GtkTreeView *view, int place)

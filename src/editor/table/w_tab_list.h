@@ -4,6 +4,9 @@
 
 #include <gtk/gtk.h>
 
+#include "editor/table/w_tab_model.h"
+#include "source/model.h"
+
 namespace zel {
 
 struct tab_list {
@@ -16,6 +19,11 @@ struct tab_list {
 [[nodiscard]] tab_list tab_list_new(GtkTreeModel *model,
                                     void (*toggled)(GtkCellRendererToggle *, gchar *, gpointer),
                                     gpointer data);
+
+// Makes the two languages that the source has edited those of the rows, and the titles of the
+// list's columns. The rows keep names of their own: the user may rename or remove languages while
+// the list is shown.
+void tab_list_show_languages(tab_rows &rows, LangSource *source, const tab_list &list);
 
 // Selects the row at that place; does nothing when there is none.
 void tab_list_go_to(GtkTreeView *view, int place);

@@ -33,6 +33,9 @@ public:
         return texts_.best(reference, lang);
     }
 
+    // What has been read so far.
+    const assist::neighbour_texts &texts() const { return texts_; }
+
 private:
     static gint key_pressed(GtkWidget *, GdkEventKey *, gpointer self);
     int turn();

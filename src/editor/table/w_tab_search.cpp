@@ -52,6 +52,18 @@ void mark(GtkWidget *view, const assist::folded_words &words)
 
 } // namespace
 
+void tab_turn_to(GtkWidget *table)
+{
+    GtkWidget *page = table;
+    for (GtkWidget *parent = gtk_widget_get_parent(page); parent != nullptr;
+         page = parent, parent = gtk_widget_get_parent(page)) {
+        // The table may lie on pages within pages: each of them is turned to.
+        if (GTK_IS_NOTEBOOK(parent))
+            gtk_notebook_set_current_page(GTK_NOTEBOOK(parent),
+                                          gtk_notebook_page_num(GTK_NOTEBOOK(parent), page));
+    }
+}
+
 tab_search::tab_search(tab_search_parts parts) : parts_(std::move(parts))
 {
     make_row();
@@ -94,14 +106,7 @@ void tab_search::make_row()
 void tab_search::find_clicked(GtkButton *, gpointer data)
 {
     auto *self = static_cast<tab_search *>(data);
-    GtkWidget *page = self->parts_.table;
-    for (GtkWidget *parent = gtk_widget_get_parent(page); parent != nullptr;
-         page = parent, parent = gtk_widget_get_parent(page)) {
-        // The table may lie on pages within pages: each of them is turned to.
-        if (GTK_IS_NOTEBOOK(parent))
-            gtk_notebook_set_current_page(GTK_NOTEBOOK(parent),
-                                          gtk_notebook_page_num(GTK_NOTEBOOK(parent), page));
-    }
+    tab_turn_to(self->parts_.table);
     gtk_widget_grab_focus(self->entry_);
 }
 

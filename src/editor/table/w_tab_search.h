@@ -24,6 +24,9 @@ struct tab_search_parts {
     std::function<bool()> has_selection;
 };
 
+// Turns to the page that the table is on.
+void tab_turn_to(GtkWidget *table);
+
 class tab_search {
 public:
     explicit tab_search(tab_search_parts parts);

@@ -66,8 +66,10 @@ void put(GtkWidget *view, const std::string &text, bool instead)
 
 tab_suggest::tab_suggest(std::shared_ptr<tab_rows> rows, Zeltext *panel, GtkWidget *ready_button)
     : rows_(std::move(rows)), panel_(panel), ready_button_(ready_button),
-      index_([this](std::uint32_t row) { return reference_of(row); }),
-      neighbours_([this] { suggest_all(); })
+      index_([this](std::uint32_t row) { return reference_of(row); }), neighbours_([this] {
+          suggest_all();
+          then_();
+      })
 {
     add_keys();
     for (const int field : {TEXT_TRANS1, TEXT_TRANS2})

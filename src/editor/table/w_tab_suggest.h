@@ -12,6 +12,7 @@
 #include <gtk/gtk.h>
 
 #include <array>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -45,6 +46,11 @@ public:
 
     // The table is being destroyed: stops the timers and removes the keys.
     void stop();
+
+    // The other sources of the folder, as far as they have been read; the function is called when
+    // that is all of them.
+    const assist::neighbour_texts &neighbours() const { return neighbours_.texts(); }
+    void when_neighbours_are_read(std::function<void()> then) { then_ = std::move(then); }
 
 private:
     int index_slice();
@@ -82,8 +88,9 @@ private:
     std::vector<unused_item> unused_; // whose numbers follow those of the rows
     assist::similar_texts index_;
     tab_neighbours neighbours_;
-    std::uint32_t next_row_ = 0; // where the next slice begins
-    int row_ = -1;               // whose item is shown
+    std::function<void()> then_ = [] {}; // once those are read
+    std::uint32_t next_row_ = 0;         // where the next slice begins
+    int row_ = -1;                       // whose item is shown
     struct offer {
         std::string text;       // of the translation, as the field would show it; empty for nothing
         std::string line;       // and as it is shown under the field
