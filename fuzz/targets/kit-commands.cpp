@@ -34,6 +34,7 @@ constexpr const char *lines[] = {
     "carry --dry-run a.lang-src",
     "news b.lang-src a.lang-src",
     "news --format html a.lang-src b.lang-src",
+    "stat --trace german.po a.lang-src",
 };
 
 int run(const char *line)

@@ -135,6 +135,12 @@ void cb_export(GtkWidget *widget, gpointer)
         tell_exported(widget, path);
 }
 
+bool zel::export_after_save()
+{
+    const char *path = ini_export_on_save(ini);
+    return path == nullptr || write_languages(path);
+}
+
 void cb_import(GtkWidget *widget, gpointer)
 {
     zel::edit_status(nullptr);

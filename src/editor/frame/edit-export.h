@@ -6,3 +6,10 @@
 
 void cb_export(GtkWidget *widget, gpointer data);
 void cb_import(GtkWidget *widget, gpointer data);
+
+namespace zel {
+
+// Exports the current source where the settings want that with each save. False when it fails.
+bool export_after_save();
+
+} // namespace zel

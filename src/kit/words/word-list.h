@@ -20,6 +20,7 @@ int run_stat(const word &self, int argc, char **argv);
 int run_fill(const word &self, int argc, char **argv);
 int run_carry(const word &self, int argc, char **argv);
 int run_news(const word &self, int argc, char **argv);
+int run_shots(const word &self, int argc, char **argv);
 int run_start(const word &self, int argc, char **argv);
 
 } // namespace zel::kit
