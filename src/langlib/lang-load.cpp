@@ -568,7 +568,7 @@ void zel::lang_drop_reloads()
 void lang_de_init()
 {
     zel::lang_drop_reloads();
-    zel::watch_end();
+    zel::news_end();
     lang_free(&lang, 0);
     std::free(lang.language);
     lang = {};

@@ -468,7 +468,7 @@ int reload()
         LogPrint(1, "lang_locale_reload: ERROR the texts came from no directory\n");
         return -1;
     }
-    if (!zel::watch_has_news())
+    if (!zel::news_came())
         return 0;
     lang_handle_t *handle = load_directory(home.directory, home.languages);
     if (handle == nullptr)
@@ -492,7 +492,7 @@ int lang_locale_watch(const char *directory)
     pthread_mutex_lock(&loading);
     if (directory == nullptr)
         directory = zel::loaded_home().directory;
-    const int number = directory == nullptr ? -1 : zel::watch_begin(directory);
+    const int number = directory == nullptr ? -1 : zel::news_begin(directory);
     pthread_mutex_unlock(&loading);
     if (number < 0)
         LogPrint(1, "lang_locale_watch: ERROR watch directory >%s<\n",

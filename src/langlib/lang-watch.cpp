@@ -110,7 +110,7 @@ void zel::keep_home(const char *directory, const char *languages)
     replace_string(home.directory, complete ? zel_strdup(directory) : nullptr);
 }
 
-int zel::watch_begin(const char *directory)
+int zel::news_begin(const char *directory)
 {
     string_guard copy(zel_strdup(directory));
     drop_watch();
@@ -125,7 +125,7 @@ int zel::watch_begin(const char *directory)
     return watch.number;
 }
 
-bool zel::watch_has_news()
+bool zel::news_came()
 {
     if (watch.number < 0)
         return true;
@@ -136,7 +136,7 @@ bool zel::watch_has_news()
     return true;
 }
 
-void zel::watch_end()
+void zel::news_end()
 {
     drop_watch();
     keep_home(nullptr, nullptr);

@@ -19,13 +19,13 @@ void keep_home(const char *directory, const char *languages);
 
 // Watches a directory and the folders in it, in place of what was watched: a descriptor that stays
 // the watch's own, or -1 where the system gives none.
-int watch_begin(const char *directory);
+int news_begin(const char *directory);
 
 // Takes what the system has told since the last call. True when a compiled file has come or
 // changed, and always without a watch.
-bool watch_has_news();
+bool news_came();
 
 // Ends the watch and forgets the home.
-void watch_end();
+void news_end();
 
 } // namespace zel
