@@ -68,8 +68,8 @@ static void keep_picture(const char *path)
     GdkPixbuf *picture;
 
     gdk_window_process_updates(shown, TRUE);
-    picture = gdk_pixbuf_get_from_drawable(NULL, shown, NULL, 0, 0, 0, 0, gdk_window_get_width(shown),
-                                           gdk_window_get_height(shown));
+    picture = gdk_pixbuf_get_from_drawable(
+        NULL, shown, NULL, 0, 0, 0, 0, gdk_window_get_width(shown), gdk_window_get_height(shown));
     gdk_pixbuf_save(picture, path, "png", NULL, NULL);
     g_object_unref(picture);
 }

@@ -1,6 +1,7 @@
 /* Notes in two windows, in their user's language.
  *
- *     notes FOLDER [print]     the folder of the compiled texts; "print" prints what the windows show */
+ *     notes FOLDER [print]     the folder of the compiled texts; "print" prints what the windows
+ * show */
 #include <gtk/gtk.h>
 #include <lang-locale.h>
 
