@@ -330,11 +330,32 @@ void load_and_ask(benchmark::State &state, const char *who)
     }
 }
 
+// What a request costs on average while it is traced: all of them are the first ones for their
+// texts, or have been asked a hundred times since.
+double traced_request(const texts &given, bool first)
+{
+    setenv("LANG_TRACE", (work().folder / "trace").c_str(), 1);
+    const ours who(given);
+    const int rounds = first ? 1 : 100;
+    if (!first)
+        for (const request &one : given.asked)
+            benchmark::DoNotOptimize(who.ask(one));
+    const double begin = cpu_seconds();
+    for (int i = 0; i < rounds; ++i)
+        for (const request &one : given.asked)
+            benchmark::DoNotOptimize(who.ask(one));
+    return (cpu_seconds() - begin) / static_cast<double>(given.asked.size()) / rounds;
+}
+
 // What that process does.
 int answer_first_use(char **words)
 {
     work(words[3]);
     const texts &given = of_size(std::atol(words[2]));
+    if (std::strncmp(words[1], "traced", 6) == 0) {
+        const double seconds = traced_request(given, std::strcmp(words[1], "traced_first") == 0);
+        return write(std::atoi(words[4]), &seconds, sizeof seconds) == sizeof seconds ? 0 : 1;
+    }
     const double seconds = std::strcmp(words[1], "ours") == 0 ? first_use<ours>(given)
                                                               : first_use<gettext_catalog>(given);
     return write(std::atoi(words[4]), &seconds, sizeof seconds) == sizeof seconds ? 0 : 1;
@@ -401,8 +422,10 @@ void plural(benchmark::State &state)
     fs::remove(file);
 }
 
-// A request for the form of a text, and for a format, in a language of three forms.
-void checked_requests(benchmark::State &state, bool with_number)
+// A request for a text, for one as a format, and for a form, in a language of three forms.
+enum class what { plain, text, form };
+
+void small_request(benchmark::State &state, what asked)
 {
     const fs::path file = fs::temp_directory_path() / "lang-bench-checked.lang";
     std::ofstream(file) << "LANGUAGE \"russian\" GROUP g "
@@ -411,8 +434,10 @@ void checked_requests(benchmark::State &state, bool with_number)
     lang_load_file(file.c_str());
     std::int64_t number = 0;
     for (auto _ : state)
-        benchmark::DoNotOptimize(with_number ? lang_count("g", "%d note|%d notes", ++number % 1000)
-                                             : lang_text("g", "%d of %s"));
+        benchmark::DoNotOptimize(asked == what::plain ? lang_get_string("g", "%d of %s")
+                                 : asked == what::text
+                                     ? lang_text("g", "%d of %s")
+                                     : lang_count("g", "%d note|%d notes", ++number % 1000));
     lang_de_init();
     fs::remove(file);
 }
@@ -461,8 +486,11 @@ int main(int argc, char **argv)
     add("load", "unordered_map_insert", load<unordered_map>);
     benchmark::RegisterBenchmark("format_or", format_or);
     benchmark::RegisterBenchmark("plural", plural);
-    benchmark::RegisterBenchmark("lang_text", checked_requests, false);
-    benchmark::RegisterBenchmark("lang_count", checked_requests, true);
+    benchmark::RegisterBenchmark("lang_get_string", small_request, what::plain);
+    benchmark::RegisterBenchmark("lang_text", small_request, what::text);
+    benchmark::RegisterBenchmark("lang_count", small_request, what::form);
+    for (const char *who : {"traced_first", "traced_again"})
+        benchmark::RegisterBenchmark(who, load_and_ask, who)->Arg(sizes[1])->UseManualTime();
     for (const std::int64_t size : {sizes[1], sizes[2]}) {
         benchmark::RegisterBenchmark("append/symbols", append_symbols)->Arg(size);
         benchmark::RegisterBenchmark("append/messages", append_messages)->Arg(size);

@@ -1,10 +1,11 @@
 #!/bin/sh
 # The window as a project of its own: builds it and its texts with Meson, installs both, and looks at what
-# the window shows. Works on a copy, and ends with 1 at the first thing that is not as it should be.
+# the window shows; then goes the way of a text: from the trace of a run and its picture to the editor, and
+# from a save there back to the window. Works on a copy, and ends with 1 at the first thing that is not as it should be.
 #
 # usage: run.sh [FOLDER]      a temporary folder, removed at the end, when none is named
 #
-# It wants a display. pkg-config must find the library (PKG_CONFIG_PATH), LANG_PROGRAM and LANG_KIT name
+# It wants a display, and for the editor xdotool and a window manager. pkg-config must find the library (PKG_CONFIG_PATH), LANG_PROGRAM and LANG_KIT name
 # the programs when they are not in PATH; MESON names the program; CC and CFLAGS as usual.
 set -eu
 
@@ -40,6 +41,66 @@ cmp shown.txt - <<'TEXT'
 Zähler | 1 Druck | _Drücken
 Counter | 2 clicks | _Click
 TEXT
+
+echo "== which texts were shown, and their picture in the editor"
+mkdir pictures
+LANGUAGE=de LANG_TRACE=$PWD/trace.txt installed/bin/window --show 1 $texts pictures/counter.png
+"$LANG_KIT" stat --trace trace.txt window.lang-src | tee counted.txt
+"$LANG_KIT" shots pictures --trace trace.txt window.lang-src | tee -a counted.txt
+cmp counted.txt - <<'TEXT'
+texts shown: 4 of 4
+counter.png: 4 texts
+TEXT
+cmp pictures/counter.png ScreenShots/counter.png
+"$LANG_KIT" report --screenshots -o page.html window.lang-src
+grep -q '"data:image/png;base64,' page.html || fail "no picture on the page"
+
+# await COMMAND...      until it succeeds
+await()
+{
+    tries=0
+    until "$@"; do
+        tries=$((tries + 1))
+        [ $tries -lt 3000 ] || fail "this does not come: $*"
+        sleep 0.005
+    done
+}
+has_focus() { xdotool getactivewindow getwindowname 2>/dev/null | grep -q "$1"; }
+printf '[editor]\nexportOnSave="live"\n' >lang.lang-ini
+mkdir live
+"$LANG_PROGRAM" compile -dst-dir live window.lang-src
+LANGUAGE=de build/window --watch live >live.txt &
+window=$!
+await has_focus Zähler
+stdbuf -oL "$LANG_PROGRAM" edit window.lang-src >editor.txt &
+editor=$!
+trap 'kill $window $editor 2>/dev/null; wait; ${1:+:} rm -rf "$folder"' EXIT
+await has_focus 'language editor'
+await grep -q '^file >.*ScreenShots/window.jpg<' editor.txt
+await grep -q '^file >.*ScreenShots/counter.png<' editor.txt
+
+echo "== from Ctrl+S to the window"
+best=9999
+for word in press hit knock; do # the machine may be busy with something else at one of them
+    xdotool key --delay 20 ctrl+f Return ctrl+a
+    xdotool type --delay 20 "%d $word|%d ${word}s"
+    sleep 1.1 # a second save in one second waits for the next, which its old file is kept under
+    begin=$(date +%s%N)
+    xdotool key ctrl+s
+    await grep -q "^Zähler | 0 ${word}s | _Drücken\$" live.txt
+    took=$((($(date +%s%N) - begin) / 1000000))
+    echo "$took ms"
+    [ $took -gt $best ] || best=$took
+    await has_focus '^ $'
+    xdotool key Return
+    await has_focus 'language editor'
+done
+[ $best -lt 300 ] || fail "the window was late"
+xdotool key alt+x
+wait $editor || fail "the editor ended with $?"
+grep -q '^exportOnSave="*live"*$' lang.lang-ini || fail "the setting is gone"
+kill $window
+wait $window 2>/dev/null || :
 
 echo "== a fault in the texts fails the build; a mended source is built anew"
 sleep 1 # a build looks at times

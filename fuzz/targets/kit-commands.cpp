@@ -38,6 +38,7 @@ constexpr const char *lines[] = {
     "questions --answered a.lang-src",
     "questions --format json a.lang-src",
     "mnemonics --dry-run a.lang-src",
+    "stat --trace german.po a.lang-src",
 };
 
 int run(const char *line)

@@ -144,6 +144,18 @@ void ini_set_below(ini_t *settings, std::size_t which, const char *lang)
     zel::replace_string(settings->below[which], zel_strdup(lang));
 }
 
+const char *ini_export_on_save(const ini_t *settings)
+{
+    const cfg_entry_t *section =
+        settings == nullptr ? nullptr : zel::cfg_find_section(settings->store, editor_section);
+    const cfg_entry_t *key =
+        section == nullptr ? nullptr : zel::cfg_find_key(settings->store, section, "exportOnSave");
+    if (key == nullptr || key->type != CFG_VOID)
+        return nullptr;
+    const auto *folder = static_cast<const char *>(key->data);
+    return folder == nullptr || *folder == '\0' ? nullptr : folder;
+}
+
 int ini_write(ini_t *settings)
 {
     if (settings == nullptr)

@@ -44,6 +44,11 @@ void ini_set_spelling(ini_t *settings, bool on);
 const char *ini_below(const ini_t *settings, std::size_t which);
 void ini_set_below(ini_t *settings, std::size_t which, const char *lang);
 
+// The folder into which each save of the source also compiles its languages, as "exportOnSave" of
+// [editor] names it; null for none and without settings. It is only read: the key is in the file
+// when the user has put it there.
+const char *ini_export_on_save(const ini_t *settings);
+
 // Writes the file. 0, also when that fails; 1 for null.
 int ini_write(ini_t *settings);
 

@@ -4,6 +4,8 @@
 #include "langlib/form-store.h"
 #include "langlib/lang-symbols.h"
 #include "langlib/lang-table.h"
+#include "langlib/lang-trace.h"
+#include "langlib/lang-watch.h"
 #include "langlib/plural-rule.h"
 #include "support/dir_list.h"
 #include "support/file-call.h"
@@ -17,8 +19,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
-
-lang_handle_t lang;
 
 namespace {
 
@@ -421,6 +421,8 @@ namespace {
 int load_from(lang_handle_t *handle, const char *path, std::string_view data)
 {
     zel::lang_symbols_make();
+    if (handle->import_mode == 0)
+        zel::trace_begin();
     // From here on requests get their items, and so they do after a failure.
     handle->loaded = 0;
     if (path == nullptr) {
@@ -451,6 +453,8 @@ int load_from(lang_handle_t *handle, const char *path, std::string_view data)
         LogPrint(1, "_lang_load: ERROR not enough memory (entry)\n");
         return -1;
     }
+    if (handle == &lang)
+        zel::lang_drop_reloads();
     free_table_and_entries(handle);
     handle->entries = entries.release();
     handle->lang = built.lang;
@@ -549,8 +553,22 @@ void lang_free(lang_handle_t *handle, int free_handle)
     zel::lang_symbols_drop();
 }
 
+void zel::lang_drop_reloads()
+{
+    lang_handle_t *one = newest_handle(&lang);
+    put_newest(nullptr);
+    while (one != &lang) {
+        lang_handle_t *before = link_of(one->index).before;
+        lang_empty(one);
+        std::free(one);
+        one = before;
+    }
+}
+
 void lang_de_init()
 {
+    zel::lang_drop_reloads();
+    zel::news_end();
     lang_free(&lang, 0);
     std::free(lang.language);
     lang = {};

@@ -5,12 +5,10 @@
 
 #include <string_view>
 
+#include "langlib/lang-rare.h"
 #include "langlib/lang.h"
 #include "lex/lex.h"
 #include "support/list.h"
-
-// The process-wide handle: all zero until lang_load_file fills it.
-extern lang_handle_t lang;
 
 // Parses one file with a scanner for the compiled file's keywords and appends its entries
 // (lang_text_t) to the list, whose head is returned; other statements change the handle. The
@@ -29,6 +27,9 @@ void lang_empty(lang_handle_t *handle);
 
 // Ends the chain of a handle, and releases what it owns of it.
 void lang_drop_chain(lang_handle_t *handle);
+
+// Releases what reloads have put in the place of the process-wide handle, which answers again.
+void lang_drop_reloads();
 
 // Moves what a handle holds into an empty one that other threads may be asking, and releases the
 // first.

@@ -6,6 +6,8 @@
 #include "langlib/compiled-head.h"
 #include "langlib/lang-load.h"
 #include "langlib/lang-table.h"
+#include "langlib/lang-trace.h"
+#include "langlib/lang-watch.h"
 #include "langlib/languages.h"
 #include "support/cut.h"
 #include "support/dir_list.h"
@@ -418,20 +420,25 @@ pthread_mutex_t loading = PTHREAD_MUTEX_INITIALIZER;
 
 lang_handle_t *lang_locale_new(const char *directory, const char *languages)
 {
+    zel::trace_begin();
     return load_directory(directory, languages);
 }
 
 namespace {
 
 // Fills the process-wide handle. Several threads may come here at once: only the first one loads.
+// The place is what a reload reads.
 template <class Load>
-const lang_locale_t *load_process_wide(Load load)
+const lang_locale_t *load_process_wide(const char *directory, const char *languages, Load load)
 {
+    zel::trace_begin();
     pthread_mutex_lock(&loading);
     lang_handle_t *handle = nullptr;
-    if (__atomic_load_n(&lang.loaded, __ATOMIC_ACQUIRE) == 0)
+    if (__atomic_load_n(&lang.loaded, __ATOMIC_ACQUIRE) == 0) {
+        // Also where nothing is there yet: it may come.
+        zel::keep_home(directory, languages);
         handle = load();
-    else
+    } else
         LogPrint(1, "lang_locale_load: ERROR the texts are loaded already\n");
     const lang_locale_t *taken = nullptr;
     if (handle != nullptr) {
@@ -443,17 +450,77 @@ const lang_locale_t *load_process_wide(Load load)
     return taken;
 }
 
+// What the application has chained to the process-wide handle goes on behind its new texts.
+void keep_chain(lang_handle_t *before, lang_handle_t *handle)
+{
+    const zel::lang_link &link = zel::link_of(before->index);
+    if (link.next == nullptr || link.owns_next)
+        return;
+    zel::lang_drop_chain(handle);
+    chain(handle, link.next);
+}
+
+// The result of lang_locale_reload.
+int reload()
+{
+    const zel::texts_home &home = zel::loaded_home();
+    if (home.directory == nullptr) {
+        LogPrint(1, "lang_locale_reload: ERROR the texts came from no directory\n");
+        return -1;
+    }
+    if (!zel::news_came())
+        return 0;
+    lang_handle_t *handle = load_directory(home.directory, home.languages);
+    if (handle == nullptr)
+        return -1;
+    if (__atomic_load_n(&lang.loaded, __ATOMIC_ACQUIRE) == 0) {
+        zel::lang_move_in(&lang, handle);
+        return 1;
+    }
+    // What it takes the place of stays: the application has texts of it.
+    lang_handle_t *before = zel::newest_handle(&lang);
+    keep_chain(before, handle);
+    zel::link_of(handle->index).before = before;
+    zel::put_newest(handle);
+    return 1;
+}
+
 } // namespace
+
+int lang_locale_watch(const char *directory)
+{
+    pthread_mutex_lock(&loading);
+    if (directory == nullptr)
+        directory = zel::loaded_home().directory;
+    const int number = directory == nullptr ? -1 : zel::news_begin(directory);
+    pthread_mutex_unlock(&loading);
+    if (number < 0)
+        LogPrint(1, "lang_locale_watch: ERROR watch directory >%s<\n",
+                 directory == nullptr ? "(null)" : directory);
+    return number;
+}
+
+int lang_locale_reload(void)
+{
+    pthread_mutex_lock(&loading);
+    const int result = reload();
+    pthread_mutex_unlock(&loading);
+    return result;
+}
+
+void lang_trace_mark(const char *name) { zel::trace_mark(name); }
 
 const lang_locale_t *lang_locale_choose(const char *directory, const char *languages)
 {
-    return load_process_wide([=] { return load_directory(directory, languages); });
+    return load_process_wide(directory, languages,
+                             [=] { return load_directory(directory, languages); });
 }
 
 const lang_locale_t *lang_locale_memory(const char *directory, const char *languages,
                                         const void *data, std::size_t size)
 {
-    return load_process_wide([=] {
+    // The block of memory need not be there at the time of a reload.
+    return load_process_wide(nullptr, nullptr, [=] {
         return load_memory(directory, languages, {static_cast<const char *>(data), size});
     });
 }
@@ -470,8 +537,7 @@ const lang_locale_t *lang_locale_load(const char *directory)
 
 const lang_locale_t *lang_locale_of(const lang_handle_t *handle)
 {
-    if (handle == nullptr)
-        handle = &lang;
+    handle = zel::newest_handle(handle);
     const bool loaded = __atomic_load_n(&handle->loaded, __ATOMIC_ACQUIRE) != 0;
     return loaded && handle->index != nullptr ? zel::link_of(handle->index).locale : nullptr;
 }
@@ -498,8 +564,7 @@ int lang_locale_list(const char *directory, void (*function)(const lang_locale_t
 
 int lang_locale_chain(lang_handle_t *first, lang_handle_t *second)
 {
-    if (first == nullptr)
-        first = &lang;
+    first = zel::newest_handle(first);
     if (first->loaded == 0 || first->index == nullptr || first->import_mode != 0 ||
         (second != nullptr && second->import_mode != 0))
         return 1;

@@ -20,6 +20,8 @@
  * the load is complete they get items.
  * They are refused while the process-wide handle is loaded, so nothing is ever taken from under a
  * thread; to load again, call lang_de_init first, at a time when no other thread is in the library.
+ * lang_locale_watch and lang_locale_reload are as safe: what a thread has asked for stays. So is
+ * lang_trace_mark.
  * lang_locale_list and lang_locale_new may be called from any thread as long as no log is being
  * opened or closed and none changes the environment; lang_locale_chain is for a time when nobody
  * asks the two handles.
@@ -135,6 +137,53 @@ int lang_locale_list(const char *directory, void (*function)(const lang_locale_t
  * first is not loaded or one is in import mode; 2, and nothing is changed, when the chain would
  * lead back to its beginning. */
 int lang_locale_chain(lang_handle_t *first, lang_handle_t *second);
+
+/* ---- New texts while the application runs ----------------------------------------------------
+ *
+ *     int news = lang_locale_watch(NULL);                  behind lang_locale_load
+ *     poll for POLLIN; when there is some:
+ *         if (lang_locale_reload() == 1)
+ *             ask for all texts again, and show them
+ */
+
+/* Watches the directory (null: the one that the process-wide handle was loaded from) and the
+ * folders in it for compiled files that are new, or written again, as a whole. A descriptor that
+ * can be read (poll, select, a toolkit's loop) from when there is one until the next
+ * lang_locale_reload, which reads it; it stays the library's until lang_de_init or the next watch,
+ * of which a process has one. -1, and the cause in the log, when there is nothing to watch. The
+ * system tells of local files only. */
+int lang_locale_watch(const char *directory);
+
+/* Reads the directory again that lang_locale_load or lang_locale_choose has read, for the same
+ * languages, or for the first time where nothing was there yet. 1: from now on every request gets
+ * the new texts, in all threads. 0: the watch has no news, and nothing was read; without a watch it
+ * is always read. -1, and the cause in the log: the texts are as before, since no file fits or can
+ * be read, there is no memory, or they did not come from a directory.
+ * Every text and record that was handed out lives on until lang_de_init, so each reload takes the
+ * memory of the files again. What lang_locale_chain has chained to the process-wide handle stays
+ * chained. */
+int lang_locale_reload(void);
+
+/* ---- Which texts were asked for --------------------------------------------------------------
+ *
+ * With LANG_TRACE=FILE in the environment the library appends a line to FILE at an item's first
+ * request, and at its first one after each mark, from the first load on:
+ *
+ *     1795673131.004200<TAB>main<TAB>Disk full      a request: group and item
+ *     1795673131.124200<TAB>open-dialog             a mark: its name
+ *
+ * The time is in seconds since the epoch. In the names a tab, a line end, a carriage return and a
+ * backslash are "\t", "\n", "\r" and "\\". Each line is written at once and in one piece, so
+ * several processes may share a file, and nothing is lost when one ends. Requests of handles count,
+ * those of import mode do not. Without the variable, or with one of no length, nothing is traced;
+ * and never in a program that has other rights than its caller's, as with set-user-ID. When the
+ * file cannot be opened or written, the log says so and the trace ends; the application notices
+ * nothing. */
+
+/* A mark of that name (null: an empty one). The signal SIGUSR1 does the same with the names
+ * "usr1-1", "usr1-2" and so on, where the application had no use for it when the trace began.
+ * Without a trace it does nothing. From any thread. */
+void lang_trace_mark(const char *name);
 
 /* ---- Plural forms ----------------------------------------------------------------------------
  *

@@ -4,6 +4,7 @@
 
 #include "langlib/lang-load.h"
 #include "langlib/lang-table.h"
+#include "langlib/lang-trace.h"
 #include "support/info.h"
 #include "support/log-print.h"
 
@@ -50,6 +51,36 @@ bool is_loaded(const lang_handle_t *handle)
     return __atomic_load_n(&handle->loaded, __ATOMIC_ACQUIRE) != 0;
 }
 
+// Out of the way of all other programs' requests.
+[[gnu::noinline]] lang_handle_t *ask_rarely(lang_handle_t *handle, const char *group,
+                                            const char *item)
+{
+    if ((zel::rare_now() & zel::rare_traced) != 0 && handle->import_mode == 0)
+        zel::trace_request(group, item);
+    return zel::newest_handle(handle);
+}
+
+// Returns the handle that is asked.
+lang_handle_t *asked_handle(lang_handle_t *handle, const char *group, const char *item)
+{
+    if (handle == nullptr)
+        handle = &lang;
+    return __builtin_expect(zel::rare_now() == 0, 1) ? handle : ask_rarely(handle, group, item);
+}
+
+// A call of its own would be a part of each request that can be measured.
+[[gnu::always_inline]] inline zel::asked_text ask_loaded(const lang_handle_t *handle,
+                                                         const char *group, const char *item,
+                                                         const char *file, int line)
+{
+    zel::asked_text found{handle, find_text(handle, group, item)};
+    if ((found.text == nullptr || found.text->is_default != 0) && handle->import_mode == 0)
+        found = ask_chain(found, group, item);
+    if (found.text == nullptr)
+        log_missing(group, item, file, line);
+    return found;
+}
+
 // A request without an item still gets a text.
 const char *untranslated(const char *item) { return item == nullptr ? "" : item; }
 
@@ -58,26 +89,19 @@ const char *untranslated(const char *item) { return item == nullptr ? "" : item;
 zel::asked_text zel::ask(lang_handle_t *handle, const char *group, const char *item,
                          const char *file, int line)
 {
-    if (handle == nullptr)
-        handle = &lang;
+    handle = asked_handle(handle, group, item);
     if (!is_loaded(handle))
         return {handle, nullptr};
-    asked_text found{handle, find_text(handle, group, item)};
-    if ((found.text == nullptr || found.text->is_default != 0) && handle->import_mode == 0)
-        found = ask_chain(found, group, item);
-    if (found.text == nullptr)
-        log_missing(group, item, file, line);
-    return found;
+    return ask_loaded(handle, group, item, file, line);
 }
 
 const char *__lang_get_str(lang_handle_t *handle, const char *group, const char *item,
                            std::int32_t *found, const char *file, int line)
 {
-    if (handle == nullptr)
-        handle = &lang;
+    handle = asked_handle(handle, group, item);
     if (!is_loaded(handle))
         return untranslated(item);
-    const lang_text_t *text = zel::ask(handle, group, item, file, line).text;
+    const lang_text_t *text = ask_loaded(handle, group, item, file, line).text;
     if (text == nullptr) {
         if (handle->import_mode != 0)
             return nullptr;
@@ -121,7 +145,7 @@ std::int32_t lang_check_string(const char *group, const char *item)
     return item != nullptr && text != item ? 1 : 0;
 }
 
-std::uint64_t lang_get_ctime() { return lang.ctime; }
+std::uint64_t lang_get_ctime() { return zel::newest_handle(&lang)->ctime; }
 
 zel_info_t *_lang_get_info(lang_handle_t *handle, zel_info_t **record, std::int32_t level,
                            std::int32_t code, const char *group, const char *activity,

@@ -43,6 +43,16 @@ const lang_handle_t *home_of(const lang_handle_t *handle, const char *text)
     return nullptr;
 }
 
+// The same with the texts that a reload has taken the place of: they live on.
+const lang_handle_t *home_with_older(const lang_handle_t *handle, const char *text)
+{
+    const lang_handle_t *home = nullptr;
+    for (; home == nullptr && handle != nullptr && handle->index != nullptr;
+         handle = zel::link_of(handle->index).before)
+        home = home_of(handle, text);
+    return home;
+}
+
 // The rule that a text with so many forms is written for; empty for that of English. Home is the
 // handle in whose file it lies, or null.
 std::string_view rule_for(const lang_handle_t *handle, const lang_handle_t *home, const char *text,
@@ -98,10 +108,9 @@ const char *lang_plural_of(lang_handle_t *handle, const char *text, std::int64_t
     const std::size_t count = zel::count_text_forms(all);
     if (count == 1)
         return text;
-    if (handle == nullptr)
-        handle = &lang;
+    handle = zel::newest_handle(handle);
     const std::size_t position =
-        position_by(has_rule(handle) ? rule_for(handle, home_of(handle, text), text, count)
+        position_by(has_rule(handle) ? rule_for(handle, home_with_older(handle, text), text, count)
                                      : std::string_view(),
                     count, number);
     // The last form ends where the text ends, so it needs no copy.

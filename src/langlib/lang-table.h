@@ -71,6 +71,7 @@ struct lang_link {
     lang_handle_t *next;   // asked for what the table lacks, or null
     bool owns_next;        // it is released with the store's handle
     lang_locale_t *locale; // what lang-locale.h loaded, in the store; or null
+    lang_handle_t *before; // a reload has put this one in its place, or null
     const char *plural;    // the language's rule up to its line end; null: not looked for yet
 };
 lang_link &link_of(lang_index *store);

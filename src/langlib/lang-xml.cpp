@@ -3,11 +3,12 @@
 
 #include "langlib/lang.h"
 
-#include "langlib/lang-load.h"
+#include "langlib/lang-rare.h"
 
 #include <glib.h>
 
 #include <array>
+#include <cstdio>
 #include <string_view>
 
 namespace {
@@ -94,8 +95,7 @@ void print_entries(FILE *stream, const lang_handle_t *handle)
 
 void lang_debug_print(FILE *stream, lang_handle_t *handle)
 {
-    if (handle == nullptr)
-        handle = &lang;
+    handle = zel::newest_handle(handle);
     print(stream, "<translation>\n");
     if (handle->language != nullptr)
         print_element(stream, "  <language>", handle->language, "</language>\n");

@@ -16,7 +16,7 @@ set_tests_properties(examples_install PROPERTIES FIXTURES_SETUP examples LABELS 
 # A test of the example, with the tools that it needs.
 function(lang_example name)
   set(display)
-  if(name STREQUAL gtk)
+  if(name MATCHES "gtk|twin")
     set(display ${PROJECT_SOURCE_DIR}/tools/with-display)
   endif()
   add_test(NAME example_${name}
@@ -29,5 +29,6 @@ endfunction()
 
 lang_example(cxx)
 lang_example(make make pkg-config)
-lang_example(gtk meson ninja pkg-config)
+lang_example(gtk meson ninja pkg-config xdotool)
+lang_example(twin make meson ninja msgfmt pkg-config)
 lang_example(python python3)

@@ -3,6 +3,7 @@
 #define _POSIX_C_SOURCE 200809L
 #include <lang-locale.h>
 
+#include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -122,6 +123,32 @@ static int check_debug_print(const char *path)
     return 0;
 }
 
+/* What the trace holds from the mark on, without its times. */
+static int check_trace(const char *path)
+{
+    static const char expected[] = "a\\tb\ng\tnew\\n\\\\\nusr1-1\ng\tnew\\n\\\\\ng\titem\n";
+    char line[100], traced[200] = "";
+    long begin;
+    FILE *file = fopen(path, "r");
+
+    CHECK(file != NULL && fseek(file, 0, SEEK_END) == 0 && (begin = ftell(file)) > 0);
+    lang_trace_mark("a\tb");
+    lang_get_string("g", "new\n\\");
+    lang_get_string("g", "new\n\\");
+    raise(SIGUSR1);
+    lang_get_string("g", "new\n\\");
+    lang_text("g", NAME);
+    fseek(file, begin, SEEK_SET);
+    while (fgets(line, sizeof line, file) != NULL) {
+        CHECK(strspn(line, "0123456789.") == 17 && line[10] == '.' && line[17] == '\t');
+        strcat(traced, line + 18);
+    }
+    fclose(file);
+    remove(path);
+    CHECK(strcmp(traced, expected) == 0);
+    return 0;
+}
+
 int main(int words, char **word)
 {
     lang_handle_t *handle;
@@ -133,6 +160,7 @@ int main(int words, char **word)
     CHECK(file != NULL);
     fputs("LANGUAGE \"test\" GROUP g text { \"Text\" }", file);
     fclose(file);
+    setenv("LANG_TRACE", "langlib_c99.trace", 1);
     handle = lang_new(word[1]);
     CHECK(handle != NULL && handle->loaded == 1 && strcmp(handle->lang[1].value, "Text") == 0);
     lang_debug_print(stdout, handle);
@@ -149,6 +177,7 @@ int main(int words, char **word)
     result = result != 0 ? result : check_locale("langlib_c99");
     remove("langlib_c99/german.lang");
     remove("langlib_c99");
+    result = result != 0 ? result : check_trace("langlib_c99.trace");
     checked = 1;
     return result;
 }

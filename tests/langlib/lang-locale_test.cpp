@@ -7,10 +7,12 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <utility>
 #include <vector>
@@ -363,6 +365,58 @@ TEST_F(Locale, TextsInMemoryStandBehindFiles)
     }
     ASSERT_NE(lang_locale_memory(nullptr, "de", all.data(), all.size()), nullptr);
     EXPECT_EQ(lang_load_memory(all.data(), all.size()), nullptr) << "loaded already";
+}
+
+TEST_F(Locale, NewTextsAreTakenWhileOldOnesLiveOn)
+{
+    namespace fs = std::filesystem;
+    put("fr.lang", "fr");
+    EXPECT_EQ(lang_locale_reload(), -1) << "nothing was loaded";
+    ASSERT_NE(lang_locale_choose("texts", "fr"), nullptr);
+    const int number = lang_locale_watch(nullptr);
+    const auto news = [number] {
+        pollfd one{number, POLLIN, 0};
+        return poll(&one, 1, 0) == 1;
+    };
+    const auto who = [] { return std::string(lang_get_string("g", "who")); };
+    const char *first = lang_get_string("g", "who");
+    EXPECT_FALSE(news());
+    EXPECT_EQ(lang_locale_reload(), 0);
+
+    const std::string forms = "GROUP g who { \"un|autres\" } ";
+    zel_test::write_file("texts/fr.lang", "LANGUAGE \"ru\" " + forms);
+    EXPECT_TRUE(news());
+    EXPECT_EQ(lang_locale_reload(), -1) << "no file of the language";
+    EXPECT_EQ(who(), "fr.lang");
+    zel_test::write_file("texts/fr.lang", "LANGUAGE \"fr\" " + forms);
+    EXPECT_EQ(lang_locale_reload(), 1);
+    const char *older = lang_get_string("g", "who");
+    EXPECT_FALSE(news());
+
+    // As a build does it: a folder of its own in the place of the old one.
+    fs::rename("texts", "old");
+    put("french-edit/french.lang", "fr");
+    EXPECT_TRUE(news());
+    EXPECT_EQ(lang_locale_reload(), 1);
+    EXPECT_EQ(who(), "french-edit/french.lang");
+    zel_test::write_file("texts/french-edit/note.txt", "");
+    EXPECT_EQ(lang_locale_reload(), 0) << "no compiled file";
+    zel_test::write_file("texts/french-edit/french.lang",
+                         "LANGUAGE \"fr\" GROUP g who { \"last\" }");
+    EXPECT_TRUE(news());
+    EXPECT_EQ(lang_locale_reload(), 1);
+    EXPECT_EQ(who(), "last");
+    EXPECT_STREQ(first, "fr.lang");
+    EXPECT_STREQ(lang_plural(older, 0), "un") << "by the rule of its own file's language";
+
+    lang_handle_t *own = lang_locale_new("old", "fr");
+    ASSERT_EQ(lang_locale_chain(nullptr, own), 0);
+    put("french-edit/french.lang", "fr");
+    EXPECT_EQ(lang_locale_reload(), 1);
+    EXPECT_STREQ(lang_locale_of(nullptr)->next->path, "old/fr.lang") << "the chain stays";
+    lang_de_init();
+    lang_free(own, 1);
+    EXPECT_EQ(fcntl(number, F_GETFD), -1);
 }
 
 } // namespace

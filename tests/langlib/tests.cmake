@@ -53,5 +53,6 @@ if(NOT LANG_SANITIZE)
   set_tests_properties(langlib_threads_build PROPERTIES FIXTURES_SETUP threads TIMEOUT 600
                                                         LABELS slow)
   set_tests_properties(langlib_threads PROPERTIES FIXTURES_REQUIRED threads TIMEOUT 300 LABELS slow
-                                                  ENVIRONMENT "TSAN_OPTIONS=halt_on_error=1")
+                                                  ENVIRONMENT
+                       "TSAN_OPTIONS=halt_on_error=1;LANG_TRACE=${CMAKE_CURRENT_BINARY_DIR}/threads.trace")
 endif()

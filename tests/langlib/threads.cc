@@ -1,7 +1,7 @@
 // Eight threads that ask at once for all kinds of texts, each with symbols, records and messages of
 // its own, while the log is open; then threads that ask while others load, list and make handles of
-// a directory. Built with ThreadSanitizer, which ends the program with an error where two of them
-// meet.
+// a directory, and while one reloads it a thousand times. Built with ThreadSanitizer, which ends
+// the program with an error where two of them meet.
 
 #include "langlib/lang-locale.h"
 
@@ -138,6 +138,68 @@ bool load_while_others_ask(const std::string &folder)
     return loads == 1;
 }
 
+// Eight threads that ask for a text, a form and a checked text while one writes the file anew and
+// reloads it: each answer is of one of the files, and none that was handed out ever changes.
+constexpr int reloads = 1000;
+std::atomic<bool> is_over{false};
+
+bool is_numbered(const char *text, const char *begin)
+{
+    return std::strncmp(text, begin, std::strlen(begin)) == 0 && std::strlen(text) < 20;
+}
+
+void ask_while_reloading(bool &good)
+{
+    const char *first = lang_get_string("g", "a");
+    const std::string copy = first;
+    while (!is_over && good) {
+        good = is_numbered(lang_get_string("g", "a"), "A ") &&
+               is_numbered(lang_text("g", "%d b"), "%d B ") &&
+               is_numbered(lang_count("g", "%d c|%d cs", 2), "%d C ") &&
+               is_numbered(lang_plural(lang_get_string("g", "%d c|%d cs"), 2), "%d C ") &&
+               lang_locale_of(nullptr)->texts == 3;
+        lang_trace_mark("round");
+    }
+    good = good && first == copy;
+}
+
+bool write_round(const std::string &path, int round)
+{
+    char text[200];
+    std::snprintf(text, sizeof text,
+                  "GROUP g a { \"A %d\" } \"%%d b\" { \"%%d B %d\" } "
+                  "\"%%d c|%%d cs\" { \"%%d one|%%d C %d\" }",
+                  round, round, round);
+    return put(path + ".new", text) && std::rename((path + ".new").c_str(), path.c_str()) == 0;
+}
+
+bool reload_while_others_ask(const std::string &folder)
+{
+    mkdir(folder.c_str(), 0777);
+    const std::string path = folder + "/de.lang";
+    bool good[8] = {true, true, true, true, true, true, true, true};
+    if (!write_round(path, 0) || lang_locale_choose(folder.c_str(), "de") == nullptr ||
+        lang_locale_watch(nullptr) < 0)
+        return false;
+    std::vector<std::thread> threads;
+    for (bool &one : good)
+        threads.emplace_back(ask_while_reloading, std::ref(one));
+    bool all = true;
+    for (int round = 1; round <= reloads && all; ++round)
+        all = write_round(path, round) && lang_locale_reload() == 1 &&
+              is(lang_get_string("g", "a"), ("A " + std::to_string(round)).c_str());
+    is_over = true;
+    for (std::thread &one : threads)
+        one.join();
+    all = all && lang_locale_reload() == 0;
+    lang_de_init();
+    std::remove(path.c_str());
+    std::remove(folder.c_str());
+    for (const bool one : good)
+        all = all && one;
+    return all;
+}
+
 } // namespace
 
 int main(int, char **word)
@@ -167,7 +229,8 @@ int main(int, char **word)
     lang_free(handle, 1);
     lang_de_init();
     std::remove(word[1]);
-    good[0] = good[0] && load_while_others_ask(std::string(word[1]) + ".folder");
+    good[0] = good[0] && load_while_others_ask(std::string(word[1]) + ".folder") &&
+              reload_while_others_ask(std::string(word[1]) + ".again");
     LogClose();
     for (const bool one : good)
         if (!one)

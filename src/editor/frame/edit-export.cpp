@@ -1,6 +1,7 @@
 #include "editor/frame/edit-export.h"
 
 #include "app/global.h"
+#include "compiler/build-time.h"
 #include "compiler/split.h"
 #include "config/ini.h"
 #include "editor/frame/dir_file_sel.h"
@@ -133,6 +134,16 @@ void cb_export(GtkWidget *widget, gpointer)
         zel::status_and_message(widget, "status", "status", "ERROR: writing language files");
     else
         tell_exported(widget, path);
+}
+
+bool zel::export_after_save()
+{
+    const char *path = ini_export_on_save(ini);
+    if (path == nullptr)
+        return true;
+    // Without position numbers, whatever the button says: the application shows these texts.
+    const source_to_write whole;
+    return compile_source(def_group, path, {false, build_time()}).code == 0;
 }
 
 void cb_import(GtkWidget *widget, gpointer)

@@ -6,3 +6,11 @@
 
 void cb_export(GtkWidget *widget, gpointer data);
 void cb_import(GtkWidget *widget, gpointer data);
+
+namespace zel {
+
+// Compiles the current source, as lang compile does, where the settings want that with each save.
+// False when it fails.
+bool export_after_save();
+
+} // namespace zel

@@ -4,6 +4,7 @@
 #include "config/ini.h"
 #include "editor/frame/dir_file_sel.h"
 #include "editor/frame/edit-ask.h"
+#include "editor/frame/edit-export.h"
 #include "editor/frame/edit-undo.h"
 #include "editor/frame/read-report.h"
 #include "editor/frame/recent.h"
@@ -158,9 +159,13 @@ void write_and_tell(GtkWidget *widget, const char *path)
         zel::edit_set_modified(false);
         zel::recovery_drop();
         zel::watch_saved(path, written.file);
+        // Before the message, which waits for the user.
+        const bool exported = zel::export_after_save();
         // The text is also an item of the editor's own texts, whose translation is found by this
         // spelling.
         zel::message(mainWin, "status", "Write file successfull");
+        if (!exported)
+            zel::status_and_message(widget, "status", "status", "ERROR: writing language files");
     } else {
         if (!written.why.empty())
             zel::edit_status((zel::utf8_shown(path) + ": " + written.why).c_str());

@@ -162,7 +162,7 @@ void show_row(ZelTabEdit *tab, const zel::tab_row &row, int number)
     zel_text_set_group_name(tab->text_widget, row.group->name);
     // The number and the group come before the item, since the panel shows them with it.
     zel_text_set(tab->text_widget, rows_of(tab).source, row.item, 1);
-    zel::tab_show_shot(tab->last_group, row.group->name);
+    zel::tab_show_shot(tab->last_group, row.group->name, row.item->name);
 }
 
 // The panel hides its views and shows them again in between: the field that was typed in gets the

@@ -3,6 +3,8 @@
 #include "app/global.h"
 #include "editor/toolkit/accessible.h"
 #include "editor/toolkit/ui-text.h"
+#include "source/picture-index.h"
+#include "support/file-call.h"
 #include "support/string-copy.h"
 
 #include <gdk/gdkkeysyms.h>
@@ -11,7 +13,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <map>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -24,6 +28,32 @@ void shot_path(char *path, const char *group)
         g_snprintf(path, path_size, "%s/%s/%s.jpg", lang_global.src_dir, "ScreenShots", group);
     else
         g_snprintf(path, path_size, "%s/%s.jpg", "ScreenShots", group);
+}
+
+// The folder of the pictures, by the same rule.
+std::string shot_folder()
+{
+    const std::string name(zel::picture_folder);
+    return lang_global.src_dir == nullptr ? name : lang_global.src_dir + ("/" + name);
+}
+
+// The path of the text's own picture; empty without one. The index is read again when it is another
+// file, as lang-kit shots makes it.
+std::string text_shot_path(const char *group, const char *item)
+{
+    static std::pair<std::string, zel::file_stamp> read_from;
+    static std::map<zel::text_key, std::string> pictures;
+    const std::string folder = shot_folder();
+    const std::string index = folder + "/" + std::string(zel::picture_index_name);
+    if (item == nullptr)
+        return {};
+    std::pair now{folder, zel::stamp_of(index.c_str())};
+    if (now != read_from) {
+        read_from = std::move(now);
+        pictures = zel::pictures_by_text(zel::read_picture_index(folder));
+    }
+    const auto found = pictures.find({group, item});
+    return found == pictures.end() ? std::string() : folder + "/" + found->second;
 }
 
 constexpr int frame = 4; // pixels around a picture
@@ -62,12 +92,23 @@ void measure_page(shot &of)
     of.height = std::max(page.height - frame, 1);
 }
 
+// The picture of a text stands beside its group's, in a box that is there from the first one on.
+GtkWidget *text_image;
+
+bool is_in_box(GtkWidget *image) { return GTK_IS_BOX(gtk_widget_get_parent(image)); }
+
+shot &shot_of(GtkWidget *image)
+{
+    return *static_cast<shot *>(g_object_get_data(G_OBJECT(image), "zel-shot"));
+}
+
 void show_picture(shot &of)
 {
     const int width = gdk_pixbuf_get_width(of.picture);
     const int height = gdk_pixbuf_get_height(of.picture);
+    const int room = text_image == nullptr ? of.width : std::max((of.width - frame) / 2, 1);
     const double part =
-        std::min(static_cast<double>(of.width) / width, static_cast<double>(of.height) / height);
+        std::min(static_cast<double>(room) / width, static_cast<double>(of.height) / height);
     // A small picture is not made larger.
     if (of.is_full || part >= 1) {
         gtk_image_set_from_pixbuf(GTK_IMAGE(of.image), of.picture);
@@ -109,7 +150,7 @@ void page_is_seen(GtkWidget *, gpointer data)
 // giving out sizes just now, and a new picture would ask for another round.
 void page_has_size(GtkWidget *, GtkAllocation *place, gpointer image)
 {
-    auto *of = static_cast<shot *>(g_object_get_data(G_OBJECT(image), "zel-shot"));
+    shot *of = &shot_of(GTK_WIDGET(image));
     const bool is_other = of->width + frame != place->width || of->height + frame != place->height;
     // Only a picture that was made small depends on the page.
     if (of->picture != nullptr && !of->is_full && is_other && of->waiting == 0)
@@ -118,11 +159,11 @@ void page_has_size(GtkWidget *, GtkAllocation *place, gpointer image)
 
 void change_size(GtkWidget *image)
 {
-    auto *of = static_cast<shot *>(g_object_get_data(G_OBJECT(image), "zel-shot"));
-    if (of->picture == nullptr)
+    shot &of = shot_of(image);
+    if (of.picture == nullptr)
         return;
-    of->is_full = !of->is_full;
-    show_anew(of);
+    of.is_full = !of.is_full;
+    show_anew(&of);
 }
 
 gboolean page_clicked(GtkWidget *page, GdkEventButton *event, gpointer image)
@@ -161,7 +202,7 @@ GtkWidget *make_image(const char *path)
 // image.
 void watch_page(GtkWidget *image)
 {
-    GtkWidget *viewport = gtk_widget_get_parent(image);
+    GtkWidget *viewport = gtk_bin_get_child(GTK_BIN(lang_global.shot_window));
     gtk_widget_add_events(viewport, GDK_BUTTON_PRESS_MASK);
     gtk_widget_set_can_focus(viewport, TRUE);
     zel::set_accessible_name(viewport, zel::ui_text("common", "Screen Shot"));
@@ -173,23 +214,52 @@ void watch_page(GtkWidget *image)
                             image, GConnectFlags{});
 }
 
-} // namespace
-
-namespace zel {
-
-void tab_drop_shot()
+// Returns the box in which the group's picture stands, made around it.
+GtkWidget *box_around(GtkWidget *image)
 {
-    if (lang_global.shot_image != nullptr)
-        gtk_widget_destroy(lang_global.shot_image);
-    lang_global.shot_image = nullptr;
+    GtkWidget *parent = gtk_widget_get_parent(image);
+    if (is_in_box(image))
+        return parent;
+    GtkWidget *box = gtk_hbox_new(FALSE, frame);
+    g_object_ref(image);
+    gtk_container_remove(GTK_CONTAINER(parent), image);
+    gtk_box_pack_start(GTK_BOX(box), image, TRUE, TRUE, 0);
+    g_object_unref(image);
+    gtk_container_add(GTK_CONTAINER(parent), box);
+    gtk_widget_show(box);
+    return box;
 }
 
-void tab_show_shot(char *&last_group, const char *group)
+void add_text_image(const std::string &path)
 {
-    if (lang_global.shot_window == nullptr || group == nullptr ||
-        std::strcmp(group, last_group) == 0)
+    std::printf("file >%s<\n", path.c_str());
+    GtkWidget *box = box_around(lang_global.shot_image);
+    text_image = make_image(path.c_str());
+    g_signal_connect(text_image, "destroy", G_CALLBACK(gtk_widget_destroyed), &text_image);
+    gtk_box_pack_start(GTK_BOX(box), text_image, TRUE, TRUE, 0);
+    watch_page(text_image);
+    gtk_widget_show(text_image);
+}
+
+// Shows the picture beside the group's; with an empty path that one is alone.
+void show_text_image(const std::string &path)
+{
+    if (lang_global.shot_image == nullptr ||
+        path == (text_image == nullptr ? std::string() : shot_of(text_image).path))
         return;
-    tab_drop_shot();
+    if (text_image != nullptr)
+        gtk_widget_destroy(text_image);
+    if (!path.empty())
+        add_text_image(path);
+    // The group's picture has more room now, or less.
+    shot &group = shot_of(lang_global.shot_image);
+    if (group.picture != nullptr)
+        show_anew(&group);
+}
+
+void show_group_image(char *&last_group, const char *group)
+{
+    zel::tab_drop_shot();
     char path[path_size];
     shot_path(path, group);
     std::printf("file >%s<\n", path);
@@ -201,7 +271,24 @@ void tab_show_shot(char *&last_group, const char *group)
     watch_page(image);
     gtk_widget_show(image);
     // Set also when there is no such file: it is not looked for again at each row of the group.
-    replace_string(last_group, zel_strdup2(group));
+    zel::replace_string(last_group, zel_strdup2(group));
 }
 
-} // namespace zel
+} // namespace
+
+void zel::tab_drop_shot()
+{
+    GtkWidget *image = lang_global.shot_image;
+    if (image != nullptr)
+        gtk_widget_destroy(is_in_box(image) ? gtk_widget_get_parent(image) : image);
+    lang_global.shot_image = nullptr;
+}
+
+void zel::tab_show_shot(char *&last_group, const char *group, const char *item)
+{
+    if (lang_global.shot_window == nullptr || group == nullptr)
+        return;
+    if (std::strcmp(group, last_group) != 0)
+        show_group_image(last_group, group);
+    show_text_image(text_shot_path(group, item));
+}

@@ -5,10 +5,11 @@
 namespace zel {
 
 // Shows the group's picture, ScreenShots/<group>.jpg beside the source, unless last_group (owned,
-// never null) says that it is the one shown; nothing without the page.
-void tab_show_shot(char *&last_group, const char *group);
+// never null) says that it is the one shown, and beside it the one with the item, where the index
+// (source/picture-index.h) has one; nothing without the page.
+void tab_show_shot(char *&last_group, const char *group, const char *item);
 
-// Removes the picture.
+// Removes the pictures.
 void tab_drop_shot();
 
 } // namespace zel

@@ -19,9 +19,10 @@ function make(tag, classes, text, ...children) {
 
 // ---- The file that is shown
 
-// An item comes as [name, flags, description, texts, findings, comments, places]; a text is null when
-// there is none, a finding is [language or -1, rule, message], a comment [language, text] or, with
-// a question that nobody has answered, [language, text, 1].
+// An item comes as [name, flags, description, texts, findings, comments, places, picture]; a text is
+// null when there is none, a finding is [language or -1, rule, message], a comment [language, text]
+// or, with a question that nobody has answered, [language, text, 1], a picture the number of one of
+// the file's pictures, or null.
 let file, entries, rows, selected = new Set(), current = -1;
 
 const LANGUAGE_CODES = {english: 'en', german: 'de', deutsch: 'de', french: 'fr', spanish: 'es', italian: 'it', portuguese: 'pt',
@@ -301,24 +302,27 @@ function itemCard({group, item}) {
   if (item[6].length) head.append(make('span', 'about', item[6].slice(0, 2).map(placeOf).join(', ') + (item[6].length > 2 ? `, ${item[6].length - 2} more` : '')));
   if (!(item[1] & USED)) head.append(make('span', 'badge', 'not in use'));
   else head.append(item[1] & READY ? make('span', 'badge ok', 'ready') : make('span', 'badge', 'not ready'));
+  if (item[7] != null) head.append(thumb(file.pictures[item[7]], item[0]));
   const card = make('article', 'card', null, head);
   for (const one of item[4]) if (one[0] < 0) card.append(finding(one));
   card.append(make('div', 'cells', null, ...shownLanguages().map(language => cell(item, language))));
   return card;
 }
 
+function thumb(picture, name) {
+  const image = make('img');
+  image.src = picture;
+  image.alt = '';
+  const button = make('button', 'thumb', null, image);
+  button.type = 'button';
+  button.setAttribute('aria-label', 'Screenshot of ' + name);
+  button.addEventListener('click', () => { $('shot').querySelector('img').src = picture; $('shot').showModal(); });
+  return button;
+}
+
 function groupRow({group}) {
   const row = make('div', 'group-row');
-  if (group.shot) {
-    const image = make('img');
-    image.src = group.shot;
-    image.alt = '';
-    const button = make('button', 'thumb', null, image);
-    button.type = 'button';
-    button.setAttribute('aria-label', 'Screenshot of ' + group.name);
-    button.addEventListener('click', () => { $('shot').querySelector('img').src = group.shot; $('shot').showModal(); });
-    row.append(button);
-  }
+  if (group.shot) row.append(thumb(group.shot, group.name));
   row.append(make('h3', '', group.name), make('span', 'quiet', counted(group.items.length, 'text')));
   return row;
 }
@@ -364,7 +368,7 @@ const list = (() => {
       for (const language of languages.slice(i, i + columns)) most = Math.max(most, Math.ceil((item[3][language] || '').length / perLine));
       height += 40 + 22 * most;
     }
-    return height + 32 * item[4].length;
+    return height + 32 * item[4].length + (item[7] != null ? 50 : 0);
   }
   function offset(index) { // of the top of a row
     let sum = 0;

@@ -20,20 +20,6 @@ std::string shown_key(const edit_t *group, const item_t *item)
     return out;
 }
 
-// "00140:src/note.c" as "src/note.c:140"; the first place stands for the item.
-std::string place_of(const item_t *item)
-{
-    if (item->used_in == nullptr)
-        return {};
-    const std::string_view place = view_of(static_cast<const char *>(item->used_in->data));
-    const std::size_t colon = place.find(':');
-    const std::size_t number = place.find_first_not_of('0');
-    if (colon == std::string_view::npos || number >= colon)
-        return std::string(place);
-    return std::string(place.substr(colon + 1)) + ":" +
-           std::string(place.substr(number, colon - number));
-}
-
 std::string summary_of(const news &all)
 {
     return "since " + all.since + ": " + with_commas(all.added.size()) + " new, " +

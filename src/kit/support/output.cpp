@@ -1,5 +1,7 @@
 #include "kit/support/output.h"
 
+#include "source/entry.h"
+
 #include <algorithm>
 #include <cstdio>
 
@@ -146,6 +148,19 @@ std::string shown(std::string_view text)
     out += " ... ";
     append_escapes(out, text.substr(begin));
     return out += '"';
+}
+
+std::string place_of(const item_t *item)
+{
+    if (item->used_in == nullptr)
+        return {};
+    const std::string_view place = view_of(static_cast<const char *>(item->used_in->data));
+    const std::size_t colon = place.find(':');
+    const std::size_t number = place.find_first_not_of('0');
+    if (colon == std::string_view::npos || number >= colon)
+        return std::string(place);
+    return std::string(place.substr(colon + 1)) + ":" +
+           std::string(place.substr(number, colon - number));
 }
 
 } // namespace zel::kit

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "source/model.h"
+
 namespace zel::kit {
 
 // Appends a JSON string with its quotes; bytes that are no UTF-8 become U+FFFD each. A null text
@@ -26,6 +28,9 @@ std::size_t columns_of(std::string_view text);
 
 // A text on one line, in double quotes, with the escapes of sources.
 std::string quoted(std::string_view text);
+
+// The first place where an item is used, "00140:src/note.c" as "src/note.c:140"; empty without one.
+std::string place_of(const item_t *item);
 
 // What stands in a message for a text: on one line, in double quotes, with the escapes of sources,
 // cut in the middle where it is very long.

@@ -8,12 +8,15 @@
 #include "lint/question.h"
 #include "lint/rules.h"
 #include "source/entry.h"
+#include "source/picture-index.h"
 #include "support/file_mem.h"
 #include "support/text.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <map>
+#include <optional>
 #include <sys/stat.h>
 
 namespace zel::kit {
@@ -73,16 +76,11 @@ private:
     std::string quoted_; // of the string that is added
 };
 
-// A group's picture as a data URL. One that is no JPEG, or larger than a page should be, is left
+// A picture as a data URL, if its bytes begin so. One that is larger than a page should be is left
 // out.
-std::string screenshot(const std::string &folder, const edit_t *group)
+std::string picture_url(const std::string &path, std::string_view type, std::string_view begin)
 {
     constexpr off_t most = 4 << 20;
-    const std::string name(or_empty(group->name));
-    // A slash in the name would lead to a file in another folder.
-    if (name.empty() || name.find('/') != std::string::npos)
-        return {};
-    const std::string path = folder + "ScreenShots/" + name + ".jpg";
     struct stat status {};
     if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
         return {};
@@ -93,15 +91,51 @@ std::string screenshot(const std::string &folder, const edit_t *group)
     char *data = nullptr;
     const std::int64_t size = zel_read_file_to_mem(path.c_str(), &data);
     std::string out;
-    if (size > 3 && std::string_view(data, 3) == "\xFF\xD8\xFF") {
+    if (size > 0 && std::string_view(data, static_cast<std::size_t>(size)).starts_with(begin)) {
         char *coded =
             g_base64_encode(reinterpret_cast<const guchar *>(data), static_cast<gsize>(size));
-        out = std::string("data:image/jpeg;base64,") + coded;
+        out = "data:image/" + std::string(type) + ";base64," + coded;
         g_free(coded);
     }
     std::free(data);
     return out;
 }
+
+std::string group_picture(const std::string &folder, const edit_t *group)
+{
+    const std::string name(or_empty(group->name));
+    // A slash in the name would lead to a file in another folder.
+    if (name.empty() || name.find('/') != std::string::npos)
+        return {};
+    return picture_url(folder + name + ".jpg", "jpeg", "\xFF\xD8\xFF");
+}
+
+// The pictures that the index gives to texts, each once on the page.
+class text_pictures {
+public:
+    explicit text_pictures(const std::string &folder)
+        : folder_(folder), by_text_(pictures_by_text(read_picture_index(folder)))
+    {
+    }
+    // The number of the text's picture among those that were asked for; none without one.
+    std::optional<std::size_t> number_of(const char *group, const char *item)
+    {
+        const auto found = by_text_.find({or_empty(group), or_empty(item)});
+        if (found == by_text_.end())
+            return std::nullopt;
+        const auto [number, is_new] = numbers_.try_emplace(found->second, urls_.size());
+        if (is_new)
+            urls_.push_back(picture_url(folder_ + found->second, "png", "\x89PNG\r\n\x1A\n"));
+        return urls_[number->second].empty() ? std::nullopt : std::optional(number->second);
+    }
+    const std::vector<std::string> &urls() const { return urls_; }
+
+private:
+    std::string folder_;
+    std::map<text_key, std::string> by_text_;
+    std::map<std::string, std::size_t> numbers_; // by the file's name
+    std::vector<std::string> urls_;              // empty for one that is left out
+};
 
 struct item_finding {
     const item_t *item; // null: of the file
@@ -115,7 +149,9 @@ public:
     source_writer(const lint_source &from, writer &out, bool screenshots)
         : from_(from), source_(from.source()), out_(out), screenshots_(screenshots),
           counts_(lint::count_texts(source_)), shown_(from.path(), counts_.items),
-          folder_(from.path().substr(0, from.path().rfind('/') + 1))
+          folder_(from.path().substr(0, from.path().rfind('/') + 1) + std::string(picture_folder) +
+                  "/"),
+          pictures_(folder_)
     {
         for (const lint::language_counts &one : counts_.languages)
             languages_.push_back({one.language,
@@ -132,8 +168,9 @@ private:
     void write_findings(const item_t *item);
     void write_texts(const item_t *item);
     void write_comments(const item_t *item);
-    void write_item(const item_t *item);
+    void write_item(const edit_t *group, const item_t *item);
     void write_groups();
+    void write_pictures();
     std::size_t language_at(const char *name) const { return languages_.find(name, 0); }
 
     const lint_source &from_;
@@ -142,7 +179,8 @@ private:
     bool screenshots_;
     lint::source_counts counts_;
     progress shown_;
-    std::string folder_;
+    std::string folder_; // of the pictures
+    text_pictures pictures_;
     lint::language_list languages_;
     std::vector<const lang_entry_t *> entries_; // of the item, by language
     std::vector<std::string> buffers_;
@@ -245,7 +283,7 @@ void source_writer::write_comments(const item_t *item)
     out_.raw("]");
 }
 
-void source_writer::write_item(const item_t *item)
+void source_writer::write_item(const edit_t *group, const item_t *item)
 {
     // A page shows some places of use, not thousands of them.
     constexpr int most_places = 20;
@@ -264,7 +302,11 @@ void source_writer::write_item(const item_t *item)
     for (const char *place : each<const char>(item->used_in))
         if (place != nullptr && places++ < most_places)
             out_.next(first).string(place);
-    out_.raw("]]");
+    out_.raw("]");
+    if (screenshots_)
+        if (const auto number = pictures_.number_of(group->name, item->name))
+            out_.raw(",").number(*number);
+    out_.raw("]");
     shown_.at(++done_);
 }
 
@@ -275,16 +317,27 @@ void source_writer::write_groups()
     for (const edit_t *group : each<edit_t>(source_->groups)) {
         out_.next(first).raw("\n{\"name\":").string(or_empty(group->name));
         if (screenshots_)
-            if (const std::string picture = screenshot(folder_, group); !picture.empty())
+            if (const std::string picture = group_picture(folder_, group); !picture.empty())
                 out_.raw(",\"shot\":").string(picture);
         out_.raw(",\"items\":[");
         bool first_item = true;
         for (const item_t *item : each<item_t>(group->items)) {
             out_.next(first_item).raw("\n");
-            write_item(item);
+            write_item(group, item);
         }
         out_.raw("]}");
     }
+    out_.raw("]");
+}
+
+void source_writer::write_pictures()
+{
+    if (pictures_.urls().empty())
+        return;
+    bool first = true;
+    out_.raw(",\"pictures\":[");
+    for (const std::string &url : pictures_.urls())
+        out_.next(first).raw("\n").string(url);
     out_.raw("]");
 }
 
@@ -298,6 +351,7 @@ void source_writer::write()
     write_findings(nullptr);
     out_.raw(",");
     write_groups();
+    write_pictures();
     out_.raw("}");
 }
 

@@ -137,7 +137,7 @@ int run_report(const word &self, int argc, char **argv)
           .letter = 'o'},
          {.name = "screenshots",
           .help = "embed the pictures of the groups, ScreenShots/GROUP.jpg beside "
-                  "the source",
+                  "the source, and those that shots has given to texts",
           .on = &screenshots},
          {.name = "dry-run", .help = "only look whether the sources can be read", .on = &dry_run}},
         1, SIZE_MAX);

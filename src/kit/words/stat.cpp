@@ -1,6 +1,7 @@
 #include "kit/support/options.h"
 #include "kit/support/output.h"
 #include "kit/support/settings.h"
+#include "kit/support/shown-texts.h"
 #include "kit/support/sources.h"
 #include "kit/words/word-list.h"
 #include "lint/counts.h"
@@ -127,6 +128,7 @@ void append_language(std::string &out, const std::string &path, const language_c
 struct stat_settings {
     std::string format = "text";
     std::string at_least;
+    std::string trace;
     std::vector<std::string> languages;
     bool ready = false;
 };
@@ -224,6 +226,41 @@ private:
     std::string text_;
 };
 
+// Counts the texts that an application has asked for, in one source after the other.
+int count_shown_texts(const stat_settings &given, bool json, const std::vector<std::string> &paths)
+{
+    trace asked;
+    if (!read_trace(given.trace, asked))
+        return status_fault;
+    std::set<text_key> unknown = asked.asked;
+    std::string objects;
+    int status = status_fine;
+    for (const std::string &path : paths) {
+        source_guard source = read(path);
+        if (source == nullptr) {
+            status = status_fault;
+            continue;
+        }
+        const shown_texts texts = count_shown(source.get(), asked, unknown);
+        const double wanted = given.at_least.empty() ? 0 : percent_of(given.at_least);
+        if (static_cast<double>(texts.shown) * 100 < wanted * static_cast<double>(texts.used))
+            status = std::max<int>(status, status_found);
+        objects += objects.empty() ? "[\n" : ",\n";
+        append_shown(objects, path, texts);
+        if (!json)
+            print_shown(paths.size() > 1 ? path + ": " : "", texts);
+        keep_to_the_end(std::move(source));
+    }
+    if (json)
+        std::puts((objects.empty() ? "[]" : objects + "\n]").c_str());
+    for (const text_key &text : unknown) {
+        std::string line = "asked for, and in no source: ";
+        append_line(line, text.first + ":" + text.second);
+        std::fprintf(stderr, "%s\n", line.c_str());
+    }
+    return status;
+}
+
 } // namespace
 
 int run_stat(const word &self, int argc, char **argv)
@@ -239,6 +276,10 @@ int run_stat(const word &self, int argc, char **argv)
           .argument = "PERCENT",
           .help = "only tell the languages with fewer texts of the items in use, with status 1",
           .text = &given.at_least},
+         {.name = "trace",
+          .argument = "FILE",
+          .help = "tell the items in use that an application has not asked for, by LANG_TRACE",
+          .text = &given.trace},
          {.name = "ready",
           .help = "with --at-least: count the items that are ready",
           .on = &given.ready},
@@ -255,6 +296,10 @@ int run_stat(const word &self, int argc, char **argv)
         return status_fault;
     if (!given.at_least.empty() && percent_of(given.at_least) < 0)
         return wrong_use(self, "--at-least is a number to 100, not \"" + given.at_least + "\"");
+    if (!given.trace.empty() && (given.ready || !given.languages.empty()))
+        return wrong_use(self, "--trace counts no languages");
+    if (!given.trace.empty())
+        return count_shown_texts(given, format == 1, line.files);
     take_setting(given.languages, project.languages);
     stat_run counting(given, format == 1, line.files.size() > 1);
     for (const std::string &path : line.files)

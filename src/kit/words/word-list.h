@@ -23,6 +23,7 @@ int run_news(const word &self, int argc, char **argv);
 int run_questions(const word &self, int argc, char **argv);
 int run_mnemonics(const word &self, int argc, char **argv);
 int run_replace(const word &self, int argc, char **argv);
+int run_shots(const word &self, int argc, char **argv);
 int run_start(const word &self, int argc, char **argv);
 
 } // namespace zel::kit
