@@ -83,6 +83,13 @@ public:
     // Forms of texts for which a format's own way of counting has no number, a line each.
     std::vector<std::string> lost;
 
+    // Whether an item's texts go out as final.
+    bool is_final(const item_t *item) const
+    {
+        return request_.ready == ready_mark::as_is ? item->ready != 0
+                                                   : request_.ready == ready_mark::all;
+    }
+
     // Calls for each item, once per group and name; the record is good for the call.
     void each_item(const std::function<void(const outgoing_item &)> &write);
 

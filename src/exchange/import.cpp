@@ -111,7 +111,8 @@ plural_reader::answer join_forms(plural_reader &plurals, text_unit &unit)
     plural_reader::answer answer;
     if (unit.forms.empty())
         return answer;
-    answer = plurals.join(unit.forms, unit.line);
+    answer = unit.cases.empty() ? plurals.join(unit.forms, unit.line)
+                                : plurals.join_cases(unit.cases, unit.forms);
     unit.text = answer.text;
     if (!answer.remark.empty())
         unit.note.text += (unit.note.text.empty() ? "" : "\n") + answer.remark;
@@ -143,32 +144,61 @@ fault importer::take(const format &row, const std::string &path, std::string_vie
 {
     resolved_.clear();
     plurals_ = {};
+    counted_ = nullptr;
+    partly_ = 0;
+    plural_notes_.clear();
     wrong_ = {};
     finder_.forget();
     deferred_.clear();
     notes_.clear();
     // The name of a file with all languages says nothing about any of them.
     const std::string_view named = row.writes == files::per_language ? path : std::string_view();
+    const char *before = nullptr;
     fault wrong =
         row.read(bytes, encoding_of(*source_), [&](const file_texts &file, text_unit &unit) {
-            const std::size_t known = resolved_.size();
-            const char *language = wrong_ ? nullptr : language_of(file, unit, named);
-            if (known == 0)
+            if (resolved_.empty())
                 notes_ = file.notes;
-            if (language != nullptr && known == 0)
-                plurals_.open(language, file.plural_field, file.plural_line);
+            const char *language = wrong_ ? nullptr : language_of(file, unit, named);
+            // An item that was meant in one language is offered again in another.
+            if (unit.loose && language != before)
+                finder_.forget();
+            before = language;
+            if (language != nullptr && !unit.forms.empty() && language != counted_)
+                count_as(language, file.plural_field, file.plural_line);
             if (language != nullptr)
                 take_unit(language, unit);
         });
     if (!wrong && !wrong_ && !deferred_.empty())
-        take_deferred(resolved_.front());
+        take_deferred();
     return wrong_ ? wrong_ : wrong;
 }
 
-void importer::take_deferred(const char *language)
+// Forms are counted in another language from here on.
+void importer::count_as(const char *language, const std::string &field, std::uint32_t line)
 {
-    for (text_unit &unit : deferred_)
+    partly_ += plurals_.partly();
+    for (std::string &told : plurals_.told(request_.comments))
+        plural_notes_.push_back(std::move(told));
+    plurals_.open(language, field, line);
+    counted_ = language;
+}
+
+void importer::take_deferred()
+{
+    for (text_unit &unit : deferred_) {
+        const char *language = resolved_[unit.language];
+        if (!unit.forms.empty() && language != counted_)
+            count_as(language, {}, 0);
         take_unit(language, unit, true);
+    }
+}
+
+std::vector<std::string> importer::plural_notes() const
+{
+    std::vector<std::string> lines = plural_notes_;
+    for (std::string &told : plurals_.told(request_.comments))
+        lines.push_back(std::move(told));
+    return lines;
 }
 
 // Puts a plural's forms into one text. False where that cannot be, which is said.
@@ -256,7 +286,7 @@ bool importer::is_same_text(const char *language, const text_unit &unit,
     return is_same(before, unit.text) ||
            (!unit.forms.empty() &&
             (shows_the_same(language, without_end(before), without_end(unit.text)) ||
-             (!without_end(before).empty() &&
+             (unit.cases.empty() && !without_end(before).empty() &&
               plurals_.is_written_as(without_end(before), unit.forms))));
 }
 

@@ -34,10 +34,11 @@ struct text_unit {
     std::string reference; // what was translated; empty in a format without it
     std::string text;      // empty: there is none, or it is still in its forms
     std::vector<std::string>
-        forms;          // of a plural, as its file counts; the reference is both its ids
-    bool fuzzy = false; // a guess that nobody has looked at
-    bool final = false; // finished and approved
-    text_note note;     // in the text's language; empty: none
+        forms; // of a plural, as its file counts; the reference is both its ids
+    std::vector<std::string> cases; // of the forms, where the file names them: "one", "other", "0"
+    bool fuzzy = false;             // a guess that nobody has looked at
+    bool final = false;             // finished and approved
+    text_note note;                 // in the text's language; empty: none
     // Of somebody else's catalog: its context, and the group that a new source would have instead.
     bool loose = false;
     std::optional<std::string> context;

@@ -368,7 +368,7 @@ void resolver::name_own(raw_message &raw) const
     std::string item =
         id.plural && *id.plural != *id.text ? *id.text + plural_sign + *id.plural : *id.text;
     if (raw.comment)
-        item = *raw.comment;
+        item = *raw.comment == ts_empty_name ? std::string() : *raw.comment;
     uncarry(raw.context, encoding::any);
     uncarry(item, encoding::any);
     append_key(id.context.emplace(), raw.context, item);

@@ -113,7 +113,7 @@ void ts_shared::fill(const outgoing_item &item, const exporter &from)
     if (group_ != item.group) {
         start += group_ ? "</context>\n" : "";
         start += "<context>\n";
-        append_ts_element(start, "    ", "name", item.group);
+        append_element(start, "    <name", "name", item.group); // no other elements may stand in it
         group_ = item.group;
         sources_.clear();
     }
@@ -130,8 +130,15 @@ void ts_shared::fill(const outgoing_item &item, const exporter &from)
     append_places(item.item);
     append_ts_element(start, in_message, "source", ids.one);
     // A comment is there also where the toolkit would take two messages for one.
-    if (usual != item.name || !sources_.insert(std::string(ids.one)).second)
-        append_ts_element(start, in_message, "comment", item.name);
+    if (usual != item.name || !sources_.insert(std::string(ids.one)).second) {
+        if (item.name.empty())
+            start.append(in_message)
+                .append("<comment>")
+                .append(ts_empty_name)
+                .append("</comment>\n");
+        else
+            append_ts_element(start, in_message, "comment", item.name);
+    }
     append_remarks(item, view_of(from.source().default_lang));
     if (is_plural && ids.others != ids.one)
         append_ts_element(end, in_message, "extra-po-msgid_plural", ids.others);
@@ -145,7 +152,8 @@ void note_lost(exporter &from, const outgoing_item &item, std::size_t language,
     const std::string_view text = without_end(item.texts[language].text);
     for (std::size_t form = 0; form < count_text_forms(text); ++form) {
         const std::string_view one = text_form(text, form);
-        if (std::find(forms.texts.begin(), forms.texts.end(), one) != forms.texts.end())
+        if (one.empty() ||
+            std::find(forms.texts.begin(), forms.texts.end(), one) != forms.texts.end())
             continue;
         std::string line;
         append_key(line, item.group, item.name);
@@ -186,8 +194,6 @@ void append_ts_message(std::string &out, exporter &from, const outgoing_item &it
     }
     po_id previous;
     const bool is_guess = !one.comment.empty() && read_fuzzy(one.comment, previous);
-    const bool is_ready = from.request().ready == ready_mark::all ||
-                          (from.request().ready == ready_mark::as_is && item.item->ready != 0);
     out += shared.start;
     if (previous.text)
         append_ts_element(out, in_message, "oldsource", *previous.text);
@@ -197,7 +203,8 @@ void append_ts_message(std::string &out, exporter &from, const outgoing_item &it
     if (const std::string comment = without_marks(one.comment); !comment.empty())
         append_ts_element(out, in_message, "translatorcomment", comment);
     append_translation(out,
-                       is_ready && !is_guess && !one.text.empty() && forms.fits && forms.is_whole,
+                       from.is_final(item.item) && !is_guess && !one.text.empty() && forms.fits &&
+                           forms.is_whole,
                        one.text, shared.is_plural ? &forms : nullptr);
     out += shared.end;
 }

@@ -29,6 +29,10 @@
 
 namespace zel::exchange {
 
+// What stands for an empty name in a comment, which some tools drop without a text: U+EF00, which
+// no carried name holds.
+inline constexpr std::string_view ts_empty_name = "\xEE\xBC\x80";
+
 void write_ts(exporter &from, std::vector<outgoing_file> &to);
 fault read_ts(std::string_view bytes, encoding good, const text_listener &hear);
 

@@ -135,6 +135,15 @@ std::string xml_walker::attribute(const char *name) const
     return out;
 }
 
+std::string xml_walker::attribute(const char *name, const char *name_space) const
+{
+    xmlChar *value = xmlTextReaderGetAttributeNs(xml_, reinterpret_cast<const xmlChar *>(name),
+                                                 reinterpret_cast<const xmlChar *>(name_space));
+    std::string out = value == nullptr ? "" : reinterpret_cast<const char *>(value);
+    xmlFree(value);
+    return out;
+}
+
 bool xml_walker::is_empty() const { return xmlTextReaderIsEmptyElement(xml_) != 0; }
 
 std::uint32_t xml_walker::line() const
@@ -213,6 +222,7 @@ fault xml_walker::walk(std::string_view bytes, std::string_view, std::string_vie
 bool xml_walker::fail_at(std::uint32_t, const std::string &) { return false; }
 bool xml_walker::fail(const std::string &) { return false; }
 std::string xml_walker::attribute(const char *) const { return {}; }
+std::string xml_walker::attribute(const char *, const char *) const { return {}; }
 bool xml_walker::is_empty() const { return false; }
 std::uint32_t xml_walker::line() const { return 0; }
 std::uint32_t xml_walker::element_line() const { return 0; }

@@ -37,6 +37,7 @@ protected:
 
     // Of the element that opens.
     std::string attribute(const char *name) const;
+    std::string attribute(const char *name, const char *name_space) const;
     bool is_empty() const;
     std::uint32_t line() const;         // up to which the library has looked
     std::uint32_t element_line() const; // of the element itself
