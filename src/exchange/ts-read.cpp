@@ -308,7 +308,7 @@ bool has_places(std::string_view text)
 }
 
 // "de_DE" says no more than "de".
-std::string short_code(std::string code)
+std::string short_code(const std::string &code)
 {
     const std::size_t end = code.find('_');
     std::string country = end == code.npos ? "" : code.substr(end + 1);
