@@ -85,7 +85,7 @@ const char *find_language(const LangSource &source, const said_language &said,
         for (const lang_t *lang : each<lang_t>(source.langs))
             if (!wanted.empty() && same_text(wanted, lang->name))
                 return lang->name;
-    const std::string own = code_of(stem_of(path));
+    const std::string own = code_of_file(path);
     const std::string code = said.code.empty() ? own : said.code;
     // A file that is named by a longer code knows better than its header: sr@latin, zh_TW.
     if (own.size() > code.size() && own.starts_with(code) &&
@@ -111,7 +111,8 @@ plural_reader::answer join_forms(plural_reader &plurals, text_unit &unit)
     plural_reader::answer answer;
     if (unit.forms.empty())
         return answer;
-    answer = plurals.join(unit.forms, unit.line);
+    answer = unit.cases.empty() ? plurals.join(unit.forms, unit.line)
+                                : plurals.join_cases(unit.cases, unit.forms);
     unit.text = answer.text;
     if (!answer.remark.empty())
         unit.note.text += (unit.note.text.empty() ? "" : "\n") + answer.remark;
@@ -143,29 +144,61 @@ fault importer::take(const format &row, const std::string &path, std::string_vie
 {
     resolved_.clear();
     plurals_ = {};
+    counted_ = nullptr;
+    partly_ = 0;
+    plural_notes_.clear();
     wrong_ = {};
     finder_.forget();
     deferred_.clear();
+    notes_.clear();
     // The name of a file with all languages says nothing about any of them.
     const std::string_view named = row.writes == files::per_language ? path : std::string_view();
+    const char *before = nullptr;
     fault wrong =
         row.read(bytes, encoding_of(*source_), [&](const file_texts &file, text_unit &unit) {
-            const std::size_t known = resolved_.size();
+            if (resolved_.empty())
+                notes_ = file.notes;
             const char *language = wrong_ ? nullptr : language_of(file, unit, named);
-            if (language != nullptr && known == 0)
-                plurals_.open(language, file.plural_field, file.plural_line);
+            // An item that was meant in one language is offered again in another.
+            if (unit.loose && language != before)
+                finder_.forget();
+            before = language;
+            if (language != nullptr && !unit.forms.empty() && language != counted_)
+                count_as(language, file.plural_field, file.plural_line);
             if (language != nullptr)
                 take_unit(language, unit);
         });
     if (!wrong && !wrong_ && !deferred_.empty())
-        take_deferred(resolved_.front());
+        take_deferred();
     return wrong_ ? wrong_ : wrong;
 }
 
-void importer::take_deferred(const char *language)
+// Forms are counted in another language from here on.
+void importer::count_as(const char *language, const std::string &field, std::uint32_t line)
 {
-    for (text_unit &unit : deferred_)
+    partly_ += plurals_.partly();
+    for (std::string &told : plurals_.told(request_.comments))
+        plural_notes_.push_back(std::move(told));
+    plurals_.open(language, field, line);
+    counted_ = language;
+}
+
+void importer::take_deferred()
+{
+    for (text_unit &unit : deferred_) {
+        const char *language = resolved_[unit.language];
+        if (!unit.forms.empty() && language != counted_)
+            count_as(language, {}, 0);
         take_unit(language, unit, true);
+    }
+}
+
+std::vector<std::string> importer::plural_notes() const
+{
+    std::vector<std::string> lines = plural_notes_;
+    for (std::string &told : plurals_.told(request_.comments))
+        lines.push_back(std::move(told));
+    return lines;
 }
 
 // Puts a plural's forms into one text. False where that cannot be, which is said.
@@ -252,12 +285,14 @@ bool importer::is_same_text(const char *language, const text_unit &unit,
 {
     return is_same(before, unit.text) ||
            (!unit.forms.empty() &&
-            shows_the_same(language, without_end(before), without_end(unit.text)));
+            (shows_the_same(language, without_end(before), without_end(unit.text)) ||
+             (unit.cases.empty() && !without_end(before).empty() &&
+              plurals_.is_written_as(without_end(before), unit.forms))));
 }
 
 bool importer::is_outdated(const text_unit &unit, std::string_view reference) const
 {
-    if (unit.reference.empty() || is_same(reference, unit.reference))
+    if (unit.reference.empty() || unit.by_id || is_same(reference, unit.reference))
         return false;
     if (unit.forms.empty() || reference.find(plural_sign) == reference.npos)
         return true;
@@ -282,7 +317,7 @@ void importer::take_text(item_t *item, const char *language, const text_unit &un
     put_text(item->langs, language, after);
     item->changed = 1;
     // Somebody has to look at a new text, unless the file says that somebody has.
-    if (!unit.final)
+    if (request_.ready == ready_mark::as_is ? !unit.final : request_.ready == ready_mark::none)
         item->ready = 0;
     ++changed_;
     say(import_kind::text, unit, language, std::move(before), after);

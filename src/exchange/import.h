@@ -40,7 +40,9 @@ struct import_event {
 struct import_request {
     bool comments = false;
     bool guesses = false; // fuzzy ones too
-    std::string language; // every file is of this language, whatever it says; empty: as it says
+    ready_mark ready =
+        ready_mark::as_is; // which texts count as final: those that say so, all, none
+    std::string language;  // every file is of this language, whatever it says; empty: as it says
     std::function<void(const import_event &)> hear;
 };
 
@@ -55,16 +57,18 @@ public:
     std::uint32_t changed() const { return changed_; }
     std::uint32_t guesses() const { return guesses_; }
 
-    // Of the last file: plurals without a text for each form, which count as untranslated, and what
-    // became of forms and numbers, a line each.
-    std::uint32_t partly() const { return plurals_.partly(); }
-    std::vector<std::string> plural_notes() const { return plurals_.told(request_.comments); }
+    // Of the last file: what its format says of it, a line each; plurals without a text for each
+    // form, which count as untranslated, and what became of forms and numbers, a line each.
+    const std::vector<std::string> &notes() const { return notes_; }
+    std::uint32_t partly() const { return partly_ + plurals_.partly(); }
+    std::vector<std::string> plural_notes() const;
 
 private:
     const char *language_of(const file_texts &file, const text_unit &unit, std::string_view path);
     bool join(const char *language, text_unit &unit);
     std::vector<item_finder::found> items_of(const char *language, text_unit &unit, bool at_end);
-    void take_deferred(const char *language);
+    void count_as(const char *language, const std::string &field, std::uint32_t line);
+    void take_deferred();
     bool have_one_text(const std::vector<item_finder::found> &all, const char *language) const;
     void take_unit(const char *language, text_unit &unit, bool at_end = false);
     bool is_same_text(const char *language, const text_unit &unit, std::string_view before) const;
@@ -81,7 +85,11 @@ private:
     item_finder finder_;
     std::vector<const char *> resolved_; // of the file's languages; null: not known
     std::vector<text_unit> deferred_;    // of the file, which several items may be meant by
-    plural_reader plurals_;              // of the file
+    plural_reader plurals_;              // of the file, for the language that is counted
+    const char *counted_ = nullptr;
+    std::uint32_t partly_ = 0;              // of the file's languages before that one
+    std::vector<std::string> plural_notes_; // the same
+    std::vector<std::string> notes_;        // of the file
     fault wrong_;
     std::uint32_t changed_ = 0;
     std::uint32_t guesses_ = 0;

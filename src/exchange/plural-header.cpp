@@ -170,6 +170,14 @@ std::string_view plural_rule_of(std::string_view language)
     return rules.empty() ? rule_of_two : cut_at(rules, '/');
 }
 
+bool is_rare_form(std::string_view rule, std::size_t form)
+{
+    for (; form > 0; --form)
+        cut_at(rule, ';');
+    std::string_view condition = cut_at(rule, ';');
+    return cut_at(condition, ':').ends_with('~');
+}
+
 std::vector<std::uint64_t> plural_numbers(const plural_header &header)
 {
     std::vector<std::uint64_t> numbers(header.count);

@@ -43,6 +43,9 @@ bool has_plural_rule(std::string_view language);
 // language without one.
 std::string_view plural_rule_of(std::string_view language);
 
+// Whether a form of the rule begins at a million.
+bool is_rare_form(std::string_view rule, std::size_t form);
+
 // A number for each form of a header: the smallest from 1 on, 0 for one that has no other.
 std::vector<std::uint64_t> plural_numbers(const plural_header &header);
 

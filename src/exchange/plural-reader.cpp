@@ -29,13 +29,38 @@ void keep_first(std::vector<std::uint64_t> &numbers, std::uint64_t n)
         numbers.push_back(n);
 }
 
-void add_remark(std::string &remark, std::size_t form, const std::string &text)
+void add_remark(std::string &remark, const std::string &form, const std::string &text)
 {
     remark.append(remark.empty() ? "" : "\n")
         .append("plural form ")
-        .append(std::to_string(form))
+        .append(form)
         .append(": ")
         .append(text);
+}
+
+// What became of so many texts without a place.
+std::string told_texts(std::uint32_t count, bool kept)
+{
+    return std::to_string(count) + (count == 1 ? " text " : " texts ") +
+           (!kept        ? "left out"
+            : count == 1 ? "kept as a remark"
+                         : "kept as remarks");
+}
+
+// A text of all forms, without those that begin at a million where they say nothing else.
+std::string without_rare_forms(std::string_view rule, const std::string &all)
+{
+    const plural_forms count = count_plural_forms(rule);
+    std::string everyday;
+    for (std::size_t form = 0; form < count.all && count.everyday < count.all; ++form) {
+        const std::string_view one = text_form(all, form);
+        const bool is_rare = is_rare_form(rule, form);
+        if (is_rare && one != text_form(all, count.all - 1))
+            return all;
+        if (!is_rare)
+            everyday.append(form == 0 ? "" : "|").append(one);
+    }
+    return everyday.empty() ? all : everyday;
 }
 
 } // namespace
@@ -191,7 +216,7 @@ plural_reader::answer plural_reader::join(const std::vector<std::string> &forms,
     if (has_sign) {
         out.what = outcome::apart;
         for (std::size_t form = 0; form < texts.size(); ++form)
-            add_remark(out.remark, form, texts[form]);
+            add_remark(out.remark, std::to_string(form), texts[form]);
         return out;
     }
     out.what = outcome::joined;
@@ -199,10 +224,89 @@ plural_reader::answer plural_reader::join(const std::vector<std::string> &forms,
     for (lost_form &lost : lost_)
         if (texts[lost.form] != texts[lost.instead]) {
             ++lost.texts;
-            add_remark(out.remark, lost.form, texts[lost.form]);
+            add_remark(out.remark, std::to_string(lost.form), texts[lost.form]);
         }
     out.text = joined_forms(texts);
     return out;
+}
+
+// Whether a form of the language has that number and no other.
+bool plural_reader::is_number_of(std::string_view number, std::size_t form) const
+{
+    const std::size_t all = count_plural_forms(rule_).all;
+    std::size_t count = 0;
+    for (const std::uint64_t n : plural_samples())
+        if (plural_form(rule_, all, n) == form && (++count > 1 || std::to_string(n) != number))
+            return false;
+    return count == 1;
+}
+
+// The position of the case that serves a form of the language; behind the last where none does.
+std::size_t plural_reader::case_for(std::size_t form, const std::vector<std::string> &cases) const
+{
+    const std::string_view name = plural_form_name(rule_, form);
+    std::size_t best = cases.size();
+    for (std::size_t at = 0; at < cases.size(); ++at) {
+        if (cases[at] == name)
+            return at;
+        if (is_number_of(cases[at], form) || (best == cases.size() && cases[at] == "other"))
+            best = at;
+    }
+    return best;
+}
+
+plural_reader::answer plural_reader::join_cases(const std::vector<std::string> &cases,
+                                                const std::vector<std::string> &forms)
+{
+    answer out;
+    std::vector<std::string> texts;
+    std::size_t empty = 0;
+    for (const std::string &form : forms) {
+        texts.emplace_back(without_end(form));
+        empty += texts.back().empty() ? 1 : 0;
+        if (texts.back().find(plural_sign) != std::string::npos)
+            out.what = outcome::apart;
+    }
+    std::vector<std::size_t> chosen;
+    const plural_forms count = count_plural_forms(rule_);
+    for (std::size_t form = 0; form < count.all; ++form)
+        chosen.push_back(case_for(form, cases));
+    const bool lacks = std::find(chosen.begin(), chosen.end(), cases.size()) != chosen.end();
+    if (empty != 0 || lacks) {
+        partly_ += empty == texts.size() ? 0 : 1;
+        out.what = outcome::untranslated;
+        return out;
+    }
+    std::string all;
+    for (std::size_t form = 0; form < count.all; ++form)
+        all.append(form == 0 ? "" : "|").append(texts[chosen[form]]);
+    out.one = texts[chosen[plural_form(rule_, count.all, 1)]];
+    out.others = texts[chosen.back()];
+    for (std::size_t at = 0; at < cases.size(); ++at) {
+        const bool has_place = std::any_of(
+            chosen.begin(), chosen.end(), [&](std::size_t one) { return texts[one] == texts[at]; });
+        if (out.what == outcome::apart || !has_place)
+            add_remark(out.remark, cases[at], texts[at]);
+        if (out.what != outcome::apart && !has_place)
+            ++lost_cases_[cases[at]];
+    }
+    if (out.what == outcome::apart)
+        return out;
+    out.what = outcome::joined;
+    out.text = without_rare_forms(rule_, all);
+    return out;
+}
+
+bool plural_reader::is_written_as(std::string_view text,
+                                  const std::vector<std::string> &forms) const
+{
+    if (ready_for_ != forms.size())
+        return false;
+    const std::size_t count = count_text_forms(text);
+    for (std::size_t form = 0; form < forms.size(); ++form)
+        if (text_form(text, plural_form(rule_, count, smallest_[form])) != without_end(forms[form]))
+            return false;
+    return true;
 }
 
 // The language's forms in its order. Those that begin at a million are left out where they say
@@ -248,19 +352,16 @@ std::string plural_reader::told_shift() const
 std::vector<std::string> plural_reader::told(bool kept) const
 {
     std::vector<std::string> lines = notes_;
+    for (const auto &[name, texts] : lost_cases_)
+        lines.push_back("form \"" + name + "\" has no place: " + told_texts(texts, kept));
     if (ready_for_ == 0)
         return lines;
     for (const lost_form &lost : lost_) {
         if (lost.texts == 0)
             continue;
-        const bool one = lost.texts == 1;
         lines.push_back("form " + std::to_string(lost.form) + " (for " +
                         (lost.numbers.empty() ? "no whole number" : listed(lost.numbers)) +
-                        ") has no place: " + std::to_string(lost.texts) +
-                        (one ? " text " : " texts ") +
-                        (!kept ? "left out"
-                         : one ? "kept as a remark"
-                               : "kept as remarks"));
+                        ") has no place: " + told_texts(lost.texts, kept));
     }
     if (std::string shift = told_shift(); !shift.empty())
         lines.push_back(std::move(shift));

@@ -10,6 +10,7 @@
 // another text are shifted: both are told once for the catalog, if the texts concerned differ.
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,6 +40,14 @@ public:
         fault wrong;
     };
     answer join(const std::vector<std::string> &forms, std::uint32_t line);
+
+    // The same for forms that bear names, in any order: categories of the language, or the number
+    // that a form is for.
+    answer join_cases(const std::vector<std::string> &cases, const std::vector<std::string> &forms);
+
+    // Whether a text goes out in these forms, of which the last message was joined: it may have
+    // more than the file can hold.
+    bool is_written_as(std::string_view text, const std::vector<std::string> &forms) const;
 
     // A line each for what is wrong with the header, lost and shifted, as "form 3 (for 1) has no
     // place: 6 texts kept as remarks"; or "left out" where the remarks were not taken.
@@ -75,6 +84,8 @@ private:
     void look_for_shifts(const std::vector<std::string> &texts);
     std::string joined_forms(const std::vector<std::string> &texts) const;
     std::string told_shift() const;
+    std::size_t case_for(std::size_t form, const std::vector<std::string> &cases) const;
+    bool is_number_of(std::string_view number, std::size_t form) const;
     meeting &at(std::size_t form, std::size_t header_form)
     {
         return meetings_[form * header_.count + header_form];
@@ -95,7 +106,8 @@ private:
     std::vector<meeting> meetings_;
     std::vector<std::uint64_t> smallest_; // of each form of the header, from 1 on where it can be
     std::vector<lost_form> lost_;
-    std::vector<std::string> notes_; // on the header
+    std::vector<std::string> notes_;                  // on the header
+    std::map<std::string, std::uint32_t> lost_cases_; // how many texts, by the name
     std::uint32_t partly_ = 0;
 };
 

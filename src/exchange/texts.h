@@ -34,14 +34,16 @@ struct text_unit {
     std::string reference; // what was translated; empty in a format without it
     std::string text;      // empty: there is none, or it is still in its forms
     std::vector<std::string>
-        forms;          // of a plural, as its file counts; the reference is both its ids
-    bool fuzzy = false; // a guess that nobody has looked at
-    bool final = false; // finished and approved
-    text_note note;     // in the text's language; empty: none
+        forms; // of a plural, as its file counts; the reference is both its ids
+    std::vector<std::string> cases; // of the forms, where the file names them: "one", "other", "0"
+    bool fuzzy = false;             // a guess that nobody has looked at
+    bool final = false;             // finished and approved
+    text_note note;                 // in the text's language; empty: none
     // Of somebody else's catalog: its context, and the group that a new source would have instead.
     bool loose = false;
     std::optional<std::string> context;
     std::string code_group;
+    bool by_id = false;         // the reference finds the item, whose own text may be another
     std::uint32_t language = 0; // position in file_texts::languages
     std::uint32_t line = 0;
 };
@@ -51,6 +53,7 @@ struct file_texts {
     std::vector<said_language> languages;
     std::string plural_field; // how a catalog counts (exchange/plural-header.h)
     std::uint32_t plural_line = 0;
+    std::vector<std::string> notes; // what somebody should know of the file, a line each
     std::vector<text_unit> units;
 };
 

@@ -1,21 +1,17 @@
 #include "exchange/xliff.h"
 
-#ifdef LANG_HAVE_LIBXML
-
 #include "exchange/key.h"
 #include "exchange/language-code.h"
-#include "support/guard.h"
-
-#include <memory>
+#include "exchange/plural-header.h"
+#include "exchange/po-message.h"
+#include "exchange/xml-read.h"
+#include "langlib/plural-rule.h"
 
 #include <glib.h>
-#include <libxml/xmlreader.h>
 
 namespace zel::exchange {
 
 namespace {
-
-using xml_guard = std::unique_ptr<xmlTextReader, release<xmlFreeTextReader>>;
 
 // The elements that mean something. Of any other, only what it holds is looked at.
 enum class element {
@@ -25,7 +21,9 @@ enum class element {
     header,
     notes,
     note,
+    group,
     unit,
+    alternative,
     segment,
     ignorable,
     source,
@@ -36,72 +34,24 @@ constexpr struct {
     std::string_view name;
     element kind;
 } elements[] = {
-    {"xliff", element::xliff},     {"file", element::file},       {"header", element::header},
-    {"notes", element::notes},     {"note", element::note},       {"unit", element::unit},
-    {"trans-unit", element::unit}, {"segment", element::segment}, {"ignorable", element::ignorable},
-    {"source", element::source},   {"target", element::target},
+    {"xliff", element::xliff},
+    {"file", element::file},
+    {"header", element::header},
+    {"notes", element::notes},
+    {"note", element::note},
+    {"unit", element::unit},
+    {"group", element::group},
+    {"trans-unit", element::unit},
+    {"alt-trans", element::alternative},
+    {"segment", element::segment},
+    {"ignorable", element::ignorable},
+    {"source", element::source},
+    {"target", element::target},
 };
 
-constexpr std::size_t most_depth = 100;
-
-// Whether a document type stands before the first element.
-bool has_document_type(std::string_view bytes)
-{
-    for (;;) {
-        bytes.remove_prefix(std::min(bytes.find('<'), bytes.size()));
-        const std::string_view end = bytes.starts_with("<?")     ? "?>"
-                                     : bytes.starts_with("<!--") ? "-->"
-                                                                 : "";
-        if (end.empty())
-            return bytes.starts_with("<!");
-        bytes.remove_prefix(std::min(bytes.find(end), bytes.size()));
-    }
-}
-
-// Goes on to the next such sign, from that many bytes on; to the end when there is none.
-void skip_to(std::string_view &bytes, std::string_view sign, std::size_t from)
-{
-    bytes.remove_prefix(std::min(bytes.find(sign, from), bytes.size()));
-}
-
-// Counts the values that an element has between its name and its end; leaves bytes there.
-std::size_t count_values(std::string_view &bytes)
-{
-    for (std::size_t count = 0;; ++count) {
-        bytes.remove_prefix(std::min(bytes.find_first_of("\"'>"), bytes.size()));
-        if (bytes.empty() || bytes[0] == '>')
-            return count;
-        skip_to(bytes, bytes.substr(0, 1), 1);
-        bytes.remove_prefix(std::min<std::size_t>(1, bytes.size()));
-    }
-}
-
-// Finds an element with more attributes than any tool writes. The library compares each with each,
-// so a hostile file could keep it busy for hours.
-fault find_crowded_element(std::string_view bytes)
-{
-    constexpr std::size_t most_attributes = 1000;
-    const char *const whole = bytes.data();
-    for (skip_to(bytes, "<", 0); !bytes.empty(); skip_to(bytes, "<", 1)) {
-        const char *start = bytes.data();
-        if (bytes.starts_with("<!--"))
-            skip_to(bytes, "-->", 4);
-        else if (bytes.starts_with("<![CDATA["))
-            skip_to(bytes, "]]>", 9);
-        else if (bytes.starts_with("<?"))
-            skip_to(bytes, "?>", 2);
-        else if (count_values(bytes) > most_attributes)
-            return {1 + static_cast<std::uint32_t>(std::count(whole, start, '\n')),
-                    "an element with more than 1,000 attributes"};
-    }
-    return {};
-}
-
-struct xliff_reader {
-    xmlTextReaderPtr xml;
+struct xliff_reader final : xml_walker {
     encoding good;
     const text_listener &hear;
-    fault wrong;
     int version = 0; // 1 or 2
     file_texts file;
     std::vector<element> path; // from the root to the element that is open
@@ -116,51 +66,68 @@ struct xliff_reader {
     std::size_t final_segments = 0;
     bool partial = false;
     std::string segment_source;
-    bool has_target = false; // the segment
+    bool has_target = false;  // the segment, or in version 1 the unit
+    bool is_left_out = false; // what its makers keep from translation
+    bool is_header = false;   // of a catalog
+    bool is_approved = false;
+    std::size_t form_number = 0;            // in a group
+    std::optional<std::string> alternative; // somebody's guess at the target
+    // Of version 2.2, whose segments may be the forms of a plural.
+    bool has_cases = false;
+    std::string segment_case;
+
+    // A group of version 1 whose units are the forms of a plural.
+    struct plural {
+        std::size_t depth = 0; // 0: none is open
+        bool approved = false;
+        bool is_left_out = false;
+        std::size_t units = 0;
+        std::size_t approved_units = 0;
+        std::size_t final_units = 0;
+        bool fuzzy = false;
+        std::string one; // the sources
+        std::string others;
+        std::vector<std::string> forms;
+        std::string id;
+        std::uint32_t line = 0;
+    };
+    plural group;
+    struct context {
+        std::size_t depth;
+        std::string name;
+    };
+    std::vector<context> contexts; // groups that name one
 
     // About the open source, target or note.
     std::string text;
     std::size_t text_depth = 0; // 0: none is
     std::string note_kind;
 
-    xliff_reader(xmlTextReaderPtr from, encoding bytes, const text_listener &listener)
-        : xml(from), good(bytes), hear(listener)
-    {
-    }
-    bool fail(const std::string &what);
-    std::string attribute(const char *name) const;
+    xliff_reader(encoding bytes, const text_listener &listener) : good(bytes), hear(listener) {}
+    bool open(std::string_view name) override;
+    bool close() override;
+    bool add(std::string_view piece) override;
     element parent(std::size_t up) const
     {
         return path.size() > up ? path[path.size() - 1 - up] : element::other;
     }
-    bool read();
-    bool open(element kind);
+    bool open_element(element kind);
     bool open_root();
+    void open_group();
+    void set_key(const std::string &id);
     bool open_inline(std::string_view name);
-    void open_unit();
+    bool open_unit();
     void open_segment(element kind);
     void open_target();
-    void close();
     void close_text();
     void close_note();
     void close_segment(element kind);
-    void close_unit();
+    bool close_unit();
+    void close_header();
+    bool add_form();
+    void close_group();
+    void tell();
 };
-
-bool xliff_reader::fail(const std::string &what)
-{
-    if (!wrong)
-        wrong = {static_cast<std::uint32_t>(xmlTextReaderGetParserLineNumber(xml)), what};
-    return false;
-}
-
-std::string xliff_reader::attribute(const char *name) const
-{
-    xmlChar *value = xmlTextReaderGetAttribute(xml, reinterpret_cast<const xmlChar *>(name));
-    std::string out = value == nullptr ? "" : reinterpret_cast<const char *>(value);
-    xmlFree(value);
-    return out;
-}
 
 element kind_of(std::string_view name)
 {
@@ -178,34 +145,97 @@ bool xliff_reader::open_root()
     return version != 0 || fail("no XLIFF of version 1 or 2");
 }
 
-void xliff_reader::open_unit()
+constexpr char plural_module[] = "urn:oasis:names:tc:xliff:pgs:1.0";
+constexpr std::string_view plural_switch = "plural:";
+
+// A target's states of version 1 that say that it is not done.
+bool is_guess(std::string_view state) { return state == "new" || state.starts_with("needs-"); }
+
+// The number in brackets at the end of a form's id; taken off. The guess where there is none.
+std::size_t take_form_number(std::string &id, std::size_t guess)
 {
-    std::string key = attribute("id");
+    const std::size_t open = id.rfind('[');
+    if (open == std::string::npos || !id.ends_with(']') || id.size() - open > 5)
+        return guess;
+    const auto number = g_ascii_strtoull(id.c_str() + open + 1, nullptr, 10);
+    id.resize(open);
+    return static_cast<std::size_t>(number);
+}
+
+void xliff_reader::open_group()
+{
+    if (version == 1 && group.depth == 0 && attribute("restype") == "x-gettext-plurals") {
+        group = {};
+        group.depth = path.size() + 1;
+        group.id = attribute("id");
+        group.approved = attribute("approved") == "yes";
+        group.is_left_out = attribute("translate") == "no";
+        group.line = line();
+        comment.clear();
+        remarks.clear();
+    } else if (std::string name = attribute("resname"); !name.empty()) {
+        contexts.push_back({path.size() + 1, std::move(name)});
+    }
+}
+
+// Names the unit's item. What bears another's id is found by its source.
+void xliff_reader::set_key(const std::string &id)
+{
+    std::string key = id;
     unit.group.clear();
     unit.item.clear();
     // Version 1 takes any id. In version 2 an id is a name, so xliff_id has escaped it.
     if (version == 1)
         uncarry(key, encoding::any);
-    unit.keyed = (version == 1 || read_xliff_id(attribute("id"), key)) &&
-                 split_key(key, unit.group, unit.item);
-    unit.line = static_cast<std::uint32_t>(xmlTextReaderGetParserLineNumber(xml));
+    unit.keyed = (version == 1 || read_xliff_id(id, key)) && split_key(key, unit.group, unit.item);
+    unit.loose = unit.by_id = !unit.keyed;
+    unit.code_group = "messages";
+    unit.context.reset();
+    if (!contexts.empty())
+        unit.context = contexts.back().name;
+}
+
+bool xliff_reader::open_unit()
+{
+    std::string id = attribute("id");
+    if (group.depth == 0) {
+        set_key(id);
+        comment.clear();
+        remarks.clear();
+    } else {
+        form_number = take_form_number(id, group.forms.size());
+        if (group.units == 0)
+            set_key(group.id.empty() ? id : group.id);
+    }
+    unit.line = line();
     unit.reference.clear();
     unit.text.clear();
+    unit.forms.clear();
+    unit.cases.clear();
     unit.fuzzy = false;
-    unit.final = attribute("approved") == "yes";
-    comment.clear();
-    remarks.clear();
+    unit.final = is_approved = attribute("approved") == "yes";
+    is_left_out = attribute("translate") == "no";
+    is_header = attribute("restype") == "x-gettext-domain-header";
+    alternative.reset();
+    has_target = false;
     segments = final_segments = 0;
     partial = false;
     if (file.languages.empty())
         file.languages.push_back({{}, file_code});
     unit.language = static_cast<std::uint32_t>(file.languages.size() - 1);
+    const std::string chosen = version == 1 ? "" : attribute("switch", plural_module);
+    has_cases = !chosen.empty();
+    return !has_cases ||
+           (chosen.starts_with(plural_switch) && chosen.find_first_of(" ,;\t\n") == chosen.npos) ||
+           fail_at(element_line(), "a unit whose text is chosen by more than a number");
 }
 
 void xliff_reader::open_segment(element kind)
 {
     has_target = false;
     segment_source.clear();
+    if (has_cases)
+        segment_case = attribute("case", plural_module);
     if (kind == element::ignorable)
         return;
     const std::string state = attribute("state");
@@ -219,26 +249,23 @@ void xliff_reader::open_target()
     has_target = true;
     const std::string state = attribute("state");
     unit.final = unit.final || state == "final" || state == "signed-off";
-    unit.fuzzy = unit.fuzzy || state == "new" || state == "needs-translation";
+    unit.fuzzy = unit.fuzzy || is_guess(state);
 }
 
 // Opens an element inside a text that stands for characters: only a code point of its own is known.
 bool xliff_reader::open_inline(std::string_view name)
 {
     if (name != "cp")
-        return xmlTextReaderIsEmptyElement(xml) == 0 || name == "mrk" || name == "sm" ||
-               name == "em" || fail("a placeholder, which no text of a source has");
-    char character[8] = "";
-    const gint64 code = g_ascii_strtoll(attribute("hex").c_str(), nullptr, 16);
-    if (code <= 0 || code > 0x10FFFF || (code >= 0xD800 && code < 0xE000))
-        return fail("a code point that is none");
-    text.append(character, static_cast<std::size_t>(
-                               g_unichar_to_utf8(static_cast<gunichar>(code), character)));
-    return true;
+        return !is_empty() || name == "mrk" || name == "sm" || name == "em" ||
+               fail("a placeholder, which no text of a source has");
+    const std::string character =
+        text_of_code(g_ascii_strtoll(attribute("hex").c_str(), nullptr, 16));
+    text += character;
+    return !character.empty() || fail("a code point that is none");
 }
 
 // Call when an element begins; the path does not have it yet.
-bool xliff_reader::open(element kind)
+bool xliff_reader::open_element(element kind)
 {
     const element around = parent(0);
     bool is_text = false;
@@ -247,8 +274,11 @@ bool xliff_reader::open(element kind)
     if (kind == element::file && around == element::xliff) {
         const std::string code = attribute("target-language");
         file.languages.push_back({{}, code.empty() ? file_code : code_of_xml(code)});
+    } else if (kind == element::group) {
+        open_group();
     } else if (kind == element::unit) {
-        open_unit();
+        if (!open_unit())
+            return false;
     } else if ((kind == element::segment || kind == element::ignorable) &&
                around == element::unit) {
         open_segment(kind);
@@ -257,6 +287,8 @@ bool xliff_reader::open(element kind)
                   (around == element::unit && version == 1);
         if (is_text && kind == element::target)
             open_target();
+        is_text = is_text || (kind == element::target && around == element::alternative &&
+                              parent(1) == element::unit && !alternative);
     } else if (kind == element::note) {
         is_text = around == element::unit || around == element::header || around == element::notes;
         note_kind = attribute(version == 1 ? "from" : "category");
@@ -277,7 +309,8 @@ void xliff_reader::close_note()
             read_name(text, file.languages.back().name);
     } else if (note_kind == "comment") {
         comment = text;
-    } else if (note_kind != "description" && note_kind != "default comment") {
+    } else if (note_kind != "description" && note_kind != "default comment" &&
+               note_kind != "plural") {
         remarks.append(remarks.empty() ? "" : "\n").append(text);
     }
 }
@@ -290,7 +323,10 @@ void xliff_reader::close_text()
         segment_source = text;
         break;
     case element::target:
-        unit.text += text;
+        if (parent(1) == element::alternative)
+            alternative = text;
+        else
+            unit.text += text;
         break;
     default:
         close_note();
@@ -301,6 +337,14 @@ void xliff_reader::close_text()
 
 void xliff_reader::close_segment(element kind)
 {
+    if (has_cases && kind == element::segment) {
+        // Which of both ids a source is says its case.
+        (segment_case == "one" ? group.one : group.others) = segment_source;
+        unit.cases.push_back(segment_case);
+        unit.forms.push_back(has_target ? unit.text : std::string());
+        unit.text.clear();
+        return;
+    }
     if (has_target)
         return;
     // What stands between segments is the same in every language.
@@ -310,120 +354,135 @@ void xliff_reader::close_segment(element kind)
         partial = true;
 }
 
-void xliff_reader::close_unit()
+// A catalog's header, which its converter has made a unit.
+void xliff_reader::close_header()
 {
-    // A unit is final if all of its segments are.
+    file.plural_field =
+        po_header_field(unit.text.empty() ? unit.reference : unit.text, plural_field);
+    file.plural_line = unit.line;
+    std::string &code = file.languages.back().code;
+    if (code.empty())
+        code = po_header_field(unit.text.empty() ? unit.reference : unit.text, "Language");
+}
+
+bool xliff_reader::close_unit()
+{
+    if (is_left_out && has_cases)
+        group = {};
+    if (is_left_out)
+        return true;
+    if (is_header) {
+        close_header();
+        return true;
+    }
+    // A unit is final if all of its segments are, and what is not done is never.
     unit.final = unit.final || (segments != 0 && final_segments == segments);
+    if (version == 1 && !has_target && alternative) {
+        unit.text = std::move(*alternative);
+        unit.fuzzy = true;
+    }
+    unit.final = unit.final && !unit.fuzzy;
     if (partial)
         unit.text.clear();
+    if (group.depth != 0)
+        return add_form();
+    if (has_cases) {
+        unit.reference = group.one.empty() ? group.others : group.one;
+        if (!group.one.empty() && !group.others.empty())
+            unit.reference += plural_sign + group.others;
+        group = {};
+    }
+    tell();
+    return true;
+}
+
+// Takes the unit for a form of the group.
+bool xliff_reader::add_form()
+{
+    const std::size_t at = form_number;
+    if (at >= most_plural_forms)
+        return fail("more than 64 plural forms");
+    if (at >= group.forms.size())
+        group.forms.resize(at + 1);
+    group.forms[at] = unit.text;
+    (at == 0 ? group.one : group.others) = unit.reference;
+    ++group.units;
+    group.approved_units += is_approved ? 1 : 0;
+    group.final_units += unit.final ? 1 : 0;
+    group.fuzzy = group.fuzzy || unit.fuzzy;
+    return true;
+}
+
+// Tells a group's plural. Some tools mark only the later forms of one that is not done.
+void xliff_reader::close_group()
+{
+    const plural whole = std::move(group);
+    group = {};
+    if (whole.is_left_out || whole.forms.empty())
+        return;
+    unit.line = whole.line;
+    unit.text.clear();
+    unit.forms = whole.forms;
+    unit.fuzzy = whole.fuzzy || (whole.approved_units != 0 && whole.approved_units != whole.units);
+    unit.final = !unit.fuzzy && (whole.approved || whole.final_units == whole.units);
+    unit.reference = whole.one;
+    if (!whole.others.empty() && (unit.keyed || whole.others != whole.one))
+        unit.reference += plural_sign + whole.others;
+    tell();
+}
+
+void xliff_reader::tell()
+{
     unit.note.replaces = !comment.empty();
     unit.note.text = comment;
     if (!remarks.empty())
         unit.note.text.append(comment.empty() ? "" : "\n").append(remarks);
     uncarry(unit.reference, good);
     uncarry(unit.text, good);
+    for (std::string &form : unit.forms)
+        uncarry(form, good);
     uncarry(unit.note.text, good);
     hear(file, unit);
 }
 
-// Call when the innermost element ends.
-void xliff_reader::close()
+bool xliff_reader::open(std::string_view name)
+{
+    const element kind = kind_of(name);
+    if (!(text_depth != 0 ? open_inline(name) : open_element(kind)))
+        return false;
+    path.push_back(text_depth != 0 && text_depth != path.size() + 1 ? element::other : kind);
+    return true;
+}
+
+bool xliff_reader::close()
 {
     if (path.size() == text_depth)
         close_text();
-    else if (path.back() == element::unit)
-        close_unit();
+    else if (path.back() == element::unit && !close_unit())
+        return false;
+    else if (path.size() == group.depth)
+        close_group();
+    else if (!contexts.empty() && path.size() == contexts.back().depth)
+        contexts.pop_back();
     else if (path.back() == element::segment || path.back() == element::ignorable)
         close_segment(path.back());
     path.pop_back();
+    return true;
 }
 
-bool xliff_reader::read()
+bool xliff_reader::add(std::string_view piece)
 {
-    const int type = xmlTextReaderNodeType(xml);
-    const char *value = reinterpret_cast<const char *>(xmlTextReaderConstValue(xml));
-    switch (type) {
-    case XML_READER_TYPE_ELEMENT: {
-        const std::string_view name =
-            reinterpret_cast<const char *>(xmlTextReaderConstLocalName(xml));
-        const element kind = kind_of(name);
-        if (path.size() == most_depth)
-            return fail("elements deeper than any such file has");
-        if (!(text_depth != 0 ? open_inline(name) : open(kind)))
-            return false;
-        path.push_back(text_depth != 0 && text_depth != path.size() + 1 ? element::other : kind);
-        if (xmlTextReaderIsEmptyElement(xml) != 0)
-            close();
-        return true;
-    }
-    case XML_READER_TYPE_END_ELEMENT:
-        close();
-        return true;
-    case XML_READER_TYPE_TEXT:
-    case XML_READER_TYPE_CDATA:
-    case XML_READER_TYPE_WHITESPACE:
-    case XML_READER_TYPE_SIGNIFICANT_WHITESPACE:
-        if (text_depth != 0 && value != nullptr)
-            text += value;
-        // Many small pieces can add up, so the whole is measured.
-        return text.size() <= largest_text || fail("a text of more than 8 MB");
-    case XML_READER_TYPE_ENTITY_REFERENCE:
-        // Entities are never expanded: a few of them could grow without end.
-        return fail("an entity that is not defined");
-    default:
-        return true;
-    }
-}
-
-// Keeps the first error, the cause of all others.
-void note_error(void *reader, xmlErrorPtr error)
-{
-    auto &self = *static_cast<xliff_reader *>(reader);
-    if (self.wrong || error->level == XML_ERR_WARNING)
-        return;
-    std::string what = error->message == nullptr ? "no XML" : error->message;
-    while (!what.empty() && what.back() == '\n')
-        what.pop_back();
-    self.wrong = {static_cast<std::uint32_t>(error->line), what};
+    if (text_depth != 0)
+        text += piece;
+    // Many small pieces can add up, so the whole is measured.
+    return text.size() <= largest_text || fail("a text of more than 8 MB");
 }
 
 } // namespace
 
 fault read_xliff(std::string_view bytes, encoding good, const text_listener &hear)
 {
-    if (fault wrong = check_utf8(bytes))
-        return wrong;
-    drop_mark(bytes);
-    if (has_document_type(bytes))
-        return {1, "a document type, which may bring texts from elsewhere"};
-    if (fault wrong = find_crowded_element(bytes))
-        return wrong;
-    // No entity is expanded, nothing is loaded from elsewhere, and the library's limits hold.
-    const xml_guard xml(xmlReaderForMemory(bytes.data(), static_cast<int>(bytes.size()), nullptr,
-                                           "UTF-8", XML_PARSE_NONET | XML_PARSE_IGNORE_ENC));
-    if (!xml)
-        return {0, "not enough memory"};
-    xliff_reader reader(xml.get(), good, hear);
-    xmlTextReaderSetStructuredErrorHandler(xml.get(), note_error, &reader);
-    int more = xmlTextReaderRead(xml.get());
-    while (more == 1 && reader.read() && !reader.wrong)
-        more = xmlTextReaderRead(xml.get());
-    if (more != 0)
-        reader.fail("no XML");
-    return reader.wrong;
+    return xliff_reader(good, hear).walk(bytes, "XLIFF");
 }
 
 } // namespace zel::exchange
-
-#else
-
-namespace zel::exchange {
-
-fault read_xliff(std::string_view, encoding, const text_listener &)
-{
-    return {0, "this lang-kit was built without libxml2 and reads no XLIFF"};
-}
-
-} // namespace zel::exchange
-
-#endif

@@ -1,68 +1,16 @@
 #include "exchange/key.h"
 #include "exchange/language-code.h"
+#include "exchange/po-plural.h"
+#include "exchange/po-remarks.h"
 #include "exchange/xliff.h"
+#include "exchange/xml-write.h"
+#include "langlib/plural-rule.h"
 
 #include <cstring>
 
 namespace zel::exchange {
 
 namespace {
-
-// How a character must be written; empty if it stands for itself.
-std::string_view entity_of(char c, bool in_attribute)
-{
-    switch (c) {
-    case '&':
-        return "&amp;";
-    case '<':
-        return "&lt;";
-    case '>':
-        return "&gt;";
-    case '\r':
-        return "&#13;"; // else it would be read as a line end
-    case '"':
-        return in_attribute ? "&quot;" : "";
-    case '\n':
-        return in_attribute ? "&#10;" : "";
-    case '\t':
-        return in_attribute ? "&#9;" : "";
-    default:
-        return {};
-    }
-}
-
-void append_xml(std::string &out, std::string_view text, bool in_attribute = false)
-{
-    std::string carried;
-    if (must_carry(text, holds::xml)) {
-        append_carried(carried, text, holds::xml);
-        text = carried;
-    }
-    std::size_t plain = 0;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        const std::string_view entity = entity_of(text[at], in_attribute);
-        if (entity.empty())
-            continue;
-        out.append(text.substr(plain, at - plain)).append(entity);
-        plain = at + 1;
-    }
-    out.append(text.substr(plain));
-}
-
-void append_attribute(std::string &out, std::string_view name, std::string_view value)
-{
-    out.append(1, ' ').append(name).append("=\"");
-    append_xml(out, value, true);
-    out += '"';
-}
-
-void append_element(std::string &out, std::string_view start, std::string_view name,
-                    std::string_view text)
-{
-    out.append(start).append(1, '>');
-    append_xml(out, text);
-    out.append("</").append(name).append(">\n");
-}
 
 struct head {
     std::string app;
@@ -82,21 +30,55 @@ head head_of(const exporter &from, std::size_t at)
     return out;
 }
 
+struct unit_parts;
+
+// What one version of the format writes.
+struct version {
+    void (*append_head)(std::string &out, const head &one);
+    void (*append_unit)(std::string &out, exporter &from, const outgoing_item &item,
+                        const unit_parts &parts, std::size_t at, const plural_outlet &outlet);
+    std::string_view note_start;
+    std::string_view end;
+    bool has_groups; // a plural is a group with a unit for each form
+};
+
+// Readers of catalogs' profile take a number in brackets at an id's end for a plural's form.
+std::string id_1(std::string_view key)
+{
+    const std::size_t open = key.rfind('[');
+    if (open == key.npos || !key.ends_with(']') || open + 2 == key.size() ||
+        key.substr(open + 1, key.size() - open - 2).find_first_not_of("0123456789") != key.npos)
+        return std::string(key);
+    return std::string(key.substr(0, open)) + "\\x5b" + std::string(key.substr(open + 1));
+}
+
 // What is the same in a unit of every language.
 struct unit_parts {
     std::string key;
+    std::string id; // of version 1
     std::string source;
+    std::string others; // the source of a plural's further forms
+    bool is_plural = false;
     std::string description; // as a note, empty: none
 
-    void fill(const outgoing_item &item, std::string_view note_start)
+    void fill(const exporter &from, const outgoing_item &item, const version &how)
     {
         key.clear();
         append_key(key, item.group, item.name);
+        if (how.has_groups)
+            id = id_1(key);
+        is_plural = exchange::is_plural(item.reference, item.default_comment);
+        plural_ids ids{item.reference, {}};
+        if (is_plural && how.has_groups)
+            ids = ids_of_plural(item.reference, view_of(from.source().default_lang));
         source.clear();
-        append_element(source, "<source", "source", item.reference);
+        append_element(source, "<source", "source", ids.one);
+        others.clear();
+        append_element(others, "<source", "source", ids.others);
         description.clear();
         if (const std::string_view text = description_of(item.item); !text.empty())
-            append_element(description, std::string(note_start) + "\"description\"", "note", text);
+            append_element(description, std::string(how.note_start) + "\"description\"", "note",
+                           text);
     }
 };
 
@@ -134,19 +116,75 @@ void append_head_1(std::string &out, const head &one)
     out += "</header>\n<body>\n";
 }
 
-void append_unit_1(std::string &out, const exporter &from, const outgoing_item &item,
-                   const unit_parts &parts, std::size_t at)
+struct state {
+    bool final = false;
+    bool guess = false;
+};
+
+state state_of(const exporter &from, const outgoing_item &item, std::size_t at)
 {
-    const std::string &text = item.texts[at].text;
+    po_id previous;
+    state out;
+    out.guess = !item.texts[at].comment.empty() && read_fuzzy(item.texts[at].comment, previous);
     // Without a target there is nothing to approve.
-    const bool final = item.item->ready != 0 && !text.empty();
-    out += "<trans-unit";
-    append_attribute(out, "id", parts.key);
-    out.append(final ? " approved=\"yes\"" : "").append(" xml:space=\"preserve\">\n");
-    out += parts.source;
+    out.final = !out.guess && !item.texts[at].text.empty() && from.is_final(item.item);
+    return out;
+}
+
+void append_target_1(std::string &out, const state &how, std::string_view text)
+{
     if (!text.empty())
-        append_element(out, final ? "<target state=\"final\"" : "<target state=\"translated\"",
+        append_element(out,
+                       how.guess   ? "<target state=\"needs-translation\""
+                       : how.final ? "<target state=\"final\""
+                                   : "<target state=\"translated\"",
                        "target", text);
+}
+
+void append_start_1(std::string &out, std::string_view element, std::string_view id, bool final)
+{
+    out.append(1, '<').append(element);
+    append_attribute(out, "id", id);
+    out.append(final ? " approved=\"yes\"" : "");
+}
+
+// A plural, with a unit for each form of the language.
+void append_group_1(std::string &out, exporter &from, const outgoing_item &item,
+                    const unit_parts &parts, std::size_t at, const plural_outlet &outlet)
+{
+    plural_outlet::forms forms;
+    outlet.split(at, without_end(item.texts[at].text), forms);
+    from.plurals.uneven += forms.fits ? 0 : 1;
+    from.plurals.partly += forms.is_whole ? 0 : 1;
+    state how = state_of(from, item, at);
+    how.guess = how.guess || !forms.fits;
+    how.final = how.final && forms.fits && forms.is_whole;
+    append_start_1(out, "group", parts.id, how.final);
+    out += " restype=\"x-gettext-plurals\">\n";
+    for (std::size_t form = 0; form < forms.texts.size(); ++form) {
+        append_start_1(out, "trans-unit", parts.id + "[" + std::to_string(form) + "]", how.final);
+        out += " xml:space=\"preserve\">\n";
+        out += form == 0 ? parts.source : parts.others;
+        append_target_1(out, how, forms.texts[form]);
+        if (form == 0)
+            append_notes(out, from, item, parts, at, note_1);
+        out += "</trans-unit>\n";
+    }
+    out += "</group>\n";
+}
+
+void append_unit_1(std::string &out, exporter &from, const outgoing_item &item,
+                   const unit_parts &parts, std::size_t at, const plural_outlet &outlet)
+{
+    if (parts.is_plural) {
+        append_group_1(out, from, item, parts, at, outlet);
+        return;
+    }
+    const state how = state_of(from, item, at);
+    append_start_1(out, "trans-unit", parts.id, how.final);
+    out += " xml:space=\"preserve\">\n";
+    out += parts.source;
+    append_target_1(out, how, item.texts[at].text);
     append_notes(out, from, item, parts, at, note_1);
     out += "</trans-unit>\n";
 }
@@ -166,8 +204,25 @@ void append_head_2(std::string &out, const head &one)
     out += "</notes>\n";
 }
 
-void append_unit_2(std::string &out, const exporter &from, const outgoing_item &item,
-                   const unit_parts &parts, std::size_t at)
+// "forms: one|few|many", as the text or the language has them.
+std::string told_forms(const char *language, std::string_view text)
+{
+    const std::string_view rule = plural_rule_of(language);
+    const plural_forms count = count_plural_forms(rule);
+    const std::size_t wanted = count_text_forms(text) == count.all ? count.all : count.everyday;
+    std::string out = "forms: ";
+    std::size_t told = 0;
+    for (std::size_t form = 0; form < count.all; ++form) {
+        // Those that begin at a million are not said where the text does without them.
+        if (wanted != count.all && is_rare_form(rule, form))
+            continue;
+        out.append(told++ == 0 ? "" : "|").append(plural_form_name(rule, form));
+    }
+    return out;
+}
+
+void append_unit_2(std::string &out, exporter &from, const outgoing_item &item,
+                   const unit_parts &parts, std::size_t at, const plural_outlet &)
 {
     const std::string &text = item.texts[at].text;
     out += "<unit";
@@ -176,12 +231,16 @@ void append_unit_2(std::string &out, const exporter &from, const outgoing_item &
     out += " xml:space=\"preserve\">\n";
     std::string notes;
     append_notes(notes, from, item, parts, at, note_2);
+    if (parts.is_plural)
+        append_element(notes, std::string(note_2) + "\"plural\"", "note",
+                       told_forms(from.languages()[at]->name, text));
     if (!notes.empty())
         out.append("<notes>\n").append(notes).append("</notes>\n");
+    const state how = state_of(from, item, at);
     out.append("<segment state=\"")
-        .append(text.empty()            ? "initial"
-                : item.item->ready != 0 ? "final"
-                                        : "translated")
+        .append(text.empty() || how.guess ? "initial"
+                : how.final               ? "final"
+                                          : "translated")
         .append("\">\n")
         .append(parts.source);
     if (!text.empty())
@@ -189,24 +248,16 @@ void append_unit_2(std::string &out, const exporter &from, const outgoing_item &
     out += "</segment>\n</unit>\n";
 }
 
-// What one version of the format writes.
-struct version {
-    void (*append_head)(std::string &out, const head &one);
-    void (*append_unit)(std::string &out, const exporter &from, const outgoing_item &item,
-                        const unit_parts &parts, std::size_t at);
-    std::string_view note_start;
-    std::string_view end;
-};
-
 void write(exporter &from, std::vector<outgoing_file> &to, const version &how)
 {
+    const plural_outlet outlet(from);
     for (std::size_t at = 0; at < to.size(); ++at)
         how.append_head(to[at].text, head_of(from, at));
     unit_parts parts;
     from.each_item([&](const outgoing_item &item) {
-        parts.fill(item, how.note_start);
+        parts.fill(from, item, how);
         for (std::size_t at = 0; at < to.size(); ++at) {
-            how.append_unit(to[at].text, from, item, parts, at);
+            how.append_unit(to[at].text, from, item, parts, at, outlet);
             to[at].flush_large();
         }
     });
@@ -220,12 +271,12 @@ void write(exporter &from, std::vector<outgoing_file> &to, const version &how)
 
 void write_xliff(exporter &from, std::vector<outgoing_file> &to)
 {
-    write(from, to, {append_head_1, append_unit_1, note_1, "</body>\n</file>\n</xliff>\n"});
+    write(from, to, {append_head_1, append_unit_1, note_1, "</body>\n</file>\n</xliff>\n", true});
 }
 
 void write_xliff2(exporter &from, std::vector<outgoing_file> &to)
 {
-    write(from, to, {append_head_2, append_unit_2, note_2, "</file>\n</xliff>\n"});
+    write(from, to, {append_head_2, append_unit_2, note_2, "</file>\n</xliff>\n", false});
 }
 
 } // namespace zel::exchange
