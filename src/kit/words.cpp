@@ -27,6 +27,8 @@ constexpr word table[] = {
      "hand the texts out in another format", run_export},
     {"import", "--format FORMAT [--comments] [--dry-run] [-o FILE] SOURCE FILE...",
      "take texts in from files of another format", run_import},
+    {"adopt", "--from gettext|qt [--group NAME] [--write] SOURCE CODE...",
+     "turn an application's calls for its texts into requests", run_adopt},
     {"diff", "[--format text|json] [--places] OLD NEW",
      "what differs between two sources, by meaning", run_diff},
     {"news", "[--format text|json|html] [--language NAME]... OLD NEW",
