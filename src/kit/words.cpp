@@ -40,7 +40,7 @@ constexpr word table[] = {
      run_git},
     {"pseudo", "[--name NAME] [--grow PERCENT] [-o FILE] SOURCE",
      "make a language that shows what is not translated or does not fit", run_pseudo},
-    {"fill", "--from FILE [--from FILE]... [--dry-run] [-o FILE] SOURCE",
+    {"fill", "--from FILE [--from FILE]... [--at-least PERCENT] [--with COMMAND] [-o FILE] SOURCE",
      "take missing texts from other sources and catalogs", run_fill},
     {"carry", "[--at-least PERCENT] [--keep-trivial] [--dry-run] SOURCE",
      "give changed items the texts that they had before", run_carry},
