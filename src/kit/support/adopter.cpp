@@ -149,7 +149,32 @@ private:
         const bool is_count = call.form->number != 0 && call.arguments.size() >= call.form->number;
         if (is_count && call.form->plural == 0)
             return "it counts with %n, which no request prints";
+        if (call.form->is_mark && is_beside_literal(call))
+            return "it is a piece of a longer literal";
         return {};
+    }
+
+    // "N_("One") "\0"": what a request is replaced by is no literal that could be joined.
+    bool is_beside_literal(const foreign_call &call) const
+    {
+        const std::uint32_t directive = tokens_[call.word].directive;
+        // Directives between the pieces are no part of the literal.
+        const auto is_passed = [&](std::size_t at) {
+            return directive == 0 && tokens_[at].directive != 0;
+        };
+        const auto is_literal = [&](std::size_t at) {
+            return tokens_[at].directive == directive &&
+                   (tokens_[at].is == code_token::kind::text ||
+                    tokens_[at].is == code_token::kind::other_text);
+        };
+        std::size_t behind = call.closing + 1;
+        while (behind < tokens_.size() && is_passed(behind))
+            ++behind;
+        std::size_t before = call.first;
+        while (before > 0 && is_passed(before - 1))
+            --before;
+        return (behind < tokens_.size() && is_literal(behind)) ||
+               (before > 0 && is_literal(before - 1));
     }
 
     const foreign_argument &argument(const foreign_call &call, unsigned number) const
