@@ -19,6 +19,9 @@ namespace zel::exchange {
 
 enum class message_context { key, group, none };
 
+// Which texts go out as final: those of items that are ready, all, or none.
+enum class ready_mark { as_is, all, none };
+
 struct export_request {
     LangSource *source = nullptr;
     std::vector<std::string> languages; // names; none: all that are defined
@@ -26,7 +29,8 @@ struct export_request {
     bool fuzzy = false;                 // items that are not ready are marked so
     // What tells a catalog's messages apart besides their texts; none said: the key.
     std::optional<message_context> context;
-    bool comments = false; // in formats that have them only when wanted
+    ready_mark ready = ready_mark::as_is; // in formats that have states
+    bool comments = false;                // in formats that have them only when wanted
 };
 
 // One item on its way out. Texts are in one piece, bytes as the source has them.
@@ -75,6 +79,9 @@ public:
         std::uint32_t partly = 0;
     };
     plural_count plurals;
+
+    // Forms of texts for which a format's own way of counting has no number, a line each.
+    std::vector<std::string> lost;
 
     // Calls for each item, once per group and name; the record is good for the call.
     void each_item(const std::function<void(const outgoing_item &)> &write);

@@ -3,6 +3,7 @@
 #include "exchange/csv.h"
 #include "exchange/json.h"
 #include "exchange/po.h"
+#include "exchange/ts.h"
 #include "exchange/xliff.h"
 
 #include <algorithm>
@@ -15,8 +16,9 @@ namespace {
 constexpr format table[] = {
     {"po", ".po", files::per_language, write_po, read_po},
     {"pot", ".pot", files::one, write_pot, read_po},
-    {"xliff", ".xliff", files::per_language, write_xliff, read_xliff},
-    {"xliff2", ".xliff", files::per_language, write_xliff2, read_xliff},
+    {"ts", ".ts", files::per_language, write_ts, read_ts, true},
+    {"xliff", ".xliff", files::per_language, write_xliff, read_xliff, true},
+    {"xliff2", ".xliff", files::per_language, write_xliff2, read_xliff, true},
     {"csv", ".csv", files::one, write_csv, read_csv},
     {"json", ".json", files::one, write_json, nullptr},
 };
@@ -63,6 +65,7 @@ read_answer read_file_texts(const char *format_name, const std::string &path, en
             answer.file.languages = file.languages;
             answer.file.plural_field = file.plural_field;
             answer.file.plural_line = file.plural_line;
+            answer.file.notes = file.notes;
             answer.file.units.push_back(unit);
         });
     return answer;

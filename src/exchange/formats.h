@@ -18,14 +18,15 @@ struct format {
     const char *ending; // of its files: ".po"
     files writes;
     texts_writer write;
-    texts_reader read; // null for one that holds a whole source, not texts (exchange/json.h)
+    texts_reader read;   // null for one that holds a whole source, not texts (exchange/json.h)
+    bool states = false; // says of a text whether it is final
 
     bool is_whole() const { return read == nullptr; }
 };
 
 std::span<const format> formats();
 std::vector<const char *> format_names();
-inline constexpr char format_help[] = "po, pot, xliff, xliff2, csv or json";
+inline constexpr char format_help[] = "po, pot, ts, xliff, xliff2, csv or json";
 const format *find_format(std::string_view name); // null when there is none
 
 // Reads all texts of a file, for whoever looks among them: the format is known by its name, or for

@@ -85,7 +85,7 @@ const char *find_language(const LangSource &source, const said_language &said,
         for (const lang_t *lang : each<lang_t>(source.langs))
             if (!wanted.empty() && same_text(wanted, lang->name))
                 return lang->name;
-    const std::string own = code_of(stem_of(path));
+    const std::string own = code_of_file(path);
     const std::string code = said.code.empty() ? own : said.code;
     // A file that is named by a longer code knows better than its header: sr@latin, zh_TW.
     if (own.size() > code.size() && own.starts_with(code) &&
@@ -146,12 +146,15 @@ fault importer::take(const format &row, const std::string &path, std::string_vie
     wrong_ = {};
     finder_.forget();
     deferred_.clear();
+    notes_.clear();
     // The name of a file with all languages says nothing about any of them.
     const std::string_view named = row.writes == files::per_language ? path : std::string_view();
     fault wrong =
         row.read(bytes, encoding_of(*source_), [&](const file_texts &file, text_unit &unit) {
             const std::size_t known = resolved_.size();
             const char *language = wrong_ ? nullptr : language_of(file, unit, named);
+            if (known == 0)
+                notes_ = file.notes;
             if (language != nullptr && known == 0)
                 plurals_.open(language, file.plural_field, file.plural_line);
             if (language != nullptr)
@@ -252,12 +255,14 @@ bool importer::is_same_text(const char *language, const text_unit &unit,
 {
     return is_same(before, unit.text) ||
            (!unit.forms.empty() &&
-            shows_the_same(language, without_end(before), without_end(unit.text)));
+            (shows_the_same(language, without_end(before), without_end(unit.text)) ||
+             (!without_end(before).empty() &&
+              plurals_.is_written_as(without_end(before), unit.forms))));
 }
 
 bool importer::is_outdated(const text_unit &unit, std::string_view reference) const
 {
-    if (unit.reference.empty() || is_same(reference, unit.reference))
+    if (unit.reference.empty() || unit.by_id || is_same(reference, unit.reference))
         return false;
     if (unit.forms.empty() || reference.find(plural_sign) == reference.npos)
         return true;
@@ -282,7 +287,7 @@ void importer::take_text(item_t *item, const char *language, const text_unit &un
     put_text(item->langs, language, after);
     item->changed = 1;
     // Somebody has to look at a new text, unless the file says that somebody has.
-    if (!unit.final)
+    if (request_.ready == ready_mark::as_is ? !unit.final : request_.ready == ready_mark::none)
         item->ready = 0;
     ++changed_;
     say(import_kind::text, unit, language, std::move(before), after);

@@ -40,7 +40,9 @@ struct import_event {
 struct import_request {
     bool comments = false;
     bool guesses = false; // fuzzy ones too
-    std::string language; // every file is of this language, whatever it says; empty: as it says
+    ready_mark ready =
+        ready_mark::as_is; // which texts count as final: those that say so, all, none
+    std::string language;  // every file is of this language, whatever it says; empty: as it says
     std::function<void(const import_event &)> hear;
 };
 
@@ -55,8 +57,9 @@ public:
     std::uint32_t changed() const { return changed_; }
     std::uint32_t guesses() const { return guesses_; }
 
-    // Of the last file: plurals without a text for each form, which count as untranslated, and what
-    // became of forms and numbers, a line each.
+    // Of the last file: what its format says of it, a line each; plurals without a text for each
+    // form, which count as untranslated, and what became of forms and numbers, a line each.
+    const std::vector<std::string> &notes() const { return notes_; }
     std::uint32_t partly() const { return plurals_.partly(); }
     std::vector<std::string> plural_notes() const { return plurals_.told(request_.comments); }
 
@@ -82,6 +85,7 @@ private:
     std::vector<const char *> resolved_; // of the file's languages; null: not known
     std::vector<text_unit> deferred_;    // of the file, which several items may be meant by
     plural_reader plurals_;              // of the file
+    std::vector<std::string> notes_;     // of the file
     fault wrong_;
     std::uint32_t changed_ = 0;
     std::uint32_t guesses_ = 0;

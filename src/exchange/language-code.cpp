@@ -1,5 +1,7 @@
 #include "exchange/language-code.h"
 
+#include "exchange/input.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -221,6 +223,21 @@ std::string_view name_of_code(std::string_view code)
         if (same_word(row.code.substr(0, row.code.find_first_of("_@")), code.substr(0, end)))
             return row.name;
     return {};
+}
+
+std::string code_of_file(std::string_view path)
+{
+    std::string_view stem = stem_of(path);
+    if (!path.ends_with(".ts"))
+        return code_of(stem);
+    for (;;) {
+        if (std::string code = code_of(stem); !name_of_code(code).empty())
+            return code;
+        const std::size_t end = stem.find_first_of("_-.");
+        if (end == stem.npos)
+            return {};
+        stem.remove_prefix(end + 1);
+    }
 }
 
 std::string xml_code(std::string_view code)

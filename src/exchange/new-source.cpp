@@ -7,6 +7,7 @@
 #include "exchange/plural-text.h"
 #include "exchange/po-read.h"
 #include "exchange/po-remarks.h"
+#include "exchange/ts.h"
 #include "langlib/plural-rule.h"
 #include "source/entry.h"
 #include "support/string-copy.h"
@@ -99,12 +100,11 @@ void new_source::add_language(const std::string &name)
 // The language's name: the header's own; else a word for its code, or the code where no word means
 // just that; else the file's. A file that is named by a longer code of the same language knows
 // better than its header: sr@latin, zh_TW.
-std::string new_source::name_language(const std::string &path, std::string_view header)
+std::string new_source::name_language(const std::string &path, const said_language &said)
 {
-    std::string name;
-    read_name(po_header_field(header, "X-Language-Name"), name);
-    std::string code(po_header_field(header, "Language"));
-    if (const std::string own = code_of(stem_of(path));
+    std::string name = said.name;
+    std::string code = said.code;
+    if (const std::string own = code_of_file(path);
         name.empty() && own.starts_with(code) &&
         (code.empty() || own.substr(code.size(), 1).find_first_of("_@") == 0))
         code = own;
@@ -123,9 +123,9 @@ std::string new_source::name_language(const std::string &path, std::string_view 
 
 // Two files of one language are two languages that somebody has called by one name; but one name in
 // two folders is one language in two parts of a project.
-fault new_source::choose_language(catalog &of, std::string_view header)
+fault new_source::choose_language(catalog &of, const said_language &said)
 {
-    of.language = name_language(of.path, header);
+    of.language = name_language(of.path, said);
     of.met = &met_[of.language];
     if (reading_ == from::catalogs)
         of.met->reserve(source_->item_count);
@@ -139,7 +139,10 @@ fault new_source::take_header(catalog &of, std::string_view bytes, const po_mess
 {
     const std::string &header = message.texts.front();
     of.own = po_header_field(header, "X-Generator") == "lang-kit";
-    fault wrong = choose_language(of, header);
+    said_language said;
+    read_name(po_header_field(header, "X-Language-Name"), said.name);
+    said.code = po_header_field(header, "Language");
+    fault wrong = choose_language(of, said);
     of.plurals.open(of.language, po_header_field(header, plural_field), plural_line(bytes));
     const std::string app(app_of(po_header_field(header, "Project-Id-Version")));
     if (!app.empty())
@@ -150,9 +153,11 @@ fault new_source::take_header(catalog &of, std::string_view bytes, const po_mess
 std::string new_source::group_of(const po_message &message) const
 {
     if (message.id.context)
-        return *message.id.context;
+        return message.group ? *message.group : *message.id.context;
     if (!request_.group.empty())
         return request_.group;
+    if (message.group)
+        return *message.group;
     return group_of_place(message.references);
 }
 
@@ -209,6 +214,8 @@ item_t *new_source::item_of(const catalog &of, const po_message &message, const 
     // Catalogs tell messages apart by context and id together. A text that was no plural in an
     // older one stays another item: its request is another, too.
     std::string identity = message.id.context ? *message.id.context + context_end : std::string();
+    if (!message.told_apart.empty())
+        identity += message.told_apart + context_end;
     if (!keyed)
         identity += one.plural ? *message.id.text + context_end : one.name;
     item_t *&item = known_[identity];
@@ -276,8 +283,9 @@ fault new_source::take_message(catalog &of, const po_message &message)
         ++guesses_;
     if (message.id.plural)
         return take_plural(of, message, is_guess);
-    take_part(of, message,
-              {*message.id.text, is_guess ? std::string() : message.texts.front(), {}});
+    part one{*message.id.text, is_guess ? std::string() : message.texts.front(), {}};
+    one.instead = message.reference;
+    take_part(of, message, one);
     return {};
 }
 
@@ -302,7 +310,8 @@ fault new_source::take_plural(catalog &of, const po_message &message, bool is_gu
     // a plural.
     if (*message.id.plural == *message.id.text) {
         one.name = *message.id.text;
-        const std::string form(without_end(one.name));
+        const std::string form(
+            without_end(message.reference.empty() ? one.name : message.reference));
         const std::string_view rule = plural_rule_of(request_.default_language);
         one.instead = form;
         for (std::size_t more = count_plural_forms(rule).everyday; more > 1; --more)
@@ -381,10 +390,42 @@ fault new_source::take(const std::string &path, std::string_view bytes)
         if (!wrong && !message.obsolete && !message.is_header())
             wrong = take_message(of, message);
     }
+    finish(of);
+    return wrong ? wrong : reader.wrong();
+}
+
+// Says what became of a catalog's plurals.
+void new_source::finish(const catalog &of)
+{
     for (const std::string &line : of.plurals.told(true))
         note(of, 0, line);
     partly_ += of.plurals.partly();
-    return wrong ? wrong : reader.wrong();
+}
+
+fault new_source::take_ts(const std::string &path, std::string_view bytes)
+{
+    ts_file file;
+    if (fault wrong = read_ts_file(bytes, file))
+        return wrong;
+    catalog of;
+    of.path = path;
+    of.own = file.own;
+    of.flags = std::any_of(file.messages.begin(), file.messages.end(),
+                           [](const po_message &one) { return !one.flags.empty(); });
+    // Of the name's code and a longer one in the file, whoever named the file knew which it needs.
+    if (const std::string named = code_of_file(path);
+        !named.empty() && file.language.code.starts_with(named + "_"))
+        file.language.code = named;
+    fault wrong = choose_language(of, file.language);
+    of.plurals.open(of.language, file.plural_field, 0);
+    for (const po_message &message : file.messages)
+        if (!wrong)
+            wrong = take_message(of, message);
+    for (const std::string &line : file.notes)
+        note(of, 0, line);
+    obsolete_ += file.obsolete;
+    finish(of);
+    return wrong;
 }
 
 } // namespace zel::exchange

@@ -13,6 +13,8 @@
 // places are where it is used. Every item is used, none is ready; with a template, what that lacks
 // is not used. Where lang-kit exported the
 // catalog, its keys give group and item back.
+//
+// TS files are taken in the same way, as exchange/ts.h tells.
 
 #include <cstdint>
 #include <functional>
@@ -26,6 +28,7 @@
 #include "exchange/input.h"
 #include "exchange/plural-reader.h"
 #include "exchange/po-message.h"
+#include "exchange/texts.h"
 #include "source/item-index.h"
 #include "source/model.h"
 
@@ -48,6 +51,7 @@ public:
 
     // Adds a catalog. After a fault the source is of no use.
     fault take(const std::string &path, std::string_view bytes);
+    fault take_ts(const std::string &path, std::string_view bytes);
 
     LangSource *source() const { return source_.get(); }
 
@@ -88,11 +92,12 @@ private:
         std::string instead = {}; // the default language's text, where it is not the name
     };
 
-    std::string name_language(const std::string &path, std::string_view header);
+    std::string name_language(const std::string &path, const said_language &said);
     void add_language(const std::string &name);
-    fault choose_language(catalog &of, std::string_view header);
+    fault choose_language(catalog &of, const said_language &said);
     fault take_header(catalog &of, std::string_view bytes, const po_message &message);
     fault take_message(catalog &of, const po_message &message);
+    void finish(const catalog &of);
     fault take_plural(catalog &of, const po_message &message, bool is_guess);
     void take_apart(const catalog &of, const po_message &message,
                     const plural_reader::answer &forms);

@@ -205,6 +205,18 @@ plural_reader::answer plural_reader::join(const std::vector<std::string> &forms,
     return out;
 }
 
+bool plural_reader::is_written_as(std::string_view text,
+                                  const std::vector<std::string> &forms) const
+{
+    if (ready_for_ != forms.size())
+        return false;
+    const std::size_t count = count_text_forms(text);
+    for (std::size_t form = 0; form < forms.size(); ++form)
+        if (text_form(text, plural_form(rule_, count, smallest_[form])) != without_end(forms[form]))
+            return false;
+    return true;
+}
+
 // The language's forms in its order. Those that begin at a million are left out where they say
 // nothing else.
 std::string plural_reader::joined_forms(const std::vector<std::string> &texts) const

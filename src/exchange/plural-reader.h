@@ -40,6 +40,10 @@ public:
     };
     answer join(const std::vector<std::string> &forms, std::uint32_t line);
 
+    // Whether a text goes out in these forms, of which the last message was joined: it may have
+    // more than the file can hold.
+    bool is_written_as(std::string_view text, const std::vector<std::string> &forms) const;
+
     // A line each for what is wrong with the header, lost and shifted, as "form 3 (for 1) has no
     // place: 6 texts kept as remarks"; or "left out" where the remarks were not taken.
     std::vector<std::string> told(bool kept) const;

@@ -57,6 +57,9 @@ void po_message::clear()
     fuzzy = obsolete = false;
     previous = id = {};
     texts.clear();
+    group.reset();
+    told_apart.clear();
+    reference.clear();
 }
 
 std::string_view po_header_field(std::string_view header, std::string_view name)

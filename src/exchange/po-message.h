@@ -40,6 +40,11 @@ struct po_message {
     po_id id;
     std::vector<std::string> texts; // one, or one for each plural form
     std::uint32_t line = 0;         // of its first word
+    // Of a format that says more than catalogs do, else empty: the item's group where it is not the
+    // context, what tells the message apart besides context and id, and the text that its id names.
+    std::optional<std::string> group;
+    std::string told_apart;
+    std::string reference;
 
     bool is_header() const { return !id.context && id.text && id.text->empty(); }
     void clear();

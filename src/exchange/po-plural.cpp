@@ -63,6 +63,11 @@ bool message_check::fits(std::string_view text, bool may_leave_out_arguments) co
 }
 
 plural_outlet::plural_outlet(const exporter &from)
+    : plural_outlet(from, [](std::string_view) { return std::string(); })
+{
+}
+
+plural_outlet::plural_outlet(const exporter &from, std::string (*field_of)(std::string_view))
 {
     for (const lang_t *lang : from.languages())
         add_language(lang->name);
@@ -72,7 +77,10 @@ plural_outlet::plural_outlet(const exporter &from)
             if (item->used != 0 || from.request().unused)
                 look_at(from.source(), item, needs_rare);
     for (std::size_t at = 0; any_ && at < ways_.size(); ++at)
-        make_way(ways_[at], header_of_rule(ways_[at].rule, needs_rare[at]));
+        if (const std::string field = field_of(names_[at]); !field.empty())
+            make_way(ways_[at], field);
+        else
+            make_way(ways_[at], header_of_rule(ways_[at].rule, needs_rare[at]));
 }
 
 plural_outlet::plural_outlet(const exporter &from, const std::string &field) : any_(true)

@@ -40,6 +40,10 @@ class plural_outlet {
 public:
     explicit plural_outlet(const exporter &from);
 
+    // For a format that has a way of its own: the field's value for a language by its name, empty
+    // for the language's own.
+    plural_outlet(const exporter &from, std::string (*field_of)(std::string_view language));
+
     // For a catalog that has a header: the field's value, or the language's own where that is none.
     plural_outlet(const exporter &from, const std::string &field);
 

@@ -42,6 +42,7 @@ struct text_unit {
     bool loose = false;
     std::optional<std::string> context;
     std::string code_group;
+    bool by_id = false;         // the reference finds the item, whose own text may be another
     std::uint32_t language = 0; // position in file_texts::languages
     std::uint32_t line = 0;
 };
@@ -51,6 +52,7 @@ struct file_texts {
     std::vector<said_language> languages;
     std::string plural_field; // how a catalog counts (exchange/plural-header.h)
     std::uint32_t plural_line = 0;
+    std::vector<std::string> notes; // what somebody should know of the file, a line each
     std::vector<text_unit> units;
 };
 

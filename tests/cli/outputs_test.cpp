@@ -39,6 +39,7 @@ constexpr const char *writers[] = {
     "lang-kit export --format json -o exported app.lang-src",
     "lang-kit export --format csv -o exported app.lang-src",
     "lang-kit export --format po --language a -o exported app.lang-src",
+    "lang-kit export --format ts --language a -o exported app.lang-src",
     "lang-kit export --format xliff --language a -o exported app.lang-src",
     "lang-kit export --format xliff2 --language a -o exported app.lang-src",
 };
@@ -60,7 +61,7 @@ protected:
         fs::create_directory("t");
         fs::permissions("t", fs::perms(01777));
         fs::create_directory("exported");
-        for (const char *name : {"app.json", "app.csv", "a.po", "a.xliff"})
+        for (const char *name : {"app.json", "app.csv", "a.po", "a.ts", "a.xliff"})
             fs::create_symlink("../t/out.lang", std::string("exported/") + name);
         write_file("precious", "precious");
     }

@@ -55,6 +55,7 @@ TEST(Hostile, FaultsNameTheirLineAndCause)
         for (std::size_t at = 0; at < row[0].size(); ++at)
             bytes += row[0][at] != '@'         ? std::string(1, row[0][at])
                      : row.section == "po"     ? po_head
+                     : row.section == "ts"     ? "<!DOCTYPE TS>\n<TS language=\"de\"><message>"
                      : at + 1 == row[0].size() ? xliff_tail
                                                : xliff_head;
         expect_fault(row.section, bytes, static_cast<std::uint32_t>(std::stoi(row[1])), row[2]);
@@ -112,7 +113,7 @@ TEST_P(Broken, IsReadOrRefused)
     EXPECT_LT(refused, 4000U);
 }
 
-INSTANTIATE_TEST_SUITE_P(Readers, Broken, testing::Values("po", "csv", "xliff", "xliff2", "json"),
+INSTANTIATE_TEST_SUITE_P(Readers, Broken, testing::Values("po", "ts", "csv", "xliff", "xliff2", "json"),
                          [](const auto &param) { return std::string(param.param); });
 
 } // namespace

@@ -59,7 +59,8 @@ TEST_P(RoundTrip, ChangesNothing)
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, RoundTrip,
-                         testing::Values(trip{"po", false}, trip{"po", true}, trip{"csv", false},
+                         testing::Values(trip{"po", false}, trip{"po", true}, trip{"ts", false},
+                                         trip{"ts", true}, trip{"csv", false},
                                          trip{"csv", true}, trip{"xliff", false},
                                          trip{"xliff", true}, trip{"xliff2", false},
                                          trip{"xliff2", true}),
@@ -83,7 +84,7 @@ std::vector<std::string> all_texts(LangSource *source)
 
 TEST(RoundTrip, EveryTextArrivesInASourceWithoutTexts)
 {
-    for (const char *format : {"po", "csv", "xliff", "xliff2"}) {
+    for (const char *format : {"po", "ts", "csv", "xliff", "xliff2"}) {
         const source_guard source = source_of(awkward_source(7, false).make(40));
         const auto texts = all_texts(source.get());
         export_request request;

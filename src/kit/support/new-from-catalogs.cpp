@@ -33,8 +33,7 @@ void print_summary(const exchange::new_source &made, const std::string &path)
         std::fprintf(stderr, "%s\n", line.c_str());
 }
 
-bool take_file(const std::string &path, exchange::new_source &into,
-               exchange::fault (exchange::new_source::*take)(const std::string &, std::string_view))
+bool take_file(const std::string &path, exchange::new_source &into, take_catalog take)
 {
     std::string bytes;
     exchange::fault wrong = exchange::read_input(path, bytes);
@@ -53,8 +52,9 @@ void say_fault(const std::string &path, const exchange::fault &wrong)
     std::fprintf(stderr, "%s%s: error: %s\n", path.c_str(), line.c_str(), wrong.text.c_str());
 }
 
-int make_from_catalogs(const exchange::new_request &request, const std::string &pot,
-                       const std::vector<std::string> &catalogs, const destination &to)
+int make_from_catalogs(const exchange::new_request &request, take_catalog take,
+                       const std::string &pot, const std::vector<std::string> &catalogs,
+                       const destination &to)
 {
     // Looked at before the catalogs: whoever writes the file meanwhile is not overwritten.
     const seen_file before(to.path);
@@ -63,7 +63,7 @@ int make_from_catalogs(const exchange::new_request &request, const std::string &
         return status_fault;
     // One bad catalog ends the run: a source that lacks a language would look complete.
     for (const std::string &path : catalogs)
-        if (!take_file(path, made, &exchange::new_source::take))
+        if (!take_file(path, made, take))
             return status_fault;
     print_summary(made, to.path);
     return write(to, made.source(), {before}) ? status_fine : status_fault;

@@ -10,10 +10,15 @@
 
 namespace zel::kit {
 
+// How the catalogs are read.
+using take_catalog = exchange::fault (exchange::new_source::*)(const std::string &path,
+                                                               std::string_view bytes);
+
 // Reads the template (an empty path: there is none) and the catalogs, and writes the source; what
 // it holds is said on standard output. Returns the exit status.
-int make_from_catalogs(const exchange::new_request &request, const std::string &pot,
-                       const std::vector<std::string> &catalogs, const destination &to);
+int make_from_catalogs(const exchange::new_request &request, take_catalog take,
+                       const std::string &pot, const std::vector<std::string> &catalogs,
+                       const destination &to);
 
 // A fault in a file from outside, on standard error as editors find its place.
 void say_fault(const std::string &path, const exchange::fault &wrong);

@@ -3,6 +3,7 @@
 #include "kit/support/like-catalogs.h"
 #include "kit/support/options.h"
 #include "kit/support/output.h"
+#include "kit/support/ready-option.h"
 #include "kit/support/sources.h"
 #include "kit/support/text-file.h"
 #include "kit/words/word-list.h"
@@ -112,6 +113,7 @@ int run_export(const word &self, int argc, char **argv)
     std::string format_name;
     std::string folder;
     std::string context;
+    std::string ready;
     std::vector<std::string> like;
     bool dry_run = false;
     exchange::export_request request;
@@ -143,6 +145,10 @@ int run_export(const word &self, int argc, char **argv)
           .argument = "WHAT",
           .help = "po, pot: what tells messages apart: key, group or none",
           .text = &context},
+         {.name = "ready",
+          .argument = "WHICH",
+          .help = "ts, xliff, xliff2: texts that are final: asis, all or none",
+          .text = &ready},
          {.name = "unused",
           .help = "items too that the application does not use",
           .on = &request.unused}},
@@ -166,6 +172,10 @@ int run_export(const word &self, int argc, char **argv)
     }
     if (!like.empty() && (row.write != exchange::write_po || !request.languages.empty()))
         return wrong_use(self, "--like is for --format po, without --language");
+    if (const auto mark = choose_ready(self, row, ready))
+        request.ready = *mark;
+    else
+        return status_fault;
     const source_guard source = read(line.files.front());
     if (!source)
         return status_fault;
@@ -196,7 +206,9 @@ int run_export(const word &self, int argc, char **argv)
         std::fprintf(stderr,
                      "lang-kit: %s: left out %s behind another of the same group and name\n",
                      line.files.front().c_str(), counted(from.repeated(), "item").c_str());
-    return status_fine;
+    for (const std::string &text : from.lost)
+        std::fprintf(stderr, "lang-kit: %s: %s\n", line.files.front().c_str(), text.c_str());
+    return from.lost.empty() ? status_fine : status_found;
 }
 
 } // namespace zel::kit

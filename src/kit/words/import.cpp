@@ -1,9 +1,11 @@
 #include "exchange/import.h"
 #include "exchange/json.h"
 #include "exchange/key.h"
+#include "exchange/ts.h"
 #include "kit/support/new-from-catalogs.h"
 #include "kit/support/options.h"
 #include "kit/support/output.h"
+#include "kit/support/ready-option.h"
 #include "kit/support/sources.h"
 #include "kit/words/word-list.h"
 #include "merge/compare.h"
@@ -23,6 +25,7 @@ struct import_options {
     bool dry_run = false;
     bool make_new = false;
     std::string pot;
+    std::string ready;
     exchange::import_request request;
     exchange::new_request fresh;
 };
@@ -95,11 +98,13 @@ bool take_file(const exchange::format &row, const std::string &path, exchange::i
     return !wrong;
 }
 
-void print_plural_notes(const std::string &path, const exchange::importer &into)
+void print_notes(const std::string &path, const exchange::importer &into)
 {
     if (into.partly() != 0)
         std::fprintf(stderr, "%s: left out %s without a text for each form\n", path.c_str(),
                      counted(into.partly(), "plural").c_str());
+    for (const std::string &line : into.notes())
+        std::fprintf(stderr, "%s: %s\n", path.c_str(), line.c_str());
     for (const std::string &line : into.plural_notes())
         std::fprintf(stderr, "%s: %s\n", path.c_str(), line.c_str());
 }
@@ -188,7 +193,7 @@ int take_files(const exchange::format &row, import_options &options,
         if (into.guesses() != guesses)
             std::fprintf(stderr, "%s: left out %s\n", files[at].c_str(),
                          counted(into.guesses() - guesses, "fuzzy text").c_str());
-        print_plural_notes(files[at], into);
+        print_notes(files[at], into);
     }
     const std::string &to = options.output.empty() ? files.front() : options.output;
     // What has not changed is not written: no backup, no new time.
@@ -201,15 +206,20 @@ int take_files(const exchange::format &row, import_options &options,
 int make_new(const word &self, import_options &options, const exchange::format &row,
              const std::vector<std::string> &files)
 {
-    if (std::string_view(row.name) != "po")
-        return wrong_use(self, "--new is for --format po");
+    const bool is_ts = row.read == exchange::read_ts;
+    if (std::string_view(row.name) != "po" && !is_ts)
+        return wrong_use(self, "--new is for --format po and ts");
+    if (is_ts && !options.pot.empty())
+        return wrong_use(self, "--template is for --format po");
     if (options.output.empty())
         return wrong_use(self, "--new needs -o FILE");
     if (!is_absent(options.output))
         return wrong_use(self, "\"" + options.output + "\" is there already");
     options.fresh.guesses = options.request.guesses;
     options.fresh.now = std::time(nullptr);
-    return make_from_catalogs(options.fresh, options.pot, files, {options.output, options.dry_run});
+    return make_from_catalogs(options.fresh,
+                              is_ts ? &exchange::new_source::take_ts : &exchange::new_source::take,
+                              options.pot, files, {options.output, options.dry_run});
 }
 
 int import_into(const word &self, import_options &options, const exchange::format &row,
@@ -243,6 +253,10 @@ int run_import(const word &self, int argc, char **argv)
           .text = &options.request.language},
          {.name = "comments", .help = "take comments too", .on = &options.request.comments},
          {.name = "fuzzy", .help = "take fuzzy texts too", .on = &options.request.guesses},
+         {.name = "ready",
+          .argument = "WHICH",
+          .help = "ts, xliff, xliff2: texts that count as final: asis, all or none",
+          .text = &options.ready},
          {.name = "dry-run", .help = "only say what would change", .on = &options.dry_run},
          {.name = "output",
           .argument = "FILE",
@@ -269,6 +283,10 @@ int run_import(const word &self, int argc, char **argv)
     if (at < 0)
         return status_fault;
     const exchange::format &row = exchange::formats()[static_cast<std::size_t>(at)];
+    if (const auto ready = choose_ready(self, row, options.ready))
+        options.request.ready = *ready;
+    else
+        return status_fault;
     if (!options.make_new && !options.pot.empty())
         return wrong_use(self, "--template is for --new");
     return options.make_new ? make_new(self, options, row, line.files)
