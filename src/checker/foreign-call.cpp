@@ -9,33 +9,33 @@ namespace zel {
 
 namespace {
 
-// word, item, plural, number, context, domain, least, most, is_mark
+// word, item, plural, number, context, domain, comment, least, most, is_mark
 constexpr foreign_form gettext_forms[] = {
-    {"_", 1, 0, 0, 0, 0, 1, 1, false},
-    {"gettext", 1, 0, 0, 0, 0, 1, 1, false},
-    {"N_", 1, 0, 0, 0, 0, 1, 1, true},
-    {"gettext_noop", 1, 0, 0, 0, 0, 1, 1, true},
-    {"ngettext", 1, 2, 3, 0, 0, 3, 3, false},
-    {"pgettext", 2, 0, 0, 1, 0, 2, 2, false},
-    {"C_", 2, 0, 0, 1, 0, 2, 2, false},
-    {"NC_", 2, 0, 0, 1, 0, 2, 2, true},
-    {"npgettext", 2, 3, 4, 1, 0, 4, 4, false},
-    {"dgettext", 2, 0, 0, 0, 1, 2, 2, false},
-    {"g_dgettext", 2, 0, 0, 0, 1, 2, 2, false},
-    {"dcgettext", 2, 0, 0, 0, 1, 3, 3, false},
-    {"dngettext", 2, 3, 4, 0, 1, 4, 4, false},
-    {"g_dngettext", 2, 3, 4, 0, 1, 4, 4, false},
-    {"dcngettext", 2, 3, 4, 0, 1, 5, 5, false},
-    {"dpgettext", 3, 0, 0, 2, 1, 3, 3, false},
-    {"g_dpgettext2", 3, 0, 0, 2, 1, 3, 3, false},
-    {"dnpgettext", 3, 4, 5, 2, 1, 5, 5, false},
+    {"_", 1, 0, 0, 0, 0, 0, 1, 1, false},
+    {"gettext", 1, 0, 0, 0, 0, 0, 1, 1, false},
+    {"N_", 1, 0, 0, 0, 0, 0, 1, 1, true},
+    {"gettext_noop", 1, 0, 0, 0, 0, 0, 1, 1, true},
+    {"ngettext", 1, 2, 3, 0, 0, 0, 3, 3, false},
+    {"pgettext", 2, 0, 0, 1, 0, 0, 2, 2, false},
+    {"C_", 2, 0, 0, 1, 0, 0, 2, 2, false},
+    {"NC_", 2, 0, 0, 1, 0, 0, 2, 2, true},
+    {"npgettext", 2, 3, 4, 1, 0, 0, 4, 4, false},
+    {"dgettext", 2, 0, 0, 0, 1, 0, 2, 2, false},
+    {"g_dgettext", 2, 0, 0, 0, 1, 0, 2, 2, false},
+    {"dcgettext", 2, 0, 0, 0, 1, 0, 3, 3, false},
+    {"dngettext", 2, 3, 4, 0, 1, 0, 4, 4, false},
+    {"g_dngettext", 2, 3, 4, 0, 1, 0, 4, 4, false},
+    {"dcngettext", 2, 3, 4, 0, 1, 0, 5, 5, false},
+    {"dpgettext", 3, 0, 0, 2, 1, 0, 3, 3, false},
+    {"g_dpgettext2", 3, 0, 0, 2, 1, 0, 3, 3, false},
+    {"dnpgettext", 3, 4, 5, 2, 1, 0, 5, 5, false},
 };
 
 constexpr foreign_form qt_forms[] = {
-    {"tr", 1, 0, 3, 0, 0, 1, 3, false},
-    {"translate", 2, 0, 4, 1, 0, 2, 4, false},
-    {"QT_TR_NOOP", 1, 0, 0, 0, 0, 1, 1, true},
-    {"QT_TRANSLATE_NOOP", 2, 0, 0, 1, 0, 2, 2, true},
+    {"tr", 1, 0, 3, 0, 0, 2, 1, 3, false},
+    {"translate", 2, 0, 4, 1, 0, 3, 2, 4, false},
+    {"QT_TR_NOOP", 1, 0, 0, 0, 0, 0, 1, 1, true},
+    {"QT_TRANSLATE_NOOP", 2, 0, 0, 1, 0, 0, 2, 2, true},
 };
 
 class call_finder {

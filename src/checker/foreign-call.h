@@ -21,6 +21,7 @@ struct foreign_form {
     std::uint8_t number;  // that the form is for
     std::uint8_t context; // tells texts apart
     std::uint8_t domain;  // names the catalog: the source is one
+    std::uint8_t comment; // may tell two texts of one context apart
     std::uint8_t least;   // how many there are
     std::uint8_t most;
     bool is_mark; // the text itself: it stands where the compiler wants a constant

@@ -214,15 +214,28 @@ private:
         return replace(call, item, name, context, group);
     }
 
+    bool has_item(const std::string &group, const std::string &name) const
+    {
+        return of_.items_.find(group.c_str(), name.c_str()) != nullptr;
+    }
+
+    // What tells two texts of one class apart; empty where nothing does.
+    std::string comment_of(const foreign_call &call) const
+    {
+        const std::uint8_t at = call.form->comment;
+        return at == 0 || call.arguments.size() < at ? "" : read(argument(call, at)).text;
+    }
+
     // The group in which the source has the text. Empty, or why there is none.
     std::string find_group(const foreign_call &call, const read_argument &context,
                            const std::string &name, std::string &group) const
     {
-        if (context.pieces != 0)
-            group = context.text;
-        else if (!call.scope.empty() &&
-                 of_.items_.find(call.scope.c_str(), name.c_str()) != nullptr)
-            group = call.scope;
+        const std::string &scope = context.pieces != 0 ? context.text : call.scope;
+        const std::string commented = scope + "|" + comment_of(call);
+        if (!scope.empty() && has_item(commented, name))
+            group = commented;
+        else if (context.pieces != 0 || (!scope.empty() && has_item(scope, name)))
+            group = scope;
         else if (of_.how_.by_file)
             group = exchange::stem_of(path_);
         else if (!of_.how_.group.empty())
@@ -285,51 +298,58 @@ private:
     {
         const std::string target = target_of(call, item);
         const bool is_described = target == "lang_dummy" || target == "lang_get";
-        constexpr std::size_t longest =
-            1000; // that the check reads of such an item, and of a group
+        // That is what the check reads of a group, and of an item behind a description.
+        constexpr std::size_t longest = 1000;
         if ((is_described && name.size() > longest) || group.size() > longest)
             return "too long a text for the check";
         if (context.pieces > 1 && target != "lang_text" && target != "lang_count")
             return "its context is in pieces";
-        if (std::string why = drop_arguments(call); !why.empty()) {
-            pending_.clear();
+        pending_.clear();
+        if (std::string why = drop_arguments(call); !why.empty())
             return why;
-        }
         const indexed_item *held = of_.items_.find(group.c_str(), name.c_str());
-        const bool is_object = of_.how_.from == call_dialect::qt && !call.form->is_mark;
-        // The word, through its parenthesis.
-        pending_.push_back({tokens_[call.first].begin, tokens_[call.word].end,
-                            (is_object ? "QString::fromUtf8(" : "") + target});
+        put_word(call, target);
         if (is_described)
             insert(tokens_[call.word + 1].end,
                    code_literal(held == nullptr ? "" : description_of(held->item)) + ", ");
-        if (call.form->context == 0)
+        if (context.pieces == 0 || group != context.text)
             put_group(call, code_literal(group));
         if (call.form->plural != 0)
             join_plural(argument(call, call.form->item), argument(call, call.form->plural));
-        if (is_object)
-            insert(tokens_[call.closing].end, ")");
         edits_.insert(edits_.end(), pending_.begin(), pending_.end());
-        pending_.clear();
         first_ = std::min(first_, tokens_[call.first].begin);
         ++out_.turned;
-        if (held == nullptr) {
-            std::string key;
-            exchange::append_key(key, group, name);
-            note(call, "the source has no item " + key, true);
-        }
+        if (held == nullptr)
+            note_lacking(call, group, name);
         return {};
+    }
+
+    void note_lacking(const foreign_call &call, const std::string &group, const std::string &name)
+    {
+        std::string key;
+        exchange::append_key(key, group, name);
+        note(call, "the source has no item " + key, true);
+    }
+
+    // The other library's calls give objects.
+    void put_word(const foreign_call &call, const std::string &target)
+    {
+        const bool is_object = of_.how_.from == call_dialect::qt && !call.form->is_mark;
+        pending_.push_back({tokens_[call.first].begin, tokens_[call.word].end,
+                            (is_object ? "QString::fromUtf8(" : "") + target});
+        if (is_object)
+            insert(tokens_[call.closing].end, ")");
     }
 
     void insert(std::size_t at, std::string text) { pending_.push_back({at, at, std::move(text)}); }
 
-    // The group takes the domain's place, or stands before the text.
+    // The group takes the place of the context or the domain, or stands before the text.
     void put_group(const foreign_call &call, const std::string &literal)
     {
-        if (call.form->domain == 0)
+        const unsigned at = call.form->context != 0 ? call.form->context : call.form->domain;
+        if (at == 0)
             return insert(begin_of(argument(call, call.form->item)), literal + ", ");
-        const foreign_argument &domain = argument(call, call.form->domain);
-        pending_.push_back({begin_of(domain), end_of(domain), literal});
+        pending_.push_back({begin_of(argument(call, at)), end_of(argument(call, at)), literal});
     }
 
     // Takes out what a request does not have: a domain before a context, and what stands behind the
