@@ -46,6 +46,9 @@ private:
         path_.emplace_back(name);
         if (path_.size() == 1)
             return name == "tmx" || fail("no TMX");
+        // Inside a text there are only tags.
+        if (seg_ != 0)
+            return true;
         if (name == "header") {
             is_own_ = attribute("creationtool") == "lang-kit";
             source_ = memory_code(attribute("srclang"));
@@ -57,7 +60,7 @@ private:
         } else if (name == "tuv" && in("tu")) {
             std::string code = attribute("xml:lang");
             variants_.push_back({memory_code(code.empty() ? attribute("lang") : code), {}});
-        } else if (name == "seg" && in("tuv")) {
+        } else if (name == "seg" && in("tuv") && !variants_.empty()) {
             seg_ = path_.size();
         }
         return true;
@@ -67,12 +70,12 @@ private:
     {
         const std::string name = std::move(path_.back());
         path_.pop_back();
-        if (name == "tu")
-            close_unit();
-        else if (name == "prop")
-            property_ = nullptr;
         if (path_.size() < seg_)
             seg_ = 0;
+        else if (seg_ == 0 && name == "tu")
+            close_unit();
+        else if (seg_ == 0 && name == "prop")
+            property_ = nullptr;
         return true;
     }
 
@@ -106,6 +109,7 @@ private:
         for (const variant &one : variants_)
             if (&one != source && one.code != source->code)
                 take(*source, one);
+        variants_.clear();
     }
 
     // What the others translate: in the file's source language, or a variant of it; else the first.
