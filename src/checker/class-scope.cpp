@@ -63,7 +63,9 @@ std::string class_scope::named_behind(const std::vector<code_token> &head,
             is_behind = false;
         } else if (is_behind && head[at].is == code_token::kind::name && here != "final") {
             // Of "class EXPORT Window" the last one is the name.
-            out = out.ends_with(':') ? out + std::string(here) : std::string(here);
+            if (!out.ends_with(':'))
+                out.clear();
+            out += here;
         }
     }
     return out;

@@ -14,6 +14,7 @@ public:
     include_place find(std::size_t before)
     {
         out_.is_wanted = true;
+        before_ = before;
         out_.position = first_line();
         base_ = guard_depth();
         for (std::size_t at = 0; at < tokens_.size(); ++at) {
@@ -101,7 +102,8 @@ private:
     void put_behind(std::size_t at)
     {
         const std::size_t end = line_end(at);
-        if (is_over_ || end == bytes_.npos)
+        // A line may hold more than its directive.
+        if (is_over_ || end >= before_)
             return;
         // A remark or a backslash may go on in the next line.
         const std::string_view line = bytes_.substr(tokens_[at].begin, end - tokens_[at].begin);
@@ -115,6 +117,7 @@ private:
     std::string_view bytes_;
     const std::vector<code_token> &tokens_;
     include_place out_;
+    std::size_t before_ = 0;
     int depth_ = 0;
     int base_ = 0;
     bool has_header_ = false; // some line so far
