@@ -1,3 +1,4 @@
+#include "exchange/carry.h"
 #include "exchange/key.h"
 #include "exchange/language-code.h"
 #include "exchange/tmx.h"
@@ -57,6 +58,8 @@ private:
         } else if (name == "prop" && in("tu")) {
             const std::string type = attribute("type");
             property_ = type == "x-form" ? &form_ : type == "x-reference" ? &whole_ : nullptr;
+        } else if (name == "prop" && in("header") && is_own_) {
+            property_ = attribute("type") == "x-language" ? &named_ : nullptr;
         } else if (name == "tuv" && in("tu")) {
             std::string code = attribute("xml:lang");
             variants_.push_back({memory_code(code.empty() ? attribute("lang") : code), {}});
@@ -97,6 +100,8 @@ private:
     void open_unit()
     {
         key_ = is_own_ ? attribute("tuid") : "";
+        // A key may have characters that stand for bytes elsewhere.
+        uncarry(key_, encoding::any);
         line_ = line();
         form_.clear();
         whole_.clear();
@@ -107,7 +112,7 @@ private:
     {
         const variant *source = source_of_unit();
         for (const variant &one : variants_)
-            if (&one != source && one.code != source->code)
+            if (&one != source && (is_own_ || one.code != source->code))
                 take(*source, one);
         variants_.clear();
     }
@@ -115,6 +120,9 @@ private:
     // What the others translate: in the file's source language, or a variant of it; else the first.
     const variant *source_of_unit() const
     {
+        // Languages without a code look the same.
+        if (is_own_ && !variants_.empty())
+            return variants_.data();
         for (const variant &one : variants_)
             if (one.code == source_)
                 return &one;
@@ -152,8 +160,10 @@ private:
     {
         const auto next = static_cast<std::uint32_t>(file_.languages.size());
         const auto [found, added] = languages_.emplace(code, next);
-        if (added)
+        if (added) {
             file_.languages.push_back({{}, code});
+            read_name(named_, file_.languages.back().name);
+        }
         return found->second;
     }
 
@@ -169,6 +179,7 @@ private:
     std::unordered_map<std::string, std::uint32_t> languages_; // positions of codes
     bool is_own_ = false;
     std::string source_; // code
+    std::string named_;  // the language as a source names it, in files of lang-kit
     std::vector<std::string> path_;
     std::size_t seg_ = 0;             // its depth while one is open
     std::string *property_ = nullptr; // that is read
@@ -208,7 +219,7 @@ std::string without_type(std::string_view bytes)
 fault read_tmx(std::string_view bytes, encoding, const text_listener &hear)
 {
     tmx_reader reader(hear);
-    const fault wrong = reader.walk(without_type(bytes), "TMX");
+    fault wrong = reader.walk(without_type(bytes), "TMX");
     if (!wrong)
         reader.finish();
     return wrong;

@@ -32,8 +32,8 @@ public:
 
     void write()
     {
-        for (outgoing_file &file : to_)
-            append_head(file.text);
+        for (std::size_t at = 0; at < to_.size(); ++at)
+            append_head(to_[at].text, at);
         from_.each_item([&](const outgoing_item &item) {
             for (std::size_t at = 0; at < to_.size(); ++at) {
                 append_texts_of(item, at);
@@ -49,13 +49,17 @@ public:
 private:
     std::string_view default_language() const { return view_of(from_.source().default_lang); }
 
-    void append_head(std::string &out) const
+    void append_head(std::string &out, std::size_t at) const
     {
         out += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<tmx version=\"1.4\">\n<header "
                "creationtool=\"lang-kit\" creationtoolversion=\"1\" segtype=\"block\" "
                "o-tmf=\"lang-src\" adminlang=\"en\"";
         append_attribute(out, "srclang", reference_code_);
-        out += " datatype=\"plaintext\"/>\n<body>\n";
+        out += " datatype=\"plaintext\">\n";
+        std::string name;
+        append_name(name, view_of(from_.languages()[at]->name));
+        append_element(out, "<prop type=\"x-language\"", "prop", name);
+        out += "</header>\n<body>\n";
     }
 
     bool is_left_out(const outgoing_item &item, std::size_t at) const

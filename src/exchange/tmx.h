@@ -4,7 +4,8 @@
 // read.
 //
 // A unit has two texts, the reference first; its tuid is the item's key (exchange/key.h), the
-// property "context" its group, a note the description. A plural has a unit for each form: the form
+// property "context" its group, a note the description. The header's property "x-language" is the
+// language as the source names it. A plural has a unit for each form: the form
 // for 1 translates the reference's, each other one the reference's last. The property "x-form"
 // counts them from 0, and "x-reference" is the whole reference. Guesses are left out, and so are
 // texts with characters that XML does not have: a memory keeps no bytes of ours.
