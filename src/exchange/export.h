@@ -79,12 +79,10 @@ public:
         std::uint32_t partly = 0;
     };
     plural_count plurals;
+    std::uint32_t unheld = 0; // texts that a format could not hold, and that are left out
 
     // Forms of texts for which a format's own way of counting has no number, a line each.
     std::vector<std::string> lost;
-
-    // Texts that a format could not hold, and that are left out.
-    std::uint32_t unheld = 0;
 
     // Calls for each item, once per group and name; the record is good for the call.
     void each_item(const std::function<void(const outgoing_item &)> &write);

@@ -55,8 +55,8 @@ void append_wanted(std::string &out, const LangSource *source, const wanted_text
     const std::string reference = reference_text(*source, item);
     out += '{';
     append_member(out, "reference", reference);
-    append_member(out, "language", wanted.language);
-    append_member(out, "code", exchange::code_of(wanted.language));
+    append_member(out, "language", view_of(wanted.language));
+    append_member(out, "code", exchange::code_of(view_of(wanted.language)));
     append_member(out, "group", view_of(wanted.group->name));
     append_member(out, "item", view_of(item->name));
     append_member(out, "description", description_of(item));
