@@ -36,7 +36,7 @@ _lang_kit()
     if [[ -z $files ]]; then
         [[ $word == -* ]] || words=
         case ${COMP_WORDS[1]} in
-        import | check) files=all ;;
+        import | check | adopt) files=all ;;
         start) files=none ;;
         *) files=sources ;;
         esac

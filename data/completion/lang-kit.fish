@@ -42,7 +42,7 @@ function __lang_kit
         return
     end
     switch $before[2]
-        case import check
+        case import check adopt
             __fish_complete_path $current
         case start
         case '*'

@@ -67,15 +67,16 @@ int search_entry(tree_walk &w, const char *path, const char *name)
 {
     struct stat status;
     const bool known = zel_stat(path, &status) == 0;
+    const bool is_wanted = w.to.wants == nullptr ? is_scanned(name) : w.to.wants(name);
     if (known && S_ISDIR(status.st_mode))
         return step_down(w, path, {status.st_dev, status.st_ino});
     // A link that leads nowhere is no loss, and the scan itself complains about its own files.
-    if (!known && errno != ENOENT && errno != ELOOP && !is_scanned(name))
+    if (!known && errno != ENOENT && errno != ELOOP && !is_wanted)
         w.to.not_seen(path);
     LogPrint(1, "_check_rec: check file >%s<>%s<\n", path, name);
     // Pipes and devices are no sources, and reading one might not end. What has no status, such as
     // a link that leads nowhere, is left to the scan to complain about.
-    if (!is_scanned(name) || (known && !S_ISREG(status.st_mode)))
+    if (!is_wanted || (known && !S_ISREG(status.st_mode)))
         return 0;
     return w.to.scan(path);
 }

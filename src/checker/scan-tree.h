@@ -4,6 +4,7 @@
 // files, by their names. Links are followed, but not to a directory that is being searched already.
 
 #include <functional>
+#include <string_view>
 
 namespace zel {
 
@@ -13,6 +14,8 @@ struct tree_scan {
     std::function<void(const char *directory)> not_opened;
     // What the system does not let look at (errno says why) is passed over; it may be a directory.
     std::function<void(const char *path)> not_seen;
+    // Which files of a directory, by their names, where it is not those that the check scans.
+    bool (*wants)(std::string_view name) = nullptr;
 };
 
 // -1 also, after not_opened, for a directory that cannot be read to its end. A path that is a

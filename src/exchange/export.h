@@ -79,6 +79,7 @@ public:
         std::uint32_t partly = 0;
     };
     plural_count plurals;
+    std::uint32_t unheld = 0; // texts that a format could not hold, and that are left out
 
     // Forms of texts for which a format's own way of counting has no number, a line each.
     std::vector<std::string> lost;

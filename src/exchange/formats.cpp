@@ -3,6 +3,7 @@
 #include "exchange/csv.h"
 #include "exchange/json.h"
 #include "exchange/po.h"
+#include "exchange/tmx.h"
 #include "exchange/ts.h"
 #include "exchange/xliff.h"
 
@@ -19,6 +20,7 @@ constexpr format table[] = {
     {"ts", ".ts", files::per_language, write_ts, read_ts, true},
     {"xliff", ".xliff", files::per_language, write_xliff, read_xliff, true},
     {"xliff2", ".xliff", files::per_language, write_xliff2, read_xliff, true},
+    {"tmx", ".tmx", files::per_language, write_tmx, read_tmx},
     {"csv", ".csv", files::one, write_csv, read_csv},
     {"json", ".json", files::one, write_json, nullptr},
 };

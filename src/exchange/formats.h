@@ -26,7 +26,7 @@ struct format {
 
 std::span<const format> formats();
 std::vector<const char *> format_names();
-inline constexpr char format_help[] = "po, pot, ts, xliff, xliff2, csv or json";
+inline constexpr char format_help[] = "po, pot, ts, xliff, xliff2, tmx, csv or json";
 const format *find_format(std::string_view name); // null when there is none
 
 // Reads all texts of a file, for whoever looks among them: the format is known by its name, or for

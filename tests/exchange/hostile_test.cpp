@@ -113,7 +113,8 @@ TEST_P(Broken, IsReadOrRefused)
     EXPECT_LT(refused, 4000U);
 }
 
-INSTANTIATE_TEST_SUITE_P(Readers, Broken, testing::Values("po", "ts", "csv", "xliff", "xliff2", "json"),
+INSTANTIATE_TEST_SUITE_P(Readers, Broken,
+                         testing::Values("po", "ts", "csv", "xliff", "xliff2", "tmx", "json"),
                          [](const auto &param) { return std::string(param.param); });
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "kit/support/donor.h"
 
 #include "exchange/import.h"
+#include "exchange/po-read.h"
 #include "kit/support/new-from-catalogs.h"
 #include "kit/support/output.h"
 #include "kit/support/sources.h"
@@ -26,7 +27,8 @@ const char *format_of(std::string_view path)
     constexpr struct {
         std::string_view ending;
         const char *format;
-    } endings[] = {{".po", "po"}, {".xliff", "xliff"}, {".xlf", "xliff"}, {".csv", "csv"}};
+    } endings[] = {{".po", "po"}, {".xliff", "xliff"}, {".xlf", "xliff"},
+                   {".ts", "ts"}, {".tmx", "tmx"},     {".csv", "csv"}};
     for (const auto &row : endings)
         if (path.ends_with(row.ending))
             return row.format;
@@ -64,7 +66,36 @@ bool donor::read(const std::string &path, const LangSource &source, const std::s
     const std::string_view named = file_.languages.size() == 1 ? path : std::string_view();
     for (const exchange::said_language &said : file_.languages)
         languages_.push_back(view_of(exchange::find_language(source, said, named, language)));
-    return !answer.wrong && join_plurals();
+    return !answer.wrong && (std::string_view(format) != "po" || take_obsolete()) && join_plurals();
+}
+
+// Adds the messages of a catalog that its program no longer has. False after a line on standard
+// error.
+bool donor::take_obsolete()
+{
+    std::string bytes;
+    exchange::fault wrong = exchange::read_input(path_, bytes);
+    exchange::po_reader reader(bytes);
+    exchange::po_message message;
+    while (!wrong && reader.next(message)) {
+        if (!message.obsolete || message.is_header() || message.fuzzy)
+            continue;
+        exchange::text_unit unit;
+        unit.reference = *message.id.text;
+        unit.line = message.line;
+        if (message.id.plural) {
+            unit.reference.append(1, '|').append(*message.id.plural);
+            unit.forms = message.texts;
+        } else {
+            unit.text = message.texts.front();
+        }
+        file_.units.push_back(std::move(unit));
+    }
+    if (!wrong)
+        wrong = reader.wrong();
+    if (wrong)
+        say_fault(path_, wrong);
+    return !wrong;
 }
 
 // Puts the forms of each plural into one text. False after a line on standard error.
@@ -96,6 +127,10 @@ bool donor::knows_language() const
 void donor::choose(const char *language)
 {
     offers_.clear();
+    are_compared_ = false;
+    compared_.clear();
+    compared_offers_.clear();
+    alike_ = {};
     joined_.clear();
     keys_ = {};
     references_ = {};
@@ -172,6 +207,36 @@ std::string_view donor::by_reference(std::string_view reference) const
         return offers_[candidate].reference == reference;
     });
     return at == hash_index::none ? std::string_view() : offers_[at].text;
+}
+
+void donor::compare_references()
+{
+    are_compared_ = true;
+    for (std::uint32_t at = 0; at < offers_.size(); ++at) {
+        // Of several texts for one reference the first one counts.
+        if (offers_[at].reference.empty() ||
+            by_reference(offers_[at].reference).data() != offers_[at].text.data())
+            continue;
+        const auto place = static_cast<std::uint32_t>(compared_.size());
+        compared_.emplace_back(offers_[at].reference);
+        compared_offers_.push_back(at);
+        alike_.add(place, compared_.back());
+    }
+}
+
+donor::near_text donor::by_likeness(const compared_text &reference, unsigned at_least)
+{
+    if (!are_compared_)
+        compare_references();
+    near_text best;
+    for (const std::uint32_t place : alike_.likeliest(reference)) {
+        const unsigned wanted = std::max(at_least, best.likeness + 1);
+        const unsigned likeness = reference.likeness(compared_[place], wanted);
+        const offer &one = offers_[compared_offers_[place]];
+        if (likeness >= wanted)
+            best = {one.reference, one.text, likeness};
+    }
+    return best;
 }
 
 } // namespace zel::kit

@@ -1,6 +1,7 @@
 #pragma once
 
-// A file that missing texts are taken from: a source, or a file of another format.
+// A file that missing texts are taken from: a source, or a file of another format. What a catalog
+// keeps of its older versions, its obsolete messages, counts behind everything else of it.
 
 #include <cstdint>
 #include <deque>
@@ -11,6 +12,7 @@
 
 #include "exchange/formats.h"
 #include "kit/support/entry-index.h"
+#include "kit/support/likeness.h"
 #include "source/model.h"
 #include "support/hash-index.h"
 
@@ -39,6 +41,14 @@ public:
     std::string_view by_key(std::string_view group, std::string_view item) const;
     std::string_view by_reference(std::string_view reference) const;
 
+    // The text of which the reference is most like that one; no likeness: of none is it so much.
+    struct near_text {
+        std::string_view reference;
+        std::string_view text;
+        unsigned likeness = 0; // percent
+    };
+    near_text by_likeness(const compared_text &reference, unsigned at_least);
+
     // Texts that were not offered because they are not in the source's encoding.
     std::size_t foreign() const { return foreign_; }
 
@@ -50,7 +60,9 @@ private:
         std::string_view reference; // empty: not known
         std::string_view text;
     };
+    bool take_obsolete();
     bool join_plurals();
+    void compare_references();
     void offer_source(const char *language);
     void offer_units(const char *language);
     void add(const offer &one);
@@ -68,6 +80,12 @@ private:
     hash_index keys_;
     hash_index references_;
     std::deque<std::string> joined_; // of several strings
+
+    // Their references, where somebody asks what is like one.
+    bool are_compared_ = false;
+    std::vector<compared_text> compared_;
+    std::vector<std::uint32_t> compared_offers_; // whose each is
+    likeness_index alike_;
     std::size_t foreign_ = 0;
 };
 

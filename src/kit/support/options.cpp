@@ -1,5 +1,6 @@
 #include "kit/support/options.h"
 
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -118,6 +119,21 @@ int choose(const word &self, const char *option_name, const std::string &value,
     }
     wrong_use(self, std::string("--") + option_name + " is " + all + ", not \"" + value + "\"");
     return -1;
+}
+
+bool take_percent(const word &self, const char *option_name, const std::string &value,
+                  unsigned &percent)
+{
+    unsigned number = 0;
+    const char *end = value.data() + value.size();
+    const auto [rest, error] = std::from_chars(value.data(), end, number);
+    const bool good = error == std::errc() && rest == end && number >= 1 && number <= 100;
+    if (good)
+        percent = number;
+    else
+        wrong_use(self, std::string("--") + option_name + ": \"" + value +
+                            "\" is no percentage from 1 to 100");
+    return good;
 }
 
 parsed parse(const word &self, int argc, char **argv, const std::vector<option> &options,

@@ -40,4 +40,8 @@ int wrong_use(const word &self, const std::string &text);
 int choose(const word &self, const char *option_name, const std::string &value,
            const std::vector<const char *> &names);
 
+// Reads the value of an option that is a whole percentage; false after the line that it is none.
+bool take_percent(const word &self, const char *option_name, const std::string &value,
+                  unsigned &percent);
+
 } // namespace zel::kit

@@ -2,6 +2,7 @@
 #include "kit/support/options.h"
 #include "kit/support/output.h"
 #include "kit/support/predecessors.h"
+#include "kit/support/remark.h"
 #include "kit/support/sources.h"
 #include "kit/words/word-list.h"
 #include "lint/carried.h"
@@ -52,17 +53,6 @@ private:
     list_tail tail_;
     std::unordered_map<std::string, lang_entry_t *> known_;
 };
-
-// Puts lines below those that are there.
-void add_remark(lang_entry_t *comment, std::string_view lines)
-{
-    std::string text = text_of(comment);
-    if (lines.empty() || text.find(lines) != std::string::npos)
-        return;
-    if (!text.empty() && text.back() != '\n')
-        text += '\n';
-    set_text(comment, text.append(lines));
-}
 
 // Gives an item what its predecessor has.
 class carrier {
@@ -189,18 +179,6 @@ carry_count carry_all(const LangSource *source, const carry_options &options)
     return count;
 }
 
-// A whole percentage; 0 is none.
-unsigned whole_percent(const std::string &text)
-{
-    unsigned value = 0;
-    for (const char c : text) {
-        if (!g_ascii_isdigit(c) || value > 100)
-            return 0;
-        value = value * 10 + static_cast<unsigned>(c - '0');
-    }
-    return value > 100 ? 0 : value;
-}
-
 int carry_in(const std::string &path, const carry_options &options)
 {
     source_file file = read_whole(path);
@@ -238,9 +216,8 @@ int run_carry(const word &self, int argc, char **argv)
         1, 1);
     if (line.ends)
         return line.status;
-    options.at_least = whole_percent(at_least);
-    if (options.at_least == 0)
-        return wrong_use(self, "--at-least: \"" + at_least + "\" is no percentage from 1 to 100");
+    if (!take_percent(self, "at-least", at_least, options.at_least))
+        return status_fault;
     return carry_in(line.files.front(), options);
 }
 

@@ -1,5 +1,6 @@
 #include "exchange/formats.h"
 #include "exchange/po.h"
+#include "exchange/tmx.h"
 #include "kit/support/like-catalogs.h"
 #include "kit/support/options.h"
 #include "kit/support/output.h"
@@ -106,6 +107,15 @@ bool are_distinct(const std::string &path, exchange::exporter &from)
     return lines.empty();
 }
 
+std::vector<std::string> names_but_default(const LangSource &source)
+{
+    std::vector<std::string> names;
+    for (const lang_t *lang : each<lang_t>(source.langs))
+        if (lang->name != nullptr && view_of(lang->name) != view_of(source.default_lang))
+            names.emplace_back(lang->name);
+    return names;
+}
+
 } // namespace
 
 int run_export(const word &self, int argc, char **argv)
@@ -180,6 +190,9 @@ int run_export(const word &self, int argc, char **argv)
     if (!source)
         return status_fault;
     request.source = source.get();
+    // A memory of the default language would translate each text by itself.
+    if (row.write == exchange::write_tmx && request.languages.empty())
+        request.languages = names_but_default(*source);
     exchange::exporter from(request);
     if (request.context && request.context != exchange::message_context::key &&
         !are_distinct(line.files.front(), from))
@@ -206,6 +219,9 @@ int run_export(const word &self, int argc, char **argv)
         std::fprintf(stderr,
                      "lang-kit: %s: left out %s behind another of the same group and name\n",
                      line.files.front().c_str(), counted(from.repeated(), "item").c_str());
+    if (from.unheld != 0)
+        std::fprintf(stderr, "lang-kit: %s: left out %s with characters that XML does not have\n",
+                     line.files.front().c_str(), counted(from.unheld, "text").c_str());
     for (const std::string &text : from.lost)
         std::fprintf(stderr, "lang-kit: %s: %s\n", line.files.front().c_str(), text.c_str());
     return from.lost.empty() ? status_fine : status_found;

@@ -10,6 +10,7 @@ int run_check(const word &self, int argc, char **argv);
 int run_lint(const word &self, int argc, char **argv);
 int run_export(const word &self, int argc, char **argv);
 int run_import(const word &self, int argc, char **argv);
+int run_adopt(const word &self, int argc, char **argv);
 int run_diff(const word &self, int argc, char **argv);
 int run_show(const word &self, int argc, char **argv);
 int run_merge(const word &self, int argc, char **argv);

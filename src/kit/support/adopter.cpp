@@ -1,0 +1,453 @@
+#include "kit/support/adopter.h"
+
+#include "exchange/input.h"
+#include "exchange/key.h"
+#include "kit/support/code-include.h"
+#include "langlib/lang-fit.h"
+#include "source/entry.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace zel::kit {
+
+namespace {
+
+struct byte_edit {
+    std::size_t begin;
+    std::size_t end;
+    std::string text;
+};
+
+// A text as code has it between quotes.
+std::string code_literal(std::string_view text)
+{
+    constexpr std::string_view escaped = "\\\"\n\t\r\a\b";
+    constexpr std::string_view letters = "\\\"ntrab";
+    std::string out = "\"";
+    for (const char c : text)
+        if (const std::size_t at = escaped.find(c); at != escaped.npos)
+            out.append(1, '\\').append(1, letters[at]);
+        else
+            out += static_cast<unsigned char>(c) < ' ' ? ' ' : c;
+    return out + '"';
+}
+
+bool is_format(const std::string &text) { return format_fits(text, text); }
+
+std::string_view file_of_path(std::string_view path)
+{
+    const std::size_t slash = path.rfind('/');
+    return slash == path.npos ? path : path.substr(slash + 1);
+}
+
+} // namespace
+
+// The work on one file.
+class code_adopter {
+public:
+    code_adopter(adopter &of, const std::string &path, std::string_view bytes)
+        : of_(of), path_(path), bytes_(bytes), tokens_(code_tokens(bytes))
+    {
+    }
+
+    adopted_code run()
+    {
+        for (const foreign_call &call : foreign_calls(bytes_, tokens_, of_.how_.from))
+            if (const std::string why = turn(call); !why.empty())
+                note(call, "not turned: " + why, false);
+        if (out_.turned == 0)
+            out_.text = bytes_;
+        else
+            write();
+        return std::move(out_);
+    }
+
+private:
+    // An argument that is a literal, or why it is none.
+    struct read_argument {
+        std::string text;
+        std::size_t pieces = 0;
+        std::string why;
+    };
+
+    std::string_view token_text(std::size_t at) const
+    {
+        return bytes_.substr(tokens_[at].begin, tokens_[at].end - tokens_[at].begin);
+    }
+
+    place place_at(std::size_t position)
+    {
+        // Calls come in the order of the file, so the lines are counted once.
+        for (; counted_ < position; ++counted_)
+            if (bytes_[counted_] == '\n') {
+                ++line_;
+                line_start_ = counted_ + 1;
+            }
+        return {line_, static_cast<std::uint32_t>(position - line_start_)};
+    }
+
+    void note(const foreign_call &call, std::string text, bool is_lacking)
+    {
+        out_.notes.push_back({place_at(tokens_[call.word].begin), std::move(text), is_lacking});
+    }
+
+    read_argument read(const foreign_argument &given) const
+    {
+        read_argument out;
+        std::string_view name;
+        bool is_chosen = given.first == given.last;
+        for (std::size_t at = given.first; at < given.last; ++at) {
+            const code_token &token = tokens_[at];
+            if (token.is == code_token::kind::text) {
+                ++out.pieces;
+                const std::optional<std::string> text = literal_text(token_text(at));
+                if (!text)
+                    out.why = "the text has an escape that the check does not read";
+                out.text += text.value_or("");
+            } else if (token.is == code_token::kind::name) {
+                name = token_text(at);
+            } else if (token.is == code_token::kind::other_text) {
+                out.why = "the text is no plain literal";
+            } else {
+                is_chosen = true;
+            }
+        }
+        if (is_chosen || (out.pieces == 0 && given.last - given.first > 1))
+            out.why = "the text is chosen at run time";
+        else if (!name.empty())
+            out.why = (out.pieces == 0 ? "no text but the name \"" : "the text holds the name \"") +
+                      std::string(name) + "\"";
+        return out;
+    }
+
+    // Why a text cannot be an item; empty where it can.
+    static std::string obstacle(const read_argument &text, bool is_form)
+    {
+        if (!text.why.empty())
+            return text.why;
+        if (text.text.empty())
+            return "the text is empty";
+        if (without_end(text.text).size() != text.text.size())
+            return "the text ends in white space, which no source keeps";
+        if (is_form && text.text.find('|') != std::string::npos)
+            return "a form holds \"|\"";
+        return {};
+    }
+
+    // Why the call as a whole cannot be turned.
+    std::string obstacle(const foreign_call &call) const
+    {
+        if (call.is_open)
+            return "its parenthesis has no end";
+        if (call.arguments.size() < call.form->least || call.arguments.size() > call.form->most)
+            return "the word takes another number of arguments";
+        if (call.is_split)
+            return "a directive stands among its arguments";
+        if (call.of_object)
+            return "the class of the object is not known";
+        const bool is_count = call.form->number != 0 && call.arguments.size() >= call.form->number;
+        if (is_count && call.form->plural == 0)
+            return "it counts with %n, which no request prints";
+        if (call.form->is_mark && is_beside_literal(call))
+            return "it is a piece of a longer literal";
+        return {};
+    }
+
+    // "N_("One") "\0"": what a request is replaced by is no literal that could be joined.
+    bool is_beside_literal(const foreign_call &call) const
+    {
+        const std::uint32_t directive = tokens_[call.word].directive;
+        // Directives between the pieces are no part of the literal.
+        const auto is_passed = [&](std::size_t at) {
+            return directive == 0 && tokens_[at].directive != 0;
+        };
+        const auto is_literal = [&](std::size_t at) {
+            return tokens_[at].directive == directive &&
+                   (tokens_[at].is == code_token::kind::text ||
+                    tokens_[at].is == code_token::kind::other_text);
+        };
+        std::size_t behind = call.closing + 1;
+        while (behind < tokens_.size() && is_passed(behind))
+            ++behind;
+        std::size_t before = call.first;
+        while (before > 0 && is_passed(before - 1))
+            --before;
+        return (behind < tokens_.size() && is_literal(behind)) ||
+               (before > 0 && is_literal(before - 1));
+    }
+
+    const foreign_argument &argument(const foreign_call &call, unsigned number) const
+    {
+        return call.arguments[number - 1U];
+    }
+    std::size_t begin_of(const foreign_argument &one) const { return tokens_[one.first].begin; }
+    std::size_t end_of(const foreign_argument &one) const { return tokens_[one.last - 1].end; }
+
+    // Turns the call; else says why not.
+    std::string turn(const foreign_call &call)
+    {
+        if (std::string why = obstacle(call); !why.empty())
+            return why;
+        const foreign_form &form = *call.form;
+        read_argument item = read(argument(call, form.item));
+        const bool is_count = form.plural != 0;
+        if (std::string why = obstacle(item, is_count); !why.empty())
+            return why;
+        std::string name = item.text;
+        if (is_count) {
+            const read_argument many = read(argument(call, form.plural));
+            if (std::string why = obstacle(many, true); !why.empty())
+                return why;
+            if (many.text == item.text)
+                return "both forms are the same text";
+            name += "|" + many.text;
+        }
+        read_argument context;
+        if (form.context != 0)
+            context = read(argument(call, form.context));
+        if (!context.why.empty())
+            return "its context: " + context.why;
+        std::string group;
+        if (std::string why = find_group(call, context, name, group); !why.empty())
+            return why;
+        return replace(call, item, name, context, group);
+    }
+
+    bool has_item(const std::string &group, const std::string &name) const
+    {
+        return of_.items_.find(group.c_str(), name.c_str()) != nullptr;
+    }
+
+    // What tells two texts of one class apart; empty where nothing does.
+    std::string comment_of(const foreign_call &call) const
+    {
+        const std::uint8_t at = call.form->comment;
+        return at == 0 || call.arguments.size() < at ? "" : read(argument(call, at)).text;
+    }
+
+    // The group in which the source has the text. Empty, or why there is none.
+    std::string find_group(const foreign_call &call, const read_argument &context,
+                           const std::string &name, std::string &group) const
+    {
+        const std::string &scope = context.pieces != 0 ? context.text : call.scope;
+        const std::string commented = scope + "|" + comment_of(call);
+        if (!scope.empty() && has_item(commented, name))
+            group = commented;
+        else if (context.pieces != 0 || (!scope.empty() && has_item(scope, name)))
+            group = scope;
+        else if (of_.how_.by_file)
+            group = exchange::stem_of(path_);
+        else if (!of_.how_.group.empty())
+            group = of_.how_.group;
+        else
+            return find_held(name, group);
+        return {};
+    }
+
+    std::string find_held(const std::string &name, std::string &group) const
+    {
+        const auto found = of_.by_name_.find(name);
+        if (found == of_.by_name_.end()) {
+            if (of_.only_group_ == nullptr)
+                return "the source does not have the text; --group names a group for it";
+            group = of_.only_group_;
+            return {};
+        }
+        const std::vector<adopter::held_item> &all = found->second;
+        std::vector<adopter::held_item> here;
+        std::copy_if(all.begin(), all.end(), std::back_inserter(here),
+                     [&](const adopter::held_item &one) { return is_used_here(one.item); });
+        const std::vector<adopter::held_item> &among = here.empty() ? all : here;
+        if (among.size() == 1) {
+            group = view_of(among.front().group->name);
+            return {};
+        }
+        std::string names;
+        for (const adopter::held_item &one : among)
+            names += (names.empty() ? "" : ", ") + std::string(view_of(one.group->name));
+        return "the source has the text in several groups: " + names;
+    }
+
+    // Whether one of the item's places is in a file of this name.
+    bool is_used_here(const item_t *item) const
+    {
+        for (const char *use : each<const char>(item->used_in)) {
+            const char *colon = use == nullptr ? nullptr : std::strchr(use, ':');
+            if (colon != nullptr && file_of_path(colon + 1) == file_of_path(path_))
+                return true;
+        }
+        return false;
+    }
+
+    // What stands in place of the word.
+    std::string target_of(const foreign_call &call, const read_argument &item) const
+    {
+        if (call.form->plural != 0)
+            return "lang_count";
+        if (call.form->is_mark)
+            return "lang_dummy";
+        if (of_.how_.from == call_dialect::gettext && is_format(item.text))
+            return "lang_text";
+        return item.pieces == 1 ? "lang_get_string" : "lang_get";
+    }
+
+    std::string replace(const foreign_call &call, const read_argument &item,
+                        const std::string &name, const read_argument &context,
+                        const std::string &group)
+    {
+        const std::string target = target_of(call, item);
+        const bool is_described = target == "lang_dummy" || target == "lang_get";
+        // That is what the check reads of a group, and of an item behind a description.
+        constexpr std::size_t longest = 1000;
+        if ((is_described && name.size() > longest) || group.size() > longest)
+            return "too long a text for the check";
+        if (context.pieces > 1 && target != "lang_text" && target != "lang_count")
+            return "its context is in pieces";
+        pending_.clear();
+        if (std::string why = drop_arguments(call); !why.empty())
+            return why;
+        const indexed_item *held = of_.items_.find(group.c_str(), name.c_str());
+        put_word(call, target);
+        if (is_described)
+            insert(tokens_[call.word + 1].end,
+                   code_literal(held == nullptr ? "" : description_of(held->item)) + ", ");
+        if (context.pieces == 0 || group != context.text)
+            put_group(call, code_literal(group));
+        if (call.form->plural != 0)
+            join_plural(argument(call, call.form->item), argument(call, call.form->plural));
+        edits_.insert(edits_.end(), pending_.begin(), pending_.end());
+        first_ = std::min(first_, tokens_[call.first].begin);
+        ++out_.turned;
+        if (held == nullptr)
+            note_lacking(call, group, name);
+        return {};
+    }
+
+    void note_lacking(const foreign_call &call, const std::string &group, const std::string &name)
+    {
+        std::string key;
+        exchange::append_key(key, group, name);
+        note(call, "the source has no item " + key, true);
+    }
+
+    // The other library's calls give objects.
+    void put_word(const foreign_call &call, const std::string &target)
+    {
+        const bool is_object = of_.how_.from == call_dialect::qt && !call.form->is_mark;
+        pending_.push_back({tokens_[call.first].begin, tokens_[call.word].end,
+                            (is_object ? "QString::fromUtf8(" : "") + target});
+        if (is_object)
+            insert(tokens_[call.closing].end, ")");
+    }
+
+    void insert(std::size_t at, std::string text) { pending_.push_back({at, at, std::move(text)}); }
+
+    // The group takes the place of the context or the domain, or stands before the text.
+    void put_group(const foreign_call &call, const std::string &literal)
+    {
+        const unsigned at = call.form->context != 0 ? call.form->context : call.form->domain;
+        if (at == 0)
+            return insert(begin_of(argument(call, call.form->item)), literal + ", ");
+        pending_.push_back({begin_of(argument(call, at)), end_of(argument(call, at)), literal});
+    }
+
+    // Takes out what a request does not have: a domain before a context, and what stands behind the
+    // text, its form and its number.
+    std::string drop_arguments(const foreign_call &call)
+    {
+        const foreign_form &form = *call.form;
+        std::string why;
+        if (form.domain != 0 && form.context != 0)
+            why = drop(argument(call, form.domain), begin_of(argument(call, form.domain)),
+                       begin_of(argument(call, form.context)));
+        const unsigned kept = std::max<unsigned>({form.item, form.plural != 0 ? form.number : 0U});
+        for (unsigned at = kept + 1; why.empty() && at <= call.arguments.size(); ++at)
+            why = drop(argument(call, at), end_of(argument(call, at - 1)),
+                       end_of(argument(call, at)));
+        if (why.empty() && form.domain != 0 && form.context == 0)
+            why = drop_obstacle(argument(call, form.domain));
+        return why;
+    }
+
+    static std::string drop_obstacle(const foreign_argument &one)
+    {
+        return one.last - one.first == 1 ? "" : "an argument that would go is more than a word";
+    }
+
+    std::string drop(const foreign_argument &one, std::size_t begin, std::size_t end)
+    {
+        if (std::string why = drop_obstacle(one); !why.empty())
+            return why;
+        const std::string_view gone = bytes_.substr(begin, end - begin);
+        if (gone.find('\n') != gone.npos || gone.find("/*") != gone.npos)
+            return "a line end or a remark stands where an argument would go";
+        pending_.push_back({begin, end, ""});
+        return {};
+    }
+
+    // "one", "many" becomes "one|many"; with more than blanks between them, "one" "|" "many".
+    void join_plural(const foreign_argument &one, const foreign_argument &many)
+    {
+        const std::size_t end = end_of(one);
+        const std::size_t begin = begin_of(many);
+        const std::string_view between = bytes_.substr(end, begin - end);
+        const std::size_t comma = tokens_[one.last].begin;
+        if (between.find_first_not_of(", \t") == between.npos)
+            pending_.push_back({end - 1, begin + 1, "|"});
+        else
+            pending_.push_back({comma, comma + 1, " \"|\""});
+    }
+
+    void write()
+    {
+        std::stable_sort(edits_.begin(), edits_.end(),
+                         [](const byte_edit &a, const byte_edit &b) { return a.begin < b.begin; });
+        const include_place added = place_of_include(bytes_, tokens_, first_);
+        std::size_t done = 0;
+        const auto copy_to = [&](std::size_t position) {
+            out_.text.append(bytes_.substr(done, position - done));
+            done = position;
+        };
+        if (added.is_wanted) {
+            copy_to(added.position);
+            out_.added_line =
+                1 + static_cast<std::size_t>(std::count(out_.text.begin(), out_.text.end(), '\n'));
+            out_.text += added.line;
+        }
+        for (const byte_edit &one : edits_) {
+            copy_to(one.begin);
+            out_.text += one.text;
+            done = one.end;
+        }
+        copy_to(bytes_.size());
+    }
+
+    adopter &of_;
+    const std::string &path_;
+    std::string_view bytes_;
+    std::vector<code_token> tokens_;
+    adopted_code out_;
+    std::vector<byte_edit> edits_;
+    std::vector<byte_edit> pending_;             // of the call at hand
+    std::size_t first_ = std::string_view::npos; // of what is turned
+    std::size_t counted_ = 0;
+    std::uint32_t line_ = 1;
+    std::size_t line_start_ = 0;
+};
+
+adopter::adopter(LangSource *source, adopt_how how) : how_(std::move(how)), items_(source)
+{
+    for (const edit_t *group : each<edit_t>(source->groups))
+        for (const item_t *item : each<item_t>(group->items))
+            by_name_[view_of(item->name)].push_back({group, item});
+    if (source->groups != nullptr && source->groups->next == nullptr)
+        only_group_ = or_empty(static_cast<const edit_t *>(source->groups->data)->name);
+}
+
+adopted_code adopter::take(const std::string &path, std::string_view bytes)
+{
+    return code_adopter(*this, path, bytes).run();
+}
+
+} // namespace zel::kit
