@@ -238,6 +238,66 @@ void show_spelling()
         gtk_menu_popdown(GTK_MENU(menu->data));
 }
 
+void select_item(int number)
+{
+    edit_ctrl.first(editWin);
+    for (int at = 0; at < number; ++at)
+        edit_ctrl.next(editWin);
+    zel::text_focus_field(ZEL_TEXT(ZEL_TAB_EDIT(editWin)->text_widget), TEXT_TRANS2);
+    settle(700); // until what is alike is known
+}
+
+// A text that has changed in the code, with a question, and one with plural forms.
+void write_working_source()
+{
+    std::string text = read_file("notes.lang-src");
+    const auto put = [&text](const std::string &before, const std::string &after) {
+        text.replace(text.find(before), before.size(), after);
+    };
+    put("  ITEM   \"Export notes\"",
+        "  ITEM \"Export all notes\" { CTIME 1715000000 USED YES { \"00190:src/export.c\" }\n"
+        "    LANG \"english\" { \"Export all notes\" }\n"
+        "    COMMENT \"german\" { \"? the title, or a button?\" } }\n"
+        "  ITEM   \"Export notes\"");
+    const std::string old = text.substr(text.find("  ITEM   \"Export notes\""));
+    const std::size_t use = old.find("USED YES");
+    put(old.substr(use, old.find('}', use) + 1 - use), "USED NO");
+    put("\"%d notes written\"  {", "\"%d note written|%d notes written\"  {");
+    put("\"%d notes written\"\n    }", "\"%d note written|%d notes written\"\n    }");
+    put("\"%d Notizen geschrieben\"", "\"%d Notiz geschrieben|%d Notizen geschrieben\"");
+    write_file("notes.lang-src", text);
+}
+
+void type_into_entry(const char *text)
+{
+    gtk_entry_set_text(GTK_ENTRY(gtk_window_get_focus(GTK_WINDOW(mainWin))), text);
+    settle();
+}
+
+// What the rest of the source has to say to a text.
+void show_words()
+{
+    gtk_window_resize(GTK_WINDOW(mainWin), width, height);
+    gtk_window_move(GTK_WINDOW(mainWin), 10, 10);
+    settle(300);
+    answer_next(choose(fs::absolute("notes.lang-src")));
+    activate("Load");
+    select_item(26);
+    snap("was");
+    select_item(29);
+    snap("plural");
+    select_item(1);
+    key(mainWin, GDK_KEY_F3);
+    snap("found");
+    key(mainWin, GDK_KEY_Escape);
+    key(mainWin, GDK_KEY_h, GDK_CONTROL_MASK);
+    type_into_entry("Notiz");
+    key(mainWin, GDK_KEY_Tab);
+    type_into_entry("Karte");
+    snap("replace");
+    key(mainWin, GDK_KEY_Escape);
+}
+
 void make_dictionary(const fs::path &folder)
 {
     fs::create_directories(folder / "hunspell");
@@ -299,6 +359,8 @@ int main(int argc, char **argv)
     run_editor("", walk);
     run_editor((work / "notes.lang-src").string(), leave_changes);
     run_editor("", show_questions);
+    write_working_source();
+    run_editor("", show_words);
     make_dictionary(work / "words");
     run_editor((work / "notes.lang-src").string(), show_spelling);
     fs::current_path(folder);

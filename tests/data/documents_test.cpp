@@ -14,7 +14,8 @@ namespace {
 using zel_test::in_root;
 using zel_test::matches;
 
-// Suite.Test of the sources and of the editor's scenes, names of ctest, cases/NAME and pages/NAME.
+// Suite.Test of the sources and of the editor's scenes, names of ctest, cases/NAME, pages/NAME and
+// examples/NAME.
 std::set<std::string> names_of_tests()
 {
     std::set<std::string> names;
@@ -40,6 +41,9 @@ std::set<std::string> names_of_tests()
                      std::regex_search(line, found, std::regex(R"(\((\w+), (\w+)\))")))
                 names.insert(found[1].str() + "." + found[2].str());
     }
+    for (const auto &entry : std::filesystem::directory_iterator(in_root("examples")))
+        if (std::filesystem::exists(entry.path() / "run.sh"))
+            names.insert("examples/" + entry.path().filename().string());
     return names;
 }
 
