@@ -19,8 +19,8 @@ struct word_run {
 // Very long texts differ as a whole.
 std::vector<word_run> compare_words(std::string_view before, std::string_view after);
 
-// The same by words and signs, so that "file" and "file..." share a word, and with the blanks as they
-// are written.
+// The same by words and signs, so that "file" and "file..." share a word, and with the blanks as
+// they are written.
 std::vector<word_run> compare_pieces(std::string_view before, std::string_view after);
 
 } // namespace zel
