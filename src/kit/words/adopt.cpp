@@ -90,8 +90,11 @@ bool adopt_files(adopter &by, const std::vector<std::string> &files, bool is_wri
         count.turned += code.turned;
         if (code.turned == 0)
             continue;
-        if (!is_written)
-            std::fputs(unified_diff(path, bytes, code.text, code.added_line).c_str(), stdout);
+        if (!is_written) {
+            // Code may hold a zero byte.
+            const std::string diff = unified_diff(path, bytes, code.text, code.added_line);
+            std::fwrite(diff.data(), 1, diff.size(), stdout);
+        }
         // Of what is only shown the name is enough.
         changed.push_back({before, is_written ? std::move(code.text) : std::string()});
     }
