@@ -83,8 +83,11 @@ bool run_command(const std::string &command, const std::string &input, std::stri
     // Through a file: a command that answers before it has read all cannot block both sides.
     if (!folder || replace_file(path.c_str(), input) != 0)
         return complain_of(command, "there is no room for what it would be asked");
+    // The file goes once it is open: who ends the command by a signal leaves no texts behind.
     const program_run run = run_program(
-        {"/bin/sh", "-c", "exec <\"$1\" && eval \"$2\"", "lang-kit", path, command}, {});
+        {"/bin/sh", "-c", "exec <\"$1\" || exit; rm -f -- \"$1\" 2>/dev/null; eval \"$2\"",
+         "lang-kit", path, command},
+        {});
     std::fputs(run.err.c_str(), stderr);
     if (!run.started)
         return complain_of(command, "cannot be run");

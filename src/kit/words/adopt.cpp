@@ -13,6 +13,9 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
+#include <set>
+#include <system_error>
 
 namespace zel::kit {
 
@@ -42,7 +45,13 @@ bool find_code(const std::vector<std::string> &paths, std::vector<std::string> &
     for (const std::string &path : paths)
         scan_path(path.c_str(), {take, complain, complain, is_code});
     std::sort(files.begin(), files.end());
-    files.erase(std::unique(files.begin(), files.end()), files.end());
+    // A link, or another way to write the path, must not turn a file twice.
+    std::set<std::string> known;
+    std::erase_if(files, [&](const std::string &file) {
+        std::error_code error;
+        const std::string whole = std::filesystem::canonical(file, error).string();
+        return !known.insert(error ? file : whole).second;
+    });
     return good;
 }
 
@@ -81,8 +90,11 @@ bool adopt_files(adopter &by, const std::vector<std::string> &files, bool is_wri
         count.turned += code.turned;
         if (code.turned == 0)
             continue;
-        if (!is_written)
-            std::fputs(unified_diff(path, bytes, code.text, code.added_line).c_str(), stdout);
+        if (!is_written) {
+            // Code may hold a zero byte.
+            const std::string diff = unified_diff(path, bytes, code.text, code.added_line);
+            std::fwrite(diff.data(), 1, diff.size(), stdout);
+        }
         // Of what is only shown the name is enough.
         changed.push_back({before, is_written ? std::move(code.text) : std::string()});
     }

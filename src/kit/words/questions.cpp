@@ -32,8 +32,10 @@ struct asked {
 // "app.lang-src:12:5: german: menu:_Open: Which menu?", and behind an arrow what was answered.
 void print_text(const asked &one)
 {
-    std::string line = one.file + ":" + std::to_string(one.at.line) + ":" +
-                       std::to_string(one.at.column + 1) + ": " + or_empty(one.language) + ": ";
+    std::string line;
+    append_line(line, one.file);
+    line += ":" + std::to_string(one.at.line) + ":" + std::to_string(one.at.column + 1) + ": " +
+            or_empty(one.language) + ": ";
     std::string key;
     exchange::append_key(key, or_empty(one.group->name), or_empty(one.item->name));
     append_line(line, key);

@@ -38,7 +38,9 @@ replace_count replace_in(const std::string &path, const LangSource *source, cons
                 ++count.foreign;
             if (!after.any() || after.text == text)
                 continue;
-            std::string line = path + ": ";
+            std::string line;
+            append_line(line, path);
+            line += ": ";
             append_line(line, view_of(group->name));
             line += ":";
             append_line(line, view_of(item->name));

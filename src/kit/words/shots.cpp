@@ -117,11 +117,24 @@ private:
         return std::string(bytes);
     }
 
+    static bool holds(const std::string &path, const std::string &picture)
+    {
+        struct stat status {};
+        char *data = nullptr;
+        std::int64_t size = 0;
+        if (zel_stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode) ||
+            zel::read_whole(path.c_str(), data, size) != GOOD)
+            return false;
+        const string_guard owner(data);
+        return picture == std::string_view(data, static_cast<std::size_t>(size));
+    }
+
     // Whether the picture stands in its place, where nothing is that somebody else has put there.
     bool put(const std::string &name, const std::string &picture)
     {
         const std::string path = to_ + "/" + name;
-        if (!index_.contains(name) && !is_absent(path)) {
+        // A run that was stopped before it wrote the index has left the same picture.
+        if (!index_.contains(name) && !is_absent(path) && !holds(path, picture)) {
             tell(path + ": it is there already, and no picture of shots", status_fault);
             return false;
         }
