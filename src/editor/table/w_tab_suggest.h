@@ -24,6 +24,7 @@
 #include "editor/table/w_tab_model.h"
 #include "editor/table/w_tab_neighbours.h"
 #include "editor/table/w_tab_plural.h"
+#include "editor/table/w_tab_terms.h"
 #include "editor/table/w_tab_was.h"
 #include "editor/toolkit/slices.h"
 
@@ -65,9 +66,12 @@ private:
     void suggest(int field);
     void show(int field);
     void suggest_all();
+    tab_terms::offer terms_shown(int field) const;
+    void underline_terms();
     void take_suggestion();
     void copy_other();
     void insert_piece(std::size_t number);
+    void add_term();
     void go_to_form(int direction);
     std::string_view rule_of(int field) const;
     plural_line plural_of(int field) const;
@@ -82,6 +86,7 @@ private:
     std::vector<unused_item> unused_; // whose numbers follow those of the rows
     assist::similar_texts index_;
     tab_neighbours neighbours_;
+    tab_terms terms_;
     std::uint32_t next_row_ = 0; // where the next slice begins
     int row_ = -1;               // whose item is shown
     struct offer {
