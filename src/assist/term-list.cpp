@@ -40,6 +40,8 @@ void define_like(LangSource *list, const LangSource &like, const char *name)
     if (known == nullptr || find(list->langs) != nullptr)
         return;
     lang_t *made = alloc_lang();
+    if (made == nullptr)
+        return;
     made->edit = 1;
     made->value_1 = known->value_1;
     made->value_2 = known->value_2;
@@ -61,13 +63,19 @@ item_t *find_term(const LangSource *list, const char *reference, const std::stri
     return nullptr;
 }
 
+// Null without memory.
 item_t *make_term(LangSource *list, const char *reference, const std::string &term,
                   std::int64_t now)
 {
+    auto *group =
+        list->groups == nullptr ? new_group("terms") : static_cast<edit_t *>(list->groups->data);
+    if (group == nullptr)
+        return nullptr;
     if (list->groups == nullptr)
-        list->groups = g_list_append(nullptr, new_group("terms"));
-    auto *group = static_cast<edit_t *>(list->groups->data);
+        list->groups = g_list_append(nullptr, group);
     item_t *item = alloc_item();
+    if (item == nullptr)
+        return nullptr;
     item->name = zel_strdup(term.c_str());
     item->used = 1;
     item->ctime = now;
@@ -96,6 +104,8 @@ term_news put_pair(LangSource *list, const char *reference, const term_pair &pai
     item_t *item = find_term(list, reference, pair.term);
     if (item == nullptr)
         item = make_term(list, reference, pair.term, now);
+    if (item == nullptr)
+        return term_news::failed;
     const std::string before = text_of(find_entry(item->langs, pair.language.c_str()));
     if (before == "keep")
         return term_news::kept;
@@ -109,6 +119,8 @@ term_news put_pair(LangSource *list, const char *reference, const term_pair &pai
 source_guard new_list(const LangSource &like)
 {
     source_guard list(lang_alloc_group());
+    if (list == nullptr)
+        return list;
     list->format = LANG_SOURCE_UTF8;
     replace_string(list->default_lang, zel_strdup(like.default_lang));
     return list;
