@@ -1,5 +1,6 @@
 #include "assist/neighbours.h"
 
+#include "lint/glossary.h"
 #include "source/entry.h"
 #include "source/lang-read.h"
 #include "source/misc.h"
@@ -129,7 +130,8 @@ void neighbour_texts::list_some()
             return;
         }
         const std::string_view name = entry->d_name;
-        if (name.size() > ending.size() && name.ends_with(ending))
+        // Terms are no whole texts, and may be several in one.
+        if (name.size() > ending.size() && name.ends_with(ending) && name != lint::glossary_file)
             names_.emplace(name);
     }
 }

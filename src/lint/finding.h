@@ -44,7 +44,8 @@ enum class rule_id : std::uint8_t {
     unused,
     not_ready,
     unasked,
-    stale
+    stale,
+    term
 };
 
 // A set of rules, a bit each.

@@ -13,6 +13,8 @@
 
 namespace zel::lint {
 
+class glossary;
+
 struct language {
     const lang_t *definition;
     const char *name; // empty when it has none
@@ -52,6 +54,7 @@ struct item_case {
     std::span<const slot> slots; // of each language
     const text &reference;       // the default language's text, else the item's name
     const text_width &ruler;     // empty: nobody can tell
+    const glossary *terms;       // or null
 
     // Where a rule says what it found: about the record (the item, or one of its entries), in a
     // language or, null, in none. The message is copied.

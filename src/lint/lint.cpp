@@ -248,7 +248,9 @@ void linter::work::check_item(const edit_t *group, const item_t *item, const lis
     take_entries(item);
     take_switches(item);
     take_reference(item);
-    const item_case at{source_, group, item, languages_, slots_, reference_, wanted_.ruler, *this};
+    const item_case at{source_, group,      item,          languages_,
+                       slots_,  reference_, wanted_.ruler, wanted_.terms.get(),
+                       *this};
     for (const rule *row : item_rules_)
         if (item->used != 0 || row->id == rule_id::unused || row->id == rule_id::encoding)
             row->judge_item(at);

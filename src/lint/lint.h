@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "lint/finding.h"
+#include "lint/glossary.h"
 
 namespace zel::lint {
 
@@ -19,6 +20,7 @@ struct choice {
     rule_set rules = rule_set::all();
     std::vector<std::string> languages; // findings about others are left out; empty: about none are
     text_width ruler = nullptr;         // for limits in pixels; null: nobody can tell
+    std::shared_ptr<const glossary> terms{}; // that texts are held to; null: none
 };
 
 // Languages are those that the source defines when it is made.

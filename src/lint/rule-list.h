@@ -35,6 +35,9 @@ void judge_plural(const item_case &at);
 // same-rule.cpp
 void judge_same(const item_case &at);
 
+// term-rule.cpp
+void judge_term(const item_case &at);
+
 // word-rules.cpp
 bool judge_length(const text_case &at, std::string &message);
 bool judge_repeated(const text_case &at, std::string &message);

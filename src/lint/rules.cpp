@@ -82,6 +82,8 @@ constexpr rule table[] = {
      nullptr, nullptr},
     {stale, "stale", info, "a text was carried from a changed item, and nobody has looked at it",
      scope::alone, nullptr, judge_stale},
+    {term, "term", info, "a term of terms.lang-src beside the source is another word (--only term)",
+     scope::alone, nullptr, judge_term},
 };
 
 // Findings index the table by their id, and the list of "--rules" shows the gravest first.
@@ -98,7 +100,7 @@ constexpr bool is_good()
     return true;
 }
 static_assert(is_good(), "rows stand in the order of their ids and levels, no name twice");
-static_assert(std::size(table) == static_cast<std::size_t>(stale) + 1);
+static_assert(std::size(table) == static_cast<std::size_t>(term) + 1);
 
 } // namespace
 

@@ -144,6 +144,7 @@ const std::vector<key_row> &editor_keys()
         {"Ctrl+Space", "take the suggestion"},
         {"Ctrl+B", "copy the text of the other language"},
         {"Ctrl+1 to Ctrl+9", "insert a conversion, symbol or tag of the other text"},
+        {"Ctrl+T", "add a selected term, and its selected translation, to the list of terms"},
         {"Alt+Right, Alt+Left", "select the next, previous plural form"},
         {"Shift+F10, Menu", "a field's menu: undo, spelling, another language below it"},
         {"F10", "the menus"},

@@ -69,7 +69,8 @@ tab_suggest::tab_suggest(std::shared_ptr<tab_rows> rows, Zeltext *panel, GtkWidg
       index_([this](std::uint32_t row) { return reference_of(row); }), neighbours_([this] {
           suggest_all();
           then_();
-      })
+      }),
+      terms_(panel)
 {
     add_keys();
     for (const int field : {TEXT_TRANS1, TEXT_TRANS2})
@@ -278,7 +279,10 @@ void tab_suggest::show(int field)
     const std::string line = is_there_already(field) ? "" : made.line;
     plural_line forms = plural_of(field);
     const char *between = forms.text.empty() || line.empty() ? "" : "    ";
-    const std::string text = forms.text + between + line;
+    std::string text = forms.text + between + line;
+    const bool has_room = text.empty();
+    if (has_room)
+        text = terms_shown(field).line;
     std::string &marks = marks_[static_cast<std::size_t>(field)];
     if (text == gtk_label_get_text(GTK_LABEL(label)) && forms.marks == marks)
         return;
@@ -293,9 +297,36 @@ void tab_suggest::show(int field)
             forms.attributes.reset(pango_attr_list_new());
         mark_was_line(forms.attributes.get(), made.was, text.size() - line.size());
     }
+    if (has_room && !text.empty())
+        tooltip = text + "\n" + ui_text("tab-edit", "Insert one (Ctrl+Space, Ctrl and its number)");
     gtk_label_set_text(GTK_LABEL(label), text.c_str());
     gtk_label_set_attributes(GTK_LABEL(label), forms.attributes.get());
     gtk_widget_set_tooltip_text(label, tooltip.empty() ? nullptr : tooltip.c_str());
+}
+
+// The terms under a field in which nothing else stands, with the numbers behind those of the other
+// text's pieces.
+tab_terms::offer tab_suggest::terms_shown(int field) const
+{
+    if (row_ < 0 || !terms_.any() || !is_translated_into(field))
+        return {};
+    const bool has_line =
+        !offers_[static_cast<std::size_t>(field)].line.empty() && !is_there_already(field);
+    if (has_line || !plural_of(field).text.empty())
+        return {};
+    const int other = field == TEXT_TRANS1 ? TEXT_TRANS2 : TEXT_TRANS1;
+    const std::string text = buffer_text(buffer_of(panel_->*fields[other].view));
+    return terms_.lacking(*lang_of(field), buffer_text(buffer_of(panel_->*fields[field].view)),
+                          assist::pieces_of(text).size() + 1);
+}
+
+void tab_suggest::underline_terms()
+{
+    GtkWidget *reference = nullptr;
+    for (const int field : {TEXT_TRANS1, TEXT_TRANS2})
+        if (lang_of(field) != nullptr && !is_translated_into(field))
+            reference = panel_->*fields[field].view;
+    terms_.underline(reference);
 }
 
 void tab_suggest::typed(gpointer data)
@@ -304,6 +335,8 @@ void tab_suggest::typed(gpointer data)
     for (const int field : {TEXT_TRANS1, TEXT_TRANS2})
         if (self->row_ >= 0)
             self->show(field);
+    if (self->row_ >= 0)
+        self->underline_terms();
 }
 
 void tab_suggest::suggest_all()
@@ -319,6 +352,8 @@ void tab_suggest::item_shown(int row)
         static_cast<std::uint32_t>(row_) < next_row_)
         index_.add(static_cast<std::uint32_t>(row_)); // its text may have changed
     row_ = row >= 0 && static_cast<std::size_t>(row) < index_.count() ? row : -1;
+    terms_.item_shown(*rows_, row_, row_ < 0 ? "" : reference_of(static_cast<std::uint32_t>(row_)));
+    underline_terms();
     suggest_all();
 }
 
@@ -331,7 +366,11 @@ void tab_suggest::take_suggestion()
     const std::string text = field < 0 ? "" : offers_[static_cast<std::size_t>(field)].text;
     // The user has pressed a key, and must see why nothing happens.
     if (text.empty() || is_there_already(field)) {
-        edit_status(ui_text("tab-edit", "No suggestion"));
+        const tab_terms::offer terms = field < 0 ? tab_terms::offer{} : terms_shown(field);
+        if (terms.texts.empty())
+            edit_status(ui_text("tab-edit", "No suggestion"));
+        else
+            put(panel_->*fields[field].view, terms.texts.front(), false);
         return;
     }
     if (!offers_[static_cast<std::size_t>(field)].was.text.empty())
@@ -373,11 +412,23 @@ void tab_suggest::insert_piece(std::size_t number)
     const std::string text = buffer_text(buffer_of(panel_->*fields[other].view));
     const std::vector<assist::piece> pieces = assist::pieces_of(text);
     if (number > pieces.size()) {
+        const tab_terms::offer terms = terms_shown(field);
+        if (number - pieces.size() <= terms.texts.size())
+            return put(panel_->*fields[field].view, terms.texts[number - pieces.size() - 1], false);
         edit_status(ui_text("tab-edit", "The other text has fewer conversions, symbols and tags"));
         return;
     }
     const auto &[at, length] = pieces[number - 1];
     put(panel_->*fields[field].view, text.substr(at, length), false);
+}
+
+void tab_suggest::add_term()
+{
+    const int field = text_focused_field(panel_);
+    if (row_ < 0 || (field != TEXT_TRANS1 && field != TEXT_TRANS2) || lang_of(field) == nullptr)
+        edit_status(ui_text("tab-edit", "Select a term, or its translation"));
+    else if (terms_.take_selection(*rows_->source, panel_->*fields[field].view, *lang_of(field)))
+        item_shown(row_);
 }
 
 void tab_suggest::add_keys()
@@ -394,6 +445,7 @@ void tab_suggest::add_keys()
     add(GDK_KEY_Left, GDK_MOD1_MASK, [this] { go_to_form(-1); });
     add(GDK_KEY_space, GDK_CONTROL_MASK, [this] { take_suggestion(); });
     add(GDK_KEY_b, GDK_CONTROL_MASK, [this] { copy_other(); });
+    add(GDK_KEY_t, GDK_CONTROL_MASK, [this] { add_term(); });
     for (std::size_t digit = 1; digit <= digits; ++digit)
         // Both rows of digits: the keys of the number pad have names of their own.
         for (const guint first : {guint{GDK_KEY_0}, guint{GDK_KEY_KP_0}})

@@ -25,6 +25,7 @@
 #include "editor/table/w_tab_model.h"
 #include "editor/table/w_tab_neighbours.h"
 #include "editor/table/w_tab_plural.h"
+#include "editor/table/w_tab_terms.h"
 #include "editor/table/w_tab_was.h"
 #include "editor/toolkit/slices.h"
 
@@ -71,9 +72,12 @@ private:
     void suggest(int field);
     void show(int field);
     void suggest_all();
+    tab_terms::offer terms_shown(int field) const;
+    void underline_terms();
     void take_suggestion();
     void copy_other();
     void insert_piece(std::size_t number);
+    void add_term();
     void go_to_form(int direction);
     std::string_view rule_of(int field) const;
     plural_line plural_of(int field) const;
@@ -89,8 +93,9 @@ private:
     assist::similar_texts index_;
     tab_neighbours neighbours_;
     std::function<void()> then_ = [] {}; // once those are read
-    std::uint32_t next_row_ = 0;         // where the next slice begins
-    int row_ = -1;                       // whose item is shown
+    tab_terms terms_;
+    std::uint32_t next_row_ = 0; // where the next slice begins
+    int row_ = -1;               // whose item is shown
     struct offer {
         std::string text;       // of the translation, as the field would show it; empty for nothing
         std::string line;       // and as it is shown under the field

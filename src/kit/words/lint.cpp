@@ -1,5 +1,6 @@
 #include "kit/support/code-scan.h"
 #include "kit/support/commit-files.h"
+#include "kit/support/glossary-file.h"
 #include "kit/support/known-findings.h"
 #include "kit/support/lint-run.h"
 #include "kit/support/options.h"
@@ -84,7 +85,9 @@ bool choose(const word &self, const lint_settings &given, lint::choice &wanted)
     rule_set only, without;
     if (!choose_rules(self, given.only, only) || !choose_rules(self, given.without, without))
         return false;
-    wanted.rules = (only.none() ? rule_set::all() : only).without(without);
+    // Terms are asked for: where a translator leaves one out, a finding helps nobody.
+    constexpr rule_set unasked = rule_set::all().without(lint::rule_id::term);
+    wanted.rules = (only.none() ? unasked : only).without(without);
     wanted.languages = given.languages;
     return true;
 }
@@ -93,8 +96,8 @@ bool choose(const word &self, const lint_settings &given, lint::choice &wanted)
 class run {
 public:
     // Known findings are passed over; null: there are none.
-    run(const lint::choice &wanted, lint_output &output, known_findings *known)
-        : wanted_(wanted), output_(output), known_(known)
+    run(lint::choice wanted, lint_output &output, known_findings *known)
+        : wanted_(std::move(wanted)), output_(output), known_(known)
     {
     }
 
@@ -109,6 +112,7 @@ public:
             return;
         }
         ++files_;
+        take_terms(path, source.source());
         unmeasured_ += source.judge(wanted_, [this](const shown_finding &one) { add(one); });
         // A malformed source may define any language.
         for (const std::string &name : wanted_.languages)
@@ -145,6 +149,13 @@ public:
     }
 
 private:
+    void take_terms(const std::string &path, const LangSource *source)
+    {
+        if (!wanted_.rules.has(lint::rule_id::term) || terms_.find(path, source, wanted_.terms))
+            return;
+        unreadable_ = true;
+        output_.add_unreadable(lint::glossary_path(path), "the list of terms cannot be read");
+    }
     void add(const shown_finding &one)
     {
         if (known_ != nullptr && known_->take(one))
@@ -153,7 +164,8 @@ private:
         output_.add(one);
     }
 
-    const lint::choice &wanted_;
+    lint::choice wanted_;
+    glossary_files terms_;
     lint_output &output_;
     known_findings *known_;
     counts found_;
@@ -250,6 +262,9 @@ bool judge_past(const lint_settings &given, const std::vector<std::string> &sour
                 const wrapper_words *wrappers, const lint::choice &wanted, known_findings &known)
 {
     std::vector<std::string> paths = sources;
+    for (const std::string &path : sources)
+        if (const std::string terms = lint::glossary_path(path); !terms.empty())
+            paths.push_back(terms);
     paths.insert(paths.end(), given.code.begin(), given.code.end());
     commit_files files;
     if (!files.take(given.since, paths))
