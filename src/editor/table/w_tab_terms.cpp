@@ -17,7 +17,10 @@ namespace {
 
 void say(const std::string &text) { edit_status(text.c_str()); }
 
-std::string in_quotes(const std::string &text) { return "\"" + utf8_shown(text.c_str()) + "\""; }
+std::string quoted_as_shown(const std::string &text)
+{
+    return "\"" + utf8_shown(text.c_str()) + "\"";
+}
 
 // What is selected, in one line without the blanks at its ends and the mark of a mnemonic.
 std::string selection_of(GtkWidget *field)
@@ -128,7 +131,7 @@ bool tab_terms::take_selection(const LangSource &source, GtkWidget *field,
     }
     if (!term_.empty() && !translation_.empty())
         return add(source);
-    say(in_quotes(selected) + ": " +
+    say(quoted_as_shown(selected) + ": " +
         (term_.empty() ? ui_text("tab-edit", "now select the term in the original, and Ctrl+T")
                        : ui_text("tab-edit", "now select its translation, and Ctrl+T")));
     return false;
@@ -139,10 +142,10 @@ bool tab_terms::add(const LangSource &source)
     const assist::term_answer answer =
         assist::add_term(lint::glossary_path(def_file), source, {term_, language_, translation_},
                          std::time(nullptr));
-    std::string text = in_quotes(term_);
+    std::string text = quoted_as_shown(term_);
     switch (answer.news) {
     case assist::term_news::added:
-        text += std::string(" ") + ui_text("tab-edit", "is") + " " + in_quotes(translation_);
+        text += std::string(" ") + ui_text("tab-edit", "is") + " " + quoted_as_shown(translation_);
         break;
     case assist::term_news::known:
         text += std::string(" ") + ui_text("tab-edit", "is there already");
