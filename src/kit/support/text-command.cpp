@@ -12,6 +12,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <set>
+#include <utility>
 
 namespace zel::kit {
 
@@ -48,8 +50,31 @@ void append_places(std::string &out, GList *places)
     out += ']';
 }
 
+// The words of the list of terms, with "/" between several; then the source's own.
+void append_terms(std::string &out, const std::string &reference, const char *language,
+                  const lint::glossary *list, const term_list &own)
+{
+    std::vector<std::pair<std::string, std::string>> terms;
+    if (list != nullptr)
+        for (const lint::glossary::hit &hit : list->in(reference))
+            if (const lint::glossary::translation *said = hit.what->in(language)) {
+                std::string text;
+                for (const std::string &one : said->any)
+                    text.append(text.empty() ? "" : "/").append(one);
+                terms.emplace_back(hit.what->text, std::move(text));
+            }
+    const std::vector<std::pair<std::string, std::string>> short_texts = own.in(reference);
+    terms.insert(terms.end(), short_texts.begin(), short_texts.end());
+    std::set<std::string> known;
+    out += ", \"terms\": {";
+    for (const auto &[term, text] : terms)
+        if (known.insert(term).second)
+            append_member(out, term, text);
+    out += '}';
+}
+
 void append_wanted(std::string &out, const LangSource *source, const wanted_text &wanted,
-                   const term_list &terms)
+                   const lint::glossary *list, const term_list &own)
 {
     const item_t *item = wanted.item;
     const std::string reference = reference_text(*source, item);
@@ -63,10 +88,8 @@ void append_wanted(std::string &out, const LangSource *source, const wanted_text
     append_entries(out, "texts", item->langs);
     append_entries(out, "remarks", item->comments);
     append_places(out, item->used_in);
-    out += ", \"terms\": {";
-    for (const auto &[term, text] : terms.in(reference))
-        append_member(out, term, text);
-    out += "}}\n";
+    append_terms(out, reference, wanted.language, list, own);
+    out += "}\n";
 }
 
 bool complain_of(const std::string &command, const std::string &what)
@@ -117,10 +140,9 @@ bool take_lines(const std::string &command, std::string_view lines, std::size_t 
 
 } // namespace
 
-std::optional<std::vector<std::string>> ask_command(const std::string &command,
-                                                    const LangSource *source,
-                                                    const entry_index &entries,
-                                                    const std::vector<wanted_text> &wanted)
+std::optional<std::vector<std::string>>
+ask_command(const std::string &command, const LangSource *source, const entry_index &entries,
+            const lint::glossary *list, const std::vector<wanted_text> &wanted)
 {
     std::vector<std::string> texts;
     std::string input;
@@ -130,7 +152,7 @@ std::optional<std::vector<std::string>> ask_command(const std::string &command,
     for (const wanted_text &one : wanted) {
         if (one.language != language)
             terms.emplace(source, entries, language = one.language);
-        append_wanted(input, source, one, *terms);
+        append_wanted(input, source, one, list, *terms);
     }
     // Nobody is asked for nothing.
     if (!wanted.empty() && (!run_command(command, input, output) ||

@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "kit/support/entry-index.h"
+#include "lint/glossary.h"
 #include "source/model.h"
 
 namespace zel::kit {
@@ -27,11 +28,11 @@ struct wanted_text {
     const char *language;
 };
 
-// A text for each that is wanted; those of a language stand side by side. Nothing, after a line on
-// standard error, when the command cannot be run, fails, or answers anything else.
-std::optional<std::vector<std::string>> ask_command(const std::string &command,
-                                                    const LangSource *source,
-                                                    const entry_index &entries,
-                                                    const std::vector<wanted_text> &wanted);
+// A text for each that is wanted; those of a language stand side by side. Its terms are those of
+// the list, which may be null, and of the source's short texts. Nothing, after a line on standard
+// error, when the command cannot be run, fails, or answers anything else.
+std::optional<std::vector<std::string>>
+ask_command(const std::string &command, const LangSource *source, const entry_index &entries,
+            const lint::glossary *list, const std::vector<wanted_text> &wanted);
 
 } // namespace zel::kit

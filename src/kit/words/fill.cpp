@@ -2,6 +2,7 @@
 #include "exchange/key.h"
 #include "kit/support/donor.h"
 #include "kit/support/entry-index.h"
+#include "kit/support/glossary-file.h"
 #include "kit/support/options.h"
 #include "kit/support/output.h"
 #include "kit/support/remark.h"
@@ -16,6 +17,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 #include <utility>
 
 namespace zel::kit {
@@ -158,8 +160,9 @@ private:
 // A source on its way to fewer gaps.
 class source_filler {
 public:
-    source_filler(LangSource *source, const fill_options &how)
-        : source_(source), how_(how), entries_(source)
+    // The list of terms may be null.
+    source_filler(LangSource *source, const fill_options &how, const lint::glossary *terms)
+        : source_(source), how_(how), terms_(terms), entries_(source)
     {
     }
 
@@ -185,7 +188,7 @@ public:
 private:
     bool ask(const std::vector<wanted_text> &missing)
     {
-        const auto texts = ask_command(how_.command, source_, entries_, missing);
+        const auto texts = ask_command(how_.command, source_, entries_, terms_, missing);
         if (!texts)
             return false;
         text_judge judge(source_);
@@ -231,6 +234,7 @@ private:
 
     LangSource *source_;
     const fill_options &how_;
+    const lint::glossary *terms_;
     entry_index entries_;
     std::vector<std::pair<const char *, fill_count>> counts_;
     std::size_t filled_ = 0;
@@ -253,7 +257,11 @@ int fill_source(const std::string &path, const fill_options &how)
     for (const donor &one : donors)
         // Every donor is asked, since each prints its own line.
         known = one.knows_language() && known;
-    source_filler filler(file.source.get(), how);
+    glossary_files glossaries;
+    std::shared_ptr<const lint::glossary> terms;
+    if (!how.command.empty() && !glossaries.find(path, file.source.get(), terms))
+        return status_fault;
+    source_filler filler(file.source.get(), how, terms.get());
     if (!filler.fill(donors))
         return status_fault;
     for (std::size_t at = 0; at < donors.size(); ++at)
