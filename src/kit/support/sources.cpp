@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <ctime>
 #include <filesystem>
+#include <set>
 #include <system_error>
 
 namespace zel::kit {
@@ -52,6 +53,16 @@ bool may_replace(const std::string &path, const std::vector<seen_file> &from)
 }
 
 } // namespace
+
+void keep_each_once(std::vector<std::string> &paths)
+{
+    std::set<std::string> known;
+    std::erase_if(paths, [&](const std::string &path) {
+        std::error_code error;
+        const std::string whole = std::filesystem::canonical(path, error).string();
+        return !known.insert(error ? path : whole).second;
+    });
+}
 
 bool is_named_pipe(const std::string &path)
 {

@@ -13,9 +13,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
-#include <set>
-#include <system_error>
 
 namespace zel::kit {
 
@@ -45,13 +42,7 @@ bool find_code(const std::vector<std::string> &paths, std::vector<std::string> &
     for (const std::string &path : paths)
         scan_path(path.c_str(), {take, complain, complain, is_code});
     std::sort(files.begin(), files.end());
-    // A link, or another way to write the path, must not turn a file twice.
-    std::set<std::string> known;
-    std::erase_if(files, [&](const std::string &file) {
-        std::error_code error;
-        const std::string whole = std::filesystem::canonical(file, error).string();
-        return !known.insert(error ? file : whole).second;
-    });
+    keep_each_once(files);
     return good;
 }
 

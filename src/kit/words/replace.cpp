@@ -79,14 +79,16 @@ int run_replace(const word &self, int argc, char **argv)
         return wrong_use(self, "the words to replace are empty");
     if (replacer.removes())
         return wrong_use(self, "the words to put in their place are empty");
+    std::vector<std::string> paths(line.files.begin() + 2, line.files.end());
+    keep_each_once(paths);
     // All sources are read before one is written: a wrong name must not leave half of them changed.
     std::vector<source_file> files;
-    for (std::size_t at = 2; at < line.files.size(); ++at) {
-        source_file &file = files.emplace_back(read_whole(line.files[at]));
+    for (const std::string &path : paths) {
+        source_file &file = files.emplace_back(read_whole(path));
         if (!file)
             return status_fault;
         if (!has_language(file.source.get(), language)) {
-            std::fprintf(stderr, "%s: there is no language %s\n", line.files[at].c_str(),
+            std::fprintf(stderr, "%s: there is no language %s\n", path.c_str(),
                          kit::quoted(language).c_str());
             return status_fault;
         }
@@ -94,7 +96,7 @@ int run_replace(const word &self, int argc, char **argv)
     bool written = true;
     std::size_t changed = 0;
     for (std::size_t at = 0; at < files.size(); ++at) {
-        const std::string &path = line.files[at + 2];
+        const std::string &path = paths[at];
         const replace_count count =
             replace_in(path, files[at].source.get(), language.c_str(), replacer);
         if (count.foreign != 0)
