@@ -1,9 +1,7 @@
 #include "lint/item-case.h"
 
 #include "source/entry.h"
-
-#include <cstring>
-#include <strings.h>
+#include "support/text.h"
 
 namespace zel::lint {
 
@@ -21,9 +19,8 @@ std::uint32_t hash_in_any_case(const char *name)
 
 bool same_language(const char *a, const char *b)
 {
-    a = a == nullptr ? "" : a;
-    b = b == nullptr ? "" : b;
-    return std::strcmp(a, b) == 0 || strcasecmp(a, b) == 0;
+    // Not strcasecmp: in a Turkish locale "I" is no "i".
+    return compare_nocase(or_empty(a), or_empty(b)) == 0;
 }
 
 std::string_view first_text(const item_t *item, const char *language, std::string &buffer)

@@ -35,9 +35,11 @@ void judge_term(const item_case &at)
 {
     if (at.terms == nullptr)
         return;
-    for (const glossary::term *term : terms_of(at))
+    for (const glossary::term *term : terms_of(at)) {
+        std::size_t guess = 0; // lists of terms have the languages in the order of the source's
         for (const glossary::translation &wanted : term->translations) {
-            const std::size_t i = at.languages.find(wanted.language.c_str(), 0);
+            const std::size_t i = at.languages.find(wanted.language.c_str(), guess);
+            guess = i + 1;
             if (i == at.languages.size() || at.languages[i].is_default || !at.languages[i].wanted)
                 continue;
             const slot &one = at.slots[i];
@@ -47,6 +49,7 @@ void judge_term(const item_case &at)
                 at.found.say(rule_id::term, at.languages[i].name, one.entry,
                              words_of(*term, wanted));
         }
+    }
 }
 
 } // namespace zel::lint

@@ -2,8 +2,11 @@
 
 #include "source/fields.h"
 #include "support/cut.h"
+#include "support/file-call.h"
 #include "support/file_mem.h"
 #include "support/string-copy.h"
+
+#include <sys/stat.h>
 
 namespace zel {
 
@@ -11,9 +14,12 @@ pictured_texts read_picture_index(const std::string &folder)
 {
     const std::string path = folder + "/" + std::string(picture_index_name);
     pictured_texts out;
+    struct stat status {};
     char *data = nullptr;
     std::int64_t size = 0;
-    if (read_whole(path.c_str(), data, size) != GOOD)
+    // A pipe of that name would never end.
+    if (zel_stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode) ||
+        read_whole(path.c_str(), data, size) != GOOD)
         return out;
     const string_guard owner(data);
     std::string_view rest(data, static_cast<std::size_t>(size));

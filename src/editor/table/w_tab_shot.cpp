@@ -5,6 +5,7 @@
 #include "editor/toolkit/ui-text.h"
 #include "source/picture-index.h"
 #include "support/file-call.h"
+#include "support/log-print.h"
 #include "support/string-copy.h"
 
 #include <gdk/gdkkeysyms.h>
@@ -232,7 +233,7 @@ GtkWidget *box_around(GtkWidget *image)
 
 void add_text_image(const std::string &path)
 {
-    std::printf("file >%s<\n", path.c_str());
+    LogPrint(1, "tab_show_shot: picture of the text >%s<\n", path.c_str());
     GtkWidget *box = box_around(lang_global.shot_image);
     text_image = make_image(path.c_str());
     g_signal_connect(text_image, "destroy", G_CALLBACK(gtk_widget_destroyed), &text_image);

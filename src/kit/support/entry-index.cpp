@@ -16,11 +16,11 @@ std::uint32_t hash_of_place(const item_t *item, const char *language)
 
 } // namespace
 
-entry_index::entry_index(const LangSource *source)
+entry_index::entry_index(const LangSource *source, GList *item_t::*list) : list_(list)
 {
     for (const edit_t *group : each<edit_t>(source->groups))
         for (const item_t *item : each<item_t>(group->items))
-            for (lang_entry_t *entry : each<lang_entry_t>(item->langs))
+            for (lang_entry_t *entry : each<lang_entry_t>(item->*list_))
                 add(item, entry);
 }
 
@@ -46,9 +46,12 @@ lang_entry_t *entry_index::append(item_t *item, const char *language)
 {
     lang_entry_t *entry = alloc_lang_entry(language);
     // Each item's last node is remembered: finding the end would walk the list each time.
-    GList *&last = last_.try_emplace(item, g_list_last(item->langs)).first->second;
+    const auto [known, is_new] = last_.try_emplace(item);
+    GList *&last = known->second;
+    if (is_new)
+        last = g_list_last(item->*list_);
     if (last == nullptr)
-        last = item->langs = g_list_append(nullptr, entry);
+        last = item->*list_ = g_list_append(nullptr, entry);
     else
         last = g_list_append(last, entry)->next;
     add(item, entry);

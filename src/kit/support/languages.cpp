@@ -1,7 +1,7 @@
 #include "kit/support/languages.h"
 
+#include "lint/item-case.h"
 #include "support/string-copy.h"
-#include "support/text.h"
 
 namespace zel::kit {
 
@@ -12,15 +12,10 @@ bool is_language_name(const std::string &name)
            g_utf8_validate(name.data(), static_cast<gssize>(name.size()), nullptr) == TRUE;
 }
 
-bool is_same_language(const char *a, const char *b)
-{
-    return compare_nocase(or_empty(a), or_empty(b)) == 0;
-}
-
 lang_t *find_definition(const LangSource *source, const char *name)
 {
     for (lang_t *lang : each<lang_t>(source->langs))
-        if (is_same_language(lang->name, name))
+        if (lint::same_language(lang->name, name))
             return lang;
     return nullptr;
 }

@@ -11,10 +11,6 @@ namespace zel::kit {
 // Whether it may be a language's name: a file is named after it.
 bool is_language_name(const std::string &name);
 
-// Whether both name the same language: compiled files are found by their language whatever the case
-// of its ASCII letters.
-bool is_same_language(const char *a, const char *b);
-
 // The definition of that language, or null.
 lang_t *find_definition(const LangSource *source, const char *name);
 

@@ -16,13 +16,10 @@ void add_remark(lang_entry_t *comment, std::string_view lines)
     set_text(comment, text.append(lines));
 }
 
-void add_remark(item_t *item, const char *language, std::string_view lines)
+void add_remark(entry_index &comments, item_t *item, const char *language, std::string_view lines)
 {
-    lang_entry_t *comment = find_entry(item->comments, language);
-    if (comment == nullptr)
-        put_text(item->comments, language, lines);
-    else
-        add_remark(comment, lines);
+    lang_entry_t *comment = comments.find(item, language);
+    add_remark(comment == nullptr ? comments.append(item, language) : comment, lines);
 }
 
 } // namespace zel::kit

@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <utility>
 
 namespace zel::kit {
@@ -70,10 +71,10 @@ bool is_missing(lang_entry_t *entry, bool is_default)
 // Fills one language of the source.
 class language_filler {
 public:
-    language_filler(LangSource *source, entry_index &entries, const char *language,
-                    std::deque<donor> &donors, unsigned at_least)
-        : source_(source), entries_(entries), language_(language), donors_(donors),
-          at_least_(at_least), judge_(source),
+    language_filler(LangSource *source, entry_index &entries, entry_index &remarks,
+                    const char *language, std::deque<donor> &donors, unsigned at_least)
+        : source_(source), entries_(entries), remarks_(remarks), language_(language),
+          donors_(donors), at_least_(at_least), judge_(source, entries, remarks, language),
           is_default_(view_of(source->default_lang) == language)
     {
         for (donor &one : donors_)
@@ -123,11 +124,11 @@ private:
                     one.by_likeness(wanted, std::max(at_least_, best.likeness + 1));
                 found.likeness > best.likeness)
                 best = found;
-        if (best.likeness == 0 || !judge_.fault_of(group, item, language_, best.text).empty())
+        if (best.likeness == 0 || !judge_.fault_of(group, item, std::string(best.text)).empty())
             return false;
         std::printf("%s %s <- %s (%u %%)\n", shown_key(group, item).c_str(), language_,
                     shown(best.reference).c_str(), best.likeness);
-        add_remark(item, language_, lint::carried_mark(shown(best.reference), best.text));
+        add_remark(remarks_, item, language_, lint::carried_mark(shown(best.reference), best.text));
         return put(item, best.text, count_.by_likeness);
     }
 
@@ -149,6 +150,7 @@ private:
 
     LangSource *source_;
     entry_index &entries_;
+    entry_index &remarks_;
     const char *language_;
     std::deque<donor> &donors_;
     unsigned at_least_;
@@ -162,7 +164,8 @@ class source_filler {
 public:
     // The list of terms may be null.
     source_filler(LangSource *source, const fill_options &how, const lint::glossary *terms)
-        : source_(source), how_(how), terms_(terms), entries_(source)
+        : source_(source), how_(how), terms_(terms), entries_(source),
+          remarks_(source, &item_t::comments)
     {
     }
 
@@ -173,8 +176,8 @@ public:
         std::vector<wanted_text> missing;
         for (const lang_t *lang : each<lang_t>(source_->langs))
             if (lang->name != nullptr)
-                counts_.emplace_back(lang->name, language_filler(source_, entries_, lang->name,
-                                                                 donors, how_.at_least)
+                counts_.emplace_back(lang->name, language_filler(source_, entries_, remarks_,
+                                                                 lang->name, donors, how_.at_least)
                                                      .fill(missing));
         if (!how_.command.empty() && !ask(missing))
             return false;
@@ -191,13 +194,15 @@ private:
         const auto texts = ask_command(how_.command, source_, entries_, terms_, missing);
         if (!texts)
             return false;
-        text_judge judge(source_);
+        std::optional<text_judge> judge;
         std::size_t language = 0;
         for (std::size_t at = 0; at < missing.size(); ++at) {
             // The languages follow each other in the order of the counts.
             while (counts_[language].first != missing[at].language)
                 ++language;
-            take(missing[at], (*texts)[at], judge, counts_[language].second);
+            if (!judge || judge->language() != missing[at].language)
+                judge.emplace(source_, entries_, remarks_, missing[at].language);
+            take(missing[at], (*texts)[at], *judge, counts_[language].second);
         }
         return true;
     }
@@ -207,7 +212,7 @@ private:
     {
         if (lint::look_at(text).is_blank())
             return;
-        const std::string fault = judge.fault_of(wanted.group, wanted.item, wanted.language, text);
+        const std::string fault = judge.fault_of(wanted.group, wanted.item, text);
         if (!fault.empty()) {
             std::fprintf(stderr, "%s %s: not taken, %s: %s\n",
                          shown_key(wanted.group, wanted.item).c_str(), wanted.language,
@@ -215,7 +220,8 @@ private:
             return;
         }
         put_text_in(entries_, wanted.item, wanted.language, text);
-        add_remark(wanted.item, wanted.language, lint::carried_mark(shown(how_.command), text));
+        add_remark(remarks_, wanted.item, wanted.language,
+                   lint::carried_mark(shown(how_.command), text));
         ++count.by_command;
         --count.still_missing;
     }
@@ -236,6 +242,7 @@ private:
     const fill_options &how_;
     const lint::glossary *terms_;
     entry_index entries_;
+    entry_index remarks_;
     std::vector<std::pair<const char *, fill_count>> counts_;
     std::size_t filled_ = 0;
 };

@@ -8,9 +8,11 @@
 #include "lint/free-key.h"
 #include "lint/item-case.h"
 #include "source/entry.h"
+#include "support/text.h"
 
 #include <algorithm>
 #include <cstdio>
+#include <unordered_map>
 #include <utility>
 
 namespace zel::kit {
@@ -27,15 +29,46 @@ class key_giver {
 public:
     explicit key_giver(LangSource *source) : source_(source) {}
 
-    void give(const edit_t *group, const char *language)
+    void give(const edit_t *group, const std::vector<std::string> &languages)
     {
-        lint::group_keys keys(lint::may_be_window(source_, group));
-        // What is there keeps its key: the letters are given when all of those are known.
-        std::vector<std::pair<item_t *, lang_entry_t *>> wanting;
+        std::unordered_map<std::string, item_texts> texts = texts_of(group);
+        const bool is_window = lint::may_be_window(source_, group);
+        for (const std::string &language : languages)
+            give(group, texts[in_small(language)], lint::group_keys(is_window));
+    }
+    const key_count &count() const { return count_; }
+
+private:
+    using item_texts = std::vector<std::pair<item_t *, lang_entry_t *>>;
+
+    static std::string in_small(std::string_view name)
+    {
+        std::string out(name);
+        std::transform(out.begin(), out.end(), out.begin(), lower);
+        return out;
+    }
+
+    // The first text of each item in use, by the language in small letters: one walk for all of
+    // the languages.
+    static std::unordered_map<std::string, item_texts> texts_of(const edit_t *group)
+    {
+        std::unordered_map<std::string, item_texts> out;
         for (item_t *item : each<item_t>(group->items)) {
-            lang_entry_t *entry = first_entry(item, language);
-            if (item->used == 0 || entry == nullptr)
+            if (item->used == 0)
                 continue;
+            for (lang_entry_t *entry : each<lang_entry_t>(item->langs))
+                if (item_texts &all = out[in_small(or_empty(entry->lang))];
+                    all.empty() || all.back().first != item)
+                    all.emplace_back(item, entry);
+        }
+        return out;
+    }
+
+    void give(const edit_t *group, const item_texts &texts, lint::group_keys keys)
+    {
+        // What is there keeps its key: the letters are given when all of those are known.
+        item_texts wanting;
+        for (const auto &[item, entry] : texts) {
             const std::string text = text_of(entry);
             const std::string reference = reference_text(*source_, item);
             if (keys.wants_key(text, reference))
@@ -45,16 +78,6 @@ public:
         }
         for (const auto &[item, entry] : wanting)
             give(group, item, entry, keys);
-    }
-    const key_count &count() const { return count_; }
-
-private:
-    static lang_entry_t *first_entry(const item_t *item, const char *language)
-    {
-        for (lang_entry_t *entry : each<lang_entry_t>(item->langs))
-            if (is_same_language(entry->lang, language))
-                return entry;
-        return nullptr;
     }
 
     void give(const edit_t *group, item_t *item, lang_entry_t *entry, lint::group_keys &keys)
@@ -96,7 +119,7 @@ bool choose_languages(const word &self, const LangSource *source,
     out = given;
     if (given.empty())
         for (const lang_t *lang : each<lang_t>(source->langs))
-            if (lang->name != nullptr && !is_same_language(lang->name, source->default_lang))
+            if (lang->name != nullptr && !lint::same_language(lang->name, source->default_lang))
                 out.emplace_back(lang->name);
     return true;
 }
@@ -141,8 +164,7 @@ int run_mnemonics(const word &self, int argc, char **argv)
     // A source of many texts without a key has no menus, and its underscores belong to names.
     if (lint::may_use_mnemonics(file.source.get()))
         for (const edit_t *group : groups)
-            for (const std::string &language : languages)
-                giver.give(group, language.c_str());
+            giver.give(group, languages);
     // A source that has not changed is not written: no backup, no new time.
     const bool written = giver.count().changed == 0 || write({line.files.front(), dry_run}, file);
     keep_to_the_end(std::move(file.source));

@@ -4,6 +4,7 @@
 #include "kit/support/pseudo-text.h"
 #include "kit/support/sources.h"
 #include "kit/words/word-list.h"
+#include "lint/item-case.h"
 #include "source/entry.h"
 
 #include <charconv>
@@ -86,7 +87,7 @@ int run_pseudo(const word &self, int argc, char **argv)
     LangSource *source = file.source.get();
     if (source == nullptr)
         return status_fault;
-    if (is_same_language(name.c_str(), source->default_lang))
+    if (lint::same_language(name.c_str(), source->default_lang))
         return wrong_use(self, "\"" + name + "\" is the language that the texts are made from");
     // Accents need UTF-8.
     how.accents = source->format == LANG_SOURCE_UTF8;
