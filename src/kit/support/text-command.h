@@ -6,7 +6,7 @@
 // It gets a line of JSON for each text that is wanted, on its standard input (here over several):
 //
 //   {"reference": "Open a file", "language": "german", "code": "de", "group": "menu",
-//    "item": "Open a file", "description": null, "texts": {"french": "Ouvrir un fichier"},
+//    "item": "Open a file", "description": "", "texts": {"french": "Ouvrir un fichier"},
 //    "remarks": {"english": "in the title"}, "places": ["src/window.c:31"],
 //    "terms": {"File": "Datei"}}
 //
