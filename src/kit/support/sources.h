@@ -18,7 +18,8 @@ bool is_named_pipe(const std::string &path);
 // Whether the system says that nothing bears the path: what it does not tell counts as there.
 bool is_absent(const std::string &path);
 
-// Leaves each file once in the list, whether a link or another way to write its path names it again.
+// Leaves each file once in the list, whether a link or another way to write its path names it
+// again.
 void keep_each_once(std::vector<std::string> &paths);
 
 // Reads a source. Every message of the reader is one line on standard error with its place,
