@@ -64,18 +64,30 @@ std::string_view rule_for(const lang_handle_t *handle, const lang_handle_t *home
     return rule_of(home == nullptr ? handle : home);
 }
 
-// Reading a rule takes longer than all else of a request, and most numbers are small: what was
-// found for these is kept. The rules stand in one table, so half an address tells them apart.
+constexpr std::uint64_t small = 1000;
+constexpr std::uint64_t million = 1000000;
+
+// Returns the smallest number that the rule gives the same form as this one. Of a large number most
+// rules ask the last three digits and whether it is whole millions; one asks five digits.
+std::uint64_t small_like(std::string_view rule, std::uint64_t size)
+{
+    if (size < small || rule.find("%100000=") != rule.npos)
+        return size;
+    return size % million == 0 ? million : small + size % small;
+}
+
+// Reading a rule takes longer than all else of a request: what was found is kept. The rules stand
+// in one table, so half an address tells them apart.
 std::size_t position_by(std::string_view rule, std::size_t count, std::int64_t number)
 {
-    constexpr std::uint64_t most = 1000;
+    constexpr std::uint64_t most = std::uint64_t{1} << 24;
     static std::uint64_t kept[1024];
     const auto bits = static_cast<std::uint64_t>(number);
-    const std::uint64_t size = number < 0 ? std::uint64_t{0} - bits : bits;
+    const std::uint64_t size = small_like(rule, number < 0 ? std::uint64_t{0} - bits : bits);
     if (size >= most || count >= 16)
         return zel::plural_form(rule, count, size);
     const auto address = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(rule.data()));
-    const std::uint64_t key = std::uint64_t{address} << 16 | size << 4 | count;
+    const std::uint64_t key = std::uint64_t{address} << 28 | size << 4 | count;
     std::uint64_t &row = kept[(size ^ address) % std::size(kept)];
     const std::uint64_t found = __atomic_load_n(&row, __ATOMIC_RELAXED);
     if (found >> 4 == key)

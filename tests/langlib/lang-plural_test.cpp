@@ -69,6 +69,27 @@ std::string forms(const std::string &language, const char *text,
     return all;
 }
 
+// What was found for a number is kept for others that end as it does.
+TEST_F(Plural, LargeNumbersAreReadAsTheRuleHasThem)
+{
+    for (const char *code : {"ru", "fr", "kw", "cy", "ar", "lv", "gd", "en"}) {
+        zel::language_row row;
+        ASSERT_TRUE(zel::find_language(code, row));
+        std::string text = "0";
+        for (std::size_t i = 1; i < zel::count_plural_forms(row.plural).all; ++i)
+            text += "|" + std::to_string(i);
+        const handle_guard handle =
+            load("LANGUAGE \"" + std::string(code) + "\" GROUP g a { \"" + text + "\" }");
+        const char *own = lang_get_str(handle.get(), "g", "a");
+        const std::size_t count = zel::count_text_forms(text);
+        for (const std::uint64_t step : {1, 1000, 100003, 1000000, 20000001})
+            for (std::uint64_t n = 990 * step; n < 1130 * step; n += step)
+                EXPECT_EQ(lang_plural_of(handle.get(), own, static_cast<std::int64_t>(n)),
+                          zel::text_form(text, zel::plural_form(row.plural, count, n)))
+                    << code << " " << n;
+    }
+}
+
 TEST_F(Plural, FormsOfALoadedLanguage)
 {
     EXPECT_EQ(forms("english", "one|other", {0, 1, 2, -1}), "other one other one");
