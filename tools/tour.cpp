@@ -1,7 +1,8 @@
 // Walks through every window and dialog of the editor and saves a picture of each.
 //   gui_tour FOLDER SOURCE MODE WIDTH HEIGHT [WORK-FOLDER]
-// The pictures are FOLDER/mMODE-WIDTH-NAME.png. The source is copied into the work folder, whose
-// path the pictures show, before it is touched; without one a temporary folder is made.
+// The pictures are FOLDER/mMODE-WIDTH-NAME.png, cut to the windows that are open, and those of a
+// dialog by itself FOLDER/mMODE-WIDTH-NAME-alone.png. The source is copied into the work folder,
+// whose path the pictures show, before it is touched; without one a temporary folder is made.
 
 #include "app/global.h"
 #include "config/ini.h"
@@ -30,28 +31,57 @@ std::string prefix;
 int width;
 int height;
 
-GdkPixbuf *picture()
+// A window's place on the screen, with its frame.
+GdkRectangle frame_of(GtkWidget *window)
+{
+    GdkRectangle frame{};
+    gdk_window_get_frame_extents(gtk_widget_get_window(window), &frame);
+    return frame;
+}
+
+GdkRectangle frame_of_all()
+{
+    GdkRectangle all{};
+    GList *windows = gtk_window_list_toplevels();
+    for (GList *node = windows; node != nullptr; node = node->next) {
+        if (gtk_widget_get_mapped(GTK_WIDGET(node->data)) == 0)
+            continue;
+        const GdkRectangle one = frame_of(GTK_WIDGET(node->data));
+        if (all.width == 0)
+            all = one;
+        else
+            gdk_rectangle_union(&all, &one, &all);
+    }
+    g_list_free(windows);
+    return all;
+}
+
+GdkPixbuf *picture(GtkWidget *window = nullptr)
 {
     settle(250);
     GdkWindow *root = gdk_get_default_root_window();
-    gint w = 0;
-    gint h = 0;
-    gdk_drawable_get_size(root, &w, &h);
-    return gdk_pixbuf_get_from_drawable(nullptr, root, nullptr, 0, 0, 0, 0, w, h);
+    GdkRectangle screen{};
+    gdk_drawable_get_size(root, &screen.width, &screen.height);
+    GdkRectangle part = window != nullptr ? frame_of(window) : frame_of_all();
+    gdk_rectangle_intersect(&part, &screen, &part);
+    return gdk_pixbuf_get_from_drawable(nullptr, root, nullptr, part.x, part.y, 0, 0, part.width,
+                                        part.height);
 }
 
-void snap(const char *name)
+void save(GdkPixbuf *pixels, const std::string &name)
 {
-    GdkPixbuf *pixels = picture();
     gdk_pixbuf_save(pixels, (prefix + name + ".png").c_str(), "png", nullptr, nullptr);
     g_object_unref(pixels);
 }
 
-// A dialog comes up: its picture, then the answer.
+void snap(const char *name) { save(picture(), name); }
+
+// A dialog comes up: its pictures, then the answer.
 void picture_of_dialog(const char *name, const answer_fn &then)
 {
     answer_next([name, then](GtkWidget *dialog) {
         snap(name);
+        save(picture(dialog), std::string(name) + "-alone");
         then(dialog);
     });
 }
@@ -153,12 +183,42 @@ void show_work()
     settle();
 }
 
-void show_screen_shot()
+// What the source's texts are for, as its picture in "ScreenShots".
+void picture_the_application()
 {
-    GdkPixbuf *pixels = picture();
+    GtkWidget *window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    gtk_window_set_title(GTK_WINDOW(window), "Notizen");
+    gtk_window_set_default_size(GTK_WINDOW(window), 640, 400);
+    GtkWidget *bar = gtk_menu_bar_new();
+    for (const char *text : {"_Datei", "_Bearbeiten", "_Suchen …"})
+        gtk_menu_shell_append(GTK_MENU_SHELL(bar), gtk_menu_item_new_with_mnemonic(text));
+    GtkListStore *notes = gtk_list_store_new(2, G_TYPE_STRING, G_TYPE_STRING);
+    for (const auto &[title, changed] :
+         {std::pair{"Einkauf", "14:05"}, {"Urlaub", "gestern"}, {"Rezepte", "3. Mai"}})
+        gtk_list_store_insert_with_values(notes, nullptr, -1, 0, title, 1, changed, -1);
+    GtkWidget *list = gtk_tree_view_new_with_model(GTK_TREE_MODEL(notes));
+    int column = 0;
+    for (const char *text : {"Titel", "Geändert"})
+        gtk_tree_view_insert_column_with_attributes(
+            GTK_TREE_VIEW(list), -1, text, gtk_cell_renderer_text_new(), "text", column++, nullptr);
+    GtkWidget *box = gtk_vbox_new(FALSE, 6);
+    gtk_box_pack_start(GTK_BOX(box), bar, FALSE, FALSE, 0);
+    gtk_container_add(GTK_CONTAINER(box), list);
+    gtk_box_pack_end(GTK_BOX(box), gtk_label_new("3 Notizen, 1 ausgewählt"), FALSE, FALSE, 3);
+    gtk_container_add(GTK_CONTAINER(window), box);
+    gtk_widget_show_all(window);
+    GdkPixbuf *pixels = picture(window);
+    gtk_widget_destroy(window);
+    g_object_unref(notes);
     fs::create_directory("ScreenShots");
     gdk_pixbuf_save(pixels, "ScreenShots/menu.jpg", "jpeg", nullptr, nullptr);
     g_object_unref(pixels);
+}
+
+void show_screen_shot()
+{
+    picture_the_application();
+    settle(250);
     edit_ctrl.last(editWin);
     edit_ctrl.first(editWin);
     GtkWidget *notebook = find_type(mainWin, GTK_TYPE_NOTEBOOK);
@@ -208,6 +268,7 @@ void show_questions()
         snap("recovery");
         press("Show them")(dialog);
         snap("recovery-texts");
+        save(picture(dialog), "recovery-texts-alone");
         gtk_dialog_response(GTK_DIALOG(dialog), GTK_RESPONSE_YES);
     });
     activate("Load");
@@ -238,34 +299,78 @@ void show_spelling()
         gtk_menu_popdown(GTK_MENU(menu->data));
 }
 
-void select_item(int number)
+void select_item(const std::string &name, int field = TEXT_TRANS2)
 {
+    Zeltext *panel = ZEL_TEXT(ZEL_TAB_EDIT(editWin)->text_widget);
     edit_ctrl.first(editWin);
-    for (int at = 0; at < number; ++at)
+    for (int tries = 0; tries < 100 && name != panel->item->name; ++tries)
         edit_ctrl.next(editWin);
-    zel::text_focus_field(ZEL_TEXT(ZEL_TAB_EDIT(editWin)->text_widget), TEXT_TRANS2);
+    zel::text_focus_field(panel, field);
     settle(700); // until what is alike is known
 }
 
-// A text that has changed in the code, with a question, and one with plural forms.
+// Changes of the source that was copied: what comes first is replaced, once.
+class source_edit {
+public:
+    void put(const std::string &before, const std::string &after)
+    {
+        const std::size_t at = text_.find(before, from_);
+        if (at == std::string::npos)
+            g_error("the source lacks %s", before.c_str());
+        text_.replace(at, before.size(), after);
+    }
+    void put_line(const std::string &begin, const std::string &after)
+    {
+        const std::size_t at = text_.find("\n" + begin) + 1;
+        text_.replace(at, text_.find('\n', at) - at, after);
+    }
+    // From there on.
+    void go_to(const std::string &item) { from_ = text_.find("  ITEM   \"" + item + "\""); }
+    ~source_edit() { write_file("notes.lang-src", text_); }
+
+private:
+    std::string text_ = read_file("notes.lang-src");
+    std::size_t from_ = 0;
+};
+
+// A text that has changed in the code, one with plural forms, one with terms, one that is too long,
+// and two questions.
 void write_working_source()
 {
-    std::string text = read_file("notes.lang-src");
-    const auto put = [&text](const std::string &before, const std::string &after) {
-        text.replace(text.find(before), before.size(), after);
-    };
-    put("  ITEM   \"Export notes\"",
+    source_edit source;
+    source.put_line("mtime ", "mtime 1715000000"); // each walk shows the same
+    source.go_to("Storage is %d%% full");
+    source.put("    LANG ", "    COMMENT \"german\" { \"lint: max 28\" }\n    LANG ");
+    source.put(
+        "GROUP \"message\" {",
+        "GROUP \"message\" { ITEM \"move\" { CTIME 1715000000 USED YES { \"00152:src/note.c\" }\n"
+        "  LANG \"english\" { \"Move this note to another folder?\" } }\n");
+    source.go_to("delete");
+    source.put("    LANG ", "    COMMENT \"german\" { \"? formal, or informal?\" }\n    LANG ");
+    source.go_to("Export notes");
+    source.put("USED YES", "USED NO");
+    source.put(
+        "  ITEM ",
         "  ITEM \"Export all notes\" { CTIME 1715000000 USED YES { \"00190:src/export.c\" }\n"
         "    LANG \"english\" { \"Export all notes\" }\n"
-        "    COMMENT \"german\" { \"? the title, or a button?\" } }\n"
-        "  ITEM   \"Export notes\"");
-    const std::string old = text.substr(text.find("  ITEM   \"Export notes\""));
-    const std::size_t use = old.find("USED YES");
-    put(old.substr(use, old.find('}', use) + 1 - use), "USED NO");
-    put("\"%d notes written\"  {", "\"%d note written|%d notes written\"  {");
-    put("\"%d notes written\"\n    }", "\"%d note written|%d notes written\"\n    }");
-    put("\"%d Notizen geschrieben\"", "\"%d Notiz geschrieben|%d Notizen geschrieben\"");
-    write_file("notes.lang-src", text);
+        "    COMMENT \"german\" { \"? the title, or a button?\" } }\n  ITEM ");
+    source.go_to("%d notes written");
+    source.put("\"%d notes written\"  {", "\"%d note written|%d notes written\"  {");
+    source.put("\"%d notes written\"\n", "\"%d note written|%d notes written\"\n");
+    source.put("\"%d Notizen geschrieben\"", "\"%d Notiz geschrieben|%d Notizen geschrieben\"");
+    source.put("\"Записано заметок: %d\"", "\"%d заметка записана|%d заметки записаны\"");
+    write_file("terms.lang-src",
+               "define file \"english.lang\" lang \"english\" 200 200 1\n"
+               "define file \"german.lang\" lang \"german\" 200 200 1\nGROUP \"terms\" {\n"
+               "ITEM \"note\" { USED YES LANG \"german\" { \"Notiz\" } }\n"
+               "ITEM \"folder\" { USED YES LANG \"german\" { \"Ordner / Verzeichnis\" } } }\n");
+}
+
+void show_russian_instead_of_german()
+{
+    source_edit source;
+    source.put("\"german\" 200 200 1", "\"german\" 200 200 0");
+    source.put("\"russian\" 200 200 0", "\"russian\" 200 200 1");
 }
 
 void type_into_entry(const char *text)
@@ -274,19 +379,32 @@ void type_into_entry(const char *text)
     settle();
 }
 
-// What the rest of the source has to say to a text.
-void show_words()
+void load_again()
 {
     gtk_window_resize(GTK_WINDOW(mainWin), width, height);
     gtk_window_move(GTK_WINDOW(mainWin), 10, 10);
     settle(300);
     answer_next(choose(fs::absolute("notes.lang-src")));
     activate("Load");
-    select_item(26);
+}
+
+// What the rest of the source, its remarks and the list of terms have to say to a text.
+void show_words()
+{
+    load_again();
+    select_item("Export all notes");
     snap("was");
-    select_item(29);
-    snap("plural");
-    select_item(1);
+    GtkWidget *questions = ZEL_TAB_EDIT(editWin)->work->questions_filter();
+    gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(questions), TRUE);
+    select_item("delete");
+    snap("questions");
+    gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(questions), FALSE);
+    select_item("Storage is %d%% full");
+    snap("room");
+    select_item("move");
+    type_text("Diese Notiz verschieben?");
+    snap("terms");
+    select_item("_Save", TEXT_TRANS1);
     key(mainWin, GDK_KEY_F3);
     snap("found");
     key(mainWin, GDK_KEY_Escape);
@@ -296,6 +414,27 @@ void show_words()
     type_into_entry("Karte");
     snap("replace");
     key(mainWin, GDK_KEY_Escape);
+}
+
+// Forms that numbers take, the pointer on the line that tells which.
+void show_forms()
+{
+    fs::remove("v1.lang-src"); // what it suggests would stand behind them
+    load_again();
+    select_item("%d note written|%d notes written");
+    GtkWidget *line = ZEL_TEXT(ZEL_TAB_EDIT(editWin)->text_widget)->suggestion2_label;
+    gint x = 0;
+    gint y = 0;
+    gdk_window_get_origin(gtk_widget_get_window(line), &x, &y);
+    GtkAllocation at{};
+    gtk_widget_get_allocation(line, &at);
+    GdkDisplay *display = gdk_display_get_default();
+    GdkScreen *screen = gdk_screen_get_default();
+    gdk_display_warp_pointer(display, screen, x + at.x + 40, y + at.y + at.height / 2);
+    settle(1500);
+    snap("plural");
+    gdk_display_warp_pointer(display, screen, 0, 0);
+    settle();
 }
 
 void make_dictionary(const fs::path &folder)
@@ -351,7 +490,7 @@ int main(int argc, char **argv)
     fs::create_directories(work);
     fs::current_path(work);
     fs::copy_file(source, "notes.lang-src");
-    fs::copy_file(source, "older.lang-src"); // whose texts are suggested
+    fs::copy_file(source, "v1.lang-src"); // whose texts are suggested
     start_watching();
     // Where it begins, in the middle, it would bring up the tooltip of what comes to stand there.
     gdk_display_warp_pointer(gdk_display_get_default(), gdk_screen_get_default(), 0, 0);
@@ -363,6 +502,8 @@ int main(int argc, char **argv)
     run_editor("", show_words);
     make_dictionary(work / "words");
     run_editor((work / "notes.lang-src").string(), show_spelling);
+    show_russian_instead_of_german();
+    run_editor("", show_forms);
     fs::current_path(folder);
     fs::remove_all(work);
     return 0;
