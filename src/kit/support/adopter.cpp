@@ -167,6 +167,9 @@ private:
             return "its parenthesis has no end";
         if (call.arguments.size() < call.form->least || call.arguments.size() > call.form->most)
             return "the word takes another number of arguments";
+        if (counts_object(call) &&
+            argument(call, call.form->number).first == argument(call, call.form->number).last)
+            return "the word takes another number of arguments";
         if (call.is_split)
             return "a directive stands among its arguments";
         if (call.of_object)
@@ -493,13 +496,13 @@ private:
         return false;
     }
 
-    // The number goes behind the call, and so does what is turned in it: nothing may be.
+    // The number goes behind the call, and so would what is turned in it: nothing is, or was.
     std::string move_number(const foreign_call &call)
     {
         const foreign_argument &number = argument(call, call.form->number);
         for (std::size_t at = number.first; at < number.last; ++at)
-            if (token_text(at) == "(" && at > number.first &&
-                is_foreign_word(token_text(at - 1), of_.how_.from))
+            if (is_foreign_word(token_text(at), of_.how_.from) ||
+                token_text(at).starts_with("lang_"))
                 return "its number asks for a text";
         if (bytes_of(number).find('\n') != std::string_view::npos)
             return "a line end or a remark stands where an argument would go";
