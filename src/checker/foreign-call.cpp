@@ -33,10 +33,23 @@ constexpr foreign_form gettext_forms[] = {
 
 constexpr foreign_form qt_forms[] = {
     {"tr", 1, 0, 3, 0, 0, 2, 1, 3, false},
+    {"trUtf8", 1, 0, 3, 0, 0, 2, 1, 3, false},
     {"translate", 2, 0, 4, 1, 0, 3, 2, 4, false},
+    {"qtTrId", 1, 0, 2, 0, 0, 0, 1, 2, false},
     {"QT_TR_NOOP", 1, 0, 0, 0, 0, 0, 1, 1, true},
+    {"QT_TR_NOOP_UTF8", 1, 0, 0, 0, 0, 0, 1, 1, true},
+    {"QT_TR_N_NOOP", 1, 0, 0, 0, 0, 0, 1, 1, true},
     {"QT_TRANSLATE_NOOP", 2, 0, 0, 1, 0, 0, 2, 2, true},
+    {"QT_TRANSLATE_NOOP_UTF8", 2, 0, 0, 1, 0, 0, 2, 2, true},
+    {"QT_TRANSLATE_N_NOOP", 2, 0, 0, 1, 0, 0, 2, 2, true},
+    {"QT_TRANSLATE_NOOP3", 2, 0, 0, 1, 0, 3, 3, 3, true},
+    {"QT_TRID_NOOP", 1, 0, 0, 0, 0, 0, 1, 1, true},
+    {"QT_TRID_N_NOOP", 1, 0, 0, 0, 0, 0, 1, 1, true},
 };
+
+// Texts that have an id and no class.
+constexpr std::string_view id_group = "messages";
+constexpr std::string_view id_words[] = {"qtTrId", "QT_TRID_NOOP", "QT_TRID_N_NOOP"};
 
 class call_finder {
 public:
@@ -157,13 +170,30 @@ private:
             find_object(call, scope);
         if (!call.is_open)
             read_call_arguments(call);
-        calls_.push_back(std::move(call));
+        if (!is_movement(call))
+            calls_.push_back(std::move(call));
+    }
+
+    // "painter->translate(1, 2)", of other objects than the application, and without any text.
+    bool is_movement(const foreign_call &call) const
+    {
+        const bool is_bare = call.of_object || call.first == call.word;
+        return of_ == call_dialect::qt && is_bare && !call.is_open && call.form->context != 0 &&
+               !call.form->is_mark &&
+               std::none_of(call.arguments.begin(), call.arguments.end(),
+                            [&](const foreign_argument &one) {
+                                const code_token::kind kind = tokens_[one.first].is;
+                                return kind == code_token::kind::text ||
+                                       kind == code_token::kind::other_text;
+                            });
     }
 
     // What stands before the word: "Window::", "this->", or another object.
     void find_object(foreign_call &call, const class_scope &scope) const
     {
-        call.scope = scope.name();
+        const bool is_id = std::find(std::begin(id_words), std::end(id_words), call.form->word) !=
+                           std::end(id_words);
+        call.scope = is_id ? std::string(id_group) : scope.name();
         std::size_t &first = call.first;
         std::string named;
         constexpr std::size_t longest = 500;

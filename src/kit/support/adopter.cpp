@@ -33,7 +33,30 @@ std::string code_literal(std::string_view text)
     return out + '"';
 }
 
+bool is_blank(std::string_view text) { return text.find_first_not_of(" \t\r\n\\") == text.npos; }
+
+bool is_foreign_word(std::string_view word, call_dialect of)
+{
+    const std::span<const foreign_form> forms = foreign_forms(of);
+    return std::any_of(forms.begin(), forms.end(),
+                       [&](const foreign_form &one) { return one.word == word; });
+}
+
 bool is_format(const std::string &text) { return format_fits(text, text); }
+
+// A literal without the white space at its end and without the quote behind that.
+std::string_view without_literal_end(std::string_view quoted)
+{
+    quoted.remove_suffix(1);
+    while (quoted.size() > 1)
+        if (quoted.ends_with(' ') || quoted.ends_with('\t'))
+            quoted.remove_suffix(1);
+        else if (quoted.ends_with("\\n") || quoted.ends_with("\\t") || quoted.ends_with("\\r"))
+            quoted.remove_suffix(2);
+        else
+            break;
+    return quoted;
+}
 
 std::string_view file_of_path(std::string_view path)
 {
@@ -69,6 +92,8 @@ private:
         std::string text;
         std::size_t pieces = 0;
         std::string why;
+        std::string end;   // white space that was taken off the text, as the code has it
+        std::string whole; // the text with it
     };
 
     std::string_view token_text(std::size_t at) const
@@ -142,16 +167,44 @@ private:
             return "its parenthesis has no end";
         if (call.arguments.size() < call.form->least || call.arguments.size() > call.form->most)
             return "the word takes another number of arguments";
+        if (counts_object(call) &&
+            argument(call, call.form->number).first == argument(call, call.form->number).last)
+            return "the word takes another number of arguments";
         if (call.is_split)
             return "a directive stands among its arguments";
         if (call.of_object)
             return "the class of the object is not known";
-        const bool is_count = call.form->number != 0 && call.arguments.size() >= call.form->number;
-        if (is_count && call.form->plural == 0)
-            return "it counts with %n, which no request prints";
+        if (call.form->is_mark && call.form->comment != 0)
+            return "it gives a text and its comment";
         if (call.form->is_mark && is_beside_literal(call))
             return "it is a piece of a longer literal";
         return {};
+    }
+
+    // Whether an object's form is asked for, "%n cups" with its number.
+    static bool counts_object(const foreign_call &call)
+    {
+        return call.form->plural == 0 && call.form->number != 0 &&
+               call.arguments.size() >= call.form->number;
+    }
+
+    // Takes the white space off a text's last literal, where an object can have it back.
+    void take_end(const foreign_call &call, read_argument &item) const
+    {
+        const std::size_t kept = without_end(item.text).size();
+        if (of_.how_.from != call_dialect::qt || call.form->is_mark || counts_object(call) ||
+            !item.why.empty() || kept == 0 || kept == item.text.size())
+            return;
+        const std::string_view quoted = token_text(argument(call, call.form->item).last - 1);
+        const std::string_view rest = without_literal_end(quoted);
+        const std::optional<std::string> last = literal_text(quoted);
+        const std::optional<std::string> text = literal_text(std::string(rest) + '"');
+        // Other escapes may stand for white space, and the last piece may be nothing else.
+        if (rest.size() == 1 || !text || !last || *text != without_end(*last))
+            return;
+        item.end = quoted.substr(rest.size(), quoted.size() - 1 - rest.size());
+        item.whole = item.text;
+        item.text.resize(kept);
     }
 
     // "N_("One") "\0"": what a request is replaced by is no literal that could be joined.
@@ -191,9 +244,12 @@ private:
             return why;
         const foreign_form &form = *call.form;
         read_argument item = read(argument(call, form.item));
+        take_end(call, item);
         const bool is_count = form.plural != 0;
-        if (std::string why = obstacle(item, is_count); !why.empty())
+        if (std::string why = obstacle(item, is_count || counts_object(call)); !why.empty())
             return why;
+        if (counts_object(call) && item.text.find("%Ln") != std::string::npos)
+            return "it counts with %Ln";
         std::string name = item.text;
         if (is_count) {
             const read_argument many = read(argument(call, form.plural));
@@ -208,8 +264,11 @@ private:
             context = read(argument(call, form.context));
         if (!context.why.empty())
             return "its context: " + context.why;
+        // An import names an item by the whole text; a check, by what the code asks for then.
+        const bool is_whole = of_.by_name_.count(item.whole) != 0;
         std::string group;
-        if (std::string why = find_group(call, context, name, group); !why.empty())
+        if (std::string why = find_group(call, context, is_whole ? item.whole : name, group);
+            !why.empty())
             return why;
         return replace(call, item, name, context, group);
     }
@@ -241,14 +300,18 @@ private:
         else if (!of_.how_.group.empty())
             group = of_.how_.group;
         else
-            return find_held(name, group);
+            return find_held(scope, name, group);
         return {};
     }
 
-    std::string find_held(const std::string &name, std::string &group) const
+    std::string find_held(const std::string &scope, const std::string &name,
+                          std::string &group) const
     {
         const auto found = of_.by_name_.find(name);
         if (found == of_.by_name_.end()) {
+            group = scope;
+            if (!scope.empty())
+                return {};
             if (of_.only_group_ == nullptr)
                 return "the source does not have the text; --group names a group for it";
             group = of_.only_group_;
@@ -308,7 +371,7 @@ private:
         if (std::string why = drop_arguments(call); !why.empty())
             return why;
         const indexed_item *held = of_.items_.find(group.c_str(), name.c_str());
-        put_word(call, target);
+        put_word(call, target, item);
         if (is_described)
             insert(tokens_[call.word + 1].end,
                    code_literal(held == nullptr ? "" : description_of(held->item)) + ", ");
@@ -332,13 +395,31 @@ private:
     }
 
     // The other library's calls give objects.
-    void put_word(const foreign_call &call, const std::string &target)
+    void put_word(const foreign_call &call, const std::string &target, const read_argument &item)
     {
         const bool is_object = of_.how_.from == call_dialect::qt && !call.form->is_mark;
-        pending_.push_back({tokens_[call.first].begin, tokens_[call.word].end,
-                            (is_object ? "QString::fromUtf8(" : "") + target});
+        std::string before = is_object ? "QString::fromUtf8(" : "";
+        std::string behind = is_object ? ")" : "";
+        if (!item.end.empty()) {
+            before = "QString(" + before;
+            behind += " + QLatin1String(\"" + item.end + "\"))";
+        } else if (is_object && counts_object(call)) {
+            before = "[](int n) { return " + before + "lang_plural(";
+            behind = ", n)).replace(QLatin1String(\"%n\"), QString::number(n)); }(" +
+                     std::string(bytes_of(argument(call, call.form->number))) + ")";
+        }
+        pending_.push_back({tokens_[call.first].begin, tokens_[call.word].end, before + target});
+        if (!item.end.empty()) {
+            const std::size_t end = end_of(argument(call, call.form->item)) - 1;
+            pending_.push_back({end - item.end.size(), end, ""});
+        }
         if (is_object)
-            insert(tokens_[call.closing].end, ")");
+            insert(tokens_[call.closing].end, behind);
+    }
+
+    std::string_view bytes_of(const foreign_argument &one) const
+    {
+        return bytes_.substr(begin_of(one), end_of(one) - begin_of(one));
     }
 
     void insert(std::size_t at, std::string text) { pending_.push_back({at, at, std::move(text)}); }
@@ -363,27 +444,69 @@ private:
                        begin_of(argument(call, form.context)));
         const unsigned kept = std::max<unsigned>({form.item, form.plural != 0 ? form.number : 0U});
         for (unsigned at = kept + 1; why.empty() && at <= call.arguments.size(); ++at)
-            why = drop(argument(call, at), end_of(argument(call, at - 1)),
-                       end_of(argument(call, at)));
+            why = counts_object(call) && at == form.number
+                      ? move_number(call)
+                      : drop(argument(call, at), end_of(argument(call, at - 1)),
+                             end_of(argument(call, at)));
         if (why.empty() && form.domain != 0 && form.context == 0)
             why = drop_obstacle(argument(call, form.domain));
         return why;
     }
 
-    static std::string drop_obstacle(const foreign_argument &one)
+    std::string drop_obstacle(const foreign_argument &one) const
     {
-        return one.last - one.first == 1 ? "" : "an argument that would go is more than a word";
+        const bool is_literal = read(one).why.empty();
+        return is_literal || one.last - one.first == 1
+                   ? ""
+                   : "an argument that would go is more than a word";
     }
 
     std::string drop(const foreign_argument &one, std::size_t begin, std::size_t end)
     {
         if (std::string why = drop_obstacle(one); !why.empty())
             return why;
-        const std::string_view gone = bytes_.substr(begin, end - begin);
-        if (gone.find('\n') != gone.npos || gone.find("/*") != gone.npos)
+        return cut(one, begin, end);
+    }
+
+    // Line ends stay, so that every line behind them has its number.
+    std::string cut(const foreign_argument &one, std::size_t begin, std::size_t end)
+    {
+        std::string kept;
+        for (const char c : bytes_.substr(begin, end - begin))
+            if (c == '\n' || c == '\r')
+                kept += c;
+        if (has_remark(begin, end) || (!kept.empty() && tokens_[one.first].directive != 0))
             return "a line end or a remark stands where an argument would go";
-        pending_.push_back({begin, end, ""});
+        pending_.push_back({begin, end, kept});
         return {};
+    }
+
+    bool has_remark(std::size_t begin, std::size_t end) const
+    {
+        auto at = std::lower_bound(
+            tokens_.begin(), tokens_.end(), begin,
+            [](const code_token &one, std::size_t position) { return one.begin < position; });
+        while (begin < end) {
+            const std::size_t next = at == tokens_.end() ? end : std::min(at->begin, end);
+            if (!is_blank(bytes_.substr(begin, next - begin)))
+                return true;
+            begin = at == tokens_.end() ? end : std::max(at->end, next);
+            at += at == tokens_.end() ? 0 : 1;
+        }
+        return false;
+    }
+
+    // The number goes behind the call, and so would what is turned in it: nothing is, or was.
+    std::string move_number(const foreign_call &call)
+    {
+        const foreign_argument &number = argument(call, call.form->number);
+        for (std::size_t at = number.first; at < number.last; ++at)
+            if (is_foreign_word(token_text(at), of_.how_.from) ||
+                token_text(at).starts_with("lang_"))
+                return "its number asks for a text";
+        if (bytes_of(number).find('\n') != std::string_view::npos)
+            return "a line end or a remark stands where an argument would go";
+        return cut(number, end_of(argument(call, call.form->number - 1U)), end_of(number));
     }
 
     // "one", "many" becomes "one|many"; with more than blanks between them, "one" "|" "many".

@@ -9,6 +9,8 @@
 //     pgettext("menu", "Open")           lang_text("menu", "Open")
 //     N_("Pour")                         lang_dummy("the description", "cup", "Pour")
 //     tr("Open"), in a class Window      QString::fromUtf8(lang_get_string("Window", "Open"))
+//     tr("Open: ")                       QString(... + QLatin1String(" ")): items keep no such end
+//     tr("%n cups", "", n)               a lambda that asks for the form and puts the number in
 
 #include <string>
 #include <unordered_map>

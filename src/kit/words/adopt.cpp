@@ -6,6 +6,7 @@
 #include "kit/support/output.h"
 #include "kit/support/sources.h"
 #include "kit/support/text-file.h"
+#include "kit/support/uncoded-texts.h"
 #include "kit/support/unified-diff.h"
 #include "kit/words/word-list.h"
 
@@ -26,9 +27,12 @@ bool is_code(std::string_view name)
                        [&](std::string_view ending) { return name.ends_with(ending); });
 }
 
-// The files of the paths, each once, in their order. False after a line for each that cannot be
-// read.
-bool find_code(const std::vector<std::string> &paths, std::vector<std::string> &files)
+bool is_code_or_form(std::string_view name) { return is_code(name) || has_uncoded_texts(name); }
+
+// The files of the paths, each once, in their order, of code and perhaps beside it. False after a
+// line for each that cannot be read.
+bool find_code(const std::vector<std::string> &paths, bool with_forms,
+               std::vector<std::string> &files)
 {
     bool good = true;
     const auto complain = [&](const char *path) {
@@ -40,7 +44,7 @@ bool find_code(const std::vector<std::string> &paths, std::vector<std::string> &
         return 0;
     };
     for (const std::string &path : paths)
-        scan_path(path.c_str(), {take, complain, complain, is_code});
+        scan_path(path.c_str(), {take, complain, complain, with_forms ? is_code_or_form : is_code});
     std::sort(files.begin(), files.end());
     keep_each_once(files);
     return good;
@@ -58,10 +62,21 @@ struct adopt_count {
     std::size_t lacking = 0;
 };
 
+// Tells of texts that no call in C++ asks for.
+void tell_uncoded(const std::string &path, const std::string &bytes, adopt_count &count)
+{
+    const uncoded_texts texts = find_uncoded_texts(path, bytes);
+    if (texts.wrong)
+        say_fault(path, texts.wrong);
+    else if (texts.count != 0)
+        std::fprintf(stderr, "%s: not turned: %s\n", path.c_str(), texts.why.c_str());
+    count.left += texts.wrong ? 1 : texts.count;
+}
+
 // Tells what becomes of the files, or, when they are to be written, keeps their new texts. False
 // after a line for each that cannot be read.
-bool adopt_files(adopter &by, const std::vector<std::string> &files, bool is_written,
-                 std::vector<changed_code> &changed, adopt_count &count)
+bool adopt_files(adopter &by, const std::vector<std::string> &files, bool with_forms,
+                 bool is_written, std::vector<changed_code> &changed, adopt_count &count)
 {
     bool good = true;
     for (const std::string &path : files) {
@@ -70,6 +85,10 @@ bool adopt_files(adopter &by, const std::vector<std::string> &files, bool is_wri
         if (const exchange::fault wrong = exchange::read_input(path, bytes)) {
             say_fault(path, wrong);
             good = false;
+            continue;
+        }
+        if (with_forms && has_uncoded_texts(path)) {
+            tell_uncoded(path, bytes, count);
             continue;
         }
         adopted_code code = by.take(path, bytes);
@@ -111,13 +130,14 @@ bool write_code(const std::vector<changed_code> &changed)
     return finish_all(files);
 }
 
-int adopt_code(adopter &by, const std::vector<std::string> &paths, bool is_written)
+int adopt_code(adopter &by, const std::vector<std::string> &paths, bool with_forms, bool is_written)
 {
     std::vector<std::string> files;
     std::vector<changed_code> changed;
     adopt_count count;
     // A file that cannot be read keeps all others as they are.
-    if (!find_code(paths, files) || !adopt_files(by, files, is_written, changed, count) ||
+    if (!find_code(paths, with_forms, files) ||
+        !adopt_files(by, files, with_forms, is_written, changed, count) ||
         (is_written && !write_code(changed)))
         return status_fault;
     std::fflush(stdout); // what is told of the changes stands behind them
@@ -160,7 +180,8 @@ int run_adopt(const word &self, int argc, char **argv)
     how.by_file = group == "file";
     how.group = group == "context" || how.by_file ? "" : group;
     adopter by(source.get(), how);
-    const int status = adopt_code(by, {line.files.begin() + 1, line.files.end()}, is_written);
+    const int status = adopt_code(by, {line.files.begin() + 1, line.files.end()},
+                                  how.from == call_dialect::qt, is_written);
     keep_to_the_end(std::move(source));
     return status;
 }
