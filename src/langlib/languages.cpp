@@ -198,13 +198,14 @@ bool read_parts(std::string_view rest, tag_parts &parts)
     } else if (!read_coded_parts(rest.substr(0, rest.find('.')), parts)) {
         return false;
     }
-    // Settings tell a language's script by its modifier.
-    for (const script_name &one : scripts)
-        if (one.is_modifier && std::strcmp(parts.script, one.script) == 0 &&
-            parts.modifier[0] == '\0') {
+    // Settings tell a language's script by its modifier, whose name a file may have as the code.
+    for (const script_name &one : scripts) {
+        const bool is_script = parts.modifier[0] == '\0' && same_name(parts.script, one.script);
+        if (one.is_modifier && (is_script || same_name(parts.modifier, one.script))) {
             std::strcpy(parts.modifier, one.name);
-            parts.script[0] = '\0';
+            parts.script[0] = is_script ? '\0' : parts.script[0];
         }
+    }
     return true;
 }
 

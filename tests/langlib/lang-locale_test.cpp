@@ -160,6 +160,7 @@ TEST_F(Locale, LanguagesAreKnownByCodesAndNames)
         {"zh-hant-HK", "zh_Hant_HK"},
         {"brazilian Portuguese", "pt_BR"},
         {"sr_Latn_RS", "sr_RS@latin"},
+        {"uz@Latn", "uz@latin"},
         {"es-419", "es_419"},
         {"German_at", "de_AT"},
         {"de_AT.ISO-8859-1", "de_AT"},
