@@ -3,6 +3,7 @@
 #include "assist/pieces.h"
 #include "assist/plural-line.h"
 #include "editor/panel/w_text.h"
+#include "editor/panel/w_text_below.h"
 #include "editor/state/edit-state.h"
 #include "editor/table/w_tab_plural.h"
 #include "editor/toolkit/text-places.h"
@@ -403,6 +404,13 @@ void tab_suggest::go_to_form(int direction)
                                   : ui_text("tab-edit", "No plural form before this one"));
 }
 
+void tab_suggest::show_below(int direction)
+{
+    const int field = field_to_fill();
+    if (field >= 0 && !text_below_step(panel_, field, direction))
+        edit_status(ui_text("tab-edit", "No other language to show below"));
+}
+
 void tab_suggest::insert_piece(std::size_t number)
 {
     const int field = field_to_fill();
@@ -446,6 +454,9 @@ void tab_suggest::add_keys()
     add(GDK_KEY_space, GDK_CONTROL_MASK, [this] { take_suggestion(); });
     add(GDK_KEY_b, GDK_CONTROL_MASK, [this] { copy_other(); });
     add(GDK_KEY_t, GDK_CONTROL_MASK, [this] { add_term(); });
+    add(GDK_KEY_l, GDK_CONTROL_MASK, [this] { show_below(1); });
+    add(GDK_KEY_l, static_cast<GdkModifierType>(GDK_CONTROL_MASK | GDK_SHIFT_MASK),
+        [this] { show_below(-1); });
     for (std::size_t digit = 1; digit <= digits; ++digit)
         // Both rows of digits: the keys of the number pad have names of their own.
         for (const guint first : {guint{GDK_KEY_0}, guint{GDK_KEY_KP_0}})

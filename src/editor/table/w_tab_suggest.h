@@ -79,6 +79,7 @@ private:
     void insert_piece(std::size_t number);
     void add_term();
     void go_to_form(int direction);
+    void show_below(int direction);
     std::string_view rule_of(int field) const;
     plural_line plural_of(int field) const;
 
