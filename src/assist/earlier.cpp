@@ -15,7 +15,8 @@ constexpr std::string_view backup_ending = ".bak";
 constexpr std::string_view date_form = "-0000-00-00-00-00-00"; // 0: a digit
 constexpr std::size_t length_of_day = 11;                      // "-2024-05-01"
 constexpr std::size_t most_backups = 1000;                     // the newest ones
-constexpr std::size_t names_at_once = 500;                     // entries
+constexpr unsigned items_at_once = 32;
+constexpr std::size_t names_at_once = 500; // entries
 
 std::string key_of(const edit_t &group, const item_t &item)
 {
@@ -47,8 +48,9 @@ void earlier_texts::stop()
     folder_.reset();
     file_.reset();
     names_.clear();
-    std::vector<held>().swap(rows_);
-    by_name_.clear();
+    group_ = nullptr;
+    // Not cleared: that would keep the memory of its buckets.
+    decltype(rows_)().swap(rows_);
 }
 
 void earlier_texts::begin(const neighbour_texts::query &wanted, const LangSource &source)
@@ -83,15 +85,24 @@ void earlier_texts::list_some()
     }
 }
 
-void earlier_texts::collect()
+void earlier_texts::collect_from(GList *group)
 {
-    for (const edit_t *group : each<edit_t>(source_->groups))
-        for (const item_t *item : each<item_t>(group->items))
-            if (item->used != 0) {
-                by_name_.emplace(key_of(*group, *item), rows_.size());
-                rows_.push_back(
-                    {group, item, {!query_.langs[0].empty(), !query_.langs[1].empty()}});
-            }
+    group_ = group;
+    item_ = group == nullptr ? nullptr : static_cast<edit_t *>(group->data)->items;
+}
+
+void earlier_texts::collect_some()
+{
+    const auto &group = *static_cast<const edit_t *>(group_->data);
+    for (unsigned count = 0; count < items_at_once && item_ != nullptr; ++count) {
+        const auto *item = static_cast<const item_t *>(item_->data);
+        if (item->used != 0)
+            rows_.try_emplace(key_of(group, *item),
+                              held{item, {!query_.langs[0].empty(), !query_.langs[1].empty()}});
+        item_ = item_->next;
+    }
+    if (item_ == nullptr)
+        collect_from(group_->next);
 }
 
 // Leaves the backups that are to be read: of days that are past, one.
@@ -108,7 +119,7 @@ void earlier_texts::choose()
     }
     // Most sources have no backup: nothing is collected for them.
     if (!names_.empty())
-        collect();
+        collect_from(source_->groups);
 }
 
 void earlier_texts::open_next()
@@ -154,34 +165,49 @@ void earlier_texts::compare(const LangSource &backup, const edit_t &group, const
     if (or_empty(backup.default_lang) != query_.reference)
         return;
     const std::string key = key_of(group, *before);
-    const auto at = by_name_.find(key);
-    if (at == by_name_.end())
+    const auto at = rows_.find(key);
+    if (at == rows_.end())
         return;
-    held &now = rows_[at->second];
+    held &now = at->second;
     for (std::size_t lang = 0; lang < now.is_open.size(); ++lang)
         if (now.is_open[lang])
             compare(now, key, before, lang);
 }
 
+void earlier_texts::read_some()
+{
+    const auto take = [this](const LangSource &backup, const edit_t &group, const item_t *item) {
+        compare(backup, group, item);
+    };
+    if (file_->step(take))
+        return;
+    file_.reset();
+    ++files_;
+}
+
+bool earlier_texts::do_piece()
+{
+    if (folder_ != nullptr)
+        list_some();
+    else if (group_ != nullptr)
+        collect_some();
+    else if (file_ != nullptr)
+        read_some();
+    else if (!names_.empty())
+        open_next();
+    else
+        return false;
+    return true;
+}
+
 bool earlier_texts::step(std::chrono::steady_clock::time_point until)
 {
     do {
-        if (folder_ != nullptr) {
-            list_some();
-        } else if (file_ != nullptr) {
-            const auto take = [this](const LangSource &backup, const edit_t &group,
-                                     const item_t *item) { compare(backup, group, item); };
-            if (!file_->step(take)) {
-                file_.reset();
-                ++files_;
-            }
-        } else if (!names_.empty()) {
-            open_next();
-        } else {
-            source_ = nullptr; // complete
-            stop();
-            return false;
-        }
+        if (do_piece())
+            continue;
+        source_ = nullptr; // complete
+        stop();
+        return false;
     } while (std::chrono::steady_clock::now() < until);
     return true;
 }

@@ -15,7 +15,6 @@
 #include <set>
 #include <string>
 #include <unordered_map>
-#include <vector>
 
 #include <dirent.h>
 
@@ -62,7 +61,6 @@ public:
 
 private:
     struct held {
-        const edit_t *group;
         const item_t *item;
         std::array<bool, 2> is_open; // older backups may tell of its translation
     };
@@ -74,8 +72,11 @@ private:
 
     void list_some();
     void choose();
-    void collect();
+    void collect_from(GList *group);
+    void collect_some();
     void open_next();
+    void read_some();
+    bool do_piece();
     void compare(const LangSource &backup, const edit_t &group, const item_t *before);
     void compare(held &now, const std::string &key, const item_t *before, std::size_t lang);
     std::string text_in(const item_t &item, const std::string &lang) const;
@@ -87,15 +88,16 @@ private:
     earlier_limits limits_;
     neighbour_texts::query query_;
     const LangSource *source_ = nullptr; // while its backups are read
-    std::vector<held> rows_;
-    std::unordered_map<std::string, std::size_t> by_name_;
+    GList *group_ = nullptr;             // whose items are collected next
+    GList *item_ = nullptr;
+    std::unordered_map<std::string, held> rows_;             // by group and name
     std::unique_ptr<DIR, folder_release> folder_;            // while it is listed
     std::string prefix_;                                     // of the backups' paths
     std::set<std::string, std::greater<std::string>> names_; // that are still to be read
     std::unique_ptr<source_walk> file_;                      // null between two
     std::size_t files_ = 0;
     std::size_t bytes_ = 0;
-    std::unordered_map<std::string, std::array<found, 2>> found_; // by group and name
+    std::unordered_map<std::string, std::array<found, 2>> found_;
 };
 
 } // namespace zel::assist

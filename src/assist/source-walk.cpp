@@ -86,14 +86,14 @@ bool source_walk::step(const take &one)
         group_ = source_ ? source_->groups : nullptr;
         return group_ != nullptr;
     }
-    const auto *group = static_cast<const edit_t *>(group_->data);
-    if (item_ == nullptr)
-        item_ = group->items;
-    for (unsigned count = 0; count < pieces_at_once && item_ != nullptr; ++count) {
-        one(*source_, *group, static_cast<item_t *>(item_->data));
-        item_ = item_->next;
+    auto *group = static_cast<edit_t *>(group_->data);
+    for (unsigned count = 0; count < pieces_at_once && group->items != nullptr; ++count) {
+        // Released one by one: all at once would take longer than one waits for a key.
+        const item_guard item(static_cast<item_t *>(group->items->data));
+        group->items = g_list_delete_link(group->items, group->items);
+        one(*source_, *group, item.get());
     }
-    if (item_ == nullptr)
+    if (group->items == nullptr)
         group_ = group_->next;
     return group_ != nullptr;
 }

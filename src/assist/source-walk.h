@@ -29,8 +29,8 @@ public:
     source_walk(const source_walk &) = delete;
     source_walk &operator=(const source_walk &) = delete;
 
-    // Reads some of it, or hands out some items of one group, used or not; false once there are
-    // none left, as in a text that is no source.
+    // Reads some of it, or hands out some items of one group, used or not, each of which is gone
+    // afterwards; false once there are none left, as in a text that is no source.
     bool step(const take &one);
 
 private:
@@ -38,7 +38,6 @@ private:
     source_reading reading_;
     source_guard source_;    // once it is read
     GList *group_ = nullptr; // whose items come next
-    GList *item_ = nullptr;
     bool is_read_ = false;
 };
 
