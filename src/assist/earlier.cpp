@@ -5,7 +5,8 @@
 #include "support/target-file.h"
 #include "support/text.h"
 
-#include <functional>
+#include <iterator>
+#include <optional>
 
 namespace zel::assist {
 
