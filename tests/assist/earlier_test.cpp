@@ -63,10 +63,10 @@ TEST_F(Earlier, TheTextOfTheOldestBackupThatHasTheTranslation)
         {"B|t", {"C|t", "A|t", "A|u"}, "3:A", "changed twice"},
         {"B|t", {"B|t", "A|u", "A|t"}, "3:", "translated after the change"},
         {"A|t", {"B|t", "A|t"}, "2:", "changed back"},
-        {"B|t ready", {"B|t", "A|t"}, "2:", "somebody has looked at it since"},
+        {"B|t ready", {"B|t", "A|t ready"}, "2:", "somebody has looked at it since"},
         {"B|t ready", {"B|t ready", "A|t ready"}, "2:A", "nobody has"},
         {"B|", {"A|", "A|t"}, "2:", "not translated"},
-        {"B|t", {"|t"}, "1:", "the item's name is no text"},
+        {"B|t", {"A|t", "|t"}, "2:A", "the item's name is no text"},
         {"B|t", {"A|t\\n"}, "1:A", "the end of the last line is no difference"},
     };
     for (const auto &row : rows) {
