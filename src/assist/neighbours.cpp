@@ -1,82 +1,31 @@
 #include "assist/neighbours.h"
 
+#include "assist/source-walk.h"
 #include "lint/glossary.h"
 #include "source/entry.h"
-#include "source/lang-read.h"
 #include "source/misc.h"
+#include "support/text.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <fcntl.h>
 #include <string_view>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace zel::assist {
 
 namespace {
 
 constexpr std::string_view ending = ".lang-src";
-constexpr std::size_t most_names = 1000;     // in a folder of more, the first ones of the listing
-constexpr std::size_t listed_at_once = 500;  // entries
-constexpr std::uint32_t pieces_at_once = 32; // items, between two looks at the clock
-
-// With the separator at its end; empty for the current folder.
-std::string folder_of(const std::string &path)
-{
-    const std::size_t end = path.rfind('/');
-    return end == std::string::npos ? std::string() : path.substr(0, end + 1);
-}
-
-// Opens regular files only, so that neither a pipe waits nor a device does something. The path may
-// be exchanged between looking and opening, which is why the open file is looked at again.
-int open_regular(const std::string &path, struct stat &status)
-{
-    if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
-        return -1;
-    const int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    if (fd >= 0 && (fstat(fd, &status) != 0 || !S_ISREG(status.st_mode))) {
-        close(fd);
-        return -1;
-    }
-    return fd;
-}
-
-// Reads as many bytes as the file had when it was opened: one that grows meanwhile would keep us
-// for ever.
-bool read_whole(int fd, std::string &text)
-{
-    std::size_t done = 0;
-    while (done < text.size()) {
-        const ssize_t got = read(fd, text.data() + done, text.size() - done);
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got <= 0)
-            return false;
-        done += static_cast<std::size_t>(got);
-    }
-    return true;
-}
-
-read_how how_to_read(std::string_view text)
-{
-    read_how how;
-    how.text = text;
-    return how;
-}
+constexpr std::size_t most_names = 1000;    // in a folder of more, the first ones of the listing
+constexpr std::size_t listed_at_once = 500; // entries
 
 } // namespace
 
 struct neighbour_texts::file {
     std::string name;
-    std::string text;
-    source_reading reading;
-    source_guard source;    // once it is read
-    GList *group = nullptr; // whose items are kept next
-    GList *item = nullptr;
+    source_walk walk;
+    const edit_t *group = nullptr; // whose items are kept
 
-    file(std::string given, std::string whole)
-        : name(std::move(given)), text(std::move(whole)), reading(name.c_str(), how_to_read(text))
+    file(std::string given, std::string text) : name(std::move(given)), walk(name, std::move(text))
     {
     }
 };
@@ -163,39 +112,18 @@ void neighbour_texts::keep(const LangSource &source, item_t *item)
         rows_.push_back(std::move(found));
 }
 
+// Keeps some items of the file that is read.
 void neighbour_texts::read_some()
 {
-    if (file_->reading.step(pieces_at_once))
-        return;
-    read_answer answer = file_->reading.answer();
-    file_->source = std::move(answer.source);
-    if (file_->source)
-        file_->group = file_->source->groups;
-    else
-        file_.reset();
-}
-
-// Keeps some items of one group of the file that was read.
-void neighbour_texts::keep_some()
-{
-    if (file_->group == nullptr) {
-        file_.reset();
-        return;
-    }
-    const auto *group = static_cast<const edit_t *>(file_->group->data);
-    if (file_->item == nullptr) {
-        file_->item = group->items;
-        origins_.push_back(std::string(group->name == nullptr ? "" : group->name) + ", " +
-                           file_->name);
-    }
-    for (unsigned count = 0; count < pieces_at_once && file_->item != nullptr; ++count) {
-        auto *item = static_cast<item_t *>(file_->item->data);
+    const auto take = [this](const LangSource &source, const edit_t &group, item_t *item) {
+        if (file_->group != &group)
+            origins_.push_back(std::string(or_empty(group.name)) + ", " + file_->name);
+        file_->group = &group;
         if (item->used != 0)
-            keep(*file_->source, item);
-        file_->item = file_->item->next;
-    }
-    if (file_->item == nullptr)
-        file_->group = file_->group->next;
+            keep(source, item);
+    };
+    if (!file_->walk.step(take))
+        file_.reset();
 }
 
 void neighbour_texts::open_next()
@@ -206,25 +134,22 @@ void neighbour_texts::open_next()
         names_.clear();
         return;
     }
-    struct stat status {};
-    const std::string path = folder_of(query_.path) + name;
-    const int fd = open_regular(path, status);
-    if (fd < 0)
-        return;
-    const auto size = static_cast<std::size_t>(status.st_size);
-    // Links give a file several names in a folder: it is read once.
-    const bool is_new = std::find(seen_.begin(), seen_.end(), id_of(status)) == seen_.end();
-    const bool is_wanted =
-        is_new && size != 0 && size <= limits_.bytes_of_one && bytes_ + size <= limits_.bytes;
-    std::string text(is_wanted ? size : 0, '\0');
-    const bool is_read = is_wanted && read_whole(fd, text);
-    close(fd);
-    if (!is_read)
+    std::optional<std::string> text =
+        read_regular(folder_of(query_.path) + name, [this](const struct stat &status) {
+            const auto size = static_cast<std::size_t>(status.st_size);
+            // Links give a file several names in a folder: it is read once.
+            const bool is_new = std::find(seen_.begin(), seen_.end(), id_of(status)) == seen_.end();
+            if (!is_new || size == 0 || size > limits_.bytes_of_one ||
+                bytes_ + size > limits_.bytes)
+                return false;
+            seen_.push_back(id_of(status));
+            return true;
+        });
+    if (!text)
         return;
     ++files_;
-    bytes_ += size;
-    seen_.push_back(id_of(status));
-    file_ = std::make_unique<file>(name, std::move(text));
+    bytes_ += text->size();
+    file_ = std::make_unique<file>(name, std::move(*text));
 }
 
 void neighbour_texts::do_piece()
@@ -237,10 +162,8 @@ void neighbour_texts::do_piece()
         index_.add(next_row_++);
     else if (file_ == nullptr)
         open_next();
-    else if (file_->source == nullptr)
-        read_some();
     else
-        keep_some();
+        read_some();
 }
 
 bool neighbour_texts::step(std::chrono::steady_clock::time_point until)

@@ -89,7 +89,6 @@ private:
     void list_some();
     void open_next();
     void read_some();
-    void keep_some();
     void keep(const LangSource &source, item_t *item);
 
     struct folder_release {

@@ -139,6 +139,8 @@ const std::vector<key_row> &editor_keys()
         {"Alt+PgDn, Alt+PgUp",
          "next, previous item that lacks a text, has a finding or, if items are marked as ready at "
          "all, is not"},
+        {"Ctrl+U", "next item without a translation, whatever is shown"},
+        {"Ctrl+E", "only items with findings, or all"},
         {"Alt+M", "ready or not"},
         {"Ctrl+Return", "ready, and to the next such item in the same field"},
         {"Ctrl+Space", "take the suggestion"},
@@ -146,6 +148,7 @@ const std::vector<key_row> &editor_keys()
         {"Ctrl+1 to Ctrl+9", "insert a conversion, symbol or tag of the other text"},
         {"Ctrl+T", "add a selected term, and its selected translation, to the list of terms"},
         {"Alt+Right, Alt+Left", "select the next, previous plural form"},
+        {"Ctrl+L, Shift+Ctrl+L", "the next, previous other language below the translation"},
         {"Shift+F10, Menu", "a field's menu: undo, spelling, another language below it"},
         {"F10", "the menus"},
         {"Ctrl+?", "these keys"},

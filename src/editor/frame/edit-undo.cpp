@@ -64,14 +64,7 @@ void go_to(const item_t *item)
     if (GtkWidget *notebook = gtk_widget_get_ancestor(editWin, GTK_TYPE_NOTEBOOK))
         gtk_notebook_set_current_page(GTK_NOTEBOOK(notebook),
                                       gtk_notebook_page_num(GTK_NOTEBOOK(notebook), editBox));
-    // One after the other, until the row is shown: a filter that does not hide it stays.
-    if (place_of(row) < 0)
-        gtk_entry_set_text(GTK_ENTRY(table()->search_entry), "");
-    for (GtkWidget *filter : {table()->work->findings_filter(), table()->work->questions_filter()})
-        if (place_of(row) < 0)
-            gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(filter), FALSE);
-    if (place_of(row) < 0)
-        gtk_check_menu_item_set_active(GTK_CHECK_MENU_ITEM(empty_menu), FALSE);
+    table()->work->uncover(row);
     // Selecting the row again would store the fields and fill them again.
     if (panel()->item != item)
         tab_list_go_to(GTK_TREE_VIEW(table()->view), place_of(row));

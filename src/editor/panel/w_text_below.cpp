@@ -248,6 +248,7 @@ void fill_menu(GtkTextView *, GtkMenu *menu, gpointer data)
     if (names.empty())
         return;
     GtkWidget *entry = gtk_menu_item_new_with_label(ui_text("text", "Show below"));
+    gtk_widget_set_tooltip_text(entry, "Ctrl+L, Shift+Ctrl+L");
     GtkWidget *choices = gtk_menu_new();
     append_choices(GTK_MENU_SHELL(choices), at, names);
     gtk_menu_item_set_submenu(GTK_MENU_ITEM(entry), choices);
@@ -320,6 +321,23 @@ void text_below_show(Zeltext *text)
 {
     show(text, TEXT_TRANS1);
     show(text, TEXT_TRANS2);
+}
+
+bool text_below_step(Zeltext *text, int field, int direction)
+{
+    const std::vector<std::string> names = languages_for(text, field);
+    if (names.empty())
+        return false;
+    const char *now = lang_below(text, field);
+    const auto found = std::find(names.begin(), names.end(), now == nullptr ? "" : now);
+    // None, which stands before the first name, is also what comes behind the last one.
+    const auto places = static_cast<int>(names.size()) + 1;
+    const int from = found == names.end() ? 0 : static_cast<int>(found - names.begin()) + 1;
+    const int to = (from + direction + places) % places;
+    ini_set_below(ini, static_cast<std::size_t>(field),
+                  to == 0 ? "" : names[static_cast<std::size_t>(to - 1)].c_str());
+    text_below_show(text);
+    return true;
 }
 
 GtkWidget *text_below_scrolled(Zeltext *text, int field)

@@ -21,6 +21,10 @@ void text_below_offer(Zeltext *text, int field, GtkWidget *caption_row);
 // Shows the texts of the panel's item; without an item nothing.
 void text_below_show(Zeltext *text);
 
+// Shows the next or, with -1, the previous of the languages that the menus offer, none being one of
+// them; false where there is none to choose.
+bool text_below_step(Zeltext *text, int field, int direction);
+
 // The heights of the text's first line and of as many as it may take; 0 while it is hidden.
 struct below_height {
     int least;

@@ -374,9 +374,9 @@ void make_search(ZelTabEdit *tab)
 
 void make_work_and_help(ZelTabEdit *tab)
 {
-    tab->work =
-        new zel::tab_work({view_of(tab), shown_rows(tab), *tab->rows, ZEL_TEXT(tab->text_widget),
-                           tab->ready_button, [tab] { tree_filter_changed_cb(nullptr, tab); }});
+    tab->work = new zel::tab_work({view_of(tab), shown_rows(tab), *tab->rows,
+                                   ZEL_TEXT(tab->text_widget), tab->ready_button, tab->search_entry,
+                                   [tab] { tree_filter_changed_cb(nullptr, tab); }});
     tab->suggest = new zel::tab_suggest(*tab->rows, ZEL_TEXT(tab->text_widget), tab->ready_button);
     zel::watch_spelling(ZEL_TEXT(tab->text_widget));
 }

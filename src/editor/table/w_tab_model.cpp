@@ -198,14 +198,10 @@ void tree_model_init(gpointer iface, gpointer)
 // Sorts the rows; those that compare equal stand in file order, whichever way the list is sorted.
 void sort_rows(ZelTabModel *model, std::vector<std::uint32_t> &shown)
 {
-    const std::vector<zel::tab_row> &rows = (*model->rows)->rows;
-    const int id = model->sort_id;
-    const int sign = model->sort_order == GTK_SORT_DESCENDING ? -1 : 1;
-    if (id < 0)
+    if (model->sort_id < 0)
         return;
-    std::sort(shown.begin(), shown.end(), [&](std::uint32_t a, std::uint32_t b) {
-        const int order = sign * sort_iter_compare_func(rows[a], a, rows[b], b, id);
-        return order != 0 ? order < 0 : a < b;
+    std::sort(shown.begin(), shown.end(), [model](std::uint32_t a, std::uint32_t b) {
+        return zel_tab_model_is_before(model, a, b);
     });
 }
 
@@ -418,6 +414,15 @@ int zel_tab_model_place_of(ZelTabModel *model, int row)
     const auto found =
         std::find(model->shown->begin(), model->shown->end(), static_cast<std::uint32_t>(row));
     return found == model->shown->end() ? -1 : static_cast<int>(found - model->shown->begin());
+}
+
+bool zel_tab_model_is_before(const ZelTabModel *model, std::uint32_t row, std::uint32_t other)
+{
+    const std::vector<zel::tab_row> &rows = (*model->rows)->rows;
+    const int sign = model->sort_order == GTK_SORT_DESCENDING ? -1 : 1;
+    const int order =
+        sign * sort_iter_compare_func(rows[row], row, rows[other], other, model->sort_id);
+    return order != 0 ? order < 0 : row < other;
 }
 
 void zel_tab_model_row_changed(ZelTabModel *model, int row)

@@ -107,6 +107,9 @@ int zel_tab_model_row_at(ZelTabModel *model, int place);
 int zel_tab_model_row_of(ZelTabModel *model, const GtkTreeIter *iter);
 int zel_tab_model_place_of(ZelTabModel *model, int row);
 
+// Whether the row stands before the other one in the model's order, where both are shown.
+bool zel_tab_model_is_before(const ZelTabModel *model, std::uint32_t row, std::uint32_t other);
+
 // Tells the view to draw a row's cells again; does nothing when the row is not shown.
 void zel_tab_model_row_changed(ZelTabModel *model, int row);
 

@@ -3,6 +3,7 @@
 #include "assist/pieces.h"
 #include "assist/plural-line.h"
 #include "editor/panel/w_text.h"
+#include "editor/panel/w_text_below.h"
 #include "editor/state/edit-state.h"
 #include "editor/table/w_tab_plural.h"
 #include "editor/toolkit/text-places.h"
@@ -66,10 +67,13 @@ void put(GtkWidget *view, const std::string &text, bool instead)
 
 tab_suggest::tab_suggest(std::shared_ptr<tab_rows> rows, Zeltext *panel, GtkWidget *ready_button)
     : rows_(std::move(rows)), panel_(panel), ready_button_(ready_button),
-      index_([this](std::uint32_t row) { return reference_of(row); }), neighbours_([this] {
-          suggest_all();
-          then_();
-      }),
+      index_([this](std::uint32_t row) { return reference_of(row); }),
+      neighbours_(
+          [this] {
+              suggest_all();
+              then_();
+          },
+          [this] { suggest_all(); }),
       terms_(panel)
 {
     add_keys();
@@ -151,6 +155,7 @@ lang_entry_t *tab_suggest::translation(std::uint32_t number, int field) const
 
 void tab_suggest::rows_changed()
 {
+    neighbours_.leave_source();
     collect_unused();
     index_.reset(rows_->rows.size() + unused_.size());
     // Slices begin again with the first row.
@@ -186,7 +191,7 @@ void tab_suggest::read_neighbours()
     for (const int field : {TEXT_TRANS1, TEXT_TRANS2})
         if (is_translated_into(field))
             wanted.langs[static_cast<std::size_t>(field)] = *lang_of(field);
-    neighbours_.begin(wanted);
+    neighbours_.begin(wanted, *rows_->source);
 }
 
 std::optional<assist::suggestion> tab_suggest::own_suggestion(std::uint32_t row, int field) const
@@ -226,6 +231,7 @@ void tab_suggest::suggest(int field)
         made.is_plural = lint::has_plural_forms(reference_of(static_cast<std::uint32_t>(row_)));
         if (const auto best = suggestion(static_cast<std::uint32_t>(row_), field)) {
             made.text = utf8_shown(best->text.c_str());
+            made.is_same = best->likeness >= 1;
             made.line =
                 shown_in_runs(flat(best->text)) + " (" + utf8_shown(best->origin.c_str()) + ")";
             if (best->was && best->likeness < 1) {
@@ -236,8 +242,27 @@ void tab_suggest::suggest(int field)
                 made.line += " ~ " + shown_in_runs(flat(best->reference));
             }
         }
+        tell_earlier(static_cast<std::uint32_t>(row_), field);
     }
     show(field);
+}
+
+// What the original was when it was translated so, which is no text to take. It comes before what
+// is only like it, and behind the same text.
+void tab_suggest::tell_earlier(std::uint32_t row, int field)
+{
+    offer &made = offers_[static_cast<std::size_t>(field)];
+    const bool has_same = !made.line.empty() && made.is_same;
+    if (row >= rows_->rows.size() || has_same)
+        return;
+    const tab_row &of = rows_->rows[row];
+    const std::string before =
+        neighbours_.earlier().of(*of.group, *of.item, static_cast<std::size_t>(field));
+    if (before.empty())
+        return;
+    made.text.clear();
+    made.was = was_line_of(before, std::string(without_end(reference_of(row))));
+    made.line = made.was.text;
 }
 
 // Called with each letter that is typed: most texts are told apart by their lengths.
@@ -247,7 +272,8 @@ bool tab_suggest::is_there_already(int field) const
     GtkTextBuffer *buffer = buffer_of(panel_->*fields[field].view);
     // No text has fewer bytes than characters.
     const auto most = static_cast<std::size_t>(gtk_text_buffer_get_char_count(buffer));
-    return most <= text.size() && g_utf8_strlen(text.c_str(), -1) == static_cast<glong>(most) &&
+    return !text.empty() && most <= text.size() &&
+           g_utf8_strlen(text.c_str(), -1) == static_cast<glong>(most) &&
            buffer_text(buffer) == text;
 }
 
@@ -289,8 +315,9 @@ void tab_suggest::show(int field)
     marks = forms.marks;
     std::string tooltip = forms.tooltip;
     if (!line.empty())
-        tooltip += (tooltip.empty() ? "" : "\n") + line + "\n" +
-                   (made.was.text.empty() ? "" : shown_in_runs(made.text) + "\n") +
+        tooltip += (tooltip.empty() ? "" : "\n") + line;
+    if (!line.empty() && !made.text.empty())
+        tooltip += "\n" + (made.was.text.empty() ? "" : shown_in_runs(made.text) + "\n") +
                    ui_text("tab-edit", "Take it (Ctrl+Space)");
     if (!line.empty() && !made.was.parts.empty()) {
         if (forms.attributes == nullptr)
@@ -403,6 +430,13 @@ void tab_suggest::go_to_form(int direction)
                                   : ui_text("tab-edit", "No plural form before this one"));
 }
 
+void tab_suggest::show_below(int direction)
+{
+    const int field = field_to_fill();
+    if (field >= 0 && !text_below_step(panel_, field, direction))
+        edit_status(ui_text("tab-edit", "No other language to show below"));
+}
+
 void tab_suggest::insert_piece(std::size_t number)
 {
     const int field = field_to_fill();
@@ -446,6 +480,9 @@ void tab_suggest::add_keys()
     add(GDK_KEY_space, GDK_CONTROL_MASK, [this] { take_suggestion(); });
     add(GDK_KEY_b, GDK_CONTROL_MASK, [this] { copy_other(); });
     add(GDK_KEY_t, GDK_CONTROL_MASK, [this] { add_term(); });
+    add(GDK_KEY_l, GDK_CONTROL_MASK, [this] { show_below(1); });
+    add(GDK_KEY_l, static_cast<GdkModifierType>(GDK_CONTROL_MASK | GDK_SHIFT_MASK),
+        [this] { show_below(-1); });
     for (std::size_t digit = 1; digit <= digits; ++digit)
         // Both rows of digits: the keys of the number pad have names of their own.
         for (const guint first : {guint{GDK_KEY_0}, guint{GDK_KEY_KP_0}})

@@ -4,7 +4,8 @@
 // elsewhere in the source, or else in the folder's other sources, and keys that take it, the other
 // language's text, or parts of that. What stands in the field already is not suggested. An empty
 // translation may have one in an item that the code does not ask for any more: what the text was
-// before it changed. Who takes that has to look at it: the item is not ready then.
+// before it changed. Who takes that has to look at it: the item is not ready then. Where a backup
+// of the source shows that the text was changed under a translation, the line tells what it was.
 //
 // The index of the texts is built in slices while nothing else happens; what it holds so far is
 // used.
@@ -70,6 +71,7 @@ private:
     static void typed(gpointer self);
     bool is_there_already(int field) const;
     void suggest(int field);
+    void tell_earlier(std::uint32_t row, int field);
     void show(int field);
     void suggest_all();
     tab_terms::offer terms_shown(int field) const;
@@ -79,6 +81,7 @@ private:
     void insert_piece(std::size_t number);
     void add_term();
     void go_to_form(int direction);
+    void show_below(int direction);
     std::string_view rule_of(int field) const;
     plural_line plural_of(int field) const;
 
@@ -101,6 +104,7 @@ private:
         std::string line;       // and as it is shown under the field
         was_line was;           // the same where it is what the text was; else without a text
         bool is_plural = false; // the reference has forms for a number
+        bool is_same = false;   // it translates the same text
     };
     std::array<offer, 2> offers_;
     std::array<std::string, 2> marks_; // of the plural lines that are shown

@@ -1,12 +1,15 @@
 #include "editor/table/w_tab_work.h"
 
 #include "app/global.h"
+#include "editor/panel/w_text.h"
 #include "editor/panel/w_text_checks.h"
 #include "editor/state/edit-state.h"
 #include "editor/table/w_tab_list.h"
+#include "editor/table/w_tab_search.h"
 #include "editor/table/w_tab_widths.h"
 #include "editor/toolkit/accessible.h"
 #include "editor/toolkit/ui-text.h"
+#include "source/misc.h"
 
 #include <gdk/gdkkeysyms.h>
 
@@ -28,13 +31,14 @@ const char *name_of(const std::unique_ptr<std::string> &lang)
     return lang == nullptr ? nullptr : lang->c_str();
 }
 
-GtkWidget *make_filter_button(const char *icon, const char *tooltip)
+// The key, in parentheses, is told by the tooltip alone: it is no part of the button's name.
+GtkWidget *make_filter_button(const char *icon, const char *name, const char *key)
 {
     GtkWidget *button = gtk_toggle_button_new();
     gtk_container_add(GTK_CONTAINER(button),
                       gtk_image_new_from_stock(icon, GTK_ICON_SIZE_SMALL_TOOLBAR));
-    gtk_widget_set_tooltip_text(button, tooltip);
-    set_accessible_name(button, tooltip);
+    gtk_widget_set_tooltip_text(button, (std::string(name) + key).c_str());
+    set_accessible_name(button, name);
     return button;
 }
 
@@ -57,10 +61,11 @@ GtkWidget *make_progress_label()
 tab_work::tab_work(tab_work_parts parts)
     : parts_(std::move(parts)), filters_(gtk_hbox_new(FALSE, 0)),
       findings_only_(make_filter_button(GTK_STOCK_DIALOG_WARNING,
-                                        ui_text("tab-edit", "Display only items with findings"))),
+                                        ui_text("tab-edit", "Display only items with findings"),
+                                        " (Ctrl+E)")),
       questions_only_(
           make_filter_button(GTK_STOCK_DIALOG_QUESTION,
-                             ui_text("tab-edit", "Display only items with open questions"))),
+                             ui_text("tab-edit", "Display only items with open questions"), "")),
       progress_label_(make_progress_label())
 {
     for (GtkWidget *button : {findings_only_, questions_only_}) {
@@ -70,6 +75,7 @@ tab_work::tab_work(tab_work_parts parts)
                          this);
         gtk_box_pack_start(GTK_BOX(filters_), button, FALSE, FALSE, 0);
     }
+    add_button_key(findings_only_, GDK_KEY_e, GDK_CONTROL_MASK);
     watch_panel();
     mark_cells();
     add_keys();
@@ -248,6 +254,28 @@ bool tab_work::hides(std::uint32_t row)
            (is_on(questions_only_) && !state.has_question());
 }
 
+void tab_work::uncover(int row)
+{
+    const auto is_hidden = [this, row] { return zel_tab_model_place_of(parts_.shown, row) < 0; };
+    if (is_hidden())
+        gtk_entry_set_text(GTK_ENTRY(parts_.search), "");
+    for (GtkWidget *filter : {findings_only_, questions_only_})
+        if (is_hidden())
+            gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(filter), FALSE);
+    if (is_hidden())
+        gtk_check_menu_item_set_active(GTK_CHECK_MENU_ITEM(empty_menu), FALSE);
+}
+
+// Whether the sums tell the language: the source's own one has nothing to translate, unless it is
+// the only one that is shown.
+bool tab_work::counts(std::size_t i) const
+{
+    const std::unique_ptr<std::string> *langs[] = {&parts_.rows->lang1, &parts_.rows->lang2};
+    const char *lang = name_of(*langs[i]);
+    return lang != nullptr &&
+           (*langs[1 - i] == nullptr || g_strcmp0(lang, parts_.rows->source->default_lang) != 0);
+}
+
 void tab_work::show_progress()
 {
     // Sums of a part would look like those of the whole, and change several times a second.
@@ -257,16 +285,12 @@ void tab_work::show_progress()
     const std::unique_ptr<std::string> *langs[] = {&rows.lang1, &rows.lang2};
     std::string text;
     for (std::size_t i = 0; i < assist::shown_languages; ++i) {
-        const char *lang = name_of(*langs[i]);
-        const bool alone = *langs[1 - i] == nullptr;
-        // The source's own language has nothing to translate, unless it is the only one that is
-        // shown.
-        if (lang == nullptr || (g_strcmp0(lang, rows.source->default_lang) == 0 && !alone))
+        if (!counts(i))
             continue;
         const std::size_t translated = progress_.of_language(i).translated;
         const std::size_t findings = progress_.of_language(i).findings;
         const std::size_t all = progress_.count();
-        text += (text.empty() ? "" : "   ") + utf8_shown(lang) + ": " +
+        text += (text.empty() ? "" : "   ") + utf8_shown(name_of(*langs[i])) + ": " +
                 assist::grouped(translated) + " " + ui_text("tab-edit", "of") + " " +
                 assist::grouped(all) + ", " + assist::grouped(all - translated) + " " +
                 ui_text("tab-edit", "to do") + ", " + assist::grouped(findings) + " " +
@@ -298,7 +322,10 @@ bool tab_work::has_work(std::uint32_t row, bool by_ready)
     if (by_ready && parts_.rows->rows[row].item->ready == 0)
         return true;
     const assist::item_state &state = state_of(row);
-    return !state.is_complete() || state.has_findings();
+    for (std::size_t i = 0; i < assist::shown_languages; ++i)
+        if (counts(i) && (state.lacks[i] || state.findings[i] != 0))
+            return true;
+    return false;
 }
 
 int tab_work::selected_place() const
@@ -345,6 +372,53 @@ void tab_work::done_and_next()
     go_to_work(1);
 }
 
+// Asked without judging, which would take longer for all rows than one waits for a key.
+bool tab_work::lacks_translation(std::uint32_t row, std::size_t i) const
+{
+    const tab_rows &rows = *parts_.rows;
+    if (!counts(i))
+        return false;
+    if (progress_.is_known(row))
+        return progress_.of(row).lacks[i];
+    const char *lang = name_of(i == 0 ? rows.lang1 : rows.lang2);
+    return misc_search_empty_in_lang_entry(misc_select_lang_entry(rows.rows[row].item, lang)) != 0;
+}
+
+// The row behind the item that is shown, in the list's order, whether the list shows it or not.
+int tab_work::next_untranslated() const
+{
+    int next = -1;
+    for (std::uint32_t row = 0; row < progress_.count(); ++row) {
+        const bool is_nearer =
+            (item_row_ < 0 ||
+             zel_tab_model_is_before(parts_.shown, static_cast<std::uint32_t>(item_row_), row)) &&
+            (next < 0 ||
+             zel_tab_model_is_before(parts_.shown, row, static_cast<std::uint32_t>(next)));
+        if (is_nearer && (lacks_translation(row, 0) || lacks_translation(row, 1)))
+            next = static_cast<int>(row);
+    }
+    return next;
+}
+
+// The caret goes where the translation is to be typed.
+void tab_work::go_to_untranslated()
+{
+    const int row = next_untranslated();
+    if (row < 0)
+        return edit_status(ui_text("tab-edit", "No item without a translation below"));
+    const int field = text_focused_field(parts_.panel);
+    const auto is_empty = [&](int one) {
+        return (one == TEXT_TRANS1 || one == TEXT_TRANS2) &&
+               lacks_translation(static_cast<std::uint32_t>(row), static_cast<std::size_t>(one));
+    };
+    tab_turn_to(parts_.search);
+    uncover(row);
+    tab_list_go_to(parts_.view, zel_tab_model_place_of(parts_.shown, row));
+    text_focus_field(parts_.panel, is_empty(field)         ? field
+                                   : is_empty(TEXT_TRANS1) ? TEXT_TRANS1
+                                                           : TEXT_TRANS2);
+}
+
 void tab_work::key_pressed(void (*act)(tab_work *work))
 {
     // Without rows the keys belong to nobody, and the status line keeps its text.
@@ -367,6 +441,7 @@ void tab_work::add_keys()
         {GDK_KEY_KP_Page_Down, GDK_MOD1_MASK, [](tab_work *work) { work->go_to_work(1); }},
         {GDK_KEY_Page_Up, GDK_MOD1_MASK, [](tab_work *work) { work->go_to_work(-1); }},
         {GDK_KEY_KP_Page_Up, GDK_MOD1_MASK, [](tab_work *work) { work->go_to_work(-1); }},
+        {GDK_KEY_u, GDK_CONTROL_MASK, [](tab_work *work) { work->go_to_untranslated(); }},
         {GDK_KEY_Return, GDK_CONTROL_MASK, [](tab_work *work) { work->done_and_next(); }},
         {GDK_KEY_KP_Enter, GDK_CONTROL_MASK, [](tab_work *work) { work->done_and_next(); }},
     };

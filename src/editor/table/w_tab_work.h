@@ -4,6 +4,8 @@
 // the list's marks, the checks of the item that is shown, a filter, the way to the next item with
 // work, and sums beside the list's count.
 //
+// A key also goes to the next item without a translation, whatever hides it.
+//
 // Rows are judged in slices while nothing else happens, and at once where the answer is wanted.
 
 #include <gtk/gtk.h>
@@ -26,6 +28,7 @@ struct tab_work_parts {
     std::shared_ptr<tab_rows> rows;
     Zeltext *panel;
     GtkWidget *ready_button;
+    GtkWidget *search; // whose text hides rows, too
     std::function<void()> filter_anew;
 };
 
@@ -36,9 +39,8 @@ public:
     tab_work(const tab_work &) = delete;
     tab_work &operator=(const tab_work &) = delete;
 
-    GtkWidget *filter_buttons() const { return filters_; } // which hold these two
+    GtkWidget *filter_buttons() const { return filters_; } // which hold this one
     GtkWidget *findings_filter() const { return findings_only_; }
-    GtkWidget *questions_filter() const { return questions_only_; }
     GtkWidget *progress_label() const { return progress_label_; }
 
     // Call after the rows, their languages or many of their texts have changed.
@@ -52,6 +54,9 @@ public:
 
     // Whether one of these filters hides the row.
     bool hides(std::uint32_t row);
+
+    // Ends the search and the filters that hide the row, one after the other until it is shown.
+    void uncover(int row);
 
     // The table is being destroyed: stops the timer and removes the keys.
     void stop();
@@ -73,11 +78,15 @@ private:
     void judge_shown();
     void show_nothing();
     void show_progress();
+    bool counts(std::size_t i) const;
     bool uses_ready() const;
     bool has_work(std::uint32_t row, bool by_ready);
     int selected_place() const;
     bool go_to_work(int direction);
     void done_and_next();
+    bool lacks_translation(std::uint32_t row, std::size_t i) const;
+    int next_untranslated() const;
+    void go_to_untranslated();
 
     tab_work_parts parts_;
     GtkWidget *filters_;
