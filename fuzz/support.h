@@ -11,8 +11,13 @@
 
 #include "source/model.h"
 
-// One run of a target: always 0.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size);
+// The name of a target's function, one run of which returns 0: the one that a fuzzer asks for, or
+// one of many that are replayed.
+#ifdef LANG_FUZZER
+#define FUZZ_TARGET(name) LLVMFuzzerTestOneInput
+#else
+#define FUZZ_TARGET(name) fuzz_##name
+#endif
 
 namespace fuzz {
 

@@ -38,7 +38,7 @@ void adopt(std::string_view bytes, call_dialect from)
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+extern "C" int FUZZ_TARGET(adopt)(const std::uint8_t *data, std::size_t size)
 {
     const std::string_view bytes = fuzz::bytes_of(data, size);
     adopt(bytes, call_dialect::gettext);

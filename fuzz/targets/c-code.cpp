@@ -6,7 +6,7 @@
 #include "checker/c-scan.h"
 #include "source/lang-read.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+extern "C" int FUZZ_TARGET(c_code)(const std::uint8_t *data, std::size_t size)
 {
     source_guard source = fuzz::small_source();
     {

@@ -60,7 +60,7 @@ void run(const char *line)
 // In place of lang_exit: what ends the process ends a run here. The linker is told so.
 extern "C" [[noreturn]] void __wrap__Z9lang_exiti(int) { std::longjmp(at_end, 1); }
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+extern "C" int FUZZ_TARGET(commands)(const std::uint8_t *data, std::size_t size)
 {
     const std::vector<std::string> part = fuzz::parts(fuzz::bytes_of(data, size), 3);
     const unsigned char letter = part[0].empty() ? 'a' : static_cast<unsigned char>(part[0][0]);

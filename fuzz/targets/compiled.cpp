@@ -60,7 +60,7 @@ void import(const char *path)
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+extern "C" int FUZZ_TARGET(compiled)(const std::uint8_t *data, std::size_t size)
 {
     const char *path = fuzz::as_file("in.lang", fuzz::bytes_of(data, size));
     lang_load_file(path);

@@ -74,7 +74,7 @@ void look_at_forms(const char *text)
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+extern "C" int FUZZ_TARGET(format_or)(const std::uint8_t *data, std::size_t size)
 {
     const std::vector<std::string> part = fuzz::parts(fuzz::bytes_of(data, size), 2);
     const char *item = part[0].c_str();

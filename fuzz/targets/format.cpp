@@ -33,7 +33,7 @@ void look_at(const std::string &before, const std::string &after, const std::str
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+extern "C" int FUZZ_TARGET(format)(const std::uint8_t *data, std::size_t size)
 {
     const std::vector<std::string> part = fuzz::parts(fuzz::bytes_of(data, size), 3);
     const std::string description = part[0].c_str();

@@ -25,7 +25,7 @@ std::string json_of(LangSource *source)
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+extern "C" int FUZZ_TARGET(json)(const std::uint8_t *data, std::size_t size)
 {
     fault wrong;
     const source_guard source = read_json(fuzz::bytes_of(data, size), 1, wrong);

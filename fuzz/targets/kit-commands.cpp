@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr const char *lines[] = {
+constexpr const char *kit_lines[] = {
     "lint a.lang-src b.lang-src",
     "lint --format sarif a.lang-src",
     "stat a.lang-src b.lang-src",
@@ -41,7 +41,7 @@ constexpr const char *lines[] = {
     "stat --trace german.po a.lang-src",
 };
 
-int run(const char *line)
+int run_kit(const char *line)
 {
     int count = 0;
     char **words = nullptr;
@@ -54,7 +54,7 @@ int run(const char *line)
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+extern "C" int FUZZ_TARGET(kit_commands)(const std::uint8_t *data, std::size_t size)
 {
     const std::vector<std::string> part = fuzz::parts(fuzz::bytes_of(data, size), 4);
     const unsigned char letter = part[0].empty() ? 'a' : static_cast<unsigned char>(part[0][0]);
@@ -63,7 +63,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     fuzz::as_file("a.lang-src", part[1]);
     fuzz::as_file("b.lang-src", part[2]);
     fuzz::as_file("german.po", part[3]);
-    const int status = run(lines[(letter - 'a') % std::size(lines)]);
+    const int status = run_kit(kit_lines[(letter - 'a') % std::size(kit_lines)]);
     fuzz::require(status >= 0 && status <= 2, "a status");
     fuzz::require(fuzz::file_text("a.lang-src") == part[1] &&
                       fuzz::file_text("b.lang-src") == part[2],

@@ -88,7 +88,7 @@ void read_lines(const std::string &text)
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+extern "C" int FUZZ_TARGET(messages)(const std::uint8_t *data, std::size_t size)
 {
     const std::string bytes(fuzz::bytes_of(data, size));
     const std::string text = bytes.c_str(); // up to its first zero

@@ -41,7 +41,7 @@ bool names_another_encoding(const std::string &text)
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+extern "C" int FUZZ_TARGET(po)(const std::uint8_t *data, std::size_t size)
 {
     const std::string_view bytes = fuzz::bytes_of(data, size);
     fuzz::read_and_import("po", bytes);

@@ -24,7 +24,7 @@ void keep_again(const zel::recovery_file &file, const LangSource *state)
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+extern "C" int FUZZ_TARGET(recovery)(const std::uint8_t *data, std::size_t size)
 {
     static const std::string path = zel::recovery_path(".", source, 1);
     fuzz::as_file(path.c_str(), fuzz::bytes_of(data, size));

@@ -7,7 +7,7 @@
 #include "langlib/lang-load.h"
 #include "langlib/lang-request.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+extern "C" int FUZZ_TARGET(request)(const std::uint8_t *data, std::size_t size)
 {
     if (lang.loaded == 0)
         lang_load_file(fuzz::as_file("in.lang", "GROUP \"g\" \"i\" { \"text\" } \"n\" { }"));

@@ -51,7 +51,7 @@ bool has_pieces(const std::string &file)
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+extern "C" int FUZZ_TARGET(settings)(const std::uint8_t *data, std::size_t size)
 {
     fuzz::as_file("a.ini", fuzz::bytes_of(data, size));
     bound first;

@@ -40,7 +40,7 @@ std::string content_of(const LangSource *source)
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+extern "C" int FUZZ_TARGET(source_again)(const std::uint8_t *data, std::size_t size)
 {
     const char *path = fuzz::as_file("in", fuzz::bytes_of(data, size));
     const zel::read_answer first = zel::read_source(path, {});

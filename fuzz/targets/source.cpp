@@ -34,7 +34,7 @@ void look_at(const LangSource *source, const zel::source_places &places)
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+extern "C" int FUZZ_TARGET(source)(const std::uint8_t *data, std::size_t size)
 {
     const char *path = fuzz::as_file("in", fuzz::bytes_of(data, size));
     zel::source_places places;

@@ -8,7 +8,7 @@
 #include "family/lex-misc.h"
 #include "langlib/lang-symbols.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+extern "C" int FUZZ_TARGET(symbols)(const std::uint8_t *data, std::size_t size)
 {
     const std::vector<std::string> part = fuzz::parts(fuzz::bytes_of(data, size), 2);
     zel_list *list = nullptr;

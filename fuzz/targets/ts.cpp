@@ -6,7 +6,7 @@
 #include "exchange/new-source.h"
 #include "source/lang-read.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+extern "C" int FUZZ_TARGET(ts)(const std::uint8_t *data, std::size_t size)
 {
     const std::string_view bytes = fuzz::bytes_of(data, size);
     fuzz::read_and_import("ts", bytes);

@@ -38,7 +38,7 @@ void read_words(int count, char **position)
     }
 }
 
-void release(int &count, char **&words)
+void give_back(int &count, char **&words)
 {
     del_argv(&count, &words);
     fuzz::require(count == 0, "no word is left");
@@ -46,7 +46,7 @@ void release(int &count, char **&words)
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+extern "C" int FUZZ_TARGET(words)(const std::uint8_t *data, std::size_t size)
 {
     const std::string line(fuzz::bytes_of(data, size));
     int count = 0;
@@ -55,13 +55,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     print_argv(stdout, count, words);
     read_words(count, words);
     gen_argv_add_str_ext(line.c_str(), &count, &words);
-    release(count, words);
+    give_back(count, words);
     gen_argv_ext(line.c_str(), &count, &words);
-    release(count, words);
+    give_back(count, words);
     gen_argv_execv(line.c_str(), &count, &words);
-    release(count, words);
+    give_back(count, words);
     if (gen_argv_from_file(fuzz::as_file("words", line), &count, &words) == 0)
         read_words(count, words);
-    release(count, words);
+    give_back(count, words);
     return 0;
 }

@@ -1,6 +1,6 @@
 #include "family/cfg_file_name.h"
 
-#include "support/dir_list.h"
+#include "family/dir_list.h"
 #include "support/file-call.h"
 #include "support/log-print.h"
 #include "support/string-copy.h"

@@ -6,13 +6,6 @@
 #include <cstdarg>
 #include <cstring>
 
-namespace {
-
-// Texts are written in pieces of at least this size: a write for each line takes much longer.
-constexpr std::size_t large_text = 256 * 1024;
-
-} // namespace
-
 namespace zel {
 
 void append_escaped(std::string &out, const char *text)
@@ -75,12 +68,6 @@ void flush_text(std::string &out, std::FILE *stream)
 {
     std::fwrite(out.data(), 1, out.size(), stream);
     out.clear();
-}
-
-void flush_large_text(std::string &out, std::FILE *stream)
-{
-    if (out.size() >= large_text)
-        flush_text(out, stream);
 }
 
 } // namespace zel

@@ -21,8 +21,7 @@ void append_comment(std::string &out, std::string_view text);
 // Formats like printf and appends the result.
 void append_format(std::string &out, const char *format, ...) __attribute__((format(printf, 2, 3)));
 
-// Hands the collected text to the stream once it is worth a write; flush_text hands over the rest.
-void flush_large_text(std::string &out, std::FILE *stream);
+// Hands the collected text to the stream.
 void flush_text(std::string &out, std::FILE *stream);
 
 } // namespace zel

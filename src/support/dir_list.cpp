@@ -19,13 +19,6 @@ namespace {
 void close_dir(DIR *dir) { closedir(dir); }
 using dir_guard = std::unique_ptr<DIR, zel::release<close_dir>>;
 
-dir_guard open_dir(const char *path)
-{
-    // A null path counts as a missing folder, so that the log has an errno to show.
-    errno = path == nullptr ? ENOENT : 0;
-    return dir_guard(path == nullptr ? nullptr : opendir(path));
-}
-
 // Returns the next entry's name without "." and ".."; null at the end. The name is valid until the
 // next call.
 const char *next_entry(DIR *dir)
@@ -36,14 +29,10 @@ const char *next_entry(DIR *dir)
     return nullptr;
 }
 
-const char *shown(const char *path) { return path == nullptr ? "(null)" : path; }
-
 int compare_names(const void *a, const void *b)
 {
     return std::strcmp(static_cast<const char *>(a), static_cast<const char *>(b));
 }
-
-int compare_names_back(const void *a, const void *b) { return compare_names(b, a); }
 
 // Longest work path that cre_dir builds, with its final NUL.
 constexpr std::size_t work_path_size = 2048;
@@ -201,9 +190,12 @@ int make_next(dir_maker &maker)
 
 zel_list *dir_list(zel_list *list, const char *path, const char *ending)
 {
-    const dir_guard dir = open_dir(path);
+    // A null path counts as a missing folder, so that the log has an errno to show.
+    errno = path == nullptr ? ENOENT : 0;
+    const dir_guard dir(path == nullptr ? nullptr : opendir(path));
     if (dir == nullptr) {
-        LogPrint(1, "dir_list entry  exit(1) %d ->%s<-\n", errno, shown(path));
+        LogPrint(1, "dir_list entry  exit(1) %d ->%s<-\n", errno,
+                 path == nullptr ? "(null)" : path);
         return nullptr;
     }
     zel::list_end end(list);
@@ -221,37 +213,11 @@ zel_list *dir_list(zel_list *list, const char *path, const char *ending)
 
 void dir_list_free(zel_list *list) { zel_list_free_with_data(list); }
 
-int dir_list_search(const zel_list *list, const char *name)
-{
-    for (; list != nullptr; list = list->next)
-        if (name != nullptr && std::strcmp(dir_list_file(list), name) == 0)
-            return 1;
-    return 0;
-}
-
-void dir_list_print(std::FILE *stream, const zel_list *list)
-{
-    for (; list != nullptr; list = list->next)
-        std::fprintf(stream, "dir_list_print >%s<\n", dir_list_file(list));
-}
-
 zel_list *dir_list_sort(zel_list *list) { return zel_list_sort(list, compare_names); }
-
-zel_list *dir_list_sort_back(zel_list *list) { return zel_list_sort(list, compare_names_back); }
 
 char *dir_list_file(const zel_list *element)
 {
     return element == nullptr ? nullptr : static_cast<char *>(element->data);
-}
-
-int if_files_in_dir(const char *path)
-{
-    const dir_guard dir = open_dir(path);
-    if (dir == nullptr) {
-        LogPrint(1, "if_files_in_dir exit(1) %d ->%s<-\n", errno, shown(path));
-        return 0;
-    }
-    return next_entry(dir.get()) != nullptr ? 1 : 0;
 }
 
 int cd_next_token(const char **cursor, char *buffer)

@@ -1,9 +1,7 @@
 #pragma once
 
-// Listing, searching and creating directories. A directory list is a zel_list of owned entry
+// Listing and creating directories. A directory list is a zel_list of owned entry
 // names (not paths).
-
-#include <cstdio>
 
 #include "support/list.h"
 
@@ -14,21 +12,11 @@
 void dir_list_free(zel_list *list);
 using dir_list_guard = std::unique_ptr<zel_list, zel::release<dir_list_free>>;
 
-// 1 when the name is in the list, else 0.
-int dir_list_search(const zel_list *list, const char *name);
-
-// One line "dir_list_print >name<" per name.
-void dir_list_print(std::FILE *stream, const zel_list *list);
-
-// Sorted by strcmp, ascending and descending.
+// Sorted by strcmp.
 [[nodiscard]] zel_list *dir_list_sort(zel_list *list);
-[[nodiscard]] zel_list *dir_list_sort_back(zel_list *list);
 
 // The name of a list element.
 char *dir_list_file(const zel_list *element);
-
-// 1 when the directory holds anything but "." and "..", else 0.
-int if_files_in_dir(const char *path);
 
 // Kinds of path tokens.
 enum {

@@ -7,11 +7,6 @@
 
 namespace {
 
-void log_message(const char *format, std::va_list args, void *) { vfLogPrint(1, format, args); }
-
-zel_info_msg_cb msg_callback = log_message;
-void *msg_data;
-
 char *text_or_unknown(const char *text) { return zel_strdup2(text == nullptr ? "unknown" : text); }
 
 template <class Function>
@@ -20,18 +15,6 @@ void each_entry(const zel_info_t *info, Function &&function)
     for (const zel_list *node = info == nullptr ? nullptr : info->entries; node != nullptr;
          node = node->next)
         function(*static_cast<const zel_info_entry_t *>(node->data));
-}
-
-// Appends the entry. Without memory it frees the entry and returns false.
-bool append(zel_info_t &info, zel_info_entry_t *entry)
-{
-    zel::list_end end(info.entries, info.last);
-    const bool appended = end.append(entry);
-    info.entries = end.head;
-    info.last = end.last;
-    if (!appended)
-        zel_info_entry_free(entry);
-    return appended;
 }
 
 bool is_whole(const zel_info_entry_t &entry)
@@ -66,41 +49,17 @@ zel_info_entry_t *zel_info_entry_new(std::uint32_t level, std::uint32_t code, co
     return nullptr;
 }
 
-zel_info_t *zel_info_add(zel_info_t **info, std::uint32_t level, std::uint32_t code,
-                         const char *modul, const char *activity, const char *msg,
-                         const char *o_activity, const char *o_msg)
-{
-    if (*info == nullptr)
-        *info = zel_info_new();
-    if (*info == nullptr)
-        return nullptr;
-    auto *entry = zel_info_entry_new(level, code, modul, activity, msg, o_activity, o_msg);
-    // Without memory the message is lost; the record stays usable.
-    if (entry == nullptr || !append(**info, entry))
-        return *info;
-    // Of several entries with the same level the first one stays the worst.
-    if (level > static_cast<std::uint32_t>((*info)->level)) {
-        (*info)->level = static_cast<std::int32_t>(level);
-        (*info)->code = code;
-        (*info)->worst = entry;
-    }
-    return *info;
-}
-
 int zel_info_add_entry(zel_info_t *info, zel_info_entry_t *entry)
 {
     if (info == nullptr || entry == nullptr)
         return 1;
-    // 0 even without memory: append has freed the entry, and the caller would free it again.
-    append(*info, entry);
-    return 0;
-}
-
-zel_info_t *zel_info_add_entry_and_move(zel_info_t **info, zel_info_entry_t *entry)
-{
-    if (zel_info_add_entry(*info, entry) != 0)
+    zel::list_end end(info->entries, info->last);
+    // 0 even without memory: the caller would release the entry again.
+    if (!end.append(entry))
         zel_info_entry_free(entry);
-    return zel_info_move(info);
+    info->entries = end.head;
+    info->last = end.last;
+    return 0;
 }
 
 zel_info_t *zel_info_move(zel_info_t **info)
@@ -163,11 +122,3 @@ void zel_info_free(zel_info_t *info)
     zel_info_cleanup(info);
     std::free(info);
 }
-
-void zel_info_set_internal_msg_cb(zel_info_msg_cb callback, void *data)
-{
-    msg_callback = callback == nullptr ? log_message : callback;
-    msg_data = data;
-}
-
-void zel_info_msg(const char *format, std::va_list args) { msg_callback(format, args, msg_data); }

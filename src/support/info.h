@@ -3,7 +3,6 @@
 // Info records: the messages that an activity collects, and the worst of them. For applications of
 // the family: of this program only the runtime library makes some, when it is asked to.
 
-#include <cstdarg>
 #include <cstdint>
 #include <cstdio>
 #include <memory>
@@ -37,20 +36,11 @@ struct zel_info_t {
                                                    const char *msg, const char *o_activity,
                                                    const char *o_msg);
 
-// Makes an entry and adds it to the record, which is made when the pointer is null; level, code
-// and worst of the record follow a level that is higher, both taken as unsigned. Returns the
-// record, without memory as it was.
-zel_info_t *zel_info_add(zel_info_t **info, std::uint32_t level, std::uint32_t code,
-                         const char *modul, const char *activity, const char *msg,
-                         const char *o_activity, const char *o_msg);
-
 // Appends an entry, which the record owns from then on (without memory it is released, after a
 // fatal error's report): 0, or 1 for a null record (or entry). Level and worst stay as they are.
 int zel_info_add_entry(zel_info_t *info, zel_info_entry_t *entry);
 
-// Hands the record over: the caller's pointer becomes null, the record is the result. The first
-// one appends an entry before; where there is no record it releases the entry.
-[[nodiscard]] zel_info_t *zel_info_add_entry_and_move(zel_info_t **info, zel_info_entry_t *entry);
+// Hands the record over: the caller's pointer becomes null, the record is the result.
 [[nodiscard]] zel_info_t *zel_info_move(zel_info_t **info);
 
 // Activity, modul and message of each entry to the stream; everything of each entry to the log.
@@ -65,9 +55,3 @@ void zel_info_entry_free(zel_info_entry_t *entry);
 // Logs the record and releases it with its entries.
 extern "C" void zel_info_free(zel_info_t *info);
 using zel_info_guard = std::unique_ptr<zel_info_t, zel::release<zel_info_free>>;
-
-// Where internal messages go: a function that is called with a format, its arguments and the data
-// stored with it. Null restores the first one, which logs them.
-using zel_info_msg_cb = void (*)(const char *format, std::va_list args, void *data);
-void zel_info_set_internal_msg_cb(zel_info_msg_cb callback, void *data);
-void zel_info_msg(const char *format, std::va_list args) __attribute__((format(printf, 1, 0)));

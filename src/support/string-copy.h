@@ -14,14 +14,6 @@
 // A copy that keeps an empty string; null for null. Without memory it logs and gives null.
 [[nodiscard]] char *_zel_strdup2(const char *text, const char *file, int line);
 
-// The owned string grown by the other one, which may be a part of it; use the result in its place.
-// A null owned string gives a copy of the other (null when it is empty), a null addition the owned
-// string unchanged, and so does a lack of memory, after a fatal error's report.
-[[nodiscard]] char *_zel_str_add(char *owned, const char *add, const char *file, int line);
-
-// A new string of both; when one is null a copy of the other (null when that is empty or null).
-[[nodiscard]] char *_zel_strdup_add(const char *first, const char *second);
-
 #define zel_strdup(text) _zel_strdup((text), __FILE__, __LINE__)
 #define zel_strdup2(text) _zel_strdup2((text), __FILE__, __LINE__)
 

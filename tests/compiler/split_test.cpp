@@ -58,14 +58,14 @@ protected:
     int result = -7;
 };
 
-const std::string two_languages = "mtime 4294967295 define format utf8 "
-                                  "file \"english\" lang \"english\" 1 2 1 "
-                                  "file \"de.lang\" lang \"deutsch\" 1 2 0 ";
+const std::string both_languages = "mtime 4294967295 define format utf8 "
+                                   "file \"english\" lang \"english\" 1 2 1 "
+                                   "file \"de.lang\" lang \"deutsch\" 1 2 0 ";
 
 TEST_F(Split, UsedItemsInEveryLanguageOrTheDefault)
 {
     std::filesystem::create_directory("out");
-    const source_guard source = read(two_languages + R"(
+    const source_guard source = read(both_languages + R"(
         group "main" {
             item "ok" { used yes lang "deutsch" { "Gut" "" "so" } lang "english" { "OK" } }
             item "unused" { lang "english" { "no" } lang "deutsch" { "nein" } }
@@ -132,8 +132,8 @@ GROUP "last"
 
 TEST_F(Split, PositionNumbersStandBeforeTheText)
 {
-    const source_guard source = read(two_languages + "group \"main\" { item \"btn_ok\" { used yes "
-                                                     "lang \"english\" { \"Save\" \"file\" } } }");
+    const source_guard source = read(both_languages + "group \"main\" { item \"btn_ok\" { used yes "
+                                                      "lang \"english\" { \"Save\" \"file\" } } }");
     auto *group = static_cast<edit_t *>(source->groups->data);
     static_cast<item_t *>(group->items->data)->posnr = 3;
     lang_global.posnr = 1;
@@ -173,7 +173,7 @@ TEST_F(Split, TheFormatLine)
 TEST_F(Split, TheDefaultLanguageInAnyCaseAndWhenItIsEmptyToo)
 {
     const source_guard source = read(
-        "default lang \"GERMAN\" " + two_languages +
+        "default lang \"GERMAN\" " + both_languages +
         "group \"g\" { item \"a\" { used yes lang \"german\" { \"x\" } } item \"b\" { used yes "
         "lang \"german\" { \"\" } } item \"c\" { used yes lang \"english\" { \"y\" } } }");
     split(source.get(), nullptr);
@@ -187,7 +187,7 @@ TEST_F(Split, TheDefaultLanguageInAnyCaseAndWhenItIsEmptyToo)
 TEST_F(Split, WithoutADefaultLanguageAMissingTextIsSaid)
 {
     const source_guard source =
-        read("default lang \"\" " + two_languages +
+        read("default lang \"\" " + both_languages +
              "group \"g\" { item \"a\" { used yes lang \"english\" { \"x\" } } item \"b\" { used "
              "yes } item \"c\" { } }");
     split(source.get(), nullptr);
@@ -234,7 +234,7 @@ TEST_F(Split, BelowADestinationEveryLanguageHasItsDirectory)
 {
     std::filesystem::create_directories("out/english-edit");
     write_file("out/english-edit/english.lang", std::string(5000, 'x')); // is replaced
-    const source_guard source = read(two_languages);
+    const source_guard source = read(both_languages);
     split(source.get(), "out/");
     EXPECT_THAT(compiled("out/english-edit/english.lang"), StartsWith("/* automatically"));
     EXPECT_THAT(compiled("out/deutsch-edit/de.lang"), Not(HasSubstr("x")));
@@ -333,7 +333,7 @@ TEST_F(Split, NamesThatAreTooLongCannotBeOpened)
 
 TEST_F(Split, OpeningAndClosingTheFiles)
 {
-    const source_guard source = read(two_languages);
+    const source_guard source = read(both_languages);
     zel_test::capture_stdout([&] { EXPECT_EQ(open_lang_files(source->langs, nullptr), 0); });
     for (const lang_t *lang : zel::each<lang_t>(source->langs))
         EXPECT_NE(lang->stream, nullptr);

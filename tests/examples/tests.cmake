@@ -1,10 +1,6 @@
 # The examples as projects of their own, built and run with what this build folder installs. A library
 # with sanitizers cannot be loaded into their programs.
 
-if(LANG_SANITIZE)
-  return()
-endif()
-
 add_test(NAME lang_build COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/examples/lang-build-test
                                  ${PROJECT_SOURCE_DIR}/data/build/lang-build $<TARGET_FILE:lang>
                                  $<TARGET_FILE:lang-kit>)

@@ -20,22 +20,17 @@ set_target_properties(langlib_hpp_test PROPERTIES CXX_STANDARD 17)
 file(MAKE_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/langlib_hpp)
 add_test(NAME langlib_hpp COMMAND langlib_hpp_test ${CMAKE_CURRENT_BINARY_DIR}/langlib_hpp)
 
-# A library with sanitizers cannot be loaded into the interpreter.
+# A library with sanitizers can be loaded neither into the interpreter nor into applications without.
 if(NOT LANG_SANITIZE)
   add_test(NAME langlib_python COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/langlib/python-test)
   set_tests_properties(langlib_python PROPERTIES ENVIRONMENT
     "PYTHONPATH=${PROJECT_SOURCE_DIR}/data/python;PYTHONDONTWRITEBYTECODE=1;LANG_LIBRARY=$<TARGET_FILE:lang_shared>")
+  add_test(NAME langlib_install
+           COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/langlib/install-test.sh ${CMAKE_COMMAND}
+                   ${PROJECT_BINARY_DIR} ${PROJECT_SOURCE_DIR} $<$<TARGET_EXISTS:lang>:$<TARGET_FILE:lang>>)
+  set_tests_properties(langlib_install PROPERTIES TIMEOUT 300 LABELS slow ENVIRONMENT
+    "CC=${CMAKE_C_COMPILER};CXX=${CMAKE_CXX_COMPILER}")
 endif()
-
-add_test(NAME langlib_install
-         COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/langlib/install-test.sh ${CMAKE_COMMAND}
-                 ${PROJECT_BINARY_DIR} ${PROJECT_SOURCE_DIR} $<$<TARGET_EXISTS:lang>:$<TARGET_FILE:lang>>)
-set(sanitize_flags "")
-if(LANG_SANITIZE)
-  set(sanitize_flags "-fsanitize=${LANG_SANITIZE}")
-endif()
-set_tests_properties(langlib_install PROPERTIES TIMEOUT 300 LABELS slow ENVIRONMENT
-  "CC=${CMAKE_C_COMPILER};CXX=${CMAKE_CXX_COMPILER};CFLAGS=${sanitize_flags};CXXFLAGS=${sanitize_flags};LDFLAGS=${sanitize_flags}")
 
 # Eight threads that ask at once. ThreadSanitizer must have compiled all of the library, so that the
 # test builds a program with a library of its own; it is not needed for anything else.

@@ -13,8 +13,6 @@ using namespace scan_test;
 
 namespace {
 
-constexpr unsigned escapes = LEX_NEWLINE_SPACE | LEX_ESCAPES;
-
 // What a function writes to a stream.
 template <class Write>
 std::string written(Write write)

@@ -17,7 +17,6 @@ using std::string_literals::operator""s;
 namespace {
 
 constexpr unsigned plain = LEX_NEWLINE_SPACE;
-constexpr unsigned escapes = LEX_NEWLINE_SPACE | LEX_ESCAPES;
 
 const Keytab colours[] = {{nullptr, 0}, {"red", 20003},    {"green", 20001},    {"Blue", 20002},
                           {"a", 20004}, {"violet", 20005}, {"indigo_7", 20006}, {nullptr, 0}};

@@ -13,6 +13,8 @@
 
 namespace scan_test {
 
+inline constexpr unsigned escapes = LEX_NEWLINE_SPACE | LEX_ESCAPES;
+
 // A scanner over a text in memory or over a file.
 class scanner {
 public:

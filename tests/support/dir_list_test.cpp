@@ -1,4 +1,4 @@
-#include "support/dir_list.h"
+#include "family/dir_list.h"
 
 #include "log-fixture.h"
 

@@ -1,4 +1,4 @@
-#include "support/info.h"
+#include "family/info.h"
 
 #include "log-fixture.h"
 

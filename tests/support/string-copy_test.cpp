@@ -1,5 +1,5 @@
+#include "family/string-copy.h"
 #include "support/file-call.h"
-#include "support/string-copy.h"
 
 #include "log-fixture.h"
 
