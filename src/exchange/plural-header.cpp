@@ -200,9 +200,15 @@ std::string header_of_rule(std::string_view rule, bool with_rare_forms)
     const plural_forms forms = count_plural_forms(rule);
     const std::size_t count = with_rare_forms ? forms.all : forms.everyday;
     for (const std::string_view usual : usual_headers) {
+        if (usual[9] != static_cast<char>('0' + count))
+            continue;
+        // They are known to be good, so that only their expressions need be read.
         plural_header header;
-        if (usual[9] == static_cast<char>('0' + count) && header.read(usual).empty() &&
-            counts_alike(header, rule))
+        std::string_view text = usual;
+        take_value(text, "nplurals");
+        header.expression.read(take_value(text, "plural"));
+        header.count = count;
+        if (counts_alike(header, rule))
             return std::string(usual);
     }
     std::string expression;

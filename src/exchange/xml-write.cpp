@@ -2,12 +2,14 @@
 
 #include "exchange/carry.h"
 
+#include <array>
+
 namespace zel::exchange {
 
 namespace {
 
 // How a character must be written; empty if it stands for itself.
-std::string_view entity_of(char c, bool in_attribute)
+constexpr std::string_view entity_of(char c, bool in_attribute)
 {
     switch (c) {
     case '&':
@@ -29,6 +31,16 @@ std::string_view entity_of(char c, bool in_attribute)
     }
 }
 
+// For each byte where it must be written as an entity: 1 in an attribute, 2 in a text.
+constexpr auto places = [] {
+    std::array<unsigned char, 256> table{};
+    for (unsigned char c = 0; c < 0x80; ++c)
+        table[c] =
+            static_cast<unsigned char>((entity_of(static_cast<char>(c), true).empty() ? 0 : 1) |
+                                       (entity_of(static_cast<char>(c), false).empty() ? 0 : 2));
+    return table;
+}();
+
 } // namespace
 
 void append_xml(std::string &out, std::string_view text, bool in_attribute)
@@ -38,12 +50,12 @@ void append_xml(std::string &out, std::string_view text, bool in_attribute)
         append_carried(carried, text, holds::xml);
         text = carried;
     }
+    const unsigned place = in_attribute ? 1 : 2;
     std::size_t plain = 0;
     for (std::size_t at = 0; at < text.size(); ++at) {
-        const std::string_view entity = entity_of(text[at], in_attribute);
-        if (entity.empty())
+        if ((places[static_cast<unsigned char>(text[at])] & place) == 0)
             continue;
-        out.append(text.substr(plain, at - plain)).append(entity);
+        out.append(text.substr(plain, at - plain)).append(entity_of(text[at], in_attribute));
         plain = at + 1;
     }
     out.append(text.substr(plain));
