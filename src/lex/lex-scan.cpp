@@ -450,9 +450,6 @@ int scan_slash(zel_lex_t *lex)
 
 const unsigned char *skip_blanks(const unsigned char *p, const unsigned char *end)
 {
-    // What is read is indented by fours.
-    while (end - p >= 4 && std::memcmp(p, "    ", 4) == 0)
-        p += 4;
     while (p != end && zel::is_blank(*p))
         ++p;
     return p;
