@@ -58,16 +58,19 @@ std::size_t carried_length(std::string_view text, holds what)
     return 0;
 }
 
-constexpr unsigned bit_of(holds what) { return 1U << static_cast<unsigned>(what); }
+constexpr std::uint8_t bit_of(holds what)
+{
+    return static_cast<std::uint8_t>(1U << static_cast<unsigned>(what));
+}
 
 // For each byte the formats in which a character that begins with it may be carried. Hardly a text
 // has one, so that most are passed over with a look at the table.
 constexpr auto suspects = [] {
     std::array<std::uint8_t, 256> table{};
     for (unsigned char c = 0; c < ' '; ++c)
-        table[c] = c == '\t' || c == '\n' || c == '\r' ? 0 : bit_of(holds::xml);
+        table[c] = c == '\t' || c == '\n' || c == '\r' ? std::uint8_t{0} : bit_of(holds::xml);
     table['\t'] = table['\r'] = bit_of(holds::cells);
-    table[0xEE] = bit_of(holds::utf8) | bit_of(holds::xml) | bit_of(holds::cells);
+    table[0xEE] = 0xFF;
     table[0xEF] = bit_of(holds::xml);
     return table;
 }();

@@ -55,7 +55,7 @@ std::size_t find_place(std::string_view text, std::size_t at, unsigned wanted)
 
 void append_xml(std::string &out, std::string_view text, bool in_attribute)
 {
-    const unsigned place = in_attribute ? 1 : 2;
+    const unsigned place = in_attribute ? 1U : 2U;
     // Most names and many texts end here.
     const std::size_t start = find_place(text, 0, place | 4U);
     out.append(text.substr(0, start));
