@@ -28,27 +28,38 @@ constexpr std::string_view formula_signs[] = {"=",
 
 bool begins_formula(std::string_view text)
 {
-    return std::any_of(std::begin(formula_signs), std::end(formula_signs),
+    constexpr std::string_view first_bytes = "=+-@\t\r\n\xEF'";
+    return !text.empty() && first_bytes.find(text.front()) != first_bytes.npos &&
+           std::any_of(std::begin(formula_signs), std::end(formula_signs),
                        [&](std::string_view sign) { return text.starts_with(sign); });
+}
+
+bool needs_quotes(std::string_view text)
+{
+    return text.starts_with(' ') || text.ends_with(' ') ||
+           std::any_of(text.begin(), text.end(), [](char c) {
+               // In some locales spreadsheets separate the cells by semicolons.
+               return c == ',' || c == ';' || c == '"' || c == '\n';
+           });
 }
 
 void append_cell(std::string &out, std::string_view text)
 {
+    // Few texts are carried: only these are copied.
     std::string carried;
-    append_carried(carried, text, holds::cells);
-    // In some locales spreadsheets separate the cells by semicolons.
-    const bool quoted = carried.find_first_of(",;\"\n") != std::string::npos ||
-                        text.starts_with(' ') || text.ends_with(' ');
+    if (must_carry(text, holds::cells)) {
+        append_carried(carried, text, holds::cells);
+        text = carried;
+    }
     // A hostile text must not be calculated by the translator's spreadsheet.
-    if (begins_formula(carried))
-        carried.insert(0, 1, '\'');
-    if (!quoted) {
-        out += carried;
+    const std::string_view sign = begins_formula(text) ? "'" : "";
+    if (!needs_quotes(text)) {
+        out.append(sign).append(text);
         return;
     }
-    out += '"';
+    out.append(1, '"').append(sign);
     // A quote inside of quotes is written twice.
-    for (std::string_view rest = carried;;) {
+    for (std::string_view rest = text;;) {
         const std::size_t plain = std::min(rest.find('"'), rest.size());
         out.append(rest.substr(0, plain)) += '"';
         rest.remove_prefix(plain);

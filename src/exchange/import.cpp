@@ -304,13 +304,17 @@ void importer::take_text(item_t *item, const char *language, const text_unit &un
 {
     if (!unit.fuzzy && !without_end(unit.text).empty())
         confirm(item, language, unit);
-    std::string before = text_of(find_entry(item->langs, language));
-    if (without_end(unit.text).empty() || is_same_text(language, unit, before))
+    const lang_entry_t *entry = find_entry(item->langs, language);
+    std::string buffer;
+    const std::string_view own =
+        entry == nullptr ? std::string_view() : look_at_text(entry->texts, buffer);
+    if (without_end(unit.text).empty() || is_same_text(language, unit, own))
         return;
     if (unit.fuzzy && !request_.guesses) {
         ++guesses_;
         return;
     }
+    std::string before(own);
     // Asked before the text changes, which may be the reference itself.
     const std::string reference = reference_text(*source_, item);
     const std::string after(without_end(unit.text));

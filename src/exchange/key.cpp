@@ -3,13 +3,16 @@
 #include "exchange/carry.h"
 #include "lex/lex-misc.h"
 
+#include <algorithm>
+#include <array>
+
 namespace zel::exchange {
 
 namespace {
 
 constexpr char hex_digits[] = "0123456789abcdef";
 
-bool is_control(char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7f'; }
+constexpr bool is_control(char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7f'; }
 
 void append_hex(std::string &out, char byte)
 {
@@ -20,26 +23,48 @@ void append_hex(std::string &out, char byte)
 }
 
 // The letter that stands behind a backslash for the byte; 0 for none.
-char letter_of(char byte)
+constexpr char letter_of(char byte)
 {
     return byte == '"' ? '\0' : escape_letter(static_cast<unsigned char>(byte));
+}
+
+// The bytes that do not stand for themselves in an item's name.
+constexpr auto escaped = [] {
+    std::array<bool, 256> table{};
+    for (unsigned c = 0; c < table.size(); ++c)
+        table[c] = letter_of(static_cast<char>(c)) != '\0' || is_control(static_cast<char>(c));
+    return table;
+}();
+
+void append_escape(std::string &out, char c)
+{
+    if (const char letter = letter_of(c); letter != '\0')
+        out.append(1, '\\') += letter;
+    else if (is_control(c))
+        append_hex(out, c);
+    else
+        out.append(1, '\\') += c;
+}
+
+void append_valid(std::string &out, std::string_view name, bool is_group)
+{
+    std::size_t plain = 0;
+    for (std::size_t at = 0; at < name.size(); ++at) {
+        // The first plain colon ends the group; an item's colons need no escape.
+        if (!escaped[static_cast<unsigned char>(name[at])] && (!is_group || name[at] != ':'))
+            continue;
+        out.append(name.substr(plain, at - plain));
+        append_escape(out, name[at]);
+        plain = at + 1;
+    }
+    out.append(name.substr(plain));
 }
 
 void append_escaped(std::string &out, std::string_view name, bool is_group)
 {
     while (!name.empty()) {
         const std::size_t valid = valid_length(name);
-        for (const char c : name.substr(0, valid)) {
-            if (const char letter = letter_of(c); letter != '\0')
-                out.append(1, '\\') += letter;
-            else if (is_control(c))
-                append_hex(out, c);
-            else if (c == ':' && is_group)
-                // The first plain colon ends the group; an item's colons need no escape.
-                out += "\\:";
-            else
-                out += c;
-        }
+        append_valid(out, name.substr(0, valid), is_group);
         name.remove_prefix(valid);
         if (!name.empty()) {
             append_hex(out, name.front());
@@ -83,15 +108,17 @@ bool read_escape(std::string_view &text, std::string &name)
 bool read_escaped(std::string_view &text, std::string &name, bool ends_at_colon)
 {
     name.clear();
-    while (!text.empty() && !(ends_at_colon && text.front() == ':')) {
-        const char c = text.front();
+    for (;;) {
+        const std::size_t end = ends_at_colon ? text.find(':') : text.npos;
+        const std::size_t plain = std::min({text.find('\\'), end, text.size()});
+        name.append(text.substr(0, plain));
+        text.remove_prefix(plain);
+        if (text.empty() || plain == end)
+            return true;
         text.remove_prefix(1);
-        if (c != '\\')
-            name += c;
-        else if (!read_escape(text, name))
+        if (!read_escape(text, name))
             return false;
     }
-    return true;
 }
 
 } // namespace

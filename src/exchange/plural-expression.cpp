@@ -188,7 +188,7 @@ bool is_jump(act what) { return what >= act::jump; }
 
 // Large enough for whatever the reader lets pass: of each choice, a number waits at each level.
 struct machine_stack {
-    std::uint64_t values[256]{};
+    std::uint64_t values[256]; // none is looked at before it is pushed
     std::size_t count = 0;
 
     void push(std::uint64_t value) { values[count++] = value; }

@@ -128,6 +128,7 @@ std::array<std::uint64_t, 1013> plural_samples()
 std::string plural_header::read(std::string_view value)
 {
     count = 0;
+    known.clear();
     const std::string_view number = take_value(value, "nplurals");
     std::string_view text = take_value(value, "plural");
     // Some tool writes the escape of a line end twice.
@@ -149,6 +150,8 @@ std::string plural_header::read(std::string_view value)
         if (*form >= forms)
             return "the expression gives form " + std::to_string(*form) + " for " +
                    std::to_string(n) + ", and nplurals is " + std::to_string(forms);
+        if (n == known.size())
+            known.push_back(static_cast<std::uint8_t>(*form));
     }
     count = forms;
     return {};
@@ -156,6 +159,8 @@ std::string plural_header::read(std::string_view value)
 
 std::size_t plural_header::form(std::uint64_t n) const
 {
+    if (n < known.size())
+        return known[n];
     return std::min<std::size_t>(expression.form(n).value_or(0), count - 1);
 }
 
@@ -200,9 +205,15 @@ std::string header_of_rule(std::string_view rule, bool with_rare_forms)
     const plural_forms forms = count_plural_forms(rule);
     const std::size_t count = with_rare_forms ? forms.all : forms.everyday;
     for (const std::string_view usual : usual_headers) {
+        if (usual[9] != static_cast<char>('0' + count))
+            continue;
+        // They are known to be good, so that only their expressions need be read.
         plural_header header;
-        if (usual[9] == static_cast<char>('0' + count) && header.read(usual).empty() &&
-            counts_alike(header, rule))
+        std::string_view text = usual;
+        take_value(text, "nplurals");
+        header.expression.read(take_value(text, "plural"));
+        header.count = count;
+        if (counts_alike(header, rule))
             return std::string(usual);
     }
     std::string expression;

@@ -28,6 +28,7 @@ std::array<std::uint64_t, 1013> plural_samples();
 struct plural_header {
     std::size_t count = 0; // of forms; 0: the field is missing, or a template's placeholder
     plural_expression expression;
+    std::vector<std::uint8_t> known; // the forms of the first numbers, once it is read
 
     // Reads the field's value. What is wrong with it, or an empty text.
     std::string read(std::string_view value);

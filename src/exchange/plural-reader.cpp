@@ -370,14 +370,16 @@ std::vector<std::string> plural_reader::told(bool kept) const
 
 bool shows_the_same(std::string_view language, std::string_view before, std::string_view after)
 {
-    const std::string_view rule = plural_rule_of(language);
     const std::size_t had = count_text_forms(before);
     const std::size_t has = count_text_forms(after);
+    if (had == has)
+        return false;
+    const std::string_view rule = plural_rule_of(language);
     const auto samples = plural_samples();
-    return had != has && std::all_of(samples.begin(), samples.end(), [&](std::uint64_t n) {
-               return text_form(before, plural_form(rule, had, n)) ==
-                      text_form(after, plural_form(rule, has, n));
-           });
+    return std::all_of(samples.begin(), samples.end(), [&](std::uint64_t n) {
+        return text_form(before, plural_form(rule, had, n)) ==
+               text_form(after, plural_form(rule, has, n));
+    });
 }
 
 } // namespace zel::exchange

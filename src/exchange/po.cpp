@@ -197,7 +197,7 @@ void append_message(std::string &out, exporter &from, const outgoing_item &item,
         from.source().default_lang != nullptr && std::strcmp(name, from.source().default_lang) == 0;
     out += '\n';
     out += shared.remarks;
-    if (!is_default)
+    if (!is_default && !shared.default_comment.empty())
         append_remark(out, one_line(view_of(from.source().default_lang)) + ": ",
                       shared.default_comment);
     po_id previous;

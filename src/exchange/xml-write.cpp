@@ -2,12 +2,14 @@
 
 #include "exchange/carry.h"
 
+#include <array>
+
 namespace zel::exchange {
 
 namespace {
 
 // How a character must be written; empty if it stands for itself.
-std::string_view entity_of(char c, bool in_attribute)
+constexpr std::string_view entity_of(char c, bool in_attribute)
 {
     switch (c) {
     case '&':
@@ -29,24 +31,47 @@ std::string_view entity_of(char c, bool in_attribute)
     }
 }
 
+// For each byte where it must be written as an entity, 1 in an attribute and 2 in a text, and
+// whether it may have to be carried, 4.
+constexpr auto places = [] {
+    std::array<unsigned char, 256> table{};
+    for (unsigned c = 0; c < table.size(); ++c) {
+        const auto byte = static_cast<char>(c);
+        table[c] = static_cast<unsigned char>((entity_of(byte, true).empty() ? 0 : 1) |
+                                              (entity_of(byte, false).empty() ? 0 : 2) |
+                                              (c < ' ' || c >= 0x80 ? 4 : 0));
+    }
+    return table;
+}();
+
+std::size_t find_place(std::string_view text, std::size_t at, unsigned wanted)
+{
+    while (at < text.size() && (places[static_cast<unsigned char>(text[at])] & wanted) == 0)
+        ++at;
+    return at;
+}
+
 } // namespace
 
 void append_xml(std::string &out, std::string_view text, bool in_attribute)
 {
+    const unsigned place = in_attribute ? 1U : 2U;
+    // Most names and many texts end here.
+    const std::size_t start = find_place(text, 0, place | 4U);
+    out.append(text.substr(0, start));
+    text.remove_prefix(start);
     std::string carried;
     if (must_carry(text, holds::xml)) {
         append_carried(carried, text, holds::xml);
         text = carried;
     }
-    std::size_t plain = 0;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        const std::string_view entity = entity_of(text[at], in_attribute);
-        if (entity.empty())
-            continue;
-        out.append(text.substr(plain, at - plain)).append(entity);
+    for (std::size_t plain = 0; plain < text.size();) {
+        const std::size_t at = find_place(text, plain, place);
+        out.append(text.substr(plain, at - plain));
+        if (at < text.size())
+            out.append(entity_of(text[at], in_attribute));
         plain = at + 1;
     }
-    out.append(text.substr(plain));
 }
 
 void append_attribute(std::string &out, std::string_view name, std::string_view value)

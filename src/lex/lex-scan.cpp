@@ -459,8 +459,12 @@ const unsigned char *skip_blanks(const unsigned char *p, const unsigned char *en
 void skip_white_space(zel_lex_t *lex)
 {
     zel_lex_buf_t *buf = lex->buf;
-    const block_view block = open_block(buf);
     const bool over_lines = (lex->flags & LEX_NEWLINE_SPACE) != 0;
+    // The end of a word is a character that is held: as white space it has done its work.
+    if (buf->next_char == zel::buf_shared_next_char &&
+        (zel::is_blank(buf->held) || (over_lines && buf->held == '\n')))
+        buf->held = 0;
+    const block_view block = open_block(buf);
     const unsigned char *line_start = nullptr;
     std::uint32_t lines = 0;
     const unsigned char *p = skip_blanks(block.begin, block.end);

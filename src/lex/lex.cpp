@@ -5,7 +5,6 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <utility>
 
 namespace {
 
@@ -34,6 +33,18 @@ void release_marker_files(zel_lex_t *lex)
         std::free(name);
         name = nullptr;
     }
+}
+
+// Moves a token without copying its text: the area that becomes free goes the other way.
+void move_token(zel_token_t *to, zel_token_t *from)
+{
+    char *area = to->lexeme;
+    const int capacity = to->capacity;
+    const int room = to->room;
+    *to = *from;
+    from->lexeme = area;
+    from->capacity = capacity;
+    from->room = room;
 }
 
 void empty_tokens(zel_lex_t *lex)
@@ -117,12 +128,12 @@ zel_token_t *zel_next_token(zel_lex_t *lex)
     if (lex == nullptr)
         return nullptr;
     if (lex->ahead->id != 0) {
-        std::swap(*lex->current, *lex->ahead);
+        move_token(lex->current, lex->ahead);
         // An id of 0 marks the place as empty; its area stays.
         lex->ahead->id = 0;
     } else {
         lex->get_token(lex);
-        std::swap(*lex->current, *lex->work);
+        move_token(lex->current, lex->work);
     }
     return lex->current;
 }
@@ -134,7 +145,7 @@ zel_token_t *zel_token_look_ahead(zel_lex_t *lex, int)
         return nullptr;
     if (lex->ahead->id == 0) {
         lex->get_token(lex);
-        std::swap(*lex->ahead, *lex->work);
+        move_token(lex->ahead, lex->work);
     }
     return lex->ahead;
 }

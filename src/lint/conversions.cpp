@@ -186,6 +186,10 @@ void take_argument(percents &found, std::size_t position, taken takes, argument_
     if (at >= most_arguments)
         return;
     if (found.arguments.size() <= at) {
+        // Most texts that have one have few.
+        constexpr std::size_t few = 4;
+        found.arguments.reserve(few);
+        found.reaches.reserve(few);
         found.arguments.resize(at + 1);
         found.reaches.resize(at + 1);
     }
@@ -224,6 +228,14 @@ bool is_lisp(std::string_view text)
 }
 
 } // namespace
+
+bool may_have_symbol(std::string_view text)
+{
+    for (std::size_t at = text.find('%'); at < text.size(); at = text.find('%', at + 1))
+        if (!read_name(text.substr(at)).empty())
+            return true;
+    return false;
+}
 
 percents read_percents(std::string_view text, const percents *known)
 {

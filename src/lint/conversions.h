@@ -49,6 +49,9 @@ struct percents {
 // symbol when the known ones (which may be null) have it.
 percents read_percents(std::string_view text, const percents *known = nullptr);
 
+// Whether a word stands between two percent signs, which alone may be a symbol.
+bool may_have_symbol(std::string_view text);
+
 // The conversions that an item's description names for the arguments, "formater=%25s,%25d"; none
 // without such a description.
 percents described(const char *description);

@@ -165,7 +165,10 @@ amount measure(std::string_view text)
     for (std::size_t at = 0; at < text.size(); at += 8) {
         const std::size_t there = std::min<std::size_t>(8, text.size() - at);
         std::uint64_t x = ones * ' ';
-        std::memcpy(&x, text.data() + at, there);
+        if (there == sizeof x)
+            std::memcpy(&x, text.data() + at, sizeof x);
+        else
+            std::memcpy(&x, text.data() + at, there);
         // A lead byte from 0xE3 on may begin a wide character: then the slow way decides.
         const std::uint64_t from_e0 = x & x << 1 & x << 2 & tops;
         if ((from_e0 & (x << 3 | x << 4 | x << 5 | (x << 6 & x << 7))) != 0)

@@ -120,7 +120,7 @@ bool judge_format(const text_case &at, std::string &message)
 {
     if (at.own.is_blank() || (!at.own.has(has_percent) && !at.reference.has(has_percent)))
         return false;
-    if (has_plural_forms(at.reference.bytes))
+    if (at.reference.has(has_forms))
         return judge_forms(at, message);
     const percents expected = expected_by(at);
     // "100 % sure" is no format: nobody gives such a text to printf.
@@ -133,7 +133,7 @@ bool judge_format(const text_case &at, std::string &message)
 
 bool judge_symbol(const text_case &at, std::string &message)
 {
-    if (!at.own.has(has_percent) && !at.reference.has(has_percent))
+    if (!may_have_symbol(at.own.bytes) && !may_have_symbol(at.reference.bytes))
         return false;
     if (at.own.is_blank() || at.reference.is_blank())
         return false;

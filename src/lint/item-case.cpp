@@ -3,6 +3,8 @@
 #include "source/entry.h"
 #include "support/text.h"
 
+#include <cstring>
+
 namespace zel::lint {
 
 namespace {
@@ -19,8 +21,9 @@ std::uint32_t hash_in_any_case(const char *name)
 
 bool same_language(const char *a, const char *b)
 {
-    // Not strcasecmp: in a Turkish locale "I" is no "i".
-    return compare_nocase(or_empty(a), or_empty(b)) == 0;
+    // Nearly always they are written alike. Not strcasecmp: in a Turkish locale "I" is no "i".
+    return std::strcmp(or_empty(a), or_empty(b)) == 0 ||
+           compare_nocase(or_empty(a), or_empty(b)) == 0;
 }
 
 std::string_view first_text(const item_t *item, const char *language, std::string &buffer)

@@ -20,6 +20,7 @@ struct language {
     const char *name; // empty when it has none
     bool is_default;
     bool wanted; // findings about it are wanted
+    std::string_view plural_rule{};
 };
 
 // The defined languages, in their order.

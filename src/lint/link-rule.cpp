@@ -3,6 +3,7 @@
 #include "lint/rule-list.h"
 
 #include <algorithm>
+#include <array>
 #include <vector>
 
 namespace zel::lint {
@@ -24,10 +25,16 @@ struct links {
     std::string named;           // digits of names, "2000" of "JPEG2000"
 };
 
-bool is_address_byte(char c)
-{
-    return is_word_byte(c) || std::string_view("-.~/?#@!$&*+=%:").find(c) != std::string_view::npos;
-}
+constexpr auto address_bytes = [] {
+    std::array<bool, 256> table{};
+    for (unsigned char c = 0; c < 0x80; ++c)
+        table[c] = is_word_byte(static_cast<char>(c));
+    for (const char c : std::string_view("-.~/?#@!$&*+=%:"))
+        table[static_cast<unsigned char>(c)] = true;
+    return table;
+}();
+
+bool is_address_byte(char c) { return address_bytes[static_cast<unsigned char>(c)]; }
 
 std::string_view without_stop(std::string_view address)
 {
@@ -194,10 +201,15 @@ links read_links(std::string_view bytes)
     address_run run;
     char32_t before = ' ';
     for (std::size_t at = 0; at < bytes.size();) {
+        // Inside of a word nothing begins.
+        if (before < 0x80 && is_ascii_letter(static_cast<char>(before)) &&
+            is_ascii_letter(bytes[at])) {
+            before = static_cast<unsigned char>(bytes[at++]);
+            continue;
+        }
         std::size_t next = at;
         const char32_t c = next_char(bytes, next);
-        const bool starts = begins_number(before) && !is_digit(before);
-        if (starts && is_address_byte(bytes[at])) {
+        if (is_address_byte(bytes[at]) && begins_number(before) && !is_digit(before)) {
             if (!run.holds(at))
                 run = address_run(bytes, at);
             std::vector<std::string> *kind = run.is_web(at) || run.is_mail(at) ? &found.addresses

@@ -3,6 +3,7 @@
 #include "lint/across.h"
 #include "lint/item-case.h"
 #include "lint/mnemonics.h"
+#include "lint/plural.h"
 #include "lint/rules.h"
 #include "lint/switch.h"
 #include "source/entry.h"
@@ -30,7 +31,8 @@ language_list languages_of(const LangSource *source, const choice &wanted)
             wanted.languages.empty() ||
             std::any_of(wanted.languages.begin(), wanted.languages.end(),
                         [&](const std::string &one) { return same_language(one.c_str(), name); });
-        out.push_back({lang, name, same_language(name, source->default_lang), is_wanted});
+        out.push_back({lang, name, same_language(name, source->default_lang), is_wanted,
+                       plural_rule_of(*lang)});
     }
     return out;
 }
@@ -142,10 +144,12 @@ void linter::work::take_switches(const item_t *item)
 void linter::work::take_reference(const item_t *item)
 {
     name_ = look_at(name_of(item->name));
+    note_forms(name_);
     reference_ = name_;
     for (std::size_t i = 0; i < slots_.size(); ++i)
         if (languages_[i].is_default && slots_[i].entry != nullptr && !slots_[i].own.is_blank())
             reference_ = slots_[i].own;
+    note_forms(reference_);
 }
 
 void linter::work::judge_text(std::size_t i)

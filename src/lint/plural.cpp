@@ -69,6 +69,12 @@ bool has_plural_forms(std::string_view text)
     });
 }
 
+void note_forms(text &of)
+{
+    if (of.has(has_percent) && has_plural_forms(of.bytes))
+        of.holds |= has_forms;
+}
+
 std::vector<std::string_view> read_forms(std::string_view text)
 {
     std::vector<std::string_view> forms;
@@ -83,13 +89,13 @@ std::vector<std::string_view> read_forms(std::string_view text)
 
 void judge_plural(const item_case &at)
 {
-    if (!at.reference.has(has_percent) || !has_plural_forms(at.reference.bytes))
+    if (!at.reference.has(has_forms))
         return;
     for (std::size_t i = 0; i < at.slots.size(); ++i) {
         const slot &one = at.slots[i];
         if (one.entry == nullptr || one.own.is_blank())
             continue;
-        const std::string_view rule = plural_rule_of(*at.languages[i].definition);
+        const std::string_view rule = at.languages[i].plural_rule;
         const plural_forms needed = count_plural_forms(rule);
         const std::size_t count = count_text_forms(one.own.bytes);
         if (needed.all != 0 && count != needed.all && count != needed.everyday)

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "lint/text.h"
 #include "source/model.h"
 
 namespace zel::lint {
@@ -14,6 +15,9 @@ namespace zel::lint {
 // a whole number in the last form, and in each other form the same conversions or none. So a menu
 // path, "File|Open", and a row of a table, "%s | %d", are none.
 bool has_plural_forms(std::string_view text);
+
+// Notes it in the text, for rules that ask once for each translation.
+void note_forms(text &of);
 
 // The published rule of a language for its forms (langlib/plural-rule.h), which its name or its
 // file tells; empty when it is not known or has none.

@@ -26,7 +26,8 @@ enum : std::uint32_t {
     has_general = 512, // a byte that may begin punctuation and marks of all scripts (U+2000)
     has_letter = 1024, // of ASCII
     has_blank = 2048,  // space, tab or line end
-    has_other = 4096   // what is left of ASCII
+    has_other = 4096,  // what is left of ASCII
+    has_forms = 8192   // set by note_forms: it has plural forms
 };
 
 struct text {

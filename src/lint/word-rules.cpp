@@ -59,7 +59,8 @@ bool doubles_words(std::string_view bytes)
     constexpr std::u32string_view letters = U"ğşıİŞĞəđơưĐƠƯ";
     for (std::size_t at = 0; at < bytes.size();) {
         const char32_t c = next_char(bytes, at);
-        if (letters.find(c) != std::u32string_view::npos || (c >= 0x1EA0 && c <= 0x1EF9))
+        if (c >= 0x80 &&
+            (letters.find(c) != std::u32string_view::npos || (c >= 0x1EA0 && c <= 0x1EF9)))
             return true;
     }
     return false;
@@ -100,7 +101,7 @@ bool judge_length(const text_case &at, std::string &message)
         return false;
     std::size_t reference = count_chars(at.reference.bytes);
     std::size_t own = count_chars(at.own.bytes);
-    if (has_plural_forms(at.reference.bytes)) { // one form is shown
+    if (at.reference.has(has_forms)) { // one form is shown
         reference /= count_text_forms(at.reference.bytes);
         own /= count_text_forms(at.own.bytes);
     }

@@ -154,16 +154,24 @@ outcome source_reader::read_string(char *&text, int message_number)
     const zel_token_t *token = next();
     if (token->id != TOKEN_STRING)
         return fail(message_number, token);
-    replace_string(text, zel_strdup(text_of(token)));
+    replace_string(text, copy_of(token));
     return outcome::go_on;
 }
 
-const char *source_reader::text_of(const zel_token_t *token)
+std::string_view source_reader::text_of(const zel_token_t *token)
 {
     // The scanner keeps NUL bytes, the model's C strings cannot: the listener hears of the loss.
-    if (std::memchr(token->lexeme, '\0', token->length) != nullptr)
+    const std::size_t length = std::strlen(token->lexeme);
+    if (length < token->length)
         fail(read_nul_byte, token);
-    return token->lexeme;
+    return {token->lexeme, length};
+}
+
+// Stored as null where it is empty.
+char *source_reader::copy_of(const zel_token_t *token)
+{
+    const std::string_view text = text_of(token);
+    return _zel_strdup(text.data(), text.size());
 }
 
 // Reads YES or NO; any other token is reported.
@@ -191,7 +199,8 @@ outcome source_reader::read_entry(list_tail &entries, place start)
     if (token->id != TOKEN_STRING)
         return fail(939, token);
     // Like every empty string that is read, an empty language is stored as null.
-    lang_entry_t *entry = alloc_lang_entry(*token->lexeme == '\0' ? nullptr : text_of(token));
+    lang_entry_t *entry =
+        alloc_lang_entry(*token->lexeme == '\0' ? nullptr : text_of(token).data());
     if (entry == nullptr)
         return fail(945, token);
     // Appended before its texts are read: after an error in them the item keeps what was read.
@@ -201,9 +210,11 @@ outcome source_reader::read_entry(list_tail &entries, place start)
     if (token->id != '{')
         return fail(955, token);
     list_tail texts(entry->texts);
-    for (token = next(); token->id == TOKEN_STRING; token = next())
-        // zel_strdup2 keeps an empty string, which is a line of the text.
-        texts.append(zel_strdup2(text_of(token)));
+    for (token = next(); token->id == TOKEN_STRING; token = next()) {
+        // _zel_strdup2 keeps an empty string, which is a line of the text.
+        const std::string_view line = text_of(token);
+        texts.append(_zel_strdup2(line.data(), line.size()));
+    }
     return token->id == '}' ? outcome::go_on : fail(969, token);
 }
 
@@ -216,7 +227,7 @@ outcome source_reader::read_used_in(item_t *item)
     list_tail places(item->used_in);
     const zel_token_t *token = next();
     for (; token->id == TOKEN_STRING; token = next())
-        places.append(zel_strdup(text_of(token)));
+        places.append(copy_of(token));
     return token->id == '}' ? outcome::go_on : fail(892, token);
 }
 
@@ -304,7 +315,7 @@ outcome source_reader::read_item(item_t *item, place start)
     const zel_token_t *token = next();
     if (token->id != TOKEN_STRING)
         return fail(675, token);
-    item->name = zel_strdup(text_of(token));
+    item->name = copy_of(token);
     token = next();
     if (token->id != '{') {
         fail(689, token);
@@ -364,7 +375,7 @@ outcome statement_reader::begin_group(place start)
     const zel_token_t *token = next();
     if (token->id != TOKEN_STRING)
         fail(363, token);
-    group->name = zel_strdup(text_of(token));
+    group->name = copy_of(token);
     token = next();
     if (token->id != '{')
         fail(372, token);
@@ -384,7 +395,7 @@ outcome statement_reader::read_define_file(bool &more, place start)
         return fail(502, token);
     langs.append(lang);
     note(lang, start);
-    lang->file = zel_strdup(text_of(token));
+    lang->file = copy_of(token);
     token = next();
     if (token->id != key_lang)
         return fail(512, token);

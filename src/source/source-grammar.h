@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string_view>
 
 namespace zel {
 
@@ -40,7 +41,8 @@ struct source_reader {
     }
 
     // The token's text. Reports read_nul_byte first if a NUL byte cuts off a part of it.
-    const char *text_of(const zel_token_t *token);
+    std::string_view text_of(const zel_token_t *token);
+    char *copy_of(const zel_token_t *token);
 
     outcome read_number(std::int32_t &number, int message_number);
     outcome read_time(std::int64_t &time, int message_number);

@@ -4,8 +4,11 @@
 #include "source/misc.h"
 #include "source/quote.h"
 
+#include <charconv>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
+#include <string_view>
 #include <utility>
 
 namespace {
@@ -16,6 +19,14 @@ void append_statement(std::string &out, const char *before, const char *text, co
     out += before;
     zel::append_escaped(out, text);
     out += after;
+}
+
+// A line of its own. Each item has five, so that they are not written by a format.
+void append_number(std::string &out, std::string_view name, std::int32_t number)
+{
+    char digits[16];
+    const char *end = std::to_chars(std::begin(digits), std::end(digits), number).ptr;
+    out.append(name).append(digits, static_cast<std::size_t>(end - digits)) += '\n';
 }
 
 void append_strings(std::string &out, GList *strings)
@@ -123,15 +134,12 @@ void source_text::append_attributes(std::string &out, const item_t *item) const
 {
     append_statement(out, "    DESCRIPTION  \"",
                      item->description == nullptr ? "none" : item->description, "\"\n");
+    append_number(out, "    TYP       ", item->typ);
+    append_number(out, "    ROWHEIGHT ", item->rowheight);
     // CTIME has a sign, so from 2038 on a minus; read_item_ctime turns that back.
-    append_format(out,
-                  "    TYP       %d\n"
-                  "    ROWHEIGHT %d\n"
-                  "    CTIME     %d\n"
-                  "    VISIBLE   %d\n"
-                  "    READY     %d\n",
-                  item->typ, item->rowheight, static_cast<std::int32_t>(item->ctime), item->visible,
-                  item->ready);
+    append_number(out, "    CTIME     ", static_cast<std::int32_t>(item->ctime));
+    append_number(out, "    VISIBLE   ", item->visible);
+    append_number(out, "    READY     ", item->ready);
     if (item->changed != 0)
         out += "    CHANGED\n";
     if (item->used == 0) {

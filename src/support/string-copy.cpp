@@ -25,10 +25,15 @@ char *copy_of(const char *text, std::size_t length)
 
 char *_zel_strdup(const char *text, const char *, int)
 {
+    return text == nullptr ? nullptr : _zel_strdup(text, std::strlen(text));
+}
+
+char *_zel_strdup(const char *text, std::size_t length)
+{
     // An empty text becomes null, as in the whole model; zel_strdup2 keeps the difference.
-    if (text == nullptr || *text == '\0')
+    if (length == 0)
         return nullptr;
-    char *copy = copy_of(text, std::strlen(text));
+    char *copy = copy_of(text, length);
     if (copy == nullptr) {
         LogPrint(1, "zel_strdup: ERROR not enough memory\n");
         // Logs have always named this place: scripts that look for it do not follow a line.
@@ -39,9 +44,12 @@ char *_zel_strdup(const char *text, const char *, int)
 
 char *_zel_strdup2(const char *text, const char *, int)
 {
-    if (text == nullptr)
-        return nullptr;
-    char *copy = copy_of(text, std::strlen(text));
+    return text == nullptr ? nullptr : _zel_strdup2(text, std::strlen(text));
+}
+
+char *_zel_strdup2(const char *text, std::size_t length)
+{
+    char *copy = copy_of(text, length);
     if (copy == nullptr)
         LogPrint(1, "zel_strdup2: ERROR not enough memory\n");
     return copy;

@@ -3,6 +3,7 @@
 // String copies that name the place they are made from. Every string returned is allocated with
 // malloc and owned by the caller; file and line serve reports only.
 
+#include <cstddef>
 #include <memory>
 
 #include "support/guard.h"
@@ -13,6 +14,10 @@
 
 // A copy that keeps an empty string; null for null. Without memory it logs and gives null.
 [[nodiscard]] char *_zel_strdup2(const char *text, const char *file, int line);
+
+// The same two for a text whose length is known; its NUL follows.
+[[nodiscard]] char *_zel_strdup(const char *text, std::size_t length);
+[[nodiscard]] char *_zel_strdup2(const char *text, std::size_t length);
 
 #define zel_strdup(text) _zel_strdup((text), __FILE__, __LINE__)
 #define zel_strdup2(text) _zel_strdup2((text), __FILE__, __LINE__)
