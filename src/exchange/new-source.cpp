@@ -293,7 +293,8 @@ fault new_source::take_plural(catalog &of, const po_message &message, bool is_gu
 {
     plural_reader::answer forms;
     if (!is_guess)
-        forms = of.plurals.join(message.texts, message.line);
+        forms = message.cases.empty() ? of.plurals.join(message.texts, message.line)
+                                      : of.plurals.join_cases(message.cases, message.texts);
     if (forms.wrong)
         return forms.wrong;
     if (has_apart_ids(message.id)) {
@@ -416,14 +417,29 @@ fault new_source::take_ts(const std::string &path, std::string_view bytes)
     if (const std::string named = code_of_file(path);
         !named.empty() && file.language.code.starts_with(named + "_"))
         file.language.code = named;
-    fault wrong = choose_language(of, file.language);
-    of.plurals.open(of.language, file.plural_field, 0);
-    for (const po_message &message : file.messages)
-        if (!wrong)
-            wrong = take_message(of, message);
+    fault wrong = take_messages(of, file.language, file.plural_field, file.messages);
     for (const std::string &line : file.notes)
         note(of, 0, line);
     obsolete_ += file.obsolete;
+    return wrong;
+}
+
+fault new_source::take_language(const std::string &path, const said_language &language,
+                                const std::vector<po_message> &messages)
+{
+    catalog of;
+    of.path = path;
+    return take_messages(of, language, {}, messages);
+}
+
+fault new_source::take_messages(catalog &of, const said_language &language,
+                                const std::string &field, const std::vector<po_message> &messages)
+{
+    fault wrong = choose_language(of, language);
+    of.plurals.open(of.language, field, 0);
+    for (const po_message &message : messages)
+        if (!wrong)
+            wrong = take_message(of, message);
     finish(of);
     return wrong;
 }
