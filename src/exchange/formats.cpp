@@ -27,6 +27,7 @@ constexpr format table[] = {
     {"csv", ".csv", files::one, write_csv, read_csv},
     {"json", ".json", files::one, write_json, nullptr, false, read_keyed_json},
     {"ini", ".ini", files::per_language, nullptr, nullptr, false, read_ini},
+    {"rc", ".rc", files::per_language, nullptr, nullptr, false, read_rc},
 };
 
 const format *format_of_path(std::string_view path)

@@ -32,7 +32,7 @@ std::vector<const char *> format_names();         // in the table's order
 std::vector<const char *> written_format_names(); // the same, of those that are written
 inline constexpr char format_help[] = "po, pot, ts, xliff, xliff2, tmx, tbx, csv or json";
 inline constexpr char import_format_help[] =
-    "po, pot, ts, xliff, xliff2, tmx, tbx, csv, json or ini";
+    "po, pot, ts, xliff, xliff2, tmx, tbx, csv, json, ini or rc";
 const format *find_format(std::string_view name); // null when there is none
 
 // Reads all texts of a file, for whoever looks among them: the format is known by its name, or for

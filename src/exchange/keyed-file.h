@@ -49,6 +49,9 @@ using keyed_reader = fault (*)(std::string_view bytes, keyed_file &file);
 fault read_keyed_json(std::string_view bytes, keyed_file &file);
 // Sections of lines KEY=TEXT.
 fault read_ini(std::string_view bytes, keyed_file &file);
+// Tables of strings in scripts of resources, with LANGUAGE statements, of which one file may have
+// several. Bytes are those of the page that "#pragma code_page" tells, else UTF-8.
+fault read_rc(std::string_view bytes, keyed_file &file);
 
 // Makes the bytes UTF-8 without a mark: they are, or a mark says that they are UTF-16.
 fault decode(std::string_view bytes, std::string &text);

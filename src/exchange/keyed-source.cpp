@@ -99,7 +99,7 @@ fault keyed_source::take(keyed_reader read, const std::string &path, std::string
                   {}};
         if (made.said.name.empty() && made.said.code.empty() && code_of_file(path).empty())
             look_at_folder(made);
-        made.language = made_.name_language(path, made.said);
+        made.language = new_source::name_language(path, made.said).first;
         const auto before = std::find_if(parts_.begin(), parts_.end(), [&](const part &of) {
             return of.language == made.language;
         });
@@ -286,6 +286,23 @@ fault keyed_source::translate(const part &of, const std::vector<po_message> &mes
     return made_.take_language(of.path, of.said, told);
 }
 
+// The part of the default language. Of several files one alone may say no language: strings.ini
+// beside strings_de.ini.
+std::vector<keyed_source::part>::iterator keyed_source::find_reference()
+{
+    const auto found = std::find_if(parts_.begin(), parts_.end(), [&](const part &of) {
+        return of.language == default_language_;
+    });
+    const auto says_none = [](const part &of) {
+        return of.said.name.empty() && of.said.code.empty() && code_of_file(of.path).empty();
+    };
+    const auto only = std::find_if(parts_.begin(), parts_.end(), says_none);
+    if (found != parts_.end() || std::count_if(parts_.begin(), parts_.end(), says_none) != 1)
+        return found;
+    only->said.name = only->language = default_language_;
+    return only;
+}
+
 fault keyed_source::finish(std::string &path)
 {
     for (const part &of : parts_)
@@ -293,9 +310,7 @@ fault keyed_source::finish(std::string &path)
             find_plurals(of);
     for (part &of : parts_)
         join_forms(of);
-    const auto reference = std::find_if(parts_.begin(), parts_.end(), [&](const part &of) {
-        return of.language == default_language_;
-    });
+    const auto reference = find_reference();
     if (reference == parts_.end()) {
         std::string names;
         for (const part &of : parts_)

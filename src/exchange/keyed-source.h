@@ -3,12 +3,13 @@
 // A new source from files with a text for each key (exchange/keyed-file.h).
 //
 // An item is its text in the default language, as everywhere, so that language's file must be there
-// and is looked at first, whichever it is. The group is the first part of the key; the whole key is
-// the description. Keys of one group that have one text in every language are one item; those that
-// are translated differently are several, in groups with a number. Texts of keys that the default
-// language lacks are left out, which is said, and so is what a language has no forms for.
+// and is looked at first, whichever it is; it may be the only one that says no language. The group
+// is the first part of the key, or else the name of a file that lies in a language's folder; the
+// whole key is the description. Keys of one group that have one text in every language are one
+// item; those that are translated differently are several, in groups with a number. Texts of keys
+// that the default language lacks are left out, which is said, and so is what a language has no
+// forms for.
 
-#include <set>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -49,6 +50,7 @@ private:
     std::string signature(const std::string &identity, const part &reference) const;
     std::vector<po_message> messages_of(const part &reference);
     fault translate(const part &of, const std::vector<po_message> &messages);
+    std::vector<part>::iterator find_reference();
     void tell_missing_forms(const part &of);
 
     new_source &made_;

@@ -100,7 +100,8 @@ void new_source::add_language(const std::string &name)
 // The language's name: the header's own; else a word for its code, or the code where no word means
 // just that; else the file's. A file that is named by a longer code of the same language knows
 // better than its header: sr@latin, zh_TW.
-std::string new_source::name_language(const std::string &path, const said_language &said)
+std::pair<std::string, std::string> new_source::name_language(const std::string &path,
+                                                              const said_language &said)
 {
     std::string name = said.name;
     std::string code = said.code;
@@ -116,16 +117,17 @@ std::string new_source::name_language(const std::string &path, const said_langua
                    : code;
     if (name.empty())
         name = stem_of(path);
-    if (codes_.emplace(name, code).second)
-        add_language(name);
-    return name;
+    return {name, code};
 }
 
 // Two files of one language are two languages that somebody has called by one name; but one name in
 // two folders is one language in two parts of a project.
 fault new_source::choose_language(catalog &of, const said_language &said)
 {
-    of.language = name_language(of.path, said);
+    const auto [name, code] = name_language(of.path, said);
+    of.language = name;
+    if (codes_.emplace(name, code).second)
+        add_language(name);
     of.met = &met_[of.language];
     if (reading_ == from::catalogs)
         of.met->reserve(source_->item_count);

@@ -24,6 +24,7 @@
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "exchange/input.h"
@@ -58,8 +59,9 @@ public:
     fault take_language(const std::string &path, const said_language &language,
                         const std::vector<po_message> &messages);
 
-    // What the source calls a file's language, which is added to it.
-    std::string name_language(const std::string &path, const said_language &said);
+    // What the source calls a file's language, and its code.
+    static std::pair<std::string, std::string> name_language(const std::string &path,
+                                                             const said_language &said);
 
     // Adds a line that somebody should know.
     void tell(const std::string &line) { notes_.push_back(line); }

@@ -211,7 +211,7 @@ int make_new(const word &self, import_options &options, const exchange::format &
     const bool is_po = std::string_view(row.name) == "po";
     const bool is_tbx = row.read == exchange::read_tbx;
     if (!is_po && !is_ts && !is_tbx && row.keyed == nullptr)
-        return wrong_use(self, "--new is for --format po, ts, tbx, json and ini");
+        return wrong_use(self, "--new is for --format po, ts, tbx, json, ini and rc");
     if (!is_po && !options.pot.empty())
         return wrong_use(self, "--template is for --format po");
     if (options.output.empty())
