@@ -93,7 +93,7 @@ fault keyed_source::take(keyed_reader read, const std::string &path, std::string
     if (fault wrong = read(bytes, file))
         return wrong;
     for (const std::string &line : file.notes)
-        made_.tell(path + ": " + line);
+        made_.tell(std::string(path).append(": ").append(line));
     for (keyed_part &one : file.parts) {
         part made{path, std::move(one.language), {}, {}, file.has_suffixes, std::move(one.texts),
                   {}};
@@ -214,7 +214,8 @@ std::vector<po_message> keyed_source::messages_of(const part &reference)
         std::size_t place = messages.size();
         if (counts[shared] > 1) {
             others = signature(identity, reference);
-            place = known.emplace(shared + '\4' + others, place).first->second;
+            place = known.emplace(std::string(shared).append(1, '\4').append(others), place)
+                        .first->second;
         }
         messages_.emplace(identity, place);
         if (place < messages.size()) {
@@ -312,6 +313,8 @@ fault keyed_source::finish(std::string &path)
         join_forms(of);
     const auto reference = find_reference();
     if (reference == parts_.end()) {
+        if (parts_.empty())
+            return {0, "no texts"};
         std::string names;
         for (const part &of : parts_)
             names.append(names.empty() ? "" : ", ").append(of.language);
