@@ -413,7 +413,7 @@ fault take_tbx(new_source &made, const std::string &path, std::string_view bytes
     if (fault wrong = reader.walk(without_tbx_type(bytes), "TBX"))
         return wrong;
     for (const std::string &line : notes_of(reader))
-        made.tell(path + ": " + line);
+        made.tell(std::string(path).append(": ").append(line));
     if (messages.without() != 0)
         made.tell(path + ": left out " + counted_words(messages.without(), "concept") +
                   " without a term in " + language);
