@@ -1,6 +1,7 @@
 #include "exchange.h"
 
 #include "exchange/import.h"
+#include "exchange/keyed-source.h"
 #include "source/lang-read.h"
 #include "support.h"
 
@@ -31,6 +32,28 @@ void read_and_import(const char *format, std::string_view bytes)
         return;
     written(source.get());
     require(zel::read_source("written", {1}).source != nullptr, "what was taken in reads");
+}
+
+void read_keys(const char *format, std::string_view bytes)
+{
+    const exchange::keyed_reader read = exchange::find_format(format)->keyed;
+    exchange::keyed_file file;
+    if (read(bytes, file))
+        return;
+    std::size_t texts = 0;
+    for (const exchange::keyed_part &part : file.parts)
+        texts += part.texts.size();
+    require(texts <= bytes.size(), "no more texts than bytes");
+    exchange::new_source made(exchange::new_request{});
+    exchange::keyed_source keys(made, "english");
+    for (const char *path : {"de/x", "en/x", "en/y"})
+        if (keys.take(read, path, bytes))
+            return;
+    std::string path;
+    if (keys.finish(path))
+        return;
+    written(made.source());
+    require(zel::read_source("written", {1}).source != nullptr, "what came over reads");
 }
 
 } // namespace fuzz

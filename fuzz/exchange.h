@@ -8,4 +8,7 @@ namespace fuzz {
 
 void read_and_import(const char *format, std::string_view bytes);
 
+// A file with a text for each key becomes a source, as the default language's file and another's.
+void read_keys(const char *format, std::string_view bytes);
+
 } // namespace fuzz

@@ -3,6 +3,7 @@
 #include "exchange/csv.h"
 #include "exchange/json.h"
 #include "exchange/po.h"
+#include "exchange/tbx.h"
 #include "exchange/tmx.h"
 #include "exchange/ts.h"
 #include "exchange/xliff.h"
@@ -13,7 +14,8 @@ namespace zel::exchange {
 
 namespace {
 
-// A file without a named format is read by the first row that has its ending.
+// A file without a named format is read by the first row that has its ending. What is not written
+// stands at the end.
 constexpr format table[] = {
     {"po", ".po", files::per_language, write_po, read_po},
     {"pot", ".pot", files::one, write_pot, read_po},
@@ -21,8 +23,11 @@ constexpr format table[] = {
     {"xliff", ".xliff", files::per_language, write_xliff, read_xliff, true},
     {"xliff2", ".xliff", files::per_language, write_xliff2, read_xliff, true},
     {"tmx", ".tmx", files::per_language, write_tmx, read_tmx},
+    {"tbx", ".tbx", files::per_language, write_tbx, read_tbx, false, nullptr, true},
     {"csv", ".csv", files::one, write_csv, read_csv},
-    {"json", ".json", files::one, write_json, nullptr},
+    {"json", ".json", files::one, write_json, nullptr, false, read_keyed_json},
+    {"ini", ".ini", files::per_language, nullptr, nullptr, false, read_ini},
+    {"rc", ".rc", files::per_language, nullptr, nullptr, false, read_rc},
 };
 
 const format *format_of_path(std::string_view path)
@@ -42,6 +47,15 @@ std::vector<const char *> format_names()
     std::vector<const char *> names;
     for (const format &row : table)
         names.push_back(row.name);
+    return names;
+}
+
+std::vector<const char *> written_format_names()
+{
+    std::vector<const char *> names = format_names();
+    names.resize(static_cast<std::size_t>(
+        std::count_if(std::begin(table), std::end(table),
+                      [](const format &row) { return row.write != nullptr; })));
     return names;
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "exchange/export.h"
+#include "exchange/keyed-file.h"
 #include "exchange/texts.h"
 
 namespace zel::exchange {
@@ -17,16 +18,21 @@ struct format {
     const char *name;   // "po", as options have it
     const char *ending; // of its files: ".po"
     files writes;
-    texts_writer write;
-    texts_reader read;   // null for one that holds a whole source, not texts (exchange/json.h)
+    texts_writer write;  // null for one that projects only come over from
+    texts_reader read;   // the same, and for one that holds a whole source (exchange/json.h)
     bool states = false; // says of a text whether it is final
+    keyed_reader keyed = nullptr; // of files to come over from, where they hold keys
+    bool by_code = false;         // a file may hold any languages, whatever its own name is
 
-    bool is_whole() const { return read == nullptr; }
+    bool is_whole() const { return read == nullptr && write != nullptr; }
 };
 
 std::span<const format> formats();
-std::vector<const char *> format_names();
-inline constexpr char format_help[] = "po, pot, ts, xliff, xliff2, tmx, csv or json";
+std::vector<const char *> format_names();         // in the table's order
+std::vector<const char *> written_format_names(); // the same, of those that are written
+inline constexpr char format_help[] = "po, pot, ts, xliff, xliff2, tmx, tbx, csv or json";
+inline constexpr char import_format_help[] =
+    "po, pot, ts, xliff, xliff2, tmx, tbx, csv, json, ini or rc";
 const format *find_format(std::string_view name); // null when there is none
 
 // Reads all texts of a file, for whoever looks among them: the format is known by its name, or for

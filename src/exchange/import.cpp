@@ -152,7 +152,8 @@ fault importer::take(const format &row, const std::string &path, std::string_vie
     deferred_.clear();
     notes_.clear();
     // The name of a file with all languages says nothing about any of them.
-    const std::string_view named = row.writes == files::per_language ? path : std::string_view();
+    const std::string_view named =
+        row.writes == files::per_language && !row.by_code ? path : std::string_view();
     const char *before = nullptr;
     fault wrong =
         row.read(bytes, encoding_of(*source_), [&](const file_texts &file, text_unit &unit) {

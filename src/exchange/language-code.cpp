@@ -228,7 +228,9 @@ std::string_view name_of_code(std::string_view code)
 std::string code_of_file(std::string_view path)
 {
     std::string_view stem = stem_of(path);
-    if (!path.ends_with(".ts"))
+    constexpr std::string_view with_program[] = {".ts", ".json", ".ini", ".rc"};
+    if (std::none_of(std::begin(with_program), std::end(with_program),
+                     [&](std::string_view ending) { return path.ends_with(ending); }))
         return code_of(stem);
     for (;;) {
         if (std::string code = code_of(stem); !name_of_code(code).empty())

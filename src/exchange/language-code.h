@@ -15,8 +15,8 @@ std::string code_of(std::string_view name);
 // none is known.
 std::string_view name_of_code(std::string_view code);
 
-// The code that a file's name says: of "app_pt_BR.ts" what stands behind the program's name, of any
-// other kind of file the whole.
+// The code that a file's name says: of "app_pt_BR.ts", as of .json, .ini and .rc, what stands
+// behind the program's name, of any other kind of file the whole.
 std::string code_of_file(std::string_view path);
 
 // Codes as XML has them: "pt-BR", "sr-Latn"; an empty one is "und"; and back.

@@ -100,7 +100,8 @@ void new_source::add_language(const std::string &name)
 // The language's name: the header's own; else a word for its code, or the code where no word means
 // just that; else the file's. A file that is named by a longer code of the same language knows
 // better than its header: sr@latin, zh_TW.
-std::string new_source::name_language(const std::string &path, const said_language &said)
+std::pair<std::string, std::string> new_source::name_language(const std::string &path,
+                                                              const said_language &said)
 {
     std::string name = said.name;
     std::string code = said.code;
@@ -116,16 +117,17 @@ std::string new_source::name_language(const std::string &path, const said_langua
                    : code;
     if (name.empty())
         name = stem_of(path);
-    if (codes_.emplace(name, code).second)
-        add_language(name);
-    return name;
+    return {name, code};
 }
 
 // Two files of one language are two languages that somebody has called by one name; but one name in
 // two folders is one language in two parts of a project.
 fault new_source::choose_language(catalog &of, const said_language &said)
 {
-    of.language = name_language(of.path, said);
+    const auto [name, code] = name_language(of.path, said);
+    of.language = name;
+    if (codes_.emplace(name, code).second)
+        add_language(name);
     of.met = &met_[of.language];
     if (reading_ == from::catalogs)
         of.met->reserve(source_->item_count);
@@ -293,7 +295,8 @@ fault new_source::take_plural(catalog &of, const po_message &message, bool is_gu
 {
     plural_reader::answer forms;
     if (!is_guess)
-        forms = of.plurals.join(message.texts, message.line);
+        forms = message.cases.empty() ? of.plurals.join(message.texts, message.line)
+                                      : of.plurals.join_cases(message.cases, message.texts);
     if (forms.wrong)
         return forms.wrong;
     if (has_apart_ids(message.id)) {
@@ -416,14 +419,29 @@ fault new_source::take_ts(const std::string &path, std::string_view bytes)
     if (const std::string named = code_of_file(path);
         !named.empty() && file.language.code.starts_with(named + "_"))
         file.language.code = named;
-    fault wrong = choose_language(of, file.language);
-    of.plurals.open(of.language, file.plural_field, 0);
-    for (const po_message &message : file.messages)
-        if (!wrong)
-            wrong = take_message(of, message);
+    fault wrong = take_messages(of, file.language, file.plural_field, file.messages);
     for (const std::string &line : file.notes)
         note(of, 0, line);
     obsolete_ += file.obsolete;
+    return wrong;
+}
+
+fault new_source::take_language(const std::string &path, const said_language &language,
+                                const std::vector<po_message> &messages)
+{
+    catalog of;
+    of.path = path;
+    return take_messages(of, language, {}, messages);
+}
+
+fault new_source::take_messages(catalog &of, const said_language &language,
+                                const std::string &field, const std::vector<po_message> &messages)
+{
+    fault wrong = choose_language(of, language);
+    of.plurals.open(of.language, field, 0);
+    for (const po_message &message : messages)
+        if (!wrong)
+            wrong = take_message(of, message);
     finish(of);
     return wrong;
 }

@@ -14,7 +14,8 @@
 // is not used. Where lang-kit exported the
 // catalog, its keys give group and item back.
 //
-// TS files are taken in the same way, as exchange/ts.h tells.
+// TS files are taken in the same way, as exchange/ts.h tells, and so are files with a text for each
+// key, by the texts of the default language (exchange/keyed-source.h).
 
 #include <cstdint>
 #include <functional>
@@ -23,6 +24,7 @@
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "exchange/input.h"
@@ -52,6 +54,17 @@ public:
     // Adds a catalog. After a fault the source is of no use.
     fault take(const std::string &path, std::string_view bytes);
     fault take_ts(const std::string &path, std::string_view bytes);
+
+    // The same for one language of a file that somebody else has read.
+    fault take_language(const std::string &path, const said_language &language,
+                        const std::vector<po_message> &messages);
+
+    // What the source calls a file's language, and its code.
+    static std::pair<std::string, std::string> name_language(const std::string &path,
+                                                             const said_language &said);
+
+    // Adds a line that somebody should know.
+    void tell(const std::string &line) { notes_.push_back(line); }
 
     LangSource *source() const { return source_.get(); }
 
@@ -92,10 +105,11 @@ private:
         std::string instead = {}; // the default language's text, where it is not the name
     };
 
-    std::string name_language(const std::string &path, const said_language &said);
     void add_language(const std::string &name);
     fault choose_language(catalog &of, const said_language &said);
     fault take_header(catalog &of, std::string_view bytes, const po_message &message);
+    fault take_messages(catalog &of, const said_language &language, const std::string &field,
+                        const std::vector<po_message> &messages);
     fault take_message(catalog &of, const po_message &message);
     void finish(const catalog &of);
     fault take_plural(catalog &of, const po_message &message, bool is_guess);

@@ -45,6 +45,7 @@ struct po_message {
     std::optional<std::string> group;
     std::string told_apart;
     std::string reference;
+    std::vector<std::string> cases; // of a plural's texts, by name, where the file names them
 
     bool is_header() const { return !id.context && id.text && id.text->empty(); }
     void clear();

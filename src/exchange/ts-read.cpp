@@ -1,5 +1,6 @@
 #include "exchange/carry.h"
 #include "exchange/key.h"
+#include "exchange/keyed-file.h"
 #include "exchange/language-code.h"
 #include "exchange/plural-header.h"
 #include "exchange/ts.h"
@@ -286,11 +287,6 @@ bool ts_reader::close()
     }
     path.pop_back();
     return true;
-}
-
-std::string counted_words(std::size_t count, const std::string &noun)
-{
-    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
 // Whether a text has places for arguments, "%n" or "%1", which printf takes for something else.

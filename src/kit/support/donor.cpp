@@ -27,8 +27,8 @@ const char *format_of(std::string_view path)
     constexpr struct {
         std::string_view ending;
         const char *format;
-    } endings[] = {{".po", "po"}, {".xliff", "xliff"}, {".xlf", "xliff"},
-                   {".ts", "ts"}, {".tmx", "tmx"},     {".csv", "csv"}};
+    } endings[] = {{".po", "po"},   {".xliff", "xliff"}, {".xlf", "xliff"}, {".ts", "ts"},
+                   {".tmx", "tmx"}, {".tbx", "tbx"},     {".csv", "csv"}};
     for (const auto &row : endings)
         if (path.ends_with(row.ending))
             return row.format;

@@ -33,12 +33,12 @@ void print_summary(const exchange::new_source &made, const std::string &path)
         std::fprintf(stderr, "%s\n", line.c_str());
 }
 
-bool take_file(const std::string &path, exchange::new_source &into, take_catalog take)
+bool take_file(const std::string &path, exchange::new_source &into, const take_catalog &take)
 {
     std::string bytes;
     exchange::fault wrong = exchange::read_input(path, bytes);
     if (!wrong)
-        wrong = (into.*take)(path, bytes);
+        wrong = take(into, path, bytes);
     if (wrong)
         say_fault(path, wrong);
     return !wrong;
@@ -52,7 +52,7 @@ void say_fault(const std::string &path, const exchange::fault &wrong)
     std::fprintf(stderr, "%s%s: error: %s\n", path.c_str(), line.c_str(), wrong.text.c_str());
 }
 
-int make_from_catalogs(const exchange::new_request &request, take_catalog take,
+int make_from_catalogs(const exchange::new_request &request, const take_catalog &take,
                        const std::string &pot, const std::vector<std::string> &catalogs,
                        const destination &to)
 {
@@ -65,6 +65,31 @@ int make_from_catalogs(const exchange::new_request &request, take_catalog take,
     for (const std::string &path : catalogs)
         if (!take_file(path, made, take))
             return status_fault;
+    print_summary(made, to.path);
+    return write(to, made.source(), {before}) ? status_fine : status_fault;
+}
+
+int make_from_keys(const exchange::new_request &request, exchange::keyed_reader read,
+                   const std::vector<std::string> &files, const destination &to)
+{
+    const seen_file before(to.path);
+    exchange::new_source made(request);
+    exchange::keyed_source keys(made, request.default_language);
+    std::string path;
+    exchange::fault wrong;
+    for (std::size_t at = 0; at < files.size() && !wrong; ++at) {
+        path = files[at];
+        std::string bytes;
+        wrong = exchange::read_input(path, bytes);
+        if (!wrong)
+            wrong = keys.take(read, path, bytes);
+    }
+    if (!wrong)
+        wrong = keys.finish(path);
+    if (wrong) {
+        say_fault(path, wrong);
+        return status_fault;
+    }
     print_summary(made, to.path);
     return write(to, made.source(), {before}) ? status_fine : status_fault;
 }

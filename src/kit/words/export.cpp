@@ -1,5 +1,6 @@
 #include "exchange/formats.h"
 #include "exchange/po.h"
+#include "exchange/tbx.h"
 #include "exchange/tmx.h"
 #include "kit/support/like-catalogs.h"
 #include "kit/support/options.h"
@@ -165,7 +166,7 @@ int run_export(const word &self, int argc, char **argv)
         1, 1);
     if (line.ends)
         return line.status;
-    const int chosen = choose(self, "format", format_name, exchange::format_names());
+    const int chosen = choose(self, "format", format_name, exchange::written_format_names());
     if (chosen < 0)
         return status_fault;
     const exchange::format &row = exchange::formats()[static_cast<std::size_t>(chosen)];
@@ -191,7 +192,8 @@ int run_export(const word &self, int argc, char **argv)
         return status_fault;
     request.source = source.get();
     // A memory of the default language would translate each text by itself.
-    if (row.write == exchange::write_tmx && request.languages.empty())
+    if ((row.write == exchange::write_tmx || row.write == exchange::write_tbx) &&
+        request.languages.empty())
         request.languages = names_but_default(*source);
     exchange::exporter from(request);
     if (request.context && request.context != exchange::message_context::key &&

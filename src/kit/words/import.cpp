@@ -1,6 +1,7 @@
 #include "exchange/import.h"
 #include "exchange/json.h"
 #include "exchange/key.h"
+#include "exchange/tbx.h"
 #include "exchange/ts.h"
 #include "kit/support/new-from-catalogs.h"
 #include "kit/support/options.h"
@@ -207,9 +208,11 @@ int make_new(const word &self, import_options &options, const exchange::format &
              const std::vector<std::string> &files)
 {
     const bool is_ts = row.read == exchange::read_ts;
-    if (std::string_view(row.name) != "po" && !is_ts)
-        return wrong_use(self, "--new is for --format po and ts");
-    if (is_ts && !options.pot.empty())
+    const bool is_po = std::string_view(row.name) == "po";
+    const bool is_tbx = row.read == exchange::read_tbx;
+    if (!is_po && !is_ts && !is_tbx && row.keyed == nullptr)
+        return wrong_use(self, "--new is for --format po, ts, tbx, json, ini and rc");
+    if (!is_po && !options.pot.empty())
         return wrong_use(self, "--template is for --format po");
     if (options.output.empty())
         return wrong_use(self, "--new needs -o FILE");
@@ -217,9 +220,15 @@ int make_new(const word &self, import_options &options, const exchange::format &
         return wrong_use(self, "\"" + options.output + "\" is there already");
     options.fresh.guesses = options.request.guesses;
     options.fresh.now = std::time(nullptr);
-    return make_from_catalogs(options.fresh,
-                              is_ts ? &exchange::new_source::take_ts : &exchange::new_source::take,
-                              options.pot, files, {options.output, options.dry_run});
+    if (row.keyed != nullptr)
+        return make_from_keys(options.fresh, row.keyed, files, {options.output, options.dry_run});
+    take_catalog take = &exchange::new_source::take;
+    if (is_ts)
+        take = &exchange::new_source::take_ts;
+    else if (is_tbx)
+        take = exchange::take_tbx;
+    return make_from_catalogs(options.fresh, take, options.pot, files,
+                              {options.output, options.dry_run});
 }
 
 int import_into(const word &self, import_options &options, const exchange::format &row,
@@ -227,6 +236,8 @@ int import_into(const word &self, import_options &options, const exchange::forma
 {
     if (files.size() < 2)
         return wrong_use(self, std::string("a file is missing: lang-kit import ") + self.arguments);
+    if (row.write == nullptr)
+        return wrong_use(self, std::string("--format ") + row.name + " is for --new");
     if (!row.is_whole())
         return take_files(row, options, files);
     if (options.request.comments || options.request.guesses || !options.request.language.empty())
@@ -245,7 +256,7 @@ int run_import(const word &self, int argc, char **argv)
         self, argc, argv,
         {{.name = "format",
           .argument = "FORMAT",
-          .help = exchange::format_help,
+          .help = exchange::import_format_help,
           .text = &options.format_name},
          {.name = "language",
           .argument = "NAME",

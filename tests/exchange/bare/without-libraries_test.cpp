@@ -17,6 +17,8 @@ TEST(WithoutLibraries, AllIsWrittenAndTheRestIsRead)
     request.source = source.get();
     std::size_t read = 0;
     for (const format &row : formats()) {
+        if (row.write == nullptr)
+            continue;
         const std::string text = zel_test::written(request, row.name).front();
         EXPECT_GT(text.size(), 200U) << row.name;
         if (row.is_whole())
@@ -26,6 +28,7 @@ TEST(WithoutLibraries, AllIsWrittenAndTheRestIsRead)
         const std::string name = row.name;
         const std::string called = name == "ts"                ? "TS"
                                    : name == "tmx"             ? "TMX"
+                                   : name == "tbx"             ? "TBX"
                                    : name.starts_with("xliff") ? "XLIFF"
                                                                : "";
         EXPECT_EQ(

@@ -1,0 +1,10 @@
+// JSON with a text for each key: a project comes over from it.
+
+#include "exchange.h"
+#include "support.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    fuzz::read_keys("json", fuzz::bytes_of(data, size));
+    return 0;
+}

@@ -1,0 +1,10 @@
+// A script of resources: a project comes over from its tables of strings.
+
+#include "exchange.h"
+#include "support.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    fuzz::read_keys("rc", fuzz::bytes_of(data, size));
+    return 0;
+}

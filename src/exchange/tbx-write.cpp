@@ -1,0 +1,137 @@
+#include "exchange/carry.h"
+#include "exchange/key.h"
+#include "exchange/language-code.h"
+#include "exchange/po-remarks.h"
+#include "exchange/tbx.h"
+#include "exchange/xliff.h"
+#include "exchange/xml-write.h"
+#include "source/entry.h"
+#include "support/cut.h"
+
+#include <algorithm>
+
+namespace zel::exchange {
+
+namespace {
+
+void append_term(std::string &out, std::string_view term, bool is_kept)
+{
+    out += "<tig>";
+    append_element(out, "<term", "term", term);
+    out.pop_back();
+    out += is_kept ? "<note>keep</note></tig>\n" : "</tig>\n";
+}
+
+void open_language(std::string &out, const std::string &code, std::string_view note)
+{
+    out += "<langSet";
+    append_attribute(out, "xml:lang", code);
+    out += ">\n";
+    if (!note.empty())
+        append_element(out, "<note", "note", note);
+}
+
+class glossary_writer {
+public:
+    glossary_writer(exporter &from, std::vector<outgoing_file> &to)
+        : from_(from), to_(to), reference_code_(xml_code(code_of(default_language())))
+    {
+    }
+
+    void write()
+    {
+        for (std::size_t at = 0; at < to_.size(); ++at)
+            append_head(to_[at].text, view_of(from_.languages()[at]->name));
+        from_.each_item([&](const outgoing_item &item) {
+            for (std::size_t at = 0; at < to_.size(); ++at) {
+                append_entry(item, at);
+                to_[at].flush_large();
+            }
+        });
+        for (outgoing_file &file : to_) {
+            file.text += "</body>\n</text>\n</martif>\n";
+            file.flush();
+        }
+    }
+
+private:
+    std::string_view default_language() const { return view_of(from_.source().default_lang); }
+
+    void append_head(std::string &out, std::string_view language) const
+    {
+        out += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<martif type=\"TBX\"";
+        append_attribute(out, "xml:lang", reference_code_);
+        out += ">\n<martifHeader>\n<fileDesc>\n<sourceDesc>\n";
+        std::string name;
+        append_name(name, language);
+        append_element(out, "<p", "p", "lang-kit " + name);
+        out += "</sourceDesc>\n</fileDesc>\n</martifHeader>\n<text>\n<body>\n";
+    }
+
+    bool is_left_out(const outgoing_item &item, std::size_t at) const
+    {
+        po_id previous;
+        const outgoing_item::translation &one = item.texts[at];
+        return without_end(one.text).empty() ||
+               default_language() == view_of(from_.languages()[at]->name) ||
+               (from_.request().fuzzy && item.item->ready == 0) ||
+               (!one.comment.empty() && read_fuzzy(one.comment, previous));
+    }
+
+    void append_entry(const outgoing_item &item, std::size_t at)
+    {
+        if (is_left_out(item, at))
+            return;
+        const outgoing_item::translation &one = item.texts[at];
+        const std::string_view description = description_of(item.item);
+        for (const std::string_view text :
+             {std::string_view(one.text), std::string_view(one.comment),
+              std::string_view(item.reference), std::string_view(item.default_comment),
+              description})
+            if (must_carry(text, holds::xml)) {
+                ++from_.unheld;
+                return;
+            }
+        std::string &out = to_[at].text;
+        std::string key;
+        append_key(key, item.group, item.name);
+        out += "<termEntry";
+        append_attribute(out, "id", "t" + xliff_id(key));
+        out += ">\n";
+        if (!description.empty())
+            append_element(out, "<descrip type=\"definition\"", "descrip", description);
+        open_language(out, reference_code_, without_end(item.default_comment));
+        append_term(out, without_end(item.reference), false);
+        out += "</langSet>\n";
+        open_language(out, xml_code(code_of(view_of(from_.languages()[at]->name))),
+                      without_end(one.comment));
+        if (without_end(one.text) == "keep")
+            append_term(out, without_end(item.reference), true);
+        else
+            append_terms(out, one.text);
+        out += "</langSet>\n</termEntry>\n";
+    }
+
+    static void append_terms(std::string &out, std::string_view all)
+    {
+        while (!all.empty()) {
+            std::string_view term = without_end(cut_at(all, '/'));
+            term.remove_prefix(std::min(term.find_first_not_of(" \t\r\n"), term.size()));
+            if (!term.empty())
+                append_term(out, term, false);
+        }
+    }
+
+    exporter &from_;
+    std::vector<outgoing_file> &to_;
+    std::string reference_code_;
+};
+
+} // namespace
+
+void write_tbx(exporter &from, std::vector<outgoing_file> &to)
+{
+    glossary_writer(from, to).write();
+}
+
+} // namespace zel::exchange
