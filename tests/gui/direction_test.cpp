@@ -155,6 +155,21 @@ TEST_F(Direction, APieceOnTwoLinesIsARunOnEach)
     });
 }
 
+TEST_F(Direction, DaysStandBeforeTimesInEveryInterface)
+{
+    gtk_widget_set_default_direction(GTK_TEXT_DIR_RTL);
+    gui::run_editor("", [&] {
+        GtkLabel *label = GTK_LABEL(lang_global.mtime_label);
+        gtk_label_set_text(label, "2024-03-04 10:11:12");
+        PangoRectangle day{};
+        PangoRectangle time{};
+        pango_layout_index_to_pos(gtk_label_get_layout(label), 0, &day);
+        pango_layout_index_to_pos(gtk_label_get_layout(label), 11, &time);
+        EXPECT_LT(day.x, time.x) << gtk_label_get_text(label);
+    });
+    gtk_widget_set_default_direction(GTK_TEXT_DIR_LTR);
+}
+
 TEST(ShownInRuns, MarksStandAroundPiecesOfRightToLeftTextsOnly)
 {
     EXPECT_EQ(zel::shown_in_runs("Über %d <b>"), "Über %d <b>");

@@ -168,6 +168,29 @@ TEST_F(Looks, AFaintLabelFollowsTheThemeOfItsWindow)
     gtk_widget_destroy(window);
 }
 
+TEST_F(Looks, ABareFrameDrawsNothingAroundItsContentInAnyTheme)
+{
+    GtkWidget *frame = gtk_frame_new(nullptr);
+    zel::make_bare(frame);
+    gtk_widget_set_name(frame, "as the theme likes"); // which may draw a shadow for none
+    gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_IN);
+    GtkWidget *content = gtk_label_new("");
+    gtk_container_add(GTK_CONTAINER(frame), content);
+    GtkWidget *window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    gtk_widget_set_size_request(window, 90, 40);
+    gtk_container_add(GTK_CONTAINER(window), frame);
+    gtk_widget_show_all(window);
+    const auto is_empty = [window] {
+        settle(50);
+        const std::string seen = pixels_of(gtk_widget_get_window(window), {0, 0, 90, 40});
+        return seen.compare(3, seen.npos, seen, 0, seen.size() - 3) == 0; // all of one colour
+    };
+    EXPECT_TRUE(is_empty());
+    gtk_label_set_text(GTK_LABEL(content), "content");
+    EXPECT_FALSE(is_empty());
+    gtk_widget_destroy(window);
+}
+
 TEST_F(Looks, AnEntryOnDarkGroundHasALine)
 {
     const GdkColor dark{0, 0x2000, 0x2000, 0x2000};

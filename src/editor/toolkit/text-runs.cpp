@@ -344,4 +344,11 @@ std::string shown_in_line(const std::string &text)
     return may_have_rtl(text) ? ltr_mark + text + ltr_mark : text;
 }
 
+void keep_left_to_right(GtkWidget *label)
+{
+    const bool mirrored = gtk_widget_get_direction(label) == GTK_TEXT_DIR_RTL;
+    gtk_widget_set_direction(label, GTK_TEXT_DIR_LTR);
+    gtk_misc_set_alignment(GTK_MISC(label), mirrored ? 1.0F : 0.0F, 0.5F);
+}
+
 } // namespace zel

@@ -28,4 +28,8 @@ void keep_runs_whole(GtkTextView *view, const char *tag_name);
 // The text within a line of another that runs from left to right.
 [[nodiscard]] std::string shown_in_line(const std::string &text);
 
+// Lets a label's text run from left to right in every interface, as dates and paths do, which are
+// read wrongly else; it stands where the lines of the interface begin.
+void keep_left_to_right(GtkWidget *label);
+
 } // namespace zel
