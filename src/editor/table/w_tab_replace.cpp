@@ -20,18 +20,27 @@ namespace {
 
 constexpr int between_fields = 6;
 constexpr int entry_chars = 7;
-constexpr int least_name = 6; // letters of a language
+constexpr int languages_width = 96; // where there is no room for more
 constexpr int longest_name = 10;
+constexpr int in_themes = 3; // letters that a box with borders cuts of a name
 
 const char *entry_text_of(GtkWidget *entry) { return gtk_entry_get_text(GTK_ENTRY(entry)); }
 
-// Gives a box room for names of so many letters.
+// Gives a box room for names of so many letters, unless the words need the room of a narrow window.
 void set_letters(GtkWidget *box, int letters)
 {
+    PangoLayout *layout = gtk_widget_create_pango_layout(box, "nnnnnnnn");
+    int eight = 0;
+    pango_layout_get_pixel_size(layout, &eight, nullptr);
+    g_object_unref(layout);
+    GtkAllocation window{};
+    gtk_widget_get_allocation(gtk_widget_get_toplevel(box), &window);
+    const bool has_room = window.width > 10 * eight;
     GList *cells = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(box));
     g_object_set(cells->data, "ellipsize", PANGO_ELLIPSIZE_END, "width-chars",
-                 std::clamp(letters, least_name, longest_name) + 1, nullptr);
+                 has_room ? std::min(letters, longest_name) + in_themes : -1, nullptr);
     g_list_free(cells);
+    gtk_widget_set_size_request(box, has_room ? -1 : languages_width, -1);
 }
 
 // A box for the languages, which gets no wider than a usual name.
