@@ -155,11 +155,41 @@ TEST_F(Direction, APieceOnTwoLinesIsARunOnEach)
     });
 }
 
+TEST_F(Direction, DaysStandBeforeTimesInEveryInterface)
+{
+    gtk_widget_set_default_direction(GTK_TEXT_DIR_RTL);
+    gui::run_editor("", [&] {
+        GtkLabel *label = GTK_LABEL(lang_global.mtime_label);
+        gtk_label_set_text(label, "2024-03-04 10:11:12");
+        PangoRectangle day{};
+        PangoRectangle time{};
+        pango_layout_index_to_pos(gtk_label_get_layout(label), 0, &day);
+        pango_layout_index_to_pos(gtk_label_get_layout(label), 11, &time);
+        EXPECT_LT(day.x, time.x) << gtk_label_get_text(label);
+    });
+    gtk_widget_set_default_direction(GTK_TEXT_DIR_LTR);
+}
+
 TEST(ShownInRuns, MarksStandAroundPiecesOfRightToLeftTextsOnly)
 {
     EXPECT_EQ(zel::shown_in_runs("Über %d <b>"), "Über %d <b>");
     EXPECT_EQ(zel::shown_in_runs("%d קבצים</b>"), "\u200f\u200e%d\u200e קבצים\u200e</b>\u200e");
     EXPECT_EQ(zel::shown_in_runs("KB שלום %s"), "KB שלום \u200e%s\u200e");
+    EXPECT_EQ(zel::shown_in_line("\"שלום\"") + ": 2", "\u200e\"שלום\"\u200e: 2");
+    EXPECT_EQ(zel::shown_in_line("word"), "word");
+}
+
+TEST(ShownInCell, BlanksInFrontAreCountedAndLineEndsAreOfOneKind)
+{
+    for (const auto &[text, shown] : std::vector<std::pair<const char *, const char *>>{
+             {"", ""},
+             {"  two", "  two"},
+             {"   three  ", "\u24233 three  "},
+             {"        ", "\u24238 "},
+             {"\ttab", "\u24231 tab"},
+             {"a\r\nb\rc\r", "a\nb\nc\n"},
+             {"   %d ש", "\u200f\u24233 \u200e%d\u200e ש"}})
+        EXPECT_EQ(zel::shown_in_cell(text), shown) << text;
 }
 
 } // namespace

@@ -371,6 +371,10 @@ TEST_F(Table, AGroupsPictureIsReadWhenItsPageIsSeenAndFitsThere)
         EXPECT_LT(small, 800);
         gtk_window_resize(GTK_WINDOW(mainWin), 1000, 700);
         EXPECT_TRUE(wait_for([&] { return width() > 800; }));
+        GtkScrolledWindow *scrolled = GTK_SCROLLED_WINDOW(lang_global.shot_window);
+        for (GtkWidget *bar : {gtk_scrolled_window_get_hscrollbar(scrolled),
+                               gtk_scrolled_window_get_vscrollbar(scrolled)})
+            EXPECT_FALSE(gtk_widget_get_visible(bar));
         GtkWidget *page = gtk_widget_get_parent(GTK_WIDGET(image));
         for (const int wanted : {2000, width()}) {
             GdkEvent *click = gdk_event_new(GDK_BUTTON_PRESS);

@@ -26,6 +26,10 @@ protected:
         gtk_widget_get_allocation(widget, &place);
         return place;
     }
+    static bool is_cut(GtkWidget *of)
+    {
+        return pango_layout_is_ellipsized(gtk_label_get_layout(GTK_LABEL(of))) != 0;
+    }
     static int divider() { return gtk_paned_get_position(GTK_PANED(panes())); }
     // The share of the width that the list has.
     static double list_share() { return static_cast<double>(divider()) / place_of(panes()).width; }
@@ -104,9 +108,12 @@ TEST_F(Looks, EveryFieldHasItsLinesInTheSmallestWindow)
                     GtkWidget *scrolled = gtk_widget_get_parent(GTK_WIDGET(list()));
                     EXPECT_GE(place_of(scrolled).width - place_of(item).x, 50);
                 } else {
-                    EXPECT_TRUE(in_sight(panel()->trans2_view)) << "nothing scrolls";
+                    EXPECT_TRUE(in_sight(panel()->description_label)) << "nothing scrolls";
                     EXPECT_EQ(divider(), 400);
                 }
+                EXPECT_TRUE(in_sight(panel()->trans2_view)) << "while the list has the keyboard";
+                for (GtkWidget *caption : {panel()->comment2_label, panel()->trans2_label})
+                    EXPECT_FALSE(is_cut(caption));
                 if (mode == 1)
                     expect_whole_titles(font);
                 for (const int field : {TEXT_TRANS2, TEXT_COMMENT1, TEXT_COMMENT2, TEXT_TRANS1}) {
@@ -158,6 +165,29 @@ TEST_F(Looks, AFaintLabelFollowsTheThemeOfItsWindow)
     EXPECT_EQ(gtk_widget_get_style(faint)->fg[GTK_STATE_NORMAL].green, 0);
     zel::show_faint(faint, false);
     EXPECT_EQ(red(), 0xffff);
+    gtk_widget_destroy(window);
+}
+
+TEST_F(Looks, ABareFrameDrawsNothingAroundItsContentInAnyTheme)
+{
+    GtkWidget *frame = gtk_frame_new(nullptr);
+    zel::make_bare(frame);
+    gtk_widget_set_name(frame, "as the theme likes"); // which may draw a shadow for none
+    gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_IN);
+    GtkWidget *content = gtk_label_new("");
+    gtk_container_add(GTK_CONTAINER(frame), content);
+    GtkWidget *window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    gtk_widget_set_size_request(window, 90, 40);
+    gtk_container_add(GTK_CONTAINER(window), frame);
+    gtk_widget_show_all(window);
+    const auto is_empty = [window] {
+        settle(50);
+        const std::string seen = pixels_of(gtk_widget_get_window(window), {0, 0, 90, 40});
+        return seen.compare(3, seen.npos, seen, 0, seen.size() - 3) == 0; // all of one colour
+    };
+    EXPECT_TRUE(is_empty());
+    gtk_label_set_text(GTK_LABEL(content), "content");
+    EXPECT_FALSE(is_empty());
     gtk_widget_destroy(window);
 }
 
@@ -321,7 +351,7 @@ TEST_F(Looks, AFindingHasTheRoomThatItsCaptionLeaves)
         ASSERT_NE(gtk_widget_get_visible(finding), 0);
         const int row = place_of(gtk_widget_get_parent(finding)).width;
         EXPECT_GT(place_of(finding).width, row / 2);
-        EXPECT_FALSE(pango_layout_is_ellipsized(gtk_label_get_layout(GTK_LABEL(caption))));
+        EXPECT_FALSE(is_cut(caption));
         lang_global.modified = 0;
     });
 }
@@ -340,7 +370,9 @@ TEST_F(Looks, FindingsThatAreCutAreToldInFull)
         gchar *beside = gtk_widget_get_tooltip_text(panel()->finding2_label);
         EXPECT_GT(told.size(), std::strlen(beside)) << told;
         g_free(beside);
-        EXPECT_EQ(place_of(gtk_widget_get_parent(all)).width, 220) << "no wider than its column";
+        const int column = place_of(gtk_widget_get_parent(all)).width;
+        EXPECT_EQ(place_of(all).width, column);
+        EXPECT_LE(place_of(find_type(all, GTK_TYPE_LABEL)).width, column) << "all can be read";
         gtk_window_resize(GTK_WINDOW(mainWin), 2400, 800);
         EXPECT_TRUE(wait_for([all] { return gtk_widget_get_visible(all) == 0; }));
         gtk_window_resize(GTK_WINDOW(mainWin), 800, 600);
@@ -348,6 +380,68 @@ TEST_F(Looks, FindingsThatAreCutAreToldInFull)
         edit_ctrl.prev(editWin);
         EXPECT_EQ(gtk_widget_get_visible(all), 0) << "another item";
         lang_global.modified = 0;
+    });
+}
+
+TEST_F(Looks, WhereNoPlaceIsToldTheFieldsHaveTheRoom)
+{
+    write_file(source(), "define file \"e\" lang \"english\" 1 1 1\nGROUP \"g\" {\n"
+                         "ITEM \"a\" { USED YES }\n"
+                         "ITEM \"b\" { USED YES { \"00031:src/window.c\" } } }\n");
+    lang_global.editor_mode = 1;
+    run_editor(source(), [&] {
+        GtkWidget *column = gtk_widget_get_ancestor(panel()->used_in_view, GTK_TYPE_VBOX);
+        gint asked = 0;
+        gtk_widget_get_size_request(gtk_widget_get_parent(column), &asked, nullptr);
+        EXPECT_EQ(asked, 220);
+        const auto width = [column] {
+            settle(50);
+            return place_of(column).width;
+        };
+        const int without = width();
+        EXPECT_LT(without, 110);
+        EXPECT_FALSE(is_cut(panel()->used_in_label));
+        edit_ctrl.next(editWin);
+        EXPECT_GE(width(), 110);
+        edit_ctrl.prev(editWin);
+        EXPECT_EQ(width(), without);
+        resize(1600, 800);
+        EXPECT_EQ(width(), 220);
+    });
+}
+
+TEST_F(Looks, RowsStandUnderTheirTitlesWhenColumnsGetOtherWidths)
+{
+    run_editor(source(), [&] {
+        resize(1000, 700);
+        GdkWindow *rows = gtk_tree_view_get_bin_window(list());
+        const auto picture = [rows] {
+            settle(50);
+            return pixels_of(rows, {0, 0, 350, 40});
+        };
+        for (const int place : {600, 400}) {
+            gtk_paned_set_position(GTK_PANED(panes()), place);
+            const std::string seen = picture();
+            gtk_widget_queue_draw(GTK_WIDGET(list()));
+            EXPECT_TRUE(seen == picture()) << place;
+        }
+    });
+}
+
+TEST_F(Looks, BlanksBeforeATextLeaveItsRoom)
+{
+    write_file(source(), "define file \"e\" lang \"english\" 1 1 1\nGROUP \"g\" {\n"
+                         "ITEM \"    a name\" { USED YES }\nITEM \"  b\" { USED YES } }\n");
+    run_editor(source(), [&] {
+        resize(1200, 700);
+        GtkTreeModel *model = gtk_tree_view_get_model(list());
+        GtkTreeViewColumn *column = gtk_tree_view_get_column(list(), 5);
+        const char *told[] = {"    a name", ""};
+        for (int row = 0; row < 2; ++row) {
+            GtkTreeIter iter;
+            gtk_tree_model_iter_nth_child(model, &iter, nullptr, row);
+            EXPECT_EQ(zel::tab_hidden_text(list(), column, &iter), told[row]) << "the tooltip";
+        }
     });
 }
 

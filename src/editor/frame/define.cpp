@@ -8,6 +8,7 @@
 #include "editor/toolkit/popup.h"
 #include "editor/toolkit/screen.h"
 #include "editor/toolkit/scrolled-box.h"
+#include "editor/toolkit/text-runs.h"
 #include "editor/toolkit/ui-text.h"
 #include "support/log-print.h"
 #include "support/string-copy.h"
@@ -314,6 +315,7 @@ void add_whatsnew(dialog_state *dialog)
     g_signal_connect(spin, "value-changed", G_CALLBACK(whatsnew_changed_cb), dialog->source);
     gtk_box_pack_start(GTK_BOX(line), spin, FALSE, FALSE, 0);
     GtkWidget *date = gtk_label_new(nullptr);
+    zel::keep_left_to_right(date);
     g_object_set_data(G_OBJECT(spin), date_key, date);
     gtk_box_pack_start(GTK_BOX(line), date, FALSE, FALSE, caption_gap);
     show_date(GTK_SPIN_BUTTON(spin), dialog->source->whatsnew);

@@ -15,6 +15,7 @@
 #include "editor/toolkit/accessible.h"
 #include "editor/toolkit/label-caret.h"
 #include "editor/toolkit/menu-grab.h"
+#include "editor/toolkit/text-runs.h"
 #include "editor/toolkit/theme.h"
 #include "editor/toolkit/ui-text.h"
 
@@ -107,6 +108,7 @@ GtkWidget *make_info_row(const info_row &row, int width)
     gtk_box_pack_start(GTK_BOX(box), caption, FALSE, FALSE, 0);
 
     GtkWidget *value = make_info_label("");
+    zel::keep_left_to_right(value);
     gtk_label_set_ellipsize(GTK_LABEL(value), row.ellipsize);
     gtk_box_pack_start(GTK_BOX(box), value, TRUE, TRUE, 0);
     lang_global.*row.value = value;

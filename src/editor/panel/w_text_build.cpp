@@ -5,6 +5,7 @@
 #include "editor/panel/text-signs.h"
 #include "editor/panel/w_text_below.h"
 #include "editor/panel/w_text_checks.h"
+#include "editor/panel/w_text_panes.h"
 #include "editor/toolkit/accessible.h"
 #include "editor/toolkit/scrolled-box.h"
 #include "editor/toolkit/text-pieces.h"
@@ -23,9 +24,9 @@ using zel::fields;
 
 constexpr int used_in_width = 220;
 constexpr int margin = 6;
+constexpr int between_panes = 2;
 constexpr int above_lines = 2;
 constexpr int least_width = 40; // of a field, whose text wraps; its own would move the divider
-constexpr const char *caption_key = "zel-caption"; // where a row keeps its caption
 
 GtkWidget *make_caption(GtkWidget *view)
 {
@@ -232,51 +233,28 @@ gboolean field_entered(GtkWidget *view, GdkEventFocus *, gpointer data)
     return FALSE;
 }
 
-// What is below a field is shown after the field was given the keyboard, and moves it.
+// What is below a field is shown after the field was given the keyboard, and moves it. While the
+// keyboard is elsewhere, in the list say, the translation is what one wants to see.
 void content_placed(GtkWidget *, GtkAllocation *, gpointer data)
 {
     Zeltext *text = ZEL_TEXT(data);
+    GtkWidget *seen =
+        gtk_widget_get_visible(text->lang2_frame) != 0 ? text->trans2_view : text->trans1_view;
     for (const field_t &field : fields)
-        if (gtk_widget_has_focus(text->*field.view) != 0)
-            show_whole_field(text, text->*field.view);
-}
-
-// The caption gives what it does not need to the remarks beside it, which get half of the row at
-// least.
-void share_caption_row(GtkWidget *row, GtkAllocation *place, gpointer finding)
-{
-    GtkWidget *caption = GTK_WIDGET(g_object_get_data(G_OBJECT(row), caption_key));
-    const bool alone = gtk_widget_get_visible(GTK_WIDGET(finding)) == 0;
-    gboolean expands = FALSE;
-    gtk_box_query_child_packing(GTK_BOX(row), caption, &expands, nullptr, nullptr, nullptr);
-    // Only what has changed is set: each call starts another layout of the row.
-    if ((expands != 0) != alone)
-        gtk_box_set_child_packing(GTK_BOX(row), caption, alone, TRUE, 0, GTK_PACK_START);
-    PangoLayout *layout =
-        gtk_widget_create_pango_layout(caption, gtk_label_get_text(GTK_LABEL(caption)));
-    int whole = 0;
-    pango_layout_get_pixel_size(layout, &whole, nullptr);
-    g_object_unref(layout);
-    const int wanted = alone ? -1 : std::min(whole, place->width / 2);
-    int before = 0;
-    gtk_widget_get_size_request(caption, &before, nullptr);
-    if (before != wanted)
-        gtk_widget_set_size_request(caption, wanted, -1);
+        if (gtk_widget_is_focus(text->*field.view))
+            seen = text->*field.view;
+    show_whole_field(text, seen);
 }
 
 // A caption, and beside it what is wrong with the text.
 GtkWidget *make_caption_row(Zeltext *text, int number, GtkWidget *caption)
 {
-    GtkWidget *row = gtk_hbox_new(FALSE, margin);
-    gtk_box_pack_start(GTK_BOX(row), caption, TRUE, TRUE, 0);
     GtkWidget *finding = zel::text_finding_label_new();
-    gtk_box_pack_start(GTK_BOX(row), finding, TRUE, TRUE, 0);
+    GtkWidget *row = zel::text_caption_row_new(caption, finding, margin);
     (number == TEXT_TRANS1 ? text->finding1_label : text->finding2_label) = finding;
     GtkWidget *room = zel::text_room_label_new();
     gtk_box_pack_end(GTK_BOX(row), room, FALSE, FALSE, 0);
     (number == TEXT_TRANS1 ? text->room1_label : text->room2_label) = room;
-    g_object_set_data(G_OBJECT(row), caption_key, caption);
-    g_signal_connect(row, "size-allocate", G_CALLBACK(share_caption_row), finding);
     GtkWidget *box = gtk_event_box_new(); // labels get no clicks
     gtk_event_box_set_visible_window(GTK_EVENT_BOX(box), FALSE);
     gtk_container_add(GTK_CONTAINER(box), row);
@@ -354,7 +332,13 @@ void make_identity(Zeltext *text, GtkWidget *box)
     gtk_box_pack_start(GTK_BOX(box), text->name_edit_entry, FALSE, FALSE, 0);
 }
 
-GtkWidget *make_used_in(Zeltext *text)
+void used_in_placed(GtkWidget *, GtkAllocation *place, gpointer text)
+{
+    const int scroll_bar = 20;
+    zel::text_wrap_findings(ZEL_TEXT(text), std::max(place->width - scroll_bar, 1));
+}
+
+GtkWidget *make_used_in(Zeltext *text, GtkWidget *panes)
 {
     const char *title = zel::ui_text("text", "Used in");
     text->used_in_view = make_text_view(-1);
@@ -367,15 +351,18 @@ GtkWidget *make_used_in(Zeltext *text)
     gtk_container_add(GTK_CONTAINER(line), scrolled);
     GtkWidget *label = make_caption(text->used_in_view);
     gtk_label_set_text(GTK_LABEL(label), title);
+    text->used_in_label = label;
+    // What it holds decides on its width, of which its viewport tells nobody.
+    g_signal_connect_object(gtk_text_view_get_buffer(GTK_TEXT_VIEW(text->used_in_view)), "changed",
+                            G_CALLBACK(gtk_widget_queue_resize), panes, G_CONNECT_SWAPPED);
     GtkWidget *box = gtk_vbox_new(FALSE, 2);
     gtk_box_pack_start(GTK_BOX(box), label, FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(box), line, TRUE, TRUE, 0);
-    const int scroll_bar = 20;
-    gtk_box_pack_start(GTK_BOX(box), zel::text_all_findings_new(text, used_in_width - scroll_bar),
-                       FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(box), zel::text_all_findings_new(text), FALSE, FALSE, 0);
     GtkWidget *frame = gtk_frame_new(nullptr);
     zel::make_bare(frame);
     gtk_widget_set_size_request(frame, used_in_width, -1);
+    g_signal_connect(frame, "size-allocate", G_CALLBACK(used_in_placed), text);
     gtk_container_add(GTK_CONTAINER(frame), box);
     return frame;
 }
@@ -387,7 +374,9 @@ namespace zel {
 void build_text_panel(Zeltext *text)
 {
     make_bare(GTK_WIDGET(text));
-    GtkWidget *panes = gtk_hbox_new(FALSE, 2);
+    const bool has_places = lang_global.editor_mode != 0;
+    GtkWidget *panes =
+        has_places ? zel::text_panes_new(text, between_panes) : gtk_hbox_new(FALSE, between_panes);
     gtk_container_set_border_width(GTK_CONTAINER(panes), 2);
     GtkWidget *box = gtk_vbox_new(FALSE, 2);
     make_identity(text, box);
@@ -402,8 +391,8 @@ void build_text_panel(Zeltext *text)
     // After the toolkit's own handler: only then are the fields where they will be drawn.
     g_signal_connect_after(box, "size-allocate", G_CALLBACK(content_placed), text);
     gtk_box_pack_start(GTK_BOX(panes), scrolled, TRUE, TRUE, 0);
-    if (lang_global.editor_mode != 0)
-        gtk_box_pack_start(GTK_BOX(panes), make_used_in(text), FALSE, FALSE, 0);
+    if (has_places)
+        gtk_box_pack_start(GTK_BOX(panes), make_used_in(text, panes), FALSE, FALSE, 0);
     gtk_container_add(GTK_CONTAINER(text), panes);
     gtk_widget_show_all(panes);
     offer_keys(text);

@@ -109,10 +109,27 @@ void findings_placed(GtkWidget *, GtkAllocation *, gpointer data)
     gtk_widget_set_visible(text->all_findings, is_cut);
 }
 
-void show_all_findings(Zeltext *text, const zel::assist::remarks &told)
+GtkWidget *label_of_findings(const Zeltext *text)
+{
+    return gtk_bin_get_child(GTK_BIN(gtk_bin_get_child(GTK_BIN(text->all_findings))));
+}
+
+void fit_findings(Zeltext *text, GtkWidget *label)
 {
     constexpr int most_lines = 6; // the rest is scrolled to
-    GtkWidget *label = gtk_bin_get_child(GTK_BIN(gtk_bin_get_child(GTK_BIN(text->all_findings))));
+    PangoLayout *line = gtk_widget_create_pango_layout(label, "x");
+    int height = 0;
+    pango_layout_get_pixel_size(line, nullptr, &height);
+    g_object_unref(line);
+    GtkRequisition whole{};
+    gtk_widget_size_request(label, &whole);
+    gtk_widget_set_size_request(text->all_findings, -1,
+                                std::min(whole.height, most_lines * height));
+}
+
+void show_all_findings(Zeltext *text, const zel::assist::remarks &told)
+{
+    GtkWidget *label = label_of_findings(text);
     std::string all;
     for (const int number : {TEXT_TRANS1, TEXT_TRANS2}) {
         const auto &of_field = told[static_cast<std::size_t>(number)];
@@ -127,14 +144,7 @@ void show_all_findings(Zeltext *text, const zel::assist::remarks &told)
     if (all == gtk_label_get_text(GTK_LABEL(label)))
         return;
     gtk_label_set_text(GTK_LABEL(label), all.c_str());
-    PangoLayout *line = gtk_widget_create_pango_layout(label, "x");
-    int height = 0;
-    pango_layout_get_pixel_size(line, nullptr, &height);
-    g_object_unref(line);
-    GtkRequisition whole{};
-    gtk_widget_size_request(label, &whole);
-    gtk_widget_set_size_request(text->all_findings, -1,
-                                std::min(whole.height, most_lines * height));
+    fit_findings(text, label);
 }
 
 } // namespace
@@ -196,14 +206,24 @@ void text_show_remarks(Zeltext *text, const assist::remarks &told)
         show_all_findings(text, told);
 }
 
-GtkWidget *text_all_findings_new(Zeltext *text, int width)
+void text_wrap_findings(Zeltext *text, int width)
+{
+    GtkWidget *label = label_of_findings(text);
+    int before = 0;
+    gtk_widget_get_size_request(label, &before, nullptr);
+    if (before == width)
+        return;
+    gtk_widget_set_size_request(label, width, -1);
+    fit_findings(text, label);
+}
+
+GtkWidget *text_all_findings_new(Zeltext *text)
 {
     GtkWidget *label = gtk_label_new(nullptr);
     gtk_misc_set_alignment(GTK_MISC(label), 0.0F, 0.0F);
     gtk_misc_set_padding(GTK_MISC(label), 4, 2);
     gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
     gtk_label_set_line_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);
-    gtk_widget_set_size_request(label, width, -1);
     gtk_widget_show(label);
     text->all_findings = scrolled_box_new(label);
     gtk_widget_show_all(text->all_findings);

@@ -31,7 +31,10 @@ void text_show_remarks(Zeltext *text, const assist::remarks &told);
 
 // Where the remarks stand in full when they have no room beside the captions; hidden while they
 // have.
-[[nodiscard]] GtkWidget *text_all_findings_new(Zeltext *text, int width);
+[[nodiscard]] GtkWidget *text_all_findings_new(Zeltext *text);
+
+// Breaks their lines at so many pixels.
+void text_wrap_findings(Zeltext *text, int width);
 
 // Colours the parts of a view's text that belong to the application. Costs nothing but the look at
 // the text while these parts stay.

@@ -61,6 +61,7 @@ struct Zeltext {
     zel::text_below below[2]; // of the two translations
     GtkWidget *all_findings;  // modes 1 and 2: what is wrong, where the labels cannot hold it
     int made[TEXT_FIELDS];    // the bound entry came to be by being shown, and is in no file
+    GtkWidget *used_in_label; // the caption of used_in_view
 };
 
 struct ZeltextClass {

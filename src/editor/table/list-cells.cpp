@@ -7,15 +7,15 @@ namespace {
 GtkCellRendererClass *text_class; // the toolkit's
 GtkCellRendererClass *pixbuf_class;
 
-// Puts the marks that keep a right-to-left text whole into what is drawn; the list's own text has
-// none.
+// Puts signs and the marks that keep a right-to-left text whole into what is drawn; the list's own
+// text has none.
 void mark_runs(GtkCellRenderer *cell)
 {
     gchar *text = nullptr;
     g_object_get(cell, "text", &text, nullptr);
     const std::string plain = text == nullptr ? "" : text;
     g_free(text);
-    const std::string marked = zel::shown_in_runs(plain);
+    const std::string marked = zel::shown_in_cell(plain);
     if (marked != plain)
         g_object_set(cell, "text", marked.c_str(), nullptr);
 }

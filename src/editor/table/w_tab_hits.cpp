@@ -129,10 +129,9 @@ void tab_hits::make_view()
     GtkCellRenderer *box = gtk_cell_renderer_toggle_new();
     g_signal_connect(box, "toggled", G_CALLBACK(toggled), this);
     box_column_ = add_column(box, box_width, show_box);
-    GtkTreeViewColumn *where =
-        add_column(two_line_cell(PANGO_ELLIPSIZE_MIDDLE), where_width, show_where);
-    gtk_tree_view_column_set_title(where, ui_text("tab-edit", "Item"));
-    gtk_tree_view_column_set_resizable(where, TRUE);
+    where_column_ = add_column(two_line_cell(PANGO_ELLIPSIZE_MIDDLE), where_width, show_where);
+    gtk_tree_view_column_set_title(where_column_, ui_text("tab-edit", "Item"));
+    gtk_tree_view_column_set_resizable(where_column_, TRUE);
     text_column_ = add_column(two_line_cell(PANGO_ELLIPSIZE_END), where_width, show_lines);
     GtkTreeView *view = GTK_TREE_VIEW(view_);
     gtk_tree_view_set_fixed_height_mode(view, TRUE);
@@ -242,6 +241,28 @@ gboolean tab_hits::show_tooltip(GtkWidget *widget, gint x, gint y, gboolean by_k
     return is_cut ? TRUE : FALSE;
 }
 
+// Shows whole names where a third of the list has the room.
+void tab_hits::fit_names()
+{
+    constexpr std::size_t measured = 60; // rows: more would take time
+    constexpr int padding = 16;
+    if (where_column_->use_resized_width != 0) // by the user
+        return;
+    GtkAllocation pane{};
+    gtk_widget_get_allocation(pane_, &pane);
+    PangoLayout *layout = gtk_widget_create_pango_layout(view_, nullptr);
+    int width = 0;
+    for (std::size_t row = 0; row < std::min(measured, rows_.count); ++row) {
+        int own = 0;
+        pango_layout_set_text(layout, rows_.where(row).c_str(), -1);
+        pango_layout_get_pixel_size(layout, &own, nullptr);
+        width = std::max(width, own + padding);
+    }
+    g_object_unref(layout);
+    gtk_tree_view_column_set_fixed_width(
+        where_column_, std::clamp(width, where_width, std::max(where_width, pane.width / 3)));
+}
+
 // Exchanges the rows while nothing watches, and scrolls to where the list was.
 void tab_hits::exchange(std::size_t count)
 {
@@ -274,6 +295,7 @@ void tab_hits::show(hit_rows rows)
     gtk_tree_view_column_set_visible(box_column_, rows_.toggle ? TRUE : FALSE);
     gtk_tree_view_column_set_title(text_column_, rows_.title.c_str());
     set_accessible_name(view_, rows_.name.c_str());
+    fit_names();
     exchange(rows_.count);
     const bool has_keyboard = gtk_widget_has_focus(items_) != 0;
     gtk_widget_show(scrolled_hits_);

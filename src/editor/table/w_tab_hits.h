@@ -67,6 +67,7 @@ private:
     GtkTreeViewColumn *add_column(GtkCellRenderer *cell, int width, GtkTreeCellDataFunc show);
     std::size_t letters_in_sight() const; // of a text
     void toggle(int row);
+    void fit_names();
     void exchange(std::size_t count);
 
     GtkWidget *items_;
@@ -75,6 +76,7 @@ private:
     GtkWidget *view_ = nullptr;
     GtkWidget *scrolled_hits_ = nullptr;
     GtkTreeViewColumn *box_column_ = nullptr;
+    GtkTreeViewColumn *where_column_ = nullptr;
     GtkTreeViewColumn *text_column_ = nullptr;
     hit_rows rows_;
 };

@@ -45,7 +45,10 @@ void show_date(GtkTreeViewColumn *column, GtkCellRenderer *renderer, GtkTreeMode
         date[day_length] = '\0';
     const std::size_t from =
         is_whole && part == zel::tab_date_part::month_and_day ? year_length : 0;
-    g_object_set(renderer, "text", date == nullptr ? nullptr : date + from, nullptr);
+    const std::string shown = date == nullptr ? "" : date + from;
+    // In an interface from right to left the time would stand before the day.
+    const bool mirrored = gtk_widget_get_default_direction() == GTK_TEXT_DIR_RTL;
+    g_object_set(renderer, "text", (mirrored ? "\u200e" + shown : shown).c_str(), nullptr);
     g_free(date);
 }
 

@@ -20,18 +20,34 @@ namespace {
 
 constexpr int between_fields = 6;
 constexpr int entry_chars = 7;
-constexpr int languages_width = 96;
+constexpr int languages_width = 96; // where there is no room for more
+constexpr int longest_name = 10;
+constexpr int in_themes = 3; // letters that a box with borders cuts of a name
 
 const char *entry_text_of(GtkWidget *entry) { return gtk_entry_get_text(GTK_ENTRY(entry)); }
 
-// A box for the languages, which gets no wider than a short name.
+// Gives a box room for names of so many letters, unless the words need the room of a narrow window.
+void set_letters(GtkWidget *box, int letters)
+{
+    PangoLayout *layout = gtk_widget_create_pango_layout(box, "nnnnnnnn");
+    int eight = 0;
+    pango_layout_get_pixel_size(layout, &eight, nullptr);
+    g_object_unref(layout);
+    GtkAllocation window{};
+    gtk_widget_get_allocation(gtk_widget_get_toplevel(box), &window);
+    const bool has_room = window.width > 10 * eight;
+    GList *cells = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(box));
+    g_object_set(cells->data, "ellipsize", PANGO_ELLIPSIZE_END, "width-chars",
+                 has_room ? std::min(letters, longest_name) + in_themes : -1, nullptr);
+    g_list_free(cells);
+    gtk_widget_set_size_request(box, has_room ? -1 : languages_width, -1);
+}
+
+// A box for the languages, which gets no wider than a usual name.
 GtkWidget *languages_new()
 {
     GtkWidget *box = gtk_combo_box_text_new();
-    gtk_widget_set_size_request(box, languages_width, -1);
-    GList *cells = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(box));
-    g_object_set(cells->data, "ellipsize", PANGO_ELLIPSIZE_END, nullptr);
-    g_list_free(cells);
+    set_letters(box, 0);
     const char *caption = ui_text("tab-edit", "Language whose texts are changed");
     gtk_widget_set_tooltip_text(box, caption);
     set_accessible_name(box, caption);
@@ -102,18 +118,21 @@ void tab_replace::fill_languages(int field)
     gtk_list_store_clear(GTK_LIST_STORE(gtk_combo_box_get_model(GTK_COMBO_BOX(languages_))));
     int chosen_one = 0;
     int count = 0;
+    int letters = 0;
     for (const auto &[number, lang] :
          {std::pair{TEXT_TRANS1, rows.lang1.get()}, std::pair{TEXT_TRANS2, rows.lang2.get()}}) {
         if (lang == nullptr)
             continue;
-        gtk_combo_box_text_append_text(GTK_COMBO_BOX_TEXT(languages_),
-                                       utf8_shown(lang->c_str()).c_str());
+        const std::string name = utf8_shown(lang->c_str());
+        gtk_combo_box_text_append_text(GTK_COMBO_BOX_TEXT(languages_), name.c_str());
+        letters = std::max(letters, static_cast<int>(g_utf8_strlen(name.c_str(), -1)));
         const char *own = rows.source == nullptr ? nullptr : rows.source->default_lang;
         const bool is_translation = own == nullptr || *lang != own;
         if (field == number || (field < 0 && is_translation))
             chosen_one = count;
         ++count;
     }
+    set_letters(languages_, letters);
     gtk_combo_box_set_active(GTK_COMBO_BOX(languages_), chosen_one);
 }
 

@@ -16,6 +16,7 @@
 #include <cstring>
 #include <map>
 #include <string>
+#include <tuple>
 #include <utility>
 
 namespace {
@@ -57,7 +58,7 @@ std::string text_shot_path(const char *group, const char *item)
     return found == pictures.end() ? std::string() : folder + "/" + found->second;
 }
 
-constexpr int frame = 4; // pixels around a picture
+constexpr int between_pictures = 4;
 
 // A group's picture in its image widget. The file is read only when the user looks at the page,
 // since most pictures are never seen, and made small enough for the page unless the user asks for
@@ -84,13 +85,21 @@ struct shot {
     }
 };
 
-// Measures the room that the page leaves for a picture without scrollbars.
+// The room that a page of this size leaves for a picture without scrollbars: all within the line
+// that the theme draws around it.
+std::pair<int, int> room_in(const GtkAllocation &page)
+{
+    const GtkStyle *style =
+        gtk_widget_get_style(gtk_bin_get_child(GTK_BIN(lang_global.shot_window)));
+    return {std::max(page.width - 2 * style->xthickness, 1),
+            std::max(page.height - 2 * style->ythickness, 1)};
+}
+
 void measure_page(shot &of)
 {
     GtkAllocation page{};
     gtk_widget_get_allocation(lang_global.shot_window, &page);
-    of.width = std::max(page.width - frame, 1);
-    of.height = std::max(page.height - frame, 1);
+    std::tie(of.width, of.height) = room_in(page);
 }
 
 // The picture of a text stands beside its group's, in a box that is there from the first one on.
@@ -107,7 +116,8 @@ void show_picture(shot &of)
 {
     const int width = gdk_pixbuf_get_width(of.picture);
     const int height = gdk_pixbuf_get_height(of.picture);
-    const int room = text_image == nullptr ? of.width : std::max((of.width - frame) / 2, 1);
+    const int room =
+        text_image == nullptr ? of.width : std::max((of.width - between_pictures) / 2, 1);
     const double part =
         std::min(static_cast<double>(room) / width, static_cast<double>(of.height) / height);
     // A small picture is not made larger.
@@ -152,7 +162,7 @@ void page_is_seen(GtkWidget *, gpointer data)
 void page_has_size(GtkWidget *, GtkAllocation *place, gpointer image)
 {
     shot *of = &shot_of(GTK_WIDGET(image));
-    const bool is_other = of->width + frame != place->width || of->height + frame != place->height;
+    const bool is_other = std::pair(of->width, of->height) != room_in(*place);
     // Only a picture that was made small depends on the page.
     if (of->picture != nullptr && !of->is_full && is_other && of->waiting == 0)
         of->waiting = g_idle_add(show_anew, of);
@@ -221,7 +231,7 @@ GtkWidget *box_around(GtkWidget *image)
     GtkWidget *parent = gtk_widget_get_parent(image);
     if (is_in_box(image))
         return parent;
-    GtkWidget *box = gtk_hbox_new(FALSE, frame);
+    GtkWidget *box = gtk_hbox_new(FALSE, between_pictures);
     g_object_ref(image);
     gtk_container_remove(GTK_CONTAINER(parent), image);
     gtk_box_pack_start(GTK_BOX(box), image, TRUE, TRUE, 0);
@@ -268,7 +278,10 @@ void show_group_image(char *&last_group, const char *group)
     lang_global.shot_image = image;
     // The page may be destroyed before the table is.
     g_signal_connect(image, "destroy", G_CALLBACK(gtk_widget_destroyed), &lang_global.shot_image);
-    gtk_scrolled_window_add_with_viewport(GTK_SCROLLED_WINDOW(lang_global.shot_window), image);
+    GtkScrolledWindow *page = GTK_SCROLLED_WINDOW(lang_global.shot_window);
+    gtk_scrolled_window_add_with_viewport(page, image);
+    // A picture that fits has nothing to scroll.
+    gtk_scrolled_window_set_policy(page, GTK_POLICY_AUTOMATIC, GTK_POLICY_AUTOMATIC);
     watch_page(image);
     gtk_widget_show(image);
     // Set also when there is no such file: it is not looked for again at each row of the group.

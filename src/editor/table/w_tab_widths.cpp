@@ -112,6 +112,11 @@ int text_width(PangoLayout *layout, const char *text)
     return width;
 }
 
+int cell_width(PangoLayout *layout, const std::string &text)
+{
+    return text_width(layout, zel::shown_in_cell(text).c_str());
+}
+
 // A name and the bytes that it has: they tell well enough which few names are worth a layout.
 struct sized_name {
     std::size_t size;
@@ -128,7 +133,7 @@ int widest(PangoLayout *layout, std::vector<sized_name> &names)
                      [](const sized_name &a, const sized_name &b) { return a.size > b.size; });
     int width = 0;
     for (std::size_t i = 0; i < measured; ++i)
-        width = std::max(width, text_width(layout, zel::utf8_shown(names[i].name).c_str()));
+        width = std::max(width, cell_width(layout, zel::utf8_shown(names[i].name)));
     return width;
 }
 
@@ -138,8 +143,7 @@ int usual_text(PangoLayout *layout, const zel::tab_rows &rows, const std::string
     constexpr std::size_t sampled = 60;
     int width = 0;
     for (std::size_t i = 0; i < std::min(sampled, rows.rows.size()); ++i)
-        width = std::max(width,
-                         text_width(layout, zel::tab_lang_text(rows.rows[i].item, lang).c_str()));
+        width = std::max(width, cell_width(layout, zel::tab_lang_text(rows.rows[i].item, lang)));
     return width;
 }
 
@@ -206,7 +210,10 @@ struct measures {
             return {text_width(layout, "0000-00-00"), text_width(layout, "0000-00-00 00:00:00"),
                     text_width(layout, "00-00")};
         case tab_cell::name:
-            return {0, row.column == COL_GROUP ? widest_group : widest_item};
+            // Of a group so much that one knows it, with large letters too.
+            if (row.column == COL_GROUP)
+                return {std::min(widest_group, text_width(layout, "nnnnnn")), widest_group};
+            return {0, widest_item};
         case tab_cell::text:
             return {0, usual_text(layout, rows,
                                   row.column == COL_LANG1 ? rows.lang1.get() : rows.lang2.get())};
@@ -298,8 +305,11 @@ bool lay_out(GtkTreeView *view, int room)
 void size_allocate(GtkWidget *widget, GtkAllocation *place)
 {
     GtkWidgetClass *parent = GTK_WIDGET_CLASS(g_type_class_peek(GTK_TYPE_TREE_VIEW));
-    if (lay_out(GTK_TREE_VIEW(widget), place->width))
+    if (lay_out(GTK_TREE_VIEW(widget), place->width)) {
         parent->size_request(widget, &widget->requisition); // here it adds the widths up
+        // The toolkit draws anew what is behind the last column only.
+        gtk_widget_queue_draw(widget);
+    }
     parent->size_allocate(widget, place);
 }
 
@@ -434,10 +444,11 @@ std::string tab_hidden_text(GtkTreeView *view, GtkTreeViewColumn *column, GtkTre
         whole = tab_whole_text(item, (row.column == COL_LANG1 ? rows.lang1 : rows.lang2).get());
     }
     PangoLayout *layout = gtk_widget_create_pango_layout(GTK_WIDGET(view), nullptr);
-    const int width = text_width(layout, shown_in_runs(cell).c_str()) + cell_margin(view);
+    const int width = cell_width(layout, cell) + cell_margin(view);
     g_object_unref(layout);
-    const bool is_seen =
-        width <= gtk_tree_view_column_get_width(column) && (whole.empty() || whole == cell);
+    const bool is_seen = width <= gtk_tree_view_column_get_width(column) &&
+                         (whole.empty() || whole == cell) &&
+                         shown_in_cell(cell) == shown_in_runs(cell);
     return is_seen ? std::string() : shown_in_runs(whole);
 }
 

@@ -3,6 +3,7 @@
 #include "editor/panel/w_text.h"
 #include "editor/state/edit-state.h"
 #include "editor/toolkit/text-places.h"
+#include "editor/toolkit/text-runs.h"
 #include "editor/toolkit/ui-text.h"
 #include "source/entry.h"
 
@@ -185,7 +186,8 @@ void tab_word::show()
     for (const hit &one : hits_)
         own += one.is_own ? 1U : 0U;
     const std::string word = in_quotes(utf8_shown(word_.c_str()));
-    std::string status = word + ": " + std::to_string(own) + " " + ui_text("tab-edit", "Items");
+    std::string status =
+        shown_in_line(word) + ": " + std::to_string(own) + " " + ui_text("tab-edit", "Items");
     if (own != hits_.size())
         status += ", " + std::to_string(hits_.size() - own) + " " +
                   ui_text("tab-edit", "in other sources");

@@ -325,4 +325,30 @@ std::string shown_in_runs(const std::string &text)
     return out + text.substr(done);
 }
 
+std::string shown_in_cell(const std::string &text)
+{
+    constexpr std::size_t few = 2;
+    const std::size_t blanks = std::min(text.find_first_not_of(" \t"), text.size());
+    const bool is_wide = blanks > few || text.find('\t') < blanks;
+    std::string line = is_wide ? "\u2423" + std::to_string(blanks) + " " : "";
+    for (std::size_t at = is_wide ? blanks : 0; at < text.size(); ++at)
+        if (text[at] != '\r')
+            line += text[at];
+        else if (at + 1 == text.size() || text[at + 1] != '\n')
+            line += '\n';
+    return shown_in_runs(line);
+}
+
+std::string shown_in_line(const std::string &text)
+{
+    return may_have_rtl(text) ? ltr_mark + text + ltr_mark : text;
+}
+
+void keep_left_to_right(GtkWidget *label)
+{
+    const bool mirrored = gtk_widget_get_direction(label) == GTK_TEXT_DIR_RTL;
+    gtk_widget_set_direction(label, GTK_TEXT_DIR_LTR);
+    gtk_misc_set_alignment(GTK_MISC(label), mirrored ? 1.0F : 0.0F, 0.5F);
+}
+
 } // namespace zel

@@ -21,4 +21,15 @@ void keep_runs_whole(GtkTextView *view, const char *tag_name);
 // right-to-left letters the text itself. For labels and lists, never for what is stored.
 [[nodiscard]] std::string shown_in_runs(const std::string &text);
 
+// The same for a cell of one line, where blanks before the text would take its room: three and more
+// become their number behind a sign. A line end is a line feed, for which the toolkit has a sign.
+[[nodiscard]] std::string shown_in_cell(const std::string &text);
+
+// The text within a line of another that runs from left to right.
+[[nodiscard]] std::string shown_in_line(const std::string &text);
+
+// Lets a label's text run from left to right in every interface, as dates and paths do, which are
+// read wrongly else; it stands where the lines of the interface begin.
+void keep_left_to_right(GtkWidget *label);
+
 } // namespace zel

@@ -202,6 +202,15 @@ gboolean draw_line_when_dark(GtkWidget *frame, GdkEventExpose *event, gpointer)
     return FALSE;
 }
 
+// Draws what is in a frame without its own lines: some themes have them for frames without a
+// shadow, too, and here they would go through the text.
+gboolean draw_content_only(GtkWidget *frame, GdkEventExpose *event, gpointer)
+{
+    if (GtkWidget *content = gtk_bin_get_child(GTK_BIN(frame)))
+        gtk_container_propagate_expose(GTK_CONTAINER(frame), content, event);
+    return TRUE;
+}
+
 } // namespace
 
 namespace zel {
@@ -254,6 +263,7 @@ void make_bare(GtkWidget *frame)
 {
     gtk_frame_set_shadow_type(GTK_FRAME(frame), GTK_SHADOW_NONE);
     gtk_widget_set_name(frame, "bare-frame");
+    g_signal_connect(frame, "expose-event", G_CALLBACK(draw_content_only), nullptr);
 }
 
 void show_faint(GtkWidget *label, bool is_faint)
