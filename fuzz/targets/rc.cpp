@@ -3,7 +3,7 @@
 #include "exchange.h"
 #include "support.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+extern "C" int FUZZ_TARGET(rc)(const std::uint8_t *data, std::size_t size)
 {
     fuzz::read_keys("rc", fuzz::bytes_of(data, size));
     return 0;

@@ -5,7 +5,7 @@
 #include "source/lang-read.h"
 #include "support.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+extern "C" int FUZZ_TARGET(tbx)(const std::uint8_t *data, std::size_t size)
 {
     const std::string_view bytes = fuzz::bytes_of(data, size);
     fuzz::read_and_import("tbx", bytes);

@@ -16,7 +16,7 @@ using zel::assist::earlier_limits;
 using zel::assist::earlier_texts;
 
 // A source with one item: "ENGLISH|GERMAN", with " ready" behind it.
-std::string source_of(const std::string &item)
+std::string file_with(const std::string &item)
 {
     const std::size_t bar = item.find('|');
     const std::size_t end = item.find(" ready");
@@ -28,7 +28,7 @@ std::string source_of(const std::string &item)
 
 class Earlier : public working_dir {
 protected:
-    void put(const std::string &item) { write_file("a.lang-src", source_of(item)); }
+    void put(const std::string &item) { write_file("a.lang-src", file_with(item)); }
     static void keep(const std::string &date, const std::string &text)
     {
         write_file("a.lang-src-2024-" + date + "-00-00.bak", text);
@@ -73,7 +73,7 @@ TEST_F(Earlier, TheTextOfTheOldestBackupThatHasTheTranslation)
         put(row.now);
         int day = 20;
         for (const std::string &item : row.before)
-            keep("05-" + std::to_string(day--) + "-10", source_of(item));
+            keep("05-" + std::to_string(day--) + "-10", file_with(item));
         EXPECT_EQ(was(), row.was) << row.why;
         for (; day < 20; ++day)
             std::filesystem::remove("a.lang-src-2024-05-" + std::to_string(day + 1) +
@@ -84,18 +84,18 @@ TEST_F(Earlier, TheTextOfTheOldestBackupThatHasTheTranslation)
 TEST_F(Earlier, TheNewestAndOneOfEachDayAreReadAndWhatIsNoBackupIsNot)
 {
     put("B|t");
-    keep("05-03-11", source_of("B|t"));
-    keep("05-03-10", source_of("A|u"));
+    keep("05-03-11", file_with("B|t"));
+    keep("05-03-10", file_with("A|u"));
     keep("05-02-11", "nonsense {");
-    keep("05-01-11", "DEFAULT LANG \"german\"\n" + source_of("X|t"));
-    keep("04-01-11", source_of("A|t"));
+    keep("05-01-11", "DEFAULT LANG \"german\"\n" + file_with("X|t"));
+    keep("04-01-11", file_with("A|t"));
     for (const char *name : {"a.lang-src-2025-01-01-10-00-00.bak.kept", "a.lang-src-new.bak",
                              "b.lang-src-2025-01-01-10-00-00.bak"})
-        write_file(name, source_of("Z|t"));
+        write_file(name, file_with("Z|t"));
     EXPECT_EQ(was({1, 9}), "4:A");
     EXPECT_EQ(was({2, 9}), "5:");
     EXPECT_EQ(was({1, 3}), "3:");
-    const std::size_t size = source_of("B|t").size();
+    const std::size_t size = file_with("B|t").size();
     EXPECT_EQ(was({1, 9, size * 9, size - 1}), "1:") << "of another size";
 }
 
