@@ -41,6 +41,7 @@ public:
 
     GtkWidget *filter_buttons() const { return filters_; } // which hold this one
     GtkWidget *findings_filter() const { return findings_only_; }
+    GtkWidget *questions_filter() const { return questions_only_; }
     GtkWidget *progress_label() const { return progress_label_; }
 
     // Call after the rows, their languages or many of their texts have changed.
