@@ -86,7 +86,8 @@ TEST(Documents, LinksOfInstalledOnesLeadToInstalledOnes)
     std::size_t links = 0;
     for (const std::filesystem::path &page : pages)
         if (page.extension() == ".md" && is_installed(page))
-            for (const std::string &link : matches(zel_test::text_of(page), R"([^\[]\]\(([^)#:]+)\))")) {
+            for (const std::string &link :
+                 matches(zel_test::text_of(page), R"([^\[]\]\(([^)#:]+)\))")) {
                 ++links;
                 EXPECT_TRUE(is_installed((page.parent_path() / link).lexically_normal()))
                     << page << " leads to " << link;
