@@ -114,17 +114,19 @@ GtkWidget *label_of_findings(const Zeltext *text)
     return gtk_bin_get_child(GTK_BIN(gtk_bin_get_child(GTK_BIN(text->all_findings))));
 }
 
-void fit_findings(Zeltext *text, GtkWidget *label)
+// All of them are as high as their text, up to some lines. The toolkit asks only while they are
+// seen: at each letter that would be half of its time.
+void findings_asked(GtkWidget *, GtkRequisition *asked, gpointer data)
 {
     constexpr int most_lines = 6; // the rest is scrolled to
+    GtkWidget *label = label_of_findings(ZEL_TEXT(data));
     PangoLayout *line = gtk_widget_create_pango_layout(label, "x");
     int height = 0;
     pango_layout_get_pixel_size(line, nullptr, &height);
     g_object_unref(line);
     GtkRequisition whole{};
     gtk_widget_size_request(label, &whole);
-    gtk_widget_set_size_request(text->all_findings, -1,
-                                std::min(whole.height, most_lines * height));
+    asked->height = std::min(whole.height, most_lines * height);
 }
 
 void show_all_findings(Zeltext *text, const zel::assist::remarks &told)
@@ -144,7 +146,7 @@ void show_all_findings(Zeltext *text, const zel::assist::remarks &told)
     if (all == gtk_label_get_text(GTK_LABEL(label)))
         return;
     gtk_label_set_text(GTK_LABEL(label), all.c_str());
-    fit_findings(text, label);
+    gtk_widget_queue_resize(text->all_findings);
 }
 
 } // namespace
@@ -214,7 +216,7 @@ void text_wrap_findings(Zeltext *text, int width)
     if (before == width)
         return;
     gtk_widget_set_size_request(label, width, -1);
-    fit_findings(text, label);
+    gtk_widget_queue_resize(text->all_findings);
 }
 
 GtkWidget *text_all_findings_new(Zeltext *text)
@@ -226,6 +228,7 @@ GtkWidget *text_all_findings_new(Zeltext *text)
     gtk_label_set_line_wrap_mode(GTK_LABEL(label), PANGO_WRAP_WORD_CHAR);
     gtk_widget_show(label);
     text->all_findings = scrolled_box_new(label);
+    g_signal_connect(text->all_findings, "size-request", G_CALLBACK(findings_asked), text);
     gtk_widget_show_all(text->all_findings);
     // The panel's show_all must not show it while it is empty.
     gtk_widget_set_no_show_all(text->all_findings, TRUE);
