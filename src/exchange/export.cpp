@@ -1,5 +1,7 @@
 #include "exchange/export.h"
 
+#include "exchange/po-remarks.h"
+#include "source/entry.h"
 #include "support/hash-index.h"
 
 #include <algorithm>
@@ -135,6 +137,16 @@ void exporter::fill(outgoing_item &out, const edit_t *group, item_t *item) const
         if (out.default_comment.empty() && same_name(entry->lang, source().default_lang))
             append_texts(out.default_comment, entry->texts);
     }
+}
+
+bool exporter::is_pair(const outgoing_item &item, std::size_t language) const
+{
+    po_id previous;
+    const outgoing_item::translation &one = item.texts[language];
+    return !without_end(one.text).empty() &&
+           view_of(source().default_lang) != view_of(languages_[language]->name) &&
+           (!request_.fuzzy || item.item->ready != 0) &&
+           (one.comment.empty() || !read_fuzzy(one.comment, previous));
 }
 
 void exporter::each_item(const std::function<void(const outgoing_item &)> &write)

@@ -91,6 +91,10 @@ public:
                                                    : request_.ready == ready_mark::all;
     }
 
+    // Whether a memory or a glossary may hold an item's text in one of the languages: a
+    // translation, and no guess.
+    bool is_pair(const outgoing_item &item, std::size_t language) const;
+
     // Calls for each item, once per group and name; the record is good for the call.
     void each_item(const std::function<void(const outgoing_item &)> &write);
 

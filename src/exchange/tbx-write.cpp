@@ -1,7 +1,6 @@
 #include "exchange/carry.h"
 #include "exchange/key.h"
 #include "exchange/language-code.h"
-#include "exchange/po-remarks.h"
 #include "exchange/tbx.h"
 #include "exchange/xliff.h"
 #include "exchange/xml-write.h"
@@ -68,19 +67,9 @@ private:
         out += "</sourceDesc>\n</fileDesc>\n</martifHeader>\n<text>\n<body>\n";
     }
 
-    bool is_left_out(const outgoing_item &item, std::size_t at) const
-    {
-        po_id previous;
-        const outgoing_item::translation &one = item.texts[at];
-        return without_end(one.text).empty() ||
-               default_language() == view_of(from_.languages()[at]->name) ||
-               (from_.request().fuzzy && item.item->ready == 0) ||
-               (!one.comment.empty() && read_fuzzy(one.comment, previous));
-    }
-
     void append_entry(const outgoing_item &item, std::size_t at)
     {
-        if (is_left_out(item, at))
+        if (!from_.is_pair(item, at))
             return;
         const outgoing_item::translation &one = item.texts[at];
         const std::string_view description = description_of(item.item);

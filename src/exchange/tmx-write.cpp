@@ -2,7 +2,6 @@
 #include "exchange/key.h"
 #include "exchange/language-code.h"
 #include "exchange/po-plural.h"
-#include "exchange/po-remarks.h"
 #include "exchange/tmx.h"
 #include "exchange/xml-write.h"
 #include "langlib/plural-rule.h"
@@ -62,19 +61,9 @@ private:
         out += "</header>\n<body>\n";
     }
 
-    bool is_left_out(const outgoing_item &item, std::size_t at) const
-    {
-        po_id previous;
-        const outgoing_item::translation &one = item.texts[at];
-        return without_end(one.text).empty() ||
-               default_language() == view_of(from_.languages()[at]->name) ||
-               (from_.request().fuzzy && item.item->ready == 0) ||
-               (!one.comment.empty() && read_fuzzy(one.comment, previous));
-    }
-
     void append_texts_of(const outgoing_item &item, std::size_t at)
     {
-        if (is_left_out(item, at))
+        if (!from_.is_pair(item, at))
             return;
         const std::string &text = item.texts[at].text;
         if (must_carry(text, holds::xml) || must_carry(item.reference, holds::xml)) {
