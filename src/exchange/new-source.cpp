@@ -168,9 +168,13 @@ std::string new_source::group_of(const po_message &message) const
 item_t *new_source::make_item(const std::string &group, const std::string &name,
                               const po_message &message)
 {
-    std::string free_group = group;
-    for (int number = 2; items_.find(free_group.c_str(), name.c_str()) != nullptr; ++number)
-        free_group = group + "-" + std::to_string(number);
+    int &number = numbers_[group + context_end + name];
+    const auto numbered = [&] {
+        return number < 2 ? group : std::string(group).append("-").append(std::to_string(number));
+    };
+    std::string free_group = numbered();
+    for (; items_.find(free_group.c_str(), name.c_str()) != nullptr; free_group = numbered())
+        number = number < 2 ? 2 : number + 1;
     indexed_item *added = items_.insert(free_group.c_str(), name.c_str());
     item_t *item = added->item;
     item->used = reading_ == from::catalogs_behind_one ? 0 : 1;

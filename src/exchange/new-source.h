@@ -130,6 +130,7 @@ private:
     source_guard source_;
     item_index items_;
     std::unordered_map<std::string, item_t *> known_; // by context and id
+    std::unordered_map<std::string, int> numbers_;    // of the last group of that name, by item
     std::map<std::string, item_set> met_;             // in each language's catalogs
     enum class from { catalogs, a_template, catalogs_behind_one } reading_ = from::catalogs;
     std::map<std::string, std::string> codes_;      // of the languages, by name
