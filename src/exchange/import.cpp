@@ -88,8 +88,7 @@ const char *find_language(const LangSource &source, const said_language &said,
     const std::string own = code_of_file(path);
     const std::string code = said.code.empty() ? own : said.code;
     // A file that is named by a longer code knows better than its header: sr@latin, zh_TW.
-    if (own.size() > code.size() && own.starts_with(code) &&
-        (own[code.size()] == '_' || own[code.size()] == '@'))
+    if (is_as_close(own, code))
         if (const code_match longer = match_code(source, own); longer.wholes == 1)
             return longer.whole;
     const code_match found = match_code(source, code);

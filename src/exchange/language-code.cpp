@@ -209,7 +209,7 @@ std::string code_of(std::string_view name)
     for (const auto &row : languages)
         if (same_word(row.name, name))
             return std::string(row.code);
-    return is_code(name) ? with_separator(name, '-', '_') : std::string();
+    return is_code(name) ? catalog_code(name) : std::string();
 }
 
 std::string_view name_of_code(std::string_view code)
@@ -240,6 +240,20 @@ std::string code_of_file(std::string_view path)
             return {};
         stem.remove_prefix(end + 1);
     }
+}
+
+std::string catalog_code(std::string_view code) { return with_separator(code, '-', '_'); }
+
+bool is_as_close(std::string_view own, std::string_view said)
+{
+    const std::string_view begin = own.substr(0, said.size());
+    constexpr std::string_view separators = "_@";
+    return std::equal(begin.begin(), begin.end(), said.begin(), said.end(),
+                      [&](char a, char b) {
+                          return a == b || (separators.find(a) != separators.npos &&
+                                            separators.find(b) != separators.npos);
+                      }) &&
+           (own.size() == said.size() || separators.find(own[said.size()]) != separators.npos);
 }
 
 std::string xml_code(std::string_view code)

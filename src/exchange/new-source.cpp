@@ -106,8 +106,7 @@ std::pair<std::string, std::string> new_source::name_language(const std::string 
     std::string name = said.name;
     std::string code = said.code;
     if (const std::string own = code_of_file(path);
-        name.empty() && own.starts_with(code) &&
-        (code.empty() || own.substr(code.size(), 1).find_first_of("_@") == 0))
+        name.empty() && (code.empty() || is_as_close(own, code)))
         code = own;
     // Of a word that it does not know the library could not tell how the language counts.
     const std::string_view word = name_of_code(code);
@@ -143,7 +142,7 @@ fault new_source::take_header(catalog &of, std::string_view bytes, const po_mess
     of.own = po_header_field(header, "X-Generator") == "lang-kit";
     said_language said;
     read_name(po_header_field(header, "X-Language-Name"), said.name);
-    said.code = po_header_field(header, "Language");
+    said.code = catalog_code(po_header_field(header, "Language"));
     fault wrong = choose_language(of, said);
     of.plurals.open(of.language, po_header_field(header, plural_field), plural_line(bytes));
     const std::string app(app_of(po_header_field(header, "Project-Id-Version")));

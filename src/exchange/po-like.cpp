@@ -3,6 +3,7 @@
 #include "exchange/carry.h"
 #include "exchange/item-finder.h"
 #include "exchange/key.h"
+#include "exchange/language-code.h"
 #include "exchange/plural-reader.h"
 #include "exchange/po-plural.h"
 #include "exchange/po-read.h"
@@ -179,13 +180,13 @@ like_result like_writer::write()
 
 fault read_known(std::string_view bytes, known_catalog &out)
 {
-    po_reader reader(bytes);
+    po_reader reader(bytes, true);
     po_message message;
     while (reader.next(message)) {
         if (message.is_header() && out.plural_field.empty()) {
             const std::string &header = message.texts.front();
             read_name(po_header_field(header, "X-Language-Name"), out.language.name);
-            out.language.code = po_header_field(header, "Language");
+            out.language.code = catalog_code(po_header_field(header, "Language"));
             out.plural_field = po_header_field(header, plural_field);
             out.plural_line = plural_line(bytes);
         }

@@ -98,8 +98,6 @@ void append_po_text(std::string &out, std::string_view prefix, std::string_view 
 
 void append_po_comment(std::string &out, std::string_view sign, std::string_view line)
 {
-    if (line.find_first_not_of(' ') == std::string_view::npos)
-        line = {};
     out.append(sign);
     if (!line.empty())
         out.append(1, ' ').append(line);

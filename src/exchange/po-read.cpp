@@ -121,9 +121,19 @@ int scan_string(zel_lex_buf_t *buf, zel_token_t *token)
     }
 }
 
+// Adds the carriage return of a line that ends here, which the scanner would pass over.
+bool add_return(const zel_lex_buf_t *buf, zel_token_t *token)
+{
+    const bool stands = buf->held == 0 && buf->index + 1 < buf->count &&
+                        buf->data[buf->index] == '\r' && buf->data[buf->index + 1] == '\n';
+    return !stands || add_byte(token, '\r');
+}
+
 // Scans what follows a "#".
 int scan_comment(zel_lex_buf_t *buf, zel_token_t *token)
 {
+    if (!add_return(buf, token))
+        return finish(token, TOKEN_ERR_MEM);
     const int sign = peek_char(buf);
     if (sign == '|' || sign == '~') {
         next_char(buf);
@@ -135,7 +145,8 @@ int scan_comment(zel_lex_buf_t *buf, zel_token_t *token)
         return finish(token, po_obsolete_previous);
     }
     if (sign != '\n' && sign != ZEL_LEX_EOF &&
-        (!add_byte(token, next_char(buf)) || !add_until(buf, token, "\n\n")))
+        (!add_byte(token, next_char(buf)) || !add_until(buf, token, "\n\n") ||
+         !add_return(buf, token)))
         return finish(token, TOKEN_ERR_MEM);
     // A carriage return ends the run, but not the line.
     for (int c = next_char(buf); c != ZEL_LEX_EOF; c = next_char(buf)) {
@@ -235,8 +246,10 @@ void name_utf8(std::string &header)
     if (at == std::string::npos)
         return;
     const std::size_t begin = at + charset_word.size();
+    const std::size_t size = header.find_first_of(" \n;", begin) - begin;
     // The text is UTF-8 from here on, whatever it was.
-    header.replace(begin, header.find_first_of(" \n;", begin) - begin, "UTF-8");
+    if (g_ascii_strcasecmp(header.substr(begin, size).c_str(), "UTF-8") != 0)
+        header.replace(begin, size, "UTF-8");
 }
 
 std::string_view without_blank(std::string_view line)
@@ -265,8 +278,11 @@ void append_references(std::vector<std::string> &out, std::string_view line)
     }
 }
 
-void append_flags(po_message &message, std::string_view line)
+// Of several lines of flags the last one counts, as it does for msgfmt.
+void read_flags(po_message &message, std::string_view line)
 {
+    message.fuzzy = false;
+    message.flags.clear();
     while (!line.empty()) {
         std::string_view flag = line.substr(0, line.find(','));
         line.remove_prefix(std::min(line.size(), flag.size() + 1));
@@ -332,8 +348,9 @@ struct po_known {
     }
 };
 
-po_reader::po_reader(std::string_view bytes)
-    : scan_(std::make_unique<po_scan>()), known_(std::make_unique<po_known>())
+po_reader::po_reader(std::string_view bytes, bool as_written)
+    : as_written_(as_written), scan_(std::make_unique<po_scan>()),
+      known_(std::make_unique<po_known>())
 {
     drop_mark(bytes);
     const std::string charset = charset_of(bytes);
@@ -477,14 +494,16 @@ bool po_reader::read_text(po_message &message)
 
 bool po_reader::read_comment(po_message &message)
 {
-    const std::string_view line(scan_->token->lexeme, scan_->token->length);
+    std::string_view line(scan_->token->lexeme, scan_->token->length);
     const char sign = line.empty() ? ' ' : line.front();
+    if (line.ends_with('\r') && (!as_written_ || sign == ':' || sign == ','))
+        line.remove_suffix(1);
     if (sign == '.')
         message.extracted.emplace_back(without_blank(line.substr(1)));
     else if (sign == ':')
         append_references(message.references, line.substr(1));
     else if (sign == ',')
-        append_flags(message, line.substr(1));
+        read_flags(message, line.substr(1));
     else
         message.remarks.emplace_back(without_blank(line));
     return advance();

@@ -18,8 +18,9 @@ struct po_known; // the messages that have been met
 class po_reader {
 public:
     // The bytes are in the encoding that the file's header names, UTF-8 when it names none. They
-    // stay the caller's and must live as long as the reader.
-    explicit po_reader(std::string_view bytes);
+    // stay the caller's and must live as long as the reader. Remarks keep the carriage returns at
+    // their ends only as_written.
+    explicit po_reader(std::string_view bytes, bool as_written = false);
     ~po_reader();
     po_reader(const po_reader &) = delete;
     po_reader &operator=(const po_reader &) = delete;
@@ -42,6 +43,7 @@ private:
 
     bool is_first(const po_message &message);
 
+    bool as_written_;
     std::string recoded_;
     std::unique_ptr<po_scan> scan_;
     std::unique_ptr<po_known> known_;

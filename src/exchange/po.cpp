@@ -228,7 +228,7 @@ said_language language_of(const po_message &header)
     const std::string &text = header.texts.front();
     said_language said;
     read_name(po_header_field(text, name_field), said.name);
-    said.code = po_header_field(text, "Language");
+    said.code = catalog_code(po_header_field(text, "Language"));
     return said;
 }
 
