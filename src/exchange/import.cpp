@@ -144,7 +144,6 @@ fault importer::take(const format &row, const std::string &path, std::string_vie
     resolved_.clear();
     plurals_ = {};
     counted_ = nullptr;
-    partly_ = 0;
     plural_notes_.clear();
     wrong_ = {};
     finder_.forget();
@@ -176,7 +175,6 @@ fault importer::take(const format &row, const std::string &path, std::string_vie
 // Forms are counted in another language from here on.
 void importer::count_as(const char *language, const std::string &field, std::uint32_t line)
 {
-    partly_ += plurals_.partly();
     for (std::string &told : plurals_.told(request_.comments))
         plural_notes_.push_back(std::move(told));
     plurals_.open(language, field, line);

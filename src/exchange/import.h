@@ -57,10 +57,9 @@ public:
     std::uint32_t changed() const { return changed_; }
     std::uint32_t guesses() const { return guesses_; }
 
-    // Of the last file: what its format says of it, a line each; plurals without a text for each
-    // form, which count as untranslated, and what became of forms and numbers, a line each.
+    // Of the last file, a line each: what its format says of it; what became of plurals, of which
+    // those without a text for each form count as untranslated.
     const std::vector<std::string> &notes() const { return notes_; }
-    std::uint32_t partly() const { return partly_ + plurals_.partly(); }
     std::vector<std::string> plural_notes() const;
 
 private:
@@ -87,8 +86,7 @@ private:
     std::vector<text_unit> deferred_;    // of the file, which several items may be meant by
     plural_reader plurals_;              // of the file, for the language that is counted
     const char *counted_ = nullptr;
-    std::uint32_t partly_ = 0;              // of the file's languages before that one
-    std::vector<std::string> plural_notes_; // the same
+    std::vector<std::string> plural_notes_; // of the file's languages before that one
     std::vector<std::string> notes_;        // of the file
     fault wrong_;
     std::uint32_t changed_ = 0;

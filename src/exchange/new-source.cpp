@@ -332,7 +332,7 @@ void new_source::take_apart(const catalog &of, const po_message &message,
                             const plural_reader::answer &forms)
 {
     note(of, message.line, "a plural's id with \"|\", or without a text: two items");
-    take_part(of, message, {*message.id.text, forms.one, {}});
+    take_part(of, message, {*message.id.text, forms.one, forms.remark});
     if (*message.id.plural != *message.id.text)
         take_part(of, message, {*message.id.plural, forms.others, {}});
     if (forms.what == plural_reader::outcome::untranslated)
@@ -405,7 +405,6 @@ void new_source::finish(const catalog &of)
 {
     for (const std::string &line : of.plurals.told(true))
         note(of, 0, line);
-    partly_ += of.plurals.partly();
 }
 
 fault new_source::take_ts(const std::string &path, std::string_view bytes)

@@ -69,11 +69,10 @@ public:
     LangSource *source() const { return source_.get(); }
 
     // What has no place in a source: fuzzy texts, obsolete messages, plural forms between the first
-    // and the last, and plurals without a text for each form.
+    // and the last.
     std::uint32_t guesses() const { return guesses_; }
     std::uint32_t obsolete() const { return obsolete_; }
     std::uint32_t forms() const { return forms_; }
-    std::uint32_t partly() const { return partly_; }
 
     // How many items that others have no catalog of a language has, by the language's name. Empty
     // with a template, which says what there is.
@@ -139,7 +138,6 @@ private:
     std::map<std::string, std::uint32_t> texts_;
     std::uint32_t guesses_ = 0;
     std::uint32_t forms_ = 0;
-    std::uint32_t partly_ = 0;
     std::uint32_t obsolete_ = 0;
     std::vector<std::string> notes_;
 };

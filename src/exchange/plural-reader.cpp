@@ -194,6 +194,17 @@ void plural_reader::look_for_shifts(const std::vector<std::string> &texts)
                 met.differs = true;
 }
 
+// Makes what a plural has, which is not all forms, its remark.
+void plural_reader::keep_part(answer &out, const std::vector<std::string> &texts,
+                              const std::vector<std::string> &cases)
+{
+    ++partly_;
+    out.what = outcome::untranslated;
+    for (std::size_t form = 0; form < texts.size(); ++form)
+        if (!texts[form].empty())
+            add_remark(out.remark, cases.empty() ? std::to_string(form) : cases[form], texts[form]);
+}
+
 plural_reader::answer plural_reader::join(const std::vector<std::string> &forms, std::uint32_t line)
 {
     answer out;
@@ -208,7 +219,7 @@ plural_reader::answer plural_reader::join(const std::vector<std::string> &forms,
     if (empty == forms.size() || (out.wrong = prepare(forms.size(), line)))
         return out;
     if (empty != 0) {
-        ++partly_;
+        keep_part(out, texts, {});
         return out;
     }
     out.one = texts[chosen_[plural_form(rule_, chosen_.size(), 1)]];
@@ -273,8 +284,8 @@ plural_reader::answer plural_reader::join_cases(const std::vector<std::string> &
         chosen.push_back(case_for(form, cases));
     const bool lacks = std::find(chosen.begin(), chosen.end(), cases.size()) != chosen.end();
     if (empty != 0 || lacks) {
-        partly_ += empty == texts.size() ? 0 : 1;
-        out.what = outcome::untranslated;
+        if (empty != texts.size())
+            keep_part(out, texts, cases);
         return out;
     }
     std::string all;
@@ -352,6 +363,9 @@ std::string plural_reader::told_shift() const
 std::vector<std::string> plural_reader::told(bool kept) const
 {
     std::vector<std::string> lines = notes_;
+    if (partly_ != 0)
+        lines.push_back((kept ? "kept as remarks: " : "left out ") + std::to_string(partly_) +
+                        (partly_ == 1 ? " plural" : " plurals") + " without a text for each form");
     for (const auto &[name, texts] : lost_cases_)
         lines.push_back("form \"" + name + "\" has no place: " + told_texts(texts, kept));
     if (ready_for_ == 0)

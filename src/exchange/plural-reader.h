@@ -49,12 +49,10 @@ public:
     // more than the file can hold.
     bool is_written_as(std::string_view text, const std::vector<std::string> &forms) const;
 
-    // A line each for what is wrong with the header, lost and shifted, as "form 3 (for 1) has no
+    // A line each for what is wrong with the header, for plurals of which some forms are filled and
+    // others are not, and for what is lost and shifted, as "form 3 (for 1) has no
     // place: 6 texts kept as remarks"; or "left out" where the remarks were not taken.
     std::vector<std::string> told(bool kept) const;
-
-    // Plurals of which some forms are filled and others are not.
-    std::uint32_t partly() const { return partly_; }
 
 private:
     struct sample {
@@ -75,6 +73,8 @@ private:
         std::uint32_t texts = 0;
     };
 
+    void keep_part(answer &out, const std::vector<std::string> &texts,
+                   const std::vector<std::string> &cases);
     fault prepare(std::size_t forms, std::uint32_t line);
     bool take_positions(std::size_t forms);
     void match();

@@ -19,6 +19,13 @@ namespace zel::exchange {
 
 namespace {
 
+// A message's id as a source has it.
+std::string id_text(const po_id &id)
+{
+    std::string text(without_end(*id.text));
+    return id.plural ? text.append(1, plural_sign).append(without_end(*id.plural)) : text;
+}
+
 class like_writer {
 public:
     like_writer(exporter &from, const known_catalog &like);
@@ -132,6 +139,10 @@ fault like_writer::take_text(po_message &message, item_t *item)
     const std::string whole = text_of(find_entry(item->langs, language_));
     const std::string_view text = without_end(whole);
     if (text.empty())
+        return {};
+    // A catalog of the default language leaves out what is the id.
+    if (language_ == view_of(from_.request().source->default_lang) &&
+        message.texts.front().empty() && text == id_text(message.id))
         return {};
     bool same = false;
     if (fault wrong = has_text(message, text, same))

@@ -496,7 +496,7 @@ bool po_reader::read_comment(po_message &message)
 {
     std::string_view line(scan_->token->lexeme, scan_->token->length);
     const char sign = line.empty() ? ' ' : line.front();
-    if (line.ends_with('\r') && (!as_written_ || sign == ':' || sign == ','))
+    if (line.ends_with('\r') && (!as_written_ || sign == ','))
         line.remove_suffix(1);
     if (sign == '.')
         message.extracted.emplace_back(without_blank(line.substr(1)));

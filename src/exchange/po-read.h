@@ -18,8 +18,8 @@ struct po_known; // the messages that have been met
 class po_reader {
 public:
     // The bytes are in the encoding that the file's header names, UTF-8 when it names none. They
-    // stay the caller's and must live as long as the reader. Remarks keep the carriage returns at
-    // their ends only as_written.
+    // stay the caller's and must live as long as the reader. Remarks and places keep the
+    // carriage returns at their ends only as_written.
     explicit po_reader(std::string_view bytes, bool as_written = false);
     ~po_reader();
     po_reader(const po_reader &) = delete;

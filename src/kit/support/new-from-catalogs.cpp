@@ -23,9 +23,6 @@ void print_summary(const exchange::new_source &made, const std::string &path)
     if (made.forms() != 0)
         std::fprintf(stderr, "left out %s between the first and the last\n",
                      counted(made.forms(), "plural form").c_str());
-    if (made.partly() != 0)
-        std::fprintf(stderr, "left out %s without a text for each form\n",
-                     counted(made.partly(), "plural").c_str());
     for (const auto &[language, items] : made.lacking())
         std::fprintf(stderr, "%s lacks %s that others have\n", language.c_str(),
                      counted(items, "item").c_str());

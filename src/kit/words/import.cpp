@@ -101,9 +101,6 @@ bool take_file(const exchange::format &row, const std::string &path, exchange::i
 
 void print_notes(const std::string &path, const exchange::importer &into)
 {
-    if (into.partly() != 0)
-        std::fprintf(stderr, "%s: left out %s without a text for each form\n", path.c_str(),
-                     counted(into.partly(), "plural").c_str());
     for (const std::string &line : into.notes())
         std::fprintf(stderr, "%s: %s\n", path.c_str(), line.c_str());
     for (const std::string &line : into.plural_notes())
