@@ -94,19 +94,37 @@ bool judge_conversions(const percents &own, const percents &expected, std::strin
     return !message.empty();
 }
 
+// Whether a form takes all arguments but a whole number, or none, and printf finds nothing wrong.
+bool lacks_its_number(const percents &form, const percents &expected)
+{
+    if (form.stray || form.writes || form.mixed)
+        return false;
+    if (form.arguments.empty())
+        return true;
+    return !expected.arguments.empty() && expected.arguments.back().kind == argument::whole &&
+           form.arguments.size() + 1 == expected.arguments.size() &&
+           std::equal(form.arguments.begin(), form.arguments.end(), expected.arguments.begin());
+}
+
 // Each form of a text with plural forms has the conversions of one of the reference's: "one note"
-// may stand beside "%d notes".
+// may stand beside "%d notes". A form for one number may write that out.
 bool judge_forms(const text_case &at, std::string &message)
 {
-    const std::vector<std::string_view> reference = read_forms(at.reference.bytes);
-    // The last form has every argument; the singular may write its number out.
-    const percents last = read_percents(reference.back());
-    const bool may_have_none =
-        std::any_of(reference.begin(), reference.end(),
-                    [](std::string_view form) { return read_percents(form).arguments.empty(); });
-    for (const std::string_view one : read_forms(at.own.bytes)) {
-        const percents form = read_percents(one, &last);
-        if (may_have_none && form.arguments.empty() && !form.stray && !form.writes)
+    std::vector<percents> reference;
+    for (const std::string_view one : read_forms(at.reference.bytes))
+        reference.push_back(read_percents(one));
+    // The last form has every argument.
+    const percents &last = reference.back();
+    const std::vector<std::string_view> forms = read_forms(at.own.bytes);
+    for (std::size_t i = 0; i < forms.size(); ++i) {
+        const percents form = read_percents(forms[i], &last);
+        const bool is_known =
+            std::any_of(reference.begin(), reference.end(), [&](const percents &one) {
+                std::string ignored;
+                return one.arguments != last.arguments && !judge_conversions(form, one, ignored);
+            });
+        if (is_known ||
+            (lacks_its_number(form, last) && is_of_one_number(at.plural_rule, forms.size(), i)))
             continue;
         if (judge_conversions(form, last, message))
             return true;

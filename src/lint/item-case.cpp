@@ -1,5 +1,7 @@
 #include "lint/item-case.h"
 
+#include "langlib/languages.h"
+
 #include "source/entry.h"
 #include "support/text.h"
 
@@ -18,6 +20,25 @@ std::uint32_t hash_in_any_case(const char *name)
 }
 
 } // namespace
+
+bool is_variant(std::string_view name, std::string_view reference)
+{
+    language_tag own;
+    language_tag other;
+    language_row row;
+    const auto part = [](const language_tag &tag) {
+        return tag.view().substr(0, tag.view().find_first_of("_@"));
+    };
+    if (read_language(name, own, row) && read_language(reference, other, row) &&
+        part(own) == part(other))
+        return true;
+    const auto is_end = [](std::string_view text, std::size_t at) {
+        return at >= text.size() || !is_ascii_letter(text[at]);
+    };
+    const std::size_t at = name.find(reference);
+    return !reference.empty() && at != std::string_view::npos && is_end(name, at - 1) &&
+           is_end(name, at + reference.size());
+}
 
 bool same_language(const char *a, const char *b)
 {

@@ -21,6 +21,7 @@ struct language {
     bool is_default;
     bool wanted; // findings about it are wanted
     std::string_view plural_rule{};
+    bool is_variant = false; // of the reference's: it leaves most texts
 };
 
 // The defined languages, in their order.
@@ -71,6 +72,10 @@ struct item_case {
     };
     sink &found;
 };
+
+// Whether a language is the reference's as others speak or write it: "british english" and "en_GB"
+// where that is "english" or "en".
+bool is_variant(std::string_view name, std::string_view reference);
 
 // Whether both name the same language: compiled files are found by their language whatever the
 // case of its ASCII letters.

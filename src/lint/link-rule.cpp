@@ -195,6 +195,13 @@ std::size_t skip_conversion(std::string_view bytes, std::size_t at)
     return at;
 }
 
+// "10th" is a word elsewhere.
+bool is_ordinal(std::string_view behind)
+{
+    return behind.starts_with("th") || behind.starts_with("st") || behind.starts_with("nd") ||
+           behind.starts_with("rd");
+}
+
 links read_links(std::string_view bytes)
 {
     links found;
@@ -236,7 +243,7 @@ links read_links(std::string_view bytes)
         if (is_digit(c)) {
             number read = read_number(bytes, at);
             at = read.end;
-            if (begins_number(before))
+            if (begins_number(before) && !is_ordinal(bytes.substr(at)))
                 found.numbers.push_back(std::move(read));
             else
                 found.named += read.digits;
@@ -261,16 +268,33 @@ std::vector<std::string> lacking(const std::vector<std::string> &has,
     return out;
 }
 
+// Whether the address or one below it is there.
+bool has_page(const std::vector<std::string> &addresses, const std::string &one)
+{
+    const auto below = std::lower_bound(addresses.begin(), addresses.end(), one + "/");
+    return std::binary_search(addresses.begin(), addresses.end(), one) ||
+           (below != addresses.end() && below->starts_with(one + "/"));
+}
+
+// Whether an address stands there for one of the reference: the same page in another scheme, or one
+// of the language below it. The example's host is nobody's, and people translate it.
+bool stands_for(const std::vector<std::string> &added, const std::string &address)
+{
+    std::string other = address;
+    if (other.starts_with("https:"))
+        other.erase(4, 1);
+    else if (other.starts_with("http:"))
+        other.insert(4, "s");
+    return address.find("example.") != std::string::npos || has_page(added, address) ||
+           has_page(added, other);
+}
+
 bool differ(const std::vector<std::string> &own, const std::vector<std::string> &reference,
             const char *what, std::string &message)
 {
     auto gone = lacking(reference, own);
     const auto added = lacking(own, reference);
-    // A page of the language below the one that the reference names is as good.
-    std::erase_if(gone, [&](const std::string &one) {
-        const auto next = std::lower_bound(added.begin(), added.end(), one + "/");
-        return next != added.end() && next->starts_with(one + "/");
-    });
+    std::erase_if(gone, [&](const std::string &one) { return stands_for(added, one); });
     if (gone.empty())
         return false;
     message.append("the ").append(what).append(" ").append(gone.front());
@@ -303,10 +327,10 @@ bool is_small(const std::string &digits)
     return digits.size() == 1 || digits == "10" || digits == "11" || digits == "12";
 }
 
-// The first number whose digits do not follow each other in the others, however those are grouped;
-// null when there is none. So many that are grouped in other ways are a table, which is not looked
-// through.
-const number *find_other(const std::vector<number> &numbers, const links &others, bool with_small)
+// The first two numbers whose digits do not follow each other in the others, however those are
+// grouped. So many that are grouped in other ways are a table, which is not looked through.
+std::vector<const number *> find_others(const std::vector<number> &numbers, const links &others,
+                                        bool with_small)
 {
     constexpr int most_searches = 50;
     const std::string digits = all_digits(others.numbers) + others.named;
@@ -316,21 +340,40 @@ const number *find_other(const std::vector<number> &numbers, const links &others
         return (!with_small && is_small(one)) || known.has(one) || ++searches > most_searches ||
                digits.find(one) != std::string::npos;
     };
+    std::vector<const number *> found;
     for (const number &one : numbers)
-        if (!is_there(one.digits) &&
+        if (found.size() < 2 && !is_there(one.digits) &&
             !(one.parts.size() > 1 && std::all_of(one.parts.begin(), one.parts.end(), is_there)))
-            return &one;
-    return nullptr;
+            found.push_back(&one);
+    return found;
+}
+
+// "1970" is "70", too.
+bool is_year(std::string_view digits, const std::vector<number> &others)
+{
+    return digits.size() == 4 && std::any_of(others.begin(), others.end(), [&](const number &one) {
+               return one.digits.size() == 2 && digits.ends_with(one.digits);
+           });
+}
+
+// "calendar:week_start:0" is a setting, which a language may have otherwise.
+bool is_setting(std::string_view bytes)
+{
+    const std::size_t colon = bytes.find(':');
+    return colon != std::string_view::npos && colon > 0 && is_ascii_letter(bytes[colon - 1]) &&
+           std::none_of(bytes.begin(), bytes.end(), is_blank);
 }
 
 bool numbers_differ(const links &own, const links &reference, std::string &message)
 {
-    const number *added = find_other(own.numbers, reference, true);
-    const number *gone = find_other(reference.numbers, own, added != nullptr);
-    if (gone == nullptr)
+    const auto added = find_others(own.numbers, reference, true);
+    const auto gone = find_others(reference.numbers, own, !added.empty());
+    // Where more than one is another, it is an example that is put in the language's own way: a
+    // date, a time zone.
+    if (gone.size() != 1 || added.size() > 1 || is_year(gone.front()->digits, own.numbers))
         return false;
-    message = "the number " + gone->shown;
-    message += added == nullptr ? " of the reference is missing" : " is " + added->shown;
+    message = "the number " + gone.front()->shown;
+    message += added.empty() ? " of the reference is missing" : " is " + added.front()->shown;
     return true;
 }
 
@@ -344,7 +387,7 @@ bool judge_link(const text_case &at, std::string &message)
     const links reference = read_links(at.reference.bytes);
     return differ(own.addresses, reference.addresses, "address", message) ||
            differ(own.paths, reference.paths, "path", message) ||
-           numbers_differ(own, reference, message);
+           (!is_setting(at.reference.bytes) && numbers_differ(own, reference, message));
 }
 
 } // namespace zel::lint

@@ -32,7 +32,8 @@ language_list languages_of(const LangSource *source, const choice &wanted)
             std::any_of(wanted.languages.begin(), wanted.languages.end(),
                         [&](const std::string &one) { return same_language(one.c_str(), name); });
         out.push_back({lang, name, same_language(name, source->default_lang), is_wanted,
-                       plural_rule_of(*lang)});
+                       plural_rule_of(*lang),
+                       is_variant(name_of(lang->name), name_of(source->default_lang))});
     }
     return out;
 }
@@ -93,6 +94,7 @@ private:
     text name_;
     text reference_;
     rule_set item_off_;
+    bool is_plural_ = false; // a comment says so
     std::vector<said> said_;
     std::vector<std::pair<const void *, std::size_t>> ranks_; // of its records, by their addresses
     std::string messages_;
@@ -121,10 +123,14 @@ void linter::work::take_entries(const item_t *item)
 void linter::work::take_switches(const item_t *item)
 {
     item_off_ = {};
+    is_plural_ = false;
     bool no_format = false;
     for (const lang_entry_t *comment : each<lang_entry_t>(item->comments)) {
-        if (same_language(comment->lang, source_->default_lang) && is_no_c_format(comment))
-            no_format = true;
+        if (same_language(comment->lang, source_->default_lang)) {
+            const catalog_flags flags = read_flags(comment);
+            no_format = no_format || flags.no_c_format;
+            is_plural_ = is_plural_ || flags.plural;
+        }
         const rule_set off = read_switches(comment);
         if (off.none())
             continue;
@@ -144,12 +150,12 @@ void linter::work::take_switches(const item_t *item)
 void linter::work::take_reference(const item_t *item)
 {
     name_ = look_at(name_of(item->name));
-    note_forms(name_);
+    note_forms(name_, is_plural_);
     reference_ = name_;
     for (std::size_t i = 0; i < slots_.size(); ++i)
         if (languages_[i].is_default && slots_[i].entry != nullptr && !slots_[i].own.is_blank())
             reference_ = slots_[i].own;
-    note_forms(reference_);
+    note_forms(reference_, is_plural_);
 }
 
 void linter::work::judge_text(std::size_t i)
@@ -164,7 +170,7 @@ void linter::work::judge_text(std::size_t i)
             reference = row->about == scope::code ? &name_ : &nothing;
         }
         message_.clear();
-        if (row->judge_text({one.own, *reference, item_}, message_))
+        if (row->judge_text({one.own, *reference, item_, languages_[i].plural_rule}, message_))
             say(row->id, languages_[i].name, one.entry, message_);
     }
 }

@@ -34,6 +34,16 @@ bool is_in_long_word(std::string_view text, std::size_t underscore)
     return true;
 }
 
+// "FILE_NAME"
+bool is_in_capitals(std::string_view text, std::size_t underscore)
+{
+    std::size_t before = underscore;
+    std::size_t behind = underscore + 1;
+    return before > 0 && behind < text.size() &&
+           g_unichar_isupper(last_char(text, before)) != FALSE &&
+           g_unichar_isupper(next_char(text, behind)) != FALSE && is_in_long_word(text, underscore);
+}
+
 // "_Open", "Save _as", "(_O)"; not "a_name" nor "__file".
 bool has_marked_word(std::string_view text)
 {
@@ -54,7 +64,7 @@ mnemonics read_mnemonics(std::string_view text)
     // Labels are short: in a sentence an underscore belongs to a name.
     const bool sentence = std::count(text.begin(), text.end(), ' ') >= 3;
     for (std::size_t at = text.find('_'); at != std::string_view::npos; at = text.find('_', at)) {
-        const bool name = sentence && is_in_long_word(text, at);
+        const bool name = (sentence && is_in_long_word(text, at)) || is_in_capitals(text, at);
         const std::size_t underscore = at;
         std::size_t before = at;
         if (++at == text.size())

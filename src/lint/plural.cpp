@@ -69,10 +69,21 @@ bool has_plural_forms(std::string_view text)
     });
 }
 
-void note_forms(text &of)
+void note_forms(text &of, bool is_plural)
 {
-    if (of.has(has_percent) && has_plural_forms(of.bytes))
+    if (is_plural ? of.bytes.find(plural_sign) != of.bytes.npos
+                  : of.has(has_percent) && has_plural_forms(of.bytes))
         of.holds |= has_forms;
+}
+
+bool is_of_one_number(std::string_view rule, std::size_t count, std::size_t form)
+{
+    constexpr std::uint64_t enough = 200; // every rule has come round twice by then
+    constexpr std::uint64_t million = 1000000;
+    int numbers = plural_form(rule, count, million) == form ? 1 : 0;
+    for (std::uint64_t n = 0; n <= enough && numbers < 2; ++n)
+        numbers += plural_form(rule, count, n) == form ? 1 : 0;
+    return numbers == 1;
 }
 
 std::vector<std::string_view> read_forms(std::string_view text)

@@ -16,8 +16,12 @@ namespace zel::lint {
 // path, "File|Open", and a row of a table, "%s | %d", are none.
 bool has_plural_forms(std::string_view text);
 
-// Notes it in the text, for rules that ask once for each translation.
-void note_forms(text &of);
+// Notes it in the text, for rules that ask once for each translation; of one that is_plural the
+// signs alone tell its forms.
+void note_forms(text &of, bool is_plural);
+
+// Whether a form of so many serves one number alone, which it may write out: "one note".
+bool is_of_one_number(std::string_view rule, std::size_t count, std::size_t form);
 
 // The published rule of a language for its forms (langlib/plural-rule.h), which its name or its
 // file tells; empty when it is not known or has none.

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 
 #include "lint/finding.h"
 #include "lint/text.h"
@@ -15,6 +16,7 @@ struct text_case {
     const text &own;
     const text &reference; // empty when there is none
     const item_t *item;
+    std::string_view plural_rule{}; // of the text's language
 };
 
 // Judges a text: true with the message when it is at fault. Messages begin in lower case and have

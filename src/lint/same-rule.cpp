@@ -8,6 +8,8 @@ namespace zel::lint {
 
 namespace {
 
+constexpr std::string_view kept[] = {"©", "(C)", "[<", "[-"};
+
 // Words that one would translate: of three small letters or more.
 std::size_t count_small_words(std::string_view bytes)
 {
@@ -32,31 +34,20 @@ std::size_t count_small_words(std::string_view bytes)
     return words;
 }
 
-// "british english" and "en_GB" where the reference is "english" or "en": they leave most texts.
-bool is_variant(std::string_view name, std::string_view reference)
+// Notices of rights, how a command is written ("git log [<options>]"), and what has no blank, as
+// names of files and lists of search words, keep what they have in most languages.
+bool is_notice_or_name(std::string_view bytes)
 {
-    const auto is_end = [](std::string_view text, std::size_t at) {
-        return at >= text.size() || !is_ascii_letter(text[at]);
-    };
-    const std::size_t at = name.find(reference);
-    return !reference.empty() && at != std::string_view::npos && is_end(name, at - 1) &&
-           is_end(name, at + reference.size());
-}
-
-// Notices of rights and lists of search words keep what they have in most languages.
-bool is_notice_or_list(std::string_view bytes)
-{
-    return bytes.find("©") != std::string_view::npos ||
-           bytes.find("(C)") != std::string_view::npos ||
-           (bytes.find(';') != std::string_view::npos &&
-            std::none_of(bytes.begin(), bytes.end(), is_blank));
+    return std::none_of(bytes.begin(), bytes.end(), is_blank) ||
+           std::any_of(std::begin(kept), std::end(kept), [&](std::string_view sign) {
+               return bytes.find(sign) != std::string_view::npos;
+           });
 }
 
 bool is_translation(const item_case &at, std::size_t i)
 {
     return at.slots[i].entry != nullptr && !at.languages[i].is_default &&
-           !at.slots[i].own.is_blank() &&
-           !is_variant(at.languages[i].name, name_of(at.source->default_lang));
+           !at.slots[i].own.is_blank() && !at.languages[i].is_variant;
 }
 
 } // namespace
@@ -75,7 +66,7 @@ void judge_same(const item_case &at)
         }
     if (same == 0)
         return;
-    if (count_small_words(reference) < 2 || is_notice_or_list(reference) ||
+    if (count_small_words(reference) < 2 || is_notice_or_name(reference) ||
         (all > 2 && 2 * same > all))
         return;
     for (std::size_t i = 0; i < at.slots.size(); ++i)

@@ -121,7 +121,9 @@ std::string_view without_tail(std::string_view bytes)
             bytes = bytes.substr(0, bytes.rfind('<'));
         } else if (c == ';' && entity_at_end(bytes) != 0) {
             bytes.remove_suffix(entity_at_end(bytes));
-        } else if (c == ')' && bytes.size() >= 4 && bytes.substr(bytes.size() - 4, 2) == "(_") {
+        } else if (c == ')' && bytes.size() >= 4 &&
+                   (bytes.substr(bytes.size() - 4, 2) == "(_" ||
+                    bytes.substr(bytes.size() - 4, 2) == "(&")) {
             bytes = bytes.substr(0, bytes.size() - 4);
         } else {
             return bytes;
@@ -132,6 +134,7 @@ std::string_view without_tail(std::string_view bytes)
 struct text_end {
     sign means;
     char32_t before; // the character before the sign
+    bool in_bracket = false;
 };
 
 bool is_statement(sign means) { return means == sign::period || means == sign::exclamation; }
@@ -171,7 +174,8 @@ text_end end_of(std::string_view bytes)
             bracket.before = last;
         bytes = bytes.substr(0, at);
     }
-    const text_end inside = end_of_sentence(bytes);
+    text_end inside = end_of_sentence(bytes);
+    inside.in_bracket = bracket.before != 0;
     const bool counts = bracket.before == 0 || is_statement(inside.means) || is_wide(inside.before);
     return counts ? inside : bracket;
 }
@@ -202,8 +206,24 @@ bool has_colon(std::string_view bytes)
     return false;
 }
 
+// "sec." and "Home (num. pad)": where the reference has no sign, a short word or one in a bracket
+// ends with that of an abbreviation.
+bool is_abbreviation(const text_end &own, std::string_view text)
+{
+    constexpr std::size_t longest = 5;
+    const std::string_view word = without_tail(text);
+    return own.means == sign::period &&
+           (own.in_bracket ||
+            (count_chars(word) <= longest && std::none_of(word.begin(), word.end(), is_blank)));
+}
+
 bool means_the_same(const text_end &own, const text_end &reference, std::string_view text)
 {
+    // Tibetan ends whatever it writes so.
+    if (without_tail(text).ends_with("།"))
+        return true;
+    if (reference.means == sign::none && is_abbreviation(own, text))
+        return true;
     if (own.means == reference.means || (is_statement(own.means) && is_statement(reference.means)))
         return true;
     // Greek asks with a semicolon.

@@ -56,8 +56,9 @@ length_limit take_limit(std::string_view text)
 
 } // namespace
 
-bool is_no_c_format(const lang_entry_t *comment)
+catalog_flags read_flags(const lang_entry_t *comment)
 {
+    catalog_flags found;
     std::string buffer;
     std::string_view text = look_at_text(comment->texts, buffer);
     while (!text.empty()) {
@@ -69,12 +70,12 @@ bool is_no_c_format(const lang_entry_t *comment)
             std::string_view flag = cut_at(line, ',');
             flag.remove_prefix(std::min(flag.find_first_not_of(' '), flag.size()));
             const bool is_other = !flag.starts_with("no-") && !flag.starts_with("possible-");
-            if (flag == "no-c-format" ||
-                (is_other && flag != "c-format" && flag.ends_with("-format")))
-                return true;
+            found.plural = found.plural || flag == "plural";
+            found.no_c_format = found.no_c_format || flag == "no-c-format" ||
+                                (is_other && flag != "c-format" && flag.ends_with("-format"));
         }
     }
-    return false;
+    return found;
 }
 
 rule_set read_switches(const lang_entry_t *comment)

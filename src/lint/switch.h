@@ -11,9 +11,12 @@ namespace zel::lint {
 // The rules that a comment switches off: "lint: RULE off", anywhere in it, as often as it is there.
 rule_set read_switches(const lang_entry_t *comment);
 
-// Whether the line "flags: ..." of a comment, which keeps what a catalog says of a text, says that
-// it is no format of printf: "no-c-format", or the format of another language.
-bool is_no_c_format(const lang_entry_t *comment);
+// What the line "flags: ..." of a comment says, which keeps what a catalog tells of a text.
+struct catalog_flags {
+    bool no_c_format = false; // or the format of another language
+    bool plural = false;      // its forms are not to be seen by its numbers
+};
+catalog_flags read_flags(const lang_entry_t *comment);
 
 // How long a comment lets a text be, "lint: max 20" in characters or "lint: max 120px" in pixels.
 struct length_limit {

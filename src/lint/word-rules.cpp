@@ -38,19 +38,18 @@ bool is_slip(std::string_view word)
 {
     constexpr std::string_view never[] = {"the", "and", "for", "of",  "to",  "is",  "und", "von",
                                           "mit", "les", "del", "los", "las", "est", "para"};
-    constexpr std::string_view sometimes[] = {"that", "nous",   "vous",  "blah",
-                                              "sama", "masing", "teker", "piano"};
+    constexpr std::string_view sometimes[] = {"that",   "nous",  "vous",  "blah", "sama",
+                                              "masing", "teker", "piano", "benar"};
     const auto is_in = [word](const auto &list) {
         return std::find(std::begin(list), std::end(list), word) != std::end(list);
     };
     return is_in(never) || (is_word(word, 4) && !is_in(sometimes));
 }
 
-// Between the columns of a table.
+// Between the columns of a table, or before the next of its rows.
 bool is_column(std::string_view gap)
 {
-    return gap.size() == 1 ? gap[0] == '\t'
-                           : gap.size() > 1 && gap.find('\n') == std::string_view::npos;
+    return gap == "\t" || (gap.size() > 1 && gap.back() != '\n');
 }
 
 // Turkish and Vietnamese double many a word to stress it; their letters tell them.
@@ -67,8 +66,9 @@ bool doubles_words(std::string_view bytes)
 }
 
 // The first word that stands there twice, one behind the other; empty when there is none. With
-// signs between them they are a list.
-std::string_view find_repeated(std::string_view bytes, bool with_signs)
+// signs between them they are a list, and so is a text of nothing else. Of a reference, which
+// excuses it, all of that counts.
+std::string_view find_repeated(std::string_view bytes, bool is_reference)
 {
     std::string_view before;
     for (std::size_t at = 0; at < bytes.size();) {
@@ -76,14 +76,15 @@ std::string_view find_repeated(std::string_view bytes, bool with_signs)
         while (at < bytes.size() && is_blank(bytes[at]))
             ++at;
         const std::size_t start = at;
-        if (is_column(bytes.substr(gap, start - gap)))
+        if (!is_reference && is_column(bytes.substr(gap, start - gap)))
             before = {};
         while (at < bytes.size() && !is_blank(bytes[at]))
             ++at;
         const std::string_view written = bytes.substr(start, at - start);
-        const std::string_view word = with_signs ? written : without_signs(written);
+        const std::string_view word = is_reference ? without_signs(written) : written;
         // Across line ends too: that is where one types a word again.
-        if (word.size() == before.size() && word == before && !word.empty())
+        if (word.size() == before.size() && word == before && !word.empty() &&
+            (is_reference || bytes.size() > 2 * word.size() + 1))
             return word;
         before = word;
     }
@@ -115,9 +116,9 @@ bool judge_repeated(const text_case &at, std::string &message)
 {
     if (!at.own.has(has_blank))
         return false;
-    const std::string_view word = find_repeated(at.own.bytes, true);
+    const std::string_view word = find_repeated(at.own.bytes, false);
     if (word.empty() || !is_slip(word) || doubles_words(at.own.bytes) ||
-        !find_repeated(at.reference.bytes, false).empty())
+        !find_repeated(at.reference.bytes, true).empty())
         return false;
     message.append("\"").append(word).append("\" stands there twice");
     return true;
