@@ -228,7 +228,7 @@ said_language language_of(const po_message &header)
     const std::string &text = header.texts.front();
     said_language said;
     read_name(po_header_field(text, name_field), said.name);
-    said.code = po_header_field(text, "Language");
+    said.code = po_language_code(text);
     return said;
 }
 
@@ -237,11 +237,11 @@ void take_message(po_message &message, text_unit &unit, encoding good, bool own)
     unit.group.clear();
     unit.item.clear();
     unit.keyed = message.id.context && split_key(*message.id.context, unit.group, unit.item);
-    unit.loose = !own;
-    if (unit.loose) {
-        unit.context = message.id.context;
-        unit.code_group = group_of_place(message.references);
-    }
+    unit.loose = true;
+    // What looks like a key may be a group of two words, but no item without both has its text.
+    unit.in_group = own && unit.keyed;
+    unit.context = message.id.context;
+    unit.code_group = group_of_place(message.references);
     unit.reference = *message.id.text;
     unit.text.clear();
     unit.forms.clear();
