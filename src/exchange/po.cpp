@@ -48,8 +48,8 @@ void append_head(std::string &out, const LangSource &source, const lang_t *lang,
     const std::string app = source.app == nullptr ? "unknown" : one_line(source.app);
     const std::string header =
         "Project-Id-Version: " + app + "\nPO-Revision-Date: " + stamp(source.mtime) +
-        "\nLast-Translator: none\nLanguage-Team: " + name +
-        "\nLanguage: " + (code.empty() ? "und" : code) +
+        // What is not known is no value: an editor takes the code "und" for a mistake.
+        "\nLast-Translator: \nLanguage-Team: " + (code.empty() ? "" : "\nLanguage: ") + code +
         "\nMIME-Version: 1.0\nContent-Type: text/plain; charset=UTF-8\n"
         "Content-Transfer-Encoding: 8bit\nX-Generator: lang-kit\n" +
         (plural_header.empty() ? "" : std::string(plural_field) + ": ") + plural_header +

@@ -173,6 +173,15 @@ TEST(Po, MarksWhatACatalogsCompilerWouldRefuse)
     EXPECT_THAT(po("\\na", "b"), HasSubstr("#, fuzzy\n"));
 }
 
+TEST(Po, WhatIsNotKnownIsNoValueInTheHeader)
+{
+    const source_guard source = source_of("define file \"f\" lang \"klingon\" 1 1 1\n");
+    export_request request;
+    request.source = source.get();
+    const std::string po = written(request, "po")[0];
+    EXPECT_THAT(po, HasSubstr("Last-Translator: \\n\"\n\"Language-Team: \\n\"\n\"MIME-Version"));
+}
+
 TEST(CFormat, GivesTheTypeOfEachArgument)
 {
     const auto types = [](std::string_view text) {
@@ -264,6 +273,8 @@ TEST(LanguageCode, NamesAndCodesFindEachOther)
     EXPECT_EQ(code_of("German"), "de");
     EXPECT_EQ(code_of("brazilian portuguese"), "pt_BR");
     EXPECT_EQ(code_of("pt-BR"), "pt_BR");
+    EXPECT_EQ(code_of("Portuguese (Brazil)"), "pt_BR");
+    EXPECT_EQ(code_of("Serbian (Latin)"), "sr@latin");
     EXPECT_EQ(code_of("Deutsch (alt)"), "");
     EXPECT_EQ(name_of_code("de"), "german");
     EXPECT_EQ(name_of_code("zh"), "chinese");
