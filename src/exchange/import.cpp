@@ -271,6 +271,11 @@ std::vector<item_finder::found> importer::items_of(const char *language, text_un
     std::vector<item_finder::found> all;
     if (unit.loose)
         all = finder_.find(unit.context, unit.reference, unit.code_group, unit.in_group);
+    // Both ids of a plural may be one, but no plural is a text without forms.
+    if (!unit.forms.empty())
+        std::erase_if(all, [&](const item_finder::found &one) {
+            return reference_text(*source_, one.item).find(plural_sign) == std::string::npos;
+        });
     if (all.empty())
         say(import_kind::unknown_item, unit, language);
     // Some of them may turn out to be other messages of the file.

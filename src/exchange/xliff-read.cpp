@@ -125,6 +125,7 @@ struct xliff_reader final : xml_walker {
     bool close_unit();
     void close_header();
     bool add_form();
+    bool has_one_form() const;
     void close_group();
     void tell();
 };
@@ -415,6 +416,13 @@ bool xliff_reader::add_form()
     return true;
 }
 
+bool xliff_reader::has_one_form() const
+{
+    return file.plural_field.empty()
+               ? count_plural_forms(plural_rule_of(file.languages.back().code)).all == 1
+               : file.plural_field.starts_with("nplurals=1;");
+}
+
 // Tells a group's plural. Some tools mark only the later forms of one that is not done.
 void xliff_reader::close_group()
 {
@@ -425,6 +433,10 @@ void xliff_reader::close_group()
     unit.line = whole.line;
     unit.text.clear();
     unit.forms = whole.forms;
+    // A converter gives each source a unit, though the language has but one form.
+    if (has_one_form())
+        while (unit.forms.size() > 1 && unit.forms.back().empty())
+            unit.forms.pop_back();
     unit.fuzzy = whole.fuzzy || (whole.approved_units != 0 && whole.approved_units != whole.units);
     unit.final = !unit.fuzzy && (whole.approved || whole.final_units == whole.units);
     unit.reference = whole.one;
