@@ -173,15 +173,6 @@ TEST(Po, MarksWhatACatalogsCompilerWouldRefuse)
     EXPECT_THAT(po("\\na", "b"), HasSubstr("#, fuzzy\n"));
 }
 
-TEST(Po, WhatIsNotKnownIsNoValueInTheHeader)
-{
-    const source_guard source = source_of("define file \"f\" lang \"klingon\" 1 1 1\n");
-    export_request request;
-    request.source = source.get();
-    const std::string po = written(request, "po")[0];
-    EXPECT_THAT(po, HasSubstr("Last-Translator: \\n\"\n\"Language-Team: \\n\"\n\"MIME-Version"));
-}
-
 TEST(CFormat, GivesTheTypeOfEachArgument)
 {
     const auto types = [](std::string_view text) {
