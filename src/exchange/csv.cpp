@@ -312,6 +312,7 @@ fault read_csv(std::string_view bytes, encoding good, const text_listener &hear)
     unit.keyed = true;
     // The cell has the whole comment, so it replaces the one before.
     unit.note.replaces = true;
+    unit.may_be_guess = true;
     while (reader.next()) {
         if (is_empty(reader))
             continue;

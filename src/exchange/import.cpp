@@ -8,6 +8,7 @@
 #include "source/entry.h"
 
 #include <algorithm>
+#include <map>
 
 namespace zel::exchange {
 
@@ -181,8 +182,21 @@ void importer::count_as(const char *language, const std::string &field, std::uin
     counted_ = language;
 }
 
+// Units of one reference that say different things: nobody knows which item each of them is for.
+void importer::find_rivals()
+{
+    rivals_.clear();
+    std::map<unit_name, const text_unit *> first;
+    for (const text_unit &unit : deferred_) {
+        const auto [at, is_new] = first.emplace(unit_name(unit.language, unit.reference), &unit);
+        if (!is_new && (at->second->text != unit.text || at->second->forms != unit.forms))
+            rivals_.insert(at->first);
+    }
+}
+
 void importer::take_deferred()
 {
+    find_rivals();
     for (text_unit &unit : deferred_) {
         const char *language = resolved_[unit.language];
         if (!unit.forms.empty() && language != counted_)
@@ -219,8 +233,12 @@ bool importer::join(const char *language, text_unit &unit)
 void importer::take_unit(const char *language, text_unit &unit, bool at_end)
 {
     // An empty text never deletes one.
-    if (!has_text(unit) && (!request_.comments || unit.note.text.empty()))
+    if (!has_text(unit) && (!request_.comments || unit.note.text.empty())) {
+        // But no other message of the file means its item.
+        if (unit.loose && !unit.in_group)
+            finder_.find(unit.context, unit.reference, unit.code_group, true);
         return;
+    }
     const std::vector<item_finder::found> all = items_of(language, unit, at_end);
     if (all.empty() || !join(language, unit))
         return;
@@ -249,7 +267,12 @@ std::vector<item_finder::found> importer::items_of(const char *language, text_un
     }
     std::vector<item_finder::found> all;
     if (unit.loose)
-        all = finder_.find(unit.context, unit.reference, unit.code_group);
+        all = finder_.find(unit.context, unit.reference, unit.code_group, unit.in_group);
+    // Both ids of a plural may be one, but no plural is a text without forms.
+    if (!unit.forms.empty())
+        std::erase_if(all, [&](const item_finder::found &one) {
+            return reference_text(*source_, one.item).find(plural_sign) == std::string::npos;
+        });
     if (all.empty())
         say(import_kind::unknown_item, unit, language);
     // Some of them may turn out to be other messages of the file.
@@ -257,7 +280,8 @@ std::vector<item_finder::found> importer::items_of(const char *language, text_un
         deferred_.push_back(unit);
         return {};
     }
-    if (all.size() < 2 || have_one_text(all, language))
+    if (all.size() < 2 ||
+        (have_one_text(all, language) && !rivals_.contains({unit.language, unit.reference})))
         return all;
     std::string keys;
     for (const item_finder::found &one : all) {
@@ -300,13 +324,17 @@ bool importer::is_outdated(const text_unit &unit, std::string_view reference) co
 
 void importer::take_text(item_t *item, const char *language, const text_unit &unit)
 {
-    if (!unit.fuzzy && !without_end(unit.text).empty())
-        confirm(item, language, unit);
+    confirmed_ = false;
     const lang_entry_t *entry = find_entry(item->langs, language);
     std::string buffer;
     const std::string_view own =
         entry == nullptr ? std::string_view() : look_at_text(entry->texts, buffer);
-    if (without_end(unit.text).empty() || is_same_text(language, unit, own))
+    if (without_end(unit.text).empty())
+        return;
+    const bool same = is_same_text(language, unit, own);
+    if (!unit.fuzzy && !(same && unit.may_be_guess))
+        confirm(item, language, unit);
+    if (same)
         return;
     if (unit.fuzzy && !request_.guesses) {
         ++guesses_;
@@ -336,6 +364,7 @@ void importer::confirm(item_t *item, const char *language, const text_unit &unit
     if (!read_fuzzy(before, ignored))
         return;
     std::string after = without_fuzzy(before);
+    confirmed_ = true;
     set_text(comment, after);
     ++changed_;
     say(import_kind::comment, unit, language, std::move(before), std::move(after));
@@ -344,11 +373,15 @@ void importer::confirm(item_t *item, const char *language, const text_unit &unit
 // Takes a remark. A new one goes below those that are there.
 void importer::take_comment(item_t *item, const char *language, const text_unit &unit)
 {
-    const std::string_view note = without_end(unit.note.text);
     std::string before = text_of(find_entry(item->comments, language));
+    std::string note(without_end(unit.note.text));
+    if (const std::string marks = unit.note.lacks_marks ? marks_of(before) : ""; !marks.empty())
+        note = note.empty() ? note : marks + "\n" + note;
+    else if (confirmed_)
+        note = without_fuzzy(note);
     if (note.empty() || is_same(before, note))
         return;
-    std::string after(note);
+    std::string after = note;
     if (!unit.note.replaces && !before.empty()) {
         // Importing a file twice must not repeat its remarks.
         if (before.find(note) != std::string::npos)

@@ -7,8 +7,10 @@
 
 #include <cstdint>
 #include <functional>
+#include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "exchange/formats.h"
@@ -67,6 +69,7 @@ private:
     bool join(const char *language, text_unit &unit);
     std::vector<item_finder::found> items_of(const char *language, text_unit &unit, bool at_end);
     void count_as(const char *language, const std::string &field, std::uint32_t line);
+    void find_rivals();
     void take_deferred();
     bool have_one_text(const std::vector<item_finder::found> &all, const char *language) const;
     void take_unit(const char *language, text_unit &unit, bool at_end = false);
@@ -78,17 +81,21 @@ private:
     void say(import_kind kind, const text_unit &unit, std::string_view language,
              std::string before = {}, std::string after = {});
 
+    using unit_name = std::pair<std::uint32_t, std::string_view>; // its language and reference
+
     LangSource *source_;
     import_request request_;
     item_index items_;
     item_finder finder_;
     std::vector<const char *> resolved_; // of the file's languages; null: not known
     std::vector<text_unit> deferred_;    // of the file, which several items may be meant by
+    std::set<unit_name> rivals_;         // of these, by reference
     plural_reader plurals_;              // of the file, for the language that is counted
     const char *counted_ = nullptr;
     std::vector<std::string> plural_notes_; // of the file's languages before that one
     std::vector<std::string> notes_;        // of the file
     fault wrong_;
+    bool confirmed_ = false; // the text that was taken last; it was a guess
     std::uint32_t changed_ = 0;
     std::uint32_t guesses_ = 0;
 };

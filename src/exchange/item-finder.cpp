@@ -96,7 +96,8 @@ const item_finder::found *item_finder::in_group(const std::string &text,
 }
 
 std::vector<item_finder::found> item_finder::find(const std::optional<std::string> &context,
-                                                  const std::string &text, std::string_view group)
+                                                  const std::string &text, std::string_view group,
+                                                  bool only_there)
 {
     if (!filled_)
         fill();
@@ -108,12 +109,13 @@ std::vector<item_finder::found> item_finder::find(const std::optional<std::strin
         known = by_text_.find(without_ends(text));
     if (known == by_text_.end())
         return {};
+    const std::string_view wanted = context ? std::string_view(*context) : group;
     if (const found *one =
-            in_group(known->first, known->second, context ? std::string_view(*context) : group)) {
+            context || !group.empty() ? in_group(known->first, known->second, wanted) : nullptr) {
         taken_.insert(one->item);
         return {*one};
     }
-    if (known->second.size() > most_looked_at)
+    if (only_there || known->second.size() > most_looked_at)
         return {};
     std::vector<found> free;
     std::copy_if(known->second.begin(), known->second.end(), std::back_inserter(free),

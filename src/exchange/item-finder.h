@@ -28,9 +28,10 @@ public:
     // The items that a message may mean: none, one, or several that cannot be told apart; none,
     // too, where more than a hundred bear the text. Its text is the id, or both of a plural with
     // the sign between forms. A file's messages are asked for one after the other, and an item that
-    // one of them alone has meant is not offered again.
+    // one of them alone has meant is not offered again. The group that is meant may be the only
+    // one that counts.
     std::vector<found> find(const std::optional<std::string> &context, const std::string &text,
-                            std::string_view group);
+                            std::string_view group, bool only_there = false);
 
     // Before another file.
     void forget() { taken_.clear(); }

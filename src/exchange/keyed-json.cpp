@@ -232,7 +232,7 @@ fault read_keyed_json(std::string_view bytes, keyed_file &file)
     fault wrong = walker.walk();
     if (walker.others() != 0)
         file.notes.push_back("left out " + counted_words(walker.others(), "value") +
-                             " that is no text");
+                             (walker.others() == 1 ? " that is no text" : " that are no text"));
     return wrong;
 }
 

@@ -1,6 +1,7 @@
 #include "exchange/language-code.h"
 
 #include "exchange/input.h"
+#include "langlib/languages.h"
 
 #include <algorithm>
 #include <cstring>
@@ -209,7 +210,17 @@ std::string code_of(std::string_view name)
     for (const auto &row : languages)
         if (same_word(row.name, name))
             return std::string(row.code);
-    return is_code(name) ? catalog_code(name) : std::string();
+    if (is_code(name))
+        return with_separator(name, '-', '_');
+    language_tag tag;
+    language_row row;
+    if (!read_language(name, tag, row))
+        return {};
+    if (tag.view() == row.code)
+        for (const auto &known : languages)
+            if (same_word(known.name, row.english))
+                return std::string(known.code);
+    return code_of_xml(with_separator(tag.view(), '_', '-'));
 }
 
 std::string_view name_of_code(std::string_view code)
@@ -241,8 +252,6 @@ std::string code_of_file(std::string_view path)
         stem.remove_prefix(end + 1);
     }
 }
-
-std::string catalog_code(std::string_view code) { return with_separator(code, '-', '_'); }
 
 bool is_as_close(std::string_view own, std::string_view said)
 {

@@ -15,9 +15,6 @@ std::string code_of(std::string_view name);
 // none is known.
 std::string_view name_of_code(std::string_view code);
 
-// A code as catalogs spell it, "pt_BR" for "pt-BR".
-std::string catalog_code(std::string_view code);
-
 // Whether a file's own code says at least what its header says, so that it is the one to go by: a
 // longer one, "sr@latin" for "sr", or the same with another separator.
 bool is_as_close(std::string_view own, std::string_view said);

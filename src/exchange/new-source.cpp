@@ -142,7 +142,7 @@ fault new_source::take_header(catalog &of, std::string_view bytes, const po_mess
     of.own = po_header_field(header, "X-Generator") == "lang-kit";
     said_language said;
     read_name(po_header_field(header, "X-Language-Name"), said.name);
-    said.code = catalog_code(po_header_field(header, "Language"));
+    said.code = po_language_code(header);
     fault wrong = choose_language(of, said);
     of.plurals.open(of.language, po_header_field(header, plural_field), plural_line(bytes));
     const std::string app(app_of(po_header_field(header, "Project-Id-Version")));

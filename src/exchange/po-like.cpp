@@ -197,7 +197,7 @@ fault read_known(std::string_view bytes, known_catalog &out)
         if (message.is_header() && out.plural_field.empty()) {
             const std::string &header = message.texts.front();
             read_name(po_header_field(header, "X-Language-Name"), out.language.name);
-            out.language.code = catalog_code(po_header_field(header, "Language"));
+            out.language.code = po_language_code(header);
             out.plural_field = po_header_field(header, plural_field);
             out.plural_line = plural_line(bytes);
         }

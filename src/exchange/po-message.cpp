@@ -1,5 +1,6 @@
 #include "exchange/po-message.h"
 
+#include "exchange/language-code.h"
 #include "lex/lex-misc.h"
 
 #include <array>
@@ -74,6 +75,14 @@ std::string_view po_header_field(std::string_view header, std::string_view name)
         return begin == std::string_view::npos ? "" : value.substr(begin);
     }
     return {};
+}
+
+std::string po_language_code(std::string_view header)
+{
+    std::string_view code = po_header_field(header, "Language");
+    if (code.empty())
+        code = po_header_field(header, "X-Language");
+    return code_of_xml(code.substr(0, code.find_last_not_of(" \t\r") + 1));
 }
 
 // A text with a line end before its own end is written line by line, below an empty string.

@@ -54,6 +54,9 @@ struct po_message {
 // The value of a field of the header's text, "Language"; empty when it is not there.
 std::string_view po_header_field(std::string_view header, std::string_view name);
 
+// The code of the language that a header names; some tools write "pt-BR", or a field of their own.
+std::string po_language_code(std::string_view header);
+
 // Remarks, a line each, as one text.
 std::string joined(const std::vector<std::string> &lines);
 

@@ -48,7 +48,7 @@ message_check::message_check(std::string_view id, bool is_format) : id_(id)
 {
     // A catalog may call a format what is none here; then nothing can be compared.
     if (is_format)
-        arguments_ = c_format_arguments(id).value_or(std::vector<std::string_view>());
+        arguments_ = c_format_arguments(id);
 }
 
 bool message_check::fits(std::string_view text, bool may_leave_out_arguments) const
@@ -56,7 +56,7 @@ bool message_check::fits(std::string_view text, bool may_leave_out_arguments) co
     if (id_.starts_with('\n') != text.starts_with('\n') ||
         id_.ends_with('\n') != text.ends_with('\n'))
         return false;
-    if (arguments_.empty())
+    if (!arguments_)
         return true;
     const auto own = c_format_arguments(text);
     return own == arguments_ || (may_leave_out_arguments && own && own->empty());

@@ -3,6 +3,7 @@
 // The plurals of a source on their way into a catalog of one language.
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,7 +32,7 @@ public:
 
 private:
     std::string_view id_;
-    std::vector<std::string_view> arguments_; // none: not compared
+    std::optional<std::vector<std::string_view>> arguments_; // of a format that can be compared
 };
 
 // How each language's catalog counts. Looks through the items once: without any plural nothing is

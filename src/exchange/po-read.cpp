@@ -245,11 +245,12 @@ void name_utf8(std::string &header)
     const std::size_t at = header.find(charset_word);
     if (at == std::string::npos)
         return;
+    constexpr std::string_view utf8 = "UTF-8";
     const std::size_t begin = at + charset_word.size();
-    const std::size_t size = header.find_first_of(" \n;", begin) - begin;
+    const std::size_t size = std::min(header.find_first_of(" \n;", begin), header.size()) - begin;
     // The text is UTF-8 from here on, whatever it was.
-    if (g_ascii_strcasecmp(header.substr(begin, size).c_str(), "UTF-8") != 0)
-        header.replace(begin, size, "UTF-8");
+    if (size != utf8.size() || g_ascii_strncasecmp(&header[begin], utf8.data(), size) != 0)
+        header.replace(begin, size, utf8);
 }
 
 std::string_view without_blank(std::string_view line)

@@ -160,4 +160,9 @@ std::string without_marks(std::string_view comment)
     return without_lines(comment, is_mark);
 }
 
+std::string marks_of(std::string_view comment)
+{
+    return without_lines(comment, [](std::string_view line) { return !is_mark(line); });
+}
+
 } // namespace zel::exchange

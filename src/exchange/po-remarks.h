@@ -29,7 +29,8 @@ std::string without_fuzzy(std::string_view comment);
 // Whether a line is one of these.
 bool is_mark(std::string_view line);
 
-// The comment for people, without such lines.
+// The comment for people, without such lines, and these lines alone.
 std::string without_marks(std::string_view comment);
+std::string marks_of(std::string_view comment);
 
 } // namespace zel::exchange

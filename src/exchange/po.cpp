@@ -48,8 +48,8 @@ void append_head(std::string &out, const LangSource &source, const lang_t *lang,
     const std::string app = source.app == nullptr ? "unknown" : one_line(source.app);
     const std::string header =
         "Project-Id-Version: " + app + "\nPO-Revision-Date: " + stamp(source.mtime) +
-        "\nLast-Translator: none\nLanguage-Team: " + name +
-        "\nLanguage: " + (code.empty() ? "und" : code) +
+        // What is not known is no value: an editor takes the code "und" for a mistake.
+        "\nLast-Translator: \nLanguage-Team: " + (code.empty() ? "" : "\nLanguage: ") + code +
         "\nMIME-Version: 1.0\nContent-Type: text/plain; charset=UTF-8\n"
         "Content-Transfer-Encoding: 8bit\nX-Generator: lang-kit\n" +
         (plural_header.empty() ? "" : std::string(plural_field) + ": ") + plural_header +
@@ -228,7 +228,7 @@ said_language language_of(const po_message &header)
     const std::string &text = header.texts.front();
     said_language said;
     read_name(po_header_field(text, name_field), said.name);
-    said.code = catalog_code(po_header_field(text, "Language"));
+    said.code = po_language_code(text);
     return said;
 }
 
@@ -237,11 +237,11 @@ void take_message(po_message &message, text_unit &unit, encoding good, bool own)
     unit.group.clear();
     unit.item.clear();
     unit.keyed = message.id.context && split_key(*message.id.context, unit.group, unit.item);
-    unit.loose = !own;
-    if (unit.loose) {
-        unit.context = message.id.context;
-        unit.code_group = group_of_place(message.references);
-    }
+    unit.loose = true;
+    // What looks like a key may be a group of two words, but no item without both has its text.
+    unit.in_group = own && unit.keyed;
+    unit.context = message.id.context;
+    unit.code_group = group_of_place(message.references);
     unit.reference = *message.id.text;
     unit.text.clear();
     unit.forms.clear();

@@ -24,6 +24,7 @@ struct said_language {
 struct text_note {
     std::string text;
     bool replaces = false; // it is the comment that was exported, perhaps changed; else a new one
+    bool lacks_marks = false; // these (exchange/po-remarks.h) were not exported with it
 };
 
 // One item's text in one language.
@@ -37,12 +38,14 @@ struct text_unit {
         forms; // of a plural, as its file counts; the reference is both its ids
     std::vector<std::string> cases; // of the forms, where the file names them: "one", "other", "0"
     bool fuzzy = false;             // a guess that nobody has looked at
+    bool may_be_guess = false;      // the format does not tell guesses
     bool final = false;             // finished and approved
     text_note note;                 // in the text's language; empty: none
     // Of somebody else's catalog: its context, and the group that a new source would have instead.
     bool loose = false;
     std::optional<std::string> context;
-    std::string code_group;
+    std::string code_group;     // empty where nothing tells it
+    bool in_group = false;      // no item of another group is meant
     bool by_id = false;         // the reference finds the item, whose own text may be another
     std::uint32_t language = 0; // position in file_texts::languages
     std::uint32_t line = 0;

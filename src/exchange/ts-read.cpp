@@ -471,7 +471,7 @@ text_unit unit_of(po_message &&message, bool own, encoding good)
     unit.final = !message.fuzzy;
     for (std::size_t at = 0; at < message.remarks.size(); ++at)
         unit.note.text.append(at == 0 ? "" : "\n").append(message.remarks[at]);
-    unit.note.replaces = own;
+    unit.note.replaces = unit.note.lacks_marks = own;
     unit.line = message.line;
     for (std::string &form : unit.forms)
         uncarry(form, good);

@@ -125,6 +125,7 @@ struct xliff_reader final : xml_walker {
     bool close_unit();
     void close_header();
     bool add_form();
+    bool has_one_form() const;
     void close_group();
     void tell();
 };
@@ -170,7 +171,7 @@ void xliff_reader::open_group()
         group.id = attribute("id");
         group.approved = attribute("approved") == "yes";
         group.is_left_out = attribute("translate") == "no";
-        group.line = line();
+        group.line = element_line();
         comment.clear();
         remarks.clear();
     } else if (std::string name = attribute("resname"); !name.empty()) {
@@ -189,7 +190,6 @@ void xliff_reader::set_key(const std::string &id)
         uncarry(key, encoding::any);
     unit.keyed = (version == 1 || read_xliff_id(id, key)) && split_key(key, unit.group, unit.item);
     unit.loose = unit.by_id = !unit.keyed;
-    unit.code_group = "messages";
     unit.context.reset();
     if (!contexts.empty())
         unit.context = contexts.back().name;
@@ -207,7 +207,7 @@ bool xliff_reader::open_unit()
         if (group.units == 0)
             set_key(group.id.empty() ? id : group.id);
     }
-    unit.line = line();
+    unit.line = element_line();
     unit.reference.clear();
     unit.text.clear();
     unit.forms.clear();
@@ -338,8 +338,11 @@ void xliff_reader::close_text()
 void xliff_reader::close_segment(element kind)
 {
     if (has_cases && kind == element::segment) {
-        // Which of both ids a source is says its case.
-        (segment_case == "one" ? group.one : group.others) = segment_source;
+        // Which of both ids a source is says its case, whatever stands before it.
+        if (segment_case == "one" || (segment_case == "1" && group.one.empty()))
+            group.one = segment_source;
+        else if (segment_case == "other" || group.others.empty())
+            group.others = segment_source;
         unit.cases.push_back(segment_case);
         unit.forms.push_back(has_target ? unit.text : std::string());
         unit.text.clear();
@@ -357,12 +360,12 @@ void xliff_reader::close_segment(element kind)
 // A catalog's header, which its converter has made a unit.
 void xliff_reader::close_header()
 {
-    file.plural_field =
-        po_header_field(unit.text.empty() ? unit.reference : unit.text, plural_field);
+    const std::string &header = unit.text.empty() ? unit.reference : unit.text;
+    file.plural_field = po_header_field(header, plural_field);
     file.plural_line = unit.line;
     std::string &code = file.languages.back().code;
     if (code.empty())
-        code = po_header_field(unit.text.empty() ? unit.reference : unit.text, "Language");
+        code = po_language_code(header);
 }
 
 bool xliff_reader::close_unit()
@@ -413,6 +416,13 @@ bool xliff_reader::add_form()
     return true;
 }
 
+bool xliff_reader::has_one_form() const
+{
+    return file.plural_field.empty()
+               ? count_plural_forms(plural_rule_of(file.languages.back().code)).all == 1
+               : file.plural_field.starts_with("nplurals=1;");
+}
+
 // Tells a group's plural. Some tools mark only the later forms of one that is not done.
 void xliff_reader::close_group()
 {
@@ -423,6 +433,10 @@ void xliff_reader::close_group()
     unit.line = whole.line;
     unit.text.clear();
     unit.forms = whole.forms;
+    // A converter gives each source a unit, though the language has but one form.
+    if (has_one_form())
+        while (unit.forms.size() > 1 && unit.forms.back().empty())
+            unit.forms.pop_back();
     unit.fuzzy = whole.fuzzy || (whole.approved_units != 0 && whole.approved_units != whole.units);
     unit.final = !unit.fuzzy && (whole.approved || whole.final_units == whole.units);
     unit.reference = whole.one;

@@ -125,7 +125,7 @@ bool xml_walker::fail_at(std::uint32_t line, const std::string &what)
     return false;
 }
 
-bool xml_walker::fail(const std::string &what) { return fail_at(line(), what); }
+bool xml_walker::fail(const std::string &what) { return fail_at(element_line(), what); }
 
 std::string xml_walker::attribute(const char *name) const
 {

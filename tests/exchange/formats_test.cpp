@@ -264,6 +264,8 @@ TEST(LanguageCode, NamesAndCodesFindEachOther)
     EXPECT_EQ(code_of("German"), "de");
     EXPECT_EQ(code_of("brazilian portuguese"), "pt_BR");
     EXPECT_EQ(code_of("pt-BR"), "pt_BR");
+    EXPECT_EQ(code_of("Portuguese (Brazil)"), "pt_BR");
+    EXPECT_EQ(code_of("Serbian (Latin)"), "sr@latin");
     EXPECT_EQ(code_of("Deutsch (alt)"), "");
     EXPECT_EQ(name_of_code("de"), "german");
     EXPECT_EQ(name_of_code("zh"), "chinese");

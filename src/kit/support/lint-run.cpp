@@ -7,6 +7,7 @@
 #include "lint/conflict.h"
 #include "source/item-index.h"
 #include "support/file_mem.h"
+#include "support/text.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -172,7 +173,7 @@ bool judge_code(const code_job &job, const std::vector<std::unique_ptr<lint_sour
                 inserted.insert(one.item);
             if (all_read && !inserted.empty() && inserted.contains(one.item))
                 tell(one.path, one.at, lint::rule_id::unknown, one.group, one.item->name,
-                     none + shown(std::string(one.group) + ":" + one.item->name));
+                     none + shown(std::string(one.group) + ":" + or_empty(one.item->name)));
         },
         [&](const unread_request &one) {
             tell(one.path, one.at, lint::rule_id::unread, nullptr, nullptr, message_of(one));

@@ -201,7 +201,12 @@ int resolve_conflicts(const std::vector<std::string> &names, bool dry_run)
         any = true;
         status = std::max(status, conflicted(top, file).resolve(dry_run));
     }
-    if (!any)
+    for (const std::string &name : names)
+        if (is_absent(name) && unmerged_files(top, {name}).empty()) {
+            std::fprintf(stderr, "%s: %s: there is no such file\n", word_start, name.c_str());
+            status = status_fault;
+        }
+    if (!any && status == status_fine)
         std::puts("nothing to do");
     return status;
 }

@@ -6,6 +6,7 @@
 #include "kit/support/sources.h"
 #include "kit/words/word-list.h"
 #include "source/item-index.h"
+#include "support/text.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -91,7 +92,7 @@ bool check_source(LangSource *source, const std::vector<std::string> &code,
     const scan_listener listener{
         [&](const found_request &one) {
             if (one.inserted)
-                out.fresh.push_back({one.group, one.item->name, one.path, one.at, {}});
+                out.fresh.push_back({one.group, or_empty(one.item->name), one.path, one.at, {}});
         },
         [&](const unread_request &one) {
             out.unread.push_back({{}, {}, one.path, one.at, message_of(one), "unread"});
