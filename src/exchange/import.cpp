@@ -303,7 +303,11 @@ bool importer::is_outdated(const text_unit &unit, std::string_view reference) co
 
 void importer::take_text(item_t *item, const char *language, const text_unit &unit)
 {
-    if (!unit.fuzzy && !without_end(unit.text).empty())
+    po_id ignored;
+    // A table with the mark still in its remark says that nobody has looked.
+    const bool keeps_mark =
+        request_.comments && unit.note.replaces && read_fuzzy(unit.note.text, ignored);
+    if (!unit.fuzzy && !keeps_mark && !without_end(unit.text).empty())
         confirm(item, language, unit);
     const lang_entry_t *entry = find_entry(item->langs, language);
     std::string buffer;

@@ -102,7 +102,7 @@ private:
         key_ = is_own_ ? attribute("tuid") : "";
         // A key may have characters that stand for bytes elsewhere.
         uncarry(key_, encoding::any);
-        line_ = line();
+        line_ = element_line();
         form_.clear();
         whole_.clear();
         variants_.clear();
