@@ -135,6 +135,8 @@ protected:
         fs::current_path("work");
         job_.prepare();
         fs::current_path("..");
+        job_outcome out{};
+        out.before = zel_test::files_below("work");
         *report = {};
         wanted = fault;
         std::fflush(nullptr);
@@ -142,13 +144,14 @@ protected:
         const pid_t child = fork();
         if (child == 0)
             run_child();
-        job_outcome out{};
         waitpid(child, &out.status, 0);
         took_ = std::chrono::steady_clock::now() - start;
         out.said = zel_test::read_file("said");
         out.muted = report->muted != 0;
         out.left = zel_test::files_below("work");
-        std::erase_if(out.left, [](const auto &file) { return file.first.ends_with(".log"); });
+        std::erase_if(out.left, [](const auto &file) {
+            return file.first.ends_with(".log") || file.first.starts_with(".git/");
+        });
         if (WIFEXITED(out.status))
             out.status = WEXITSTATUS(out.status);
         has_struck_ = fault.row != nullptr ? report->struck != 0 : !fs::exists("untouched");
