@@ -176,7 +176,8 @@ std::string source_stays(const job_outcome &run, const job_outcome &whole)
 // Each file is the old one, or the new one with the old one beside it.
 std::string old_text_stays(const job_outcome &run, const job_outcome &whole)
 {
-    for (const auto &[name, old] : run.before) {
+    for (const auto &[name, text] : run.before) {
+        const std::string &old = text; // clang 14 takes no part of a pair into a lambda
         const std::string *now = find(run.left, name);
         if (now == nullptr)
             return name + " is gone";
