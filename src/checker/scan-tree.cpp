@@ -7,12 +7,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <dirent.h>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include <glib.h>
 
 namespace zel {
 
@@ -44,9 +43,9 @@ struct tree_walk {
 };
 
 struct directory_release {
-    void operator()(GDir *directory) const noexcept { g_dir_close(directory); }
+    void operator()(DIR *directory) const noexcept { closedir(directory); }
 };
-using directory_guard = std::unique_ptr<GDir, directory_release>;
+using directory_guard = std::unique_ptr<DIR, directory_release>;
 
 int search_directory(tree_walk &w, const char *directory);
 
@@ -84,7 +83,8 @@ int search_entry(tree_walk &w, const char *path, const char *name)
 int search_directory(tree_walk &w, const char *directory)
 {
     LogPrint(1, "_check_rec: entry >%s<\n", directory);
-    const directory_guard entries(g_dir_open(directory, 0, nullptr));
+    // GLib's function would leave another cause.
+    const directory_guard entries(opendir(directory));
     if (entries == nullptr) {
         // Logging may change errno.
         const int error = errno;
@@ -97,9 +97,12 @@ int search_directory(tree_walk &w, const char *directory)
     for (;;) {
         // Only errno tells an error from the end of the directory.
         errno = 0;
-        const char *name = g_dir_read_name(entries.get()); // never "." and ".."
-        if (name == nullptr)
+        const dirent *entry = readdir(entries.get());
+        if (entry == nullptr)
             break;
+        const char *name = entry->d_name;
+        if (std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0)
+            continue;
         path.assign(std::strlen(directory) + std::strlen(name) + 4, '\0');
         gen_path(path.data(), 0, directory, name, nullptr);
         if (const int result = search_entry(w, path.c_str(), name); result != 0)

@@ -22,7 +22,7 @@ constexpr format table[] = {
     {"ts", ".ts", files::per_language, write_ts, read_ts, true},
     {"xliff", ".xliff", files::per_language, write_xliff, read_xliff, true},
     {"xliff2", ".xliff", files::per_language, write_xliff2, read_xliff, true},
-    {"tmx", ".tmx", files::per_language, write_tmx, read_tmx},
+    {"tmx", ".tmx", files::per_language, write_tmx, read_tmx, false, nullptr, true},
     {"tbx", ".tbx", files::per_language, write_tbx, read_tbx, false, nullptr, true},
     {"csv", ".csv", files::one, write_csv, read_csv},
     {"json", ".json", files::one, write_json, nullptr, false, read_keyed_json},

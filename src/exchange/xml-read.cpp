@@ -192,11 +192,13 @@ bool xml_walker::step()
     }
 }
 
-fault xml_walker::walk(std::string_view bytes, std::string_view, std::string_view type)
+fault xml_walker::walk(std::string_view bytes, std::string_view format, std::string_view type)
 {
     if (fault wrong = check_utf8(bytes))
         return wrong;
     drop_mark(bytes);
+    if (std::all_of(bytes.begin(), bytes.end(), is_space))
+        return {0, "no " + std::string(format) + ": the file is empty"};
     if (has_document_type(bytes, type))
         return {1, "a document type, which may bring texts from elsewhere"};
     if (fault wrong = find_crowded_element(bytes))

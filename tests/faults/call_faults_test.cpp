@@ -135,6 +135,8 @@ protected:
         fs::current_path("work");
         job_.prepare();
         fs::current_path("..");
+        job_outcome out{};
+        out.before = zel_test::files_below("work");
         *report = {};
         wanted = fault;
         std::fflush(nullptr);
@@ -142,7 +144,6 @@ protected:
         const pid_t child = fork();
         if (child == 0)
             run_child();
-        job_outcome out{};
         waitpid(child, &out.status, 0);
         took_ = std::chrono::steady_clock::now() - start;
         out.said = zel_test::read_file("said");

@@ -16,7 +16,8 @@ struct job_outcome {
     int status;
     std::string said; // on both standard streams,
     bool muted;       // which failed, too
-    files left;       // in the folder
+    files before;     // in the folder
+    files left;
 };
 
 struct fault_job {

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
+#include <link.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sys/file.h>
@@ -364,6 +365,54 @@ void handle_call(int, siginfo_t *info, void *context)
     errno = before;
 }
 
+std::uint32_t half(std::uint64_t value, int which)
+{
+    return static_cast<std::uint32_t>(value >> (32 * which));
+}
+
+sock_filter load(std::size_t at)
+{
+    return BPF_STMT(BPF_LD | BPF_W | BPF_ABS, static_cast<std::uint32_t>(at));
+}
+
+// A filter stays with the programs that this process starts, whose code is at other addresses: only
+// calls that come from the code of this one are looked at.
+void let_others_be(std::vector<sock_filter> &filter)
+{
+    std::vector<std::size_t> hits;
+    const auto take = [&](std::uint64_t begin, std::uint64_t end) {
+        const sock_filter lines[] = {
+            load(offsetof(seccomp_data, instruction_pointer) + 4),
+            BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, half(begin, 1), 0, 4),
+            load(offsetof(seccomp_data, instruction_pointer)),
+            BPF_JUMP(BPF_JMP | BPF_JGE | BPF_K, half(begin, 0), 0, 2),
+            BPF_JUMP(BPF_JMP | BPF_JGT | BPF_K, half(end - 1, 0), 1, 0),
+            BPF_STMT(BPF_JMP | BPF_JA, 0),
+        };
+        filter.insert(filter.end(), std::begin(lines), std::end(lines));
+        hits.push_back(filter.size());
+    };
+    auto each = [](dl_phdr_info *object, std::size_t, void *to) {
+        for (int n = 0; n < object->dlpi_phnum; ++n) {
+            const auto &part = object->dlpi_phdr[n];
+            if (part.p_type != PT_LOAD || (part.p_flags & PF_X) == 0)
+                continue;
+            const std::uint64_t begin = object->dlpi_addr + part.p_vaddr;
+            const std::uint64_t end = begin + part.p_memsz;
+            const std::uint64_t border = (end - 1) >> 32 << 32; // a filter compares 32 bits
+            auto &report_range = *static_cast<decltype(take) *>(to);
+            if (begin < border)
+                report_range(begin, border);
+            report_range(std::max(begin, border), end);
+        }
+        return 0;
+    };
+    dl_iterate_phdr(each, const_cast<void *>(static_cast<const void *>(&take)));
+    filter.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW));
+    for (const std::size_t hit : hits)
+        filter[hit - 1].k = static_cast<std::uint32_t>(filter.size() - hit);
+}
+
 bool look_at_calls(bool sleeps_too = false)
 {
     struct sigaction action {};
@@ -371,19 +420,17 @@ bool look_at_calls(bool sleeps_too = false)
     action.sa_flags = SA_SIGINFO | SA_NODEFER;
     sigaction(SIGSYS, &action, nullptr);
     const auto behind = reinterpret_cast<std::uint64_t>(lang_raw_call_end);
-    const auto half = [](std::uint64_t value, int which) {
-        return static_cast<std::uint32_t>(value >> (32 * which));
-    };
-    constexpr auto address =
-        static_cast<std::uint32_t>(offsetof(seccomp_data, instruction_pointer));
-    std::vector<sock_filter> filter = {
-        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, address),
-        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, half(behind, 0), 0, 3),
-        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, address + 4),
-        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, half(behind, 1), 0, 1),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
-        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
-    };
+    std::vector<sock_filter> filter;
+    let_others_be(filter);
+    for (const sock_filter &line : {
+             load(offsetof(seccomp_data, instruction_pointer)),
+             BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, half(behind, 0), 0, 3),
+             load(offsetof(seccomp_data, instruction_pointer) + 4),
+             BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, half(behind, 1), 0, 1),
+             sock_filter(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW)),
+             load(offsetof(seccomp_data, nr)),
+         })
+        filter.push_back(line);
     const auto look_at = [&filter](std::span<const long> numbers) {
         for (const long number : numbers) {
             filter.push_back(

@@ -63,7 +63,8 @@ bool donor::read(const std::string &path, const LangSource &source, const std::s
         say_fault(path, answer.wrong);
     file_ = std::move(answer.file);
     // Only where a file holds one language may the file's name tell which.
-    const std::string_view named = file_.languages.size() == 1 ? path : std::string_view();
+    const bool by_name = file_.languages.size() == 1 && !exchange::find_format(format)->by_code;
+    const std::string_view named = by_name ? path : std::string_view();
     for (const exchange::said_language &said : file_.languages)
         languages_.push_back(view_of(exchange::find_language(source, said, named, language)));
     return !answer.wrong && (std::string_view(format) != "po" || take_obsolete()) && join_plurals();

@@ -10,6 +10,8 @@
 
 namespace zel::kit {
 
+std::string first_line(const std::string &text) { return text.substr(0, text.find('\n')); }
+
 namespace {
 
 // A path as git prints it: in quotes with the escapes of C where it holds odd bytes.
@@ -43,6 +45,12 @@ void take_line(std::string_view line, std::vector<unmerged_file> &out)
     out.back().is_regular = out.back().is_regular && line.starts_with("100");
 }
 
+// Why git could not be run.
+std::string reason_of(const program_run &run)
+{
+    return run.err.empty() ? "git is not installed" : first_line(run.err);
+}
+
 } // namespace
 
 program_run run_git_program(std::vector<std::string> words, const std::string &folder)
@@ -51,15 +59,13 @@ program_run run_git_program(std::vector<std::string> words, const std::string &f
     return run_program(words, folder);
 }
 
-std::string first_line(const std::string &text) { return text.substr(0, text.find('\n')); }
-
 std::string find_top(const std::string &start)
 {
     const program_run run = run_git_program({"rev-parse", "--show-toplevel"});
     if (run.started && run.status == 0)
         return run.out.substr(0, run.out.rfind('\n'));
     std::fprintf(stderr, "%s: %s\n", start.c_str(),
-                 run.started ? "this is no working tree of a repository" : "git is not installed");
+                 run.started ? "this is no working tree of a repository" : reason_of(run).c_str());
     return {};
 }
 
@@ -68,8 +74,8 @@ std::optional<std::string> kept_text(const std::string &name, const std::string 
 {
     const program_run size = run_git_program({"cat-file", "-s", name}, folder);
     program_run text = run_git_program({"cat-file", "blob", name}, folder);
-    if (!text.started)
-        why = "git is not installed";
+    if (!size.started || !text.started)
+        why = reason_of(size.started ? text : size);
     else if (size.status != 0 || text.status != 0)
         why = first_line(size.status != 0 ? size.err : text.err);
     // What a program prints is had up to its first zero byte only.
@@ -81,13 +87,15 @@ std::optional<std::string> kept_text(const std::string &name, const std::string 
 }
 
 std::vector<unmerged_file> unmerged_files(const std::string &top,
-                                          const std::vector<std::string> &names)
+                                          const std::vector<std::string> &names, std::string &why)
 {
     std::vector<std::string> words{
         "--literal-pathspecs", "-c", "core.quotePath=false", "ls-files", "--unmerged",
         "--full-name",         "--"};
     words.insert(words.end(), names.begin(), names.end());
     const program_run run = run_git_program(words, names.empty() ? top : "");
+    if (run.status != 0)
+        why = reason_of(run);
     std::vector<unmerged_file> out;
     for (std::string_view rest = run.out; !rest.empty();) {
         const std::size_t end = rest.find('\n');

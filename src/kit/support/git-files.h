@@ -31,9 +31,10 @@ struct unmerged_file {
     bool is_regular = true;              // all of them; else a link or another repository
 };
 
-// Those of the named files and folders, of the whole working tree without a name.
+// Those of the named files and folders, of the whole working tree without a name. Where git does
+// not tell, why is filled.
 std::vector<unmerged_file> unmerged_files(const std::string &top,
-                                          const std::vector<std::string> &names);
+                                          const std::vector<std::string> &names, std::string &why);
 
 // A new folder that only this user can enter, which is gone with its files at the end.
 class private_folder {

@@ -2,6 +2,11 @@
 
 #include "kit/support/sources.h"
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <sys/stat.h>
+
 namespace zel::kit {
 
 bool glossary_files::find(const std::string &path, const LangSource *source,
@@ -9,8 +14,15 @@ bool glossary_files::find(const std::string &path, const LangSource *source,
 {
     out = nullptr;
     const std::string file = lint::glossary_path(path);
-    if (source == nullptr || source->default_lang == nullptr || file.empty() || is_absent(file))
+    if (source == nullptr || source->default_lang == nullptr || file.empty())
         return true;
+    struct stat status {};
+    if (stat(file.c_str(), &status) != 0) {
+        if (errno == ENOENT)
+            return true;
+        std::fprintf(stderr, "lang-kit: %s: %s\n", file.c_str(), std::strerror(errno));
+        return false;
+    }
     if (file != path_ || reference_ != source->default_lang) {
         path_ = file;
         reference_ = source->default_lang;

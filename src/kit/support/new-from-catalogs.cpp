@@ -51,10 +51,8 @@ void say_fault(const std::string &path, const exchange::fault &wrong)
 
 int make_from_catalogs(const exchange::new_request &request, const take_catalog &take,
                        const std::string &pot, const std::vector<std::string> &catalogs,
-                       const destination &to)
+                       const destination &to, const seen_file &before)
 {
-    // Looked at before the catalogs: whoever writes the file meanwhile is not overwritten.
-    const seen_file before(to.path);
     exchange::new_source made(request);
     if (!pot.empty() && !take_file(pot, made, &exchange::new_source::take_template))
         return status_fault;
@@ -67,9 +65,9 @@ int make_from_catalogs(const exchange::new_request &request, const take_catalog 
 }
 
 int make_from_keys(const exchange::new_request &request, exchange::keyed_reader read,
-                   const std::vector<std::string> &files, const destination &to)
+                   const std::vector<std::string> &files, const destination &to,
+                   const seen_file &before)
 {
-    const seen_file before(to.path);
     exchange::new_source made(request);
     exchange::keyed_source keys(made, request.default_language);
     std::string path;

@@ -1,10 +1,13 @@
 #include "kit/support/options.h"
 
+#include <cerrno>
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <string_view>
+#include <sys/stat.h>
 
 #include <glib.h>
 
@@ -106,6 +109,15 @@ int wrong_use(const word &self, const std::string &text)
 {
     std::fprintf(stderr, "lang-kit %s: %s\n", self.name, text.c_str());
     return status_fault;
+}
+
+int refuse_present(const word &self, const std::string &path)
+{
+    struct stat status {};
+    if (stat(path.c_str(), &status) == 0)
+        return wrong_use(self, "\"" + path + "\" is there already");
+    // Of a file that cannot be looked at nobody knows.
+    return errno == ENOENT ? status_fine : wrong_use(self, path + ": " + std::strerror(errno));
 }
 
 int choose(const word &self, const char *option_name, const std::string &value,

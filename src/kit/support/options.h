@@ -36,6 +36,9 @@ parsed parse(const word &self, int argc, char **argv, const std::vector<option> 
 // One line on standard error, "lang-kit WORD: text", and the status of wrong use.
 int wrong_use(const word &self, const std::string &text);
 
+// Of a file that must not be there yet: 0, or the status after a line on standard error.
+int refuse_present(const word &self, const std::string &path);
+
 // The position of a value among the names, or -1 after the line that an option's value is wrong.
 int choose(const word &self, const char *option_name, const std::string &value,
            const std::vector<const char *> &names);

@@ -35,14 +35,15 @@ std::vector<std::string_view> lines_of(std::string_view text)
     return out;
 }
 
-// Reads a file of the working tree; empty where there is none or it cannot be read.
-std::string read_file(const std::string &path)
+// Reads a file. False, with errno, where it cannot be read: it must not count as empty.
+bool read_file(const std::string &path, std::string &text)
 {
     char *data = nullptr;
-    const std::int64_t size = zel_read_file_to_mem(path.c_str(), &data);
-    std::string text(data == nullptr ? "" : data, size < 0 ? 0 : static_cast<std::size_t>(size));
+    std::int64_t size = 0;
+    const bool good = zel::read_whole(path.c_str(), data, size) == GOOD;
+    text.assign(good && data != nullptr ? data : "", good ? static_cast<std::size_t>(size) : 0);
     std::free(data);
-    return text;
+    return good;
 }
 
 // One file: its versions, and what is in the working tree.
@@ -69,7 +70,7 @@ public:
         status_ = merge_files(job);
         if (status_ == status_fault)
             say("one of its versions cannot be read, and it stays in conflict");
-        else if (!dry_run && !write(read_file(job.ours)))
+        else if (!dry_run && !write(job.ours))
             status_ = status_fault;
         else if (status_ == status_fine)
             add(dry_run);
@@ -123,9 +124,8 @@ private:
     // Whoever has merged it by hand, or by the driver with conflicts, must not lose that.
     bool may_replace()
     {
-        if (is_absent(path_))
-            return true;
-        present_ = read_file(path_);
+        if (!read_file(path_, present_))
+            return errno == ENOENT || fail(std::strerror(errno)) == status_fine;
         if (present_ == versions_[1] || present_ == versions_[2] ||
             !lint::find_conflict_markers(present_).empty())
             return true;
@@ -150,8 +150,11 @@ private:
         });
     }
 
-    bool write(const std::string &text)
+    bool write(const std::string &merged)
     {
+        std::string text;
+        if (!read_file(merged, text))
+            return fail(std::strerror(errno)) == status_fine;
         if (is_edited()) {
             text_file kept;
             if (!kept.create(path_))
@@ -195,7 +198,14 @@ int resolve_conflicts(const std::vector<std::string> &names, bool dry_run)
         return status_fault;
     int status = status_fine;
     bool any = false;
-    for (const unmerged_file &file : unmerged_files(top, names)) {
+    std::string why;
+    const std::vector<unmerged_file> files = unmerged_files(top, names, why);
+    // Without the list nobody knows whether there is nothing to do.
+    if (!why.empty()) {
+        std::fprintf(stderr, "%s: %s\n", word_start, why.c_str());
+        return status_fault;
+    }
+    for (const unmerged_file &file : files) {
         if (!file.path.ends_with(".lang-src"))
             continue;
         any = true;

@@ -9,6 +9,7 @@
 #include "source/entry.h"
 #include "support/safe-file.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -18,6 +19,10 @@
 namespace zel::kit {
 
 namespace {
+
+// Whoever answers more than this is no translator.
+constexpr std::size_t most_answer = 16 << 20; // bytes
+constexpr std::size_t most_growth = 16;       // and that many for each byte of the question
 
 void append_member(std::string &out, std::string_view name, std::string_view value)
 {
@@ -104,16 +109,19 @@ bool run_command(const std::string &command, const std::string &input, std::stri
     const private_folder folder;
     const std::string path = folder / "wanted";
     // Through a file: a command that answers before it has read all cannot block both sides.
-    if (!folder || replace_file(path.c_str(), input) != 0)
-        return complain_of(command, "there is no room for what it would be asked");
+    if (const int error = folder ? replace_file(path.c_str(), input) : errno)
+        return complain_of(command, std::string("there is no room for what it would be asked: ") +
+                                        std::strerror(error));
     // The file goes once it is open: who ends the command by a signal leaves no texts behind.
     const program_run run = run_program(
         {"/bin/sh", "-c", "exec <\"$1\" || exit; rm -f -- \"$1\" 2>/dev/null; eval \"$2\"",
          "lang-kit", path, command},
-        {});
+        {}, most_answer + most_growth * input.size());
+    if (run.too_much)
+        return complain_of(command, "does not stop answering");
     std::fputs(run.err.c_str(), stderr);
     if (!run.started)
-        return complain_of(command, "cannot be run");
+        return complain_of(command, "cannot be run: " + run.err);
     if (run.status != 0)
         return complain_of(command, "ended with status " + std::to_string(run.status));
     output = run.out;

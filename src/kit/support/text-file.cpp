@@ -3,8 +3,25 @@
 #include <algorithm>
 #include <cstring>
 #include <ctime>
+#include <set>
 
 namespace zel::kit {
+
+namespace {
+
+// Of a file with a lock the handle stays open, and there may be more files than handles.
+constexpr std::size_t most_held = 100;
+
+// A name that this process holds would never get free.
+std::set<std::string> &held_names()
+{
+    static auto *const names = new std::set<std::string>;
+    return *names;
+}
+
+} // namespace
+
+text_file::~text_file() { held_names().erase(held_); }
 
 bool text_file::say(const char *cause) const
 {
@@ -23,7 +40,11 @@ bool text_file::create(const std::string &path)
     // A file whose text stays the same keeps its time and gets no backup.
     if (old_.is_file())
         same_.reset(std::fopen(old_.path.c_str(), "rbe"));
-    const int error = file_.create_beside(old_);
+    const std::string name = old_.path + ".lang-kit.tmp";
+    if (held_names().size() < most_held && held_names().insert(name).second)
+        held_ = name;
+    const int error =
+        held_.empty() || file_.create(held_.c_str(), old_) != 0 ? file_.create_beside(old_) : 0;
     return error == 0 || say(error);
 }
 
@@ -43,8 +64,8 @@ void text_file::append(std::string_view text)
 {
     compare(text);
     file_.append(text);
-    // There may be more files than the process may open.
-    file_.rest();
+    if (held_.empty())
+        file_.rest();
 }
 
 bool text_file::finish()
@@ -52,7 +73,10 @@ bool text_file::finish()
     // The old file must not go on behind the new text.
     if (same_ && (std::fgetc(same_.get()) != EOF || std::ferror(same_.get()) != 0))
         same_.reset();
-    const int error = file_.finish(synced::yes);
+    int error = file_.finish(synced::yes);
+    // Where the old text could not be kept, nothing happens to any file.
+    if (error == 0 && !same_)
+        error = backup_obstacle(old_);
     return error == 0 || say(error);
 }
 

@@ -1,7 +1,8 @@
 #pragma once
 
 // A file that a word makes for others: written whole beside its place and put there at the end.
-// What stood there and differs is kept under its date; the same text is left alone.
+// What stood there and differs is kept under its date; the same text is left alone. What a killed
+// process leaves, as PLACE.lang-kit.tmp, the next one removes.
 
 #include <cstdio>
 #include <memory>
@@ -16,6 +17,9 @@ namespace zel::kit {
 
 class text_file {
 public:
+    text_file() = default;
+    ~text_file();
+
     // Each is false after a line on standard error; then the place is as it was.
     bool create(const std::string &path);
     bool finish(); // the text is complete
@@ -32,6 +36,7 @@ private:
     std::string path_;
     target_file old_;
     safe_file file_;
+    std::string held_; // its name, where that tells whether its maker lives
     // The old text while the new one has been the same so far.
     std::unique_ptr<std::FILE, release<std::fclose>> same_;
 };

@@ -213,19 +213,22 @@ int make_new(const word &self, import_options &options, const exchange::format &
         return wrong_use(self, "--template is for --format po");
     if (options.output.empty())
         return wrong_use(self, "--new needs -o FILE");
-    if (!is_absent(options.output))
-        return wrong_use(self, "\"" + options.output + "\" is there already");
+    // Looked at before: whoever writes the file from here on is not overwritten.
+    const seen_file before(options.output);
+    if (const int status = refuse_present(self, options.output))
+        return status;
     options.fresh.guesses = options.request.guesses;
     options.fresh.now = std::time(nullptr);
     if (row.keyed != nullptr)
-        return make_from_keys(options.fresh, row.keyed, files, {options.output, options.dry_run});
+        return make_from_keys(options.fresh, row.keyed, files, {options.output, options.dry_run},
+                              before);
     take_catalog take = &exchange::new_source::take;
     if (is_ts)
         take = &exchange::new_source::take_ts;
     else if (is_tbx)
         take = exchange::take_tbx;
     return make_from_catalogs(options.fresh, take, options.pot, files,
-                              {options.output, options.dry_run});
+                              {options.output, options.dry_run}, before);
 }
 
 int import_into(const word &self, import_options &options, const exchange::format &row,

@@ -170,6 +170,15 @@ int run_shots(const word &self, int argc, char **argv)
         return line.status;
     if (path.empty())
         return wrong_use(self, "--trace FILE is missing");
+    const std::string &folder = line.files[0];
+    struct stat status {};
+    const int error = zel_stat(folder.c_str(), &status) != 0 ? errno
+                      : S_ISDIR(status.st_mode)              ? 0
+                                                             : ENOTDIR;
+    if (error != 0) {
+        std::fprintf(stderr, "lang-kit: %s: %s\n", folder.c_str(), std::strerror(error));
+        return status_fault;
+    }
     trace asked;
     if (!read_trace(path, asked))
         return status_fault;
@@ -178,7 +187,7 @@ int run_shots(const word &self, int argc, char **argv)
         return status_fault;
     const std::set<text_key> known = texts_of_source(source.get());
     keep_to_the_end(std::move(source));
-    picture_run run(line.files[0], line.files[1], dry_run);
+    picture_run run(folder, line.files[1], dry_run);
     for (const auto &[mark, texts] : asked.marks)
         run.take(mark, texts, known);
     run.look_for_others(asked.marks);

@@ -51,8 +51,8 @@ int run_start(const word &self, int argc, char **argv)
     const std::string &path = line.files.front();
     // Looked at before: a file that appears between the two is not overwritten.
     source_file file{source_guard(lang_alloc_group()), {seen_file(path)}};
-    if (!is_absent(path))
-        return wrong_use(self, "\"" + path + "\" is there already");
+    if (const int status = refuse_present(self, path))
+        return status;
 
     LangSource *source = file.source.get();
     source->format = LANG_SOURCE_UTF8;
