@@ -63,9 +63,9 @@ tab_work::tab_work(tab_work_parts parts)
       findings_only_(make_filter_button(GTK_STOCK_DIALOG_WARNING,
                                         ui_text("tab-edit", "Display only items with findings"),
                                         " (Ctrl+E)")),
-      questions_only_(
-          make_filter_button(GTK_STOCK_DIALOG_QUESTION,
-                             ui_text("tab-edit", "Display only items with open questions"), "")),
+      questions_only_(make_filter_button(
+          GTK_STOCK_DIALOG_QUESTION, ui_text("tab-edit", "Display only items with open questions"),
+          " (Alt+Q)")),
       progress_label_(make_progress_label())
 {
     for (GtkWidget *button : {findings_only_, questions_only_}) {
@@ -76,6 +76,7 @@ tab_work::tab_work(tab_work_parts parts)
         gtk_box_pack_start(GTK_BOX(filters_), button, FALSE, FALSE, 0);
     }
     add_button_key(findings_only_, GDK_KEY_e, GDK_CONTROL_MASK);
+    add_button_key(questions_only_, GDK_KEY_q, GDK_MOD1_MASK);
     watch_panel();
     mark_cells();
     add_keys();
