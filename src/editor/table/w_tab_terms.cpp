@@ -22,6 +22,19 @@ std::string quoted_as_shown(const std::string &text)
     return "\"" + utf8_shown(text.c_str()) + "\"";
 }
 
+// Behind what the status line tells of the source that has just been loaded.
+void tell_fault(const assist::list_fault &fault)
+{
+    std::string text = edit_status_text();
+    text += (text.empty() ? "" : "; ") + std::string(lint::glossary_file) + ": ";
+    // The reader counts columns from 0, people from 1.
+    if (fault.at.line != 0)
+        text += std::string(ui_text("status", "line")) + " " + std::to_string(fault.at.line) +
+                ", " + ui_text("status", "column") + " " + std::to_string(fault.at.column + 1) +
+                ": ";
+    say(text + ui_text("reader", fault.meaning));
+}
+
 // What is selected, in one line without the blanks at its ends and the mark of a mnemonic.
 std::string selection_of(GtkWidget *field)
 {
@@ -81,7 +94,10 @@ void tab_terms::item_shown(const tab_rows &rows, int row, const std::string &ref
         path_ = path;
         stamp_ = stamp;
         reference_language_ = rows.source->default_lang;
-        const source_guard list = path.empty() ? nullptr : assist::read_terms(path);
+        assist::list_fault fault;
+        const source_guard list = path.empty() ? nullptr : assist::read_terms(path, fault);
+        if (fault.meaning != nullptr)
+            tell_fault(fault);
         list_ = list == nullptr
                     ? nullptr
                     : std::make_unique<lint::glossary>(*list, rows.source->default_lang);
