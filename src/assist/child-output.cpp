@@ -12,6 +12,7 @@ namespace zel::assist {
 
 namespace {
 
+constexpr std::chrono::milliseconds long_pause{300};
 constexpr std::size_t piece_size = 1U << 16;
 constexpr int pipe_size = 1 << 20; // bytes; who looks rarely gets much at a time
 
@@ -30,7 +31,7 @@ std::vector<char *> words_of(const std::vector<std::string> &words)
 
 child_output::child_output(const std::vector<std::string> &words, const std::string &folder,
                            const std::vector<std::string> &environment, const limits &most)
-    : most_(most), last_(std::chrono::steady_clock::now() + most.time)
+    : most_(most), read_(std::chrono::steady_clock::now()), last_(read_ + most.time)
 {
     const auto flags = static_cast<GSpawnFlags>(G_SPAWN_DO_NOT_REAP_CHILD |
                                                 G_SPAWN_STDERR_TO_DEV_NULL | G_SPAWN_CLOEXEC_PIPES);
@@ -81,6 +82,11 @@ child_news child_output::look_after_end()
 
 child_news child_output::read()
 {
+    const auto now = std::chrono::steady_clock::now();
+    // A program whose output nobody takes cannot go on.
+    if (now - read_ > long_pause)
+        last_ += now - read_;
+    read_ = now;
     if (fd_ >= 0) {
         char piece[piece_size];
         const ssize_t got = ::read(fd_, piece, sizeof(piece));
@@ -94,7 +100,7 @@ child_news child_output::read()
             close_pipe();
     }
     const child_news news = fd_ >= 0 ? child_news::waits : look_after_end();
-    if (news != child_news::waits || std::chrono::steady_clock::now() < last_)
+    if (news != child_news::waits || now < last_)
         return news;
     end();
     return child_news::failed;

@@ -24,7 +24,7 @@ class child_output {
 public:
     struct limits {
         std::size_t bytes;
-        std::chrono::milliseconds time; // without output at its end
+        std::chrono::milliseconds time; // in which somebody reads
     };
 
     // Words: the program's path and its arguments; environment: "NAME=value". The program starts in
@@ -48,6 +48,7 @@ private:
     void end();
 
     limits most_;
+    std::chrono::steady_clock::time_point read_; // when it was read last
     std::chrono::steady_clock::time_point last_;
     pid_t pid_ = 0; // 0: its status is taken, or somebody else's to take
     int fd_ = -1;

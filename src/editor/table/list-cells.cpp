@@ -11,8 +11,8 @@ GtkCellRendererClass *text_class; // the toolkit's
 GtkCellRendererClass *pixbuf_class;
 
 // Puts signs and the marks that keep a right-to-left text whole into what is drawn; the list's own
-// text has none.
-void mark_runs(GtkCellRenderer *cell)
+// text has none. Returns what is drawn.
+std::string mark_runs(GtkCellRenderer *cell)
 {
     gchar *text = nullptr;
     g_object_get(cell, "text", &text, nullptr);
@@ -21,6 +21,7 @@ void mark_runs(GtkCellRenderer *cell)
     const std::string marked = zel::shown_in_cell(plain);
     if (marked != plain)
         g_object_set(cell, "text", marked.c_str(), nullptr);
+    return marked;
 }
 
 struct text_line {
@@ -41,13 +42,9 @@ text_line font_line(GtkWidget *widget)
 
 // By how much the toolkit would draw the text lower than those beside it: letters of some scripts
 // come from a font with higher lines.
-int lowered_by(GtkCellRenderer *cell, GtkWidget *widget, int room)
+int lowered_by(GtkWidget *widget, const std::string &shown, int room)
 {
     constexpr unsigned char first_far_script = 0xd6; // of UTF-8: Hebrew and what is behind it
-    gchar *text = nullptr;
-    g_object_get(cell, "text", &text, nullptr);
-    const std::string shown = text == nullptr ? "" : text;
-    g_free(text);
     // Measuring takes time, and most texts need none.
     if (std::none_of(shown.begin(), shown.end(),
                      [](char c) { return static_cast<unsigned char>(c) >= first_far_script; }))
@@ -68,7 +65,7 @@ void render_text(GtkCellRenderer *cell, GdkDrawable *window, GtkWidget *widget,
                  GdkRectangle *background, GdkRectangle *area, GdkRectangle *expose,
                  GtkCellRendererState flags)
 {
-    mark_runs(cell);
+    const std::string shown = mark_runs(cell);
     gint padding = 0;
     gint above = 0;
     gtk_cell_renderer_get_padding(cell, &padding, &above);
@@ -80,7 +77,7 @@ void render_text(GtkCellRenderer *cell, GdkDrawable *window, GtkWidget *widget,
     if (room != before)
         g_object_set(cell, "wrap-width", room, nullptr);
     GdkRectangle raised = *area;
-    raised.y -= lowered_by(cell, widget, area->height - 2 * above);
+    raised.y -= lowered_by(widget, shown, area->height - 2 * above);
     text_class->render(cell, window, widget, background, &raised, expose, flags);
 }
 
