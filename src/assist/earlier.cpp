@@ -1,5 +1,6 @@
 #include "assist/earlier.h"
 
+#include "assist/revisions.h"
 #include "assist/source-walk.h"
 #include "source/entry.h"
 #include "support/target-file.h"
@@ -48,6 +49,8 @@ void earlier_texts::stop()
     source_ = nullptr;
     folder_.reset();
     file_.reset();
+    versions_.reset();
+    waits_ = false;
     names_.clear();
     group_ = nullptr;
     // Not cleared: that would keep the memory of its buckets.
@@ -186,6 +189,30 @@ void earlier_texts::read_some()
     ++files_;
 }
 
+// Of which texts git is asked: what a backup tells is nearer.
+void earlier_texts::ask_git()
+{
+    for (const auto &[key, texts] : found_)
+        for (std::size_t lang = 0; lang < texts.size(); ++lang)
+            if (const auto at = rows_.find(key);
+                at != rows_.end() && !texts[lang].reference.empty())
+                at->second.is_open[lang] = false;
+    versions_ = std::make_unique<revisions>(prefix_, limits_.versions, limits_.bytes_of_one);
+}
+
+bool earlier_texts::read_version()
+{
+    std::string text;
+    const revision_news news = versions_->step(text);
+    waits_ = news == revision_news::waits;
+    if (news != revision_news::text)
+        return news != revision_news::over;
+    file_ = std::make_unique<source_walk>(prefix_, std::move(text));
+    if (rows_.empty())
+        collect_from(source_->groups);
+    return true;
+}
+
 bool earlier_texts::do_piece()
 {
     if (folder_ != nullptr)
@@ -196,8 +223,10 @@ bool earlier_texts::do_piece()
         read_some();
     else if (!names_.empty())
         open_next();
+    else if (versions_ == nullptr)
+        ask_git();
     else
-        return false;
+        return read_version();
     return true;
 }
 
@@ -209,7 +238,7 @@ bool earlier_texts::step(std::chrono::steady_clock::time_point until)
         source_ = nullptr; // complete
         stop();
         return false;
-    } while (std::chrono::steady_clock::now() < until);
+    } while (!waits_ && std::chrono::steady_clock::now() < until);
     return true;
 }
 

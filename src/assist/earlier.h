@@ -2,6 +2,7 @@
 
 // What the originals of a source's texts were when these were translated, as the dated backups
 // beside the source tell: where a translation is the same in a backup and its original is not.
+// Of what these tell nothing, the versions do that git keeps of the source, in the same way.
 //
 // A translation is as old as the backups, newest first and without a gap, that have it; its
 // original is that of the oldest of them. Where it was not ready in one of them and is now,
@@ -23,6 +24,7 @@
 
 namespace zel::assist {
 
+class revisions;
 class source_walk;
 
 // The newest backups are read, and behind them the last one of each day.
@@ -30,7 +32,8 @@ struct earlier_limits {
     std::size_t newest = 10;
     std::size_t files = 20;
     std::size_t bytes = 64U << 20;        // of all of them
-    std::size_t bytes_of_one = 16U << 20; // of a file
+    std::size_t bytes_of_one = 16U << 20; // of a file, or a version of git
+    std::size_t versions = 10;            // of git
 };
 
 class earlier_texts {
@@ -48,11 +51,11 @@ public:
     // was read to its end stays.
     void stop();
 
-    // Does a piece of the work and goes on until then; a little longer where a file is opened or
-    // released. False when there is none left.
+    // Does a piece of the work and goes on until then, or until git is waited for; a little longer
+    // where a file is opened or released. False when there is none left.
     bool step(std::chrono::steady_clock::time_point until);
 
-    // How many backups have been gone through.
+    // How many backups and versions have been gone through.
     std::size_t files() const { return files_; }
 
     // The original of which the item's translation into a language of the query was made, where
@@ -76,6 +79,8 @@ private:
     void collect_some();
     void open_next();
     void read_some();
+    void ask_git();
+    bool read_version();
     bool do_piece();
     void compare(const LangSource &backup, const edit_t &group, const item_t *before);
     void compare(held &now, const std::string &key, const item_t *before, std::size_t lang);
@@ -95,6 +100,8 @@ private:
     std::string prefix_;                                     // of the backups' paths
     std::set<std::string, std::greater<std::string>> names_; // that are still to be read
     std::unique_ptr<source_walk> file_;                      // null between two
+    std::unique_ptr<revisions> versions_;                    // once the backups are read
+    bool waits_ = false;                                     // for git
     std::size_t files_ = 0;
     std::size_t bytes_ = 0;
     std::unordered_map<std::string, std::array<found, 2>> found_;

@@ -18,12 +18,19 @@ namespace zel::assist {
 
 namespace {
 
-source_guard read_list(const std::string &path, std::int64_t now, bool &whole)
+source_guard read_list(const std::string &path, std::int64_t now, list_fault &fault)
 {
     struct stat status {};
-    if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
+    if (stat(path.c_str(), &status) != 0)
         return nullptr;
-    const auto hear = [&](const read_message &message) { whole = whole && !is_loss(*message.row); };
+    if (!S_ISREG(status.st_mode)) {
+        fault.meaning = "it is no regular file";
+        return nullptr;
+    }
+    const auto hear = [&](const read_message &message) {
+        if (fault.meaning == nullptr && is_loss(*message.row))
+            fault = {message.row->meaning, message.at};
+    };
     return std::move(read_source(path.c_str(), {now, hear, nullptr}).source);
 }
 
@@ -128,19 +135,18 @@ source_guard new_list(const LangSource &like)
 
 } // namespace
 
-source_guard read_terms(const std::string &path)
+source_guard read_terms(const std::string &path, list_fault &fault)
 {
-    bool whole = true;
-    return read_list(path, 0, whole);
+    return read_list(path, 0, fault);
 }
 
 term_answer add_term(const std::string &path, const LangSource &like, const term_pair &pair,
                      std::int64_t now)
 {
     const file_stamp before = stamp_of(path.c_str());
-    bool whole = true;
-    const source_guard list = is_there(path.c_str()) ? read_list(path, now, whole) : new_list(like);
-    if (list == nullptr || !whole)
+    list_fault fault;
+    const source_guard list = is_there(path.c_str()) ? read_list(path, now, fault) : new_list(like);
+    if (list == nullptr || fault.meaning != nullptr)
         return {term_news::unreadable, {}};
     define_like(list.get(), like, like.default_lang);
     define_like(list.get(), like, pair.language.c_str());

@@ -6,11 +6,18 @@
 #include <string>
 
 #include "source/model.h"
+#include "source/read-message.h"
 
 namespace zel::assist {
 
+// The first thing of a list that could not be read, and its place in the file (line 0: none).
+struct list_fault {
+    const char *meaning = nullptr; // as the reader's messages have it; null: the whole list is read
+    place at;
+};
+
 // Null when there is no regular file, or it does not read.
-source_guard read_terms(const std::string &path);
+source_guard read_terms(const std::string &path, list_fault &fault);
 
 struct term_pair {
     std::string term;

@@ -3,6 +3,7 @@
 #include "exchange/carry.h"
 #include "exchange/item-finder.h"
 #include "exchange/key.h"
+#include "exchange/keyed-file.h"
 #include "exchange/language-code.h"
 #include "exchange/plural-text.h"
 #include "exchange/po-read.h"
@@ -422,10 +423,24 @@ fault new_source::take_ts(const std::string &path, std::string_view bytes)
         !named.empty() && file.language.code.starts_with(named + "_"))
         file.language.code = named;
     fault wrong = take_messages(of, file.language, file.plural_field, file.messages);
-    for (const std::string &line : file.notes)
-        note(of, 0, line);
+    for (std::size_t i = 0; i < file.notes.size(); ++i)
+        if (file.places != 0 && i == file.places_note)
+            note_places(of, file.places);
+        else
+            note(of, 0, file.notes[i]);
     obsolete_ += file.obsolete;
     return wrong;
+}
+
+// Files of one project say the same of themselves: they share a line, where the first one stood.
+void new_source::note_places(const catalog &of, std::size_t texts)
+{
+    places_ += texts;
+    if (++files_with_places_ == 1) {
+        places_note_ = notes_.size();
+        return note(of, 0, places_line(texts));
+    }
+    notes_[places_note_] = counted_words(files_with_places_, "file") + ": " + places_line(places_);
 }
 
 fault new_source::take_language(const std::string &path, const said_language &language,

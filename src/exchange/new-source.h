@@ -121,6 +121,7 @@ private:
                          const std::string &text);
     item_t *item_of(const catalog &of, const po_message &message, const part &one);
     void note(const catalog &of, std::uint32_t line, const std::string &text);
+    void note_places(const catalog &of, std::size_t texts);
     item_t *make_item(const std::string &group, const std::string &name, const po_message &message);
     static std::string came(const catalog &of, std::string text);
     std::string group_of(const po_message &message) const;
@@ -140,6 +141,9 @@ private:
     std::uint32_t forms_ = 0;
     std::uint32_t obsolete_ = 0;
     std::vector<std::string> notes_;
+    std::size_t places_ = 0; // texts with %n or %1, of all files
+    std::size_t files_with_places_ = 0;
+    std::size_t places_note_ = 0; // the line that tells them
 };
 
 } // namespace zel::exchange

@@ -437,9 +437,11 @@ fault resolver::run()
     if (told_apart_ != 0)
         file_.notes.push_back(counted_words(told_apart_, "message") +
                               " told apart by a comment: the groups are \"context|comment\"");
-    if (places_ != 0)
-        file_.notes.push_back(counted_words(places_, "text") +
-                              " with %n or %1, which printf takes for something else");
+    if (places_ != 0) {
+        file_.places = places_;
+        file_.places_note = file_.notes.size();
+        file_.notes.push_back(places_line(places_));
+    }
     if (nameless != 0)
         file_.notes.push_back("left out " + counted_words(nameless, "message") +
                               " without a source or an id");
@@ -481,6 +483,11 @@ text_unit unit_of(po_message &&message, bool own, encoding good)
 }
 
 } // namespace
+
+std::string places_line(std::size_t texts)
+{
+    return counted_words(texts, "text") + " with %n or %1, which printf takes for something else";
+}
 
 fault read_ts_file(std::string_view bytes, ts_file &file)
 {

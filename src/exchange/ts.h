@@ -44,8 +44,13 @@ struct ts_file {
     std::vector<po_message> messages; // but obsolete ones
     std::uint32_t obsolete = 0;
     std::vector<std::string> notes; // what somebody should know, a line each
+    std::size_t places = 0;         // texts with %n or %1
+    std::size_t places_note = 0;    // which of the notes tells them
 };
 fault read_ts_file(std::string_view bytes, ts_file &file);
+
+// The note on texts with %n or %1.
+std::string places_line(std::size_t texts);
 
 // How the toolkit counts in a language, by its code, as the field of a catalog's header
 // (exchange/plural-header.h); empty for none.

@@ -141,6 +141,7 @@ const std::vector<key_row> &editor_keys()
          "all, is not"},
         {"Ctrl+U", "next item without a translation, whatever is shown"},
         {"Ctrl+E", "only items with findings, or all"},
+        {"Alt+Q", "only items with open questions, or all"},
         {"Alt+M", "ready or not"},
         {"Ctrl+Return", "ready, and to the next such item in the same field"},
         {"Ctrl+Space", "take the suggestion"},

@@ -81,11 +81,14 @@ GdkColor mixed(const GdkColor &a, const GdkColor &b, unsigned parts_of_a, unsign
     return {0, mix(a.red, b.red), mix(a.green, b.green), mix(a.blue, b.blue)};
 }
 
-// Draws the view on the panel's ground, so that nobody takes it for a field.
+// Draws the view on the panel's ground, so that nobody takes it for a field. Some themes have
+// another ground within a notebook: what scrolls the panel draws it.
 void follow_view(GtkWidget *row, GtkStyle *, gpointer view)
 {
+    GtkWidget *panel = gtk_widget_get_ancestor(row, GTK_TYPE_VIEWPORT);
     const GtkStyle *style = gtk_widget_get_style(row);
-    const GdkColor &ground = style->bg[GTK_STATE_NORMAL];
+    const GdkColor &ground =
+        gtk_widget_get_style(panel == nullptr ? row : panel)->bg[GTK_STATE_NORMAL];
     // Less faint than the label beside it: this text is to be read.
     const GdkColor letters = mixed(style->fg[GTK_STATE_NORMAL], ground, 3, 4);
     for (const GtkStateType state : {GTK_STATE_NORMAL, GTK_STATE_INSENSITIVE})
@@ -150,6 +153,38 @@ void show_language(text_below &below, const char *name)
     set_accessible_name(below.view, caption.c_str());
 }
 
+int baseline_of(GtkWidget *widget, const char *text)
+{
+    PangoLayout *layout = gtk_widget_create_pango_layout(widget, text);
+    const int baseline = PANGO_PIXELS(pango_layout_get_baseline(layout));
+    g_object_unref(layout);
+    return baseline;
+}
+
+// What is measured of the view's text: a long one would be laid out as a whole.
+std::string measured_text(GtkWidget *view)
+{
+    GtkTextBuffer *buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(view));
+    GtkTextIter start;
+    GtkTextIter end;
+    gtk_text_buffer_get_start_iter(buffer, &start);
+    gtk_text_buffer_get_iter_at_offset(buffer, &end, most_measured);
+    gchar *text = gtk_text_buffer_get_text(buffer, &start, &end, FALSE);
+    std::string out = text;
+    g_free(text);
+    return out;
+}
+
+// Puts the label level with the text's first line, whose letters may come from a font with higher
+// lines.
+void level_label(const text_below &below)
+{
+    const std::string text = measured_text(below.view);
+    const int lower = baseline_of(below.view, text.substr(0, text.find('\n')).c_str()) -
+                      baseline_of(below.label, gtk_label_get_text(GTK_LABEL(below.label)));
+    gtk_misc_set_padding(GTK_MISC(below.label), 0, std::max(lower, 0));
+}
+
 void show_text(text_below &below, lang_entry_t *entry)
 {
     GtkTextBuffer *buffer = gtk_text_view_get_buffer(GTK_TEXT_VIEW(below.view));
@@ -181,6 +216,7 @@ void show(Zeltext *text, int field)
     }
     show_language(below, name);
     show_text(below, misc_select_lang_entry(text->item, name));
+    level_label(below);
     gtk_widget_queue_resize(below.row); // the text may want another height
 }
 
@@ -352,14 +388,8 @@ below_height text_below_height(Zeltext *text, int field)
     if (gtk_widget_get_visible(below.row) == 0)
         return {0, 0};
     GtkTextView *view = GTK_TEXT_VIEW(below.view);
-    GtkTextBuffer *buffer = gtk_text_view_get_buffer(view);
-    GtkTextIter start;
-    GtkTextIter end;
-    gtk_text_buffer_get_start_iter(buffer, &start);
-    // No more letters than the most lines can hold: a long text would be laid out as a whole.
-    gtk_text_buffer_get_iter_at_offset(buffer, &end, most_measured);
-    gchar *measured = gtk_text_buffer_get_text(buffer, &start, &end, FALSE);
-    PangoLayout *layout = gtk_widget_create_pango_layout(below.view, measured);
+    PangoLayout *layout =
+        gtk_widget_create_pango_layout(below.view, measured_text(below.view).c_str());
     GtkAllocation place{};
     gtk_widget_get_allocation(below.view, &place);
     const int width =
@@ -378,7 +408,6 @@ below_height text_below_height(Zeltext *text, int field)
         height.least = line == 0 ? height.most : height.least;
     }
     g_object_unref(layout);
-    g_free(measured);
     return height;
 }
 

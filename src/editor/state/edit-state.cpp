@@ -58,6 +58,11 @@ void edit_status(const char *text)
     set_accessible_name(statusWin, shown.empty() ? "Status" : shown.c_str());
 }
 
+std::string edit_status_text()
+{
+    return statusWin == nullptr ? "" : gtk_entry_get_text(GTK_ENTRY(statusWin));
+}
+
 unsigned edit_changes;
 
 void edit_set_modified(bool modified)

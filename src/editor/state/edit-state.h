@@ -5,6 +5,8 @@
 
 #include <gtk/gtk.h>
 
+#include <string>
+
 #include "editor/state/edit-ctrl.h"
 #include "source/model.h"
 
@@ -43,6 +45,7 @@ public:
 
 // The status line; null empties it.
 void edit_status(const char *text);
+[[nodiscard]] std::string edit_status_text();
 
 // Counts the changes: a caller that remembers the number can tell later whether there were some.
 extern unsigned edit_changes;

@@ -2,14 +2,17 @@
 
 #include "editor/toolkit/text-runs.h"
 
+#include <algorithm>
+#include <string>
+
 namespace {
 
 GtkCellRendererClass *text_class; // the toolkit's
 GtkCellRendererClass *pixbuf_class;
 
 // Puts signs and the marks that keep a right-to-left text whole into what is drawn; the list's own
-// text has none.
-void mark_runs(GtkCellRenderer *cell)
+// text has none. Returns what is drawn.
+std::string mark_runs(GtkCellRenderer *cell)
 {
     gchar *text = nullptr;
     g_object_get(cell, "text", &text, nullptr);
@@ -18,6 +21,43 @@ void mark_runs(GtkCellRenderer *cell)
     const std::string marked = zel::shown_in_cell(plain);
     if (marked != plain)
         g_object_set(cell, "text", marked.c_str(), nullptr);
+    return marked;
+}
+
+struct text_line {
+    int height; // in pixels
+    int ascent;
+};
+
+text_line font_line(GtkWidget *widget)
+{
+    PangoFontMetrics *font = pango_context_get_metrics(
+        gtk_widget_get_pango_context(widget), gtk_widget_get_style(widget)->font_desc, nullptr);
+    const int ascent = pango_font_metrics_get_ascent(font);
+    const text_line line{PANGO_PIXELS_CEIL(ascent + pango_font_metrics_get_descent(font)),
+                         PANGO_PIXELS(ascent)};
+    pango_font_metrics_unref(font);
+    return line;
+}
+
+// By how much the toolkit would draw the text lower than those beside it: letters of some scripts
+// come from a font with higher lines.
+int lowered_by(GtkWidget *widget, const std::string &shown, int room)
+{
+    constexpr unsigned char first_far_script = 0xd6; // of UTF-8: Hebrew and what is behind it
+    // Measuring takes time, and most texts need none.
+    if (std::none_of(shown.begin(), shown.end(),
+                     [](char c) { return static_cast<unsigned char>(c) >= first_far_script; }))
+        return 0;
+    PangoLayout *layout = gtk_widget_create_pango_layout(widget, shown.c_str());
+    pango_layout_set_single_paragraph_mode(layout, TRUE);
+    text_line own{0, PANGO_PIXELS(pango_layout_get_baseline(layout))};
+    pango_layout_get_pixel_size(layout, nullptr, &own.height);
+    g_object_unref(layout);
+    const auto baseline = [room](const text_line &line) {
+        return std::max(0, (room - line.height) / 2) + line.ascent;
+    };
+    return baseline(own) - baseline(font_line(widget));
 }
 
 // For a text in one paragraph the width to wrap at is also the width to shorten to.
@@ -25,9 +65,10 @@ void render_text(GtkCellRenderer *cell, GdkDrawable *window, GtkWidget *widget,
                  GdkRectangle *background, GdkRectangle *area, GdkRectangle *expose,
                  GtkCellRendererState flags)
 {
-    mark_runs(cell);
+    const std::string shown = mark_runs(cell);
     gint padding = 0;
-    gtk_cell_renderer_get_padding(cell, &padding, nullptr);
+    gint above = 0;
+    gtk_cell_renderer_get_padding(cell, &padding, &above);
     gint before = 0;
     PangoEllipsizeMode shortened = PANGO_ELLIPSIZE_NONE;
     g_object_get(cell, "wrap-width", &before, "ellipsize", &shortened, nullptr);
@@ -35,7 +76,9 @@ void render_text(GtkCellRenderer *cell, GdkDrawable *window, GtkWidget *widget,
     // Setting a property notifies its listeners, and this is done for each cell that is drawn.
     if (room != before)
         g_object_set(cell, "wrap-width", room, nullptr);
-    text_class->render(cell, window, widget, background, area, expose, flags);
+    GdkRectangle raised = *area;
+    raised.y -= lowered_by(widget, shown, area->height - 2 * above);
+    text_class->render(cell, window, widget, background, &raised, expose, flags);
 }
 
 // Gives all rows the height of a line of the font: letters of other scripts may be higher, and so
@@ -47,14 +90,9 @@ void size_text(GtkCellRenderer *cell, GtkWidget *widget, GdkRectangle *area, gin
     text_class->get_size(cell, widget, area, x, y, width, height);
     if (height == nullptr)
         return;
-    PangoFontMetrics *font = pango_context_get_metrics(
-        gtk_widget_get_pango_context(widget), gtk_widget_get_style(widget)->font_desc, nullptr);
     gint padding = 0;
     gtk_cell_renderer_get_padding(cell, nullptr, &padding);
-    *height = PANGO_PIXELS_CEIL(pango_font_metrics_get_ascent(font) +
-                                pango_font_metrics_get_descent(font)) +
-              2 * padding;
-    pango_font_metrics_unref(font);
+    *height = font_line(widget).height + 2 * padding;
 }
 
 void text_class_init(gpointer klass, gpointer)

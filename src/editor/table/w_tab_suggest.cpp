@@ -461,7 +461,9 @@ void tab_suggest::add_term()
     const int field = text_focused_field(panel_);
     if (row_ < 0 || (field != TEXT_TRANS1 && field != TEXT_TRANS2) || lang_of(field) == nullptr)
         edit_status(ui_text("tab-edit", "Select a term, or its translation"));
-    else if (terms_.take_selection(*rows_->source, panel_->*fields[field].view, *lang_of(field)))
+    else if (const int other = field == TEXT_TRANS1 ? TEXT_TRANS2 : TEXT_TRANS1;
+             terms_.take_selection(*rows_->source, {panel_->*fields[field].view, lang_of(field)},
+                                   {panel_->*fields[other].view, lang_of(other)}))
         item_shown(row_);
 }
 

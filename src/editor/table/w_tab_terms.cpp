@@ -22,6 +22,19 @@ std::string quoted_as_shown(const std::string &text)
     return "\"" + utf8_shown(text.c_str()) + "\"";
 }
 
+// Behind what the status line tells of the source that has just been loaded.
+void tell_fault(const assist::list_fault &fault)
+{
+    std::string text = edit_status_text();
+    text += (text.empty() ? "" : "; ") + std::string(lint::glossary_file) + ": ";
+    // The reader counts columns from 0, people from 1.
+    if (fault.at.line != 0)
+        text += std::string(ui_text("status", "line")) + " " + std::to_string(fault.at.line) +
+                ", " + ui_text("status", "column") + " " + std::to_string(fault.at.column + 1) +
+                ": ";
+    say(text + ui_text("reader", fault.meaning));
+}
+
 // What is selected, in one line without the blanks at its ends and the mark of a mnemonic.
 std::string selection_of(GtkWidget *field)
 {
@@ -43,12 +56,33 @@ std::string selection_of(GtkWidget *field)
 
 } // namespace
 
+tab_terms::tab_terms(Zeltext *panel) : panel_(panel)
+{
+    for (GtkWidget *view : {panel_->trans1_view, panel_->trans2_view}) {
+        g_signal_connect(view, "notify::is-focus", G_CALLBACK(focus_moved), this);
+        g_signal_connect_swapped(buffer_of(view), "changed", G_CALLBACK(+[](gpointer self) {
+                                     static_cast<tab_terms *>(self)->left_selection_.clear();
+                                 }),
+                                 this);
+    }
+}
+
+void tab_terms::focus_moved(GtkWidget *view, GParamSpec *, gpointer data)
+{
+    auto *self = static_cast<tab_terms *>(data);
+    if (gtk_widget_is_focus(view))
+        return;
+    self->left_ = view;
+    self->left_selection_ = selection_of(view);
+}
+
 void tab_terms::item_shown(const tab_rows &rows, int row, const std::string &reference)
 {
     const item_t *item = row < 0 ? nullptr : rows.rows[static_cast<std::size_t>(row)].item;
     if (item != item_) {
         term_.clear();
         translation_.clear();
+        left_selection_.clear();
     }
     item_ = item;
     hits_.clear();
@@ -60,7 +94,10 @@ void tab_terms::item_shown(const tab_rows &rows, int row, const std::string &ref
         path_ = path;
         stamp_ = stamp;
         reference_language_ = rows.source->default_lang;
-        const source_guard list = path.empty() ? nullptr : assist::read_terms(path);
+        assist::list_fault fault;
+        const source_guard list = path.empty() ? nullptr : assist::read_terms(path, fault);
+        if (fault.meaning != nullptr)
+            tell_fault(fault);
         list_ = list == nullptr
                     ? nullptr
                     : std::make_unique<lint::glossary>(*list, rows.source->default_lang);
@@ -111,10 +148,20 @@ tab_terms::offer tab_terms::lacking(const std::string &language, const std::stri
     return out;
 }
 
-bool tab_terms::take_selection(const LangSource &source, GtkWidget *field,
-                               const std::string &language)
+void tab_terms::take(const LangSource &source, const std::string &selected,
+                     const std::string &language)
 {
-    const std::string selected = selection_of(field);
+    if (lint::same_language(language.c_str(), source.default_lang)) {
+        term_ = selected;
+    } else {
+        translation_ = selected;
+        language_ = language;
+    }
+}
+
+bool tab_terms::take_selection(const LangSource &source, const field &own, const field &other)
+{
+    const std::string selected = selection_of(own.view);
     if (selected.empty()) {
         say(ui_text("tab-edit", "Select a term, or its translation"));
         return false;
@@ -123,12 +170,9 @@ bool tab_terms::take_selection(const LangSource &source, GtkWidget *field,
         say(ui_text("tab-edit", "This is the list of terms itself"));
         return false;
     }
-    if (lint::same_language(language.c_str(), source.default_lang)) {
-        term_ = selected;
-    } else {
-        translation_ = selected;
-        language_ = language;
-    }
+    if (left_ == other.view && !left_selection_.empty() && other.language != nullptr)
+        take(source, left_selection_, *other.language);
+    take(source, selected, *own.language);
     if (!term_.empty() && !translation_.empty())
         return add(source);
     say(quoted_as_shown(selected) + ": " +
@@ -167,6 +211,7 @@ bool tab_terms::add(const LangSource &source)
     say(std::string(lint::glossary_file) + ": " + text);
     term_.clear();
     translation_.clear();
+    left_selection_.clear();
     return answer.news == assist::term_news::added;
 }
 

@@ -25,6 +25,7 @@ constexpr int before_judging = 50; // milliseconds
 constexpr int between_judging = 4;
 constexpr gint64 judging_time = 4000; // microseconds
 constexpr std::uint32_t rows_judged_at_once = 32;
+constexpr int shortest_progress = 2;
 
 const char *name_of(const std::unique_ptr<std::string> &lang)
 {
@@ -47,6 +48,15 @@ bool is_on(GtkWidget *button)
     return gtk_toggle_button_get_active(GTK_TOGGLE_BUTTON(button)) != 0;
 }
 
+int width_of(GtkWidget *label, const std::string &text)
+{
+    PangoLayout *layout = gtk_widget_create_pango_layout(label, text.c_str());
+    int width = 0;
+    pango_layout_get_pixel_size(layout, &width, nullptr);
+    g_object_unref(layout);
+    return width;
+}
+
 GtkWidget *make_progress_label()
 {
     GtkWidget *label = gtk_label_new(nullptr);
@@ -63,9 +73,9 @@ tab_work::tab_work(tab_work_parts parts)
       findings_only_(make_filter_button(GTK_STOCK_DIALOG_WARNING,
                                         ui_text("tab-edit", "Display only items with findings"),
                                         " (Ctrl+E)")),
-      questions_only_(
-          make_filter_button(GTK_STOCK_DIALOG_QUESTION,
-                             ui_text("tab-edit", "Display only items with open questions"), "")),
+      questions_only_(make_filter_button(
+          GTK_STOCK_DIALOG_QUESTION, ui_text("tab-edit", "Display only items with open questions"),
+          " (Alt+Q)")),
       progress_label_(make_progress_label())
 {
     for (GtkWidget *button : {findings_only_, questions_only_}) {
@@ -75,7 +85,15 @@ tab_work::tab_work(tab_work_parts parts)
                          this);
         gtk_box_pack_start(GTK_BOX(filters_), button, FALSE, FALSE, 0);
     }
+    g_signal_connect(progress_label_, "size-allocate",
+                     G_CALLBACK(+[](GtkWidget *, GtkAllocation *place, gpointer data) {
+                         auto *self = static_cast<tab_work *>(data);
+                         if (place->width != self->progress_room_ && self->progress_.count() != 0)
+                             self->show_progress();
+                     }),
+                     this);
     add_button_key(findings_only_, GDK_KEY_e, GDK_CONTROL_MASK);
+    add_button_key(questions_only_, GDK_KEY_q, GDK_MOD1_MASK);
     watch_panel();
     mark_cells();
     add_keys();
@@ -276,11 +294,10 @@ bool tab_work::counts(std::size_t i) const
            (*langs[1 - i] == nullptr || g_strcmp0(lang, parts_.rows->source->default_lang) != 0);
 }
 
-void tab_work::show_progress()
+// The sums, whole or with less and less in them: those of the list stand beside them anyway, and
+// what is to do matters most.
+std::string tab_work::progress_text(int shortened) const
 {
-    // Sums of a part would look like those of the whole, and change several times a second.
-    if (!progress_.is_all_known() || parts_.rows->source == nullptr)
-        return;
     const tab_rows &rows = *parts_.rows;
     const std::unique_ptr<std::string> *langs[] = {&rows.lang1, &rows.lang2};
     std::string text;
@@ -290,10 +307,14 @@ void tab_work::show_progress()
         const std::size_t translated = progress_.of_language(i).translated;
         const std::size_t findings = progress_.of_language(i).findings;
         const std::size_t all = progress_.count();
-        text += (text.empty() ? "" : "   ") + utf8_shown(name_of(*langs[i])) + ": " +
-                assist::grouped(translated) + " " + ui_text("tab-edit", "of") + " " +
-                assist::grouped(all) + ", " + assist::grouped(all - translated) + " " +
-                ui_text("tab-edit", "to do") + ", " + assist::grouped(findings) + " " +
+        text += (text.empty() ? "" : "   ") + utf8_shown(name_of(*langs[i])) + ": ";
+        if (shortened == 0)
+            text += assist::grouped(translated) + " " + ui_text("tab-edit", "of") + " " +
+                    assist::grouped(all) + ", ";
+        text += assist::grouped(all - translated) + " " + ui_text("tab-edit", "to do");
+        if (shortened < shortest_progress)
+            text +=
+                ", " + assist::grouped(findings) + " " +
                 (findings == 1 ? ui_text("tab-edit", "finding") : ui_text("tab-edit", "findings"));
     }
     // Of both languages: who answers sees the question in the one in which it was asked.
@@ -303,8 +324,33 @@ void tab_work::show_progress()
         text +=
             (text.empty() ? "" : "   ") + assist::grouped(questions) + " " +
             (questions == 1 ? ui_text("tab-edit", "question") : ui_text("tab-edit", "questions"));
-    if (text != gtk_label_get_text(GTK_LABEL(progress_label_)))
-        gtk_label_set_text(GTK_LABEL(progress_label_), text.c_str());
+    return text;
+}
+
+void tab_work::show_progress()
+{
+    // Sums of a part would look like those of the whole, and change several times a second.
+    if (progress_.is_all_known() && parts_.rows->source != nullptr)
+        fit_progress();
+}
+
+// What has no room is told by the tooltip.
+void tab_work::fit_progress()
+{
+    GtkAllocation place{};
+    gtk_widget_get_allocation(progress_label_, &place);
+    progress_room_ = place.width;
+    const std::string whole = progress_text(0);
+    std::string text = whole;
+    // A label that has no place yet is one pixel wide.
+    for (int shortened = 1; shortened <= shortest_progress && place.width > 1 &&
+                            width_of(progress_label_, text) > place.width;
+         ++shortened)
+        text = progress_text(shortened);
+    if (text == gtk_label_get_text(GTK_LABEL(progress_label_)))
+        return;
+    gtk_label_set_text(GTK_LABEL(progress_label_), text.c_str());
+    gtk_widget_set_tooltip_text(progress_label_, text == whole ? nullptr : whole.c_str());
 }
 
 // Whether somebody marks this source's items as ready. Where nobody does, as after an import, "not

@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "assist/progress.h"
 #include "editor/panel/w_text_panel.h"
@@ -79,6 +80,8 @@ private:
     void judge_shown();
     void show_nothing();
     void show_progress();
+    std::string progress_text(int shortened) const;
+    void fit_progress();
     bool counts(std::size_t i) const;
     bool uses_ready() const;
     bool has_work(std::uint32_t row, bool by_ready);
@@ -94,6 +97,7 @@ private:
     GtkWidget *findings_only_;
     GtkWidget *questions_only_;
     GtkWidget *progress_label_;
+    int progress_room_ = 0; // in which its text was fitted
     assist::progress progress_;
     std::uint32_t next_row_ = 0; // where the next slice begins
     int item_row_ = -1;          // whose item is shown
