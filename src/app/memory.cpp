@@ -95,6 +95,8 @@ void prepare_heap()
         madvise(reinterpret_cast<void *>(from), to - from, MADV_HUGEPAGE);
 }
 
+void give_back_memory() { malloc_trim(0); }
+
 void end_without_memory(const char *program, int status)
 {
     program_name = program;

@@ -136,7 +136,8 @@ void earlier_texts::open_next()
     if (!text)
         return;
     bytes_ += text->size();
-    file_ = std::make_unique<source_walk>(path, std::move(*text));
+    file_ = std::make_unique<source_walk>(
+        path, std::move(*text), [this](std::string_view language) { return query_.has(language); });
 }
 
 // Blank lines at the end are no part of a text: storing drops them.

@@ -25,7 +25,8 @@ struct neighbour_texts::file {
     source_walk walk;
     const edit_t *group = nullptr; // whose items are kept
 
-    file(std::string given, std::string text) : name(std::move(given)), walk(name, std::move(text))
+    file(std::string given, std::string text, source_walk::keeps kept)
+        : name(std::move(given)), walk(name, std::move(text), std::move(kept))
     {
     }
 };
@@ -149,7 +150,8 @@ void neighbour_texts::open_next()
         return;
     ++files_;
     bytes_ += text->size();
-    file_ = std::make_unique<file>(name, std::move(*text));
+    file_ = std::make_unique<file>(
+        name, std::move(*text), [this](std::string_view language) { return query_.has(language); });
 }
 
 void neighbour_texts::do_piece()
@@ -169,8 +171,11 @@ void neighbour_texts::do_piece()
 bool neighbour_texts::step(std::chrono::steady_clock::time_point until)
 {
     do {
-        if (folder_ == nullptr && file_ == nullptr && names_.empty() && next_row_ >= rows_.size())
+        if (folder_ == nullptr && file_ == nullptr && names_.empty() && next_row_ >= rows_.size()) {
+            // No more rows to compare with. Not cleared: that would keep the memory of its buckets.
+            decltype(kept_)().swap(kept_);
             return false;
+        }
         do_piece();
     } while (std::chrono::steady_clock::now() < until);
     return true;

@@ -13,6 +13,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <unordered_set>
 #include <vector>
 
@@ -53,6 +54,10 @@ public:
         std::string path;                 // of the source whose neighbours are meant
         std::string reference;            // the language of the texts that are compared
         std::array<std::string, 2> langs; // their translations
+        bool has(std::string_view language) const
+        {
+            return language == reference || language == langs[0] || language == langs[1];
+        }
         bool operator==(const query &) const = default;
     };
 

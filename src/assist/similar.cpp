@@ -1,6 +1,7 @@
 #include "assist/similar.h"
 
 #include "assist/fold.h"
+#include "support/hash-index.h"
 
 #include <algorithm>
 
@@ -11,6 +12,7 @@ namespace {
 constexpr double least_likeness = 0.6;
 constexpr std::size_t longest = 400;       // bytes; a longer text is compared as a whole only
 constexpr std::size_t most_compared = 500; // texts
+constexpr std::size_t fewest = 12;         // items that a list has room for; malloc gives no less
 
 // The different trigrams, in order. The text's ends count as blanks, so that short texts have some.
 std::vector<std::uint32_t> trigrams(std::string_view text)
@@ -51,10 +53,17 @@ double likeness(const std::vector<std::uint32_t> &a, const std::vector<std::uint
     return all == 0 ? 0 : 2.0 * static_cast<double>(common(a, b)) / static_cast<double>(all);
 }
 
-std::size_t hash_of(std::string_view text)
+std::uint32_t known_hash_of(std::string_view text)
 {
     // 0 stands for an item whose text is not known yet.
-    return std::max<std::size_t>(std::hash<std::string_view>()(text), 1);
+    return std::max<std::uint32_t>(hash_of(text), 1);
+}
+
+// The list of a trigram for the items from a number on, which is a multiple of similar_texts'
+// numbers.
+std::uint64_t list_of(std::uint32_t trigram, std::size_t first)
+{
+    return std::uint64_t{first} << 32 | trigram;
 }
 
 } // namespace
@@ -62,14 +71,13 @@ std::size_t hash_of(std::string_view text)
 void similar_texts::reset(std::size_t items)
 {
     hashes_.assign(items, 0);
-    by_hash_.clear();
     by_trigram_.clear();
 }
 
 void similar_texts::add(std::uint32_t item)
 {
     const std::string text = text_(item);
-    const std::size_t hash = hash_of(text);
+    const std::uint32_t hash = known_hash_of(text);
     if (item >= hashes_.size())
         hashes_.resize(item + 1);
     if (hashes_[item] == hash)
@@ -77,23 +85,27 @@ void similar_texts::add(std::uint32_t item)
     // An item whose text has changed stays in the lists of its old one: best() compares the texts
     // that the items have now.
     hashes_[item] = hash;
-    by_hash_.emplace(hash, item);
-    for (const std::uint32_t trigram : trigrams(text))
-        by_trigram_[trigram].push_back(item);
+    for (const std::uint32_t trigram : trigrams(text)) {
+        std::vector<short_number> &items = by_trigram_[list_of(trigram, item / numbers * numbers)];
+        // By a quarter, where a vector would double: these lists are most of the index.
+        if (items.size() == items.capacity())
+            items.reserve(items.size() + items.size() / 4 + fewest);
+        items.push_back(static_cast<short_number>(item % numbers));
+    }
 }
 
 std::optional<similar_texts::match>
 similar_texts::same(const std::string &text, const std::function<bool(std::uint32_t)> &wanted) const
 {
-    // The first one in the source; a short text may stand there a thousand times.
-    std::vector<std::uint32_t> others;
-    const auto [begin, end] = by_hash_.equal_range(hash_of(text));
-    for (auto at = begin; at != end; ++at)
-        others.push_back(at->second);
-    std::sort(others.begin(), others.end());
-    for (const std::uint32_t other : others)
+    // The first one in the source. All hashes are gone through, which takes less time than the
+    // trigrams do, and no memory.
+    const std::uint32_t hash = known_hash_of(text);
+    auto at = std::find(hashes_.begin(), hashes_.end(), hash);
+    for (; at != hashes_.end(); at = std::find(at + 1, hashes_.end(), hash)) {
+        const auto other = static_cast<std::uint32_t>(at - hashes_.begin());
         if (wanted(other) && text_(other) == text)
             return match{other, 1};
+    }
     return std::nullopt;
 }
 
@@ -113,13 +125,14 @@ similar_texts::best(const std::string &text, const std::function<bool(std::uint3
         return found;
 
     std::vector<std::uint16_t> shared(hashes_.size());
-    for (const std::uint32_t trigram : own) {
-        const auto items = by_trigram_.find(trigram);
-        if (items == by_trigram_.end())
-            continue;
-        for (const std::uint32_t other : items->second)
-            ++shared[other];
-    }
+    for (std::size_t first = 0; first < shared.size(); first += numbers)
+        for (const std::uint32_t trigram : own) {
+            const auto items = by_trigram_.find(list_of(trigram, first));
+            if (items == by_trigram_.end())
+                continue;
+            for (const short_number other : items->second)
+                ++shared[first + other];
+        }
     // An item that shares n trigrams is at best made of just these: an upper bound that needs no
     // text. The likeliest come first, so that few texts are compared.
     const auto limit = [&](std::uint32_t other) {

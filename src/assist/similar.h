@@ -46,10 +46,14 @@ private:
     std::optional<match> same(const std::string &text,
                               const std::function<bool(std::uint32_t)> &wanted) const;
 
+    // Some ten thousand texts share a few thousand trigrams: an item's number takes two bytes in
+    // their lists, which are kept apart for each 65,536 items.
+    using short_number = std::uint16_t;
+    static constexpr std::uint32_t numbers = 0x10000;
+
     text_of text_;
-    std::vector<std::size_t> hashes_; // of each item's text; 0 while it is unknown
-    std::unordered_multimap<std::size_t, std::uint32_t> by_hash_;
-    std::unordered_map<std::uint32_t, std::vector<std::uint32_t>> by_trigram_;
+    std::vector<std::uint32_t> hashes_; // of each item's text; 0 while it is unknown
+    std::unordered_map<std::uint64_t, std::vector<short_number>> by_trigram_;
 };
 
 } // namespace zel::assist

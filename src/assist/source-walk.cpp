@@ -40,10 +40,11 @@ bool read_whole(int fd, std::string &text)
     return true;
 }
 
-read_how how_to_read(std::string_view text)
+read_how how_to_read(std::string_view text, source_walk::keeps kept)
 {
     read_how how;
     how.text = text;
+    how.keeps = std::move(kept);
     return how;
 }
 
@@ -71,8 +72,8 @@ std::optional<std::string> read_regular(const std::string &path,
     return text;
 }
 
-source_walk::source_walk(const std::string &name, std::string text)
-    : text_(std::move(text)), reading_(name.c_str(), how_to_read(text_))
+source_walk::source_walk(const std::string &name, std::string text, keeps kept)
+    : text_(std::move(text)), reading_(name.c_str(), how_to_read(text_, std::move(kept)))
 {
 }
 

@@ -6,6 +6,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <sys/stat.h>
 
 #include "source/lang-read.h"
@@ -24,8 +25,10 @@ class source_walk {
 public:
     using take = std::function<void(const LangSource &source, const edit_t &group, item_t *item)>;
 
-    // The name is for the log.
-    source_walk(const std::string &name, std::string text);
+    // The items have entries of the languages that are kept and of no other: a backup of ten
+    // languages is three times as large as those of two. The name is for the log.
+    using keeps = std::function<bool(std::string_view language)>;
+    source_walk(const std::string &name, std::string text, keeps kept);
     source_walk(const source_walk &) = delete;
     source_walk &operator=(const source_walk &) = delete;
 

@@ -199,21 +199,30 @@ outcome source_reader::read_entry(list_tail &entries, place start)
     if (token->id != TOKEN_STRING)
         return fail(939, token);
     // Like every empty string that is read, an empty language is stored as null.
-    lang_entry_t *entry =
-        alloc_lang_entry(*token->lexeme == '\0' ? nullptr : text_of(token).data());
+    const std::string_view language = *token->lexeme == '\0' ? std::string_view() : text_of(token);
+    if (how.keeps && !how.keeps(language))
+        return read_lines(nullptr);
+    lang_entry_t *entry = alloc_lang_entry(language.data());
     if (entry == nullptr)
         return fail(945, token);
     // Appended before its texts are read: after an error in them the item keeps what was read.
     entries.append(entry);
     note(entry, start);
-    token = next();
+    list_tail texts(entry->texts);
+    return read_lines(&texts);
+}
+
+// "{" STRING ... "}", which are not kept where there is nothing to append them to.
+outcome source_reader::read_lines(list_tail *texts)
+{
+    const zel_token_t *token = next();
     if (token->id != '{')
         return fail(955, token);
-    list_tail texts(entry->texts);
     for (token = next(); token->id == TOKEN_STRING; token = next()) {
         // _zel_strdup2 keeps an empty string, which is a line of the text.
         const std::string_view line = text_of(token);
-        texts.append(_zel_strdup2(line.data(), line.size()));
+        if (texts != nullptr)
+            texts->append(_zel_strdup2(line.data(), line.size()));
     }
     return token->id == '}' ? outcome::go_on : fail(969, token);
 }

@@ -51,6 +51,7 @@ struct source_reader {
     bool read_optional_number(std::int32_t &number);
 
     outcome read_entry(list_tail &entries, place start);
+    outcome read_lines(list_tail *texts);
     outcome read_used_in(item_t *item);
     outcome read_used(item_t *item);
     outcome read_size();

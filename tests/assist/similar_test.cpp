@@ -61,6 +61,19 @@ TEST_F(Similar, ATextThatHasChangedIsFoundOnceItIsAddedAgain)
     EXPECT_FALSE(is_same);
 }
 
+TEST_F(Similar, ManyItemsAreToldApart)
+{
+    constexpr int many = 0x10000;
+    texts.assign(2 * many + 1, "x");
+    texts[1] = "Save file";
+    texts[many] = texts[many + 1] = "Print";
+    texts[2 * many] = "Save a file";
+    add_all();
+    EXPECT_EQ(best(2 * many), 1);
+    EXPECT_EQ(best(1), 2 * many);
+    EXPECT_EQ(best(many), many + 1);
+}
+
 TEST_F(Similar, LongTextsAreComparedAsAWhole)
 {
     texts = {std::string(100000, 'a') + "x", std::string(100000, 'a') + "x",

@@ -183,6 +183,19 @@ TEST_F(Read, AnEntryIsReadFromAnyScanner)
     zel_lex_free_buf(lex.get());
 }
 
+TEST_F(Read, LanguagesThatAreNotKeptLeaveNoEntry)
+{
+    const std::string text = R"(group "g" { item "i" { comment "b" { "1" } lang "a" { "2" "3" }
+                                lang "" { } lang "b" { "4" } } item "j" { lang "a" 5 } })";
+    zel::read_how how;
+    how.text = text;
+    how.keeps = [](std::string_view language) { return language == "b"; };
+    const zel::read_answer answer = zel::read_source("", how);
+    ASSERT_NE(answer.source, nullptr);
+    EXPECT_THAT(describe(answer.source.get()),
+                HasSubstr(R"({ item i LANG b ["4"] COMMENT b ["1"] item j })"));
+}
+
 TEST_F(Read, TimesAfter2038)
 {
     // A file written after January 2038 holds the low 32 bits of the time with a sign.

@@ -1,5 +1,7 @@
 #include "editor/table/w_tab_neighbours.h"
 
+#include "app/memory.h"
+
 namespace zel {
 
 namespace {
@@ -67,6 +69,8 @@ int tab_neighbours::turn()
     // Nothing is left to read: the snooper would be called at every key for nothing.
     gtk_key_snooper_remove(snooper_);
     snooper_ = 0;
+    // Each file was in memory whole, with its records.
+    give_back_memory();
     return slices::finished;
 }
 
