@@ -171,7 +171,8 @@ void render_text(GtkCellRenderer *cell, GdkDrawable *window, GtkWidget *widget,
     const GtkCellRendererText *text = GTK_CELL_RENDERER_TEXT(cell);
     const PangoUnderline underline =
         text->underline_set != 0 ? text->underline_style : PANGO_UNDERLINE_NONE;
-    if (is_plain(cell, widget, flags))
+    // Without room the toolkit does not shorten.
+    if (room != 0 && is_plain(cell, widget, flags))
         return draw_text(cell, window, widget, area, expose, flags,
                          {text->text, text->font, underline, shortened, in_one_paragraph, room});
     text_class->render(cell, window, widget, background, area, expose, flags);
