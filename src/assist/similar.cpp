@@ -142,10 +142,16 @@ similar_texts::best(const std::string &text, const std::function<bool(std::uint3
     for (std::uint32_t other = 0; other < shared.size(); ++other)
         if (limit(other) >= least_likeness)
             others.push_back(other);
-    // Stable, so that the first of equally good items in the source wins.
-    std::stable_sort(others.begin(), others.end(),
-                     [&](std::uint32_t a, std::uint32_t b) { return shared[a] > shared[b]; });
-    others.resize(std::min(others.size(), most_compared));
+    // The first of equally good items in the source wins.
+    const auto is_before = [&](std::uint32_t a, std::uint32_t b) {
+        return shared[a] != shared[b] ? shared[a] > shared[b] : a < b;
+    };
+    // A common text has thousands of them: only those that are compared are put in order.
+    if (others.size() > most_compared) {
+        std::nth_element(others.begin(), others.begin() + most_compared, others.end(), is_before);
+        others.resize(most_compared);
+    }
+    std::sort(others.begin(), others.end(), is_before);
     for (const std::uint32_t other : others) {
         if (found && limit(other) <= found->likeness)
             break;

@@ -44,17 +44,33 @@ TEST_F(Cells, ATextIsDrawnAsByTheToolkit)
 {
     GtkCellRenderer *ours = GTK_CELL_RENDERER(g_object_ref_sink(zel::text_cell_new()));
     GtkCellRenderer *theirs = GTK_CELL_RENDERER(g_object_ref_sink(gtk_cell_renderer_text_new()));
-    for (const int width : {3, 60, 61, 400})
-        for (const char *text : {"", "Save the notes as", "שלום %d עולם"})
-            for (const PangoEllipsizeMode mode :
-                 {PANGO_ELLIPSIZE_NONE, PANGO_ELLIPSIZE_MIDDLE, PANGO_ELLIPSIZE_END}) {
-                for (GtkCellRenderer *cell : {ours, theirs})
-                    g_object_set(cell, "ellipsize", mode, "single-paragraph-mode", TRUE, nullptr);
-                g_object_set(ours, "text", text, nullptr);
-                g_object_set(theirs, "text", zel::shown_in_runs(text).c_str(), nullptr);
-                EXPECT_TRUE(picture_of(ours, width) == picture_of(theirs, width))
-                    << width << " " << text << " " << mode;
-            }
+    const auto compare = [&](int width, const char *text, int flags) {
+        for (const PangoEllipsizeMode mode :
+             {PANGO_ELLIPSIZE_NONE, PANGO_ELLIPSIZE_MIDDLE, PANGO_ELLIPSIZE_END}) {
+            for (GtkCellRenderer *cell : {ours, theirs})
+                g_object_set(cell, "ellipsize", mode, "single-paragraph-mode", TRUE, "weight",
+                             width == 61 ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL, "underline",
+                             width == 61 ? PANGO_UNDERLINE_ERROR : PANGO_UNDERLINE_NONE, "xalign",
+                             width == 400 ? 1.0 : 0.0, nullptr);
+            g_object_set(ours, "text", text, nullptr);
+            g_object_set(theirs, "text", zel::shown_in_runs(text).c_str(), nullptr);
+            EXPECT_TRUE(picture_of(ours, width, flags) == picture_of(theirs, width, flags))
+                << width << " " << text << " " << mode << " " << flags;
+        }
+    };
+    // The first font comes twice: layouts that were kept follow their widget.
+    for (const char *font : {"Sans 9", "Sans 14", "Sans 9"}) {
+        PangoFontDescription *wanted = pango_font_description_from_string(font);
+        gtk_widget_modify_font(window, wanted);
+        pango_font_description_free(wanted);
+        for (const GtkTextDirection direction : {GTK_TEXT_DIR_LTR, GTK_TEXT_DIR_RTL}) {
+            gtk_widget_set_direction(window, direction);
+            for (const int flags : {0, static_cast<int>(GTK_CELL_RENDERER_SELECTED)})
+                for (const int width : {3, 60, 61, 400})
+                    for (const char *text : {"", "Save the notes as", "שלום %d עולם"})
+                        compare(width, text, flags);
+        }
+    }
     g_object_unref(ours);
     g_object_unref(theirs);
 }

@@ -140,13 +140,20 @@ void drop_made_entry(Zeltext *text, int number)
     entry = nullptr;
 }
 
+// Setting a label's text lays out the window, also when it is the same.
+void set_label(GtkWidget *label, const char *shown)
+{
+    if (std::strcmp(gtk_label_get_text(GTK_LABEL(label)), shown) != 0)
+        gtk_label_set_text(GTK_LABEL(label), shown);
+}
+
 void show_field(Zeltext *text, int number, const char *lang)
 {
     const field_t &field = fields[number];
     GtkWidget *view = text->*field.view;
     std::string caption = zel::ui_text("text", field.caption);
     caption += " \"" + zel::utf8_shown(lang) + "\"";
-    gtk_label_set_text(GTK_LABEL(text->*field.label), caption.c_str());
+    set_label(text->*field.label, caption.c_str());
     zel::set_accessible_name(view, caption.c_str());
 
     zel_insert_lang(view, lang, text->item->*field.entries);
@@ -158,6 +165,10 @@ void show_language(Zeltext *text, GtkWidget *frame, int comment, int trans, cons
 {
     if (lang == nullptr) {
         gtk_widget_hide(frame);
+        for (const int number : {comment, trans}) {
+            gtk_label_set_text(GTK_LABEL(text->*fields[number].label), "");
+            gtk_widget_hide(text->*fields[number].view);
+        }
         return;
     }
     show_field(text, comment, lang);
@@ -168,7 +179,7 @@ void show_language(Zeltext *text, GtkWidget *frame, int comment, int trans, cons
 void show_identity(Zeltext *text)
 {
     const std::string description = zel::utf8_shown(text->item->description);
-    gtk_label_set_text(GTK_LABEL(text->description_label), description.c_str());
+    set_label(text->description_label, description.c_str());
     zel::show_faint(text->description_label, description == "none");
     gtk_widget_set_tooltip_text(text->description_label,
                                 description.empty() ? nullptr : description.c_str());
@@ -194,10 +205,8 @@ void show_item(Zeltext *text)
     show_used_in(text);
     // Cleared first: a field of a language that is not shown any more keeps no text of the item
     // before.
-    for (const field_t &field : fields) {
-        gtk_label_set_text(GTK_LABEL(text->*field.label), "");
+    for (const field_t &field : fields)
         clear_text_view_buffer(text->*field.view);
-    }
     show_language(text, text->lang1_frame, TEXT_COMMENT1, TEXT_TRANS1, lang1);
     show_language(text, text->lang2_frame, TEXT_COMMENT2, TEXT_TRANS2, lang2);
     zel::text_below_show(text);
@@ -356,6 +365,15 @@ const char *zel_get_first_lang_entry(GList *entries, const char *lang)
 }
 
 namespace zel {
+
+void text_drop_focus(Zeltext *text)
+{
+    GtkWidget *window = gtk_widget_get_toplevel(GTK_WIDGET(text));
+    GtkWidget *focused = GTK_IS_WINDOW(window) ? gtk_window_get_focus(GTK_WINDOW(window)) : nullptr;
+    if (focused != nullptr && GTK_IS_TEXT_VIEW(focused) &&
+        gtk_widget_is_ancestor(focused, GTK_WIDGET(text)))
+        gtk_window_set_focus(GTK_WINDOW(window), nullptr);
+}
 
 int text_focused_field(Zeltext *text)
 {

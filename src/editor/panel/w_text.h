@@ -40,6 +40,10 @@ const char *zel_get_first_lang_entry(GList *entries, const char *lang);
 
 namespace zel {
 
+// Takes the keyboard from the panel's texts, as when they are hidden. Who gives it back to a field
+// has its new text read aloud.
+void text_drop_focus(Zeltext *text);
+
 // The field (text_field) that has the keyboard, or -1.
 int text_focused_field(Zeltext *text);
 

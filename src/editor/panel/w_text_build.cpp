@@ -7,6 +7,7 @@
 #include "editor/panel/w_text_checks.h"
 #include "editor/panel/w_text_panes.h"
 #include "editor/toolkit/accessible.h"
+#include "editor/toolkit/measure.h"
 #include "editor/toolkit/scrolled-box.h"
 #include "editor/toolkit/text-pieces.h"
 #include "editor/toolkit/text-runs.h"
@@ -72,12 +73,7 @@ GtkWidget *make_view_frame(GtkWidget *view)
 // A line's height is asked of the font, not of the text: an empty field has none.
 int line_height(GtkWidget *view)
 {
-    PangoFontMetrics *metrics = pango_context_get_metrics(
-        gtk_widget_get_pango_context(view), gtk_widget_get_style(view)->font_desc, nullptr);
-    const int height =
-        pango_font_metrics_get_ascent(metrics) + pango_font_metrics_get_descent(metrics);
-    pango_font_metrics_unref(metrics);
-    return PANGO_PIXELS_CEIL(height) + above_lines;
+    return PANGO_PIXELS_CEIL(zel::font_size_of(view).line) + above_lines;
 }
 
 GtkWidget *scrolled_of(Zeltext *text, int number)

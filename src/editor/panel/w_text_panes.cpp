@@ -1,6 +1,7 @@
 #include "editor/panel/w_text_panes.h"
 
 #include "app/global.h"
+#include "editor/toolkit/measure.h"
 
 #include <algorithm>
 #include <initializer_list>
@@ -14,22 +15,12 @@ constexpr int easy_letters = 40;   // of a line that reads well
 
 int label_width(GtkWidget *label)
 {
-    PangoLayout *layout =
-        gtk_widget_create_pango_layout(label, gtk_label_get_text(GTK_LABEL(label)));
-    int width = 0;
-    pango_layout_get_pixel_size(layout, &width, nullptr);
-    g_object_unref(layout);
-    return width;
+    return zel::width_in_line(label, gtk_label_get_text(GTK_LABEL(label)));
 }
 
 int letters_width(GtkWidget *view, int letters)
 {
-    PangoFontMetrics *metrics = pango_context_get_metrics(
-        gtk_widget_get_pango_context(view), gtk_widget_get_style(view)->font_desc, nullptr);
-    const int width =
-        PANGO_PIXELS(letters * pango_font_metrics_get_approximate_char_width(metrics));
-    pango_font_metrics_unref(metrics);
-    return width;
+    return PANGO_PIXELS(letters * zel::font_size_of(view).letter);
 }
 
 // Whether an item is shown of which nothing is told beside its fields.

@@ -161,12 +161,12 @@ void show_row(ZelTabEdit *tab, const zel::tab_row &row, int number)
     zel_text_set_pos(tab->text_widget, number + 1);
     zel_text_set_group_name(tab->text_widget, row.group->name);
     // The number and the group come before the item, since the panel shows them with it.
-    zel_text_set(tab->text_widget, rows_of(tab).source, row.item, 1);
+    zel_text_set(tab->text_widget, rows_of(tab).source, row.item, 0);
     zel::tab_show_shot(tab->last_group, row.group->name, row.item->name);
 }
 
-// The panel hides its views and shows them again in between: the field that was typed in gets the
-// keyboard back, so that the user goes on typing in the next item.
+// The field that was typed in gets the keyboard back, so that the user goes on typing in the next
+// item. The panel stays as it is in between: emptied, it would be laid out and drawn twice.
 void tree_selection_changed_cb(GtkTreeSelection *, gpointer data)
 {
     ZelTabEdit *tab = ZEL_TAB_EDIT(data);
@@ -174,11 +174,15 @@ void tree_selection_changed_cb(GtkTreeSelection *, gpointer data)
         return;
     const zel::flag_guard busy(tab->busy);
     const int field = zel::text_focused_field(ZEL_TEXT(tab->text_widget));
-    // An import has changed the texts beneath: storing the fields would write the old ones over
-    // them.
-    empty_text(tab, lang_global.importing != 0 ? 0 : 1);
     int number = -1;
     const zel::tab_row *row = selected_row(tab, &number);
+    // An import has changed the texts beneath: storing the fields would write the old ones over
+    // them.
+    if (row == nullptr)
+        empty_text(tab, lang_global.importing != 0 ? 0 : 1);
+    else if (lang_global.importing == 0)
+        zel_text_update(tab->text_widget);
+    zel::text_drop_focus(ZEL_TEXT(tab->text_widget));
     remember_selected(tab, number);
     mark_row(tab, number);
     if (row != nullptr)

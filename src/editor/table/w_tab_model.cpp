@@ -200,9 +200,12 @@ void sort_rows(ZelTabModel *model, std::vector<std::uint32_t> &shown)
 {
     if (model->sort_id < 0)
         return;
-    std::sort(shown.begin(), shown.end(), [model](std::uint32_t a, std::uint32_t b) {
+    const auto is_before = [model](std::uint32_t a, std::uint32_t b) {
         return zel_tab_model_is_before(model, a, b);
-    });
+    };
+    // A search finds them in file order, which is the usual one.
+    if (!std::is_sorted(shown.begin(), shown.end(), is_before))
+        std::sort(shown.begin(), shown.end(), is_before);
 }
 
 // Sorts while a view watches: the view is told where each row came from, and so keeps the selected
@@ -410,10 +413,14 @@ int zel_tab_model_row_of(ZelTabModel *model, const GtkTreeIter *iter)
 
 int zel_tab_model_place_of(ZelTabModel *model, int row)
 {
-    // Searches from the start, which is enough: it is asked for single rows only.
-    const auto found =
-        std::find(model->shown->begin(), model->shown->end(), static_cast<std::uint32_t>(row));
-    return found == model->shown->end() ? -1 : static_cast<int>(found - model->shown->begin());
+    const std::vector<std::uint32_t> &shown = *model->shown;
+    const auto wanted = static_cast<std::uint32_t>(row);
+    // Rows in file order stand in the order of their numbers. By other marks they need not: the
+    // order stays when a mark is changed.
+    const bool by_number = model->sort_id == COL_POS && model->sort_order == GTK_SORT_ASCENDING;
+    const auto found = by_number ? std::lower_bound(shown.begin(), shown.end(), wanted)
+                                 : std::find(shown.begin(), shown.end(), wanted);
+    return found == shown.end() || *found != wanted ? -1 : static_cast<int>(found - shown.begin());
 }
 
 bool zel_tab_model_is_before(const ZelTabModel *model, std::uint32_t row, std::uint32_t other)

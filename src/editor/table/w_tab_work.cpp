@@ -362,14 +362,14 @@ bool tab_work::uses_ready() const
                        [](const tab_row &row) { return row.item->ready != 0; });
 }
 
-bool tab_work::has_work(std::uint32_t row, bool by_ready)
+bool tab_work::has_work(std::uint32_t row, bool by_ready, const counted &langs)
 {
     // The cheapest look first: unready items need no judging.
     if (by_ready && parts_.rows->rows[row].item->ready == 0)
         return true;
-    const assist::item_state &state = state_of(row);
-    for (std::size_t i = 0; i < assist::shown_languages; ++i)
-        if (counts(i) && (state.lacks[i] || state.findings[i] != 0))
+    const assist::item_state &state = progress_.is_known(row) ? progress_.of(row) : state_of(row);
+    for (std::size_t i = 0; i < langs.size(); ++i)
+        if (langs[i] && (state.lacks[i] || state.findings[i] != 0))
             return true;
     return false;
 }
@@ -389,19 +389,22 @@ int tab_work::selected_place() const
 // of the list that lies behind the direction.
 bool tab_work::go_to_work(int direction)
 {
+    const std::vector<std::uint32_t> &shown = *parts_.shown->shown;
+    const std::vector<tab_row> &rows = parts_.rows->rows;
     const int count = zel_tab_model_count(parts_.shown);
     const int selected = selected_place();
+    // Asked once: thousands of rows without work may lie on the way.
     const bool by_ready = uses_ready();
+    const counted langs{counts(0), counts(1)};
     int place = selected < 0 && direction < 0 ? count : selected;
     for (place += direction; place >= 0 && place < count; place += direction) {
         // The items lie anywhere in memory: fetching them ahead keeps each look from waiting for
         // its own.
-        const int ahead = zel_tab_model_row_at(parts_.shown, place + 16 * direction);
-        if (ahead >= 0)
-            __builtin_prefetch(&parts_.rows->rows[static_cast<std::size_t>(ahead)].item->ready);
-        const int row = zel_tab_model_row_at(parts_.shown, place);
-        if (row < 0 || static_cast<std::size_t>(row) >= progress_.count() ||
-            !has_work(static_cast<std::uint32_t>(row), by_ready))
+        const int ahead = place + 16 * direction;
+        if (by_ready && ahead >= 0 && ahead < count)
+            __builtin_prefetch(&rows[shown[static_cast<std::size_t>(ahead)]].item->ready);
+        const std::uint32_t row = shown[static_cast<std::size_t>(place)];
+        if (row >= progress_.count() || !has_work(row, by_ready, langs))
             continue;
         tab_list_go_to(parts_.view, place);
         return true;

@@ -10,6 +10,7 @@
 
 #include <gtk/gtk.h>
 
+#include <array>
 #include <functional>
 #include <memory>
 #include <string>
@@ -84,7 +85,8 @@ private:
     void fit_progress();
     bool counts(std::size_t i) const;
     bool uses_ready() const;
-    bool has_work(std::uint32_t row, bool by_ready);
+    using counted = std::array<bool, assist::shown_languages>;
+    bool has_work(std::uint32_t row, bool by_ready, const counted &langs);
     int selected_place() const;
     bool go_to_work(int direction);
     void done_and_next();

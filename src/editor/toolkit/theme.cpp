@@ -268,10 +268,15 @@ void make_bare(GtkWidget *frame)
 
 void show_faint(GtkWidget *label, bool is_faint)
 {
+    gpointer before = g_object_get_data(G_OBJECT(label), faint_key);
+    gpointer wanted = GINT_TO_POINTER(is_faint ? faint : plain);
+    // Setting a colour lays out the window, also when it is the same.
+    if (before == wanted)
+        return;
     // The first call connects the handler: the key is set from then on.
-    if (g_object_get_data(G_OBJECT(label), faint_key) == nullptr)
+    if (before == nullptr)
         g_signal_connect(label, "style-set", G_CALLBACK(make_faint), nullptr);
-    g_object_set_data(G_OBJECT(label), faint_key, GINT_TO_POINTER(is_faint ? faint : plain));
+    g_object_set_data(G_OBJECT(label), faint_key, wanted);
     make_faint(label, nullptr, nullptr);
 }
 
