@@ -212,7 +212,7 @@ int resolve_conflicts(const std::vector<std::string> &names, bool dry_run)
         status = std::max(status, conflicted(top, file).resolve(dry_run));
     }
     for (const std::string &name : names)
-        if (is_absent(name) && unmerged_files(top, {name}).empty()) {
+        if (is_absent(name) && unmerged_files(top, {name}, why).empty()) {
             std::fprintf(stderr, "%s: %s: there is no such file\n", word_start, name.c_str());
             status = status_fault;
         }
