@@ -251,16 +251,6 @@ links read_links(std::string_view bytes)
     return found;
 }
 
-// What stands in the first only.
-std::vector<std::string> lacking(const std::vector<std::string> &has,
-                                 const std::vector<std::string> &lacks)
-{
-    std::vector<std::string> out;
-    std::set_difference(has.begin(), has.end(), lacks.begin(), lacks.end(),
-                        std::back_inserter(out));
-    return out;
-}
-
 bool differ(const std::vector<std::string> &own, const std::vector<std::string> &reference,
             const char *what, std::string &message)
 {
