@@ -41,7 +41,7 @@ if(LANG_SANITIZE)
 endif()
 
 # What nearly every file includes is compiled once; the targets behind the first share what it made.
-# Only for builds of single files: a source that forgets an include is found by those without this.
+# Only for builds of single files. Who forgets one of those of src/ is found by tools/check-layers.
 function(lang_precompile target)
   if(NOT LANG_PCH)
     return()

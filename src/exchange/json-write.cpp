@@ -4,6 +4,23 @@
 
 namespace zel::exchange {
 
+void append_json_signs(std::string &out, std::string_view text)
+{
+    for (const char c : text) {
+        if (c == '"' || c == '\\')
+            out.append(1, '\\') += c;
+        else if (c == '\n')
+            out += "\\n";
+        else if (c == '\t')
+            out += "\\t";
+        else if (static_cast<unsigned char>(c) < ' ' || c == '\x7f')
+            // JSON allows the last one as it is, but terminals act on it.
+            append_format(out, "\\u%04x", static_cast<unsigned>(c));
+        else
+            out += c;
+    }
+}
+
 namespace {
 
 void append_string(std::string &out, std::string_view text)
@@ -12,18 +29,7 @@ void append_string(std::string &out, std::string_view text)
     std::string carried;
     append_carried(carried, text);
     out += '"';
-    for (const char c : carried) {
-        if (c == '"' || c == '\\')
-            out.append(1, '\\') += c;
-        else if (c == '\n')
-            out += "\\n";
-        else if (c == '\t')
-            out += "\\t";
-        else if (static_cast<unsigned char>(c) < ' ' || c == '\x7f')
-            append_format(out, "\\u%04x", static_cast<unsigned>(c));
-        else
-            out += c;
-    }
+    append_json_signs(out, carried);
     out += '"';
 }
 

@@ -24,6 +24,9 @@ namespace zel::exchange {
 
 void write_json(exporter &from, std::vector<outgoing_file> &to);
 
+// Appends what stands for the signs of a text in UTF-8 between the quotes of a JSON string.
+void append_json_signs(std::string &out, std::string_view text);
+
 // A new source from JSON text; items without a creation time are made now. Null at a fault.
 source_guard read_json(std::string_view bytes, std::int64_t now, fault &wrong);
 

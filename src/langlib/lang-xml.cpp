@@ -8,6 +8,7 @@
 #include <glib.h>
 
 #include <array>
+#include <cstdint>
 #include <cstdio>
 #include <string_view>
 

@@ -5,7 +5,6 @@
 #include "support/string-copy.h"
 
 #include <cerrno>
-#include <cstdarg>
 #include <cstdlib>
 #include <unistd.h>
 
@@ -242,15 +241,6 @@ int zel_lex_buf_file_set_tail(zel_lex_buf_t *buf, int on)
     return 0;
 }
 
-int zel_lex_buf_set_read_char(zel_lex_buf_t *buf, zel_lex_read_fn function, void *context)
-{
-    buf->read_char = function;
-    buf->read_context = context;
-    // From now on every character goes through the client's function.
-    buf->direct = 0;
-    return 0;
-}
-
 int zel_lex_buf_read_failed(const zel_lex_buf_t *buf)
 {
     return buf != nullptr && buf->stream != nullptr && std::ferror(buf->stream) != 0 ? 1 : 0;
@@ -273,13 +263,4 @@ int zel_lex_buf_look_ahead(zel_lex_buf_t *buf) { return buf->look_ahead(buf); }
 std::uint64_t zel_lex_buf_seek(zel_lex_buf_t *buf, std::uint64_t offset)
 {
     return buf->seek(buf, offset);
-}
-
-int scf_printf(const char *format, ...)
-{
-    std::va_list args;
-    va_start(args, format);
-    std::vprintf(format, args);
-    va_end(args);
-    return 0;
 }

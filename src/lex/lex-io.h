@@ -67,9 +67,6 @@ std::FILE *zel_lex_buf_file_get_fp(zel_lex_buf_t *buf);
 // On: at the end of the file the read is retried until data comes. 0; 1 for a null buffer.
 int zel_lex_buf_file_set_tail(zel_lex_buf_t *buf, int on);
 
-// Plugs in a reader of the client's: it returns a byte or ZEL_LEX_EOF. Returns 0.
-int zel_lex_buf_set_read_char(zel_lex_buf_t *buf, zel_lex_read_fn function, void *context);
-
 // 1 when the system could not read the buffer's file to its end, else 0 (also for null).
 int zel_lex_buf_read_failed(const zel_lex_buf_t *buf);
 
@@ -83,9 +80,6 @@ int zel_lex_buf_look_ahead(zel_lex_buf_t *buf);
 
 // Moves to an offset from the start; line, column and marker counters stay.
 std::uint64_t zel_lex_buf_seek(zel_lex_buf_t *buf, std::uint64_t offset);
-
-// Prints to standard output; returns 0.
-int scf_printf(const char *format, ...) __attribute__((format(printf, 1, 2)));
 
 namespace zel {
 

@@ -4,7 +4,6 @@
 #include "support/log-print.h"
 
 #include <cstdlib>
-#include <cstring>
 
 namespace {
 
@@ -152,13 +151,6 @@ zel_token_t *zel_token_look_ahead(zel_lex_t *lex, int)
 
 zel_token_t *zel_current_token(zel_lex_t *lex) { return lex == nullptr ? nullptr : lex->current; }
 
-std::uint64_t zel_lex_seek(zel_lex_t *lex, std::uint64_t offset)
-{
-    // A token that has been looked at ahead is kept: it comes before those of the new place.
-    zel_lex_buf_seek(lex->buf, offset);
-    return offset;
-}
-
 int zel_lex_out_of_memory(const zel_lex_t *lex)
 {
     return lex != nullptr && lex->out_of_memory != 0 ? 1 : 0;
@@ -167,11 +159,6 @@ int zel_lex_out_of_memory(const zel_lex_t *lex)
 int zel_lex_open_comment(const zel_lex_t *lex)
 {
     return lex != nullptr && lex->open_comment != 0 ? 1 : 0;
-}
-
-int keyws(zel_lex_t *lex, const char *word)
-{
-    return zel::find_keyword(lex, word, std::strlen(word));
 }
 
 void zel_lex_set_buf(zel_lex_t *lex, zel_lex_buf_t *buf)
@@ -188,12 +175,4 @@ void zel_lex_free_buf(zel_lex_t *lex)
 {
     zel_lex_buf_free(lex->buf);
     zel_lex_set_buf(lex, nullptr);
-}
-
-void zel_lex_buf_clear(zel_lex_t *lex, zel_lex_buf_t *buf)
-{
-    zel_lex_set_buf(lex, buf);
-    // What the block still held is dropped. A file buffer reads on where its stream stands.
-    buf->count = 0;
-    buf->index = 0;
 }

@@ -43,21 +43,13 @@ zel_token_t *zel_token_look_ahead(zel_lex_t *lex, int n);
 zel_token_t *zel_current_token(zel_lex_t *lex);
 
 // The buffer of a scanner. Attaching, and each of these, empties the scanner's current and
-// look-ahead tokens; zel_lex_free_buf also releases the buffer, zel_lex_buf_clear attaches it with
-// nothing in it (a file buffer then reloads at its stream position).
+// look-ahead tokens; zel_lex_free_buf also releases the buffer.
 void zel_lex_set_buf(zel_lex_t *lex, zel_lex_buf_t *buf);
 zel_lex_buf_t *zel_lex_get_buf(zel_lex_t *lex);
 void zel_lex_free_buf(zel_lex_t *lex);
-void zel_lex_buf_clear(zel_lex_t *lex, zel_lex_buf_t *buf);
-
-// Moves the input; returns the offset.
-std::uint64_t zel_lex_seek(zel_lex_t *lex, std::uint64_t offset);
 
 // 1 once the scanner, or a helper that reads from it, has left something of its input out for want
 // of memory; 1 when the input ended inside a block comment (until another buffer is attached). 0
 // for a null scanner.
 int zel_lex_out_of_memory(const zel_lex_t *lex);
 int zel_lex_open_comment(const zel_lex_t *lex);
-
-// The keyword's id, or TOKEN_IDENT.
-int keyws(zel_lex_t *lex, const char *word);

@@ -258,16 +258,6 @@ links read_links(std::string_view bytes)
     return found;
 }
 
-// What stands in the first only.
-std::vector<std::string> lacking(const std::vector<std::string> &has,
-                                 const std::vector<std::string> &lacks)
-{
-    std::vector<std::string> out;
-    std::set_difference(has.begin(), has.end(), lacks.begin(), lacks.end(),
-                        std::back_inserter(out));
-    return out;
-}
-
 // Whether the address or one below it is there.
 bool has_page(const std::vector<std::string> &addresses, const std::string &one)
 {

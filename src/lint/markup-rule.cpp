@@ -130,15 +130,6 @@ std::vector<std::string> written(const std::vector<tag> &tags)
     return out;
 }
 
-std::string first_lacking(const std::vector<std::string> &has,
-                          const std::vector<std::string> &lacks)
-{
-    std::vector<std::string> out;
-    std::set_difference(has.begin(), has.end(), lacks.begin(), lacks.end(),
-                        std::back_inserter(out));
-    return out.empty() ? std::string() : out.front();
-}
-
 // The tag that is not closed, or closes what is not open; empty when all is well.
 std::string find_open(const std::vector<tag> &tags)
 {
@@ -178,10 +169,10 @@ bool judge_markup(const text_case &at, std::string &message)
     if (!at.reference.bytes.empty()) {
         const auto own_tags = written(own);
         const auto reference_tags = written(reference);
-        if (const std::string gone = first_lacking(reference_tags, own_tags); !gone.empty())
-            message = "the tag " + gone + " of the reference is missing";
-        else if (const std::string added = first_lacking(own_tags, reference_tags); !added.empty())
-            message = "the reference has no tag " + added;
+        if (const auto gone = lacking(reference_tags, own_tags); !gone.empty())
+            message = "the tag " + gone.front() + " of the reference is missing";
+        else if (const auto added = lacking(own_tags, reference_tags); !added.empty())
+            message = "the reference has no tag " + added.front();
     }
     if (message.empty() && find_open(reference).empty())
         if (const std::string open = find_open(own); !open.empty())

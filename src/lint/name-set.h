@@ -3,6 +3,8 @@
 // Names that are looked up: a hostile text has any number of them.
 
 #include <algorithm>
+#include <iterator>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -22,5 +24,15 @@ public:
 private:
     std::vector<std::string_view> names_;
 };
+
+// Of two sorted lists, what stands in the first only.
+inline std::vector<std::string> lacking(const std::vector<std::string> &has,
+                                        const std::vector<std::string> &lacks)
+{
+    std::vector<std::string> out;
+    std::set_difference(has.begin(), has.end(), lacks.begin(), lacks.end(),
+                        std::back_inserter(out));
+    return out;
+}
 
 } // namespace zel::lint

@@ -17,8 +17,6 @@ std::FILE *zel_fopen(const char *path, const char *mode) { return std::fopen(pat
 
 int zel_mkdir(const char *path, mode_t mode) { return mkdir(path, mode); }
 
-int zel_rmdir(const char *path) { return rmdir(path); }
-
 int zel_stat(const char *path, struct stat *status) { return stat(path, status); }
 
 int _zel_access(const char *, int, const char *path, int mode) { return access(path, mode); }

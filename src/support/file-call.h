@@ -12,7 +12,6 @@
 int zel_open(const char *path, int flags, mode_t mode);
 std::FILE *zel_fopen(const char *path, const char *mode);
 int zel_mkdir(const char *path, mode_t mode);
-int zel_rmdir(const char *path);
 int zel_stat(const char *path, struct stat *status);
 int _zel_access(const char *file, int line, const char *path, int mode);
 int _zel_rename(const char *file, int line, const char *old_path, const char *new_path);

@@ -2,6 +2,7 @@
 
 #include "app/global.h"
 #include "checker/c-scan.h"
+#include "family/lex.h"
 #include "rows.h"
 
 #include <gtest/gtest.h>

@@ -9,7 +9,7 @@
 #include <thread>
 #include <unistd.h>
 
-#include "lex/lex.h"
+#include "family/lex.h"
 #include "lex/scan.h"
 #include "working-dir.h"
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "family/lex.h"
 #include "lex/lex-misc.h"
 #include "lex/scan.h"
 #include "locales.h"

@@ -3,6 +3,8 @@
 
 #include "lint/judge.h"
 
+#include <ctime>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -51,19 +53,22 @@ TEST(HostileTextSlow, IsJudgedInItsOwnTime)
 
 TEST(HostileTextSlow, LanguagesAreFoundAtOnce)
 {
+    const std::clock_t begin = std::clock();
     constexpr std::size_t count = 100000;
+    constexpr std::size_t known = count / 5;
     zel_test::made_source source;
     item_t *item = source.add("g", "i", {{"english", "x"}});
     for (std::size_t i = 0; i < count; ++i)
         item->langs = g_list_prepend(
             item->langs, zel_test::made_source::entry("unknown" + std::to_string(i), "x"));
     EXPECT_EQ(source.findings(zel_test::only("undefined")).size(), count);
-    for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < known; ++i) {
         lang_t *lang = alloc_lang();
         lang->name = zel_strdup(("l" + std::to_string(i)).c_str());
         source.get()->langs = g_list_prepend(source.get()->langs, lang);
     }
-    EXPECT_EQ(source.findings(zel_test::only("missing")).size(), count + 1) << "and german";
+    EXPECT_EQ(source.findings(zel_test::only("missing")).size(), known + 1) << "and german";
+    EXPECT_LT(std::clock() - begin, 30 * CLOCKS_PER_SEC);
 }
 
 } // namespace

@@ -77,7 +77,6 @@ void tab_rows_clear(tab_rows &rows);
 #define ZEL_TYPE_TAB_MODEL (zel_tab_model_get_type())
 #define ZEL_TAB_MODEL(object)                                                                      \
     (G_TYPE_CHECK_INSTANCE_CAST((object), ZEL_TYPE_TAB_MODEL, ZelTabModel))
-#define ZEL_IS_TAB_MODEL(object) (G_TYPE_CHECK_INSTANCE_TYPE((object), ZEL_TYPE_TAB_MODEL))
 
 struct ZelTabModel {
     GObject object;

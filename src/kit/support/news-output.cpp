@@ -1,4 +1,3 @@
-#include "exchange/key.h"
 #include "kit/support/news.h"
 #include "kit/support/output.h"
 #include "merge/word-difference.h"
@@ -12,13 +11,6 @@ namespace zel::kit {
 namespace {
 
 constexpr std::size_t columns = 72;
-
-std::string shown_key(const edit_t *group, const item_t *item)
-{
-    std::string out;
-    exchange::append_key(out, or_empty(group->name), or_empty(item->name));
-    return out;
-}
 
 std::string summary_of(const news &all)
 {

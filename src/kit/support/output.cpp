@@ -1,5 +1,7 @@
 #include "kit/support/output.h"
 
+#include "exchange/json.h"
+#include "exchange/key.h"
 #include "source/entry.h"
 
 #include <algorithm>
@@ -11,17 +13,13 @@ namespace zel::kit {
 
 namespace {
 
-void append_json_escape(std::string &out, unsigned char c)
-{
-    char text[8];
-    std::snprintf(text, sizeof text, "\\u%04x", c);
-    out += text;
-}
+constexpr std::string_view quote_marks = "\"\\";
 
-void append_escapes(std::string &out, std::string_view text)
+// Line ends, tabs, and the marks are escaped.
+void append_escapes(std::string &out, std::string_view text, std::string_view marks)
 {
     for (const char c : text) {
-        if (c == '"' || c == '\\')
+        if (marks.find(c) != marks.npos)
             out.append(1, '\\').append(1, c);
         else if (c == '\n')
             out += "\\n";
@@ -39,20 +37,10 @@ void append_escapes(std::string &out, std::string_view text)
 void append_line(std::string &out, std::string_view text)
 {
     const auto is_control = [](char c) { return static_cast<unsigned char>(c) < ' '; };
-    if (std::none_of(text.begin(), text.end(), is_control)) {
+    if (std::none_of(text.begin(), text.end(), is_control))
         out += text;
-        return;
-    }
-    for (const char c : text) {
-        if (c == '\n')
-            out += "\\n";
-        else if (c == '\r')
-            out += "\\r";
-        else if (c == '\t')
-            out += "\\t";
-        else
-            out += c;
-    }
+    else
+        append_escapes(out, text, "");
 }
 
 void append_json(std::string &out, std::string_view text)
@@ -63,19 +51,7 @@ void append_json(std::string &out, std::string_view text)
         // A zero byte counts as no UTF-8, too.
         g_utf8_validate(text.data(), static_cast<gssize>(text.size()), &bad);
         const auto valid = static_cast<std::size_t>(bad - text.data());
-        for (const char c : text.substr(0, valid)) {
-            if (c == '"' || c == '\\')
-                out.append(1, '\\').append(1, c);
-            else if (c == '\n')
-                out += "\\n";
-            else if (c == '\t')
-                out += "\\t";
-            else if (static_cast<unsigned char>(c) < ' ' || c == '\x7f')
-                // JSON allows this one as it is, but terminals act on it.
-                append_json_escape(out, static_cast<unsigned char>(c));
-            else
-                out += c;
-        }
+        exchange::append_json_signs(out, text.substr(0, valid));
         text.remove_prefix(valid);
         // JSON is UTF-8: each byte that is not becomes U+FFFD.
         if (!text.empty()) {
@@ -125,7 +101,7 @@ std::size_t columns_of(std::string_view text)
 std::string quoted(std::string_view text)
 {
     std::string out = "\"";
-    append_escapes(out, text);
+    append_escapes(out, text, quote_marks);
     return out += '"';
 }
 
@@ -144,10 +120,17 @@ std::string shown(std::string_view text)
     while (begin < text.size() && is_middle(text[begin]))
         ++begin;
     std::string out = "\"";
-    append_escapes(out, text.substr(0, end));
+    append_escapes(out, text.substr(0, end), quote_marks);
     out += " ... ";
-    append_escapes(out, text.substr(begin));
+    append_escapes(out, text.substr(begin), quote_marks);
     return out += '"';
+}
+
+std::string shown_key(const edit_t *group, const item_t *item)
+{
+    std::string out;
+    exchange::append_key(out, or_empty(group->name), or_empty(item->name));
+    return out;
 }
 
 std::string place_of(const item_t *item)

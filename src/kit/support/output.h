@@ -29,6 +29,9 @@ std::size_t columns_of(std::string_view text);
 // A text on one line, in double quotes, with the escapes of sources.
 std::string quoted(std::string_view text);
 
+// "group/item", as the companion's words name an item.
+std::string shown_key(const edit_t *group, const item_t *item);
+
 // The first place where an item is used, "00140:src/note.c" as "src/note.c:140"; empty without one.
 std::string place_of(const item_t *item);
 

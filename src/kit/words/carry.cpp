@@ -1,4 +1,3 @@
-#include "exchange/key.h"
 #include "kit/support/options.h"
 #include "kit/support/output.h"
 #include "kit/support/predecessors.h"
@@ -15,16 +14,9 @@ namespace zel::kit {
 
 namespace {
 
-std::string key_of(const edit_t *group, const item_t *item)
-{
-    std::string out;
-    exchange::append_key(out, or_empty(group->name), or_empty(item->name));
-    return out;
-}
-
 std::string shown_old(const predecessor &one)
 {
-    return key_of(one.group, one.item) + " (" + std::to_string(one.likeness) + " %)";
+    return shown_key(one.group, one.item) + " (" + std::to_string(one.likeness) + " %)";
 }
 
 // The entries of a list by language, for adding to it.
@@ -162,7 +154,7 @@ carry_count carry_all(const LangSource *source, const carry_options &options)
 {
     carry_count count;
     for (const succession &one : find_predecessors(source, options.at_least)) {
-        const std::string key = key_of(one.group, one.item);
+        const std::string key = shown_key(one.group, one.item);
         const predecessor &best = one.candidates.front();
         if (one.candidates.size() > 1) {
             std::string line = key + ": not carried, two are as likely: " + shown_old(best);

@@ -1,5 +1,4 @@
 #include "exchange/import.h"
-#include "exchange/key.h"
 #include "kit/support/donor.h"
 #include "kit/support/entry-index.h"
 #include "kit/support/glossary-file.h"
@@ -52,13 +51,6 @@ void put_text_in(entry_index &entries, item_t *item, const char *language, std::
     set_text(entry == nullptr ? entries.append(item, language) : entry, text);
     item->changed = 1;
     item->ready = 0;
-}
-
-std::string shown_key(const edit_t *group, const item_t *item)
-{
-    std::string out;
-    exchange::append_key(out, or_empty(group->name), or_empty(item->name));
-    return out;
 }
 
 // Whether a language lacks a text. In the default language an empty one is deliberate: it keeps the

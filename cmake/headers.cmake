@@ -1,5 +1,6 @@
 # Every header compiles alone. That of a source is proven by the source, which includes it first
-# (tools/check-layers); for each of the others a generated file includes it and nothing else.
+# (tools/check-layers); for each of the others a generated file includes it and nothing else. Where
+# each source is compiled by itself, and only when asked for: tools/matrix asks.
 
 function(lang_header_check name)
   set(sources)
@@ -11,7 +12,7 @@ function(lang_header_check name)
     list(APPEND sources ${source})
   endforeach()
   if(sources)
-    add_library(${name} OBJECT ${sources})
+    add_library(${name} OBJECT EXCLUDE_FROM_ALL ${sources})
     target_link_libraries(${name} PRIVATE lang_options PkgConfig::GLIB)
   endif()
 endfunction()
