@@ -24,7 +24,8 @@ std::string key_of(const edit_t *group, const item_t *item)
 
 std::string shown_old(const predecessor &one)
 {
-    return key_of(one.group, one.item) + " (" + std::to_string(one.likeness) + " %)";
+    return key_of(one.group, one.item) + " (" + std::to_string(one.likeness) +
+           (one.by_place ? " %, same neighbours)" : " %)");
 }
 
 // The entries of a list by language, for adding to it.
