@@ -80,7 +80,7 @@ std::size_t take_position(std::string_view &text)
 // Collects the types of the arguments that the conversions of one text take.
 struct format_reader {
     std::string_view text;
-    arguments found;
+    arguments &found;
     bool numbered = false;
     bool unnumbered = false;
 
@@ -148,19 +148,24 @@ bool format_reader::read_conversion()
 
 } // namespace
 
-std::optional<arguments> c_format_arguments(std::string_view text)
+bool read_c_format(std::string_view text, arguments &types)
 {
-    format_reader reader{text, {}};
+    types.clear();
+    format_reader reader{text, types};
     for (std::size_t at = text.find('%'); at != std::string_view::npos;
          at = reader.text.find('%')) {
         reader.text.remove_prefix(at + 1);
         if (!reader.read_conversion())
-            return std::nullopt;
+            return false;
     }
     // Nobody knows the type of an argument that no conversion takes.
-    if (std::find(reader.found.begin(), reader.found.end(), "") != reader.found.end())
-        return std::nullopt;
-    return reader.found;
+    return std::find(types.begin(), types.end(), "") == types.end();
+}
+
+std::optional<arguments> c_format_arguments(std::string_view text)
+{
+    arguments types;
+    return read_c_format(text, types) ? std::optional(std::move(types)) : std::nullopt;
 }
 
 } // namespace zel::exchange

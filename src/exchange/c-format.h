@@ -14,4 +14,7 @@ namespace zel::exchange {
 // blank as a flag, which is a percent sign of plain text more often than not.
 std::optional<std::vector<std::string_view>> c_format_arguments(std::string_view text);
 
+// The same into a list that many texts share. False: the text is no format.
+bool read_c_format(std::string_view text, std::vector<std::string_view> &types);
+
 } // namespace zel::exchange

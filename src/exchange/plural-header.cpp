@@ -97,6 +97,19 @@ std::string c_of_condition(std::string_view condition)
     return out;
 }
 
+// As counts_alike, of rules and headers that are known to look at the last two digits alone of a
+// number with three.
+bool begin_alike(const plural_header &header, std::string_view rule)
+{
+    constexpr std::uint64_t repeated_from = 200; // the numbers before have all last two digits
+    constexpr std::uint64_t last_repeated = 1000;
+    const auto samples = plural_samples();
+    return std::all_of(samples.begin(), samples.end(), [&](std::uint64_t n) {
+        return (n >= repeated_from && n < last_repeated) ||
+               header.form(n) == plural_form(rule, header.count, n);
+    });
+}
+
 // All editions of a language's rule, as liblang finds them.
 std::string_view rules_of(std::string_view language)
 {
@@ -213,7 +226,7 @@ std::string header_of_rule(std::string_view rule, bool with_rare_forms)
         take_value(text, "nplurals");
         header.expression.read(take_value(text, "plural"));
         header.count = count;
-        if (counts_alike(header, rule))
+        if (begin_alike(header, rule))
             return std::string(usual);
     }
     std::string expression;

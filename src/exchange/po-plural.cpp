@@ -14,6 +14,9 @@ namespace {
 // Catalogs' compilers let a form for fewer numbers than these, up to a thousand, do without them.
 constexpr std::size_t few = 5;
 
+// What texts have; in one with more, by mistake, a number is always the last form.
+constexpr std::size_t most_forms = 8;
+
 // Whether a text of all forms says something else from a million on.
 bool differs_from_million(std::string_view rule, std::string_view text)
 {
@@ -58,8 +61,8 @@ bool message_check::fits(std::string_view text, bool may_leave_out_arguments) co
         return false;
     if (!arguments_)
         return true;
-    const auto own = c_format_arguments(text);
-    return own == arguments_ || (may_leave_out_arguments && own && own->empty());
+    return read_c_format(text, own_) &&
+           (own_ == arguments_ || (may_leave_out_arguments && own_.empty()));
 }
 
 plural_outlet::plural_outlet(const exporter &from)
@@ -120,17 +123,29 @@ void plural_outlet::look_at(const LangSource &source, const item_t *item,
                 ways_[at].rule, text_of(find_entry(item->langs, names_[at].c_str())));
 }
 
-void plural_outlet::make_way(way &of, const std::string &value)
+void plural_outlet::make_way(way &of, const std::string &value) const
 {
+    // Many languages count alike.
+    const auto known = std::find_if(ways_.begin(), ways_.end(),
+                                    [&](const way &one) { return one.value == value; });
     of.value = value;
-    plural_header header;
-    header.read(of.value);
-    of.numbers = plural_numbers(header);
-    std::vector<std::size_t> served(header.count);
-    for (std::uint64_t n = 0; n <= 1000; ++n)
-        ++served[header.form(n)];
-    for (const std::size_t count : served)
-        of.rare.push_back(count < few);
+    if (known != ways_.end()) {
+        of.numbers = known->numbers;
+        of.rare = known->rare;
+    } else {
+        plural_header header;
+        header.read(of.value);
+        of.numbers = plural_numbers(header);
+        std::vector<std::size_t> served(header.count);
+        for (std::uint64_t n = 0; n <= 1000; ++n)
+            ++served[header.form(n)];
+        for (const std::size_t count : served)
+            of.rare.push_back(count < few);
+    }
+    of.forms.resize(most_forms + 1);
+    for (std::size_t count = 0; count <= most_forms; ++count)
+        for (const std::uint64_t n : of.numbers)
+            of.forms[count].push_back(plural_form(of.rule, count, n));
 }
 
 void plural_outlet::split(std::size_t language, std::string_view text, forms &out) const
@@ -140,8 +155,9 @@ void plural_outlet::split(std::size_t language, std::string_view text, forms &ou
     out.fits = text.empty() || count == of.all || count == of.everyday;
     out.is_whole = true;
     out.texts.clear();
-    for (const std::uint64_t n : of.numbers) {
-        out.texts.push_back(text_form(text, plural_form(of.rule, count, n)));
+    for (std::size_t at = 0; at < of.numbers.size(); ++at) {
+        const std::size_t form = count <= most_forms ? of.forms[count][at] : count - 1;
+        out.texts.push_back(text_form(text, form));
         out.is_whole = out.is_whole && (text.empty() || !without_end(out.texts.back()).empty());
     }
     if (!out.is_whole)

@@ -33,6 +33,7 @@ public:
 private:
     std::string_view id_;
     std::optional<std::vector<std::string_view>> arguments_; // of a format that can be compared
+    mutable std::vector<std::string_view> own_;              // of the text that is looked at
 };
 
 // How each language's catalog counts. Looks through the items once: without any plural nothing is
@@ -76,10 +77,13 @@ private:
         std::string value;
         std::vector<std::uint64_t> numbers; // one for each form of the header
         std::vector<bool> rare;
+
+        // For each number of forms that a text has, those that the header's forms are.
+        std::vector<std::vector<std::size_t>> forms;
     };
     void look_at(const LangSource &source, const item_t *item, std::vector<bool> &needs_rare);
     void add_language(const char *name);
-    static void make_way(way &of, const std::string &value);
+    void make_way(way &of, const std::string &value) const;
 
     std::vector<std::string> names_;
     std::vector<way> ways_;

@@ -1,6 +1,7 @@
 #include "kit/support/predecessors.h"
 
 #include "kit/support/likeness.h"
+#include "kit/support/neighbourhood.h"
 #include "merge/fields.h"
 #include "source/entry.h"
 
@@ -16,6 +17,13 @@ namespace {
 // Nobody can tell two apart whose likeness is that near.
 constexpr unsigned too_near = 5;
 
+// A neighbour that both have is evidence like some points of likeness, and three are enough.
+constexpr unsigned points_of_neighbour = 2;
+constexpr unsigned most_neighbours = 3;
+
+// Of two texts that are so much alike, one is as good as the other.
+constexpr unsigned as_good = 80;
+
 struct old_item {
     const edit_t *group;
     const item_t *item;
@@ -25,6 +33,7 @@ struct old_item {
 struct candidate {
     std::uint32_t at; // of the old items
     unsigned likeness;
+    unsigned points; // likeness and what its neighbours tell
     bool nearly;
     bool same_group;
     bool same_file;
@@ -33,11 +42,11 @@ struct candidate {
     auto rank() const { return std::tuple(nearly, same_group && same_file, same_group); }
     bool is_better(const candidate &other) const
     {
-        return std::tuple(rank(), likeness) > std::tuple(other.rank(), other.likeness);
+        return std::tuple(rank(), points) > std::tuple(other.rank(), other.points);
     }
     bool is_rival(const candidate &other) const
     {
-        return rank() == other.rank() && likeness - other.likeness <= too_near;
+        return rank() == other.rank() && points - other.points <= too_near;
     }
 };
 
@@ -77,6 +86,18 @@ GList *next_text(GList *node, const item_t *item)
     return node;
 }
 
+bool are_alike(GList *texts, GList *others)
+{
+    if (same_written_text(texts, others))
+        return true;
+    std::string buffer;
+    std::string other_buffer;
+    const compared_text one(look_at_text(texts, buffer));
+    const compared_text other(look_at_text(others, other_buffer));
+    return one.likeness(other, as_good) >= as_good;
+}
+
+// Whether it does not matter which of two a text is taken from.
 bool have_same_texts(const item_t *a, const item_t *b)
 {
     GList *left = next_text(a->langs, a);
@@ -84,8 +105,7 @@ bool have_same_texts(const item_t *a, const item_t *b)
     while (left != nullptr && right != nullptr) {
         const auto *one = static_cast<const lang_entry_t *>(left->data);
         const auto *other = static_cast<const lang_entry_t *>(right->data);
-        if (view_of(one->lang) != view_of(other->lang) ||
-            !same_written_text(one->texts, other->texts))
+        if (view_of(one->lang) != view_of(other->lang) || !are_alike(one->texts, other->texts))
             return false;
         left = next_text(left->next, a);
         right = next_text(right->next, b);
@@ -95,7 +115,8 @@ bool have_same_texts(const item_t *a, const item_t *b)
 
 class search {
 public:
-    search(const std::vector<grouped_item> &among, unsigned at_least) : at_least_(at_least)
+    search(const std::vector<grouped_item> &among, const neighbourhood &around, unsigned at_least)
+        : around_(around), at_least_(at_least)
     {
         for (const grouped_item &one : among) {
             old_.push_back({one.group, one.item, compared_text(view_of(one.item->name))});
@@ -128,10 +149,13 @@ private:
         new_item found{group, item, {}};
         for (const std::uint32_t at : index_.likeliest(text)) {
             const old_item &old = old_[at];
-            const unsigned likeness = text.likeness(old.text, at_least_);
-            if (likeness >= at_least_)
-                found.candidates.push_back({at, likeness, text.is_nearly(old.text),
-                                            are_one(old.group, group),
+            const unsigned evidence =
+                points_of_neighbour * std::min(around_.shared(item, old.item), most_neighbours);
+            const unsigned least = at_least_ - std::min(at_least_ - 1, evidence);
+            const unsigned likeness = text.likeness(old.text, least);
+            if (likeness >= least)
+                found.candidates.push_back({at, likeness, likeness + evidence,
+                                            text.is_nearly(old.text), are_one(old.group, group),
                                             !file.empty() && file == file_of(old.item)});
         }
         if (found.candidates.empty())
@@ -163,15 +187,18 @@ private:
             // Another item that is more like it makes it no rival; the same texts make none either.
             const bool is_best = other.at == best.at;
             const std::optional<candidate> &heir = heirs_[other.at];
-            if (!is_best && (!best.is_rival(other) || (heir && heir->is_better(other)) ||
-                             have_same_texts(old_[best.at].item, old_[other.at].item)))
-                continue;
             const old_item &old = old_[other.at];
-            out.candidates.push_back({old.group, old.item, other.likeness, other.nearly});
+            if (!is_best && (!best.is_rival(other) || (heir && heir->is_better(other)) ||
+                             old.text.is_nearly(old_[best.at].text) ||
+                             have_same_texts(old_[best.at].item, old.item)))
+                continue;
+            out.candidates.push_back(
+                {old.group, old.item, other.likeness, other.nearly, other.likeness < at_least_});
         }
         return out;
     }
 
+    const neighbourhood &around_;
     unsigned at_least_;
     std::deque<old_item> old_;
     likeness_index index_;
@@ -184,7 +211,7 @@ private:
 std::vector<succession> find_predecessors(const std::vector<grouped_item> &items,
                                           const std::vector<grouped_item> &among, unsigned at_least)
 {
-    return search(among, at_least).find(items);
+    return search(among, neighbourhood(), at_least).find(items);
 }
 
 std::vector<succession> find_predecessors(const LangSource *source, unsigned at_least)
@@ -195,7 +222,7 @@ std::vector<succession> find_predecessors(const LangSource *source, unsigned at_
         for (item_t *item : each<item_t>(group->items))
             if ((item->used != 0) != has_translation(source, item))
                 (item->used != 0 ? items : among).push_back({group, item});
-    return find_predecessors(items, among, at_least);
+    return search(among, neighbourhood(source, has_translation), at_least).find(items);
 }
 
 } // namespace zel::kit

@@ -16,6 +16,7 @@ struct predecessor {
     const item_t *item;
     unsigned likeness; // percent
     bool nearly;       // only case, blanks, the sign at the end or a mnemonic differ
+    bool by_place;     // too little likeness, but between the same neighbours
 };
 
 struct succession {
@@ -31,11 +32,13 @@ struct grouped_item {
 
 // Finds what items were before, among others: in their order, without those that were nothing.
 // Predecessors of one group come before others, and of one file of code where the places are known.
+// Of two within 5 points nobody can tell which it is, unless what they hold is as good as the same.
 std::vector<succession> find_predecessors(const std::vector<grouped_item> &items,
                                           const std::vector<grouped_item> &among,
                                           unsigned at_least);
 
-// The same of all such items of a source.
+// The same of all such items of a source, where neighbours in the code and in a group are evidence,
+// too: three in common count as 6 points of likeness.
 std::vector<succession> find_predecessors(const LangSource *source, unsigned at_least);
 
 } // namespace zel::kit

@@ -16,7 +16,8 @@ namespace {
 
 std::string shown_old(const predecessor &one)
 {
-    return shown_key(one.group, one.item) + " (" + std::to_string(one.likeness) + " %)";
+    return shown_key(one.group, one.item) + " (" + std::to_string(one.likeness) +
+           (one.by_place ? " %, same neighbours)" : " %)");
 }
 
 // The entries of a list by language, for adding to it.

@@ -187,7 +187,7 @@ int run_export(const word &self, int argc, char **argv)
         request.ready = *mark;
     else
         return status_fault;
-    const source_guard source = read(line.files.front());
+    source_guard source = read(line.files.front());
     if (!source)
         return status_fault;
     request.source = source.get();
@@ -226,6 +226,7 @@ int run_export(const word &self, int argc, char **argv)
                      line.files.front().c_str(), counted(from.unheld, "text").c_str());
     for (const std::string &text : from.lost)
         std::fprintf(stderr, "lang-kit: %s: %s\n", line.files.front().c_str(), text.c_str());
+    keep_to_the_end(std::move(source));
     return from.lost.empty() ? status_fine : status_found;
 }
 
