@@ -136,8 +136,14 @@ void earlier_texts::open_next()
     if (!text)
         return;
     bytes_ += text->size();
+    begin_file(path, std::move(*text));
+}
+
+// Only the languages that are asked for are kept.
+void earlier_texts::begin_file(const std::string &name, std::string text)
+{
     file_ = std::make_unique<source_walk>(
-        path, std::move(*text), [this](std::string_view language) { return query_.has(language); });
+        name, std::move(text), [this](std::string_view language) { return query_.has(language); });
 }
 
 // Blank lines at the end are no part of a text: storing drops them.
@@ -208,7 +214,7 @@ bool earlier_texts::read_version()
     waits_ = news == revision_news::waits;
     if (news != revision_news::text)
         return news != revision_news::over;
-    file_ = std::make_unique<source_walk>(prefix_, std::move(text));
+    begin_file(prefix_, std::move(text));
     if (rows_.empty())
         collect_from(source_->groups);
     return true;

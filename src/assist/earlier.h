@@ -78,6 +78,7 @@ private:
     void collect_from(GList *group);
     void collect_some();
     void open_next();
+    void begin_file(const std::string &name, std::string text);
     void read_some();
     void ask_git();
     bool read_version();
