@@ -115,6 +115,8 @@ bool judge_forms(const text_case &at, std::string &message)
         reference.push_back(read_percents(one));
     // The last form has every argument.
     const percents &last = reference.back();
+    if (!last.is_format())
+        return false;
     const std::vector<std::string_view> forms = read_forms(at.own.bytes);
     for (std::size_t i = 0; i < forms.size(); ++i) {
         const percents form = read_percents(forms[i], &last);

@@ -210,7 +210,7 @@ bool has_colon(std::string_view bytes)
 // ends with that of an abbreviation.
 bool is_abbreviation(const text_end &own, std::string_view text)
 {
-    constexpr std::size_t longest = 5;
+    constexpr std::size_t longest = 4;
     const std::string_view word = without_tail(text);
     return own.means == sign::period &&
            (own.in_bracket ||

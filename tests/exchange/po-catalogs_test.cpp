@@ -69,8 +69,11 @@ TEST(PoCatalogsSlow, ComeOverAndGoBackAsTheUsualToolWritesThem)
         if (text.empty())
             continue;
         const std::string again = written_again(text);
+        // A catalog's own spelling of UTF-8 stays; the tool keeps it where it need not convert.
+        const bool is_utf8 = text.find("charset=utf-8") != std::string::npos;
         const std::string theirs =
-            made_by("msgcat --no-wrap --to-code=UTF-8 " + from, dir / "theirs.po");
+            made_by(std::string("msgcat --no-wrap ") + (is_utf8 ? "" : "--to-code=UTF-8 ") + from,
+                    dir / "theirs.po");
         // Some are in an encoding that the tool refuses itself. EXPECT_EQ would print both.
         EXPECT_TRUE(theirs.empty() || again == theirs) << path;
         written += theirs.empty() ? 0 : 1;
