@@ -346,6 +346,16 @@ bool is_year(std::string_view digits, const std::vector<number> &others)
            });
 }
 
+// "16k" is "十六开", too.
+bool has_numerals(std::string_view bytes)
+{
+    constexpr std::u32string_view numerals = U"〇一二三四五六七八九十百千万萬";
+    for (std::size_t at = 0; at < bytes.size();)
+        if (numerals.find(next_char(bytes, at)) != std::u32string_view::npos)
+            return true;
+    return false;
+}
+
 // "calendar:week_start:0" is a setting, which a language may have otherwise.
 bool is_setting(std::string_view bytes)
 {
@@ -377,7 +387,8 @@ bool judge_link(const text_case &at, std::string &message)
     const links reference = read_links(at.reference.bytes);
     return differ(own.addresses, reference.addresses, "address", message) ||
            differ(own.paths, reference.paths, "path", message) ||
-           (!is_setting(at.reference.bytes) && numbers_differ(own, reference, message));
+           (!is_setting(at.reference.bytes) && numbers_differ(own, reference, message) &&
+            !has_numerals(at.own.bytes));
 }
 
 } // namespace zel::lint

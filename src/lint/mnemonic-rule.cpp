@@ -6,18 +6,11 @@ namespace zel::lint {
 
 namespace {
 
-// "Page_Up" of an item of that name, whose reference is "Page Up".
-bool is_of_name(const text_case &at, const mnemonics &own)
+// A name with underscores, "Page_Up", whose reference has none, "Page Up": translations keep them.
+bool is_name(const text_case &at)
 {
-    const std::string_view text = at.own.bytes;
-    std::size_t start = own.at;
-    while (start > 0 && is_word_byte(text[start - 1]))
-        --start;
-    std::size_t end = own.at;
-    while (end < text.size() && is_word_byte(text[end]))
-        ++end;
-    return start < own.at && at.item != nullptr &&
-           name_of(at.item->name).find(text.substr(start, end - start)) != std::string_view::npos;
+    return at.item != nullptr && !at.reference.has(has_underscore) &&
+           name_of(at.item->name).find('_') != std::string_view::npos;
 }
 
 } // namespace
@@ -28,13 +21,13 @@ bool judge_mnemonic(const text_case &at, std::string &message)
         return false;
     const mnemonics own = read_mnemonics(at.own.bytes);
     const mnemonics reference = read_mnemonics(at.reference.bytes);
-    if (reference.count > 1)
+    if (reference.count > 1 || is_name(at))
         return false;
     if (own.sure > 1)
         message = "there are two mnemonics";
     else if (own.count == 0 && reference.sure == 1)
         message = "the mnemonic of the reference is missing";
-    else if (own.sure == 1 && reference.count == 0 && !is_of_name(at, own))
+    else if (own.sure == 1 && reference.count == 0)
         message = "there is a mnemonic, the reference has none";
     return !message.empty();
 }

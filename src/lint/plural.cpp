@@ -71,8 +71,7 @@ bool has_plural_forms(std::string_view text)
 
 void note_forms(text &of, bool is_plural)
 {
-    if (is_plural ? of.bytes.find(plural_sign) != of.bytes.npos
-                  : of.has(has_percent) && has_plural_forms(of.bytes))
+    if (is_plural || (of.has(has_percent) && has_plural_forms(of.bytes)))
         of.holds |= has_forms;
 }
 

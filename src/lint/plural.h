@@ -16,8 +16,8 @@ namespace zel::lint {
 // path, "File|Open", and a row of a table, "%s | %d", are none.
 bool has_plural_forms(std::string_view text);
 
-// Notes it in the text, for rules that ask once for each translation; of one that is_plural the
-// signs alone tell its forms.
+// Notes it in the text, for rules that ask once for each translation; one that is_plural has
+// forms whatever it holds.
 void note_forms(text &of, bool is_plural);
 
 // Whether a form of so many serves one number alone, which it may write out: "one note".

@@ -34,11 +34,14 @@ std::size_t count_small_words(std::string_view bytes)
     return words;
 }
 
-// Notices of rights, how a command is written ("git log [<options>]"), and what has no blank, as
-// names of files and lists of search words, keep what they have in most languages.
-bool is_notice_or_name(std::string_view bytes)
+// Notices of rights, how a command is written ("tea brew [<options>]", "tea pour" of the
+// application "tea"), and what has no blank, as names of files and lists of search words, keep what
+// they have in most languages.
+bool is_notice_or_name(std::string_view bytes, std::string_view app)
 {
     return std::none_of(bytes.begin(), bytes.end(), is_blank) ||
+           (!app.empty() && bytes.size() > app.size() && bytes[app.size()] == ' ' &&
+            g_ascii_strncasecmp(bytes.data(), app.data(), app.size()) == 0) ||
            std::any_of(std::begin(kept), std::end(kept), [&](std::string_view sign) {
                return bytes.find(sign) != std::string_view::npos;
            });
@@ -66,7 +69,7 @@ void judge_same(const item_case &at)
         }
     if (same == 0)
         return;
-    if (count_small_words(reference) < 2 || is_notice_or_name(reference) ||
+    if (count_small_words(reference) < 2 || is_notice_or_name(reference, name_of(at.source->app)) ||
         (all > 2 && 2 * same > all))
         return;
     for (std::size_t i = 0; i < at.slots.size(); ++i)

@@ -217,8 +217,35 @@ bool is_abbreviation(const text_end &own, std::string_view text)
             (count_chars(word) <= longest && std::none_of(word.begin(), word.end(), is_blank)));
 }
 
+// "the file “.”" and "an address of “data:”" end with a sign that is named.
+bool names_its_sign(const text_end &end, std::string_view text)
+{
+    std::size_t at = text.size();
+    return at > 0 && is_quote(last_char(text, at)) &&
+           (is_quote(end.before) || (end.means == sign::colon && at > 0));
+}
+
+bool has_letter_of(std::string_view text, char32_t first, char32_t last)
+{
+    for (std::size_t at = 0; at < text.size();)
+        if (const char32_t c = next_char(text, at); c >= first && c <= last)
+            return true;
+    return false;
+}
+
+// A sign of another script is typed for the script's own: ":" for Armenian's full stop, " -" for a
+// colon in Burmese. Thai ends no sentence with a sign, whatever its last word is.
+bool stands_for_sign(const text_end &own, const text_end &reference, std::string_view text)
+{
+    return (own.means == sign::colon && is_statement(reference.means) &&
+            has_letter_of(text, 0x530, 0x58F)) ||
+           (reference.means == sign::colon && text.ends_with(" -"));
+}
+
 bool means_the_same(const text_end &own, const text_end &reference, std::string_view text)
 {
+    if (names_its_sign(own, text) || stands_for_sign(own, reference, text))
+        return true;
     // Tibetan ends whatever it writes so.
     if (without_tail(text).ends_with("།"))
         return true;
@@ -232,7 +259,7 @@ bool means_the_same(const text_end &own, const text_end &reference, std::string_
     if (own.means == sign::none && reference.means == sign::colon)
         return has_colon(text);
     return own.means == sign::none && is_statement(reference.means) &&
-           ends_without_sign(own.before);
+           (ends_without_sign(own.before) || has_letter_of(text, 0xE01, 0xE7F));
 }
 
 const char *name_of_sign(sign means)
@@ -303,6 +330,7 @@ bool judge_ending(const text_case &at, std::string &message)
     const text_end own = end_of(at.own.bytes);
     const text_end reference = end_of(at.reference.bytes);
     if (own.before == 0 || reference.before == 0 || at.reference.bytes.size() < shortest ||
+        names_its_sign(reference, at.reference.bytes) ||
         means_the_same(own, reference, at.own.bytes))
         return false;
     message.append("there is ")

@@ -129,14 +129,18 @@ TEST(Lint, Collision)
 
 TEST(Lint, SameIsAPhraseThatMostLanguagesTranslate)
 {
-    made_source source({"french", "polish", "british english"});
-    source.add("a", "0", {{"english", "© the small team"}, {"german", "© the small team"}});
+    made_source source({"french", "polish", "british english", "en_CA"});
+    zel::replace_string(source.get()->app, zel_strdup("Tea"));
+    for (const char *kept :
+         {"© the small team", "notes-of-mine.txt", "brew [<options>] with milk", "tea brew some"})
+        source.add("a", kept, {{"english", kept}, {"german", kept}});
     source.add("a", "1",
                {{"english", "Notify with a toaster"},
                 {"german", "Notify with a toaster"},
                 {"french", "Avertir"},
                 {"polish", "x"},
-                {"british english", "Notify with a toaster"}});
+                {"british english", "Notify with a toaster"},
+                {"en_CA", "Notify with a toaster"}});
     source.add("a", "2", {{"english", "Mail User Agent"}, {"german", "Mail User Agent"}});
     source.add("a", "3",
                {{"english", "van der valk pattern"},

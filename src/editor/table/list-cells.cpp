@@ -146,7 +146,7 @@ std::string mark_runs(GtkCellRenderer *cell)
 {
     const char *text = GTK_CELL_RENDERER_TEXT(cell)->text;
     const std::string plain = text == nullptr ? "" : text;
-    const std::string marked = zel::shown_in_cell(plain);
+    std::string marked = zel::shown_in_cell(plain);
     if (marked != plain)
         g_object_set(cell, "text", marked.c_str(), nullptr);
     return marked;
