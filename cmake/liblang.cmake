@@ -5,7 +5,7 @@ set(liblang_map ${PROJECT_SOURCE_DIR}/src/langlib/liblang.map)
 set(liblang_objects)
 foreach(folder support lex langlib)
   # A precompiled header counts among them, and is none.
-  list(APPEND liblang_objects $<FILTER:$<TARGET_OBJECTS:lang_${folder}>,EXCLUDE,[.]gch$>)
+  list(APPEND liblang_objects $<FILTER:$<TARGET_OBJECTS:lang_${folder}>,EXCLUDE,[.][gp]ch$>)
 endforeach()
 
 add_library(lang_shared SHARED ${liblang_objects})
