@@ -33,13 +33,14 @@ bool is_word(std::string_view bytes, std::size_t least)
 }
 
 // Short words are only slips when they can never meet themselves, as "that that" and "der der" do;
-// longer ones always are but for a few.
+// longer ones always are but for a few, of which some are two cases of one word.
 bool is_slip(std::string_view word)
 {
     constexpr std::string_view never[] = {"the", "and", "for", "of",  "to",  "is",  "und", "von",
                                           "mit", "les", "del", "los", "las", "est", "para"};
-    constexpr std::string_view sometimes[] = {"that",   "nous",  "vous",  "blah", "sama",
-                                              "masing", "teker", "piano", "benar"};
+    constexpr std::string_view sometimes[] = {"that",  "nous",   "vous",    "blah",
+                                              "sama",  "masing", "teker",   "piano",
+                                              "benar", "krāsu",  "eragina", "puntua"};
     const auto is_in = [word](const auto &list) {
         return std::find(std::begin(list), std::end(list), word) != std::end(list);
     };
