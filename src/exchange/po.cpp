@@ -232,6 +232,7 @@ said_language language_of(const po_message &header)
     return said;
 }
 
+// Makes the message a unit, which takes its texts.
 void take_message(po_message &message, text_unit &unit, encoding good, bool own)
 {
     unit.group.clear();
@@ -240,16 +241,16 @@ void take_message(po_message &message, text_unit &unit, encoding good, bool own)
     unit.loose = true;
     // What looks like a key may be a group of two words, but no item without both has its text.
     unit.in_group = own && unit.keyed;
-    unit.context = message.id.context;
-    unit.code_group = group_of_place(message.references);
-    unit.reference = *message.id.text;
+    unit.code_group = message.id.context ? std::string() : group_of_place(message.references);
+    unit.context = std::move(message.id.context);
+    unit.reference = std::move(*message.id.text);
     unit.text.clear();
     unit.forms.clear();
     if (message.id.plural) {
         unit.reference += plural_sign + *message.id.plural;
-        unit.forms = message.texts;
+        unit.forms = std::move(message.texts);
     } else {
-        unit.text = message.texts.front();
+        unit.text = std::move(message.texts.front());
     }
     for (std::string &form : unit.forms)
         uncarry(form, good);

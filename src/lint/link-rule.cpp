@@ -179,7 +179,9 @@ std::size_t entity_length(std::string_view rest)
 bool is_percentage(std::string_view rest)
 {
     std::size_t end = 1;
-    while (end < rest.size() && is_ascii_digit(rest[end]))
+    while (end < rest.size() &&
+           (is_ascii_digit(rest[end]) || (end > 1 && rest[end] == '.' && end + 1 < rest.size() &&
+                                          is_ascii_digit(rest[end + 1]))))
         ++end;
     return end > 1 && (end == rest.size() ||
                        (!is_ascii_letter(rest[end]) &&
