@@ -245,7 +245,7 @@ void store(Zeltext *text)
         text->item->changed = 1;
 }
 
-void show(Zeltext *text, LangSource *source, item_t *item, int update)
+void leave_item(Zeltext *text, int update)
 {
     LogPrint(1, "zel_text_set: entry\n");
     lang_global.text_lock = 1;
@@ -257,6 +257,11 @@ void show(Zeltext *text, LangSource *source, item_t *item, int update)
         drop_made_entry(text, number);
         text->*fields[number].entry = nullptr;
     }
+}
+
+void show(Zeltext *text, LangSource *source, item_t *item, int update)
+{
+    leave_item(text, update);
     if (source == nullptr || item == nullptr) {
         show_nothing(text);
         return;
@@ -365,6 +370,8 @@ const char *zel_get_first_lang_entry(GList *entries, const char *lang)
 }
 
 namespace zel {
+
+void text_leave_item(Zeltext *text, int update) { leave_item(text, update); }
 
 void text_drop_focus(Zeltext *text)
 {

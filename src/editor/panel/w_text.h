@@ -40,6 +40,10 @@ const char *zel_get_first_lang_entry(GList *entries, const char *lang);
 
 namespace zel {
 
+// Empties the panel as zel_text_set does without an item, but what is seen stays: the caller shows
+// another item at once, and a panel that is emptied in between is laid out and drawn twice.
+void text_leave_item(Zeltext *text, int update);
+
 // Takes the keyboard from the panel's texts, as when they are hidden. Who gives it back to a field
 // has its new text read aloud.
 void text_drop_focus(Zeltext *text);

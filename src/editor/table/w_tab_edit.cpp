@@ -161,7 +161,7 @@ void show_row(ZelTabEdit *tab, const zel::tab_row &row, int number)
     zel_text_set_pos(tab->text_widget, number + 1);
     zel_text_set_group_name(tab->text_widget, row.group->name);
     // The number and the group come before the item, since the panel shows them with it.
-    zel_text_set(tab->text_widget, rows_of(tab).source, row.item, 0);
+    zel_text_set(tab->text_widget, rows_of(tab).source, row.item, 1);
     zel::tab_show_shot(tab->last_group, row.group->name, row.item->name);
 }
 
@@ -178,10 +178,11 @@ void tree_selection_changed_cb(GtkTreeSelection *, gpointer data)
     const zel::tab_row *row = selected_row(tab, &number);
     // An import has changed the texts beneath: storing the fields would write the old ones over
     // them.
+    const int update = lang_global.importing != 0 ? 0 : 1;
     if (row == nullptr)
-        empty_text(tab, lang_global.importing != 0 ? 0 : 1);
-    else if (lang_global.importing == 0)
-        zel_text_update(tab->text_widget);
+        empty_text(tab, update);
+    else
+        zel::text_leave_item(ZEL_TEXT(tab->text_widget), update);
     zel::text_drop_focus(ZEL_TEXT(tab->text_widget));
     remember_selected(tab, number);
     mark_row(tab, number);
