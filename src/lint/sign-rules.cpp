@@ -180,14 +180,17 @@ text_end end_of(std::string_view bytes)
     return counts ? inside : bracket;
 }
 
-bool is_greek(char32_t c) { return (c >= 0x370 && c < 0x400) || (c >= 0x1F00 && c < 0x2000); }
-
-bool has_greek(std::string_view bytes)
+bool has_letter_of(std::string_view text, char32_t first, char32_t last)
 {
-    for (std::size_t at = 0; at < bytes.size();)
-        if (is_greek(next_char(bytes, at)))
+    for (std::size_t at = 0; at < text.size();)
+        if (const char32_t c = next_char(text, at); c >= first && c <= last)
             return true;
     return false;
+}
+
+bool has_greek(std::string_view text)
+{
+    return has_letter_of(text, 0x370, 0x3FF) || has_letter_of(text, 0x1F00, 0x1FFF);
 }
 
 // Thai, Lao, Tibetan, Burmese, Khmer, and the short texts of Chinese and Japanese: sentences end
@@ -222,19 +225,11 @@ bool names_its_sign(const text_end &end, std::string_view text)
 {
     std::size_t at = text.size();
     return at > 0 && is_quote(last_char(text, at)) &&
-           (is_quote(end.before) || (end.means == sign::colon && at > 0));
+           (is_quote(end.before) || end.means == sign::colon);
 }
 
-bool has_letter_of(std::string_view text, char32_t first, char32_t last)
-{
-    for (std::size_t at = 0; at < text.size();)
-        if (const char32_t c = next_char(text, at); c >= first && c <= last)
-            return true;
-    return false;
-}
-
-// A sign of another script is typed for the script's own: ":" for Armenian's full stop, " -" for a
-// colon in Burmese. Thai ends no sentence with a sign, whatever its last word is.
+// People type another sign for their script's own: ":" for Armenian's full stop, " -" for a colon
+// in Burmese.
 bool stands_for_sign(const text_end &own, const text_end &reference, std::string_view text)
 {
     return (own.means == sign::colon && is_statement(reference.means) &&
@@ -258,6 +253,7 @@ bool means_the_same(const text_end &own, const text_end &reference, std::string_
         return has_greek(text);
     if (own.means == sign::none && reference.means == sign::colon)
         return has_colon(text);
+    // Thai ends no sentence with a sign, even where its last word is a foreign one.
     return own.means == sign::none && is_statement(reference.means) &&
            (ends_without_sign(own.before) || has_letter_of(text, 0xE01, 0xE7F));
 }
