@@ -70,7 +70,7 @@ int check_argv(int *count, char ***position, const argv_tab_t *table)
     if (word == nullptr)
         return 0;
     // A word too short for "--" and a letter is not remembered: a message about a missing value
-    // goes on naming the word before it.
+    // keeps naming the word before it.
     if (std::strlen(word) < 3)
         return zel_str_to_num(nullptr, table);
     arg_last = word;

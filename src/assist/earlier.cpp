@@ -25,7 +25,7 @@ std::string key_of(const edit_t &group, const item_t &item)
     return std::string(or_empty(group.name)) + '\0' + or_empty(item.name);
 }
 
-// Whether that is what a backup's name has behind that of its source.
+// Whether a backup's name may end like this, behind the name of its source.
 bool is_dated(std::string_view rest)
 {
     if (rest.size() != date_form.size() + backup_ending.size() || !rest.ends_with(backup_ending))
@@ -43,7 +43,8 @@ earlier_texts::~earlier_texts() = default;
 
 void earlier_texts::stop()
 {
-    // What is not complete is asked for again; a query that nobody makes stands for it.
+    // An answer that is not complete is not kept: the empty query makes the next begin() start
+    // again.
     if (source_ != nullptr)
         query_ = {};
     source_ = nullptr;
@@ -109,7 +110,7 @@ void earlier_texts::collect_some()
         collect_from(group_->next);
 }
 
-// Leaves the backups that are to be read: of days that are past, one.
+// Keeps the backups that are to be read: of each day that is past only one.
 void earlier_texts::choose()
 {
     std::size_t chosen = 0;
@@ -161,7 +162,7 @@ void earlier_texts::compare(held &now, const std::string &key, const item_t *bef
                          (now.item->ready == 0 || before->ready != 0);
     now.is_open[lang] = is_same;
     const std::string reference = text_in(*before, query_.reference);
-    // An item without a text in the default language is asked for by a name, which is none.
+    // Without a text in the default language there is no original that could have changed.
     if (!is_same || reference.empty())
         return;
     if (reference != text_in(*now.item, query_.reference))
@@ -172,7 +173,7 @@ void earlier_texts::compare(held &now, const std::string &key, const item_t *bef
 
 void earlier_texts::compare(const LangSource &backup, const edit_t &group, const item_t *before)
 {
-    // With another default language all originals are others.
+    // The backup's originals are in another language: none can be compared.
     if (or_empty(backup.default_lang) != query_.reference)
         return;
     const std::string key = key_of(group, *before);
@@ -196,7 +197,7 @@ void earlier_texts::read_some()
     ++files_;
 }
 
-// Of which texts git is asked: what a backup tells is nearer.
+// Asks git for the texts that no backup has told of: a backup is nearer.
 void earlier_texts::ask_git()
 {
     for (const auto &[key, texts] : found_)

@@ -75,7 +75,7 @@ void append(scan &s, name_buffer &buffer, const char *text, piece of)
     const std::size_t added = std::min(whole, NAME_SIZE - 1 - length);
     std::memcpy(buffer + length, text, added);
     buffer[length + added] = '\0';
-    // The name goes on where the buffer ends: what is looked up is not what the program asks for.
+    // The name is longer than the buffer: the look-up would find another one.
     if (added != whole)
         tell_unread(s, of, unread_cause::goes_on);
 }
@@ -418,7 +418,7 @@ void read_name(scan &s, zel_lex_t *lex)
         return;
     const std::uint32_t line = value->line;
     const zel_token_t *next = zel_token_look_ahead(lex, 1);
-    // A value that goes on behind the literal is only known in part.
+    // The value continues behind the literal: only a part of it is known.
     if (differs || (next->id != TOKEN_EOF && next->line == line))
         symtab_doubt(s.symbols, name.c_str());
 }

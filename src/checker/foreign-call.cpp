@@ -91,8 +91,8 @@ private:
         return at >= back && text_of_token(at - back) == sign;
     }
 
-    // Finds the partner of each opening parenthesis. Those of a directive are its own affair, and
-    // the ones around it stay open meanwhile.
+    // Finds the partner of each opening parenthesis. Those of a directive are matched among
+    // themselves, and the ones around it stay open meanwhile.
     void pair_brackets()
     {
         std::vector<std::size_t> open;

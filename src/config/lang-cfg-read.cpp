@@ -40,7 +40,7 @@ private:
     int length = 0;
 };
 
-// Remembers in what the input ends: such a file may have been cut.
+// Remembers the token in which the input ends: such a file may have been cut.
 void note_open_end(const zel_lex_buf_t *buf, int character, const char *what)
 {
     auto *store = static_cast<lang_cfg_t *>(buf->read_context);
@@ -99,7 +99,7 @@ void scan_word(zel_lex_buf_t *buf, int first, token_text &text)
             return;
         }
         character = zel_lex_buf_next_char(buf);
-        // The quote is dropped, and what follows it is another token.
+        // The quote is dropped, and a new token begins behind it.
         if (character == '"')
             return;
     }

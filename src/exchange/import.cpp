@@ -216,7 +216,7 @@ std::vector<std::string> importer::plural_notes() const
 // Puts a plural's forms into one text. False where that cannot be, which is said.
 bool importer::join(const char *language, text_unit &unit)
 {
-    // What is left out as a guess says nothing about the others.
+    // A guess that will be left out needs no check: its forms are only joined.
     if (unit.forms.empty() || (unit.fuzzy && !request_.guesses)) {
         for (const std::string &form : unit.forms)
             unit.text.append(unit.text.empty() ? "" : "|").append(form);

@@ -367,7 +367,8 @@ fault new_source::take_template(const std::string &path, std::string_view bytes)
     while (!wrong && reader.next(message)) {
         if (message.obsolete || message.is_header())
             continue;
-        // Some hold the ids as texts, and none says how a language counts.
+        // A template has no translations: some tools put the ids there, and no header says how to
+        // count.
         message.texts.assign(1, {});
         wrong = take_message(of, message);
     }

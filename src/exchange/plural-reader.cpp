@@ -38,7 +38,7 @@ void add_remark(std::string &remark, const std::string &form, const std::string 
         .append(text);
 }
 
-// What became of so many texts without a place.
+// Says what has become of so many texts that have no place in the language.
 std::string told_texts(std::uint32_t count, bool kept)
 {
     return std::to_string(count) + (count == 1 ? " text " : " texts ") +
@@ -47,7 +47,7 @@ std::string told_texts(std::uint32_t count, bool kept)
                          : "kept as remarks");
 }
 
-// A text of all forms, without those that begin at a million where they say nothing else.
+// The text without the forms that begin at a million, where they differ from none of the others.
 std::string without_rare_forms(std::string_view rule, const std::string &all)
 {
     const plural_forms count = count_plural_forms(rule);
@@ -131,7 +131,7 @@ void plural_reader::match_form(std::size_t form)
         if (is_alone(one, form) &&
             (best == header_.count || at(form, one).count > at(form, best).count))
             best = one;
-    // The smallest number from 1 on is the first that is kept, but for a zero before it.
+    // "first" holds the smallest numbers in order; a zero counts last here.
     std::uint64_t smallest = UINT64_MAX;
     for (std::size_t one = 0; best == header_.count && one < header_.count; ++one)
         for (const std::uint64_t n : at(form, one).first)

@@ -19,7 +19,7 @@ constexpr std::size_t longest_name = 33;
 
 // Finds the symbols of a list by their names, up to one of its nodes; those behind that node are
 // searched one by one. Without the index the search for a name, and for the end, would walk the
-// list for every symbol that is set. It is empty when all its bytes are 0.
+// list for every symbol that is set. All bytes 0 is the empty index.
 class symbol_index {
 public:
     void release() { std::free(slots_); }

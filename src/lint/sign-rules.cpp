@@ -241,7 +241,7 @@ bool means_the_same(const text_end &own, const text_end &reference, std::string_
 {
     if (names_its_sign(own, text) || stands_for_sign(own, reference, text))
         return true;
-    // Tibetan ends whatever it writes so.
+    // Tibetan ends every kind of text with this sign.
     if (without_tail(text).ends_with("།"))
         return true;
     if (reference.means == sign::none && is_abbreviation(own, text))

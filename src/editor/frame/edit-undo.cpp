@@ -109,8 +109,8 @@ int field_of(const text_place &place)
     return -1;
 }
 
-// The field goes on in the state of the step: with the text as the item holds it, or as typed and
-// still to be stored.
+// Gives the field the state of the step: the text as the item holds it, or as typed and still to be
+// stored.
 void change_field(int number, const entry_text &text, const entry_text &other)
 {
     Zeltext *of = panel();

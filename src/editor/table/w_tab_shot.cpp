@@ -39,8 +39,8 @@ std::string shot_folder()
     return lang_global.src_dir == nullptr ? name : lang_global.src_dir + ("/" + name);
 }
 
-// The path of the text's own picture; empty without one. The index is read again when it is another
-// file, as lang-kit shots makes it.
+// The path of the text's own picture; empty without one. The index is read again when the file has
+// been replaced, as lang-kit shots does.
 std::string text_shot_path(const char *group, const char *item)
 {
     static std::pair<std::string, zel::file_stamp> read_from;

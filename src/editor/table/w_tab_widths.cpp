@@ -307,7 +307,7 @@ void size_allocate(GtkWidget *widget, GtkAllocation *place)
     GtkWidgetClass *parent = GTK_WIDGET_CLASS(g_type_class_peek(GTK_TYPE_TREE_VIEW));
     if (lay_out(GTK_TREE_VIEW(widget), place->width)) {
         parent->size_request(widget, &widget->requisition); // here it adds the widths up
-        // The toolkit draws anew what is behind the last column only.
+        // The toolkit redraws only what is behind the last column.
         gtk_widget_queue_draw(widget);
     }
     parent->size_allocate(widget, place);

@@ -496,7 +496,8 @@ private:
         return false;
     }
 
-    // The number goes behind the call, and so would what is turned in it: nothing is, or was.
+    // The number moves behind the call; a call within it that is turned, or has been, would move
+    // too, so the move is refused.
     std::string move_number(const foreign_call &call)
     {
         const foreign_argument &number = argument(call, call.form->number);

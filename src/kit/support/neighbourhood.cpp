@@ -12,7 +12,7 @@ namespace zel::kit {
 
 namespace {
 
-// On each side. One alone often has other places, too, and has been passed over there.
+// How many neighbours count on each side. One is not enough: it often has other places, too.
 constexpr std::size_t most_beside = 2;
 
 struct code_place {

@@ -94,7 +94,7 @@ private:
         out_.changed.push_back(std::move(one));
     }
 
-    // What looks like something that is gone was that before.
+    // An item that resembles one that is gone is that one, changed.
     void split_added(const std::vector<grouped_item> &added, const std::vector<grouped_item> &gone)
     {
         constexpr unsigned at_least = 60;

@@ -39,7 +39,7 @@ int status_of(int wait_status)
 
 enum class reading { whole, too_much, failed };
 
-// Reads both to their ends, whichever has something.
+// Reads both pipes to their ends, each as soon as it has something.
 reading read_both(const int (&from)[2], std::string (&to)[2], std::size_t most)
 {
     std::vector<char> piece(1U << 16);

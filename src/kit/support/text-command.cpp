@@ -112,7 +112,7 @@ bool run_command(const std::string &command, const std::string &input, std::stri
     if (const int error = folder ? replace_file(path.c_str(), input) : errno)
         return complain_of(command, std::string("there is no room for what it would be asked: ") +
                                         std::strerror(error));
-    // The file goes once it is open: who ends the command by a signal leaves no texts behind.
+    // The shell removes the file once it has opened it: a signal then leaves no texts behind.
     const program_run run = run_program(
         {"/bin/sh", "-c", "exec <\"$1\" || exit; rm -f -- \"$1\" 2>/dev/null; eval \"$2\"",
          "lang-kit", path, command},
@@ -162,7 +162,7 @@ ask_command(const std::string &command, const LangSource *source, const entry_in
             terms.emplace(source, entries, language = one.language);
         append_wanted(input, source, one, list, *terms);
     }
-    // Nobody is asked for nothing.
+    // Without texts to ask for the command is not started.
     if (!wanted.empty() && (!run_command(command, input, output) ||
                             !take_lines(command, output, wanted.size(), texts)))
         return std::nullopt;

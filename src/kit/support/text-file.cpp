@@ -70,7 +70,7 @@ void text_file::append(std::string_view text)
 
 bool text_file::finish()
 {
-    // The old file must not go on behind the new text.
+    // The old file is the same only if it ends here, too.
     if (same_ && (std::fgetc(same_.get()) != EOF || std::ferror(same_.get()) != 0))
         same_.reset();
     int error = file_.finish(synced::yes);
