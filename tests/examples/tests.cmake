@@ -7,7 +7,7 @@ add_test(NAME lang_build COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/examples/lang-build
 
 set(prefix ${PROJECT_BINARY_DIR}/examples-prefix)
 add_test(NAME examples_install COMMAND ${CMAKE_COMMAND} --install ${PROJECT_BINARY_DIR} --prefix ${prefix})
-set_tests_properties(examples_install PROPERTIES FIXTURES_SETUP examples LABELS slow)
+set_tests_properties(examples_install PROPERTIES FIXTURES_SETUP examples LABELS slow COST 1000)
 
 # A test of the example, with the tools that it needs.
 function(lang_example name)
@@ -19,7 +19,7 @@ function(lang_example name)
            COMMAND ${display} ${CMAKE_CURRENT_SOURCE_DIR}/examples/run-example ${prefix} ${PROJECT_SOURCE_DIR}
                    ${name} ${ARGN})
   set_tests_properties(example_${name} PROPERTIES FIXTURES_REQUIRED examples SKIP_RETURN_CODE 77
-    TIMEOUT 300 LABELS slow
+    TIMEOUT 300 LABELS slow COST 1000
     ENVIRONMENT "CC=${CMAKE_C_COMPILER};CXX=${CMAKE_CXX_COMPILER};CMAKE=${CMAKE_COMMAND}")
 endfunction()
 

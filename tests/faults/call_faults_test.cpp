@@ -2,7 +2,8 @@
 // have: once, and with all that follow. Whatever fails, the job ends by itself, says why, and no
 // text is lost. So is it for commands whose allocations fail. With LANG_FAULTS_ALL every point is
 // taken; else every call fails with its first error once, and of the other points each twentieth is
-// taken, of the allocations each fifth, from LANG_FAULTS_SEED on. LANG_FAULTS_SHOW prints figures.
+// taken, of the allocations each fifth, from another one on in each job and for each error, and
+// with each LANG_FAULTS_SEED. LANG_FAULTS_SHOW prints figures.
 
 #include "failing-memory.h"
 #include "fault-jobs.h"
@@ -78,6 +79,8 @@ protected:
         report = static_cast<call_report *>(
             mmap(nullptr, sizeof *report, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0));
         close(file);
+        const char *seed = std::getenv("LANG_FAULTS_SEED");
+        turn_ = static_cast<std::uint32_t>(GetParam() + (seed == nullptr ? 0 : std::atoi(seed)));
     }
     ~CallFaultsSlow() override { munmap(report, sizeof *report); }
 
@@ -203,17 +206,17 @@ protected:
         return out;
     }
 
-    // One call after the other, or each that many, until a run comes to its end without.
-    void fail_each(const call_row *row, int error, bool lasting, std::uint32_t every)
+    // One call after the other, or each that many, to the last one; returns how many were reached,
+    // as every run comes to the same calls before the one that fails.
+    std::uint32_t fail_each(const call_row *row, int error, bool lasting, std::uint32_t every,
+                            std::uint32_t last = UINT32_MAX)
     {
-        const char *seed = std::getenv("LANG_FAULTS_SEED");
         const std::uint32_t step = std::getenv("LANG_FAULTS_ALL") != nullptr ? 1 : every;
-        const auto first = static_cast<std::uint32_t>(seed == nullptr ? 0 : std::atoi(seed));
-        for (std::uint32_t n = 1 + first % step;; n += step) {
+        for (std::uint32_t n = 1 + turn_++ % step; n <= last; n += step) {
             const call_fault fault{row, n, error, lasting};
             const job_outcome out = run(fault);
             if (!has_struck_)
-                return;
+                return n - 1;
             ++points_;
             const std::string wrong = wrong_with(out, fault);
             if (wrong.empty())
@@ -223,8 +226,9 @@ protected:
                           << list(out) << "\n"
                           << out.said;
             if (losses_ > 20)
-                return;
+                return n;
         }
+        return last;
     }
 
     // Runs the job as it is, and then as often as the function makes it fail.
@@ -243,10 +247,11 @@ protected:
     {
         for (const call_row &row : zel_test::system_calls()) {
             std::uint32_t every = 1;
+            std::uint32_t calls = UINT32_MAX;
             for (const int error : row.errors) {
-                fail_each(&row, error, false, std::exchange(every, 20));
+                calls = fail_each(&row, error, false, std::exchange(every, 20), calls);
                 if (error != EINTR) // no signal comes for ever
-                    fail_each(&row, error, true, every);
+                    fail_each(&row, error, true, every, calls);
                 if (losses_ > 20)
                     return;
             }
@@ -260,6 +265,7 @@ private:
     job_outcome whole_{};
     std::chrono::steady_clock::duration took_{};
     bool has_struck_ = false;
+    std::uint32_t turn_ = 0;
     unsigned points_ = 0;
     unsigned losses_ = 0;
 };

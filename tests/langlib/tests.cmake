@@ -28,7 +28,7 @@ if(NOT LANG_SANITIZE)
   add_test(NAME langlib_install
            COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/langlib/install-test.sh ${CMAKE_COMMAND}
                    ${PROJECT_BINARY_DIR} ${PROJECT_SOURCE_DIR} $<$<TARGET_EXISTS:lang>:$<TARGET_FILE:lang>>)
-  set_tests_properties(langlib_install PROPERTIES TIMEOUT 300 LABELS slow ENVIRONMENT
+  set_tests_properties(langlib_install PROPERTIES TIMEOUT 300 LABELS slow COST 1000 ENVIRONMENT
     "CC=${CMAKE_C_COMPILER};CXX=${CMAKE_CXX_COMPILER}")
 endif()
 
@@ -40,14 +40,14 @@ if(NOT LANG_SANITIZE)
   add_executable(langlib_threads_test EXCLUDE_FROM_ALL langlib/threads.cc ${threads_sources})
   lang_rooms_as_units(langlib_threads_test "${threads_sources}")
   target_link_libraries(langlib_threads_test PRIVATE lang_options PkgConfig::GLIB)
-  target_compile_options(langlib_threads_test PRIVATE -fsanitize=thread -O1 -g)
+  target_compile_options(langlib_threads_test PRIVATE -fsanitize=thread -O1 -g1)
   target_link_options(langlib_threads_test PRIVATE -fsanitize=thread)
   add_test(NAME langlib_threads_build
            COMMAND ${CMAKE_COMMAND} --build ${PROJECT_BINARY_DIR} --target langlib_threads_test)
   add_test(NAME langlib_threads COMMAND langlib_threads_test langlib_threads.lang)
   set_tests_properties(langlib_threads_build PROPERTIES FIXTURES_SETUP threads TIMEOUT 600
-                                                        LABELS slow)
-  set_tests_properties(langlib_threads PROPERTIES FIXTURES_REQUIRED threads TIMEOUT 300 LABELS slow
+                                                        LABELS slow COST 1000)
+  set_tests_properties(langlib_threads PROPERTIES FIXTURES_REQUIRED threads TIMEOUT 300 LABELS slow COST 1000
                                                   ENVIRONMENT
                        "TSAN_OPTIONS=halt_on_error=1;LANG_TRACE=${CMAKE_CURRENT_BINARY_DIR}/threads.trace")
 endif()

@@ -9,5 +9,5 @@ target_include_directories(office_turns PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/faul
 foreach(seed 3 7 9) # the first in 2038
   add_test(NAME office_${seed} COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/tools/office
                                        --build ${PROJECT_BINARY_DIR} --again ${seed} 8)
-  set_tests_properties(office_${seed} PROPERTIES TIMEOUT 300 LABELS slow SKIP_RETURN_CODE 77)
+  set_tests_properties(office_${seed} PROPERTIES TIMEOUT 300 LABELS slow COST 1000 SKIP_RETURN_CODE 77)
 endforeach()

@@ -1,11 +1,9 @@
 #include "editor/table/w_tab_edit.h"
 
 #include "app/global.h"
-#include "editor/panel/edit-record.h"
 #include "editor/panel/spelling.h"
 #include "editor/panel/w_text.h"
 #include "editor/state/edit-state.h"
-#include "editor/state/key-set.h"
 #include "editor/table/w_tab_filter.h"
 #include "editor/table/w_tab_finding.h"
 #include "editor/table/w_tab_found.h"
@@ -13,6 +11,7 @@
 #include "editor/table/w_tab_list.h"
 #include "editor/table/w_tab_model.h"
 #include "editor/table/w_tab_panes.h"
+#include "editor/table/w_tab_ready.h"
 #include "editor/table/w_tab_search.h"
 #include "editor/table/w_tab_shot.h"
 #include "editor/table/w_tab_suggest.h"
@@ -25,9 +24,6 @@
 #include "source/misc.h"
 #include "support/string-copy.h"
 
-#include <gdk/gdkkeysyms.h>
-
-#include <cstring>
 #include <numeric>
 #include <string>
 
@@ -41,22 +37,10 @@ ZelTabModel *shown_rows(ZelTabEdit *tab) { return ZEL_TAB_MODEL(tab->sort_model)
 
 zel::tab_rows &rows_of(ZelTabEdit *tab) { return **tab->rows; }
 
-// Place of the selected row in the list, -1 when none is selected.
-int selected_place(ZelTabEdit *tab)
-{
-    GtkTreeModel *model = nullptr;
-    GtkTreeIter iter;
-    if (gtk_tree_selection_get_selected(gtk_tree_view_get_selection(view_of(tab)), &model, &iter) ==
-            0 ||
-        model == nullptr)
-        return -1;
-    return zel_tab_model_place_of(shown_rows(tab), zel_tab_model_row_of(shown_rows(tab), &iter));
-}
-
 // The selected row, null when none is.
 const zel::tab_row *selected_row(ZelTabEdit *tab, int *number = nullptr)
 {
-    const int row = zel_tab_model_row_at(shown_rows(tab), selected_place(tab));
+    const int row = zel_tab_model_row_at(shown_rows(tab), zel::tab_list_selected(view_of(tab)));
     if (number != nullptr)
         *number = row;
     return row < 0 ? nullptr : &rows_of(tab).rows[static_cast<std::size_t>(row)];
@@ -83,71 +67,6 @@ void mark_row(ZelTabEdit *tab, int row)
     zel_tab_model_row_changed(shown_rows(tab), row);
 }
 
-// Draws the row again, and leaves it where it is, also in a list that is sorted by the marks: it
-// would run away from under the hand, and its neighbours with it. The next click on a header puts
-// it in its place.
-void ready_changed(ZelTabEdit *tab, int row) { zel_tab_model_row_changed(shown_rows(tab), row); }
-
-// An item may be marked ready before it has its texts: the status line says so.
-void tell_missing_text(ZelTabEdit *tab)
-{
-    const char *lang = zel::text_missing_language(ZEL_TEXT(tab->text_widget));
-    if (lang == nullptr)
-        return;
-    const std::string text =
-        std::string(zel::ui_text("tab-edit", "Ready, but the text is missing")) + ": \"" +
-        zel::utf8_shown(lang) + "\"";
-    zel::edit_status(text.c_str());
-}
-
-void change_ready_cb(GtkToggleButton *button, gpointer data)
-{
-    ZelTabEdit *tab = ZEL_TAB_EDIT(data);
-    int number = -1;
-    const zel::tab_row *row = selected_row(tab, &number);
-    if (row == nullptr)
-        return;
-    // The history takes the value from before: it comes first.
-    zel::record_ready(row->item, gtk_toggle_button_get_active(button), true);
-    zel::edit_set_modified(true);
-    row->item->ready = gtk_toggle_button_get_active(button);
-    ready_changed(tab, number);
-    if (row->item->ready != 0)
-        tell_missing_text(tab);
-}
-
-// Makes the button follow the selected row, which is no change of the source.
-void show_ready(ZelTabEdit *tab, const item_t *item)
-{
-    g_signal_handlers_block_by_func(tab->ready_button, reinterpret_cast<gpointer>(change_ready_cb),
-                                    tab);
-    gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(tab->ready_button),
-                                 item != nullptr && item->ready != 0);
-    g_signal_handlers_unblock_by_func(tab->ready_button,
-                                      reinterpret_cast<gpointer>(change_ready_cb), tab);
-    gtk_widget_set_sensitive(tab->ready_button, item != nullptr);
-}
-
-// The cell is a mark for the user's own work: unlike the button beside the texts it leaves the
-// source unmodified, so nobody is asked about saving.
-void ready_toggled_callback(GtkCellRendererToggle *, gchar *path_text, gpointer data)
-{
-    ZelTabEdit *tab = ZEL_TAB_EDIT(data);
-    GtkTreeIter iter;
-    int number = -1;
-    if (gtk_tree_model_get_iter_from_string(tab->sort_model, &iter, path_text) != 0)
-        number = zel_tab_model_row_of(shown_rows(tab), &iter);
-    // The model may have changed since the toolkit made the path.
-    if (number < 0) {
-        g_warning("%s: bad tree path?", G_STRLOC);
-        return;
-    }
-    item_t *item = rows_of(tab).rows[static_cast<std::size_t>(number)].item;
-    zel::record_ready(item, item->ready == 0, false);
-    item->ready = item->ready == 0;
-    ready_changed(tab, number);
-}
-
 void empty_text(ZelTabEdit *tab, int update)
 {
     zel_text_set_pos(tab->text_widget, 0);
@@ -157,7 +76,7 @@ void empty_text(ZelTabEdit *tab, int update)
 
 void show_row(ZelTabEdit *tab, const zel::tab_row &row, int number)
 {
-    show_ready(tab, row.item);
+    tab->ready->show(row.item);
     zel_text_set_pos(tab->text_widget, number + 1);
     zel_text_set_group_name(tab->text_widget, row.group->name);
     // The number and the group come before the item, since the panel shows them with it.
@@ -189,7 +108,7 @@ void tree_selection_changed_cb(GtkTreeSelection *, gpointer data)
     if (row != nullptr)
         show_row(tab, *row, number);
     else
-        show_ready(tab, nullptr);
+        tab->ready->show(nullptr);
     // After the panel: all three read its fields.
     tab->work->item_shown(number);
     tab->suggest->item_shown(number);
@@ -252,12 +171,12 @@ gboolean tree_filter_changed_cb(GtkWidget *, gpointer data)
     const bool in_text = zel::text_focused_field(ZEL_TEXT(tab->text_widget)) >= 0;
     // Before the selection is dropped: the search remembers where to come back to.
     tab->search->begin(rows_of(tab).active);
-    if (selected_place(tab) >= 0) {
+    if (zel::tab_list_selected(view_of(tab)) >= 0) {
         mark_row(tab, -1);
         remember_selected(tab, -1);
         // What is typed is stored before its row may be hidden.
         empty_text(tab, 1);
-        show_ready(tab, nullptr);
+        tab->ready->show(nullptr);
         tab->work->item_shown(-1);
         tab->suggest->item_shown(-1);
     }
@@ -318,7 +237,9 @@ void make_models(ZelTabEdit *tab)
 
 GtkWidget *make_list(ZelTabEdit *tab)
 {
-    const zel::tab_list list = zel::tab_list_new(tab->sort_model, ready_toggled_callback, tab);
+    tab->ready = new zel::tab_ready(shown_rows(tab));
+    const zel::tab_list list =
+        zel::tab_list_new(tab->sort_model, zel::tab_ready::cell_toggled, tab->ready);
     tab->view = list.view;
     tab->lang1_column = list.lang1;
     tab->lang2_column = list.lang2;
@@ -335,10 +256,7 @@ GtkWidget *make_text_side(ZelTabEdit *tab)
 {
     GtkWidget *box = gtk_vbox_new(FALSE, 0);
     tab->text_widget = zel_text_new();
-    tab->ready_button = gtk_check_button_new_with_label(zel::ui_text("tab-edit", "Ready"));
-    gtk_widget_set_tooltip_text(tab->ready_button, zel::ui_text("common", "Toggle ready (ALT+M)"));
-    g_signal_connect(tab->ready_button, "toggled", G_CALLBACK(change_ready_cb), tab);
-    zel::add_button_key(tab->ready_button, GDK_KEY_m, GDK_MOD1_MASK);
+    tab->ready_button = tab->ready->make_button(view_of(tab), ZEL_TEXT(tab->text_widget));
     gtk_box_pack_start(GTK_BOX(box), tab->text_widget, TRUE, TRUE, 0);
     gtk_box_pack_start(GTK_BOX(box), tab->ready_button, FALSE, FALSE, 0);
     return box;
@@ -369,11 +287,12 @@ void make_search(ZelTabEdit *tab)
              // Return without words ends the search, with the item from before it.
              if (tab->search->words().empty())
                  tab->search->come_back();
-             if (!tab->search->words().empty() || selected_place(tab) < 0)
+             if (!tab->search->words().empty() || zel::tab_list_selected(view_of(tab)) < 0)
                  zel_tab_edit_first(GTK_WIDGET(tab));
              focus_translation(tab);
          },
-         [tab](int row) { go_to_row(tab, row); }, [tab] { return selected_place(tab) >= 0; }});
+         [tab](int row) { go_to_row(tab, row); },
+         [tab] { return zel::tab_list_selected(view_of(tab)) >= 0; }});
     tab->search_entry = tab->search->entry();
 }
 
@@ -423,7 +342,7 @@ void instance_init(GTypeInstance *instance, gpointer)
     gtk_box_pack_start(GTK_BOX(tab), box, TRUE, TRUE, 0);
     gtk_widget_show_all(box);
     empty_text(tab, 0);
-    show_ready(tab, nullptr);
+    tab->ready->show(nullptr);
     g_signal_connect(tab, "destroy", G_CALLBACK(destroy_cb), tab);
 }
 
@@ -442,6 +361,7 @@ void finalize(GObject *object)
     delete tab->work;
     delete tab->suggest;
     delete tab->search;
+    delete tab->ready;
     delete tab->rows;
     G_OBJECT_CLASS(parent_class)->finalize(object);
 }
@@ -470,7 +390,7 @@ void fill(ZelTabEdit *tab, LangSource *source)
     const zel::flag_guard busy(tab->busy);
     tab->finding->end();
     empty_text(tab, 1);
-    show_ready(tab, nullptr);
+    tab->ready->show(nullptr);
     tab->lang_source = source;
     // The text of the search is emptied without a filter run of its own, since the table is busy.
     gtk_entry_set_text(GTK_ENTRY(tab->search_entry), "");
@@ -497,7 +417,7 @@ void go_to(ZelTabEdit *tab, int place) { zel::tab_list_go_to(view_of(tab), place
 // Moves by so many rows from the selected one; without one, nowhere.
 void step(ZelTabEdit *tab, int rows)
 {
-    const int place = selected_place(tab);
+    const int place = zel::tab_list_selected(view_of(tab));
     if (place >= 0)
         go_to(tab, place + rows);
 }
@@ -529,7 +449,8 @@ void refresh(ZelTabEdit *tab)
     follow_languages(tab);
     // With one row, which is selected already, the moves below select nothing, and the panel would
     // keep the old texts.
-    const bool stays = zel_tab_model_count(shown_rows(tab)) == 1 && selected_place(tab) == 0;
+    const bool stays =
+        zel_tab_model_count(shown_rows(tab)) == 1 && zel::tab_list_selected(view_of(tab)) == 0;
     go_to_last(tab);
     go_to(tab, 0);
     if (stays)

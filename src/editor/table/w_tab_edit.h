@@ -23,6 +23,7 @@ namespace zel {
 struct tab_rows;
 class tab_finding;
 class tab_hits;
+class tab_ready;
 class tab_search;
 class tab_suggest;
 class tab_work;
@@ -55,6 +56,7 @@ struct ZelTabEdit {
     zel::tab_work *work;                  // what is left to do in them
     zel::tab_hits *hits;                  // in the place of the list for a while
     zel::tab_finding *finding;            // what is listed there
+    zel::tab_ready *ready;                // the marks "Ready"
 };
 
 struct ZelTabEditClass {

@@ -210,4 +210,15 @@ void tab_list_go_to(GtkTreeView *view, int place)
     gtk_tree_path_free(path);
 }
 
+int tab_list_selected(GtkTreeView *view)
+{
+    GtkTreeModel *model = nullptr;
+    GtkTreeIter iter;
+    if (gtk_tree_selection_get_selected(gtk_tree_view_get_selection(view), &model, &iter) == 0 ||
+        model == nullptr)
+        return -1;
+    ZelTabModel *rows = ZEL_TAB_MODEL(model);
+    return zel_tab_model_place_of(rows, zel_tab_model_row_of(rows, &iter));
+}
+
 } // namespace zel

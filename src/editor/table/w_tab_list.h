@@ -28,4 +28,7 @@ void tab_list_show_languages(tab_rows &rows, LangSource *source, const tab_list 
 // Selects the row at that place; does nothing when there is none.
 void tab_list_go_to(GtkTreeView *view, int place);
 
+// Place of the selected row in the list, -1 when none is selected.
+[[nodiscard]] int tab_list_selected(GtkTreeView *view);
+
 } // namespace zel
