@@ -58,11 +58,12 @@ endfunction()
 # lang_check(TARGETS app tool SOURCE app.lang-src [FAIL_ON_UNUSED])
 #
 # Adds the build target app-check, which is built only when it is asked for: it looks for requests in
-# the C and C++ files that the targets list, and those of the static libraries of this project that are
-# linked to them, in the order of their names; brings the language source up to date; and tells what is
-# new and what is no longer used. It fails for a request that cannot be read, with FAIL_ON_UNUSED for an
-# item that is no longer used, too. Files that the build makes are no part of it. Name all targets whose
-# texts are in the source: items that none of them asks for count as not used. TARGET takes one.
+# the C and C++ files that the targets list, and those of the libraries of this project that are linked
+# to them, in the order of their names; brings the language source up to date; and tells what is new and
+# what is no longer used. It fails for a request that cannot be read, with FAIL_ON_UNUSED for an item that
+# is no longer used, too. Files that the build makes are no part of it, nor is a shared library with texts
+# of its own (lang_add_texts). Name all targets whose texts are in the source: items that none of them asks
+# for count as not used. TARGET takes one.
 function(lang_check)
   cmake_parse_arguments(PARSE_ARGV 0 arg "FAIL_ON_UNUSED" "TARGET;SOURCE" "TARGETS")
   set(arg_TARGETS ${arg_TARGET} ${arg_TARGETS})
@@ -87,13 +88,14 @@ endfunction()
 
 function(lang_add_check_target source fail_on_unused target)
   lang_code_files(files ${target} ${ARGN})
+  lang_made_folder(made)
   get_property(script GLOBAL PROPERTY LANG_BUILD_SCRIPT)
   set(options)
   if(fail_on_unused)
     set(options "LANG_CHECK=--fail-on unread,unused")
   endif()
   add_custom_target(${target}-check
-    COMMAND ${CMAKE_COMMAND} -E env LANG_KIT=$<TARGET_FILE:lang::kit> LANG_SKIP=${CMAKE_BINARY_DIR}
+    COMMAND ${CMAKE_COMMAND} -E env LANG_KIT=$<TARGET_FILE:lang::kit> LANG_SKIP=${made}
             ${options} ${script} check ${source} "${files}"
     COMMENT "Looking for texts in ${target}" COMMAND_EXPAND_LISTS VERBATIM)
 endfunction()
@@ -101,12 +103,13 @@ endfunction()
 # Whenever one of the files has changed.
 function(lang_add_code_rule target source stamp)
   lang_code_files(files ${target})
+  lang_made_folder(made)
   if(NOT files)
     return()
   endif()
   get_property(script GLOBAL PROPERTY LANG_BUILD_SCRIPT)
   add_custom_command(OUTPUT ${stamp}
-    COMMAND ${CMAKE_COMMAND} -E env LANG_KIT=$<TARGET_FILE:lang::kit> LANG_SKIP=${CMAKE_BINARY_DIR}
+    COMMAND ${CMAKE_COMMAND} -E env LANG_KIT=$<TARGET_FILE:lang::kit> LANG_SKIP=${made}
             ${script} code ${source} ${files}
     COMMAND ${CMAKE_COMMAND} -E touch ${stamp}
     DEPENDS ${files} ${script} $<TARGET_FILE:lang::kit>
@@ -115,9 +118,20 @@ function(lang_add_code_rule target source stamp)
   add_dependencies(${target}-texts ${target}-code)
 endfunction()
 
-# The C and C++ files of the targets and of the static libraries of this project that are linked to them,
-# but for those of the build folder. What a generator expression stands for is not known here.
+# The folder in which the build makes files; empty where the sources lie there, too.
+function(lang_made_folder out)
+  string(FIND "${CMAKE_SOURCE_DIR}/" "${CMAKE_BINARY_DIR}/" place)
+  set(folder ${CMAKE_BINARY_DIR})
+  if(place EQUAL 0)
+    set(folder)
+  endif()
+  set(${out} "${folder}" PARENT_SCOPE)
+endfunction()
+
+# The C and C++ files of the targets and of the libraries of this project that are linked to them, but
+# for those of the build folder. What other generator expressions stand for is not known here.
 function(lang_code_files out)
+  lang_made_folder(made)
   set(files)
   set(seen)
   set(waiting ${ARGN})
@@ -134,18 +148,25 @@ function(lang_code_files out)
     endif()
     get_target_property(type ${name} TYPE)
     get_target_property(imported ${name} IMPORTED)
-    if(name IN_LIST seen OR imported OR
-       NOT (name IN_LIST ARGN OR type MATCHES "^(STATIC|OBJECT|INTERFACE)_LIBRARY$"))
+    get_target_property(texts ${name} LANG_TEXTS)
+    if(name IN_LIST seen OR imported OR NOT (name IN_LIST ARGN OR type MATCHES
+       "^(STATIC|OBJECT|INTERFACE)_LIBRARY$" OR (type STREQUAL SHARED_LIBRARY AND NOT texts)))
       continue()
     endif()
     list(APPEND seen ${name})
     get_target_property(folder ${name} SOURCE_DIR)
-    get_target_property(sources ${name} SOURCES)
+    set(sources)
+    foreach(property SOURCES INTERFACE_SOURCES)
+      get_target_property(listed ${name} ${property})
+      list(APPEND sources ${listed})
+    endforeach()
     foreach(source IN LISTS sources)
-      if(source MATCHES "[.](c|h|cc|hh|cpp|hpp|cxx|hxx)$" AND NOT source MATCHES "[$]<")
+      if(source MATCHES "^[$]<TARGET_OBJECTS:([^<>]+)>$")
+        list(APPEND waiting ${CMAKE_MATCH_1})
+      elseif(source MATCHES "[.](c|h|cc|hh|cpp|hpp|cxx|hxx)$" AND NOT source MATCHES "[$]<")
         get_filename_component(source "${source}" ABSOLUTE BASE_DIR ${folder})
-        string(FIND "${source}" "${CMAKE_BINARY_DIR}/" place)
-        if(NOT place EQUAL 0)
+        string(FIND "${source}" "${made}/" place)
+        if(NOT made OR NOT place EQUAL 0)
           list(APPEND files ${source})
         endif()
       endif()

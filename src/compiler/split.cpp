@@ -61,9 +61,9 @@ struct language_file {
 };
 using language_file_ptr = std::unique_ptr<language_file>;
 
-void say_cause(const std::string &path, int error)
+void say_cause(const std::string &path, const char *cause)
 {
-    std::fprintf(stderr, "lang: %s cannot be written: %s\n", path.c_str(), std::strerror(error));
+    std::fprintf(stderr, "lang: %s cannot be written: %s\n", path.c_str(), cause);
 }
 
 void keep_first(zel::compile_answer &answer, const std::string &path, int error)
@@ -88,8 +88,11 @@ language_file_ptr open_language(const lang_t *lang, const char *destination, zel
         LogPrint(1, "open_lang_files: ERROR open lang file ->%s<-\n", path.path.c_str());
         if (answer.code == 0)
             std::printf("ERROR open lang file ->%s<-\n", file);
-        else if (error != ENOENT) // a destination that is missing is one fault, not one for each
-            say_cause(path.path, error);
+        // The line says enough of a destination that is missing, which is one fault for all files.
+        if (error != ENOENT)
+            say_cause(path.path, !path.is_allowed             ? "it leads out of the destination"
+                                 : opened->place.refusal != 0 ? zel::refusal_text(error)
+                                                              : std::strerror(error));
         keep_first(answer, path.path, error);
         return nullptr;
     }
@@ -245,7 +248,7 @@ void compiler::put(zel::compile_answer &answer)
         std::printf("ERROR write lang file ->%s<-\n", zel::or_empty(out->lang->file));
         LogPrint(1, "split_file: ERROR(%d) write lang file ->%s<-\n", error,
                  out->place.path.c_str());
-        say_cause(out->place.path, error);
+        say_cause(out->place.path, std::strerror(error));
         keep_first(answer, out->place.path, error);
     }
 }

@@ -30,10 +30,42 @@ struct trace_file {
 };
 trace_file traced;
 
+// While it lives, a write to a pipe that nobody reads any more, or beyond the user's limit on the
+// size of files, fails without the signal that would end the application.
+class no_write_signals {
+public:
+    no_write_signals()
+    {
+        sigset_t waiting;
+        sigpending(&waiting);
+        sigemptyset(&held_);
+        // One that waits already is the application's affair.
+        for (const int signal : {SIGPIPE, SIGXFSZ})
+            if (sigismember(&waiting, signal) == 0)
+                sigaddset(&held_, signal);
+        pthread_sigmask(SIG_BLOCK, &held_, &before_);
+    }
+    ~no_write_signals()
+    {
+        constexpr timespec at_once{};
+        const int error = errno;
+        sigtimedwait(&held_, nullptr, &at_once);
+        pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+        errno = error;
+    }
+    no_write_signals(const no_write_signals &) = delete;
+    no_write_signals &operator=(const no_write_signals &) = delete;
+
+private:
+    sigset_t held_;
+    sigset_t before_;
+};
+
 // Writes a line in one piece, which other processes with the same file cannot cut. Called in a
 // signal handler, too.
 bool write_line(std::string_view line)
 {
+    const no_write_signals held;
     struct stat now;
     return fstat(traced.number, &now) == 0 && now.st_dev == traced.device &&
            now.st_ino == traced.inode &&

@@ -100,13 +100,13 @@ public:
     std::string_view get(std::string_view group, std::string_view item) const
     {
         return ask(group, item, [this](const char *of, const char *text) {
-            return _lang_get_str(handle_, of, text, __FILE__, __LINE__);
+            return handle_ == nullptr ? text : _lang_get_str(handle_, of, text, __FILE__, __LINE__);
         });
     }
     std::string_view text(std::string_view group, std::string_view item) const
     {
         return ask(group, item, [this](const char *of, const char *text) {
-            return _lang_text(handle_, of, text, __FILE__, __LINE__);
+            return handle_ == nullptr ? text : _lang_text(handle_, of, text, __FILE__, __LINE__);
         });
     }
     /* The form that the number takes, as lang_count gives it. */
@@ -129,9 +129,7 @@ private:
     {
         const std::string of(group);
         const std::string copy(item);
-        const char *answer = handle_ == nullptr && copy.find('|') == copy.npos
-                                 ? copy.c_str()
-                                 : request(of.c_str(), copy.c_str());
+        const char *answer = request(of.c_str(), copy.c_str());
         if (answer == nullptr)
             return item;
         const auto first = reinterpret_cast<std::uintptr_t>(copy.c_str());

@@ -132,10 +132,12 @@ zel::write_answer replace(zel::safe_file &file, const telling &tell, const zel::
         zel::undo_backup(kept, old);
         return {zel::write_not_allowed, {}};
     }
-    if (const int error = file.put(old)) {
+    if (const int error = file.put(old, kept.moved ? nullptr : how.may_replace)) {
         // First the old file gets its name back, then the failure is told.
         if (how.backup)
             zel::undo_backup(kept, old);
+        if (error == ECANCELED)
+            return {zel::write_not_allowed, {}};
         // The new text stays in its own file, so that the user does not lose it.
         file.keep();
         return tell.not_renamed(error);

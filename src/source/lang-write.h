@@ -25,8 +25,8 @@ struct write_how {
     bool backup = true;         // the old file is kept
 
     // Called when the new text is whole and this program has its turn at the folder, and again
-    // right before the old file is replaced. Returns false if the old file is not the one that the
-    // source was made from.
+    // right before the old file is replaced, also when a copy came between. Returns false if the
+    // old file is not the one that the source was made from.
     std::function<bool()> may_replace = nullptr;
 };
 

@@ -267,7 +267,7 @@ int safe_file::write_into(const std::string &place)
     return into.error_;
 }
 
-int safe_file::put(const target_file &old)
+int safe_file::put(const target_file &old, const std::function<bool()> &may)
 {
     if (path_.empty() && writes_into_)
         return write_into(old.path);
@@ -287,6 +287,8 @@ int safe_file::put(const target_file &old)
         if ((error != EXDEV && error != ESTALE) || fd_ < 0)
             return error;
         error = copy_near(old);
+        if (error == 0 && may && !may())
+            error = ECANCELED;
         if (error != 0)
             return error;
     }

@@ -5,6 +5,7 @@
 // moment the path names the old text or the new one, whole; only an output that can be made again
 // (create_output) is written into the old file where no other one may take its place.
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -55,8 +56,10 @@ public:
     // that putting it in place needs no more room.
     int approach(const target_file &old);
 
-    // Puts the finished text in its place: this file, whatever its name stands for by now.
-    int put(const target_file &old);
+    // Puts the finished text in its place: this file, whatever its name stands for by now. Where it
+    // has to be copied beside the place first, which takes a while, the function, if there is one,
+    // is asked before the last step: ECANCELED when it says no.
+    int put(const target_file &old, const std::function<bool()> &may = nullptr);
 
     // The file that was put in its place.
     const file_id &id() const { return id_; }

@@ -242,21 +242,21 @@ TEST_F(Compiled, WhatMayNotBeWrittenIsNotReplaced)
 {
     const source_guard source = read("define file \"f\" lang \"e\" 1 2");
     fs::permissions(".", fs::perms::all);
-    const auto refused = [&](const char *what) {
+    const auto refused = [&](const std::string &why) {
         compile(source.get());
-        EXPECT_EQ(answer.code, 1) << what;
+        EXPECT_EQ(answer.code, 1) << why;
         EXPECT_EQ(printed, "ERROR open lang file ->f<-\n");
-        EXPECT_EQ(said, "");
+        EXPECT_EQ(said, "lang: f.lang cannot be written: " + why + "\n");
     };
     ASSERT_EQ(mkfifo("f.lang", 0666), 0);
-    refused("a pipe");
+    refused("it is no regular file");
     EXPECT_TRUE(fs::is_fifo("f.lang"));
     fs::remove("f.lang");
     write_file("f.lang", "old");
     chmod("f.lang", 0444);
     const bool is_root = geteuid() == 0;
     ASSERT_TRUE(!is_root || seteuid(65534) == 0);
-    refused("a file without the right to write it");
+    refused(std::strerror(EACCES));
     ASSERT_TRUE(!is_root || seteuid(0) == 0);
     EXPECT_EQ(read_file("f.lang"), "old");
 }

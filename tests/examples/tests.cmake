@@ -5,6 +5,11 @@ add_test(NAME lang_build COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/examples/lang-build
                                  ${PROJECT_SOURCE_DIR}/data/build/lang-build $<TARGET_FILE:lang>
                                  $<TARGET_FILE:lang-kit>)
 
+set(code_files ${CMAKE_CURRENT_SOURCE_DIR}/examples/code-files)
+add_test(NAME lang_code_files COMMAND ${CMAKE_COMMAND} -S ${code_files} -B ${PROJECT_BINARY_DIR}/code-files)
+set_tests_properties(lang_code_files PROPERTIES PASS_REGULAR_EXPRESSION
+  "through app.c;objects.c;archive.cpp;headers.c;linked.c;shared.c of app.c;[^;]*/made.c;objects.c;")
+
 set(prefix ${PROJECT_BINARY_DIR}/examples-prefix)
 add_test(NAME examples_install COMMAND ${CMAKE_COMMAND} --install ${PROJECT_BINARY_DIR} --prefix ${prefix})
 set_tests_properties(examples_install PROPERTIES FIXTURES_SETUP examples LABELS slow COST 1000)

@@ -7,6 +7,7 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #define CHECK(condition)                                                                           \
@@ -128,6 +129,7 @@ static int check_trace(const char *path)
 {
     static const char expected[] = "a\\tb\ng\tnew\\n\\\\\nusr1-1\ng\tnew\\n\\\\\ng\titem\n";
     char line[100], traced[200] = "";
+    struct rlimit room, full = {1, 0};
     long begin;
     FILE *file = fopen(path, "r");
 
@@ -138,6 +140,13 @@ static int check_trace(const char *path)
     raise(SIGUSR1);
     lang_get_string("g", "new\n\\");
     lang_text("g", NAME);
+    /* A line that has no room ends the trace, and not the application. */
+    getrlimit(RLIMIT_FSIZE, &room);
+    full.rlim_max = room.rlim_max;
+    setrlimit(RLIMIT_FSIZE, &full);
+    lang_trace_mark("full");
+    setrlimit(RLIMIT_FSIZE, &room);
+    lang_trace_mark("ended");
     fseek(file, begin, SEEK_SET);
     while (fgets(line, sizeof line, file) != NULL) {
         CHECK(strspn(line, "0123456789.") == 17 && line[10] == '.' && line[17] == '\t');

@@ -50,6 +50,7 @@ void requests(const std::string &folder)
         expect(lang::session(folder, "de") ? "twice" : "once", "once");
         expect(lang::format(lang_count("g", notes, 2), 2), "2 Notizen");
         expect(lang::format(lang_text("g", "Hello %s"), "Ada"), "Hello Ada"); // the text has %d
+        expect(lang::texts(folder + "/nowhere").get("g", notes), notes);
     }
     expect(lang_count("g", notes, 2), "%d notes");
 

@@ -3,7 +3,9 @@
 #include "checker/scan-tree.h"
 #include "kit/support/output.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 namespace zel::kit {
 
@@ -32,7 +34,7 @@ bool scan_code(item_index &index, const std::vector<std::string> &paths, const s
     // A file that cannot be read does not end the walk: one run tells of all of them.
     bool good = true;
     const auto complain = [&](const char *path) {
-        std::fprintf(stderr, "lang-kit: %s: cannot be read\n", path);
+        std::fprintf(stderr, "lang-kit: %s: cannot be read: %s\n", path, std::strerror(errno));
         good = false;
     };
     const auto scan = [&](const char *file) {

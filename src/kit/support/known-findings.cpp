@@ -8,8 +8,10 @@
 #include "support/file_mem.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 namespace zel::kit {
 
@@ -60,7 +62,7 @@ bool known_findings::read(const std::string &path)
     char *data = nullptr;
     const std::int64_t size = zel_read_file_to_mem(path.c_str(), &data);
     if (size < 0)
-        return fail("the file cannot be read");
+        return fail(std::string("the file cannot be read: ") + std::strerror(errno));
     std::string_view rest(data, static_cast<std::size_t>(size));
     bool good = true;
     for (std::size_t number = 1; good && !rest.empty(); ++number) {

@@ -8,6 +8,7 @@
 #include "kit/support/word.h"
 #include "lint/conflict.h"
 #include "support/file_mem.h"
+#include "support/held-file.h"
 #include "support/safe-file.h"
 
 #include <algorithm>
@@ -155,6 +156,16 @@ private:
         std::string text;
         if (!read_file(merged, text))
             return fail(std::strerror(errno)) == status_fine;
+        // From the last look at the file until it is replaced, other programs wait.
+        const folder_turn turn(path_);
+        if (turn.error() != 0)
+            say(std::string("nobody can be waited for: ") + std::strerror(turn.error()));
+        std::string now;
+        if (!read_file(path_, now) && errno != ENOENT)
+            return fail(std::strerror(errno)) == status_fine;
+        if (now != present_)
+            return fail("changed by another program meanwhile; it is as that left it") ==
+                   status_fine;
         if (is_edited()) {
             text_file kept;
             if (!kept.create(path_))

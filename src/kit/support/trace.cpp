@@ -67,7 +67,7 @@ bool read_trace(const std::string &path, trace &out)
     char *data = nullptr;
     std::int64_t size = 0;
     if (zel::read_whole(path.c_str(), data, size) != GOOD)
-        return refuse(path, "it cannot be read");
+        return refuse(path, (std::string("it cannot be read: ") + std::strerror(errno)).c_str());
     const string_guard owner(data);
     std::string_view rest(data, static_cast<std::size_t>(size));
     trace_reader reader(out);

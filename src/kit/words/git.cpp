@@ -213,7 +213,7 @@ bool repository::add_line(const std::string &file, const std::string &line)
         char *data = nullptr;
         const std::int64_t size = zel_read_file_to_mem(path.c_str(), &data);
         if (size < 0)
-            return say(file + ": cannot be read");
+            return say(file + ": cannot be read: " + std::strerror(errno));
         text.assign(data, static_cast<std::size_t>(size));
         std::free(data);
     }

@@ -30,6 +30,9 @@ public:
         target_ = find_target(path.c_str(), links::follow);
         if (target_.refusal != 0)
             return say(refusal_text(target_.refusal));
+        // A shell makes "-o *.lang-src" name a source here.
+        if (target_.path.ends_with(".lang-src"))
+            return say("the page does not take the place of a source");
         return say(file_.create_beside(target_));
     }
     void append(std::string_view text)

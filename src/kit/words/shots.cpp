@@ -108,8 +108,10 @@ private:
         if (zel_stat(path.c_str(), &status) != 0)
             return tell(path + ": " + std::strerror(errno)), std::nullopt;
         // Reading a pipe might never end.
-        if (!S_ISREG(status.st_mode) || zel::read_whole(path.c_str(), data, size) != GOOD)
+        if (!S_ISREG(status.st_mode))
             return tell(path + ": it cannot be read"), std::nullopt;
+        if (zel::read_whole(path.c_str(), data, size) != GOOD)
+            return tell(path + ": it cannot be read: " + std::strerror(errno)), std::nullopt;
         const string_guard owner(data);
         const std::string_view bytes(data, static_cast<std::size_t>(size));
         if (!bytes.starts_with("\x89PNG\r\n\x1A\n"))
