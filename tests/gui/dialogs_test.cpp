@@ -1,6 +1,7 @@
 // Popup, message box, choosers, and the toolkit layer's own additions.
 
 #include "editor/frame/dir_file_sel.h"
+#include "editor/frame/path-field.h"
 #include "editor/frame/recent.h"
 #include "editor/toolkit/gtk-compat.h"
 #include "editor/toolkit/lang-box.h"
@@ -201,6 +202,30 @@ TEST_F(Dialogs, APathIsTypedInEveryChooserAndOneThatIsNotThereIsRefused)
         EXPECT_EQ(taken(dir_sel(nullptr, "folder", nullptr)), path("sub"));
     }
     fs::remove(std::string(g_get_user_config_dir()) + "/gtk-2.0/gtkfilechooser.ini");
+}
+
+// Slow answers are played by holding the inside of the chooser as the toolkit's requests do.
+TEST_F(Dialogs, AListThatIsReadWhenItsChooserIsClosedHarmsNothing)
+{
+    fs::create_directory("sub");
+    GtkWidget *inner = nullptr;
+    answer_next([&](GtkWidget *dialog) {
+        settle(300);
+        inner = GTK_WIDGET(g_object_ref(zel::inner_chooser(dialog)));
+        gtk_file_chooser_set_current_folder(GTK_FILE_CHOOSER(dialog), path("sub").c_str());
+        EXPECT_TRUE(wait_for([&] {
+            return taken(gtk_file_chooser_get_current_folder(GTK_FILE_CHOOSER(dialog))) ==
+                   path("sub");
+        }));
+        gtk_dialog_response(GTK_DIALOG(dialog), GTK_RESPONSE_CANCEL);
+    });
+    EXPECT_EQ(dir_sel(nullptr, "folder", nullptr), nullptr);
+    settle(1500);
+    EXPECT_NE(gtk_widget_get_parent(inner), nullptr) << "it is there until the answers have come";
+    GtkWidget *dialog = gtk_widget_get_toplevel(inner);
+    g_object_add_weak_pointer(G_OBJECT(dialog), reinterpret_cast<gpointer *>(&dialog));
+    g_object_unref(inner);
+    EXPECT_TRUE(wait_for([&] { return dialog == nullptr; }));
 }
 
 TEST_F(Dialogs, SourcesOpenedLastAreOffered)

@@ -62,10 +62,7 @@ void put(GtkEntry *entry, const char *text)
 // send.
 void pop_up_field(GtkWidget *chooser, const char *text)
 {
-    GtkWidget *taker = find_inside(chooser, [](GtkWidget *widget) {
-        return g_signal_lookup("location-popup", G_OBJECT_TYPE(widget)) != 0;
-    });
-    if (taker != nullptr)
+    if (GtkWidget *taker = zel::inner_chooser(chooser))
         g_signal_emit_by_name(taker, "location-popup", text);
 }
 
@@ -198,6 +195,13 @@ void wait_for_folder(GtkWidget *chooser)
 } // namespace
 
 namespace zel {
+
+GtkWidget *inner_chooser(GtkWidget *chooser)
+{
+    return find_inside(chooser, [](GtkWidget *widget) {
+        return g_signal_lookup("location-popup", G_OBJECT_TYPE(widget)) != 0;
+    });
+}
 
 void show_path_field(GtkWidget *chooser, const char *preset)
 {
