@@ -80,8 +80,9 @@ struct chooser {
         if (dialog == nullptr)
             return;
         g_signal_handlers_disconnect_by_data(dialog, &dialog);
+        // Who has the keyboard is held, too, and would keep a list of completions open.
+        gtk_window_set_focus(GTK_WINDOW(dialog), nullptr);
         gtk_widget_hide(dialog);
-        gtk_window_set_focus(GTK_WINDOW(dialog), nullptr); // who has the keyboard is held, too
         g_timeout_add_seconds_full(G_PRIORITY_DEFAULT, 1, destroy_answered, g_object_ref(dialog),
                                    g_object_unref);
     }

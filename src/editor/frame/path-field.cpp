@@ -1,5 +1,7 @@
 #include "editor/frame/path-field.h"
 
+#include "editor/toolkit/kept.h"
+
 #include <string>
 #include <vector>
 
@@ -206,8 +208,7 @@ GtkWidget *inner_chooser(GtkWidget *chooser)
 void show_path_field(GtkWidget *chooser, const char *preset)
 {
     auto *field = new path_field{{}, {}, preset, gtk_label_new(nullptr)};
-    g_object_set_data_full(G_OBJECT(chooser), field_key, field,
-                           [](gpointer data) { delete static_cast<path_field *>(data); });
+    zel::keep_at(chooser, field_key, field);
     atk_object_set_role(gtk_widget_get_accessible(field->refusal), ATK_ROLE_ALERT);
     gtk_label_set_line_wrap(GTK_LABEL(field->refusal), TRUE);
     gtk_box_pack_start(GTK_BOX(gtk_dialog_get_content_area(GTK_DIALOG(chooser))), field->refusal,
