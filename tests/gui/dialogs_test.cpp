@@ -257,16 +257,6 @@ TEST_F(Dialogs, SeveralFilesAreFilteredByTheirPatterns)
         write_file(path(name), "");
     answer_next([](GtkWidget *dialog) {
         GtkFileChooser *chooser = GTK_FILE_CHOOSER(dialog);
-        GtkFileFilter *filter = gtk_file_chooser_get_filter(chooser);
-        const auto passes = [filter](const char *name) {
-            GtkFileFilterInfo info{};
-            info.contains = GTK_FILE_FILTER_DISPLAY_NAME;
-            info.display_name = name;
-            return gtk_file_filter_filter(filter, &info) != 0;
-        };
-        EXPECT_TRUE(passes("a.one"));
-        EXPECT_TRUE(passes("b.two"));
-        EXPECT_FALSE(passes("c.three"));
         settle(300); // the folder comes in by and by
         gtk_widget_grab_focus(find_all(dialog, GTK_TYPE_TREE_VIEW).back());
         EXPECT_TRUE(wait_for([chooser] {
