@@ -1,6 +1,7 @@
 // Popup, message box, choosers, and the toolkit layer's own additions.
 
 #include "editor/frame/dir_file_sel.h"
+#include "editor/frame/path-field.h"
 #include "editor/frame/recent.h"
 #include "editor/toolkit/gtk-compat.h"
 #include "editor/toolkit/lang-box.h"
@@ -203,6 +204,30 @@ TEST_F(Dialogs, APathIsTypedInEveryChooserAndOneThatIsNotThereIsRefused)
     fs::remove(std::string(g_get_user_config_dir()) + "/gtk-2.0/gtkfilechooser.ini");
 }
 
+// Slow answers are played by holding the inside of the chooser as the toolkit's requests do.
+TEST_F(Dialogs, AListThatIsReadWhenItsChooserIsClosedHarmsNothing)
+{
+    fs::create_directory("sub");
+    GtkWidget *inner = nullptr;
+    answer_next([&](GtkWidget *dialog) {
+        settle(300);
+        inner = GTK_WIDGET(g_object_ref(zel::inner_chooser(dialog)));
+        gtk_file_chooser_set_current_folder(GTK_FILE_CHOOSER(dialog), path("sub").c_str());
+        EXPECT_TRUE(wait_for([&] {
+            return taken(gtk_file_chooser_get_current_folder(GTK_FILE_CHOOSER(dialog))) ==
+                   path("sub");
+        }));
+        gtk_dialog_response(GTK_DIALOG(dialog), GTK_RESPONSE_CANCEL);
+    });
+    EXPECT_EQ(dir_sel(nullptr, "folder", nullptr), nullptr);
+    settle(1500);
+    EXPECT_NE(gtk_widget_get_parent(inner), nullptr) << "it is there until the answers have come";
+    GtkWidget *dialog = gtk_widget_get_toplevel(inner);
+    g_object_add_weak_pointer(G_OBJECT(dialog), reinterpret_cast<gpointer *>(&dialog));
+    g_object_unref(inner);
+    EXPECT_TRUE(wait_for([&] { return dialog == nullptr; }));
+}
+
 TEST_F(Dialogs, SourcesOpenedLastAreOffered)
 {
     for (const char *name : {"one.lang-src", "two.lang-src", "gone.lang-src"}) {
@@ -232,16 +257,6 @@ TEST_F(Dialogs, SeveralFilesAreFilteredByTheirPatterns)
         write_file(path(name), "");
     answer_next([](GtkWidget *dialog) {
         GtkFileChooser *chooser = GTK_FILE_CHOOSER(dialog);
-        GtkFileFilter *filter = gtk_file_chooser_get_filter(chooser);
-        const auto passes = [filter](const char *name) {
-            GtkFileFilterInfo info{};
-            info.contains = GTK_FILE_FILTER_DISPLAY_NAME;
-            info.display_name = name;
-            return gtk_file_filter_filter(filter, &info) != 0;
-        };
-        EXPECT_TRUE(passes("a.one"));
-        EXPECT_TRUE(passes("b.two"));
-        EXPECT_FALSE(passes("c.three"));
         settle(300); // the folder comes in by and by
         gtk_widget_grab_focus(find_all(dialog, GTK_TYPE_TREE_VIEW).back());
         EXPECT_TRUE(wait_for([chooser] {

@@ -47,7 +47,19 @@ void open_clicked(GtkWidget *, gpointer dialog)
         zel::refuse_path(GTK_WIDGET(dialog), why.c_str());
 }
 
-// A chooser dialog, destroyed at the end of the scope.
+// The toolkit asks for files in the background, and each of its requests holds the inside of the
+// chooser until it is answered, even when the window is destroyed: what is inside would go on
+// filling lists that are gone. So the window waits until nobody but itself holds it.
+gboolean destroy_answered(gpointer dialog)
+{
+    GtkWidget *inner = zel::inner_chooser(GTK_WIDGET(dialog));
+    if (inner != nullptr && G_OBJECT(inner)->ref_count > 1)
+        return TRUE;
+    gtk_widget_destroy(GTK_WIDGET(dialog));
+    return FALSE;
+}
+
+// A chooser dialog, hidden at the end of the scope and destroyed later.
 struct chooser {
     chooser(GtkWidget *parent, const char *title, GtkFileChooserAction action, const char *accept)
         : dialog(gtk_file_chooser_dialog_new(
@@ -65,8 +77,14 @@ struct chooser {
     }
     ~chooser()
     {
-        if (dialog != nullptr)
-            gtk_widget_destroy(dialog);
+        if (dialog == nullptr)
+            return;
+        g_signal_handlers_disconnect_by_data(dialog, &dialog);
+        // Who has the keyboard is held, too, and would keep a list of completions open.
+        gtk_window_set_focus(GTK_WINDOW(dialog), nullptr);
+        gtk_widget_hide(dialog);
+        g_timeout_add_seconds_full(G_PRIORITY_DEFAULT, 1, destroy_answered, g_object_ref(dialog),
+                                   g_object_unref);
     }
     chooser(const chooser &) = delete;
     chooser &operator=(const chooser &) = delete;

@@ -1,5 +1,7 @@
 #include "editor/frame/path-field.h"
 
+#include "editor/toolkit/kept.h"
+
 #include <string>
 #include <vector>
 
@@ -62,10 +64,7 @@ void put(GtkEntry *entry, const char *text)
 // send.
 void pop_up_field(GtkWidget *chooser, const char *text)
 {
-    GtkWidget *taker = find_inside(chooser, [](GtkWidget *widget) {
-        return g_signal_lookup("location-popup", G_OBJECT_TYPE(widget)) != 0;
-    });
-    if (taker != nullptr)
+    if (GtkWidget *taker = zel::inner_chooser(chooser))
         g_signal_emit_by_name(taker, "location-popup", text);
 }
 
@@ -199,11 +198,17 @@ void wait_for_folder(GtkWidget *chooser)
 
 namespace zel {
 
+GtkWidget *inner_chooser(GtkWidget *chooser)
+{
+    return find_inside(chooser, [](GtkWidget *widget) {
+        return g_signal_lookup("location-popup", G_OBJECT_TYPE(widget)) != 0;
+    });
+}
+
 void show_path_field(GtkWidget *chooser, const char *preset)
 {
     auto *field = new path_field{{}, {}, preset, gtk_label_new(nullptr)};
-    g_object_set_data_full(G_OBJECT(chooser), field_key, field,
-                           [](gpointer data) { delete static_cast<path_field *>(data); });
+    zel::keep_at(chooser, field_key, field);
     atk_object_set_role(gtk_widget_get_accessible(field->refusal), ATK_ROLE_ALERT);
     gtk_label_set_line_wrap(GTK_LABEL(field->refusal), TRUE);
     gtk_box_pack_start(GTK_BOX(gtk_dialog_get_content_area(GTK_DIALOG(chooser))), field->refusal,

@@ -6,6 +6,9 @@
 
 namespace zel {
 
+// The widget inside a chooser that does its work; null when the chooser has been destroyed.
+GtkWidget *inner_chooser(GtkWidget *chooser);
+
 // Shows the chooser with its field, which has the keyboard; the Tab key completes a path in it. The
 // name of the preset file stands in it and is selected; without one it is empty. What is typed
 // stays when the list beside it has been read and selects something; a letter typed in the list or

@@ -3,6 +3,7 @@
 #include "config/ini.h"
 #include "editor/panel/w_text_checks.h"
 #include "editor/toolkit/accessible.h"
+#include "editor/toolkit/kept.h"
 #include "editor/toolkit/text-places.h"
 #include "editor/toolkit/theme.h"
 #include "editor/toolkit/ui-text.h"
@@ -230,13 +231,6 @@ struct choice {
     std::string lang; // empty for none
 };
 
-template <class T>
-void keep(GtkWidget *widget, const char *key, T *kept)
-{
-    g_object_set_data_full(G_OBJECT(widget), key, kept,
-                           [](gpointer data) { delete static_cast<T *>(data); });
-}
-
 void choose(GtkCheckMenuItem *item, gpointer data)
 {
     const auto *made = static_cast<const choice *>(data);
@@ -270,7 +264,7 @@ void append_choices(GtkMenuShell *menu, const place &at, const std::vector<std::
         if (now != nullptr && name == now)
             gtk_check_menu_item_set_active(GTK_CHECK_MENU_ITEM(item), TRUE);
         auto *made = new choice{at, name};
-        keep(item, "zel-choice", made);
+        zel::keep_at(item, "zel-choice", made);
         append(menu, item);
         g_signal_connect(item, "toggled", G_CALLBACK(choose), made);
     }
@@ -346,7 +340,7 @@ GtkWidget *text_below_new(Zeltext *text, int field, GtkWidget *view)
 void text_below_offer(Zeltext *text, int field, GtkWidget *caption_row)
 {
     auto *at = new place{text, field};
-    keep(caption_row, "zel-place", at);
+    zel::keep_at(caption_row, "zel-place", at);
     gtk_widget_add_events(caption_row, GDK_BUTTON_PRESS_MASK);
     g_signal_connect(caption_row, "button-press-event", G_CALLBACK(caption_pressed), at);
     for (GtkWidget *view : {text->*fields[field].view, below_of(text, field).view})

@@ -1,5 +1,6 @@
 #include "editor/table/list-cells.h"
 
+#include "editor/toolkit/kept.h"
 #include "editor/toolkit/measure.h"
 #include "editor/toolkit/text-runs.h"
 
@@ -31,18 +32,6 @@ struct kept_layouts {
     std::unordered_map<std::string, PangoLayout *> by_key;
     PangoContext *context = nullptr; // a layout follows the changes of its own
 };
-
-kept_layouts &layouts_of(GtkCellRenderer *cell)
-{
-    constexpr const char *key = "zel-layouts";
-    auto *kept = static_cast<kept_layouts *>(g_object_get_data(G_OBJECT(cell), key));
-    if (kept == nullptr) {
-        kept = new kept_layouts;
-        g_object_set_data_full(G_OBJECT(cell), key, kept,
-                               [](gpointer data) { delete static_cast<kept_layouts *>(data); });
-    }
-    return *kept;
-}
 
 // How the toolkit lays out the text of a cell that has no other marks than these.
 struct text_look {
@@ -83,7 +72,7 @@ PangoLayout *layout_new(GtkWidget *widget, const text_look &look)
 
 PangoLayout *layout_of(GtkCellRenderer *cell, GtkWidget *widget, const text_look &look)
 {
-    kept_layouts &kept = layouts_of(cell);
+    kept_layouts &kept = zel::kept_at<kept_layouts>(cell, "zel-layouts");
     PangoContext *context = gtk_widget_get_pango_context(widget);
     if (kept.context != context || kept.by_key.size() >= kept_layouts::most)
         kept.drop();

@@ -1,6 +1,7 @@
 #include "editor/table/w_tab_panes.h"
 
 #include "app/global.h"
+#include "editor/toolkit/kept.h"
 
 #include <algorithm>
 
@@ -54,9 +55,7 @@ GtkWidget *tab_panes_new(GtkWidget *list, GtkWidget *texts)
     gtk_paned_set_position(GTK_PANED(panes), list_width);
     gtk_paned_pack1(GTK_PANED(panes), list, TRUE, FALSE);
     gtk_paned_pack2(GTK_PANED(panes), texts, TRUE, FALSE);
-    auto *state = new panes_state;
-    g_object_set_data_full(G_OBJECT(panes), "zel-panes", state,
-                           [](gpointer kept) { delete static_cast<panes_state *>(kept); });
+    panes_state *state = &zel::kept_at<panes_state>(panes, "zel-panes");
     // The divider is the only part of the widget with a window of its own, so every click here is
     // on it.
     g_signal_connect(panes, "button-press-event", G_CALLBACK(moved_by_pointer), state);

@@ -2,6 +2,7 @@
 
 #include "app/global.h"
 #include "editor/toolkit/accessible.h"
+#include "editor/toolkit/kept.h"
 #include "editor/toolkit/ui-text.h"
 #include "source/picture-index.h"
 #include "support/file-call.h"
@@ -199,8 +200,7 @@ GtkWidget *make_image(const char *path)
 {
     GtkWidget *image = gtk_image_new();
     auto *made = new shot(image, path);
-    g_object_set_data_full(G_OBJECT(image), "zel-shot", made,
-                           [](gpointer kept) { delete static_cast<shot *>(kept); });
+    zel::keep_at(image, "zel-shot", made);
     g_signal_connect(image, "map", G_CALLBACK(page_is_seen), made);
     zel::set_accessible_name(image, "Screen Shot");
     gtk_widget_set_tooltip_text(

@@ -1,5 +1,6 @@
 #include "editor/table/w_tab_widths.h"
 
+#include "editor/toolkit/kept.h"
 #include "editor/toolkit/text-runs.h"
 #include "editor/toolkit/ui-text.h"
 #include "source/misc.h"
@@ -18,7 +19,6 @@ using zel::tab_column_row;
 constexpr const char *row_key = "zel-column";  // where a view column keeps its row of the table
 constexpr const char *whole_key = "zel-whole"; // and the pixels with which all of it is seen
 constexpr const char *least_key = "zel-least"; // and without which it is shortened
-constexpr const char *texts_key = "zel-texts"; // where a view keeps what it measured
 
 // Gives each column of the kind what it lacks to be whole. Where the room is too little, all get
 // equal parts; a part of the time, though, is of no use, and is not given.
@@ -226,7 +226,7 @@ struct measures {
 // The measures of the columns' texts; empty before the first measuring.
 std::vector<text_need> &texts_of(GtkTreeView *view)
 {
-    return *static_cast<std::vector<text_need> *>(g_object_get_data(G_OBJECT(view), texts_key));
+    return zel::kept_at<std::vector<text_need>>(view, "zel-texts");
 }
 
 // Whether the arrow of the sort order takes no room, since the title has none for it yet.
@@ -389,9 +389,6 @@ const tab_column_row &tab_row_of(GtkTreeViewColumn *column)
 GtkWidget *tab_view_new(GtkTreeModel *model)
 {
     auto *view = static_cast<GtkWidget *>(g_object_new(view_type(), "model", model, nullptr));
-    g_object_set_data_full(
-        G_OBJECT(view), texts_key, new std::vector<text_need>,
-        [](gpointer texts) { delete static_cast<std::vector<text_need> *>(texts); });
     // Another font needs other widths.
     g_signal_connect(view, "style-set", G_CALLBACK(style_changed), nullptr);
     // After the view's own handler, which moves the arrow.

@@ -1,5 +1,7 @@
 #include "editor/toolkit/measure.h"
 
+#include "editor/toolkit/kept.h"
+
 #include <string>
 
 namespace {
@@ -12,17 +14,7 @@ struct kept_sizes {
     zel::font_size size{};
 };
 
-kept_sizes &sizes_of(GtkWidget *widget)
-{
-    constexpr const char *key = "zel-sizes";
-    auto *kept = static_cast<kept_sizes *>(g_object_get_data(G_OBJECT(widget), key));
-    if (kept == nullptr) {
-        kept = new kept_sizes;
-        g_object_set_data_full(G_OBJECT(widget), key, kept,
-                               [](gpointer data) { delete static_cast<kept_sizes *>(data); });
-    }
-    return *kept;
-}
+kept_sizes &sizes_of(GtkWidget *widget) { return zel::kept_at<kept_sizes>(widget, "zel-sizes"); }
 
 } // namespace
 
