@@ -59,7 +59,7 @@ gboolean destroy_answered(gpointer dialog)
     return FALSE;
 }
 
-// A chooser dialog, hidden at the end of the scope and destroyed later.
+// A chooser dialog, hidden at the end of the scope and destroyed as soon as that can be.
 struct chooser {
     chooser(GtkWidget *parent, const char *title, GtkFileChooserAction action, const char *accept)
         : dialog(gtk_file_chooser_dialog_new(
@@ -83,8 +83,9 @@ struct chooser {
         // Who has the keyboard is held, too, and would keep a list of completions open.
         gtk_window_set_focus(GTK_WINDOW(dialog), nullptr);
         gtk_widget_hide(dialog);
-        g_timeout_add_seconds_full(G_PRIORITY_DEFAULT, 1, destroy_answered, g_object_ref(dialog),
-                                   g_object_unref);
+        if (destroy_answered(dialog) != FALSE)
+            g_timeout_add_seconds_full(G_PRIORITY_DEFAULT, 1, destroy_answered,
+                                       g_object_ref(dialog), g_object_unref);
     }
     chooser(const chooser &) = delete;
     chooser &operator=(const chooser &) = delete;
