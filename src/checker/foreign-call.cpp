@@ -168,6 +168,9 @@ private:
         call.is_open = call.closing == none;
         if (of_ == call_dialect::qt)
             find_object(call, scope);
+        else
+            call.of_object =
+                has_before(at, 1, ":") && has_before(at, 2, ":") && at >= 3 && is_name(at - 3);
         if (!call.is_open)
             read_call_arguments(call);
         if (!is_movement(call))

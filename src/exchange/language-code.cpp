@@ -190,6 +190,18 @@ bool is_code(std::string_view name)
            first + 1 + second == name.size();
 }
 
+// "szl_PL" is no Polish: small letters before the capitals of a country are a language, known or
+// not.
+bool has_country(std::string_view code)
+{
+    const auto is_capital = [](char c) { return c >= 'A' && c <= 'Z'; };
+    const std::size_t end = letters(code);
+    return is_code(code) && code.size() == end + 3 &&
+           std::none_of(code.begin(), code.begin() + static_cast<std::ptrdiff_t>(end),
+                        is_capital) &&
+           is_capital(code[end + 1]) && is_capital(code[end + 2]);
+}
+
 // Variants that XML knows as scripts.
 constexpr struct {
     std::string_view variant;
@@ -244,7 +256,8 @@ std::string code_of_file(std::string_view path)
                      [&](std::string_view ending) { return path.ends_with(ending); }))
         return code_of(stem);
     for (;;) {
-        if (std::string code = code_of(stem); !name_of_code(code).empty())
+        std::string code = code_of(stem);
+        if (!name_of_code(code).empty() || has_country(code))
             return code;
         const std::size_t end = stem.find_first_of("_-.");
         if (end == stem.npos)

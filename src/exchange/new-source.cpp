@@ -145,6 +145,8 @@ fault new_source::take_header(catalog &of, std::string_view bytes, const po_mess
     read_name(po_header_field(header, "X-Language-Name"), said.name);
     said.code = po_language_code(header);
     fault wrong = choose_language(of, said);
+    if (is_of_several(header))
+        note(of, 0, std::string(several_headers));
     of.plurals.open(of.language, po_header_field(header, plural_field), plural_line(bytes));
     const std::string app(app_of(po_header_field(header, "Project-Id-Version")));
     if (!app.empty())
@@ -195,17 +197,17 @@ std::string new_source::came(const catalog &of, std::string text)
     return text;
 }
 
-// Keeps a message's flags where its text alone does not tell them. The text is a plural's.
+// Keeps a message's flags where its text alone does not tell them, and whether it is a plural.
 void new_source::put_flags(const catalog &of, item_t *item, const po_message &message,
-                           std::string_view plural)
+                           std::string_view text, bool is_plural)
 {
     std::vector<std::string> flags = message.flags;
     const bool is_usual =
         (flags.empty() && !of.flags) ||
         flags == usual_flags(message.id.plural ? *message.id.plural : *message.id.text);
-    const bool is_marked = !plural.empty() && !is_plural_text(plural);
+    const bool is_marked = (is_plural || of.tells_plurals) && is_plural != is_plural_text(text);
     if (is_marked)
-        flags.insert(flags.begin(), "plural");
+        flags.emplace(flags.begin(), is_plural ? plural_flag : no_plural_flag);
     if (is_marked || !is_usual)
         put_text(item->comments, request_.default_language.c_str(), flags_line(flags));
 }
@@ -233,7 +235,7 @@ item_t *new_source::item_of(const catalog &of, const po_message &message, const 
     const std::string text = one.instead.empty() ? one.name : one.instead;
     if (keyed || text != one.name)
         put_text(item->langs, request_.default_language.c_str(), came(of, text));
-    put_flags(of, item, message, one.plural ? std::string_view(text) : std::string_view());
+    put_flags(of, item, message, text, one.plural);
     return item;
 }
 
@@ -449,6 +451,7 @@ fault new_source::take_language(const std::string &path, const said_language &la
 {
     catalog of;
     of.path = path;
+    of.tells_plurals = false;
     return take_messages(of, language, {}, messages);
 }
 

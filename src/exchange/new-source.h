@@ -90,8 +90,9 @@ private:
     struct catalog {
         std::string path;
         std::string language;
-        bool own = false;   // exported by lang-kit
-        bool flags = false; // says of any message that it is a format
+        bool own = false;          // exported by lang-kit
+        bool flags = false;        // says of any message that it is a format
+        bool tells_plurals = true; // so that a text without forms is none
         plural_reader plurals;
         item_set *met = nullptr; // of its language
     };
@@ -116,7 +117,7 @@ private:
                     const plural_reader::answer &forms);
     void take_part(const catalog &of, const po_message &message, const part &one);
     void put_flags(const catalog &of, item_t *item, const po_message &message,
-                   std::string_view plural);
+                   std::string_view text, bool is_plural);
     void put_translation(const catalog &of, const po_message &message, item_t *item,
                          const std::string &text);
     item_t *item_of(const catalog &of, const po_message &message, const part &one);

@@ -334,11 +334,14 @@ std::string plural_reader::joined_forms(const std::vector<std::string> &texts) c
     return out;
 }
 
-// "101, 201, 301 now take the form of 20", for the numbers that take the same one as the first.
+// "101, 201, 301 now take the form of 20", for each form that takes others' numbers.
 std::string plural_reader::told_shift() const
 {
-    std::vector<std::uint64_t> numbers;
-    std::size_t target = 0;
+    struct taken {
+        std::size_t form;
+        std::vector<std::uint64_t> numbers;
+    };
+    std::vector<taken> all;
     std::size_t count = 0;
     for (const auto &[n, form, header_form] : samples_) {
         const std::size_t served = header_form; // a lambda takes no part of a structure
@@ -347,17 +350,22 @@ std::string plural_reader::told_shift() const
         if (is_lost || !at(form, header_form).differs)
             continue;
         ++count;
-        if (numbers.empty())
-            target = chosen_[form];
-        if (chosen_[form] == target)
-            keep_first(numbers, n);
+        const std::size_t target = chosen_[form];
+        auto at_form = std::find_if(all.begin(), all.end(),
+                                    [&](const taken &one) { return one.form == target; });
+        if (at_form == all.end())
+            at_form = all.insert(all.end(), {target, {}});
+        keep_first(at_form->numbers, n);
     }
-    if (numbers.empty())
-        return {};
-    return (count > many_shifts && !lost_.empty() ? "the header's rule is not the language's: "
-                                                  : "") +
-           listed(numbers) + (numbers.size() == 1 ? " now takes" : " now take") + " the form of " +
-           std::to_string(smallest_[target]);
+    std::string line =
+        count > many_shifts && !lost_.empty() ? "the header's rule is not the language's: " : "";
+    for (const taken &one : all)
+        line.append(&one == all.data() ? "" : "; ")
+            .append(listed(one.numbers))
+            .append(one.numbers.size() == 1 ? " now takes" : " now take")
+            .append(" the form of ")
+            .append(std::to_string(smallest_[one.form]));
+    return line;
 }
 
 std::vector<std::string> plural_reader::told(bool kept) const

@@ -77,12 +77,17 @@ std::string_view po_header_field(std::string_view header, std::string_view name)
     return {};
 }
 
+bool is_of_several(std::string_view header) { return header.find("#-#-#-#-#") != header.npos; }
+
 std::string po_language_code(std::string_view header)
 {
     std::string_view code = po_header_field(header, "Language");
     if (code.empty())
         code = po_header_field(header, "X-Language");
-    return code_of_xml(code.substr(0, code.find_last_not_of(" \t\r") + 1));
+    code = code.substr(0, code.find_last_not_of(" \t\r") + 1);
+    // Some people write "Deutsch" there.
+    const bool is_word = code.size() > 3 && code.find_first_of("-_@") == code.npos;
+    return is_word ? code_of(code) : code_of_xml(code);
 }
 
 // A text with a line end before its own end is written line by line, below an empty string.

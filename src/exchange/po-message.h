@@ -54,6 +54,11 @@ struct po_message {
 // The value of a field of the header's text, "Language"; empty when it is not there.
 std::string_view po_header_field(std::string_view header, std::string_view name);
 
+// Whether tools have joined several catalogs' headers; the fields are those of the first.
+bool is_of_several(std::string_view header);
+constexpr std::string_view several_headers =
+    "the headers of several catalogs: the first one counts";
+
 // The code of the language that a header names; some tools write "pt-BR", or a field of their own.
 std::string po_language_code(std::string_view header);
 

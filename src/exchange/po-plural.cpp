@@ -25,10 +25,10 @@ bool differs_from_million(std::string_view rule, std::string_view text)
            text_form(text, plural_form(rule, all, 1'000'000)) != text_form(text, all - 1);
 }
 
-bool has_plural_flag(std::string_view comment)
+bool has_flag(std::string_view comment, std::string_view flag)
 {
     const auto flags = flags_of(comment);
-    return flags && std::find(flags->begin(), flags->end(), "plural") != flags->end();
+    return flags && std::find(flags->begin(), flags->end(), flag) != flags->end();
 }
 
 } // namespace
@@ -36,7 +36,8 @@ bool has_plural_flag(std::string_view comment)
 bool is_plural(std::string_view reference, std::string_view default_comment)
 {
     return reference.find(plural_sign) != reference.npos &&
-           (is_plural_text(reference) || has_plural_flag(default_comment));
+           (is_plural_text(reference) ? !has_flag(default_comment, no_plural_flag)
+                                      : has_flag(default_comment, plural_flag));
 }
 
 plural_ids ids_of_plural(std::string_view reference, std::string_view default_language)

@@ -14,6 +14,10 @@
 
 namespace zel::exchange {
 
+// Of a text whose numbers do not tell it, and of one that only looks like a plural.
+constexpr std::string_view plural_flag = "plural";
+constexpr std::string_view no_plural_flag = "no-plural";
+
 std::optional<std::vector<std::string>> flags_of(std::string_view comment);
 std::string flags_line(const std::vector<std::string> &flags);
 

@@ -164,7 +164,8 @@ void shared_parts::fill(const outgoing_item &from, const exporter &by)
     }
     const auto said = flags_of(from.default_comment);
     flags = said ? *said : usual_flags(id);
-    std::erase(flags, "plural");
+    std::erase(flags, plural_flag);
+    std::erase(flags, no_plural_flag);
     check.emplace(id, std::find(flags.begin(), flags.end(), "c-format") != flags.end());
 }
 
@@ -333,6 +334,15 @@ void append_po_items(std::string &out, exporter &from, const plural_outlet &outl
     });
 }
 
+void take_po_header(const po_message &header, std::string_view bytes, file_texts &file)
+{
+    file.languages.assign(1, language_of(header));
+    file.plural_field = po_header_field(header.texts.front(), plural_field);
+    file.plural_line = plural_line(bytes);
+    if (is_of_several(header.texts.front()))
+        file.notes.emplace_back(several_headers);
+}
+
 fault read_po(std::string_view bytes, encoding good, const text_listener &hear)
 {
     po_reader reader(bytes);
@@ -345,9 +355,7 @@ fault read_po(std::string_view bytes, encoding good, const text_listener &hear)
         if (message.obsolete)
             continue;
         if (message.is_header()) {
-            file.languages.front() = language_of(message);
-            file.plural_field = po_header_field(message.texts.front(), plural_field);
-            file.plural_line = plural_line(bytes);
+            take_po_header(message, bytes, file);
             continue;
         }
         take_message(message, unit, good, !file.languages.front().name.empty());

@@ -9,6 +9,7 @@
 // where the reference holds conversions of printf.
 
 #include "exchange/export.h"
+#include "exchange/po-message.h"
 #include "exchange/po-plural.h"
 #include "exchange/texts.h"
 
@@ -25,6 +26,9 @@ std::vector<std::string> colliding_keys(exporter &from);
 // Appends the messages of some of the items, in the exporter's only language.
 void append_po_items(std::string &out, exporter &from, const plural_outlet &outlet,
                      const std::function<bool(const item_t *)> &is_wanted);
+
+// What the header, of the catalog's bytes, says of all texts.
+void take_po_header(const po_message &header, std::string_view bytes, file_texts &file);
 
 fault read_po(std::string_view bytes, encoding good, const text_listener &hear);
 

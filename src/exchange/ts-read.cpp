@@ -399,7 +399,7 @@ void resolver::name(raw_message &raw)
 }
 
 // Makes all plurals have as many forms: what lacks is empty, and what the toolkit has no number for
-// is kept, as forms that no number takes.
+// is kept, as forms that no number takes. One without these lacks nothing.
 void resolver::count_forms()
 {
     plural_header header;
@@ -413,8 +413,11 @@ void resolver::count_forms()
         file_.plural_field.replace(0, file_.plural_field.find(';'),
                                    "nplurals=" + std::to_string(count));
     for (po_message &message : file_.messages)
-        if (message.id.plural)
-            message.texts.resize(std::max<std::size_t>(count, 1));
+        if (message.id.plural) {
+            const bool is_whole = header.count != 0 && message.texts.size() >= header.count;
+            const std::string rest = is_whole ? message.texts[header.count - 1] : std::string();
+            message.texts.resize(std::max<std::size_t>(count, 1), rest);
+        }
 }
 
 fault resolver::run()

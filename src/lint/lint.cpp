@@ -95,6 +95,7 @@ private:
     text reference_;
     rule_set item_off_;
     bool is_plural_ = false; // a comment says so
+    bool no_plural_ = false;
     std::vector<said> said_;
     std::vector<std::pair<const void *, std::size_t>> ranks_; // of its records, by their addresses
     std::string messages_;
@@ -123,13 +124,14 @@ void linter::work::take_entries(const item_t *item)
 void linter::work::take_switches(const item_t *item)
 {
     item_off_ = {};
-    is_plural_ = false;
+    is_plural_ = no_plural_ = false;
     bool no_format = false;
     for (const lang_entry_t *comment : each<lang_entry_t>(item->comments)) {
         if (same_language(comment->lang, source_->default_lang)) {
             const catalog_flags flags = read_flags(comment);
             no_format = no_format || flags.no_c_format;
             is_plural_ = is_plural_ || flags.plural;
+            no_plural_ = no_plural_ || flags.no_plural;
         }
         const rule_set off = read_switches(comment);
         if (off.none())
@@ -150,12 +152,14 @@ void linter::work::take_switches(const item_t *item)
 void linter::work::take_reference(const item_t *item)
 {
     name_ = look_at(name_of(item->name));
-    note_forms(name_, is_plural_);
+    if (!no_plural_)
+        note_forms(name_, is_plural_);
     reference_ = name_;
     for (std::size_t i = 0; i < slots_.size(); ++i)
         if (languages_[i].is_default && slots_[i].entry != nullptr && !slots_[i].own.is_blank())
             reference_ = slots_[i].own;
-    note_forms(reference_, is_plural_);
+    if (!no_plural_)
+        note_forms(reference_, is_plural_);
 }
 
 void linter::work::judge_text(std::size_t i)

@@ -71,6 +71,7 @@ catalog_flags read_flags(const lang_entry_t *comment)
             flag.remove_prefix(std::min(flag.find_first_not_of(' '), flag.size()));
             const bool is_other = !flag.starts_with("no-") && !flag.starts_with("possible-");
             found.plural = found.plural || flag == "plural";
+            found.no_plural = found.no_plural || flag == "no-plural";
             found.no_c_format = found.no_c_format || flag == "no-c-format" ||
                                 (is_other && flag != "c-format" && flag.ends_with("-format"));
         }

@@ -15,6 +15,7 @@ rule_set read_switches(const lang_entry_t *comment);
 struct catalog_flags {
     bool no_c_format = false; // or the format of another language
     bool plural = false;      // its forms are not to be seen by its numbers
+    bool no_plural = false;   // it has none, whatever it looks like
 };
 catalog_flags read_flags(const lang_entry_t *comment);
 

@@ -173,7 +173,9 @@ private:
         if (call.is_split)
             return "a directive stands among its arguments";
         if (call.of_object)
-            return "the class of the object is not known";
+            return of_.how_.from == call_dialect::gettext
+                       ? "another library has a word of that name"
+                       : "the class of the object is not known";
         if (call.form->is_mark && call.form->comment != 0)
             return "it gives a text and its comment";
         if (call.form->is_mark && is_beside_literal(call))

@@ -2,6 +2,7 @@
 
 #include "exchange/import.h"
 #include "exchange/po-read.h"
+#include "exchange/po.h"
 #include "kit/support/new-from-catalogs.h"
 #include "kit/support/output.h"
 #include "kit/support/sources.h"
@@ -62,12 +63,13 @@ bool donor::read(const std::string &path, const LangSource &source, const std::s
     if (answer.wrong)
         say_fault(path, answer.wrong);
     file_ = std::move(answer.file);
+    const bool is_read = !answer.wrong && (std::string_view(format) != "po" || take_obsolete());
     // Only where a file holds one language may the file's name tell which.
     const bool by_name = file_.languages.size() == 1 && !exchange::find_format(format)->by_code;
     const std::string_view named = by_name ? path : std::string_view();
     for (const exchange::said_language &said : file_.languages)
         languages_.push_back(view_of(exchange::find_language(source, said, named, language)));
-    return !answer.wrong && (std::string_view(format) != "po" || take_obsolete()) && join_plurals();
+    return is_read && join_plurals();
 }
 
 // Adds the messages of a catalog that its program no longer has. False after a line on standard
@@ -78,7 +80,10 @@ bool donor::take_obsolete()
     exchange::fault wrong = exchange::read_input(path_, bytes);
     exchange::po_reader reader(bytes);
     exchange::po_message message;
+    file_.languages.resize(1); // no message in use has told it in a catalog that has none
     while (!wrong && reader.next(message)) {
+        if (message.is_header() && !message.obsolete)
+            exchange::take_po_header(message, bytes, file_);
         if (!message.obsolete || message.is_header() || message.fuzzy)
             continue;
         exchange::text_unit unit;
