@@ -165,7 +165,7 @@ void shared_parts::fill(const outgoing_item &from, const exporter &by)
     const auto said = flags_of(from.default_comment);
     flags = said ? *said : usual_flags(id);
     std::erase(flags, "plural");
-    check.emplace(id, std::find(flags.begin(), flags.end(), "c-format") != flags.end());
+    check.emplace(id, flags);
 }
 
 // Whether a text and its ids would pass the check of whoever compiles the catalog.
