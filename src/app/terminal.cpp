@@ -65,13 +65,14 @@ void escape_on_terminal(std::FILE *&stream, int file, int buffering)
 
 namespace zel {
 
-void open_missing_streams()
+void open_missing_streams(missing_output what)
 {
+    const int output = what == missing_output::fails ? O_RDONLY : O_WRONLY;
     // Otherwise a file that is opened later would get the number of a missing stream, and messages
     // would be written into it. open takes the lowest free number, which is this stream's.
     for (int file = 0; file <= 2; ++file)
         if (fcntl(file, F_GETFD) < 0)
-            static_cast<void>(open("/dev/null", file == 0 ? O_RDONLY : O_WRONLY));
+            static_cast<void>(open("/dev/null", file == 0 ? O_RDONLY : output));
 }
 
 void escape_on_terminals()

@@ -7,7 +7,7 @@ int main(int argc, char **argv)
 {
     // First of all: a file that is opened later must not get the number of a closed standard
     // stream.
-    zel::open_missing_streams();
+    zel::open_missing_streams(zel::missing_output::vanishes);
     zel::prepare_heap();
     zel::end_without_memory("lang", 0);
     zel::escape_on_terminals();

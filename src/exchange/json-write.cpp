@@ -2,22 +2,45 @@
 #include "exchange/json.h"
 #include "source/quote.h"
 
+#include <algorithm>
+#include <array>
+
 namespace zel::exchange {
+
+namespace {
+
+// Which bytes are escaped. JSON allows the last one as it is, but terminals act on it.
+constexpr auto json_escaped = [] {
+    std::array<bool, 256> table{};
+    for (unsigned char c = 0; c < ' '; ++c)
+        table[c] = true;
+    table['"'] = table['\\'] = table['\x7f'] = true;
+    return table;
+}();
+
+void append_json_escape(std::string &out, char c)
+{
+    if (c == '"' || c == '\\')
+        out.append(1, '\\') += c;
+    else if (c == '\n')
+        out += "\\n";
+    else if (c == '\t')
+        out += "\\t";
+    else
+        append_format(out, "\\u%04x", static_cast<unsigned>(c));
+}
+
+} // namespace
 
 void append_json_signs(std::string &out, std::string_view text)
 {
-    for (const char c : text) {
-        if (c == '"' || c == '\\')
-            out.append(1, '\\') += c;
-        else if (c == '\n')
-            out += "\\n";
-        else if (c == '\t')
-            out += "\\t";
-        else if (static_cast<unsigned char>(c) < ' ' || c == '\x7f')
-            // JSON allows the last one as it is, but terminals act on it.
-            append_format(out, "\\u%04x", static_cast<unsigned>(c));
-        else
-            out += c;
+    const auto is_escaped = [](char c) { return json_escaped[static_cast<unsigned char>(c)]; };
+    for (const char *at = text.data(), *end = at + text.size(); at != end;) {
+        const char *sign = std::find_if(at, end, is_escaped);
+        out.append(at, sign);
+        if (sign != end)
+            append_json_escape(out, *sign++);
+        at = sign;
     }
 }
 

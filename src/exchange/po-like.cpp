@@ -12,7 +12,6 @@
 #include "langlib/plural-rule.h"
 #include "source/item-index.h"
 
-#include <algorithm>
 #include <unordered_set>
 
 namespace zel::exchange {
@@ -119,8 +118,7 @@ void like_writer::put_text(po_message &message, std::string_view text) const
     forms.texts = {text};
     if (message.id.plural)
         outlet_.split(0, text, forms);
-    const message_check check(id, std::find(message.flags.begin(), message.flags.end(),
-                                            "c-format") != message.flags.end());
+    const message_check check(id, message.flags);
     message.texts.clear();
     message.fuzzy = message.fuzzy || !forms.fits;
     for (const std::string_view form : forms.texts) {

@@ -1,6 +1,7 @@
 #include "exchange/po-plural.h"
 
 #include "exchange/c-format.h"
+#include "exchange/other-format.h"
 #include "exchange/plural-text.h"
 #include "exchange/po-remarks.h"
 #include "langlib/plural-rule.h"
@@ -48,10 +49,11 @@ plural_ids ids_of_plural(std::string_view reference, std::string_view default_la
     return {text_form(reference, one), text_form(reference, count - 1)};
 }
 
-message_check::message_check(std::string_view id, bool is_format) : id_(id)
+message_check::message_check(std::string_view id, const std::vector<std::string> &flags)
+    : id_(id), other_(other_format_of(flags)), other_arguments_(other_arguments(other_, id))
 {
     // A catalog may call a format what is none here; then nothing can be compared.
-    if (is_format)
+    if (std::find(flags.begin(), flags.end(), "c-format") != flags.end())
         arguments_ = c_format_arguments(id);
 }
 
@@ -60,6 +62,13 @@ bool message_check::fits(std::string_view text, bool may_leave_out_arguments) co
     if (id_.starts_with('\n') != text.starts_with('\n') ||
         id_.ends_with('\n') != text.ends_with('\n'))
         return false;
+    if (!other_.empty()) {
+        const std::set<std::string> own = other_arguments(other_, text);
+        return own == other_arguments_ ||
+               (may_leave_out_arguments &&
+                std::includes(other_arguments_.begin(), other_arguments_.end(), own.begin(),
+                              own.end()));
+    }
     if (!arguments_)
         return true;
     return read_c_format(text, own_) &&

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,16 +25,18 @@ struct plural_ids {
 plural_ids ids_of_plural(std::string_view reference, std::string_view default_language);
 
 // What a catalog's compiler asks of a translation: the line ends of the id at both ends, and of a
-// format the arguments.
+// format, which the flags name, the arguments.
 class message_check {
 public:
-    message_check(std::string_view id, bool is_format);
+    message_check(std::string_view id, const std::vector<std::string> &flags);
     bool fits(std::string_view text, bool may_leave_out_arguments) const;
 
 private:
     std::string_view id_;
     std::optional<std::vector<std::string_view>> arguments_; // of a format that can be compared
     mutable std::vector<std::string_view> own_;              // of the text that is looked at
+    std::string other_;                                      // a format that is not C's
+    std::set<std::string> other_arguments_;
 };
 
 // How each language's catalog counts. Looks through the items once: without any plural nothing is

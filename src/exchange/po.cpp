@@ -166,7 +166,7 @@ void shared_parts::fill(const outgoing_item &from, const exporter &by)
     flags = said ? *said : usual_flags(id);
     std::erase(flags, plural_flag);
     std::erase(flags, no_plural_flag);
-    check.emplace(id, std::find(flags.begin(), flags.end(), "c-format") != flags.end());
+    check.emplace(id, flags);
 }
 
 // Whether a text and its ids would pass the check of whoever compiles the catalog.

@@ -112,6 +112,33 @@ void prepare_application()
     write_file("b.c", "/* " + std::string(9000, 'l') + " */ char *b() { return _(\"_Quit\"); }\n");
 }
 
+// Two branches that have changed one item, as git leaves them, made once.
+void prepare_conflict()
+{
+    static const struct folder {
+        folder()
+        {
+            require(mkdtemp(path.data()) != nullptr, "mkdtemp");
+            const std::string before = fs::current_path();
+            fs::current_path(path);
+            write_file(source_name, old_source());
+            const std::string script =
+                "export HOME=/nonexistent GIT_CONFIG_NOSYSTEM=1; exec >/dev/null 2>&1; set -e\n"
+                "g() { git -c user.name=a -c user.email=a@b \"$@\"; }\n"
+                "g init --template= -b main; g add .; g commit -m base; g checkout -b there\n"
+                "sed -i 's/\"Close\" }/\"Shut\" }/' app.lang-src; g commit -am there\n"
+                "g checkout main; sed -i 's/\"Close\" }/& LANG \"german\" { \"Zu\" }/' "
+                "app.lang-src\n"
+                "g commit -am here; ! g merge there\n";
+            require(std::system(script.c_str()) == 0, "git");
+            fs::current_path(before);
+        }
+        ~folder() { fs::remove_all(path); }
+        std::string path = "/tmp/lang-conflict-XXXXXX";
+    } conflict;
+    fs::copy(conflict.path, ".", fs::copy_options::recursive);
+}
+
 const std::string *find(const files &all, const std::string &name)
 {
     const auto found = all.find(name);
@@ -304,10 +331,11 @@ fault_job command(const char *name, words of, look what, void (*prepare)() = pre
     return {name, LANG_PROGRAM, std::move(of), nullptr, prepare, what};
 }
 
-fault_job kit(const char *name, words of, look what, void (*prepare)() = prepare_others)
+fault_job kit(const char *name, words of, look what, void (*prepare)() = prepare_others,
+              std::uint32_t every = 1)
 {
     of.insert(of.begin(), "lang-kit");
-    return {name, LANG_KIT, std::move(of), nullptr, prepare, what, 2};
+    return {name, LANG_KIT, std::move(of), nullptr, prepare, what, 2, every};
 }
 
 // The name is the format's, too, and the ending of its files.
@@ -365,6 +393,7 @@ const fault_job jobs[] = {
     kit("fill with", {"fill", "--with", "sed 's/.*/\"Fern\"/'", source_name}, old_text_stays),
     kit("fill", {"fill", "--from", "new.csv", source_name}, old_text_stays),
     kit("pseudo", {"pseudo", source_name}, old_text_stays),
+    kit("git resolve", {"git", "--resolve"}, text_is_whole, prepare_conflict, 25),
     {"library", nullptr, {}, use_library, prepare_texts, nothing_else},
     {"recovery file", nullptr, {}, save_recovery, prepare_recovery, recovery_stays},
     {"settings", nullptr, {}, save_settings, prepare_settings, settings_stay},

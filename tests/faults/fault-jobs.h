@@ -5,6 +5,7 @@
 
 #include "fault-files.h"
 
+#include <cstdint>
 #include <span>
 #include <string>
 #include <vector>
@@ -31,7 +32,8 @@ struct fault_job {
     // What must hold after a run, whatever failed; whole is the outcome when nothing does. Returns
     // what does not, or nothing.
     std::string (*look)(const job_outcome &run, const job_outcome &whole);
-    int worst_status = 0; // of a program
+    int worst_status = 0;    // of a program
+    std::uint32_t every = 1; // whose runs take long: only each that many of the calls fails
 };
 
 std::span<const fault_job> fault_jobs();

@@ -7,6 +7,7 @@
 #include "source/entry.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 
 namespace zel::kit {
@@ -103,13 +104,18 @@ private:
 
     place place_at(std::size_t position)
     {
-        // Calls come in the order of the file, so the lines are counted once.
-        for (; counted_ < position; ++counted_)
-            if (bytes_[counted_] == '\n') {
-                ++line_;
-                line_start_ = counted_ + 1;
-            }
-        return {line_, static_cast<std::uint32_t>(position - line_start_)};
+        if (line_starts_.empty())
+            find_lines();
+        const auto next = std::upper_bound(line_starts_.begin(), line_starts_.end(), position);
+        return {static_cast<std::uint32_t>(next - line_starts_.begin()),
+                static_cast<std::uint32_t>(position - *(next - 1))};
+    }
+
+    void find_lines()
+    {
+        line_starts_.push_back(0);
+        for (std::size_t at = bytes_.find('\n'); at != bytes_.npos; at = bytes_.find('\n', at + 1))
+            line_starts_.push_back(at + 1);
     }
 
     void note(const foreign_call &call, std::string text, bool is_lacking)
@@ -289,7 +295,7 @@ private:
 
     // The group in which the source has the text. Empty, or why there is none.
     std::string find_group(const foreign_call &call, const read_argument &context,
-                           const std::string &name, std::string &group) const
+                           const std::string &name, std::string &group)
     {
         const std::string &scope = context.pieces != 0 ? context.text : call.scope;
         const std::string commented = scope + "|" + comment_of(call);
@@ -302,12 +308,12 @@ private:
         else if (!of_.how_.group.empty())
             group = of_.how_.group;
         else
-            return find_held(scope, name, group);
+            return find_held(call, scope, name, group);
         return {};
     }
 
-    std::string find_held(const std::string &scope, const std::string &name,
-                          std::string &group) const
+    std::string find_held(const foreign_call &call, const std::string &scope,
+                          const std::string &name, std::string &group)
     {
         const auto found = of_.by_name_.find(name);
         if (found == of_.by_name_.end()) {
@@ -319,11 +325,11 @@ private:
             group = of_.only_group_;
             return {};
         }
-        const std::vector<adopter::held_item> &all = found->second;
-        std::vector<adopter::held_item> here;
-        std::copy_if(all.begin(), all.end(), std::back_inserter(here),
-                     [&](const adopter::held_item &one) { return is_used_here(one.item); });
-        const std::vector<adopter::held_item> &among = here.empty() ? all : here;
+        std::vector<adopter::held_item> among = found->second;
+        keep_used(among, 0);
+        // Where the file alone does not tell, the line does, as the catalogs had it.
+        if (among.size() > 1)
+            keep_used(among, place_at(begin_of(argument(call, call.form->item))).line);
         if (among.size() == 1) {
             group = view_of(among.front().group->name);
             return {};
@@ -334,12 +340,24 @@ private:
         return "the source has the text in several groups: " + names;
     }
 
-    // Whether one of the item's places is in a file of this name.
-    bool is_used_here(const item_t *item) const
+    // Leaves those that are used in a file of this name, and in that line unless it is 0, if there
+    // are any.
+    void keep_used(std::vector<adopter::held_item> &items, std::uint32_t line) const
+    {
+        std::vector<adopter::held_item> used;
+        std::copy_if(items.begin(), items.end(), std::back_inserter(used),
+                     [&](const adopter::held_item &one) { return is_used_here(one.item, line); });
+        if (!used.empty())
+            items = std::move(used);
+    }
+
+    // Whether one of the item's places, "00140:src/note.c", is there.
+    bool is_used_here(const item_t *item, std::uint32_t line) const
     {
         for (const char *use : each<const char>(item->used_in)) {
             const char *colon = use == nullptr ? nullptr : std::strchr(use, ':');
-            if (colon != nullptr && file_of_path(colon + 1) == file_of_path(path_))
+            if (colon != nullptr && file_of_path(colon + 1) == file_of_path(path_) &&
+                (line == 0 || std::strtoul(use, nullptr, 10) == line))
                 return true;
         }
         return false;
@@ -557,9 +575,7 @@ private:
     std::vector<byte_edit> edits_;
     std::vector<byte_edit> pending_;             // of the call at hand
     std::size_t first_ = std::string_view::npos; // of what is turned
-    std::size_t counted_ = 0;
-    std::uint32_t line_ = 1;
-    std::size_t line_start_ = 0;
+    std::vector<std::size_t> line_starts_;       // once one is asked for
 };
 
 adopter::adopter(LangSource *source, adopt_how how) : how_(std::move(how)), items_(source)

@@ -57,9 +57,12 @@ std::string merged_name(const merge_job &job)
 
 int merge_files(const merge_job &job)
 {
-    source_file base = read_whole(job.base);
-    source_file ours = read_whole(job.ours);
-    source_file theirs = read_whole(job.theirs);
+    const auto shown = [&](const char *version) {
+        return job.are_own ? job.driver + " (" + version + ")" : std::string();
+    };
+    source_file base = read_whole(job.base, 0, shown("base"));
+    source_file ours = read_whole(job.ours, 0, shown("ours"));
+    source_file theirs = read_whole(job.theirs, 0, shown("theirs"));
     if (!base || !ours || !theirs)
         return status_fault;
     const std::vector<conflict> conflicts =

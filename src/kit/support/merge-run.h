@@ -12,6 +12,7 @@ struct merge_job {
     std::string base, ours, theirs;
     std::string output; // where the result goes; empty: it replaces ours
     std::string driver; // the path that the three files stand for, when they are copies of that one
+    bool are_own = false; // the copies are this program's: messages name that path
     side prefer = side::neither;
     bool dry_run = false;
 };

@@ -65,6 +65,7 @@ public:
         job.ours = folder_ / version_names[1];
         job.theirs = folder_ / version_names[2];
         job.driver = file_.path;
+        job.are_own = true;
         for (int i = 0; i < 3; ++i)
             if (const int error = replace_file((folder_ / version_names[i]).c_str(), versions_[i]))
                 return fail(std::strerror(error));

@@ -98,13 +98,15 @@ source_guard read_text(const std::string &name, const std::string &text)
     return std::move(read_source(name.c_str(), {std::time(nullptr), hear, nullptr, text}).source);
 }
 
-source_file read_whole(const std::string &path, std::int64_t now)
+source_file read_whole(const std::string &path, std::int64_t now, const std::string &shown)
 {
     source_file file{nullptr, {seen_file(path)}};
     if (!is_readable(path))
         return file;
     bool whole = true;
-    const auto hear = [&](const read_message &message) {
+    const auto hear = [&](read_message message) {
+        if (!shown.empty())
+            message.path = shown.c_str();
         say(message, is_loss(*message.row));
         whole = whole && !is_loss(*message.row);
     };

@@ -49,8 +49,9 @@ struct source_file {
 
 // Reads a source that will be written again. Null also when a part of the file was not understood,
 // which writing would lose; the line that says so is an error then. Items without a creation time
-// get that of the call.
-source_file read_whole(const std::string &path, std::int64_t now = 0);
+// get that of the call. Messages may call the file something else.
+source_file read_whole(const std::string &path, std::int64_t now = 0,
+                       const std::string &shown = {});
 
 // Takes a source over until the process ends: to release millions of strings one by one takes
 // longer than the system needs for all of them.

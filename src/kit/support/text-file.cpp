@@ -88,11 +88,14 @@ bool text_file::put_in_place()
     const backup_file kept = make_backup(old_, std::time(nullptr));
     if (kept.error != 0)
         return say(kept.error);
-    const int error = file_.put(old_);
-    if (error == 0)
-        return true;
-    undo_backup(kept, old_);
-    return say(error);
+    if (const int error = file_.put(old_)) {
+        undo_backup(kept, old_);
+        return say(error);
+    }
+    if (old_.status.st_nlink > 1)
+        std::fprintf(stderr, "lang-kit: %s has other names, which keep the old text\n",
+                     path_.c_str());
+    return true;
 }
 
 bool finish_all(std::vector<text_file> &files)

@@ -1,8 +1,9 @@
 #pragma once
 
 // A file that a word makes for others: written whole beside its place and put there at the end.
-// What stood there and differs is kept under its date; the same text is left alone. What a killed
-// process leaves, as PLACE.lang-kit.tmp, the next one removes.
+// What stood there and differs is kept under its date, and by its other names (hard links), of
+// which a line tells; the same text is left alone. What a killed process leaves, as
+// PLACE.lang-kit.tmp, the next one removes.
 
 #include <cstdio>
 #include <memory>

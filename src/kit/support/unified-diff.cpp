@@ -1,5 +1,7 @@
 #include "kit/support/unified-diff.h"
 
+#include "source/quote.h"
+
 #include <algorithm>
 #include <vector>
 
@@ -119,6 +121,24 @@ private:
     std::size_t new_ = 1;
 };
 
+// A name as patch and git read it: in quotes where it would break the line, else with a tab behind
+// one with blanks.
+std::string header_name(const std::string &name)
+{
+    const auto is_odd = [](char c) {
+        return static_cast<unsigned char>(c) < ' ' || c == '"' || c == '\\' || c == '\x7f';
+    };
+    if (std::none_of(name.begin(), name.end(), is_odd))
+        return name.find(' ') == name.npos ? name : name + '\t';
+    std::string out = "\"";
+    for (const char c : name)
+        if (is_odd(c))
+            append_format(out, "\\%03o", static_cast<unsigned>(c));
+        else
+            out += c;
+    return out + '"';
+}
+
 } // namespace
 
 std::string unified_diff(const std::string &path, std::string_view before, std::string_view after,
@@ -139,7 +159,7 @@ std::string unified_diff(const std::string &path, std::string_view before, std::
             if (!lines[next].is_old || !lines[next].is_new)
                 last = next;
         if (out.empty())
-            out.append("--- a").append(shown).append("\n+++ b").append(shown).append("\n");
+            out += "--- " + header_name("a" + shown) + "\n+++ " + header_name("b" + shown) + "\n";
         hunks.write(out, begin, std::min(lines.size(), last + lines_around + 1));
         at = last;
     }

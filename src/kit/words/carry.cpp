@@ -5,10 +5,13 @@
 #include "kit/support/sources.h"
 #include "kit/words/word-list.h"
 #include "lint/carried.h"
+#include "lint/lint.h"
 #include "source/entry.h"
 
 #include <cstdio>
+#include <set>
 #include <unordered_map>
+#include <vector>
 
 namespace zel::kit {
 
@@ -56,8 +59,8 @@ public:
     {
     }
 
-    // Returns the languages, with commas.
-    std::string carry()
+    // Returns the languages.
+    std::vector<const char *> carry()
     {
         for (const lang_entry_t *comment : each<lang_entry_t>(from_->comments))
             copy_comment(comment);
@@ -86,7 +89,7 @@ private:
         if (!is_looked_at_)
             add_remark(comments_.get(entry->lang),
                        lint::carried_mark(shown(view_of(from_->name)), text));
-        (languages_ += languages_.empty() ? "" : ", ") += or_empty(entry->lang);
+        languages_.push_back(or_empty(entry->lang));
     }
 
     // In the default language a text that is the name says nothing: the new item has its own. Where
@@ -104,7 +107,7 @@ private:
     std::string_view reference_;
     entries_by_language texts_;
     entries_by_language comments_;
-    std::string languages_;
+    std::vector<const char *> languages_;
 };
 
 // Takes out marks of earlier runs that mean nothing any more. Returns how many comments had some.
@@ -151,9 +154,28 @@ struct carry_count {
     std::size_t undecided = 0;
 };
 
+// The languages with commas, and of which the text's conversions do not fit the item it has come
+// to.
+std::string shown_languages(lint::linter &by, const succession &to,
+                            const std::vector<const char *> &languages)
+{
+    std::set<std::string_view> unfit;
+    by.check_item(to.group, to.item,
+                  [&](const lint::finding &one) { unfit.insert(view_of(one.language)); });
+    std::string out;
+    for (const char *language : languages) {
+        (out += out.empty() ? "" : ", ") += language;
+        out += unfit.contains(language) ? " (its conversions do not fit)" : "";
+    }
+    return out;
+}
+
 carry_count carry_all(const LangSource *source, const carry_options &options)
 {
     carry_count count;
+    lint::choice wanted;
+    wanted.rules = lint::rule_set().with(lint::rule_id::format);
+    lint::linter formats(source, wanted);
     for (const succession &one : find_predecessors(source, options.at_least)) {
         const std::string key = shown_key(one.group, one.item);
         const predecessor &best = one.candidates.front();
@@ -165,8 +187,10 @@ carry_count carry_all(const LangSource *source, const carry_options &options)
             continue;
         }
         const bool keeps = options.keep_trivial && best.nearly && best.item->ready != 0;
-        const std::string languages = carrier(source, one.item, best.item, keeps).carry();
-        std::printf("%s <- %s: %s\n", key.c_str(), shown_old(best).c_str(), languages.c_str());
+        const std::vector<const char *> languages =
+            carrier(source, one.item, best.item, keeps).carry();
+        std::printf("%s <- %s: %s\n", key.c_str(), shown_old(best).c_str(),
+                    shown_languages(formats, one, languages).c_str());
         ++count.carried;
     }
     return count;

@@ -33,8 +33,12 @@ struct import_options {
 
 // Hears of an import. Changes go to standard output, what is not known to standard error.
 struct import_report {
+    explicit import_report(const exchange::format &row) : format(row.name) {}
+
+    const std::string_view format;
     std::string path; // of the file being read
     bool unknown = false;
+    std::uint32_t foreign = 0; // texts of a memory that name no item
 
     void hear(const exchange::import_event &event);
 
@@ -75,13 +79,19 @@ void import_report::hear(const exchange::import_event &event)
                         shown(event.after));
         return;
     case exchange::import_kind::unknown_item:
-        note(event, "unknown item " + key);
+        if (format == "tmx" && !event.unit->keyed)
+            ++foreign;
+        else
+            note(event, "unknown item " + key);
         break;
     case exchange::import_kind::ambiguous:
         note(event, "ambiguous " + key + ": " + event.after);
         break;
     case exchange::import_kind::unknown_language:
-        note(event, "unknown language " + shown(language));
+        note(event, format == "pot" && language.empty()
+                        ? "a template has texts of no language: --language NAME says whose these "
+                          "are, --new --template FILE makes a source with it"
+                        : "unknown language " + shown(language));
         break;
     }
     unknown = true;
@@ -180,17 +190,23 @@ int take_files(const exchange::format &row, import_options &options,
     const source_file file = read_whole(files.front());
     if (!file)
         return status_fault;
-    import_report report;
+    import_report report(row);
     options.request.hear = [&](const exchange::import_event &event) { report.hear(event); };
     exchange::importer into(file.source.get(), options.request);
     for (std::size_t at = 1; at < files.size(); ++at) {
         report.path = files[at];
+        report.foreign = 0;
         const std::uint32_t guesses = into.guesses();
         if (!take_file(row, files[at], into))
             return status_fault;
         if (into.guesses() != guesses)
             std::fprintf(stderr, "%s: left out %s\n", files[at].c_str(),
                          counted(into.guesses() - guesses, "fuzzy text").c_str());
+        if (report.foreign != 0)
+            std::fprintf(stderr,
+                         "%s: left out %s of another program's memory, which names no items: "
+                         "lang-kit fill --from takes what the source lacks\n",
+                         files[at].c_str(), counted(report.foreign, "text").c_str());
         print_notes(files[at], into);
     }
     const std::string &to = options.output.empty() ? files.front() : options.output;
