@@ -32,11 +32,13 @@ bool stands_for(const std::vector<std::string> &added, const std::string &addres
            has_page(added, other);
 }
 
-// Behind "https://".
-std::string bare(const std::string &address)
+// Behind "http://" and "https://".
+std::string without_scheme(const std::string &address)
 {
-    const std::size_t scheme = address.find("://");
-    return scheme == std::string::npos ? address : address.substr(scheme + 3);
+    for (const std::string_view scheme : {"http://", "https://"})
+        if (address.starts_with(scheme))
+            return address.substr(scheme.size());
+    return address;
 }
 
 // The word around the two positions.
@@ -50,7 +52,7 @@ std::string_view word_around(std::string_view text, std::size_t begin, std::size
 }
 
 // Whether one is the other with a slip of two characters, or its beginning; "/fr/" in the place of
-// "/en/" is none.
+// "/en/" is none, nor a folder in that of its index.
 bool is_slip_of(std::string_view own, std::string_view reference)
 {
     constexpr std::size_t most = 2;
@@ -63,7 +65,7 @@ bool is_slip_of(std::string_view own, std::string_view reference)
     while (behind < shorter - same &&
            own[own.size() - 1 - behind] == reference[reference.size() - 1 - behind])
         ++behind;
-    return same == own.size() ||
+    return (same == own.size() && !reference.substr(same).starts_with("/index.")) ||
            (std::max(own.size(), reference.size()) - same - behind <= most &&
             (word_around(own, same, own.size() - behind).size() != code ||
              word_around(reference, same, reference.size() - behind).size() != code));
@@ -90,7 +92,7 @@ struct evidence {
     void add(const difference &one)
     {
         for (const std::string &address : one.added_addresses)
-            ++addresses[bare(address)];
+            ++addresses[without_scheme(address)];
         for (const number *number : one.gone) {
             ++gone[number];
             for (const auto *other : one.added)
@@ -119,10 +121,10 @@ void find_addresses(difference &of, const std::vector<std::string> &reference)
         return;
     // What was found in another scheme is not in the place of one that is gone.
     std::vector<std::string> known(reference.size());
-    std::transform(reference.begin(), reference.end(), known.begin(), bare);
+    std::transform(reference.begin(), reference.end(), known.begin(), without_scheme);
     std::sort(known.begin(), known.end());
     std::erase_if(of.added_addresses, [&](const std::string &one) {
-        return std::binary_search(known.begin(), known.end(), bare(one));
+        return std::binary_search(known.begin(), known.end(), without_scheme(one));
     });
 }
 
@@ -144,7 +146,7 @@ bool judge_addresses(const difference &of, const evidence &all, std::string &mes
     }
     for (const std::string &one : gone)
         for (const std::string &other : added)
-            if (is_slip_of(other, one) || all.addresses.at(bare(other)) >= some) {
+            if (is_slip_of(other, one) || all.addresses.at(without_scheme(other)) >= some) {
                 tell(message, "address", one, &other);
                 return true;
             }

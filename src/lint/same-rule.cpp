@@ -12,6 +12,7 @@ constexpr std::string_view kept[] = {"©", "(C)", "[<", "[-"};
 
 // A piece between blanks, without the signs around it and the mark of a mnemonic.
 struct piece {
+    bool is_empty = true;
     std::size_t letters = 0;
     bool small = true;    // all letters
     bool is_word = true;  // of letters alone; "file1", "blob)->" and "byte/s" are none
@@ -21,21 +22,21 @@ struct piece {
 void read_char(piece &of, char32_t c)
 {
     constexpr std::u32string_view around = U".,:;!?()\"'“”‘’…";
-    const bool joins = c == '-' || c == '\'' || c == U'’';
+    const bool joins = of.letters > 0 && (c == '-' || c == '\'' || c == U'’');
+    of.is_empty = false;
     if (is_letter(c)) {
         of.is_word = of.is_word && !of.is_open;
         of.small = of.small && g_unichar_islower(c) != FALSE;
         ++of.letters;
-    } else if (joins && of.letters > 0) {
-        of.small = of.small && !of.is_open;
-    } else if (around.find(c) != std::u32string_view::npos) {
+    } else if (!joins && around.find(c) != std::u32string_view::npos) {
         of.is_open = of.letters > 0;
-    } else if (c != '_' && c != '&') {
+    } else if (!joins && c != '_' && c != '&') {
         of.is_word = false;
     }
 }
 
 struct word_count {
+    std::size_t pieces = 0;
     std::size_t ordinary = 0; // that one would translate: of three small letters or more
     std::size_t names = 0;    // with a capital, but for the first word
 };
@@ -50,6 +51,7 @@ word_count count_words(const text &of)
     piece now;
     bool is_first = true;
     const auto end_piece = [&] {
+        found.pieces += now.is_empty ? 0U : 1U;
         if (now.is_word && now.letters >= least && now.small)
             ++found.ordinary;
         else if (now.letters > 0 && !now.small && !is_first)
@@ -107,8 +109,8 @@ std::size_t count_foreign(const language_list &languages)
 
 } // namespace
 
-// Names are the same in most languages, and single words in some: only what reads like a phrase is
-// taken for untranslated, and only where nearly all other languages translate it.
+// Names are the same in most languages, single words and terms of two in some: only what reads like
+// a phrase is taken for untranslated, and only where nearly all other languages translate it.
 void judge_same(const item_case &at)
 {
     const std::string_view reference = at.reference.bytes;
@@ -123,7 +125,7 @@ void judge_same(const item_case &at)
         !is_left_by_mistake(same, all, count_foreign(at.languages)))
         return;
     const word_count words = count_words(at.reference);
-    if (words.ordinary < 2 || words.ordinary < words.names)
+    if (words.pieces < 3 || words.ordinary < 2 || words.ordinary < words.names)
         return;
     for (std::size_t i = 0; i < at.slots.size(); ++i)
         if (is_translation(at, i) && at.slots[i].own.bytes == reference)
