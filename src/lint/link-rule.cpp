@@ -1,264 +1,15 @@
-#include "lint/conversions.h"
+#include "lint/item-case.h"
+#include "lint/links.h"
 #include "lint/name-set.h"
 #include "lint/rule-list.h"
 
 #include <algorithm>
-#include <array>
+#include <map>
 #include <vector>
 
 namespace zel::lint {
 
 namespace {
-
-struct number {
-    std::string digits;
-    std::vector<std::string> parts; // between its commas
-    std::string shown;              // with its decimal points
-    std::size_t end;                // in the text
-};
-
-// What must be the same in every language.
-struct links {
-    std::vector<std::string> addresses;
-    std::vector<std::string> paths;
-    std::vector<number> numbers; // in the order of the text
-    std::string named;           // digits of names, "2000" of "JPEG2000"
-};
-
-constexpr auto address_bytes = [] {
-    std::array<bool, 256> table{};
-    for (unsigned char c = 0; c < 0x80; ++c)
-        table[c] = is_word_byte(static_cast<char>(c));
-    for (const char c : std::string_view("-.~/?#@!$&*+=%:"))
-        table[static_cast<unsigned char>(c)] = true;
-    return table;
-}();
-
-bool is_address_byte(char c) { return address_bytes[static_cast<unsigned char>(c)]; }
-
-std::string_view without_stop(std::string_view address)
-{
-    while (!address.empty() &&
-           std::string_view(".,:!?/&").find(address.back()) != std::string_view::npos)
-        address.remove_suffix(1);
-    return address;
-}
-
-// Reads the piece of address characters at the position.
-std::string_view read_piece(std::string_view bytes, std::size_t at)
-{
-    std::size_t end = at;
-    while (end < bytes.size() && is_address_byte(bytes[end]))
-        ++end;
-    return bytes.substr(at, end - at);
-}
-
-// A path of the file system: menus have paths too, which are translated.
-bool begins_path(std::string_view piece)
-{
-    constexpr std::string_view folders[] = {"bin",   "boot", "dev", "etc",  "home", "lib",
-                                            "media", "mnt",  "opt", "proc", "root", "run",
-                                            "sbin",  "srv",  "sys", "tmp",  "usr",  "var"};
-    constexpr std::size_t longest = 5; // of the names
-    if (piece.starts_with("~/"))
-        return true;
-    const std::size_t end = piece.substr(0, longest + 2).find('/', 1);
-    return piece.starts_with('/') && end != std::string_view::npos &&
-           std::find(std::begin(folders), std::end(folders), piece.substr(1, end - 1)) !=
-               std::end(folders);
-}
-
-// A run of address characters. An address or a path begins somewhere in it and goes to its end, so
-// that what is asked of every beginning is found out once.
-class address_run {
-public:
-    address_run() = default;
-    address_run(std::string_view bytes, std::size_t at) : bytes_(bytes), start_(at)
-    {
-        const std::string_view piece = read_piece(bytes, at);
-        end_ = at + piece.size();
-        stop_ = at + without_stop(piece).size();
-        scheme_ = last_of("://");
-        dot_ = last_of(".");
-        percent_ = last_of("%");
-        sign_ = at;
-    }
-
-    // From the position on; it only grows.
-    bool holds(std::size_t at) const { return at < end_; }
-    std::string_view piece(std::size_t at) const
-    {
-        return bytes_.substr(at, std::max(at, stop_) - at);
-    }
-    bool is_web(std::size_t at) const { return scheme_ > at || piece(at).starts_with("www."); }
-    bool is_mail(std::size_t at)
-    {
-        sign_ = std::min(bytes_.substr(0, stop_).find('@', std::max(sign_, at)), stop_);
-        return sign_ < stop_ && sign_ > at && dot_ > sign_ && is_word_byte(bytes_[sign_ - 1]);
-    }
-    bool is_path(std::size_t at) const { return percent_ <= at && begins_path(piece(at)); }
-
-private:
-    // Behind the beginning of the last one in the run, 0 when there is none.
-    std::size_t last_of(std::string_view sought) const
-    {
-        const std::size_t at = bytes_.substr(start_, stop_ - start_).rfind(sought);
-        return at == std::string_view::npos ? 0 : start_ + at + 1;
-    }
-
-    std::string_view bytes_;
-    std::size_t start_ = 0;
-    std::size_t end_ = 0;
-    std::size_t stop_ = 0; // the end without a full stop and the like
-    std::size_t scheme_ = 0, dot_ = 0, percent_ = 0;
-    std::size_t sign_ = 0; // no "@" lies between the position asked for last and here
-};
-
-// A number as people write it: with its decimal points, without commas and points that group.
-std::string shown_number(std::string_view written)
-{
-    constexpr std::size_t group = 3;
-    std::string out;
-    const auto groups = [&](std::size_t sign) {
-        return std::min(written.find_first_of(".,", sign + 1), written.size()) - sign - 1 == group;
-    };
-    for (std::size_t at = 0; at < written.size(); ++at)
-        if (written[at] != ',' && (written[at] != '.' || !groups(at)))
-            out += written[at];
-    return out;
-}
-
-// A number with its separators, in the digits of any script.
-number read_number(std::string_view bytes, std::size_t at)
-{
-    number found{{}, {""}, {}, at};
-    std::string written;
-    char32_t separator = 0;
-    for (std::size_t i = at; i < bytes.size();) {
-        const char32_t c = next_char(bytes, i);
-        if (is_digit(c)) {
-            if (separator == ',')
-                found.parts.emplace_back();
-            if (separator != 0)
-                written += separator == '.' || separator == 0x66B ? '.' : ',';
-            const auto digit = static_cast<char>('0' + g_unichar_digit_value(c));
-            found.digits += digit;
-            found.parts.back() += digit;
-            written += digit;
-            found.end = i;
-            separator = 0;
-        } else if (separator != 0 || (c != '.' && c != ',' && c != 0x66B && c != 0x66C)) {
-            break;
-        } else {
-            separator = c;
-        }
-    }
-    found.shown = shown_number(written);
-    return found;
-}
-
-// "win32" is a name. Scripts without blanks set numbers right behind their letters.
-bool begins_number(char32_t before)
-{
-    constexpr char32_t first_without_blanks = 0xE00; // Thai; Chinese and its like stand above
-    return !is_letter(before) || before >= first_without_blanks;
-}
-
-// "&#215;" is a sign.
-std::size_t entity_length(std::string_view rest)
-{
-    if (!rest.starts_with("&#"))
-        return 0;
-    std::size_t end = 2;
-    while (end < rest.size() && is_word_byte(rest[end]))
-        ++end;
-    return end > 2 && end < rest.size() && rest[end] == ';' ? end + 1 : 0;
-}
-
-// "%75" is how some languages write 75 %.
-bool is_percentage(std::string_view rest)
-{
-    std::size_t end = 1;
-    while (end < rest.size() &&
-           (is_ascii_digit(rest[end]) || (end > 1 && rest[end] == '.' && end + 1 < rest.size() &&
-                                          is_ascii_digit(rest[end + 1]))))
-        ++end;
-    return end > 1 && (end == rest.size() ||
-                       (!is_ascii_letter(rest[end]) &&
-                        std::string_view("$.*'").find(rest[end]) == std::string_view::npos));
-}
-
-// Behind "%1$s", "%5.2f" and the like, whose digits are no number of the text.
-std::size_t skip_conversion(std::string_view bytes, std::size_t at)
-{
-    for (++at; at < bytes.size() &&
-               std::string_view("0123456789.$*+-# ").find(bytes[at]) != std::string_view::npos;)
-        ++at;
-    return at;
-}
-
-// "10th" is a word elsewhere.
-bool is_ordinal(std::string_view behind)
-{
-    return behind.starts_with("th") || behind.starts_with("st") || behind.starts_with("nd") ||
-           behind.starts_with("rd");
-}
-
-links read_links(std::string_view bytes)
-{
-    links found;
-    address_run run;
-    char32_t before = ' ';
-    for (std::size_t at = 0; at < bytes.size();) {
-        // Inside of a word nothing begins.
-        if (before < 0x80 && is_ascii_letter(static_cast<char>(before)) &&
-            is_ascii_letter(bytes[at])) {
-            before = static_cast<unsigned char>(bytes[at++]);
-            continue;
-        }
-        std::size_t next = at;
-        const char32_t c = next_char(bytes, next);
-        if (is_address_byte(bytes[at]) && begins_number(before) && !is_digit(before)) {
-            if (!run.holds(at))
-                run = address_run(bytes, at);
-            std::vector<std::string> *kind = run.is_web(at) || run.is_mail(at) ? &found.addresses
-                                             : run.is_path(at)                 ? &found.paths
-                                                                               : nullptr;
-            if (kind != nullptr) {
-                const std::string_view piece = run.piece(at);
-                kind->emplace_back(piece);
-                at += piece.size();
-                before = 'x';
-                continue;
-            }
-        }
-        if (const std::size_t length = entity_length(bytes.substr(at)); length != 0) {
-            at += length;
-            before = ' ';
-            continue;
-        }
-        if (c == '%' && !is_percentage(bytes.substr(at))) {
-            at = std::max(next, skip_conversion(bytes, at));
-            before = 'x';
-            continue;
-        }
-        if (is_digit(c)) {
-            number read = read_number(bytes, at);
-            at = read.end;
-            if (begins_number(before) && !is_ordinal(bytes.substr(at)))
-                found.numbers.push_back(std::move(read));
-            else
-                found.named += read.digits;
-            before = '0';
-            continue;
-        }
-        before = c;
-        at = next;
-    }
-    std::sort(found.addresses.begin(), found.addresses.end());
-    std::sort(found.paths.begin(), found.paths.end());
-    return found;
-}
 
 // Whether the address or one below it is there.
 bool has_page(const std::vector<std::string> &addresses, const std::string &one)
@@ -281,27 +32,145 @@ bool stands_for(const std::vector<std::string> &added, const std::string &addres
            has_page(added, other);
 }
 
-bool differ(const std::vector<std::string> &own, const std::vector<std::string> &reference,
-            const char *what, std::string &message)
+// Behind "http://" and "https://".
+std::string without_scheme(const std::string &address)
 {
-    auto gone = lacking(reference, own);
-    const auto added = lacking(own, reference);
-    std::erase_if(gone, [&](const std::string &one) { return stands_for(added, one); });
-    if (gone.empty())
-        return false;
-    message.append("the ").append(what).append(" ").append(gone.front());
-    if (added.empty())
+    for (const std::string_view scheme : {"http://", "https://"})
+        if (address.starts_with(scheme))
+            return address.substr(scheme.size());
+    return address;
+}
+
+// The word around the two positions.
+std::string_view word_around(std::string_view text, std::size_t begin, std::size_t end)
+{
+    while (begin > 0 && is_ascii_letter(text[begin - 1]))
+        --begin;
+    while (end < text.size() && is_ascii_letter(text[end]))
+        ++end;
+    return text.substr(begin, end - begin);
+}
+
+// Whether one is the other with a slip of two characters, or its beginning; "/fr/" in the place of
+// "/en/" is none, nor a folder in that of its index.
+bool is_slip_of(std::string_view own, std::string_view reference)
+{
+    constexpr std::size_t most = 2;
+    constexpr std::size_t code = 2; // letters that name a language
+    const std::size_t shorter = std::min(own.size(), reference.size());
+    std::size_t same = 0;
+    while (same < shorter && own[same] == reference[same])
+        ++same;
+    std::size_t behind = 0;
+    while (behind < shorter - same &&
+           own[own.size() - 1 - behind] == reference[reference.size() - 1 - behind])
+        ++behind;
+    return (same == own.size() && !reference.substr(same).starts_with("/index.")) ||
+           (std::max(own.size(), reference.size()) - same - behind <= most &&
+            (word_around(own, same, own.size() - behind).size() != code ||
+             word_around(reference, same, reference.size() - behind).size() != code));
+}
+
+// What a text has of its reference in another way.
+struct difference {
+    std::size_t language;
+    links own;
+    std::vector<std::string> gone_addresses;
+    std::vector<std::string> added_addresses;
+    std::vector<const number *> gone; // of the reference's
+    std::vector<const number *> added;
+};
+
+// What all the texts of the item tell: where many have put something else for one thing, it is a
+// matter of their language; where some have put the same, it is the reference as it was.
+struct evidence {
+    std::size_t texts = 0;
+    std::map<std::string, std::size_t> addresses; // that were added
+    std::map<const number *, std::size_t> gone;
+    std::map<std::pair<const number *, std::string_view>, std::size_t> instead;
+
+    void add(const difference &one)
+    {
+        for (const std::string &address : one.added_addresses)
+            ++addresses[without_scheme(address)];
+        for (const number *number : one.gone) {
+            ++gone[number];
+            for (const auto *other : one.added)
+                ++instead[{number, other->value()}];
+        }
+    }
+};
+
+void tell(std::string &message, std::string_view what, std::string_view gone,
+          const std::string *added)
+{
+    message.append("the ").append(what).append(" ").append(gone);
+    if (added == nullptr)
         message.append(" of the reference is missing");
     else
-        message.append(" is ").append(added.front());
+        message.append(" is ").append(*added);
+}
+
+void find_addresses(difference &of, const std::vector<std::string> &reference)
+{
+    of.gone_addresses = lacking(reference, of.own.addresses);
+    of.added_addresses = lacking(of.own.addresses, reference);
+    std::erase_if(of.gone_addresses,
+                  [&](const std::string &one) { return stands_for(of.added_addresses, one); });
+    if (of.gone_addresses.empty())
+        return;
+    // What was found in another scheme is not in the place of one that is gone.
+    std::vector<std::string> known(reference.size());
+    std::transform(reference.begin(), reference.end(), known.begin(), without_scheme);
+    std::sort(known.begin(), known.end());
+    std::erase_if(of.added_addresses, [&](const std::string &one) {
+        return std::binary_search(known.begin(), known.end(), without_scheme(one));
+    });
+}
+
+// One in the place of another is a slip, or what the reference had once; else the page or the
+// people of the language.
+bool judge_addresses(const difference &of, const evidence &all, std::string &message)
+{
+    constexpr std::size_t most = 8; // more are a list, which is not looked through
+    constexpr std::size_t some = 3;
+    if (of.gone_addresses.empty())
+        return false;
+    const std::span gone =
+        std::span(of.gone_addresses).first(std::min(of.gone_addresses.size(), most));
+    const std::span added =
+        std::span(of.added_addresses).first(std::min(of.added_addresses.size(), most));
+    if (added.empty()) {
+        tell(message, "address", gone.front(), nullptr);
+        return true;
+    }
+    for (const std::string &one : gone)
+        for (const std::string &other : added)
+            if (is_slip_of(other, one) || all.addresses.at(without_scheme(other)) >= some) {
+                tell(message, "address", one, &other);
+                return true;
+            }
+    return false;
+}
+
+bool judge_paths(const links &own, const links &reference, std::string &message)
+{
+    const auto gone = lacking(reference.paths, own.paths);
+    if (gone.empty())
+        return false;
+    const auto added = lacking(own.paths, reference.paths);
+    tell(message, "path", gone.front(), added.empty() ? nullptr : &added.front());
     return true;
 }
 
 std::vector<std::string_view> names_of(const std::vector<number> &numbers)
 {
-    std::vector<std::string_view> out(numbers.size());
-    std::transform(numbers.begin(), numbers.end(), out.begin(),
-                   [](const number &one) -> std::string_view { return one.digits; });
+    std::vector<std::string_view> out;
+    for (const number &one : numbers) {
+        out.emplace_back(one.digits);
+        if (one.value() != one.digits)
+            out.push_back(one.value());
+    }
     return out;
 }
 
@@ -314,7 +183,7 @@ std::string all_digits(const std::vector<number> &numbers)
 }
 
 // Small ones are written as words.
-bool is_small(const std::string &digits)
+bool is_small(std::string_view digits)
 {
     return digits.size() == 1 || digits == "10" || digits == "11" || digits == "12";
 }
@@ -328,13 +197,14 @@ std::vector<const number *> find_others(const std::vector<number> &numbers, cons
     const std::string digits = all_digits(others.numbers) + others.named;
     const name_set known(names_of(others.numbers));
     int searches = 0;
-    const auto is_there = [&](const std::string &one) {
+    const auto is_there = [&](std::string_view one) {
         return (!with_small && is_small(one)) || known.has(one) || ++searches > most_searches ||
                digits.find(one) != std::string::npos;
     };
     std::vector<const number *> found;
     for (const number &one : numbers)
-        if (found.size() < 2 && !is_there(one.digits) &&
+        if (found.size() < 2 && (with_small || !is_small(one.value())) && !known.has(one.value()) &&
+            !is_there(one.digits) &&
             !(one.parts.size() > 1 && std::all_of(one.parts.begin(), one.parts.end(), is_there)))
             found.push_back(&one);
     return found;
@@ -366,31 +236,141 @@ bool is_setting(std::string_view bytes)
            std::none_of(bytes.begin(), bytes.end(), is_blank);
 }
 
-bool numbers_differ(const links &own, const links &reference, std::string &message)
+// "(e.g., 12/31/99)": people put their own.
+bool is_example(std::string_view bytes, const number &one)
 {
-    const auto added = find_others(own.numbers, reference, true);
-    const auto gone = find_others(reference.numbers, own, !added.empty());
+    constexpr std::string_view beginnings[] = {"e.g.", "xample", "such as", " like "};
+    std::size_t begin = std::string_view::npos;
+    const std::string_view before = bytes.substr(0, one.begin);
+    for (const std::string_view word : beginnings)
+        if (const std::size_t at = before.rfind(word); at != std::string_view::npos)
+            begin = begin == std::string_view::npos ? at : std::max(begin, at);
+    if (begin == std::string_view::npos)
+        return false;
+    const std::string_view between = before.substr(begin);
+    const auto has = [&](std::string_view end) {
+        return between.find(end, 4) != std::string_view::npos;
+    };
+    return !has(")") && !has(";") && !has(". ") && !has(".\n") && !has("\n\n");
+}
+
+// A text that has the reference's other numbers alone may say a round or a small one in words, if
+// it is long enough for them.
+bool may_be_in_words(const number &one, const links &own, const links &reference, bool is_long)
+{
+    const bool has_words = one.end - one.begin == one.digits.size() &&
+                           (one.digits.size() <= 2 || one.digits.back() == '0');
+    const name_set known(names_of(reference.numbers));
+    return has_words && is_long &&
+           std::all_of(own.numbers.begin(), own.numbers.end(),
+                       [&](const number &other) { return known.has(other.digits); });
+}
+
+// A number in the place of another is about as long. Not every language counts from zero.
+bool may_be_instead(const number &one, const number &other)
+{
+    return one.digits != "0" && std::max(one.digits.size(), other.digits.size()) -
+                                        std::min(one.digits.size(), other.digits.size()) <=
+                                    1;
+}
+
+// Whether a tenth of the languages, and not one alone, has something else for it, or nothing.
+bool is_free(const difference &of, const evidence &all)
+{
+    std::size_t others = all.gone.at(of.gone.front());
+    others -= of.added.empty() ? 1 : all.instead.at({of.gone.front(), of.added.front()->value()});
+    return others >= 2 && 10 * others > all.texts;
+}
+
+bool judge_numbers(const difference &of, const links &expected, std::string_view own,
+                   std::string_view reference, const evidence &all, std::string &message)
+{
     // Where more than one is another, it is an example that is put in the language's own way: a
     // date, a time zone.
-    if (gone.size() != 1 || added.size() > 1 || is_year(gone.front()->digits, own.numbers))
+    if (of.gone.size() != 1 || of.added.size() > 1)
         return false;
-    message = "the number " + gone.front()->shown;
-    message += added.empty() ? " of the reference is missing" : " is " + added.front()->shown;
+    const number &gone = *of.gone.front();
+    const number *added = of.added.empty() ? nullptr : of.added.front();
+    if (is_year(gone.digits, of.own.numbers) || is_example(reference, gone) || is_free(of, all) ||
+        (added == nullptr ? may_be_in_words(gone, of.own, expected,
+                                            4 * count_chars(own) >= 3 * count_chars(reference))
+                          : !may_be_instead(gone, *added)) ||
+        has_numerals(own))
+        return false;
+    tell(message, "number", gone.shown, added == nullptr ? nullptr : &added->shown);
     return true;
+}
+
+class item_links {
+public:
+    explicit item_links(const item_case &at)
+        : at_(at), reference_(read_links(at.reference.bytes)),
+          has_numbers_(!is_setting(at.reference.bytes))
+    {
+        if (!has_numbers_)
+            reference_.numbers.clear();
+    }
+
+    // Those of the languages that are wanted, or of the others.
+    void find(bool wanted);
+    bool is_clean() const { return found_.empty(); }
+    void judge() const;
+
+private:
+    const item_case &at_;
+    links reference_;
+    bool has_numbers_;
+    std::vector<difference> found_;
+    evidence all_;
+};
+
+void item_links::find(bool wanted)
+{
+    for (std::size_t i = 0; i < at_.slots.size(); ++i) {
+        if (at_.slots[i].entry == nullptr || at_.languages[i].is_default ||
+            at_.languages[i].wanted != wanted || at_.slots[i].own.bytes.empty())
+            continue;
+        ++all_.texts;
+        difference one{i, read_links(at_.slots[i].own.bytes), {}, {}, {}, {}};
+        find_addresses(one, reference_.addresses);
+        if (has_numbers_) {
+            one.added = find_others(one.own.numbers, reference_, true);
+            one.gone = find_others(reference_.numbers, one.own, !one.added.empty());
+        }
+        if (one.gone_addresses.empty() && one.gone.empty() &&
+            lacking(reference_.paths, one.own.paths).empty())
+            continue;
+        all_.add(one);
+        found_.push_back(std::move(one));
+    }
+}
+
+void item_links::judge() const
+{
+    std::string message;
+    for (const difference &one : found_) {
+        if (!at_.languages[one.language].wanted)
+            continue;
+        const slot &of = at_.slots[one.language];
+        message.clear();
+        if (judge_addresses(one, all_, message) || judge_paths(one.own, reference_, message) ||
+            judge_numbers(one, reference_, of.own.bytes, at_.reference.bytes, all_, message))
+            at_.found.say(rule_id::link, at_.languages[one.language].name, of.entry, message);
+    }
 }
 
 } // namespace
 
-bool judge_link(const text_case &at, std::string &message)
+void judge_link(const item_case &at)
 {
     if (!at.reference.has(has_digit | has_address))
-        return false;
-    const links own = read_links(at.own.bytes);
-    const links reference = read_links(at.reference.bytes);
-    return differ(own.addresses, reference.addresses, "address", message) ||
-           differ(own.paths, reference.paths, "path", message) ||
-           (!is_setting(at.reference.bytes) && numbers_differ(own, reference, message) &&
-            !has_numerals(at.own.bytes));
+        return;
+    item_links links(at);
+    links.find(true);
+    if (links.is_clean())
+        return;
+    links.find(false);
+    links.judge();
 }
 
 } // namespace zel::lint

@@ -27,7 +27,7 @@ bool judge_bidi(const text_case &at, std::string &message);
 bool judge_bracket(const text_case &at, std::string &message);
 
 // link-rule.cpp
-bool judge_link(const text_case &at, std::string &message);
+void judge_link(const item_case &at);
 
 // plural.cpp
 void judge_plural(const item_case &at);

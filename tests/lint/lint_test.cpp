@@ -151,6 +151,43 @@ TEST(Lint, SameIsAPhraseThatMostLanguagesTranslate)
                 ElementsAre("same: german: the text is that of the reference"));
 }
 
+// With german there are thirteen languages; the last ones say what is told of them.
+std::string told_of(const std::string &rule, const std::string &reference,
+                    const std::vector<std::string> &last)
+{
+    constexpr std::size_t more = 12;
+    std::vector<std::string> names;
+    for (std::size_t i = 0; i < more; ++i)
+        names.push_back(std::string(1, static_cast<char>('a' + i)));
+    made_source source(names);
+    made_source::texts texts{{"english", reference}, {"german", reference}};
+    const bool is_same = rule == "same";
+    for (std::size_t i = 0; i < more; ++i)
+        texts.emplace_back(names[i], i < more - last.size() ? (is_same ? "x" : reference)
+                                                            : last[i - (more - last.size())]);
+    if (!is_same)
+        texts[1].second = last.front();
+    source.add("main", reference, texts);
+    const auto found = source.findings(only(rule));
+    return found.empty() ? "" : found.front();
+}
+
+TEST(Lint, WhatManyLanguagesHaveInTheirOwnWayIsNoMistake)
+{
+    const char *left = "notify with a toaster";
+    EXPECT_EQ(told_of("same", left, {"y"}), "same: german: the text is that of the reference");
+    EXPECT_EQ(told_of("same", left, {left}), "");
+    EXPECT_EQ(told_of("same", "GNU Small Public License, this or later", {"y"}), "");
+    EXPECT_EQ(told_of("same", "* %s(blob)->%s(path), ftp://a.b file1 [file2]", {"y"}), "");
+    // German's number is another one, too.
+    EXPECT_EQ(told_of("link", "RFC 5322", {"RFC 2822", "RFC 2822"}),
+              "link: german: the number 5322 is 2822");
+    EXPECT_EQ(told_of("link", "Mono 12", {"Sans 10", "Sans 11", "Sans 14"}), "");
+    EXPECT_EQ(told_of("link", "https://a.org/x", {"https://b.org/old", "https://b.org/old"}),
+              "link: german: the address https://a.org/x is https://b.org/old");
+    EXPECT_EQ(told_of("link", "https://a.org/x", {"https://b.org/old", "https://c.org/new"}), "");
+}
+
 TEST(Lint, ACommentSwitchesARuleOffForItsLanguage)
 {
     made_source source({"french"});
