@@ -245,7 +245,8 @@ TEST_F(Recovery, AnotherTextIsNoticedAndANewTimeIsNone)
     const auto later = fs::last_write_time(source) + std::chrono::hours(1);
     fs::last_write_time(source, later);
     EXPECT_EQ(news_of(source.c_str(), known), file_news::same);
-    EXPECT_EQ(known.seconds, state_of(source.c_str()).seconds) << "it is read once, not at each look";
+    EXPECT_EQ(known.seconds, state_of(source.c_str()).seconds)
+        << "it is read once, not at each look";
     std::string other = notes;
     other.back() = ' '; // of the same size
     zel_test::write_file(dir / "other", other);
