@@ -153,7 +153,7 @@ TEST(Wrapper, Calls)
                 ElementsAre("1:38 new main/c", "2:15 new main/d", "2:0 unread item no literal",
                             "2:42 new g/e", "2:22 unread item no literal",
                             "3:0 unread item no literal", "3:9 unread group no literal",
-                            "3:36 new main/h"));
+                            "3:38 new main/h"));
 }
 
 } // namespace
