@@ -148,7 +148,7 @@ TEST(Wrapper, Calls)
     // In code only, in these letters only; inner calls count; what is no text is told.
     EXPECT_THAT(told("s = \"_(\\\"a\\\")\"; MY_TEXT(\"g\", \"b\"); _ (\"c\") _;\n"
                      "my_text(\"g\", _(\"d\")); _(lang_tooltip(\"g\", \"e\"), x);\n"
-                     "_(text); my_text(g, \"f\"); _(\"open\"; _(\"h\")",
+                     "_(text); my_text(g, \"f\"); _(\"open\"; _(\"h\"))",
                      &words),
                 ElementsAre("1:38 new main/c", "2:15 new main/d", "2:0 unread item no literal",
                             "2:42 new g/e", "2:22 unread item no literal",
