@@ -68,7 +68,7 @@ INSTANTIATE_TEST_SUITE_P(
              "LANG_GET_STR(h(1), \"main\", \"A\" B)",
              {"2:24 new main/Open", "2:29 pieces item main/Open/Open it", "2:63 new main/A",
               "2:67 pieces item main/A/AB"}},
-        Code{"lang_get_string(\"ma\" \"in\", \"Open\")", {"1:21 pieces group ma/ma/main"}},
+        Code{"lang_get_string(\"ma\" \"i\" \"n\", \"Open\")", {"1:21 pieces group ma/ma/main"}},
         Code{"lang_get(\"first \" \"second\", \"main\", \"Open\" \"file\")",
              {"1:18 pieces description /first /first second"}},
         Code{"lang_get(\"text\", \"main\", \"good \" \"pieces\")", {"1:25 new main/good pieces"}},
@@ -148,11 +148,12 @@ TEST(Wrapper, Calls)
     // In code only, in these letters only; inner calls count; what is no text is told.
     EXPECT_THAT(told("s = \"_(\\\"a\\\")\"; MY_TEXT(\"g\", \"b\"); _ (\"c\") _;\n"
                      "my_text(\"g\", _(\"d\")); _(lang_tooltip(\"g\", \"e\"), x);\n"
-                     "_(text); my_text(g, \"f\"); _(\"open\"",
+                     "_(text); my_text(g, \"f\"); _(\"open\"; _(\"h\"))",
                      &words),
                 ElementsAre("1:38 new main/c", "2:15 new main/d", "2:0 unread item no literal",
                             "2:42 new g/e", "2:22 unread item no literal",
-                            "3:0 unread item no literal", "3:9 unread group no literal"));
+                            "3:0 unread item no literal", "3:9 unread group no literal",
+                            "3:38 new main/h"));
 }
 
 } // namespace

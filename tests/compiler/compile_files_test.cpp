@@ -329,15 +329,18 @@ TEST_F(CompiledSlow, WhoReadsMeanwhileSeesWholeFiles)
 
 TEST_F(Compiled, OfTwoDefinitionsOfOnePathTheLastWinsWhole)
 {
+    const std::string second(300000, 's'); // it is written before the file's end
     const source_guard both = read(
         "define file \"x\" lang \"a\" 1 2 file \"x.lang\" lang \"b\" group \"g\" { item \"i\" { "
-        "used yes lang \"a\" { \"first\" } lang \"b\" { \"second\" } } }");
+        "used yes lang \"a\" { \"first\" } lang \"b\" { \"" +
+        second + "\" } } }");
     compile(both.get());
     EXPECT_EQ(answer.code, 0);
     EXPECT_EQ(printed, "READY open lang file ->x<-\nREADY open lang file ->x.lang<-\n");
     EXPECT_EQ(read_file("x.lang"), "/* automatically generated file, do not edit x.lang */\n\n"
                                    "FORMAT LANGUAGE \"b\"\nCTIME 7\nSRC_MTIME 0\n\n\n"
-                                   "GROUP \"g\"\n  \"i\" {\n    \"second\"    }\n");
+                                   "GROUP \"g\"\n  \"i\" {\n    \"" +
+                                       second + "\"    }\n");
     EXPECT_EQ(texts(".").size(), 2U); // and the source
 }
 

@@ -6,6 +6,7 @@
 #include <ctime>
 #include <filesystem>
 #include <string>
+#include <utility>
 
 #include "app/global.h"
 #include "lex/lex.h"
@@ -337,6 +338,8 @@ TEST_F(Split, OpeningAndClosingTheFiles)
     zel_test::capture_stdout([&] { EXPECT_EQ(open_lang_files(source->langs, nullptr), 0); });
     for (const lang_t *lang : zel::each<lang_t>(source->langs))
         EXPECT_NE(lang->stream, nullptr);
+    auto *first = static_cast<lang_t *>(source->langs->data);
+    EXPECT_EQ(std::fclose(std::exchange(first->stream, nullptr)), 0);
     close_lang_files(source->langs);
     close_lang_files(source->langs);
     EXPECT_EQ(read_file("de.lang"), "/* automatically generated file, do not edit de.lang */\n");

@@ -326,12 +326,15 @@ TEST_F(Store, OneOpenStoreKeepsOthersOutUntilItIsClosed)
     EXPECT_EQ(second.printed, "lang_write_cfg: error 2\n");
     lang_cfg_close(second.store.get());
     EXPECT_TRUE(locked()) << "closing deleted the lock of another store";
+    zel_test::write_file(first.store->tmp, "left by a process that was killed");
     lang_cfg_close(first.store.get());
     EXPECT_FALSE(locked());
+    EXPECT_FALSE(fs::exists(first.store->tmp));
+    EXPECT_EQ(first.store->fp_lock, nullptr);
     EXPECT_EQ(second.open(CFG_OPEN_LOCK), 0);
+    zel_test::write_file(second.store->tmp, "");
     lang_cfg_del(second.store.get());
-    EXPECT_FALSE(locked());
-    EXPECT_FALSE(fs::exists(file));
+    EXPECT_TRUE(fs::is_empty(folder));
 }
 
 TEST_F(Store, ALockOfItsOwnGoesAlsoAfterAnOpenThatFoundIt)
@@ -397,6 +400,7 @@ TEST_F(Store, FailuresLeaveTheFileAlone)
 
 TEST_F(Store, NamesAreDerivedFromTheFile)
 {
+    EXPECT_EQ(lang_cfg_new(""), nullptr);
     const Bound bound(folder / "x.y.ini");
     EXPECT_STREQ(bound.store->name, "x.y");
     EXPECT_STREQ(bound.store->file, "x.y.ini");
@@ -415,6 +419,7 @@ TEST_F(Store, TheListingShowsEveryKeyWithAValue)
     put(full);
     const Bound bound(file);
     bound.read();
+    bound.store->version = 8;
     testing::internal::CaptureStdout();
     EXPECT_EQ(lang_cfg_print_all(bound.store.get()), 0);
     const std::string listing = testing::internal::GetCapturedStdout();
@@ -425,7 +430,7 @@ cfg_print_all: cfg  ->FOLDER/a.ini<-
 cfg_print_all: name ->a<-
 cfg_print_all: path ->FOLDER<-
 cfg_print_all: ------->File ebene
-cfg_print_all: version = 7
+cfg_print_all: version = 8
 cfg_print_all: free = (void)->-top<-
 cfg_print_all: ------->[s]
 cfg_print_all: hex = (hex)0x0000beef

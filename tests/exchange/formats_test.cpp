@@ -34,6 +34,7 @@ TEST(Key, StandsForOneItemOnly)
 {
     EXPECT_EQ(key_of("menu", "_Open"), "menu:_Open");
     EXPECT_EQ(key_of("a:b", "c:d"), "a\\:b:c:d");
+    EXPECT_EQ(xliff_id("az:AZ-09._/"), "az:AZ-09._5F_2F");
     EXPECT_EQ(key_of("", "two\nlines\t\x01\xFF\\"), ":two\\nlines\\t\\x01\\xff\\\\");
     std::set<std::string> keys;
     std::set<std::pair<std::string, std::string>> names;

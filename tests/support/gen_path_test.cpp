@@ -18,6 +18,10 @@ TEST(gen_path, puts_one_separator_between_components)
     EXPECT_STREQ("out/deutsch-edit/de.lang", path);
     gen_path(path, 0, "/tmp/", "a/", "/b", nullptr);
     EXPECT_STREQ("/tmp/a/b", path);
+    gen_path(path, 0, "d", nullptr);
+    gen_path(path, 1, "e", nullptr);
+    EXPECT_STREQ("d/e", path);
+    gen_path(path, 0, "/tmp/a/b", nullptr);
     gen_path(path, 1, "c", "", "unreached", nullptr);
     EXPECT_STREQ("/tmp/a/b/c", path);
     gen_path(path, 0, "\\abs\\", "\\x\\", nullptr);

