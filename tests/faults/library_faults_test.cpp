@@ -220,6 +220,13 @@ TEST_F(Faults, InfoRecords)
         expect(record == nullptr || record->worst == nullptr ||
                    record->worst == zel_list_last(record->entries)->data,
                "the worst entry is none of the list");
+        for (const zel_list *node = record == nullptr ? nullptr : record->entries; node != nullptr;
+             node = node->next) {
+            const auto *entry = static_cast<const zel_info_entry_t *>(node->data);
+            for (const char *text :
+                 {entry->modul, entry->activity, entry->msg, entry->o_activity, entry->o_msg})
+                expect(text != nullptr, "an entry without a text");
+        }
         zel_info_free(record);
     });
 }
