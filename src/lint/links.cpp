@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace zel::lint {
 
@@ -98,20 +99,6 @@ private:
     std::size_t sign_ = 0; // no "@" lies between the position asked for last and here
 };
 
-// A number as people write it: with its decimal points, without commas and points that group.
-std::string shown_number(std::string_view written)
-{
-    constexpr std::size_t group = 3;
-    std::string out;
-    const auto groups = [&](std::size_t sign) {
-        return std::min(written.find_first_of(".,", sign + 1), written.size()) - sign - 1 == group;
-    };
-    for (std::size_t at = 0; at < written.size(); ++at)
-        if (written[at] != ',' && (written[at] != '.' || !groups(at)))
-            out += written[at];
-    return out;
-}
-
 // The digits that count: 1016.0 is 1016, and 2.10.0 is 2.10, but 1.000 may be a thousand.
 std::size_t count_significant(std::string_view written, std::size_t digits)
 {
@@ -162,7 +149,7 @@ number read_number(std::string_view bytes, std::size_t at)
         }
     }
     found.significant = count_significant(written, found.digits.size());
-    found.shown = shown_number(written);
+    found.shown = std::move(written);
     return found;
 }
 

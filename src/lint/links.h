@@ -13,7 +13,7 @@ struct number {
     std::string digits;
     std::size_t significant;        // how many of them: 1016.0 is 1016
     std::vector<std::string> parts; // between its commas
-    std::string shown;              // with its decimal points
+    std::string shown;              // as it is written
     std::size_t begin;              // in the text
     std::size_t end;
 
