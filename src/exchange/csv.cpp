@@ -1,6 +1,7 @@
 #include "exchange/csv.h"
 
 #include "exchange/language-code.h"
+#include "exchange/tbx.h"
 
 #include <algorithm>
 #include <cstring>
@@ -43,7 +44,9 @@ bool needs_quotes(std::string_view text)
            });
 }
 
-void append_cell(std::string &out, std::string_view text)
+enum class cells { guarded, plain };
+
+void append_cell(std::string &out, std::string_view text, cells kind)
 {
     // Few texts are carried: only these are copied.
     std::string carried;
@@ -52,7 +55,7 @@ void append_cell(std::string &out, std::string_view text)
         text = carried;
     }
     // A hostile text must not be calculated by the translator's spreadsheet.
-    const std::string_view sign = begins_formula(text) ? "'" : "";
+    const std::string_view sign = kind == cells::guarded && begins_formula(text) ? "'" : "";
     if (!needs_quotes(text)) {
         out.append(sign).append(text);
         return;
@@ -70,39 +73,77 @@ void append_cell(std::string &out, std::string_view text)
     }
 }
 
+cells cells_of(const exporter &from)
+{
+    return from.request().plain || from.request().glossary ? cells::plain : cells::guarded;
+}
+
 void append_head(std::string &out, const exporter &from)
 {
-    // By the mark a spreadsheet knows that this is UTF-8.
-    out += "\xEF\xBB\xBFgroup,item,description";
+    out += "group,item,description";
     for (const lang_t *lang : from.languages()) {
         out += ',';
-        append_cell(out, lang->name);
+        append_cell(out, lang->name, cells_of(from));
     }
     if (from.request().comments)
         for (const lang_t *lang : from.languages()) {
             out += ',';
-            append_cell(out, std::string(comment_word) + lang->name);
+            append_cell(out, std::string(comment_word) + lang->name, cells_of(from));
         }
     out += "\r\n";
 }
 
 void append_row(std::string &out, const exporter &from, const outgoing_item &item)
 {
-    append_cell(out, item.group);
+    const cells kind = cells_of(from);
+    append_cell(out, item.group, kind);
     for (const std::string_view cell : {item.name, description_of(item.item)}) {
         out += ',';
-        append_cell(out, cell);
+        append_cell(out, cell, kind);
     }
     for (const auto &one : item.texts) {
         out += ',';
-        append_cell(out, one.text);
+        append_cell(out, one.text, kind);
     }
     if (from.request().comments)
         for (const auto &one : item.texts) {
             out += ',';
-            append_cell(out, one.comment);
+            append_cell(out, one.comment, kind);
         }
     out += "\r\n";
+}
+
+// "term,de,pt-BR"; a language without a code has its name.
+void append_glossary_head(std::string &out, const exporter &from)
+{
+    out += "term";
+    for (const lang_t *lang : from.languages()) {
+        const std::string code = code_of(lang->name);
+        out += ',';
+        append_cell(out, code.empty() ? lang->name : xml_code(code), cells::plain);
+    }
+    out += "\r\n";
+}
+
+// Of several words for a term each has a row.
+void append_glossary_rows(std::string &out, const exporter &from, const outgoing_item &item)
+{
+    const std::string_view term = without_end(item.reference);
+    std::vector<std::vector<std::string_view>> columns(item.texts.size());
+    std::size_t rows = 0;
+    for (std::size_t at = 0; at < columns.size(); ++at) {
+        if (from.is_pair(item, at))
+            columns[at] = glossary_terms(item.texts[at].text, term);
+        rows = std::max(rows, columns[at].size());
+    }
+    for (std::size_t row = 0; row < rows; ++row) {
+        append_cell(out, term, cells::plain);
+        for (const auto &column : columns) {
+            out += ',';
+            append_cell(out, row < column.size() ? column[row] : "", cells::plain);
+        }
+        out += "\r\n";
+    }
 }
 
 constexpr std::size_t most_columns = 2000;
@@ -289,9 +330,14 @@ bool is_empty(const record_reader &reader)
 void write_csv(exporter &from, std::vector<outgoing_file> &to)
 {
     outgoing_file &file = to.front();
-    append_head(file.text, from);
+    const bool is_glossary = from.request().glossary;
+    // By the mark a spreadsheet knows that this is UTF-8.
+    if (cells_of(from) == cells::guarded)
+        file.text += "\xEF\xBB\xBF";
+    if (from.request().header)
+        (is_glossary ? append_glossary_head : append_head)(file.text, from);
     from.each_item([&](const outgoing_item &item) {
-        append_row(file.text, from, item);
+        (is_glossary ? append_glossary_rows : append_row)(file.text, from, item);
         file.flush_large();
     });
     file.flush();

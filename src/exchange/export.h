@@ -31,6 +31,10 @@ struct export_request {
     std::optional<message_context> context;
     ready_mark ready = ready_mark::as_is; // in formats that have states
     bool comments = false;                // in formats that have them only when wanted
+    // Of tables.
+    bool header = true;    // a first row that names the columns
+    bool plain = false;    // for programs: no sign that keeps a spreadsheet from calculating a text
+    bool glossary = false; // a column of terms, and one of each language by its code; plain
 };
 
 // One item on its way out. Texts are in one piece, bytes as the source has them.

@@ -30,6 +30,8 @@ void open_language(std::string &out, const std::string &code, std::string_view n
         append_element(out, "<note", "note", note);
 }
 
+constexpr std::string_view keep_word = "keep";
+
 class glossary_writer {
 public:
     glossary_writer(exporter &from, std::vector<outgoing_file> &to)
@@ -94,21 +96,10 @@ private:
         out += "</langSet>\n";
         open_language(out, xml_code(code_of(view_of(from_.languages()[at]->name))),
                       without_end(one.comment));
-        if (without_end(one.text) == "keep")
-            append_term(out, without_end(item.reference), true);
-        else
-            append_terms(out, one.text);
+        const std::string_view term = without_end(item.reference);
+        for (const std::string_view other : glossary_terms(one.text, term))
+            append_term(out, other, without_end(one.text) == keep_word);
         out += "</langSet>\n</termEntry>\n";
-    }
-
-    static void append_terms(std::string &out, std::string_view all)
-    {
-        while (!all.empty()) {
-            std::string_view term = without_end(cut_at(all, '/'));
-            term.remove_prefix(std::min(term.find_first_not_of(" \t\r\n"), term.size()));
-            if (!term.empty())
-                append_term(out, term, false);
-        }
     }
 
     exporter &from_;
@@ -117,6 +108,20 @@ private:
 };
 
 } // namespace
+
+std::vector<std::string_view> glossary_terms(std::string_view text, std::string_view term)
+{
+    if (without_end(text) == keep_word)
+        return {term};
+    std::vector<std::string_view> found;
+    while (!text.empty()) {
+        std::string_view one = without_end(cut_at(text, '/'));
+        one.remove_prefix(std::min(one.find_first_not_of(" \t\r\n"), one.size()));
+        if (!one.empty())
+            found.push_back(one);
+    }
+    return found;
+}
 
 void write_tbx(exporter &from, std::vector<outgoing_file> &to)
 {

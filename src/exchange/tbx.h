@@ -26,6 +26,10 @@
 
 namespace zel::exchange {
 
+// The words for a term that an item's text holds, views into it: "Ordner/Verzeichnis" are two, and
+// "keep" is the term itself.
+std::vector<std::string_view> glossary_terms(std::string_view text, std::string_view term);
+
 void write_tbx(exporter &from, std::vector<outgoing_file> &to);
 fault read_tbx(std::string_view bytes, encoding good, const text_listener &hear);
 

@@ -1,3 +1,4 @@
+#include "exchange/csv.h"
 #include "exchange/formats.h"
 #include "exchange/po.h"
 #include "exchange/tbx.h"
@@ -127,6 +128,7 @@ int run_export(const word &self, int argc, char **argv)
     std::string ready;
     std::vector<std::string> like;
     bool dry_run = false;
+    bool no_header = false;
     exchange::export_request request;
     const parsed line = parse(
         self, argc, argv,
@@ -148,6 +150,13 @@ int run_export(const word &self, int argc, char **argv)
          {.name = "dry-run", .help = "only say which files would be written", .on = &dry_run},
          {.name = "fuzzy", .help = "po: items that are not ready are fuzzy", .on = &request.fuzzy},
          {.name = "comments", .help = "csv: columns for the comments too", .on = &request.comments},
+         {.name = "glossary",
+          .help = "csv: a list of terms, with a column of each language by its code",
+          .on = &request.glossary},
+         {.name = "plain",
+          .help = "csv: cells as programs want them, not spreadsheets",
+          .on = &request.plain},
+         {.name = "no-header", .help = "csv: without the names of the columns", .on = &no_header},
          {.name = "like",
           .argument = "FILE",
           .help = "po: this catalog with the source's texts; may be given again",
@@ -183,6 +192,9 @@ int run_export(const word &self, int argc, char **argv)
     }
     if (!like.empty() && (row.write != exchange::write_po || !request.languages.empty()))
         return wrong_use(self, "--like is for --format po, without --language");
+    if ((request.glossary || request.plain || no_header) && row.write != exchange::write_csv)
+        return wrong_use(self, "--glossary, --plain and --no-header are for --format csv");
+    request.header = !no_header;
     if (const auto mark = choose_ready(self, row, ready))
         request.ready = *mark;
     else
@@ -192,7 +204,8 @@ int run_export(const word &self, int argc, char **argv)
         return status_fault;
     request.source = source.get();
     // A memory of the default language would translate each text by itself.
-    if ((row.write == exchange::write_tmx || row.write == exchange::write_tbx) &&
+    if ((row.write == exchange::write_tmx || row.write == exchange::write_tbx ||
+         request.glossary) &&
         request.languages.empty())
         request.languages = names_but_default(*source);
     exchange::exporter from(request);
