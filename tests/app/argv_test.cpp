@@ -26,7 +26,8 @@ struct words {
     char **position;
 };
 
-constexpr argv_tab_t table[] = {{"edit", 4}, {"check", 2}, {"edit", 9}, {"zero", 0}, {nullptr, -1}};
+constexpr argv_tab_t table[] = {{"edit", 4}, {"check", 2}, {"edit", 9},
+                                {"zero", 0}, {"x", 7},     {nullptr, -1}};
 
 // A word vector that releases itself.
 struct built_words {
@@ -87,8 +88,11 @@ TEST(argv, matches_whole_words_of_a_table)
 
 TEST(argv, matches_long_options_behind_two_dashes)
 {
-    words line{"--edit", "-edit", "--"};
+    words line{"--edit", "--x", "x-edit", "-edit", "--"};
     EXPECT_EQ(4, check_argv(&line.count, &line.position, table));
+    EXPECT_EQ(7, check_argv(&line.count, &line.position, table));
+    EXPECT_EQ(-1, check_argv(&line.count, &line.position, table));
+    argv_prep(&line.count, &line.position);
     EXPECT_EQ(-1, argv_str_to_num(&line.count, &line.position, table));
     argv_prep(&line.count, &line.position);
     EXPECT_EQ(-1, check_argv(&line.count, &line.position, table));

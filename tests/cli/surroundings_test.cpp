@@ -80,7 +80,8 @@ TEST_F(SurroundingsSlow, TooLittleMemoryCostsNothing)
     for (const char *limit : {"-v 25000", "-d 1000"}) { // the second is not enough for any source
         const std::string out =
             shell(std::string("ulimit ") + limit + "; lang check app.lang-src a.c");
-        EXPECT_THAT(out + err, testing::ContainsRegex("not enough memory|failed to allocate"));
+        EXPECT_THAT(out + err,
+                    testing::ContainsRegex("lang: (.*: )?not enough memory\n|failed to allocate"));
         EXPECT_EQ(status, 0);
         EXPECT_TRUE(read_file("app.lang-src") == before);
     }
@@ -115,6 +116,25 @@ TEST_F(Surroundings, ClosedStreamsHitNoFile)
     EXPECT_THAT(read_file("new"), EndsWith("/* EOF new */\n"));
 }
 
+// Somebody saves while the program waits for its turn in the folder: it reads the new text and does
+// its work on that.
+TEST_F(Surroundings, WhatAnotherProgramSavesMeanwhileIsTakenIn)
+{
+    write_file("a.c", "lang_get_string(\"g\", \"i0\");\n");
+    for (const std::string word : {"convert app.lang-src app.lang-src", "check app.lang-src a.c"}) {
+        write_file("app.lang-src", source(1));
+        write_file("theirs", "app \"THEIRS\"\n" + source(1));
+        shell(
+            "exec 9>.lang.lock; flock 9; lang " + word +
+            " 9>&- & n=0; until [ -e lang.tmp ] || [ $((n += 1)) -gt 1000 ]; do sleep 0.01; done; "
+            "mv theirs app.lang-src; exec 9>&-; wait $!");
+        EXPECT_THAT(read_file("app.lang-src"), HasSubstr("app \"THEIRS\"")) << word;
+        EXPECT_THAT(read_file("app.lang-src"), StartsWith("/* !!!! DO NOT EDIT")) << word;
+        EXPECT_THAT(err, StartsWith(word.substr(0, word.find(' ')) +
+                                    ": app.lang-src was changed by another program meanwhile"));
+    }
+}
+
 // What a program prints on a terminal.
 std::string on_terminal(const char *file)
 {
@@ -135,9 +155,12 @@ std::string on_terminal(const char *file)
 
 TEST_F(Surroundings, ATerminalGetsNoControlCharacters)
 {
-    const std::string name = "a\033[2J\302\233z\303\251\a";
-    EXPECT_EQ(on_terminal(name.c_str()), "ERROR(146) open ->a\\x1b[2J\\xc2\\x9bz\303\251\\x07<-\r\n"
-                                         "ERROR: read a\\x1b[2J\\xc2\\x9bz\303\251\\x07\r\n");
+    const std::string name = "a\033[2J\302\233z\302\200\303\251\a";
+    EXPECT_EQ(on_terminal(name.c_str()),
+              "ERROR(146) open ->a\\x1b[2J\\xc2\\x9bz\\xc2\\x80\303\251\\x07<-\r\n"
+              "ERROR: read a\\x1b[2J\\xc2\\x9bz\\xc2\\x80\303\251\\x07\r\n");
+    std::filesystem::create_directory("d\033");
+    EXPECT_THAT(on_terminal("d\033"), HasSubstr("\nlang: d\\x1b: Is a directory\r\n"));
     EXPECT_EQ(shell("lang convert \"$(printf 'a\\033')\" new"),
               "ERROR(146) open ->a\033<-\nERROR: read a\033\n");
 }
