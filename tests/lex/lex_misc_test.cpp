@@ -42,6 +42,7 @@ TEST(WordTables, TheFirstRowThatMatchesOrTheDefault)
     const trans_str_t names[] = {{"de", "german"}, {"fr", "french"}, {"de", "no"}, {nullptr, "x"}};
     EXPECT_STREQ(trans_str_str(names, "de", "?"), "german");
     EXPECT_STREQ(trans_str_str(names, "it", "?"), "?");
+    EXPECT_STREQ(trans_str_str(names, nullptr, "?"), "?");
 }
 
 TEST(WordTables, AMaskIsAListOfWords)

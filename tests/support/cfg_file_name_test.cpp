@@ -34,6 +34,7 @@ TEST_F(cfg_file_log, newest_version_and_most_specific_file_win)
     }
     EXPECT_EQ(1, gen_check_cfg_file_name(out, 10, base, "cfg", 2, 10, 1, 2, 3, "x.ini"));
     EXPECT_EQ(1, gen_check_cfg_file_name(out, sizeof out, base, "cfg", 2, 10, 1, 2, 3, nullptr));
+    EXPECT_EQ(1, gen_check_cfg_file_name(out, sizeof out, base, "cfg", 2, 10, 1, 2, 3, ""));
 }
 
 TEST_F(cfg_file_log, says_what_it_tries)

@@ -26,6 +26,8 @@ std::vector<std::string> fields(std::string whole, int size)
     char *text = whole.data();
     std::vector<std::string> found;
     char field[16];
+    char *passed = text;
+    static_cast<void>(zel_get_sub_str(&passed, nullptr, ',', size)); // only moves
     while (found.size() < 10 && zel_get_sub_str(&text, field, ',', size) == 1)
         found.emplace_back(field);
     return found;
