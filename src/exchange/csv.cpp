@@ -125,7 +125,7 @@ void append_glossary_head(std::string &out, const exporter &from)
     out += "\r\n";
 }
 
-// Of several words for a term each has a row.
+// Where a term has several words in a language, each of them has a row.
 void append_glossary_rows(std::string &out, const exporter &from, const outgoing_item &item)
 {
     const std::string_view term = without_end(item.reference);

@@ -19,8 +19,9 @@ bool has_page(const std::vector<std::string> &addresses, const std::string &one)
            (below != addresses.end() && below->starts_with(one + "/"));
 }
 
-// Whether an address stands there for one of the reference: the same page in another scheme, or one
-// of the language below it. The example's host is nobody's, and people translate it.
+// Whether one of the added addresses replaces that of the reference rightly: it is the same page in
+// the other scheme, or the language's own page below it. Hosts of examples are nobody's, and people
+// translate them.
 bool stands_for(const std::vector<std::string> &added, const std::string &address)
 {
     std::string other = address;
@@ -32,7 +33,7 @@ bool stands_for(const std::vector<std::string> &added, const std::string &addres
            has_page(added, other);
 }
 
-// Behind "http://" and "https://".
+// The address behind "http://" or "https://".
 std::string without_scheme(const std::string &address)
 {
     for (const std::string_view scheme : {"http://", "https://"})
@@ -71,7 +72,7 @@ bool is_slip_of(std::string_view own, std::string_view reference)
              word_around(reference, same, reference.size() - behind).size() != code));
 }
 
-// What a text has of its reference in another way.
+// What a text lacks of its reference, and what it has that the reference has not.
 struct difference {
     std::size_t language;
     links own;
@@ -81,8 +82,9 @@ struct difference {
     std::vector<const number *> added;
 };
 
-// What all the texts of the item tell: where many have put something else for one thing, it is a
-// matter of their language; where some have put the same, it is the reference as it was.
+// How often all texts of the item differ from the reference. Where many languages have another
+// number, each puts its own; where several have the same address, the reference had that one
+// before.
 struct evidence {
     std::size_t texts = 0;
     std::map<std::string, std::size_t> addresses; // that were added
@@ -119,7 +121,7 @@ void find_addresses(difference &of, const std::vector<std::string> &reference)
                   [&](const std::string &one) { return stands_for(of.added_addresses, one); });
     if (of.gone_addresses.empty())
         return;
-    // What was found in another scheme is not in the place of one that is gone.
+    // An address that the reference has in the other scheme replaces none that is missing.
     std::vector<std::string> known(reference.size());
     std::transform(reference.begin(), reference.end(), known.begin(), without_scheme);
     std::sort(known.begin(), known.end());
@@ -128,8 +130,8 @@ void find_addresses(difference &of, const std::vector<std::string> &reference)
     });
 }
 
-// One in the place of another is a slip, or what the reference had once; else the page or the
-// people of the language.
+// Another address is a mistake where it is a slip of the reference's, or what the reference had
+// before; else it is the language's own page or its translators' own mailbox.
 bool judge_addresses(const difference &of, const evidence &all, std::string &message)
 {
     constexpr std::size_t most = 8; // more are a list, which is not looked through

@@ -80,7 +80,7 @@ struct chooser {
         if (dialog == nullptr)
             return;
         g_signal_handlers_disconnect_by_data(dialog, &dialog);
-        // Who has the keyboard is held, too, and would keep a list of completions open.
+        // The window holds the widget with the keyboard, too, and its list of completions open.
         gtk_window_set_focus(GTK_WINDOW(dialog), nullptr);
         gtk_widget_hide(dialog);
         if (destroy_answered(dialog) != FALSE)
