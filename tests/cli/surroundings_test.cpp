@@ -80,8 +80,7 @@ TEST_F(SurroundingsSlow, TooLittleMemoryCostsNothing)
     for (const char *limit : {"-v 25000", "-d 1000"}) { // the second is not enough for any source
         const std::string out =
             shell(std::string("ulimit ") + limit + "; lang check app.lang-src a.c");
-        EXPECT_THAT(out + err,
-                    testing::ContainsRegex("lang: (.*: )?not enough memory\n|failed to allocate"));
+        EXPECT_THAT(out + err, testing::ContainsRegex("not enough memory|failed to allocate"));
         EXPECT_EQ(status, 0);
         EXPECT_TRUE(read_file("app.lang-src") == before);
     }
