@@ -133,7 +133,7 @@ int table_output::write(std::string_view records)
 std::string records_of(const LangSource *source)
 {
     std::string out;
-    for (const edit_t *group : zel::each<edit_t>(source->groups))
+    for (const edit_t *group : zel::each<edit_t>(source == nullptr ? nullptr : source->groups))
         for (const item_t *item : zel::each<item_t>(group->items))
             append_record(out, group, item);
     return out;
@@ -155,6 +155,7 @@ int to_excel_unicode_text(LangSource *source, const char *path, const char * /*l
     // The lines on standard output are an interface: scripts look for them. The causes go to
     // standard error beside them.
     std::puts("to_excel_unicode_text: entry");
+    path = zel::or_empty(path);
     table_output output;
     if (const char *cause = output.open(path)) {
         std::printf("ERROR open excel unicode text file file ->%s<-\n", path);

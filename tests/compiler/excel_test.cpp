@@ -56,6 +56,8 @@ TEST_F(Excel, NothingToWriteAndNowhereToWriteIt)
 {
     EXPECT_EQ(write(), "");
     EXPECT_EQ(result, 0);
+    EXPECT_EQ(to_excel_unicode_text(nullptr, "out.slk", nullptr, nullptr), 0);
+    EXPECT_EQ(to_excel_unicode_text(nullptr, nullptr, nullptr, nullptr), 1);
     write("none/out.slk");
     EXPECT_EQ(printed, "to_excel_unicode_text: entry\n"
                        "ERROR open excel unicode text file file ->none/out.slk<-\n");
