@@ -31,6 +31,16 @@ if(NOT LANG_SANITIZE)
   target_compile_options(lang_options INTERFACE "$<$<NOT:$<CONFIG:Debug>>:${hardening}>")
 endif()
 
+# What developers test: an index behind the end of a list or a text ends the program, and what nobody has
+# set holds no 0 by luck.
+target_compile_definitions(lang_options INTERFACE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
+if(NOT LANG_SANITIZE)
+  check_cxx_compiler_flag(-ftrivial-auto-var-init=pattern LANG_HAS_AUTO_VAR_PATTERN)
+  if(LANG_HAS_AUTO_VAR_PATTERN)
+    target_compile_options(lang_options INTERFACE $<$<CONFIG:Debug>:-ftrivial-auto-var-init=pattern>)
+  endif()
+endif()
+
 # The table of what is called in libraries is filled at the start and then read-only.
 target_link_options(lang_options INTERFACE LINKER:-z,relro LINKER:-z,now LINKER:--as-needed)
 
