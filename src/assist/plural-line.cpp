@@ -56,7 +56,7 @@ std::vector<number_form> number_forms(std::string_view rule, std::string_view te
     rule = rule_or_two(rule);
     const std::size_t needed = count_plural_forms(rule).everyday;
     const std::size_t there = text.empty() ? 0 : count_text_forms(text);
-    const bool is_whole = there != 0 && has_edition_with(rule, there);
+    const bool is_whole = has_edition_with(rule, there);
     const std::vector<std::vector<std::uint64_t>> numbers =
         numbers_of_forms(rule, is_whole ? there : needed);
     std::vector<number_form> out(std::max(numbers.size(), there));

@@ -122,8 +122,6 @@ std::FILE *make_lock(const char *path, bool test)
 // Makes the lock file. With a test there must be none yet, and nobody else may hold it.
 int take_lock(lang_cfg_t *store, bool test)
 {
-    if (!test)
-        close_stream(store->fp_lock);
     std::FILE *lock = make_lock(store->lock, test);
     if (lock == nullptr)
         return test && errno == EEXIST

@@ -38,11 +38,14 @@ protected:
         write_file("a.lang-src-2024-" + date + "-00-00.bak", text);
     }
     // What the item's text was; the number of backups and versions and a colon before it.
-    static std::string was(earlier_limits limits = {}, const char *path = "a.lang-src")
+    static std::string was(earlier_limits limits = {}, const char *path = "a.lang-src",
+                           std::size_t german = 1)
     {
         earlier_texts texts(limits);
         const source_guard source = zel::read_source(path, {}).source;
-        texts.begin({path, "english", {"", "german"}}, *source);
+        zel::assist::neighbour_texts::query wanted{path, "english", {}};
+        wanted.langs[german] = "german";
+        texts.begin(wanted, *source);
         int turns = 0;
         for (; texts.step({}) && turns < 10000; ++turns)
             if (turns > 100) // git may be at work
@@ -50,8 +53,8 @@ protected:
         EXPECT_LT(turns, 10000) << "no end";
         const auto *group = static_cast<const edit_t *>(source->groups->data);
         const auto *item = static_cast<const item_t *>(group->items->data);
-        EXPECT_EQ(texts.of(*group, *item, 0), "") << "no language is translated into there";
-        return std::to_string(texts.files()) + ":" + texts.of(*group, *item, 1);
+        EXPECT_EQ(texts.of(*group, *item, 1 - german), "") << "no language is shown there";
+        return std::to_string(texts.files()) + ":" + texts.of(*group, *item, german);
     }
 };
 
@@ -79,7 +82,14 @@ TEST_F(Earlier, TheTextOfTheOldestBackupThatHasTheTranslation)
         int day = 20;
         for (const std::string &item : row.before)
             keep("05-" + std::to_string(day--) + "-10", file_with(item));
+        const auto open_files = [] {
+            namespace fs = std::filesystem;
+            return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
+        };
+        const auto before = open_files();
         EXPECT_EQ(was(), row.was) << row.why;
+        EXPECT_EQ(was({}, "a.lang-src", 0), row.was) << row.why;
+        EXPECT_EQ(open_files(), before);
         for (; day < 20; ++day)
             std::filesystem::remove("a.lang-src-2024-05-" + std::to_string(day + 1) +
                                     "-10-00-00.bak");

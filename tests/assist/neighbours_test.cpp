@@ -170,6 +170,8 @@ TEST_F(Neighbours, AnotherQuestionBeginsAnewTheSameOneDoesNot)
     texts.forget();
     EXPECT_EQ(best(texts, "Save"), "");
     EXPECT_FALSE(texts.step({}));
+    read(texts, "french");
+    EXPECT_EQ(best(texts, "Save"), "Sichern (g, a.lang-src)") << "what is forgotten is read again";
 }
 
 } // namespace

@@ -402,6 +402,7 @@ TEST_F(Store, NamesAreDerivedFromTheFile)
 {
     EXPECT_EQ(lang_cfg_new(""), nullptr);
     const Bound bound(folder / "x.y.ini");
+    EXPECT_EQ(bound.store->lex->buf, bound.store->buf);
     EXPECT_STREQ(bound.store->name, "x.y");
     EXPECT_STREQ(bound.store->file, "x.y.ini");
     EXPECT_EQ(bound.store->path, folder.string());
