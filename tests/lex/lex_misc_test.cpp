@@ -123,6 +123,7 @@ TEST(FromTokens, SkippingToAToken)
     zel_lex_read_until_token(from.lex(), ';');
     EXPECT_EQ(from.next()->id, TOKEN_EOF);
     zel_lex_read_until_token(nullptr, ';');
+    zel_lex_read_until_token(zel_lex_guard(zel_lex_new(nullptr, 0)).get(), ';'); // without an input
 }
 
 TEST(FromTokens, MatchingAKind)

@@ -378,7 +378,7 @@ int read_from_text(zel_lex_buf_t *, void *context)
 {
     auto *source = static_cast<text_source *>(context);
     if (source->at == source->text.size())
-        return ZEL_LEX_EOF;
+        return 0xffff; // the end in 16 bits
     return static_cast<unsigned char>(source->text[source->at++]);
 }
 
