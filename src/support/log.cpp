@@ -37,18 +37,19 @@ bool leads_elsewhere(const char *file)
     return zel::crosses_foreign_link(file);
 }
 
-// Renames the log of the last run, or a link of that name, to ".old". Anything else stays where it
-// is.
+// Renames the log of the last run, or a link of that name, to ".old"; where there is none, an older
+// ".old" goes all the same. Anything else stays where it is.
 void rotate(const char *file)
 {
     struct stat status {};
-    if (lstat(file, &status) != 0 || (!S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode)))
+    const bool is_there = lstat(file, &status) == 0;
+    if (is_there ? !S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode) : errno != ENOENT)
         return;
     const zel::string_guard old(zel_strdup_printf("%s.old", file));
     if (!old)
         return;
     zel_unlink(old.get());
-    if (zel_rename(file, old.get()) != 0)
+    if (is_there && zel_rename(file, old.get()) != 0)
         unlink(file); // a new log is made all the same
 }
 

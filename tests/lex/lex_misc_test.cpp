@@ -126,14 +126,6 @@ TEST(FromTokens, SkippingToAToken)
     zel_lex_read_until_token(zel_lex_guard(zel_lex_new(nullptr, 0)).get(), ';'); // without an input
 }
 
-TEST(FromTokens, MatchingAKind)
-{
-    const scanner from("\"s\"", escapes);
-    const zel_token_t *token = from.next();
-    EXPECT_EQ(lex_match(token, TOKEN_STRING), 1);
-    EXPECT_EQ(lex_match(token, TOKEN_IDENT), 0);
-}
-
 // --- where the text comes from -------------------------------------------------------------------
 
 TEST(Places, WithoutMarkersTheyAreLineAndColumn)

@@ -77,6 +77,11 @@ TEST(log, new_file_moves_the_one_before)
     LogOpen((dir / "a.log").c_str(), LOG_OPEN_APPEND, "1.2");
     LogClose();
     EXPECT_THAT(read_file(dir / "a.log"), MatchesRegex(whole_log("") + whole_log("")));
+
+    fs::remove(dir / "a.log");
+    LogOpen((dir / "a.log").c_str(), LOG_OPEN_NEW, "1.2");
+    LogClose();
+    EXPECT_FALSE(fs::exists(dir / "a.log.old")) << "it is not of the run before";
 }
 
 TEST(log, without_a_file_the_streams_still_get_everything)
