@@ -44,7 +44,8 @@ bool rotate(const char *file)
 {
     struct stat status {};
     const bool is_there = lstat(file, &status) == 0;
-    if (is_there ? !S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode) : errno != ENOENT)
+    if (is_there ? !S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode)
+                 : errno != ENOENT || *file == '\0')
         return true;
     const zel::string_guard old(zel_strdup_printf("%s.old", file));
     if (!old)
