@@ -128,12 +128,6 @@ TEST(FromTokens, SkippingToAToken)
 
 // --- where the text comes from -------------------------------------------------------------------
 
-TEST(Places, WithoutMarkersTheyAreLineAndColumn)
-{
-    const scanner from("\n\n  here", escapes);
-    EXPECT_STREQ(zel_lex_linemarker_info(from.lex(), from.next()), "3:2");
-}
-
 class PlacesOfFiles : public zel_test::working_dir {};
 
 TEST_F(PlacesOfFiles, WhatAScannerReads)

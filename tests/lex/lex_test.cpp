@@ -106,13 +106,6 @@ TEST(Scanner, BrokenStrings)
         EXPECT_EQ(scan(open, escapes), "-1") << open;
 }
 
-TEST(Scanner, CharacterConstantWithoutItsQuote)
-{
-    scanner from("'ab c", escapes); // the b is lost with it
-    EXPECT_EQ(describe(from.next()), "262:97");
-    EXPECT_EQ(describe(from.next()), "256:c");
-}
-
 // --- keywords ------------------------------------------------------------------------------------
 
 TEST(Keywords, EveryRowOfEveryTableSizeIsFound)
