@@ -117,8 +117,9 @@ void zel_lex_read_until_token(zel_lex_t *lex, int kind)
         return;
     for (;;) {
         const int id = zel_next_token(lex)->id;
-        // Without the end of the input this would never return.
-        if (id == kind || id == TOKEN_NEWLINE || (id <= TOKEN_EOF && id >= TOKEN_ERR_MEM))
+        // Without the end of the input, or without an input (0), this would never return.
+        if (id == kind || id == TOKEN_NEWLINE || id == 0 ||
+            (id <= TOKEN_EOF && id >= TOKEN_ERR_MEM))
             return;
     }
 }

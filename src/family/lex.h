@@ -17,7 +17,7 @@ std::uint64_t zel_lex_seek(zel_lex_t *lex, std::uint64_t offset);
 // empties the scanner's current and look-ahead tokens.
 void zel_lex_buf_clear(zel_lex_t *lex, zel_lex_buf_t *buf);
 
-// Plugs in a reader of the client's: it returns a byte or ZEL_LEX_EOF. Returns 0.
+// Plugs in a reader of the client's: it returns a byte or ZEL_LEX_EOF (as 0xffff, too). Returns 0.
 int zel_lex_buf_set_read_char(zel_lex_buf_t *buf, zel_lex_read_fn function, void *context);
 
 // Prints to standard output; returns 0.

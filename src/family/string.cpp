@@ -2,6 +2,7 @@
 
 #include "support/file-call.h"
 #include "support/log-print.h"
+#include "support/misc-error.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -74,7 +75,10 @@ char *zel_substr(const char *text, int start, int length)
     const std::string_view rest = whole.substr(static_cast<std::size_t>(start) - 1);
     const std::string_view part =
         length <= 0 ? rest : rest.substr(0, static_cast<std::size_t>(length));
-    return dup_ptr_from_to(text, part.data(), part.data() + part.size());
+    char *copy = strndup(part.data(), part.size());
+    if (copy == nullptr)
+        _zel_fatal("string", __LINE__, "zel_substr: ERROR not enough memory\n");
+    return copy;
 }
 
 int zel_get_sub_str(char **cursor, char *out, char separator, int size)

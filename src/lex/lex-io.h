@@ -97,9 +97,10 @@ inline int take_char(zel_lex_buf_t *buf)
         return held;
     }
     for (;;) {
+        // A client's reader may tell the end in 16 bits, as 0xffff.
         const int c = buf->direct != 0 && buf->index < buf->count
                           ? buf->data[buf->index++]
-                          : buf->read_char(buf, buf->read_context);
+                          : static_cast<std::int16_t>(buf->read_char(buf, buf->read_context));
         ++buf->position;
         ++buf->column;
         if (c == '\n') {

@@ -575,7 +575,8 @@ int lex_do_numeric(zel_lex_t *lex, int first, int start)
 {
     zel_token_t *token = lex->work;
     token->length = static_cast<std::uint32_t>(start);
-    const int second = peek_char(lex->buf);
+    // Looked at once: a NUL, which cannot be held, must not join what stands on both sides of it.
+    const int second = first == '0' ? peek_char(lex->buf) : 0;
     int kind = TOKEN_DEC;
     bool fits = add_byte(token, first);
     bool seen = false;
@@ -584,7 +585,7 @@ int lex_do_numeric(zel_lex_t *lex, int first, int start)
         fits = fits && add_byte(token, 'x') && add_while(lex, is_hex, 0, seen);
         kind = TOKEN_HEX;
     } else if (first == '0' && second != '.') {
-        fits = fits && add_while(lex, is_octal, 0, seen);
+        fits = fits && (!is_octal(second) || add_while(lex, is_octal, 0, seen));
         // A 0 by itself is decimal.
         kind = token->length == static_cast<std::uint32_t>(start) + 1 ? TOKEN_DEC : TOKEN_OCT;
     } else {

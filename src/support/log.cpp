@@ -37,19 +37,36 @@ bool leads_elsewhere(const char *file)
     return zel::crosses_foreign_link(file);
 }
 
-// Renames the log of the last run, or a link of that name, to ".old". Anything else stays where it
-// is.
-void rotate(const char *file)
+// Renames the log of the last run, or a link of that name, to ".old"; where there is none, an older
+// ".old" goes all the same. What is no log stays where it is. False when the folder does not give
+// the log up.
+bool rotate(const char *file)
 {
     struct stat status {};
-    if (lstat(file, &status) != 0 || (!S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode)))
-        return;
+    const bool is_there = lstat(file, &status) == 0;
+    if (is_there ? !S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode)
+                 : errno != ENOENT || *file == '\0')
+        return true;
     const zel::string_guard old(zel_strdup_printf("%s.old", file));
     if (!old)
-        return;
+        return true;
     zel_unlink(old.get());
-    if (zel_rename(file, old.get()) != 0)
-        unlink(file); // a new log is made all the same
+    return !is_there || zel_rename(file, old.get()) == 0 || unlink(file) == 0;
+}
+
+// Opens the log of the last run and empties it. A file with another name, under which somebody may
+// want its text, is refused. -1 with errno.
+int open_emptied(const char *file)
+{
+    const int fd = zel::open_plain(file, O_RDWR);
+    if (fd < 0)
+        return -1;
+    struct stat status {};
+    errno = EMLINK;
+    if (fstat(fd, &status) == 0 && status.st_nlink == 1 && ftruncate(fd, 0) == 0)
+        return fd;
+    zel::close_quietly(fd);
+    return -1;
 }
 
 } // namespace
@@ -68,9 +85,9 @@ std::FILE *open_new_log(const char *file)
 {
     if (leads_elsewhere(file))
         return nullptr;
-    rotate(file);
-    // Fails if something has taken the name meanwhile: it is not this program's.
-    return zel::stream_of(zel::open_fresh(file, 0666), "w+b");
+    // A new file is not made if something has taken the name meanwhile: it is not this program's.
+    const int fd = rotate(file) ? zel::open_fresh(file, 0666) : open_emptied(file);
+    return zel::stream_of(fd, "w+b");
 }
 
 } // namespace zel

@@ -40,7 +40,8 @@ inline constexpr std::string_view log_end_marker = "________EOF________";
 static_assert(log_end_marker.size() == 19, "the crash check looks at the last 19 bytes");
 
 // Starts a new file and moves the one before, or a link of that name, to its name with ".old"
-// appended. Null when it cannot be created.
+// appended; what had that name goes, also where there is no file before. A file that its folder
+// does not give up is emptied. Null when there is no file to write.
 std::FILE *open_new_log(const char *file);
 
 void print_log_head(std::FILE *stream, const char *version);

@@ -8,11 +8,12 @@
 #include "family/lex-misc.h"
 #include "family/list.h"
 #include "family/string-copy.h"
+#include "family/string.h"
 #include "langlib/lang-load.h"
 #include "langlib/lang-locale.h"
 #include "langlib/lang-request.h"
 #include "lex/min_lex.h"
-#include "support/string.h"
+#include "support/log.h"
 #include "support/time.h"
 #include "working-dir.h"
 
@@ -20,6 +21,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace {
@@ -298,6 +300,13 @@ TEST_F(Faults, SmallHelpers)
         expect_new(_zel_strdup_add("a", "b"), "ab", "ab", "two strings");
         expect_new(zel_strdup_printf("%d", 7), "7", "7", "a formatted string");
     });
+    LogOpen("log", LOG_OPEN_NEW, "");
+    {
+        const zel_test::failing_memory memory(1, false);
+        expect_new(zel_substr("ab", 2, 1), "", "", "a part of a text");
+    }
+    LogClose();
+    EXPECT_THAT(zel_test::read_file("log"), testing::HasSubstr(" zel_substr: ERROR not enough"));
 }
 
 // Whatever a scanner's client reads through it, it can tell whether that was all.

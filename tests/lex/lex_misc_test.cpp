@@ -123,23 +123,10 @@ TEST(FromTokens, SkippingToAToken)
     zel_lex_read_until_token(from.lex(), ';');
     EXPECT_EQ(from.next()->id, TOKEN_EOF);
     zel_lex_read_until_token(nullptr, ';');
-}
-
-TEST(FromTokens, MatchingAKind)
-{
-    const scanner from("\"s\"", escapes);
-    const zel_token_t *token = from.next();
-    EXPECT_EQ(lex_match(token, TOKEN_STRING), 1);
-    EXPECT_EQ(lex_match(token, TOKEN_IDENT), 0);
+    zel_lex_read_until_token(zel_lex_guard(zel_lex_new(nullptr, 0)).get(), ';'); // without an input
 }
 
 // --- where the text comes from -------------------------------------------------------------------
-
-TEST(Places, WithoutMarkersTheyAreLineAndColumn)
-{
-    const scanner from("\n\n  here", escapes);
-    EXPECT_STREQ(zel_lex_linemarker_info(from.lex(), from.next()), "3:2");
-}
 
 class PlacesOfFiles : public zel_test::working_dir {};
 

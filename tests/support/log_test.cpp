@@ -77,6 +77,27 @@ TEST(log, new_file_moves_the_one_before)
     LogOpen((dir / "a.log").c_str(), LOG_OPEN_APPEND, "1.2");
     LogClose();
     EXPECT_THAT(read_file(dir / "a.log"), MatchesRegex(whole_log("") + whole_log("")));
+
+    fs::remove(dir / "a.log");
+    LogOpen((dir / "a.log").c_str(), LOG_OPEN_NEW, "1.2");
+    LogClose();
+    EXPECT_FALSE(fs::exists(dir / "a.log.old")) << "it is not of the run before";
+}
+
+TEST(log, begins_in_its_place_where_the_folder_gives_nothing_up)
+{
+    const temp_dir dir;
+    const std::string path = dir / "a.log";
+    write_file(path, "before");
+    fs::permissions(path, fs::perms(0666));
+    fs::permissions(dir / "", fs::perms(0555));
+    const bool is_root = geteuid() == 0;
+    ASSERT_TRUE(!is_root || seteuid(65534) == 0);
+    LogOpen(path.c_str(), LOG_OPEN_NEW, "1.2");
+    LogClose();
+    ASSERT_TRUE(!is_root || seteuid(0) == 0);
+    fs::permissions(dir / "", fs::perms(0755));
+    EXPECT_THAT(read_file(path), MatchesRegex(whole_log("")));
 }
 
 TEST(log, without_a_file_the_streams_still_get_everything)
