@@ -300,7 +300,10 @@ int read_compile_options(words &left, char *&destination)
             if (!left.take(destination))
                 return compile_fault();
             break;
-        default: // the help words, and what is no option
+        case compile_help:
+            compile_usage();
+            lang_exit(0);
+        default:
             return compile_fault();
         }
     }

@@ -108,10 +108,6 @@ zel::write_answer replace(zel::safe_file &file, const telling &tell, const zel::
                           const zel::target_file &old)
 {
     const auto may = [&how] { return !how.may_replace || how.may_replace(); };
-    // Asked before anything is done: a refusal leaves everything as it is.
-    const int obstacle = how.backup ? zel::backup_obstacle(old) : 0;
-    if (obstacle != 0)
-        return tell.not_backed_up(zel::backup_name(old, how.now), obstacle);
     // Whatever needs space on the disk happens before anything happens to the old file.
     if (const int error = file.approach(old)) {
         file.keep();
@@ -160,6 +156,10 @@ write_answer write_source(const char *given, LangSource *source, const write_how
     const target_file old = find_target(path, links::follow);
     if (old.refusal != 0)
         return tell.refused(old, how.now);
+    // Asked before anything is done, and told rather than lang.tmp where neither can be.
+    const int obstacle = how.backup ? backup_obstacle(old) : 0;
+    if (obstacle != 0)
+        return tell.not_backed_up(backup_name(old, how.now), obstacle);
     // The file's head bears the new time, so the model has it before the file is written. A save
     // that fails gives the model its old time back.
     const std::int64_t mtime = source->mtime;

@@ -48,9 +48,10 @@ LangSource *lang_alloc_group()
     source->colwidth_group = 200;
     source->colwidth_item = 200;
     source->colwidth_ctrl = 300;
-    // The same words that the writer puts for a missing value.
-    source->app = zel_strdup("unknown");
-    source->default_lang = zel_strdup("english");
+    // The same words that the writer puts for a missing value. zel_strdup would print without
+    // memory.
+    source->app = zel_strdup2("unknown");
+    source->default_lang = zel_strdup2("english");
     return source->app != nullptr && source->default_lang != nullptr ? source.release() : nullptr;
 }
 

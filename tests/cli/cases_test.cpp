@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/driver.h"
 #include "locales.h"
 #include "working-dir.h"
 
@@ -123,6 +124,14 @@ INSTANTIATE_TEST_SUITE_P(Cases, Cli, testing::ValuesIn(case_names()), [](const a
     std::replace(name.begin(), name.end(), '-', '_');
     return name;
 });
+
+TEST(CliWords, AHelpWordOfCompileEndsTheProcess)
+{
+    char help[] = "-h";
+    char file[] = "app.lang-src";
+    char *words[] = {help, file};
+    EXPECT_EXIT(compile_lang_file(2, words), testing::ExitedWithCode(0), "");
+}
 
 TEST(CliLocalesSlow, EveryCaseRunsAsExpected)
 {

@@ -13,6 +13,7 @@
 #include "langlib/lang-locale.h"
 #include "langlib/lang-request.h"
 #include "lex/min_lex.h"
+#include "source/model.h"
 #include "support/log.h"
 #include "support/time.h"
 #include "working-dir.h"
@@ -122,6 +123,18 @@ void ask_everything(lang_handle_t *handle)
     // The translation's conversions are others than the item's: it may never come as it is.
     expect(one_of(lang_get_fmt("formater=%25s", "g", "%s"), " d  s", "%s"), "a format");
     expect(lang_check_string("g", "none") == 0, "a check");
+}
+
+TEST_F(Faults, ANewSourceIsQuiet)
+{
+    dup2(open("printed", O_WRONLY | O_CREAT | O_CLOEXEC, 0600), STDERR_FILENO);
+    fail_everywhere([] {
+        for (int i = 0; i < 2; ++i) {
+            LangSource *source = lang_alloc_group();
+            lang_free_group(&source);
+        }
+    });
+    EXPECT_EQ(zel_test::read_file("printed"), "");
 }
 
 TEST_F(Faults, LoadingAndAsking)

@@ -96,14 +96,4 @@ TEST_F(ModelFiles, ReleasingALanguageClosesItsStream)
     EXPECT_EQ(log.text(), "free_lang_list: entry\nfree_lang_list: exit\n");
 }
 
-TEST(Model, ListsAppendAtTheirEnd)
-{
-    GList *list = g_list_append(nullptr, zel_strdup("a"));
-    zel::list_tail tail(list);
-    tail.append(zel_strdup("b"));
-    tail.append(zel_strdup("c"));
-    EXPECT_EQ(zel_test::strings(list), R"(["a" "b" "c"])");
-    free_lang_entry_text(list);
-}
-
 } // namespace

@@ -198,7 +198,11 @@ TEST_F(SavePlace, FoldersWithoutPermission)
     EXPECT_FALSE(fs::exists("lang.tmp"));
 
     chmod("sub", 0777);
+    write_file("here.lang-src", old_text);
     chmod(".", 0555);
+    save_as_anybody("here.lang-src"); // neither its dated name nor lang.tmp can be made
+    EXPECT_EQ(result, 1);
+    EXPECT_THAT(printed, StartsWith("lang_write_file(1): error(" + std::to_string(EACCES) + ")"));
     save_as_anybody("sub/app.lang-src");
     EXPECT_EQ(result, -1);
     expect_nothing_lost("sub/app.lang-src");
@@ -274,6 +278,7 @@ TEST_F(SavePlace, SomebodyElsesFolderWithPreparedNames)
     write_file("other", "precious");
     chmod("other", 0666);
     write_file("app.lang-src", old_text);
+    ASSERT_EQ(chown("app.lang-src", nobody, nobody), 0);
     for (const bool link : {false, true}) {
         if (link)
             fs::create_symlink("other", "lang.tmp");
@@ -287,6 +292,7 @@ TEST_F(SavePlace, SomebodyElsesFolderWithPreparedNames)
         EXPECT_EQ(read_file("other"), "precious");
         fs::remove("lang.tmp");
     }
+    ASSERT_EQ(chown("app.lang-src", 0, 0), 0);
     chmod("app.lang-src", 0666); // may be written, but not replaced
     save_as_anybody("app.lang-src");
     EXPECT_EQ(result, 1);
