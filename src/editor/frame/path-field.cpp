@@ -47,6 +47,13 @@ bool is_field(GtkWidget *widget)
     return g_strcmp0(G_OBJECT_TYPE_NAME(widget), "GtkFileChooserEntry") == 0;
 }
 
+// Whether this is a list of files in which several are selected.
+bool has_several(GtkWidget *widget)
+{
+    return GTK_IS_TREE_VIEW(widget) && gtk_tree_selection_count_selected_rows(
+                                           gtk_tree_view_get_selection(GTK_TREE_VIEW(widget))) > 1;
+}
+
 // The field while it has the keyboard, else null.
 GtkEntry *typed_in(gpointer chooser)
 {
@@ -128,6 +135,11 @@ void selection_changed(GtkFileChooser *chooser, gpointer)
     GtkEntry *entry = typed_in(chooser);
     if (entry == nullptr)
         return;
+    // The field has no room for several files, and with the keyboard there the toolkit takes none.
+    if (GtkWidget *list = find_inside(GTK_WIDGET(chooser), has_several)) {
+        gtk_widget_grab_focus(list);
+        return;
+    }
     const path_field *field = state_of_field(chooser);
     const std::string text = gtk_entry_get_text(entry);
     // A copy: taking the selection away changes the field, and so what is remembered of it.
