@@ -390,6 +390,18 @@ TEST_F(Table, AGroupsPictureIsReadWhenItsPageIsSeenAndFitsThere)
     });
 }
 
+TEST_F(Table, FieldsOfTwoLanguagesWithOneNameLoseTheirEntryTogether)
+{
+    write_file(source(), R"(define file "a" lang "x" 1 1 1 define file "b" lang "x" 1 1 1
+                            GROUP "g" { ITEM "i" { USED YES } })");
+    run_editor(source(), [] {
+        edit_more.put_away(editWin);
+        EXPECT_EQ(panel()->trans2_entry, nullptr);
+        edit_more.bring_back(editWin);
+        EXPECT_EQ(panel()->trans2_entry, panel()->trans1_entry);
+    });
+}
+
 TEST_F(Table, MayBeDestroyedAfterItsSource)
 {
     run_editor("", [&] {

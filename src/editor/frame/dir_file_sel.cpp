@@ -94,8 +94,10 @@ struct chooser {
 
     bool accepted(const char *preset = "") const
     {
-        zel::show_path_field(dialog, preset);
-        return gtk_dialog_run(GTK_DIALOG(dialog)) == GTK_RESPONSE_ACCEPT && dialog != nullptr;
+        int answer = zel::show_path_field(dialog, preset);
+        if (answer == GTK_RESPONSE_NONE)
+            answer = gtk_dialog_run(GTK_DIALOG(dialog));
+        return answer == GTK_RESPONSE_ACCEPT && dialog != nullptr;
     }
     [[nodiscard]] char *run(const char *preset = "") const
     {

@@ -47,6 +47,13 @@ bool is_field(GtkWidget *widget)
     return g_strcmp0(G_OBJECT_TYPE_NAME(widget), "GtkFileChooserEntry") == 0;
 }
 
+// Whether this is a list of files in which several are selected.
+bool has_several(GtkWidget *widget)
+{
+    return GTK_IS_TREE_VIEW(widget) && gtk_tree_selection_count_selected_rows(
+                                           gtk_tree_view_get_selection(GTK_TREE_VIEW(widget))) > 1;
+}
+
 // The field while it has the keyboard, else null.
 GtkEntry *typed_in(gpointer chooser)
 {
@@ -128,6 +135,11 @@ void selection_changed(GtkFileChooser *chooser, gpointer)
     GtkEntry *entry = typed_in(chooser);
     if (entry == nullptr)
         return;
+    // The field has no room for several files, and with the keyboard there the toolkit takes none.
+    if (GtkWidget *list = find_inside(GTK_WIDGET(chooser), has_several)) {
+        gtk_widget_grab_focus(list);
+        return;
+    }
     const path_field *field = state_of_field(chooser);
     const std::string text = gtk_entry_get_text(entry);
     // A copy: taking the selection away changes the field, and so what is remembered of it.
@@ -194,6 +206,11 @@ void wait_for_folder(GtkWidget *chooser)
     g_source_remove(wake);
 }
 
+void note_response(GtkDialog *, gint response, gpointer answer)
+{
+    *static_cast<int *>(answer) = response;
+}
+
 } // namespace
 
 namespace zel {
@@ -205,7 +222,7 @@ GtkWidget *inner_chooser(GtkWidget *chooser)
     });
 }
 
-void show_path_field(GtkWidget *chooser, const char *preset)
+int show_path_field(GtkWidget *chooser, const char *preset)
 {
     auto *field = new path_field{{}, {}, preset, gtk_label_new(nullptr)};
     zel::keep_at(chooser, field_key, field);
@@ -216,15 +233,21 @@ void show_path_field(GtkWidget *chooser, const char *preset)
     g_signal_connect(chooser, "key-press-event", G_CALLBACK(begin_path), nullptr);
     g_signal_connect(chooser, "set-focus", G_CALLBACK(focus_moved), nullptr);
     const early_keys keys(chooser); // sends them when this function returns
+    int answer = GTK_RESPONSE_NONE;
+    const gulong heard = g_signal_connect(chooser, "response", G_CALLBACK(note_response), &answer);
     wait_for_folder(chooser);
+    g_signal_handler_disconnect(chooser, heard);
+    if (answer != GTK_RESPONSE_NONE)
+        return answer;
     gtk_widget_show(chooser);
     if (gtk_file_chooser_get_action(GTK_FILE_CHOOSER(chooser)) == GTK_FILE_CHOOSER_ACTION_SAVE)
-        return; // such a chooser always shows its field, with the preset's name
+        return GTK_RESPONSE_NONE; // such a chooser always shows its field, with the preset's name
     pop_up_field(chooser, preset);
     if (GtkEntry *entry = typed_in(chooser))
         gtk_editable_select_region(GTK_EDITABLE(entry), 0, -1);
     // Only now: the chooser's own first selection is no reading of the list.
     g_signal_connect(chooser, "selection-changed", G_CALLBACK(selection_changed), nullptr);
+    return GTK_RESPONSE_NONE;
 }
 
 void put_path(GtkWidget *chooser, const char *path)

@@ -130,14 +130,17 @@ void bind_entry(Zeltext *text, int number, const char *lang)
 // still empty.
 void drop_made_entry(Zeltext *text, int number)
 {
-    lang_entry_t *&entry = text->*fields[number].entry;
+    const lang_entry_t *entry = text->*fields[number].entry;
     if (text->made[number] == 0 || entry == nullptr || entry->texts != nullptr)
         return;
     GList *&entries = text->item->*fields[number].entries;
     GList *link = g_list_find(entries, entry);
     entries = g_list_remove_link(entries, link);
+    // Where both edited languages have one name, the other field shows the same entry.
+    for (const field_t &field : fields)
+        if (text->*field.entry == entry)
+            text->*field.entry = nullptr;
     free_lang_entry_list(link);
-    entry = nullptr;
 }
 
 // Setting a label's text lays out the window, also when it is the same.
