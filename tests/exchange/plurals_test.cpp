@@ -18,7 +18,7 @@ TEST(PluralExpression, CountsAsC)
         plural_expression expression;
         const std::string wrong = expression.read(row[0]);
         std::string found = wrong;
-        for (const std::uint64_t n : {0, 1, 2, 5, 11, 22})
+        for (const std::uint64_t n : {0U, 1U, 2U, 5U, 11U, 22U})
             if (wrong.empty()) {
                 const auto form = expression.form(n);
                 found += (n == 0 ? "" : " ") + (form ? std::to_string(*form) : "-");

@@ -318,7 +318,8 @@ const std::map<std::string, void (*)(const words &)> acts{
          g_free(lang_global.doc_dir);
          lang_global.doc_dir = row[1].empty() ? nullptr : g_strdup(row[1].c_str());
      }},
-    {"recover every", [](const words &row) { zel::recovery_interval = row.number(1); }},
+    {"recover every",
+     [](const words &row) { zel::recovery_interval = static_cast<guint>(row.number(1)); }},
     {"file in the place of the recovery folder",
      [](const words &) {
          const std::string folder = zel::recovery_folder(); // which makes it
@@ -378,7 +379,8 @@ const std::map<std::string, void (*)(const words &)> acts{
      [](const words &row) { gtk_entry_set_text(GTK_ENTRY(row.widget()), row[2].c_str()); }},
     {"caret", put_caret},
     {"focus", [](const words &row) { gtk_widget_grab_focus(row.widget()); }},
-    {"digits", [](const words &row) { lang_global.digit_keys = row.number(1) & 3U; }},
+    {"digits",
+     [](const words &row) { lang_global.digit_keys = static_cast<unsigned>(row.number(1)) & 3U; }},
     {"paste",
      [](const words &row) {
          GtkClipboard *clipboard = gtk_clipboard_get(GDK_SELECTION_CLIPBOARD);

@@ -82,7 +82,7 @@ TEST_F(Plural, LargeNumbersAreReadAsTheRuleHasThem)
             load("LANGUAGE \"" + std::string(code) + "\" GROUP g a { \"" + text + "\" }");
         const char *own = lang_get_str(handle.get(), "g", "a");
         const std::size_t count = zel::count_text_forms(text);
-        for (const std::uint64_t step : {1, 1000, 100003, 1000000, 20000001})
+        for (const std::uint64_t step : {1U, 1000U, 100003U, 1000000U, 20000001U})
             for (std::uint64_t n = 990 * step; n < 1130 * step; n += step)
                 EXPECT_EQ(lang_plural_of(handle.get(), own, static_cast<std::int64_t>(n)),
                           zel::text_form(text, zel::plural_form(row.plural, count, n)))

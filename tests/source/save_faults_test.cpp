@@ -317,7 +317,7 @@ TEST_F(TogetherSlow, WhoHoldsAFileForEverStopsNoSave)
 // be opened by those who may write there.
 TEST_F(SaveFaults, WhoMayReadTheFolderKeepsNobodyFromSaving)
 {
-    for (const mode_t mode : {0755, 0775, 0777}) {
+    for (const mode_t mode : {0755U, 0775U, 0777U}) {
         clear(".");
         write_file("app.lang-src", old_text);
         ASSERT_EQ(chmod(".", mode), 0);

@@ -126,7 +126,7 @@ TEST_F(SavePlace, TheNewFileIsAsOpenToOthersAsTheOldOne)
 {
     const zel_test::elsewhere other;
     for (const std::string &start : {std::string("a"), other.path() + "/a"}) {
-        for (const mode_t mode : {0600, 0664, 0440}) {
+        for (const mode_t mode : {0600U, 0664U, 0440U}) {
             const std::string path = start + std::to_string(mode); // no backup waits for another
             write_file(path, old_text);
             ASSERT_EQ(chmod(path.c_str(), mode), 0);
