@@ -7,6 +7,8 @@
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <iterator>
 #include <string>
 
 #include "support/log-print.h"
@@ -28,6 +30,13 @@ class working_dir : public testing::Test {
 protected:
     temp_dir dir{temp_dir::enter::yes};
 };
+
+// How many descriptors the process has open, beside the one that looks.
+inline std::ptrdiff_t open_files()
+{
+    const std::filesystem::directory_iterator all("/proc/self/fd");
+    return std::distance(begin(all), end(all)) - 1;
+}
 
 // The text with every match of a pattern replaced: 0 stands for a digit, x for a hexadecimal one.
 inline std::string replace_pattern(const std::string &text, const std::string &pattern,

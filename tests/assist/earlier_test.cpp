@@ -82,14 +82,10 @@ TEST_F(Earlier, TheTextOfTheOldestBackupThatHasTheTranslation)
         int day = 20;
         for (const std::string &item : row.before)
             keep("05-" + std::to_string(day--) + "-10", file_with(item));
-        const auto open_files = [] {
-            namespace fs = std::filesystem;
-            return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
-        };
-        const auto before = open_files();
+        const auto before = zel_test::open_files();
         EXPECT_EQ(was(), row.was) << row.why;
         EXPECT_EQ(was({}, "a.lang-src", 0), row.was) << row.why;
-        EXPECT_EQ(open_files(), before);
+        EXPECT_EQ(zel_test::open_files(), before);
         for (; day < 20; ++day)
             std::filesystem::remove("a.lang-src-2024-05-" + std::to_string(day + 1) +
                                     "-10-00-00.bak");

@@ -341,6 +341,9 @@ TEST_F(Store, ALockOfItsOwnGoesAlsoAfterAnOpenThatFoundIt)
 {
     const Bound bound(file);
     EXPECT_EQ(bound.open(), 0);
+    const auto before = zel_test::open_files();
+    EXPECT_EQ(bound.open(), 0);
+    EXPECT_EQ(zel_test::open_files(), before) << "the lock before is closed";
     EXPECT_EQ(bound.open(CFG_OPEN_LOCK), CFG_LOCKED);
     lang_cfg_close(bound.store.get());
     EXPECT_FALSE(locked());
