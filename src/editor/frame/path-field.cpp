@@ -155,7 +155,8 @@ void selection_changed(GtkFileChooser *chooser, gpointer)
 // What is typed before the chooser is seen waits for it: the toolkit would complain of keys without
 // a window, and an Escape would destroy the chooser.
 struct early_keys {
-    explicit early_keys(GtkWidget *to) : chooser(to), snooper(gtk_key_snooper_install(hold, this))
+    explicit early_keys(GtkWidget *to)
+        : chooser(GTK_WIDGET(g_object_ref(to))), snooper(gtk_key_snooper_install(hold, this))
     {
         gtk_grab_add(chooser);
     }
@@ -169,6 +170,7 @@ struct early_keys {
             gdk_event_put(event);
             gdk_event_free(event);
         }
+        g_object_unref(chooser);
     }
 
 private:
@@ -186,9 +188,20 @@ private:
     guint snooper;
 };
 
+void note_response(GtkDialog *, gint response, gpointer answer)
+{
+    *static_cast<int *>(answer) = response;
+}
+
+void note_end(GtkWidget *, gpointer answer)
+{
+    *static_cast<int *>(answer) = GTK_RESPONSE_DELETE_EVENT;
+}
+
 // Waits until the toolkit has taken the folder, which it does in its own time: a chooser that
-// appears before begins in another folder, and loses what stands in its field.
-void wait_for_folder(GtkWidget *chooser)
+// appears before begins in another folder, and loses what stands in its field. Returns the answer
+// that the chooser gets meanwhile, or GTK_RESPONSE_NONE.
+int wait_for_folder(GtkWidget *chooser)
 {
     // A folder on a network may never come: then the chooser appears as it is.
     constexpr gint64 longest = 1000000; // microseconds
@@ -196,19 +209,20 @@ void wait_for_folder(GtkWidget *chooser)
     // The iteration below sleeps until something happens: the timer makes it look at the clock.
     const guint wake = g_timeout_add(
         5, [](gpointer) -> gboolean { return TRUE; }, nullptr);
+    int answer = GTK_RESPONSE_NONE;
+    g_signal_connect(chooser, "response", G_CALLBACK(note_response), &answer);
+    g_signal_connect(chooser, "destroy", G_CALLBACK(note_end), &answer);
     gtk_widget_realize(chooser);
     gchar *folder = nullptr;
-    while (folder == nullptr && g_get_monotonic_time() < end) {
+    while (folder == nullptr && answer == GTK_RESPONSE_NONE && g_get_monotonic_time() < end) {
         g_main_context_iteration(nullptr, TRUE);
-        folder = gtk_file_chooser_get_current_folder(GTK_FILE_CHOOSER(chooser));
+        if (answer == GTK_RESPONSE_NONE)
+            folder = gtk_file_chooser_get_current_folder(GTK_FILE_CHOOSER(chooser));
     }
     g_free(folder);
     g_source_remove(wake);
-}
-
-void note_response(GtkDialog *, gint response, gpointer answer)
-{
-    *static_cast<int *>(answer) = response;
+    g_signal_handlers_disconnect_by_data(chooser, &answer);
+    return answer;
 }
 
 } // namespace
@@ -233,11 +247,7 @@ int show_path_field(GtkWidget *chooser, const char *preset)
     g_signal_connect(chooser, "key-press-event", G_CALLBACK(begin_path), nullptr);
     g_signal_connect(chooser, "set-focus", G_CALLBACK(focus_moved), nullptr);
     const early_keys keys(chooser); // sends them when this function returns
-    int answer = GTK_RESPONSE_NONE;
-    const gulong heard = g_signal_connect(chooser, "response", G_CALLBACK(note_response), &answer);
-    wait_for_folder(chooser);
-    g_signal_handler_disconnect(chooser, heard);
-    if (answer != GTK_RESPONSE_NONE)
+    if (const int answer = wait_for_folder(chooser); answer != GTK_RESPONSE_NONE)
         return answer;
     gtk_widget_show(chooser);
     if (gtk_file_chooser_get_action(GTK_FILE_CHOOSER(chooser)) == GTK_FILE_CHOOSER_ACTION_SAVE)
