@@ -225,6 +225,7 @@ TEST(own_log, stamps_as_asked_and_has_no_end)
     const temp_dir dir;
     const std::string path = dir / "own.log";
     write_file(path, "before");
+    const auto before = zel_test::open_files();
     zel_log_guard log(
         zel_log_open(path.c_str(), "1.2", ZEL_LOG_TIME | ZEL_LOG_THREAD | ZEL_LOG_HEADER));
     ASSERT_NE(nullptr, log);
@@ -232,6 +233,7 @@ TEST(own_log, stamps_as_asked_and_has_no_end)
     zel_log_print(log.get(), "a %s\n", "b");
     zel_log_puts(log.get(), "text\n");
     log.reset();
+    EXPECT_EQ(before, zel_test::open_files());
     EXPECT_THAT(read_file(path),
                 MatchesRegex(std::string("Start logging Version 1\\.2  ") + stamps +
                              "\nLinux or unknown\n\n[0-9:]+ -[0-9a-f]+ a b\n-[0-9a-f]+ text\n"));
