@@ -7,6 +7,7 @@
 #include "source/lang-read.h"
 #include "source/lang-write.h"
 #include "test-support.h"
+#include "working-dir.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -239,7 +240,9 @@ TEST_F(Recovery, AHomeThatCannotBeUsedGivesNoFolder)
 
 TEST_F(Recovery, AnotherTextIsNoticedAndANewTimeIsNone)
 {
+    const auto before = zel_test::open_files();
     file_state known = state_of(source.c_str());
+    EXPECT_EQ(zel_test::open_files(), before);
     EXPECT_EQ(known.hash.size(), 64U);
     EXPECT_EQ(news_of(source.c_str(), known), file_news::same);
     const auto later = fs::last_write_time(source) + std::chrono::hours(1);
@@ -260,6 +263,7 @@ TEST_F(Recovery, AnotherTextIsNoticedAndANewTimeIsNone)
 TEST_F(Recovery, TheSecondLockNamesTheFirst)
 {
     const std::string lock = folder + "/" + name_of_source(source) + ".lock";
+    const auto before = zel_test::open_files();
     source_lock first;
     source_lock second;
     ASSERT_TRUE(first.take(folder, source));
@@ -276,6 +280,8 @@ TEST_F(Recovery, TheSecondLockNamesTheFirst)
     zel_test::write_file(lock, "1 some host\n");
     EXPECT_TRUE(second.take(folder, source));
     second.release();
+    second.release(); // once is enough, and the second time nothing is closed
+    EXPECT_EQ(zel_test::open_files(), before);
     fs::create_directory(lock);
     EXPECT_TRUE(second.take(folder, source));
     EXPECT_TRUE(first.take("", source));

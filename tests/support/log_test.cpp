@@ -1,4 +1,5 @@
 #include "log-fixture.h"
+#include "working-dir.h"
 
 #include "family/log.h"
 
