@@ -318,8 +318,14 @@ TEST_F(Faults, SmallHelpers)
         const zel_test::failing_memory memory(1, false);
         expect_new(zel_substr("ab", 2, 1), "", "", "a part of a text");
     }
+    {
+        const zel_test::failing_memory memory(1, false);
+        expect_new(zel_strdup("ab"), "", "", "a copy");
+    }
     LogClose();
-    EXPECT_THAT(zel_test::read_file("log"), testing::HasSubstr(" zel_substr: ERROR not enough"));
+    EXPECT_THAT(zel_test::read_file("log"),
+                testing::AllOf(testing::HasSubstr(" zel_substr: ERROR not enough"),
+                               testing::HasSubstr("FATAL: zel_malloc:111 not enough memory")));
 }
 
 // Whatever a scanner's client reads through it, it can tell whether that was all.
