@@ -31,11 +31,11 @@ if(NOT LANG_SANITIZE)
   target_compile_options(lang_options INTERFACE "$<$<NOT:$<CONFIG:Debug>>:${hardening}>")
 endif()
 
-# What developers test: an index behind the end of a list or a text ends the program, and what nobody has
-# set holds no 0 by luck.
+# What developers test: an index behind the end of a list or a text ends the program, and a variable that
+# nobody has set holds no 0 by luck. Valgrind does not read the newer DWARF 5 of clang.
 target_compile_definitions(lang_options INTERFACE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
-# Debuggers and valgrind of today do not read all that clang writes for those of tomorrow.
-target_compile_options(lang_options INTERFACE $<$<AND:$<CONFIG:Debug>,$<COMPILE_LANG_AND_ID:CXX,Clang>>:-gdwarf-4>)
+target_compile_options(lang_options INTERFACE
+  $<$<AND:$<CONFIG:Debug>,$<COMPILE_LANG_AND_ID:CXX,Clang>>:-gdwarf-4>)
 if(NOT LANG_SANITIZE)
   check_cxx_compiler_flag(-ftrivial-auto-var-init=pattern LANG_HAS_AUTO_VAR_PATTERN)
   if(LANG_HAS_AUTO_VAR_PATTERN)

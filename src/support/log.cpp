@@ -44,14 +44,15 @@ bool rotate(const char *file)
 {
     struct stat status {};
     const bool is_there = lstat(file, &status) == 0;
-    if (is_there ? !S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode)
-                 : errno != ENOENT || *file == '\0')
+    const bool is_missing = !is_there && errno == ENOENT && *file != '\0';
+    const bool is_log = is_there && (S_ISREG(status.st_mode) || S_ISLNK(status.st_mode));
+    if (!is_log && !is_missing)
         return true;
     const zel::string_guard old(zel_strdup_printf("%s.old", file));
     if (!old)
         return true;
     zel_unlink(old.get());
-    return !is_there || zel_rename(file, old.get()) == 0 || unlink(file) == 0;
+    return is_missing || zel_rename(file, old.get()) == 0 || unlink(file) == 0;
 }
 
 // Opens the log of the last run and empties it. A file with another name, under which somebody may
